@@ -1,0 +1,30 @@
+# shellcheck shell=bash
+# Sourced by the scripts beside it.
+
+top=$(cd "$(dirname "${BASH_SOURCE[0]}")/../.." && pwd)
+cd "$top" || exit 1
+
+say() { printf '\n== %s\n' "$*" >&2; }
+die() { printf '%s: %s\n' "${0##*/}" "$*" >&2; exit 1; }
+
+# build PRESET [TARGET...]: configures and builds quietly; the whole output only when it fails.
+build() {
+    local preset=$1 log
+    shift
+    log=$(mktemp)
+    if ! { cmake --preset "$preset" && cmake --build --preset "$preset" ${1:+--target "$@"}; } >"$log" 2>&1; then
+        cat "$log" >&2
+        rm -f "$log"
+        die "the build with preset $preset failed"
+    fi
+    rm -f "$log"
+}
+
+# use_throwaway_home DIR: from here on programs keep their settings below DIR, and the settings of
+# whoever runs this are out of reach. The display's credentials stay where they are.
+use_throwaway_home() {
+    export XAUTHORITY="${XAUTHORITY:-$HOME/.Xauthority}"
+    export CCACHE_DIR="${CCACHE_DIR:-$HOME/.cache/ccache}"
+    export HOME="$1" XDG_CONFIG_HOME="$1/.config" XDG_CACHE_HOME="$1/.cache"
+    mkdir -p "$XDG_CONFIG_HOME" "$XDG_CACHE_HOME"
+}
