@@ -1,0 +1,40 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <set>
+#include <stdexcept>
+#include <string>
+
+/// How one model authenticates: a row of the authentication table. The defaults are those of a model
+/// without a row.
+struct AuthConfig {
+  bool enabled = false;
+  int algorithm_id = 0;
+  uint32_t probe_cmd = 0x000000DF;      ///< asks whether authentication is required
+  uint32_t challenge_cmd = 0x00000066;  ///< fetches the random challenge
+  uint32_t response_cmd = 0x000000E0;   ///< sends the computed response
+  std::set<uint8_t> protected_cmds;
+  int32_t probe_offset = 0;  ///< first byte of the "required" value in the probe's reply
+  int32_t probe_len = 1;     ///< length of that value in bytes
+  bool probe_little_endian = false;
+};
+
+/// A cell of the authentication table that cannot be used. what() is the bare reason, place() the
+/// file, line and column for a message to the user.
+class AuthConfigError : public std::invalid_argument {
+ public:
+  AuthConfigError(const std::string& reason, std::string place)
+      : std::invalid_argument(reason), place_(std::move(place)) {}
+  const std::string& place() const noexcept { return place_; }
+
+ private:
+  std::string place_;
+};
+
+/// Reads the row whose "Model" is `model`; the defaults when there is none. Of a row that is not
+/// enabled ("Enable" is anything but "1") nothing else is read. Throws AuthConfigError with the text
+/// "empty auth cmd" for a command cell without digits, "empty hex byte" for an item of
+/// "ProtectedCmds" without digits, and a plain reason for a cell that is no number; std::exceptions of
+/// CsvTable for a missing file or column. Any thread.
+AuthConfig LoadAuthConfig(const std::string& table, const std::string& model);
