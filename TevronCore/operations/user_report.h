@@ -1,0 +1,24 @@
+#pragma once
+
+#include <string>
+
+/// Kind of a line in the log window, which shows it in square brackets before the text.
+enum class LogType { kInfo, kSuccess, kWarning, kError, kCmx, kByteFlow };
+
+/// "INFO", "SUCCESS", "WARNING", "ERROR", "CMX" or "BYTESFLOW".
+const char* LogTypeName(LogType type);
+
+/// Where an operation says what happened. Operations know nothing else of the user interface, so
+/// that each can be built and tested without it. Callable on any thread; never blocks on the
+/// receiver.
+class UserReport {
+ public:
+  virtual ~UserReport() = default;
+
+  /// A failure the user has to see now: shown in the error box. An empty text shows nothing.
+  virtual void Error(const std::string& text) = 0;
+  /// A result the user waits for: shown in the success box. An empty text shows nothing.
+  virtual void Success(const std::string& text) = 0;
+  /// One line of the log window.
+  virtual void LogLine(const std::string& text, LogType type) = 0;
+};
