@@ -108,10 +108,10 @@ class TevronManager : public QObject {
   void isDownloadLogChanged();
   void lidarModelListChanged();
   void isResetAllSettingsVisibleChanged();
-  void sendLogMessage(const QString\& msg, const QString\& type);
+  void sendLogMessage(const QString& msg, const QString& type);
   void downloadFinished();
   void downloadOperationLogFinished(bool result);
-  void someVarOutOfRange(const QString\& var_name);
+  void someVarOutOfRange(const QString& var_name);
   void connectTypeChanged();
   void lumoLidarInfoChanged();
   void isGetPBLVersionChanged();
@@ -126,45 +126,45 @@ class TevronManager : public QObject {
   void monitorContentChanged();
 
  public:
-  Q_INVOKABLE void InitConfigFileParser(const QString\& model_name = "Orca");
+  Q_INVOKABLE void InitConfigFileParser(const QString& model_name = "Orca");
   Q_INVOKABLE bool ConnectLidar();
   Q_INVOKABLE bool CheckLidarConnection();
   Q_INVOKABLE void Run(int module);
   Q_INVOKABLE void Stop();
-  Q_INVOKABLE void SetText(int type, int level1, int level2, int level3, const QString\& text);
+  Q_INVOKABLE void SetText(int type, int level1, int level2, int level3, const QString& text);
   Q_INVOKABLE void ClearSetMap();
   Q_INVOKABLE int getSetMapSize();
   Q_INVOKABLE void StartGetConfigFile();
-  Q_INVOKABLE void SendCommand(const QString\& cmd_qs, const QString\& payload_qs);
+  Q_INVOKABLE void SendCommand(const QString& cmd_qs, const QString& payload_qs);
   Q_INVOKABLE QString getSendCmxCommandReturnHeader();
   Q_INVOKABLE QString getSendCmxCommandReturnPayload();
   Q_INVOKABLE int Restart();
   Q_INVOKABLE int Reset();
-  Q_INVOKABLE int UpgradeLidar(const QUrl\& fileUrl, int, int, int);
-  Q_INVOKABLE int LumoUpgradeLidar(const QUrl\& fileUrl);
-  Q_INVOKABLE int KivaUpgradeLidar(const QUrl\& fileUrl);
-  Q_INVOKABLE int DownloadOperationLog(const QUrl\& fileUrl);
-  Q_INVOKABLE int DownloadOperationLogThread(const QUrl\& fileUrl);
-  Q_INVOKABLE int DownloadLog(const QUrl\& fileUrl, const QString\& type);
+  Q_INVOKABLE int UpgradeLidar(const QUrl& fileUrl, int, int, int);
+  Q_INVOKABLE int LumoUpgradeLidar(const QUrl& fileUrl);
+  Q_INVOKABLE int KivaUpgradeLidar(const QUrl& fileUrl);
+  Q_INVOKABLE int DownloadOperationLog(const QUrl& fileUrl);
+  Q_INVOKABLE int DownloadOperationLogThread(const QUrl& fileUrl);
+  Q_INVOKABLE int DownloadLog(const QUrl& fileUrl, const QString& type);
   Q_INVOKABLE void GetLidarModuleInfo(int module);
-  Q_INVOKABLE bool UpdateSingleVarInfo(const QString\& qs_var_info,
-                                       const QString\& search_type = "var_name");
-  Q_INVOKABLE bool CheckVarIsWithinRange(const QString\& qs_var_info,
-                                         const QString\& search_type = "var_name");
+  Q_INVOKABLE bool UpdateSingleVarInfo(const QString& qs_var_info,
+                                       const QString& search_type = "var_name");
+  Q_INVOKABLE bool CheckVarIsWithinRange(const QString& qs_var_info,
+                                         const QString& search_type = "var_name");
   Q_INVOKABLE bool CheckModuleVarsWithinRange(int module);
-  Q_INVOKABLE void SetMultiFovConfig(int index, const QString\& fov);
+  Q_INVOKABLE void SetMultiFovConfig(int index, const QString& fov);
   Q_INVOKABLE void UpdateUI();
-  Q_INVOKABLE void setErrorMsg(const QString\& str);
-  Q_INVOKABLE void setSuccessMsg(const QString\& str);
+  Q_INVOKABLE void setErrorMsg(const QString& str);
+  Q_INVOKABLE void setSuccessMsg(const QString& str);
   Q_INVOKABLE void SetLogBytesFlowStatus(bool flag);
   Q_INVOKABLE bool GetIsConnectingLidar();
-  Q_INVOKABLE bool CheckVarExistsInConfigFileByName(const QString\& qs_var_info);
+  Q_INVOKABLE bool CheckVarExistsInConfigFileByName(const QString& qs_var_info);
   Q_INVOKABLE QString getLidarSN();
   Q_INVOKABLE QString getLidarPN();
   Q_INVOKABLE void setModuleIndexUse(int);
-  Q_INVOKABLE void selectMonitorHwVersion(const QString\& version);
+  Q_INVOKABLE void selectMonitorHwVersion(const QString& version);
   Q_INVOKABLE void refreshMonitor();
-  Q_INVOKABLE void startMonitorRecord(const QUrl\& folderUrl);
+  Q_INVOKABLE void startMonitorRecord(const QUrl& folderUrl);
   Q_INVOKABLE void stopMonitorRecord();
   Q_INVOKABLE void LumoSetStandby(int);
   Q_INVOKABLE void LumoSetSpinRate(int);
@@ -172,11 +172,11 @@ class TevronManager : public QObject {
   Q_INVOKABLE int LumoGetCorrection(const QString&);
   Q_INVOKABLE QVariantList LumoGetLidarFunctionSafety();
   Q_INVOKABLE QString LumoGetBaudRate();
-  Q_INVOKABLE void LumoSetBaudRateFromUI(const QString\& baudRateStr);
+  Q_INVOKABLE void LumoSetBaudRateFromUI(const QString& baudRateStr);
   Q_INVOKABLE QVariantList LumoGetDestinationConfig(bool silent = false);
-  Q_INVOKABLE bool LumoSetDestinationIPandPort(const QString\& ip, int port);
+  Q_INVOKABLE bool LumoSetDestinationIPandPort(const QString& ip, int port);
   Q_INVOKABLE QVariantList LumoGetNetConfig(bool silent = false);
-  Q_INVOKABLE bool LumoSetNet(const QString\& ip, const QString\& mask, const QString\& gateway,
+  Q_INVOKABLE bool LumoSetNet(const QString& ip, const QString& mask, const QString& gateway,
                               int vlan_flag, int vlan_id);
   Q_INVOKABLE void LumoSetUpgradeMode(int);
   Q_INVOKABLE void KivaSetIMURange(int angularRangeIndex, int accelRangeIndex);
