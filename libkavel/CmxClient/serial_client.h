@@ -1,0 +1,83 @@
+#pragma once
+
+#include <atomic>
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <mutex>
+#include <vector>
+
+#include "CmxClient/log_sink.h"
+#include "Platform/serial_port.h"
+#include "Source/serial_source.h"
+
+namespace kavel::lidar {
+
+/// Results of a serial exchange.
+inline constexpr int32_t kSerialNotReady = -1;   ///< port not open, or the send failed
+inline constexpr int32_t kSerialBadAnswer = -2;  ///< the answer failed its checks
+inline constexpr int32_t kSerialNoAnswer = -3;   ///< nothing came within the time-out
+
+/// The longest block that an exchange of "$LDCMD," frames receives.
+inline constexpr size_t kSerialBlockSize = 1500;
+
+/// Request and answer over a serial line. Requests leave by one port and answers arrive through a
+/// receiver, which may stand on the same port or on another one.
+///
+/// Thread-safe: one mutex serialises whole exchanges. Nothing throws.
+class SerialClient {
+ public:
+  /// Both already open, or the client is never ready.
+  SerialClient(std::shared_ptr<SerialPort> send_port, std::shared_ptr<SerialSource> receiver);
+  /// Closes both sides.
+  ~SerialClient();
+  SerialClient(const SerialClient&) = delete;
+  SerialClient& operator=(const SerialClient&) = delete;
+
+  /// Both sides exist, are open and were not interrupted.
+  bool IsOpen() const;
+
+  /// Sends a "$LDCMD," request and waits up to `timeout_ms` for its answer. Returns 0 with the
+  /// inner bytes (length byte, command, what follows) in `result`, or one of the results above with
+  /// `result` untouched. A payload above kSerialMaxPayload is kSerialNotReady.
+  int32_t SendCommand(uint8_t cmd, const std::vector<uint8_t>& payload,
+                      std::vector<uint8_t>& result, uint32_t timeout_ms);
+
+  /// Switches the device's mode (command 3, 3000 ms). Returns the device's status: 0 for success,
+  /// any other positive value is its error; or one of the results above, kSerialBadAnswer also for
+  /// an answer of another shape.
+  int32_t SwitchMode(uint8_t mode, uint8_t sub_mode);
+
+  /// The exchange below the frames: writes the "SEND: " line, empties the receiver, sends `frame`
+  /// (at most 65535 bytes), receives one block of at most `max_block` bytes and writes the "RECV: "
+  /// line. Returns 0, kSerialNotReady or kSerialNoAnswer; the block is not checked.
+  int32_t ExchangeBlock(const std::vector<uint8_t>& frame, size_t max_block, uint32_t timeout_ms,
+                        std::vector<uint8_t>& block);
+
+  /// Longest wait for the port to take bytes, without progress; 500 ms at first.
+  void SetSendTimeout(uint32_t timeout_ms) { send_timeout_ms_ = timeout_ms; }
+
+  /// Changes the rate of the sending port and of the receiver's, when that is the same port.
+  bool SetBaudRate(uint32_t baud_rate_bps);
+
+  /// Where the "SEND: " and "RECV: " lines go; null for nowhere. Takes effect between exchanges.
+  void SetLogSink(std::shared_ptr<LogSink> sink);
+
+  /// Ends a running exchange from any thread. The client stays closed from then on.
+  void Interrupt();
+  /// Interrupts, then frees the ports.
+  void Close();
+
+ private:
+  int32_t SendFrame(const uint8_t* data, uint16_t size);
+
+  const std::shared_ptr<SerialPort> send_port_;
+  const std::shared_ptr<SerialSource> receiver_;
+  std::mutex mutex_;
+  std::mutex sink_mutex_;
+  std::shared_ptr<LogSink> sink_;
+  std::atomic<uint32_t> send_timeout_ms_{500};
+  std::atomic<bool> interrupted_{false};
+};
+
+}  // namespace kavel::lidar
