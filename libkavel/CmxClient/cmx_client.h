@@ -1,0 +1,170 @@
+#pragma once
+
+#include <atomic>
+#include <chrono>
+#include <condition_variable>
+#include <cstdint>
+#include <memory>
+#include <mutex>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "CmxClient/client_base.h"
+#include "CmxClient/cmx_parser.h"
+#include "CmxClient/command_sender.h"
+#include "CmxClient/log_sink.h"
+
+namespace kavel::lidar {
+
+/// How long to wait for bytes of an earlier exchange before a command leaves.
+enum class StaleInput {
+  /// Before every command, until 50 ms have passed in silence. At most 20 commands a second.
+  kAlways,
+  /// As `kAlways` after connecting, after an exchange that did not end cleanly (complete reply to
+  /// the command sent, nothing before it) and whenever a byte is found waiting; otherwise only what
+  /// is already there is looked at, without waiting.
+  kAfterTrouble,
+};
+
+/// Talks to one lidar with command frames over a byte transport.
+///
+/// A thread of its own connects; `QueryCommand` then runs one exchange at a time, for any number of
+/// threads. Nothing throws for a bad answer. All members may be called on any thread, the
+/// constructors and the destructor excepted.
+class CmxClient : public CommandSender {
+ public:
+  /// Starts connecting at once, from a thread of its own.
+  ///
+  /// `lidar_ip`             dotted IPv4; empty: waits until `SetLidarIp` fills it
+  /// `connection_type`      0 plain TCP, 1 TLS; with any other the client never opens
+  /// `protocol_version`     1 or 2; with any other every exchange fails with `kSendIncomplete`
+  /// `cert_path` ...        PEM files, "" for none; TLS only
+  /// `recv_timeout_ms`, `send_timeout_ms`   applied on connecting when both are non-zero, else 500
+  /// `connect_time_limit_s` gives up after so many seconds; negative: never. An attempt takes up to
+  ///                        1 s and is finished first
+  /// `host_port`            local port, 0 for any
+  /// Throws std::system_error when the thread cannot be started.
+  CmxClient(const std::string& lidar_ip, uint16_t port, bool auto_receive, uint32_t connection_type,
+            uint8_t protocol_version, const std::string& cert_path,
+            const std::string& private_key_path, const std::string& ca_path,
+            uint32_t recv_timeout_ms, uint32_t send_timeout_ms, float connect_time_limit_s,
+            uint16_t host_port);
+
+  /// Works over a transport that is open already, and starts no thread. The transport is closed
+  /// with the client.
+  CmxClient(std::shared_ptr<ClientBase> open_transport, uint8_t protocol_version,
+            uint32_t recv_timeout_ms, uint32_t send_timeout_ms);
+
+  /// Shuts down and waits for the connection thread: at most 1.5 s, whatever the lidar does. Other
+  /// threads must have left the client; `Shutdown` gets them out of it.
+  ~CmxClient() override;
+
+  CmxClient(const CmxClient&) = delete;
+  CmxClient& operator=(const CmxClient&) = delete;
+
+  bool IsOpen() override;
+
+  using CommandSender::QueryCommand;
+
+  /// See `CommandSender`. A search for the header ends with `kNoReply` after one receive time-out
+  /// even if other bytes keep coming. A block of one byte cannot start a header and is dropped. The
+  /// announced payload length only limits how much is read: memory grows with what arrives. A frame
+  /// longer than 65535 bytes, the most that one send takes, fails with `kSendIncomplete` before
+  /// anything is sent.
+  int32_t QueryCommand(const std::vector<uint8_t>& payload, std::vector<uint8_t>& result,
+                       uint8_t cmd, bool with_header, int32_t* error) override;
+
+  /// The reason of the last exchange that failed, on whichever thread; 0 before any failed. Another
+  /// thread may have used the client since yours did: prefer the `error` of `QueryCommand`.
+  int32_t GetLastErrorCode();
+
+  /// Plain English for any of the codes in command_sender.h and for return codes of the lidar.
+  static std::string ErrorText(int32_t code);
+
+  /// Sends `data` in numbered pieces, one exchange each, under command 255 when `long_command` is
+  /// set and under the low byte of `code` otherwise, with time-outs of 60 s. `*progress` (may be
+  /// null) is the 1-based number of the piece in flight. Stops at the first piece that fails and
+  /// returns what its exchange returned; 0 when all were accepted. Protocol 1 only: with any other
+  /// version nothing is sent and the result is -1.
+  int32_t TransferFile(const std::vector<uint8_t>& data, uint32_t code, bool long_command,
+                       std::atomic<int>* progress);
+
+  /// Returns when connecting has succeeded, was given up or was shut down: `IsOpen`.
+  bool WaitUntilConnected();
+
+  /// Why connecting failed, as a sentence for the user, when there is more to say than that the
+  /// lidar was not reached (the local port is in use); "" otherwise.
+  std::string ConnectFailure();
+
+  /// Ends connecting and every exchange, running and to come. Returns at once; idempotent.
+  void Shutdown();
+
+  /// Fills an empty address while the client waits for one; ignored once it has one.
+  void SetLidarIp(const std::string& ip);
+
+  /// Where "SEND: " and "RECV: " lines go from the next exchange on; null for nowhere.
+  void SetLogSink(std::shared_ptr<LogSink> sink);
+
+  /// From the next exchange on; `StaleInput::kAlways` until then.
+  void SetStaleInput(StaleInput mode);
+
+  /// The connection thread's body: waits for an address, connects, applies the time-outs. Called by
+  /// the constructor's thread only.
+  void TryOpen();
+
+ private:
+  using Clock = std::chrono::steady_clock;
+  struct Reply;
+
+  bool WaitForAddress(Clock::time_point start);
+  void Connect(Clock::time_point start);
+  void SettleConnection();
+  bool TimeIsUp(Clock::time_point start) const;
+  void SleepBetweenAttempts();
+
+  int32_t RunExchange(const std::vector<uint8_t>& payload, std::vector<uint8_t>& result,
+                      uint8_t cmd, bool with_header);
+  bool SendFrame(const std::vector<uint8_t>& payload, uint8_t cmd);
+  void DropStaleInput();
+  void DrainUntilSilent();
+  bool ReceiveHeader(Reply& reply);
+  bool CheckHeader(const Reply& reply, uint8_t cmd);
+  bool ReceivePayload(Reply& reply);
+  void ApplyTimeouts(uint32_t recv_ms, uint32_t send_ms);
+  void WriteToSink(const std::string& line);
+
+  uint32_t point_cloud_baud_rate_ = 3125000;
+  uint32_t command_baud_rate_ = 115200;
+  std::atomic<uint8_t> running_{1};
+  /// Held for a whole exchange, and by the connection thread until the time-outs are applied.
+  std::mutex exchange_mutex_;
+  std::atomic<int32_t> last_error_{0};
+  const uint32_t connection_type_;
+  const uint8_t protocol_version_;
+  const std::shared_ptr<ClientBase> transport_;
+  const std::shared_ptr<CmxParser> parser_;
+  std::thread connection_thread_;
+  std::string lidar_ip_;  // guarded by state_mutex_
+  const uint16_t port_;
+  const uint16_t host_port_;
+  const uint8_t auto_receive_;
+  const std::string cert_path_;
+  const std::string private_key_path_;
+  const std::string ca_path_;
+  const uint32_t recv_timeout_ms_;
+  const uint32_t send_timeout_ms_;
+  uint32_t recv_timeout_in_force_ms_;  // guarded by exchange_mutex_, like its neighbour
+  uint32_t send_timeout_in_force_ms_;
+  const float connect_time_limit_s_;
+  std::shared_ptr<LogSink> log_sink_;  // guarded by state_mutex_
+
+  /// Guards what is marked so; never held while the transport works.
+  std::mutex state_mutex_;
+  std::condition_variable state_changed_;
+  bool connecting_ended_ = false;  // guarded by state_mutex_
+  std::atomic<StaleInput> stale_input_{StaleInput::kAlways};
+  bool trouble_ = true;  // guarded by exchange_mutex_
+};
+
+}  // namespace kavel::lidar

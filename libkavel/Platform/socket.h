@@ -1,0 +1,104 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+
+#ifdef _WIN32
+#include <winsock2.h>
+#include <ws2tcpip.h>
+#else
+#include <netinet/in.h>
+#include <netinet/tcp.h>
+#include <sys/socket.h>
+
+#include <cerrno>
+#endif
+
+/// The system's sockets behind one set of calls. Nothing here logs or throws; where a call can
+/// fail, `LastSocketError` on the same thread tells why.
+namespace kavel::lidar {
+
+#ifdef _WIN32
+using SocketHandle = SOCKET;
+constexpr int kSocketInProgress = WSAEWOULDBLOCK;
+constexpr int kSocketWouldBlock = WSAEWOULDBLOCK;
+constexpr int kSocketTryAgain = WSAEWOULDBLOCK;
+constexpr int kSocketInterrupted = WSAEINTR;
+constexpr int kSocketTimedOut = WSAETIMEDOUT;
+constexpr int kSocketAddressInUse = WSAEADDRINUSE;
+constexpr int kSocketAccessDenied = WSAEACCES;
+#else
+using SocketHandle = int;
+constexpr int kSocketInProgress = EINPROGRESS;
+constexpr int kSocketWouldBlock = EWOULDBLOCK;
+constexpr int kSocketTryAgain = EAGAIN;
+constexpr int kSocketInterrupted = EINTR;
+constexpr int kSocketTimedOut = ETIMEDOUT;
+constexpr int kSocketAddressInUse = EADDRINUSE;
+constexpr int kSocketAccessDenied = EACCES;
+#endif
+constexpr SocketHandle kInvalidSocket = static_cast<SocketHandle>(-1);
+
+/// Every successful start is paired with one stop. Both do nothing where the system needs neither.
+bool StartSockets();
+void StopSockets();
+
+int LastSocketError();
+std::string SocketErrorText(int error);
+
+/// Ignores `kInvalidSocket`.
+void CloseSocket(SocketHandle socket);
+
+/// Ends both directions: whatever waits on the socket, on any thread, returns. The handle stays.
+void ShutdownSocket(SocketHandle socket);
+
+bool SetNonBlocking(SocketHandle socket, bool non_blocking);
+
+/// 0 waits for ever. Returns what the system's call returned: 0, or -1 on failure.
+int SetReceiveTimeoutMs(SocketHandle socket, uint32_t ms);
+int SetSendTimeoutMs(SocketHandle socket, uint32_t ms);
+
+/// Options whose value is an int.
+bool SetSocketOption(SocketHandle socket, int level, int name, int value);
+bool GetSocketOption(SocketHandle socket, int level, int name, int* value);
+
+/// Closing will reset the connection instead of lingering, so that its local port is free at once.
+bool SetAbortiveClose(SocketHandle socket);
+
+/// Sends without ever raising a broken-pipe signal. Returns the count or -1.
+int SendBytes(SocketHandle socket, const void* data, size_t size, int flags);
+
+/// One receive, restarted when a signal interrupts it. Returns the count, 0 at the end, or -1.
+int ReceiveBytes(SocketHandle socket, void* buffer, size_t size, int flags);
+
+/// What can go wrong around a receive that must not wait.
+enum class PollFault { kNone, kCannotEnter, kCannotLeave };
+
+/// One receive that takes what is there and never waits, whatever mode the socket is in. Systems
+/// without such a flag switch the mode there and back, which can fail: see `fault`.
+int ReceiveWithoutWaiting(SocketHandle socket, void* buffer, size_t size, PollFault* fault);
+
+/// Waits for at most `timeout_us` microseconds. 1: ready (or broken, which the next call tells),
+/// 0: not within the time, -1: failed.
+int WaitReadable(SocketHandle socket, int64_t timeout_us);
+int WaitWritable(SocketHandle socket, int64_t timeout_us);
+
+/// An IPv4 address in dotted text and a port in host order; false when the text is no address.
+bool MakeAddress(const std::string& ip, uint16_t port, sockaddr_in* address);
+
+/// While it lives, a write to a broken connection does not end the program. For writes that happen
+/// inside other libraries; `SendBytes` does not need it. To be destroyed on the thread that made
+/// it.
+class BrokenPipeGuard {
+ public:
+  BrokenPipeGuard();
+  ~BrokenPipeGuard();
+  BrokenPipeGuard(const BrokenPipeGuard&) = delete;
+  BrokenPipeGuard& operator=(const BrokenPipeGuard&) = delete;
+
+ private:
+  bool blocked_here_ = false;
+};
+
+}  // namespace kavel::lidar
