@@ -1,0 +1,173 @@
+import QtQuick 2.15
+import QtQuick.Controls.impl 2.15
+import QtQuick.Layouts 1.15
+import QtQuick.Templates 2.15 as T
+import "../theme"
+
+// What every message box shares: a title, what happened, what to do next, and a row of buttons.
+// Enter takes the main button, Escape the way out. It opens in the middle of the window.
+T.Dialog {
+    id: frame
+
+    property string message: ""
+    property string advice: ""
+    property url iconSource: ""
+    property color tone: Theme.accentColor
+    property string acceptText: qsTr("OK")
+    property string rejectText: qsTr("Cancel")
+    property bool cancellable: false
+    property bool dangerous: false
+    // What a special box shows between the advice and the buttons.
+    property alias extra: extraSlot.data
+
+    parent: T.Overlay.overlay
+    x: parent ? Math.round((parent.width - width) / 2) : 0
+    y: parent ? Math.round((parent.height - height) / 2) : 0
+    width: parent ? Math.min(Theme.dialogWidth, parent.width - 2 * Theme.gapWide) : Theme.dialogWidth
+    height: Math.min(implicitHeight, parent ? parent.height - 2 * Theme.gapWide : implicitHeight)
+    implicitHeight: header.implicitHeight + contentItem.implicitHeight + footer.implicitHeight
+                    + topPadding + bottomPadding
+    padding: Theme.gapWide
+    modal: true
+    focus: true
+    closePolicy: T.Popup.CloseOnEscape
+    font: Theme.bodyFont
+
+    onOpened: acceptButton.forceActiveFocus(Qt.PopupFocusReason)
+
+    T.Overlay.modal: Rectangle { color: Theme.dimmingColor }
+
+    enter: Transition {
+        NumberAnimation { property: "opacity"; from: 0; to: 1; duration: Theme.fadeMs }
+    }
+    exit: Transition {
+        NumberAnimation { property: "opacity"; from: 1; to: 0; duration: Theme.fadeMs }
+    }
+
+    background: Rectangle {
+        radius: Theme.radius
+        color: Theme.windowColor
+        border.width: Theme.hairline
+        border.color: Theme.outlineHoverColor
+    }
+
+    header: Item {
+        implicitHeight: Theme.barHeight
+
+        Rectangle {
+            anchors.fill: parent
+            anchors.margins: Theme.hairline
+            radius: Theme.radius
+            color: Theme.trenchColor
+        }
+        Rectangle {
+            anchors.left: parent.left
+            anchors.right: parent.right
+            anchors.bottom: parent.bottom
+            height: Theme.focusWidth
+            color: frame.tone
+        }
+        ColorImage {
+            id: headerIcon
+
+            anchors.verticalCenter: parent.verticalCenter
+            anchors.left: parent.left
+            anchors.leftMargin: Theme.gapWide
+            visible: frame.iconSource.toString().length > 0
+            width: visible ? Theme.iconSize : 0
+            height: Theme.iconSize
+            sourceSize.width: Theme.iconSize
+            sourceSize.height: Theme.iconSize
+            source: frame.iconSource
+            color: frame.tone
+        }
+        Text {
+            anchors.verticalCenter: parent.verticalCenter
+            anchors.left: headerIcon.right
+            anchors.right: parent.right
+            anchors.leftMargin: headerIcon.visible ? Theme.gap : 0
+            anchors.rightMargin: Theme.gapWide
+            text: frame.title
+            font: Theme.titleFont
+            color: Theme.textColor
+            elide: Text.ElideRight
+            Accessible.role: Accessible.Heading
+            Accessible.name: text
+        }
+    }
+
+    contentItem: Flickable {
+        implicitHeight: body.implicitHeight
+        contentWidth: width
+        contentHeight: body.implicitHeight
+        clip: contentHeight > height
+        boundsBehavior: Flickable.StopAtBounds
+        T.ScrollBar.vertical: DefaultScrollBar {}
+
+        ColumnLayout {
+            id: body
+
+            width: parent.width
+            spacing: Theme.gapWide
+
+            Text {
+                objectName: "dialogMessage"
+                Layout.fillWidth: true
+                visible: text.length > 0
+                text: frame.message
+                textFormat: Text.PlainText
+                font: Theme.bodyFont
+                color: Theme.textColor
+                wrapMode: Text.Wrap
+                Accessible.role: Accessible.AlertMessage
+                Accessible.name: text
+            }
+            Text {
+                objectName: "dialogAdvice"
+                Layout.fillWidth: true
+                visible: text.length > 0
+                text: frame.advice
+                textFormat: Text.PlainText
+                font: Theme.bodyFont
+                color: Theme.quietTextColor
+                wrapMode: Text.Wrap
+                Accessible.role: Accessible.StaticText
+                Accessible.name: text
+            }
+            ColumnLayout {
+                id: extraSlot
+
+                Layout.fillWidth: true
+                visible: children.length > 0
+                spacing: Theme.gap
+            }
+        }
+    }
+
+    footer: Item {
+        implicitHeight: Theme.controlHeight + 2 * Theme.gapWide
+
+        Row {
+            anchors.right: parent.right
+            anchors.rightMargin: Theme.gapWide
+            anchors.verticalCenter: parent.verticalCenter
+            spacing: Theme.gap
+
+            DefaultButton {
+                objectName: "dialogReject"
+                visible: frame.cancellable
+                text: frame.rejectText
+                onClicked: frame.reject()
+            }
+            DefaultButton {
+                id: acceptButton
+
+                objectName: "dialogAccept"
+                emphasised: !frame.dangerous
+                dangerous: frame.dangerous
+                text: frame.acceptText
+                onClicked: frame.accept()
+            }
+        }
+    }
+}

@@ -1,0 +1,86 @@
+import QtQuick 2.15
+import "../theme"
+
+// Shows that something is going on: a turning arc, or a bar where the progress is known.
+//
+// running   whether it is shown at all
+// text      what is going on
+// progress  0 to 1; negative: not known
+Item {
+    id: loading
+
+    property bool running: false
+    property string text: ""
+    property real progress: -1
+    readonly property bool determinate: progress >= 0
+
+    visible: running
+    implicitWidth: content.implicitWidth
+    implicitHeight: content.implicitHeight
+
+    Accessible.role: Accessible.ProgressBar
+    Accessible.name: determinate ? qsTr("%1 %2 %").arg(text).arg(Math.round(progress * 100)) : text
+
+    Row {
+        id: content
+
+        anchors.verticalCenter: parent.verticalCenter
+        spacing: Theme.gap
+
+        Image {
+            id: arc
+
+            anchors.verticalCenter: parent.verticalCenter
+            visible: !loading.determinate
+            width: Theme.iconSize
+            height: Theme.iconSize
+            sourceSize.width: Theme.iconSize
+            sourceSize.height: Theme.iconSize
+            source: "../icons/spinner.svg"
+
+            RotationAnimator on rotation {
+                running: loading.visible && !loading.determinate
+                from: 0
+                to: 360
+                duration: Theme.spinMs
+                loops: Animation.Infinite
+            }
+        }
+
+        Text {
+            anchors.verticalCenter: parent.verticalCenter
+            visible: text.length > 0
+            text: loading.text
+            font: Theme.bodyFont
+            color: Theme.quietTextColor
+        }
+
+        Rectangle {
+            objectName: "progressTrack"
+            anchors.verticalCenter: parent.verticalCenter
+            visible: loading.determinate
+            width: Theme.fieldWidth
+            height: Theme.gap
+            radius: height / 2
+            color: Theme.wellColor
+            border.width: Theme.hairline
+            border.color: Theme.outlineColor
+
+            Rectangle {
+                objectName: "progressBar"
+                width: Math.max(height, parent.width * Math.min(1, Math.max(0, loading.progress)))
+                height: parent.height
+                radius: height / 2
+                color: Theme.accentColor
+            }
+        }
+
+        Text {
+            anchors.verticalCenter: parent.verticalCenter
+            visible: loading.determinate
+            text: qsTr("%1 %").arg(Math.round(loading.progress * 100))
+            font: Theme.bodyFont
+            color: Theme.textColor
+        }
+    }
+}

@@ -1,0 +1,4 @@
+// The button for the one action of a screen that matters most.
+DefaultButton {
+    emphasised: true
+}

@@ -1,0 +1,37 @@
+import QtQuick 2.15
+import "../theme"
+
+// The connection lamp: green while `on`, red otherwise. The text beside it says the same in words.
+Row {
+    id: lamp
+
+    property bool on: false
+    property string onText: qsTr("Connected")
+    property string offText: qsTr("Not connected")
+    readonly property string text: on ? onText : offText
+    readonly property alias color: light.color
+
+    spacing: Theme.gap
+
+    Accessible.role: Accessible.Indicator
+    Accessible.name: text
+
+    Rectangle {
+        id: light
+
+        anchors.verticalCenter: parent.verticalCenter
+        width: Theme.lampSize
+        height: Theme.lampSize
+        radius: Theme.lampSize / 2
+        color: lamp.on ? Theme.lampOnColor : Theme.lampOffColor
+        border.width: Theme.hairline
+        border.color: Theme.trenchColor
+    }
+
+    Text {
+        anchors.verticalCenter: parent.verticalCenter
+        text: lamp.text
+        font: Theme.bodyFont
+        color: Theme.textColor
+    }
+}

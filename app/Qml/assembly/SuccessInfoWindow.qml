@@ -1,0 +1,11 @@
+import QtQuick 2.15
+import "../theme"
+
+// Something was done.
+NoticeWindow {
+    objectName: "successInfoWindow"
+    title: qsTr("Done")
+    defaultAdvice: qsTr("Nothing else to do: you can go on.")
+    iconSource: "../icons/success.svg"
+    tone: Theme.successColor
+}

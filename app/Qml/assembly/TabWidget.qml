@@ -1,0 +1,127 @@
+import QtQuick 2.15
+import QtQuick.Templates 2.15 as T
+import "../theme"
+
+// A row of tabs that scrolls when the window is too narrow for all of them. Left, Right, Home and
+// End move along it.
+//
+// titles           the texts, in order
+// currentIndex     the selected tab; set it to select without `selected`
+// marked           indices of the tabs that hold edits not saved yet
+// selected(index)  the user selected a tab
+FocusScope {
+    id: tabs
+
+    property var titles: []
+    property int currentIndex: 0
+    property var marked: []
+
+    signal selected(int index)
+
+    function select(index) {
+        if (index < 0 || index >= titles.length || index === currentIndex)
+            return;
+        currentIndex = index;
+        selected(index);
+    }
+
+    implicitHeight: Theme.controlHeight + Theme.gap
+    implicitWidth: list.contentWidth
+    activeFocusOnTab: true
+
+    Accessible.role: Accessible.PageTabList
+    Accessible.name: qsTr("Pages")
+
+    Keys.onLeftPressed: select(currentIndex - 1)
+    Keys.onRightPressed: select(currentIndex + 1)
+    Keys.onPressed: {
+        if (event.key === Qt.Key_Home || event.key === Qt.Key_End) {
+            select(event.key === Qt.Key_Home ? 0 : titles.length - 1);
+            event.accepted = true;
+        }
+    }
+
+    Rectangle {
+        anchors.left: parent.left
+        anchors.right: parent.right
+        anchors.bottom: parent.bottom
+        height: Theme.hairline
+        color: Theme.outlineColor
+    }
+
+    ListView {
+        id: list
+
+        anchors.fill: parent
+        orientation: ListView.Horizontal
+        clip: contentWidth > width
+        spacing: Theme.gapTiny
+        boundsBehavior: Flickable.StopAtBounds
+        model: tabs.titles
+        currentIndex: tabs.currentIndex
+        highlightMoveDuration: Theme.fadeMs
+        T.ScrollBar.horizontal: DefaultScrollBar {}
+
+        delegate: T.TabButton {
+            id: tab
+
+            readonly property bool current: index === tabs.currentIndex
+
+            objectName: "tab" + index
+            implicitWidth: caption.implicitWidth + 2 * Theme.gapWide
+            width: implicitWidth
+            height: list.height
+            checkable: false
+            focusPolicy: Qt.NoFocus
+            hoverEnabled: true
+            text: modelData
+            onClicked: {
+                tabs.forceActiveFocus(Qt.MouseFocusReason);
+                tabs.select(index);
+            }
+
+            Accessible.role: Accessible.PageTab
+            Accessible.name: text
+            Accessible.selected: current
+
+            contentItem: Text {
+                id: caption
+
+                text: tab.text
+                font: tab.current ? Theme.boldFont : Theme.bodyFont
+                color: tab.current || tab.hovered ? Theme.textColor : Theme.quietTextColor
+                horizontalAlignment: Text.AlignHCenter
+                verticalAlignment: Text.AlignVCenter
+            }
+
+            background: Rectangle {
+                radius: Theme.radius
+                color: tab.current ? Theme.panelColor
+                     : tab.hovered ? Theme.controlColor : "transparent"
+
+                Rectangle {
+                    anchors.left: parent.left
+                    anchors.right: parent.right
+                    anchors.bottom: parent.bottom
+                    height: Theme.focusWidth
+                    visible: tab.current
+                    color: Theme.accentColor
+                }
+                Rectangle {
+                    anchors.right: parent.right
+                    anchors.top: parent.top
+                    anchors.margins: Theme.gapTiny
+                    width: Theme.gapTiny
+                    height: width
+                    radius: width / 2
+                    visible: tabs.marked.indexOf(index) >= 0
+                    color: Theme.pendingColor
+                }
+                FocusRing {
+                    anchors.margins: 0
+                    shown: tab.current && tabs.activeFocus
+                }
+            }
+        }
+    }
+}

@@ -1,0 +1,6 @@
+import QtQuick 2.15
+import "theme"
+
+Rectangle {
+    color: Theme.windowColor
+}

@@ -1,0 +1,92 @@
+pragma Singleton
+
+import QtQuick 2.15
+
+// The one place for colours, sizes and fonts. Surfaces and text come from the application palette,
+// so that widgets and screens cannot drift apart; what the palette has no role for stands here.
+QtObject {
+    id: theme
+
+    readonly property SystemPalette palette: SystemPalette { colorGroup: SystemPalette.Active }
+
+    // Surfaces, from the deepest to the nearest.
+    readonly property color wellColor: palette.base
+    readonly property color trenchColor: palette.dark
+    readonly property color windowColor: palette.window
+    readonly property color panelColor: Qt.lighter(palette.window, 1.14)
+    readonly property color controlColor: palette.button
+    readonly property color controlHoverColor: palette.midlight
+    readonly property color controlPressedColor: palette.dark
+    readonly property color outlineColor: palette.midlight
+    readonly property color outlineHoverColor: palette.light
+    readonly property color dimmingColor: Qt.rgba(0, 0, 0, 0.6)
+
+    readonly property color textColor: palette.text
+    readonly property color quietTextColor: "#a9b0b6"
+    readonly property color disabledTextColor: "#7b8085"
+
+    // The accent marks what can be acted on or is selected, and nothing else.
+    readonly property color accentColor: "#35b6d6"
+    readonly property color accentHoverColor: Qt.lighter(accentColor, 1.12)
+    readonly property color accentPressedColor: Qt.darker(accentColor, 1.2)
+    readonly property color onAccentColor: "#06181d"
+    readonly property color selectionColor: Qt.rgba(accentColor.r, accentColor.g, accentColor.b, 0.35)
+    readonly property color focusColor: accentColor
+
+    // States. The lamp colours are those of the connection lamp.
+    readonly property color lampOnColor: "#00FF6B"
+    readonly property color lampOffColor: "red"
+    readonly property color successColor: "#5fd38d"
+    readonly property color warningColor: "#e8b339"
+    readonly property color errorColor: "#ff7b72"
+    readonly property color pendingColor: warningColor
+
+    // Every distance is a multiple of the grid.
+    readonly property int grid: 4
+    readonly property int hairline: 1
+    readonly property int focusWidth: 2
+    readonly property int gapTiny: grid
+    readonly property int gap: 2 * grid
+    readonly property int gapWide: 4 * grid
+    readonly property int gapSection: 6 * grid
+    readonly property int radius: grid
+    readonly property int radiusSmall: grid / 2
+
+    readonly property int controlHeight: 8 * grid
+    readonly property int smallControlHeight: 6 * grid
+    readonly property int fieldWidth: 50 * grid
+    readonly property int buttonWidth: 24 * grid
+    readonly property int captionWidth: 60 * grid
+    readonly property int addressFieldWidth: 36 * grid
+    readonly property int modelFieldWidth: 34 * grid
+    readonly property int numberFieldWidth: 24 * grid
+    readonly property int portFieldWidth: 20 * grid
+    readonly property int portListWidth: 72 * grid
+    readonly property int iconSize: 5 * grid
+    readonly property int lampSize: 3 * grid
+    readonly property int barHeight: 14 * grid
+    readonly property int topBarHeight: 18 * grid
+    readonly property int scrollBarWidth: 2 * grid
+    readonly property int dialogWidth: 120 * grid
+    readonly property int toolTipWidth: 80 * grid
+    // The heights of a page's rows: a plain one, and a choice that needs room.
+    readonly property int rowHeight: 35
+    readonly property int tallRowHeight: 80
+
+    readonly property string fontFamily: Qt.application.font.family
+    readonly property string monospaceFamily: "monospace"
+    readonly property int captionSize: 12
+    readonly property int bodySize: 14
+    readonly property int titleSize: 16
+    readonly property int headlineSize: 20
+    readonly property font captionFont: Qt.font({ family: fontFamily, pixelSize: captionSize })
+    readonly property font bodyFont: Qt.font({ family: fontFamily, pixelSize: bodySize })
+    readonly property font boldFont: Qt.font({ family: fontFamily, pixelSize: bodySize, bold: true })
+    readonly property font titleFont: Qt.font({ family: fontFamily, pixelSize: titleSize, bold: true })
+    readonly property font headlineFont: Qt.font({ family: fontFamily, pixelSize: headlineSize, bold: true })
+    readonly property font codeFont: Qt.font({ family: monospaceFamily, pixelSize: captionSize + 1 })
+
+    readonly property int toolTipDelayMs: 600
+    readonly property int fadeMs: 120
+    readonly property int spinMs: 1200
+}

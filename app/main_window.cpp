@@ -1,0 +1,61 @@
+#include "main_window.h"
+
+#include <QQmlContext>
+#include <QQuickView>
+#include <QUrl>
+#include <utility>
+
+#include "screen_types.h"
+#include "tevron_manager.h"
+#include "ui_main_window.h"
+
+namespace {
+
+constexpr char kDefaultModel[] = "Orca";
+constexpr char kDefaultTable[] = "./Config/varID/Orca.csv";
+constexpr char kManagerProperty[] = "tevron_manager";
+constexpr char kFirstScreen[] = "qrc:/Qml/main.qml";
+
+// Larger than the window starts out with, on purpose: the layout grows the window to fit the scene.
+constexpr int kLeastSceneWidth = 1300;
+constexpr int kLeastSceneHeight = 800;
+
+}  // namespace
+
+// The screens are linked in with a static library, which a program has to ask for by name. The
+// macro declares a function and so must stand outside every namespace.
+static void RegisterScreens() {
+  Q_INIT_RESOURCE(resources);
+  RegisterScreenTypes();
+}
+
+MainWindow::MainWindow(QWidget* parent, QString modulePV)
+    : QMainWindow(parent), form_(std::make_unique<Ui::MainWindow>()) {
+  form_->setupUi(this);
+  view_ = std::make_unique<QQuickView>();
+  manager_.reset(TevronManager::Instance(true, kDefaultTable));
+  manager_->InitConfigFileParser(QString::fromLatin1(kDefaultModel));
+  manager_->SetModulePV(std::move(modulePV));
+  HostScene();
+}
+
+MainWindow::~MainWindow() {
+  form_.reset();
+  view_.reset();
+  manager_.reset();
+}
+
+void MainWindow::HostScene() {
+  RegisterScreens();
+  QWidget* container = QWidget::createWindowContainer(view_.get(), this);
+  view_->setResizeMode(QQuickView::SizeRootObjectToView);
+  view_->setColor(palette().color(QPalette::Window));
+  // Published before the source is set: bindings look for the manager the moment they are made.
+  view_->rootContext()->setContextProperty(kManagerProperty, manager_.get());
+  view_->setSource(QUrl(QString::fromLatin1(kFirstScreen)));
+
+  container->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Expanding);
+  container->setMinimumSize(kLeastSceneWidth, kLeastSceneHeight);
+  container->setFocusPolicy(Qt::TabFocus);
+  form_->horizontalLayout3D->addWidget(container);
+}

@@ -1,0 +1,35 @@
+#pragma once
+
+#include <QMainWindow>
+#include <QString>
+#include <memory>
+
+class QQuickView;
+class TevronManager;
+
+namespace Ui {
+class MainWindow;
+}
+
+/// The program's only window: a widget window that one QML scene fills. It makes the manager that
+/// all screens talk to, publishes it to the scene as "tevron_manager", and takes it down again: the
+/// form first, then the scene, then the manager, so that no screen outlives what it is bound to.
+///
+/// Data folders are looked for in the current directory, which has to be the install root.
+class MainWindow : public QMainWindow {
+  Q_OBJECT
+
+ public:
+  /// Builds everything and loads the first screen; nothing is shown yet. A non-empty `modulePV`
+  /// names the model that the command line fixes; a name without a table changes nothing. There may
+  /// be one window at a time.
+  MainWindow(QWidget* parent, QString modulePV);
+  ~MainWindow() override;
+
+ private:
+  void HostScene();
+
+  std::unique_ptr<Ui::MainWindow> form_;
+  std::unique_ptr<QQuickView> view_;
+  std::unique_ptr<TevronManager> manager_;
+};
