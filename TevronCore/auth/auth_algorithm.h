@@ -38,8 +38,8 @@ const std::map<int, AuthAlgorithmFactory>& AuthAlgorithmFactories();
 /// unavailable.
 std::unique_ptr<IAuthAlgorithm> CreateAuthAlgorithm(int id);
 
-/// The identifier that a table cell names: a decimal number, blanks around it allowed. Anything else
-/// is kNoAuthAlgorithm, which no factory serves.
+/// The identifier that a table cell names: a decimal number, blanks around it allowed. Anything
+/// else is kNoAuthAlgorithm, which no factory serves.
 int ParseAuthAlgorithmId(const std::string& text);
 
 /// The lidar's side: whether `response` answers `challenge` under these keys. False as well for an

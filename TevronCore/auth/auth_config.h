@@ -5,9 +5,10 @@
 #include <set>
 #include <stdexcept>
 #include <string>
+#include <utility>
 
-/// How one model authenticates: a row of the authentication table. The defaults are those of a model
-/// without a row.
+/// How one model authenticates: a row of the authentication table. The defaults are those of a
+/// model without a row.
 struct AuthConfig {
   bool enabled = false;
   int algorithm_id = 0;
@@ -33,8 +34,9 @@ class AuthConfigError : public std::invalid_argument {
 };
 
 /// Reads the row whose "Model" is `model`; the defaults when there is none. Of a row that is not
-/// enabled ("Enable" is anything but "1") nothing else is read. Throws AuthConfigError with the text
-/// "empty auth cmd" for a command cell without digits, "empty hex byte" for an item of
-/// "ProtectedCmds" without digits, and a plain reason for a cell that is no number; std::exceptions of
-/// CsvTable for a missing file or column. Any thread.
+/// enabled ("Enable" is anything but "1") nothing else is read. Throws AuthConfigError with the
+/// text "empty auth cmd" for a command cell without digits, "empty hex byte" for an item of
+/// "ProtectedCmds" without digits, and a plain reason for a cell that is no number and for a broken
+/// row that might have been the model's; the exceptions of CsvTable for a missing file or column.
+/// Any thread.
 AuthConfig LoadAuthConfig(const std::string& table, const std::string& model);

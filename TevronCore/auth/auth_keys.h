@@ -19,9 +19,9 @@ struct AuthKeys {
 };
 
 /// Reads the group [keys] of an INI file: `name = hexadecimal digits`, one a line, with or without
-/// "0x"; lines that begin with ';' or '#' are comments. AES keys need exactly their 32 or 64 digits,
-/// the other values one to eight. A file that cannot be read gives keys that are all empty. Never
-/// throws for the content and never logs any of it. Any thread.
+/// "0x"; lines that begin with ';' or '#' are comments. AES keys need exactly their 32 or 64
+/// digits, the other values one to eight. A file that cannot be read gives keys that are all empty.
+/// Never throws for the content and never logs any of it. Any thread.
 AuthKeys LoadAuthKeys(const std::string& path);
 
 /// What is wrong with the way the key file is kept, as a sentence for the log window, or "" when it

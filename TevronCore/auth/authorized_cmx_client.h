@@ -20,8 +20,8 @@
 class AuthorizedCmxClient : public kavel::lidar::CommandSender {
  public:
   /// `client` carries the exchanges and must not be null; `log` may be. `reply_prefix`: the device
-  /// puts a 4-byte counter before the payload of its probe and challenge replies (serial devices do).
-  /// The algorithm is made from the configuration's identifier.
+  /// puts a 4-byte counter before the payload of its probe and challenge replies (serial devices
+  /// do). The algorithm is made from the configuration's identifier.
   AuthorizedCmxClient(std::shared_ptr<kavel::lidar::CommandSender> client, AuthConfig config,
                       bool reply_prefix, std::shared_ptr<kavel::lidar::LogSink> log);
   /// With an algorithm of the caller's; null means that none is available.
@@ -33,7 +33,8 @@ class AuthorizedCmxClient : public kavel::lidar::CommandSender {
   /// then nothing counts as required. A failed probe counts as required, a reply too short to hold
   /// the value as not required.
   void Probe();
-  /// 0 when command `cmd` may be sent now, running the handshake where it is needed; -1 to refuse it.
+  /// 0 when command `cmd` may be sent now, running the handshake where it is needed; -1 to refuse
+  /// it.
   int Gate(uint8_t cmd);
   /// Challenge, response, verdict: true when the device accepts the next protected command.
   bool Handshake();
@@ -42,8 +43,8 @@ class AuthorizedCmxClient : public kavel::lidar::CommandSender {
   using CommandSender::QueryCommand;
   /// As the wrapped client's, after the gate: a command that the gate refuses is not sent and fails
   /// with -1 and kAuthRefused.
-  int32_t QueryCommand(const std::vector<uint8_t>& payload, std::vector<uint8_t>& result, uint8_t cmd,
-                       bool with_header, int32_t* error) override;
+  int32_t QueryCommand(const std::vector<uint8_t>& payload, std::vector<uint8_t>& result,
+                       uint8_t cmd, bool with_header, int32_t* error) override;
 
  private:
   int GateLocked(uint8_t cmd);

@@ -1,0 +1,119 @@
+#include "auth/auth_config.h"
+
+#include <charconv>
+#include <string_view>
+#include <system_error>
+
+#include "auth/auth_algorithm.h"
+#include "variables/csv_table.h"
+
+namespace {
+
+std::string_view Trim(std::string_view text) {
+  constexpr std::string_view kBlanks = " \t\r\n";
+  const std::size_t begin = text.find_first_not_of(kBlanks);
+  if (begin == std::string_view::npos) {
+    return {};
+  }
+  return text.substr(begin, text.find_last_not_of(kBlanks) + 1 - begin);
+}
+
+/// The cells of one row, with the place of each for the messages.
+class Row {
+ public:
+  Row(const CsvTable& table, std::size_t row, const std::string& path)
+      : table_(table), row_(row), path_(path) {}
+
+  std::string_view Cell(const char* column) const {
+    return table_.Cell(row_, table_.Column(column));
+  }
+
+  uint32_t Command(const char* column) const {
+    return Code(column, Cell(column), "empty auth cmd");
+  }
+
+  std::set<uint8_t> CommandSet(const char* column) const {
+    std::set<uint8_t> commands;
+    std::string_view rest = Cell(column);
+    if (Trim(rest).empty()) {
+      return commands;  // nothing is protected; only an item between separators can be missing
+    }
+    for (std::size_t end = 0; end != std::string_view::npos;) {
+      end = rest.find('|');
+      commands.insert(static_cast<uint8_t>(Code(column, rest.substr(0, end), "empty hex byte")));
+      rest.remove_prefix(end == std::string_view::npos ? rest.size() : end + 1);
+    }
+    return commands;
+  }
+
+  int32_t Decimal(const char* column) const {
+    const std::string_view text = Trim(Cell(column));
+    int32_t value = 0;
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
+    if (error != std::errc() || end != text.data() + text.size()) {
+      Fail(column, "\"" + std::string(text) + "\" is no decimal number");
+    }
+    return value;
+  }
+
+ private:
+  /// A hexadecimal code, "0x" allowed; `if_empty` is the reason given when there are no digits.
+  uint32_t Code(const char* column, std::string_view text, const char* if_empty) const {
+    text = Trim(text);
+    if (text.substr(0, 2) == "0x" || text.substr(0, 2) == "0X") {
+      text.remove_prefix(2);
+    }
+    if (text.empty()) {
+      Fail(column, if_empty);
+    }
+    uint32_t code = 0;
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), code, 16);
+    if (error != std::errc() || end != text.data() + text.size()) {
+      Fail(column, "\"" + std::string(text) + "\" is no hexadecimal command code");
+    }
+    return code;
+  }
+
+  [[noreturn]] void Fail(const char* column, const std::string& reason) const {
+    throw AuthConfigError(
+        reason, path_ + ", line " + std::to_string(table_.LineOf(row_)) + ", column " + column);
+  }
+
+  const CsvTable& table_;
+  const std::size_t row_;
+  const std::string& path_;
+};
+
+AuthConfig ReadEnabledRow(const Row& row) {
+  AuthConfig config;
+  config.enabled = true;
+  config.algorithm_id = ParseAuthAlgorithmId(std::string(row.Cell("AlgorithmID")));
+  config.probe_cmd = row.Command("ProbeCmd");
+  config.challenge_cmd = row.Command("ChallengeCmd");
+  config.response_cmd = row.Command("ResponseCmd");
+  config.protected_cmds = row.CommandSet("ProtectedCmds");
+  config.probe_offset = row.Decimal("ProbeValueOffset");
+  config.probe_len = row.Decimal("ProbeValueLen");
+  config.probe_little_endian = Trim(row.Cell("ProbeEndian")) == "little";
+  return config;
+}
+
+}  // namespace
+
+AuthConfig LoadAuthConfig(const std::string& table, const std::string& model) {
+  const CsvTable csv(table);
+  const std::size_t model_column = csv.Column("Model");
+  const std::size_t enable_column = csv.Column("Enable");
+  for (std::size_t i = 0; i < csv.row_count(); ++i) {
+    if (csv.Cell(i, model_column) == model) {
+      return csv.Cell(i, enable_column) == "1" ? ReadEnabledRow(Row(csv, i, table)) : AuthConfig();
+    }
+  }
+  // The model's row may be the broken one, and guessing that it has none would send its protected
+  // commands unguarded.
+  if (!csv.faults().empty()) {
+    throw AuthConfigError(csv.faults().front().reason,
+                          table + ", line " + std::to_string(csv.faults().front().line));
+  }
+  return AuthConfig();
+}

@@ -1,0 +1,251 @@
+#include "auth/authorized_cmx_client.h"
+
+#include <atomic>
+#include <cctype>
+#include <thread>
+
+#include "auth_test_support.h"
+
+namespace {
+
+using Lines = std::vector<std::string>;
+using Sent = ScriptedSender::Sent;
+
+const Bytes kRandom = FromHex("a0a1a2a3a4a5a6a7a8a9aaabacadaeaf");
+const Bytes kAnswer = {0x11, 0x22};
+
+class FixedAnswer : public IAuthAlgorithm {
+ public:
+  explicit FixedAnswer(Bytes answer) : answer_(std::move(answer)) {}
+  Bytes Compute(const Bytes& challenge) override {
+    EXPECT_EQ(challenge, kRandom);
+    return answer_;
+  }
+
+ private:
+  const Bytes answer_;
+};
+
+AuthConfig TwoByteConfig() {
+  AuthConfig config;
+  config.enabled = true;
+  config.protected_cmds = {0x21};
+  config.probe_len = 2;
+  return config;
+}
+
+/// A client over a scripted device, with everything that was sent and logged.
+struct Bench {
+  explicit Bench(std::deque<ScriptedSender::Reply> replies, AuthConfig config = TwoByteConfig(),
+                 bool reply_prefix = false,
+                 std::unique_ptr<IAuthAlgorithm> algorithm = std::make_unique<FixedAnswer>(kAnswer))
+      : client(device, std::move(config), reply_prefix, log, std::move(algorithm)) {
+    device->replies = std::move(replies);
+  }
+  /// Probes, and sends one command with payload 05.
+  int32_t ProbeAndSend(uint8_t cmd) {
+    client.Probe();
+    return client.QueryCommand({5}, result, cmd, false, &error);
+  }
+  std::shared_ptr<ScriptedSender> device = std::make_shared<ScriptedSender>();
+  std::shared_ptr<CollectedLines> log = std::make_shared<CollectedLines>();
+  AuthorizedCmxClient client;
+  Bytes result;
+  int32_t error = 99;
+};
+
+const ScriptedSender::Reply kRequired = {0, {0, 1}};
+const ScriptedSender::Reply kFailed = {-1, {}};
+
+TEST(AuthorizedCmxClient, ProbeDecidesByTheValueItIsToldToRead) {
+  struct Case {
+    ScriptedSender::Reply reply;
+    int32_t offset, length;
+    bool little, prefix;
+    const char* line;
+  };
+  const Bytes wide = {1, 0, 0, 0, 0, 0, 0, 0, 1};
+  const char* const too_short = "AUTH: probe payload too short, treat as not-required";
+  const Case cases[] = {
+      {{0, {0, 1}}, 0, 2, false, false, "AUTH: probe value=1 required=true"},
+      {{0, {1, 0}}, 0, 2, true, false, "AUTH: probe value=1 required=true"},
+      {{0, {0, 2}}, 0, 2, false, false, "AUTH: probe value=2 required=false"},
+      {{0, {1, 0}}, 0, 2, false, false, "AUTH: probe value=256 required=false"},
+      {{0, {9, 9, 9, 9, 7, 1}}, 1, 1, false, true, "AUTH: probe value=1 required=true"},
+      {{0, {9, 1}}, -3, 1, false, true, "AUTH: probe value=1 required=true"},
+      {{0, {1}}, -1, 1, false, false, too_short},
+      {{0, {0, 1}}, 0, 0, false, false, too_short},
+      {{0, {0, 1}}, 1, 2, false, false, too_short},
+      {{0, {}}, 0, 1, false, false, too_short},
+      {{0, {0, 1}}, 0x7FFFFFFF, 0x7FFFFFFF, false, true, too_short},
+      {kFailed, 0, 2, false, false, "AUTH: probe failed, conservatively require auth"},
+  };
+  for (const Case& c : cases) {
+    AuthConfig config = TwoByteConfig();
+    config.probe_offset = c.offset;
+    config.probe_len = c.length;
+    config.probe_little_endian = c.little;
+    // After the probe the challenge fails, so that "required" shows as a refusal.
+    Bench bench({c.reply}, config, c.prefix);
+    bench.client.Probe();
+    EXPECT_EQ(bench.log->lines, Lines{c.line});
+    EXPECT_EQ(bench.device->sent, (std::vector<Sent>{{0xDF, {}}}));
+    const std::string line = c.line;
+    const bool required = line.find("=true") != line.npos || line.find("conserv") != line.npos;
+    EXPECT_EQ(bench.client.Gate(0x21), required ? -1 : 0) << line;
+  }
+}
+
+TEST(AuthorizedCmxClient, EveryProtectedCommandGetsItsOwnHandshake) {
+  Bench bench({kRequired, {0, kRandom}, {0, {}}, {0, {0x77}}, {0, kRandom}, {0, {}}, {0, {}}});
+  EXPECT_EQ(bench.ProbeAndSend(0x21), 0);
+  EXPECT_EQ(bench.error, 0);
+  EXPECT_EQ(bench.result, Bytes{0x77});
+  EXPECT_EQ(bench.client.QueryCommand({6}, bench.result, 0x21, false), 0);
+  const std::vector<Sent> expected = {{0xDF, {}}, {0x66, {}},      {0xE0, kAnswer}, {0x21, {5}},
+                                      {0x66, {}}, {0xE0, kAnswer}, {0x21, {6}}};
+  EXPECT_EQ(bench.device->sent, expected);
+  EXPECT_EQ(bench.log->lines, Lines{"AUTH: probe value=1 required=true"});
+}
+
+TEST(AuthorizedCmxClient, OtherCommandsPassWithoutHandshake) {
+  Bench unprotected({kRequired, {0, {}}});
+  EXPECT_EQ(unprotected.ProbeAndSend(0x20), 0);
+  EXPECT_EQ(unprotected.device->sent, (std::vector<Sent>{{0xDF, {}}, {0x20, {5}}}));
+
+  Bench off({{0, {}}}, AuthConfig());
+  EXPECT_EQ(off.ProbeAndSend(0x21), 0);
+  EXPECT_EQ(off.device->sent, (std::vector<Sent>{{0x21, {5}}}));
+
+  Bench link_error({kRequired, kFailed});
+  EXPECT_EQ(link_error.ProbeAndSend(0x20), -1);
+  EXPECT_EQ(link_error.error, -2) << "the reason is the device's own, not a refusal";
+}
+
+TEST(AuthorizedCmxClient, AFailedStepRefusesTheCommandAndSaysWhich) {
+  struct Case {
+    std::deque<ScriptedSender::Reply> replies;
+    bool prefix;
+    Bytes answer;
+    const char* line;
+  };
+  const Case cases[] = {
+      {{kFailed}, false, kAnswer, "AUTH: challenge failed"},
+      {{{0, Bytes(15, 1)}}, false, kAnswer, "AUTH: challenge payload too short for 16-byte random"},
+      {{{0, Bytes(19, 1)}}, true, kAnswer, "AUTH: challenge payload too short for 16-byte random"},
+      {{{0, {}}}, false, kAnswer, "AUTH: challenge payload too short for 16-byte random"},
+      {{{0, kRandom}}, false, {}, "AUTH: algorithm compute failed"},
+      {{{0, kRandom}, kFailed}, false, kAnswer, "AUTH: response rejected"},
+  };
+  for (const Case& c : cases) {
+    Bench bench(c.replies, TwoByteConfig(), c.prefix, std::make_unique<FixedAnswer>(c.answer));
+    bench.device->replies.push_front({0, {0, 0, 0, 0, 0, 1}});  // long enough for either position
+    if (!c.prefix) {
+      bench.device->replies.front() = kRequired;
+    }
+    EXPECT_EQ(bench.ProbeAndSend(0x21), -1);
+    EXPECT_EQ(bench.error, kavel::lidar::kAuthRefused);
+    EXPECT_EQ(bench.log->lines, (Lines{"AUTH: probe value=1 required=true", c.line,
+                                       "AUTH: handshake failed for protected cmd"}));
+    EXPECT_NE(bench.device->sent.back().cmd, 0x21) << c.line;
+  }
+
+  Bench no_algorithm({}, TwoByteConfig(), false, nullptr);
+  EXPECT_EQ(no_algorithm.ProbeAndSend(0x21), -1);
+  EXPECT_TRUE(no_algorithm.device->sent.empty());
+  EXPECT_EQ(no_algorithm.log->lines,
+            (Lines{"AUTH: algorithm unavailable, conservatively require auth",
+                   "AUTH: unavailable, reject protected cmd"}));
+}
+
+TEST(AuthorizedCmxClient, AChallengeOfZerosWaivesTheResponse) {
+  for (const bool prefix : {false, true}) {
+    Bytes challenge(prefix ? 20 : 16, 0);
+    if (prefix) {
+      challenge[3] = 42;  // the counter is no part of the challenge
+    }
+    Bench bench({prefix ? ScriptedSender::Reply{0, {0, 0, 0, 7, 0, 1}} : kRequired,
+                 {0, challenge},
+                 {0, {}}},
+                TwoByteConfig(), prefix);
+    EXPECT_EQ(bench.ProbeAndSend(0x21), 0);
+    EXPECT_EQ(bench.device->sent, (std::vector<Sent>{{0xDF, {}}, {0x66, {}}, {0x21, {5}}}));
+    EXPECT_EQ(bench.log->lines.back(), "AUTH: random all-zero, still valid, skip algorithm");
+  }
+}
+
+/// Says yes to everything and hands out the challenge; notes any command between a response and its
+/// protected command.
+class OrderCheckingDevice : public kavel::lidar::CommandSender {
+ public:
+  bool IsOpen() override { return true; }
+  using CommandSender::QueryCommand;
+  int32_t QueryCommand(const Bytes&, Bytes& result, uint8_t cmd, bool, int32_t*) override {
+    const int before = last_.exchange(cmd);
+    torn = torn || (before == 0xE0) != (cmd == 0x21) || (before == 0x66) != (cmd == 0xE0);
+    result = cmd == 0xDF ? Bytes{0, 1} : kRandom;
+    return 0;
+  }
+  std::atomic<bool> torn{false};
+
+ private:
+  std::atomic<int> last_{0};
+};
+
+TEST(AuthorizedCmxClient, NoOtherThreadComesBetweenHandshakeAndCommand) {
+  const auto device = std::make_shared<OrderCheckingDevice>();
+  AuthorizedCmxClient client(device, TwoByteConfig(), false, nullptr,
+                             std::make_unique<FixedAnswer>(kAnswer));
+  client.Probe();
+  const auto send = [&client](uint8_t cmd) {
+    Bytes result;
+    for (int i = 0; i < 2000; ++i) {
+      client.QueryCommand({}, result, cmd, false);
+    }
+  };
+  std::thread plain(send, uint8_t{0x20});
+  send(0x21);
+  plain.join();
+  EXPECT_FALSE(device->torn);
+}
+
+/// Lower-case hexadecimal digits alone, so that any way of writing bytes compares.
+std::string DigitsOf(const std::string& text) {
+  std::string digits;
+  for (const char c : text) {
+    if (std::isxdigit(static_cast<unsigned char>(c)) != 0) {
+      digits.push_back(static_cast<char>(std::tolower(static_cast<unsigned char>(c))));
+    }
+  }
+  return digits;
+}
+
+TEST(AuthorizedCmxClient, NoKeyReachesALog) {
+  const InstallRoot root;
+  root.WriteKeys();
+  const AuthKeys keys = LoadAuthKeys(kAuthKeysPath);
+  std::string everything;
+  testing::internal::CaptureStdout();
+  testing::internal::CaptureStderr();
+  for (int id = 1; id <= 4; ++id) {
+    AuthConfig config = TwoByteConfig();
+    config.algorithm_id = id;
+    const auto device = std::make_shared<ScriptedSender>();
+    const auto log = std::make_shared<CollectedLines>();
+    AuthorizedCmxClient client(device, config, false, log);
+    device->replies = {kRequired, {0, kRandom}, {0, {}}, {0, {}}, {0, kRandom}, kFailed};
+    client.Probe();
+    EXPECT_EQ(client.Gate(0x21), 0);
+    EXPECT_TRUE(VerifyAuthResponse(id, keys, kRandom, device->sent[2].payload)) << id;
+    EXPECT_EQ(client.Gate(0x21), -1);
+    for (const std::string& line : log->lines) {
+      everything += line;
+    }
+  }
+  everything += testing::internal::GetCapturedStdout() + testing::internal::GetCapturedStderr();
+  for (const char* key : {kTestAes128Key, kTestAes256Key, "61732650", "613cd1cf", "ea980b8d"}) {
+    EXPECT_EQ(DigitsOf(everything).find(std::string(key).substr(0, 8)), std::string::npos);
+  }
+}
+
+}  // namespace
