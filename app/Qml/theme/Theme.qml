@@ -69,6 +69,21 @@ QtObject {
     readonly property int scrollBarWidth: 2 * grid
     readonly property int dialogWidth: 120 * grid
     readonly property int toolTipWidth: 80 * grid
+    // The areas of the window.
+    readonly property int windowWidth: 325 * grid
+    readonly property int windowHeight: 200 * grid
+    readonly property int topBarHeight: 17 * grid
+    readonly property int consoleWidth: 100 * grid
+    readonly property int logHeight: 47 * grid
+    readonly property int serialPanelWidth: 90 * grid
+    // The widths of fields and captions that are no plain fieldWidth.
+    readonly property int captionWidth: 72 * grid
+    readonly property int serialCaptionWidth: 36 * grid
+    readonly property int modelFieldWidth: 34 * grid
+    readonly property int addressFieldWidth: 34 * grid
+    readonly property int numberFieldWidth: 20 * grid
+    readonly property int portFieldWidth: 46 * grid
+    readonly property int portListWidth: 100 * grid
     // The heights of a page's rows: a plain one, and a choice that needs room.
     readonly property int rowHeight: 35
     readonly property int tallRowHeight: 80

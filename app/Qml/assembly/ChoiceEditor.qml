@@ -1,0 +1,43 @@
+import QtQuick 2.15
+import "../theme"
+
+// The editor of a value that is one of a list.
+FocusScope {
+    id: editor
+
+    property var row
+    readonly property var leaf: row.leaf
+
+    function show() {
+        box.chosenIndex = leaf.option_index;
+        box.revert();
+    }
+
+    implicitHeight: Theme.controlHeight
+
+    DefaultComboBox {
+        id: box
+
+        objectName: "choice_" + editor.row.level1 + "_" + editor.row.level2 + "_" + editor.row.level3
+        width: Theme.fieldWidth
+        anchors.verticalCenter: parent.verticalCenter
+        focus: true
+        enabled: editor.row.editable
+        model: editor.leaf.options
+        displayText: currentIndex < 0 ? editor.leaf.current_val : currentText
+        pending: editor.row.pending
+        label: editor.row.caption
+        hint: editor.leaf.hint || ""
+        onChosen: editor.row.edit(3, String(index))
+        Component.onCompleted: editor.show()
+    }
+
+    RowNote {
+        anchors.left: box.right
+        anchors.leftMargin: Theme.gapWide
+        anchors.right: parent.right
+        anchors.verticalCenter: parent.verticalCenter
+        hint: editor.leaf.hint || ""
+        pending: editor.row.pending
+    }
+}

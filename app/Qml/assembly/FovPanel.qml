@@ -1,0 +1,72 @@
+import QtQuick 2.15
+import "../theme"
+
+// The ten field-of-view angles, five pairs in two rows of five. A field keeps what is being typed
+// through a refresh, like the fields of the other rows.
+FocusScope {
+    id: panel
+
+    property var row
+    readonly property var manager: row.manager
+    // Which of the ten were changed here and are not saved yet.
+    property var editedFields: []
+
+    function problemWith(text) {
+        const value = Number(text);
+        return text.trim().length > 0 && value >= 0 && value <= 360 ? "" : qsTr("0 to 360 degrees");
+    }
+
+    // The page's values were read again: edits are gone, except what is being typed right now.
+    function show() {
+        editedFields = [];
+        for (let i = 0; i < fields.count; ++i) {
+            if (!fields.itemAt(i).typing)
+                fields.itemAt(i).revert();
+        }
+    }
+
+    function commit() {
+        for (let i = 0; i < fields.count; ++i) {
+            const field = fields.itemAt(i);
+            if (field.typing && field.text !== field.value)
+                keep(field);
+        }
+    }
+
+    function keep(field) {
+        field.typing = false;
+        editedFields = editedFields.concat([field.index]);
+        manager.SetMultiFovConfig(field.index, field.text);
+    }
+
+    implicitHeight: grid.implicitHeight
+
+    Grid {
+        id: grid
+
+        columns: 5
+        spacing: Theme.gap
+
+        Repeater {
+            id: fields
+
+            model: 10
+
+            DefaultTextField {
+                required property int index
+
+                objectName: "fov_" + index
+                width: Theme.fieldWidth / 2
+                focus: index === 0
+                value: panel.manager.FovList[index]
+                pending: panel.editedFields.indexOf(index) >= 0 || (typing && text !== value)
+                problem: pending ? panel.problemWith(text) : ""
+                unit: "°"
+                hint: qsTr("Angle %1 of pair %2, 0 to 360 degrees").arg(index % 2 + 1)
+                                                                   .arg(Math.floor(index / 2) + 1)
+                label: qsTr("Field-of-view angle %1").arg(index + 1)
+                onCommitted: panel.keep(this)
+            }
+        }
+    }
+}

@@ -1,0 +1,43 @@
+import QtQuick 2.15
+import "../theme"
+
+// Names and values in two columns, for reading only.
+Column {
+    id: facts
+
+    // Maps with "name" and "value".
+    property var entries: []
+
+    spacing: Theme.gapTiny
+
+    Repeater {
+        model: facts.entries
+
+        Row {
+            width: facts.width
+            spacing: Theme.gap
+
+            Text {
+                width: Theme.serialCaptionWidth
+                text: modelData.name
+                font: Theme.bodyFont
+                color: Theme.quietTextColor
+                elide: Text.ElideRight
+            }
+            Text {
+                width: parent.width - Theme.serialCaptionWidth - parent.spacing
+                text: modelData.value
+                font: Theme.bodyFont
+                color: Theme.textColor
+                elide: Text.ElideRight
+                Accessible.role: Accessible.StaticText
+                Accessible.name: modelData.name + ": " + modelData.value
+            }
+        }
+    }
+
+    EmptyNote {
+        visible: facts.entries.length === 0
+        text: qsTr("Not read yet.")
+    }
+}

@@ -1,0 +1,21 @@
+import QtQuick 2.15
+import "../theme"
+
+// A caption and, beside it, the control that belongs to it.
+Row {
+    id: line
+
+    property string caption: ""
+
+    spacing: Theme.gap
+
+    Text {
+        height: Theme.controlHeight
+        width: Theme.serialCaptionWidth
+        verticalAlignment: Text.AlignVCenter
+        text: line.caption
+        font: Theme.bodyFont
+        color: line.enabled ? Theme.textColor : Theme.disabledTextColor
+        elide: Text.ElideRight
+    }
+}

@@ -1,0 +1,108 @@
+import QtQuick 2.15
+import "../theme"
+
+// The working mode of a serial-attached lidar: return mode, spin rate, standby and, where the model
+// has one, the range of its motion sensor.
+LumoSection {
+    id: section
+
+    property bool hasImu: false
+    property var returnModes: []
+    property var spinRates: []
+    property var angularRanges: []
+    property var accelRanges: []
+
+    signal returnModeWanted(int mode)
+    signal spinRateWanted(int rpm)
+    signal standbyWanted(int standby)
+    signal imuRangeWanted(int angular, int accel)
+
+    title: qsTr("Operation")
+
+    LumoField {
+        caption: qsTr("Return mode")
+        DefaultComboBox {
+            id: returnMode
+
+            objectName: "returnMode"
+            model: section.returnModes
+            chosenIndex: 0
+            label: qsTr("Which echoes the lidar reports")
+            hint: label
+        }
+        DefaultButton {
+            objectName: "returnModeSet"
+            text: qsTr("Set")
+            hint: qsTr("Write the return mode to the lidar")
+            onClicked: section.returnModeWanted(returnMode.currentIndex)
+        }
+    }
+    LumoField {
+        caption: qsTr("Spin rate")
+        DefaultComboBox {
+            id: spinRate
+
+            objectName: "spinRate"
+            model: section.spinRates.map(rpm => qsTr("%1 rpm").arg(rpm))
+            chosenIndex: 0
+            label: qsTr("Turns of the lidar per minute")
+            hint: label
+        }
+        DefaultButton {
+            objectName: "spinRateSet"
+            text: qsTr("Set")
+            hint: qsTr("Write the spin rate to the lidar")
+            onClicked: section.spinRateWanted(section.spinRates[spinRate.currentIndex])
+        }
+    }
+    LumoField {
+        caption: qsTr("Mode")
+        DefaultComboBox {
+            id: mode
+
+            objectName: "standby"
+            model: [qsTr("Working"), qsTr("Standby")]
+            chosenIndex: 0
+            label: qsTr("Whether the lidar measures or rests")
+            hint: label
+        }
+        DefaultButton {
+            objectName: "standbySet"
+            text: qsTr("Set")
+            hint: qsTr("Write the mode to the lidar")
+            onClicked: section.standbyWanted(mode.currentIndex)
+        }
+    }
+    LumoField {
+        visible: section.hasImu
+        caption: qsTr("IMU angular range")
+        DefaultComboBox {
+            id: angular
+
+            objectName: "imuAngular"
+            model: section.angularRanges
+            chosenIndex: 0
+            label: qsTr("Angular range of the motion sensor")
+            hint: label
+        }
+    }
+    LumoField {
+        visible: section.hasImu
+        caption: qsTr("IMU acceleration")
+        DefaultComboBox {
+            id: accel
+
+            objectName: "imuAccel"
+            model: section.accelRanges
+            chosenIndex: 0
+            label: qsTr("Acceleration range of the motion sensor")
+            hint: label
+        }
+        DefaultButton {
+            objectName: "imuSet"
+            text: qsTr("Set")
+            hint: qsTr("Write both ranges of the motion sensor to the lidar")
+            onClicked: section.imuRangeWanted(angular.currentIndex, accel.currentIndex)
+        }
+    }
+}

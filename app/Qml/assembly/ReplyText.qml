@@ -1,0 +1,61 @@
+import QtQuick 2.15
+import QtQuick.Templates 2.15 as T
+import "../theme"
+
+// Bytes of a reply: they can be selected and copied, not changed.
+FocusScope {
+    id: reply
+
+    property string caption: ""
+    property string text: ""
+
+    Rectangle {
+        anchors.fill: parent
+        radius: Theme.radius
+        color: Theme.windowColor
+        border.width: Theme.hairline
+        border.color: Theme.outlineColor
+
+        FocusRing { shown: edit.activeFocus }
+    }
+
+    Flickable {
+        id: flick
+
+        anchors.fill: parent
+        anchors.margins: Theme.gap
+        clip: true
+        contentWidth: width
+        contentHeight: edit.height
+        boundsBehavior: Flickable.StopAtBounds
+        T.ScrollBar.vertical: DefaultScrollBar {}
+
+        TextEdit {
+            id: edit
+
+            width: flick.width
+            focus: true
+            activeFocusOnTab: true
+            readOnly: true
+            selectByMouse: true
+            text: reply.text
+            font: Theme.codeFont
+            color: Theme.textColor
+            selectionColor: Theme.selectionColor
+            selectedTextColor: Theme.textColor
+            wrapMode: TextEdit.Wrap
+            Accessible.name: reply.caption
+        }
+    }
+
+    Text {
+        anchors.left: parent.left
+        anchors.leftMargin: Theme.gap
+        anchors.top: parent.top
+        anchors.topMargin: Theme.gap
+        visible: reply.text.length === 0
+        text: reply.caption
+        font: Theme.captionFont
+        color: Theme.quietTextColor
+    }
+}

@@ -1,0 +1,84 @@
+import QtQuick 2.15
+import "../theme"
+import "ValueHint.js" as ValueHint
+
+// The editor of a value that can be switched off: a switch, and a text field for the value while it
+// is on.
+FocusScope {
+    id: editor
+
+    property var row
+    readonly property var leaf: row.leaf
+    readonly property bool on: leaf.switch_index !== "0"
+    readonly property string suffix: row.level1 + "_" + row.level2 + "_" + row.level3
+
+    function show() {
+        toggle.checked = on;
+        if (!field.typing)
+            field.revert();
+    }
+
+    function commit() {
+        if (!field.typing)
+            return;
+        field.typing = false;
+        if (field.text !== field.value)
+            row.edit(1, field.text);
+    }
+
+    // Switching on needs the lidar, which holds the value to come back to; switching off always
+    // counts, and leaves the value 0.
+    function switchTo(wanted) {
+        if (row.manager.IsConnected)
+            row.edit(2, wanted ? "1" : "0");
+        if (!wanted) {
+            field.typing = false;
+            row.edit(1, "0");
+            field.text = "0";
+        }
+        show();
+    }
+
+    implicitHeight: Theme.controlHeight
+
+    DefaultSwitch {
+        id: toggle
+
+        objectName: "switch_" + editor.suffix
+        anchors.verticalCenter: parent.verticalCenter
+        focus: true
+        enabled: editor.row.editable
+        value: editor.on
+        pending: editor.row.pending
+        label: editor.row.caption
+        hint: editor.leaf.hint || ""
+        onSwitched: editor.switchTo(on)
+    }
+
+    DefaultTextField {
+        id: field
+
+        objectName: "field_" + editor.suffix
+        anchors.left: toggle.right
+        anchors.leftMargin: Theme.gapWide
+        anchors.verticalCenter: parent.verticalCenter
+        width: Theme.fieldWidth - toggle.width - Theme.gapWide
+        enabled: editor.row.editable && toggle.checked
+        value: editor.leaf.current_val
+        pending: editor.row.pending || (typing && text !== value)
+        problem: pending && toggle.checked ? ValueHint.problem(editor.leaf, text) : ""
+        hint: editor.leaf.hint || ""
+        label: editor.row.caption
+        onCommitted: editor.row.edit(1, text)
+    }
+
+    RowNote {
+        anchors.left: field.right
+        anchors.leftMargin: Theme.gapWide
+        anchors.right: parent.right
+        anchors.verticalCenter: parent.verticalCenter
+        problem: field.problem
+        hint: field.hint
+        pending: field.pending
+    }
+}

@@ -1,0 +1,79 @@
+import QtQuick 2.15
+import QtQuick.Layouts 1.15
+import Tevron 1.0
+import "../theme"
+import "ValueHint.js" as ValueHint
+
+// The line at the bottom that tells, when asked, whether point-cloud packets arrive and from whom.
+//
+// port               the UDP port; portEntered(text) asks for another
+FocusScope {
+    id: bar
+
+    property string port: ""
+
+    signal portEntered(string text)
+
+    implicitHeight: Theme.controlHeight + 2 * Theme.gapTiny
+
+    UdpWatch {
+        id: watch
+
+        objectName: "udpWatch"
+    }
+
+    Rectangle {
+        anchors.fill: parent
+        color: Theme.trenchColor
+    }
+
+    RowLayout {
+        anchors.fill: parent
+        anchors.leftMargin: Theme.gapWide
+        anchors.rightMargin: Theme.gapWide
+        spacing: Theme.gap
+
+        Text {
+            text: qsTr("Point cloud on UDP port")
+            font: Theme.captionFont
+            color: Theme.quietTextColor
+        }
+
+        DefaultTextField {
+            objectName: "udpPortField"
+            Layout.preferredWidth: Theme.numberFieldWidth
+            enabled: !watch.running
+            value: bar.port
+            problem: ValueHint.isWholeNumber(text, 1, 65535) ? "" : qsTr("A number from 1 to 65535")
+            label: qsTr("UDP port of the point cloud")
+            hint: qsTr("UDP port to which the lidar sends its points, 1 to 65535")
+            onCommitted: bar.portEntered(text)
+        }
+
+        DefaultToolButton {
+            objectName: "udpWatchButton"
+            text: watch.running ? qsTr("Stop watching") : qsTr("Watch")
+            icon.source: watch.running ? "../icons/stop.svg" : "../icons/play.svg"
+            hint: qsTr("See whether packets arrive on this port, and from whom")
+            onClicked: watch.running ? watch.Stop() : watch.Start(bar.port)
+        }
+
+        Text {
+            objectName: "udpSummary"
+            Layout.fillWidth: true
+            text: watch.summary
+            font: Theme.captionFont
+            color: watch.arriving ? Theme.successColor : Theme.quietTextColor
+            elide: Text.ElideRight
+            Accessible.role: Accessible.StaticText
+            Accessible.name: text
+        }
+
+        Text {
+            visible: watch.packetCount > 0
+            text: qsTr("%1 packets so far").arg(watch.packetCount)
+            font: Theme.captionFont
+            color: Theme.quietTextColor
+        }
+    }
+}

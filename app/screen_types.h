@@ -1,0 +1,5 @@
+#pragma once
+
+/// Makes the program's own small QML types known under "import Tevron 1.0": LogLines, LogFilter,
+/// Clipboard, SerialPortList and UdpWatch. Call once, before a screen is loaded.
+void RegisterScreenTypes();
