@@ -56,16 +56,9 @@ QtObject {
     readonly property int smallControlHeight: 6 * grid
     readonly property int fieldWidth: 50 * grid
     readonly property int buttonWidth: 24 * grid
-    readonly property int captionWidth: 60 * grid
-    readonly property int addressFieldWidth: 36 * grid
-    readonly property int modelFieldWidth: 34 * grid
-    readonly property int numberFieldWidth: 24 * grid
-    readonly property int portFieldWidth: 20 * grid
-    readonly property int portListWidth: 72 * grid
     readonly property int iconSize: 5 * grid
     readonly property int lampSize: 3 * grid
     readonly property int barHeight: 14 * grid
-    readonly property int topBarHeight: 18 * grid
     readonly property int scrollBarWidth: 2 * grid
     readonly property int dialogWidth: 120 * grid
     readonly property int toolTipWidth: 80 * grid
