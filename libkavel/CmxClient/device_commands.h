@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <vector>
@@ -117,10 +118,5 @@ int32_t GetStatus(CommandSender& sender, DeviceStatus* status);
 
 /// 1 to kNumberTextSize printable ASCII characters.
 bool IsValidNumber(const std::string& number);
-
-/// Four decimal numbers of 0 to 255, without leading zeros, signs or blanks. `octets` gets four
-/// bytes in network order.
-bool ParseDottedIpv4(const std::string& text, uint8_t* octets);
-std::string DottedIpv4(const uint8_t* octets);
 
 }  // namespace kavel::lidar

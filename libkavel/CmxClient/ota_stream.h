@@ -10,17 +10,15 @@ namespace kavel::lidar {
 /// a random value whose checksum is big-endian. They carry what the single length byte of a
 /// "$LDCMD," frame cannot count. The layout is in docs/wire-formats.md ("Long frames").
 ///
-/// The request's length counts command and payload; the response's counts return code and payload.
-/// Everything here is pure and may be called on any thread.
+/// The length counts everything between itself and the checksum: the command, in a response the
+/// return code, the payload. Everything here is pure and may be called on any thread.
 
 inline constexpr uint8_t kOtaPrefix[] = {'$', 'L', 'D', 'O', 'T', 'A', ','};
 inline constexpr size_t kOtaPrefixSize = sizeof(kOtaPrefix);
-/// Longest payload in either direction: the length counts one byte more and has 16 bits.
-inline constexpr size_t kOtaMaxPayload = 65534;
-/// Bytes around the payload of a request: prefix, length, command, checksum, terminator.
-inline constexpr size_t kOtaRequestOverhead = 16;
-/// Bytes around the payload of a response: the same and the return code.
-inline constexpr size_t kOtaResponseOverhead = 17;
+/// Longest payload that fits a frame of either direction.
+inline constexpr size_t kOtaMaxPayload = 65533;
+/// Prefix, length, checksum and terminator: what the length does not count.
+inline constexpr size_t kOtaUncounted = 15;
 
 /// True when the block begins with the prefix of a long frame.
 bool IsOtaFrame(const std::vector<uint8_t>& block);

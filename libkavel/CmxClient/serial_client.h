@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <memory>
 #include <mutex>
+#include <string>
 #include <vector>
 
 #include "CmxClient/log_sink.h"
@@ -57,11 +58,14 @@ class SerialClient {
   /// Longest wait for the port to take bytes, without progress; 500 ms at first.
   void SetSendTimeout(uint32_t timeout_ms) { send_timeout_ms_ = timeout_ms; }
 
-  /// Changes the rate of the sending port and of the receiver's, when that is the same port.
+  /// Changes the rate of the sending port, between exchanges.
   bool SetBaudRate(uint32_t baud_rate_bps);
 
   /// Where the "SEND: " and "RECV: " lines go; null for nowhere. Takes effect between exchanges.
   void SetLogSink(std::shared_ptr<LogSink> sink);
+
+  /// Why a port was lost, as a sentence for the user; "" while there was no failure.
+  std::string LastError() const;
 
   /// Ends a running exchange from any thread. The client stays closed from then on.
   void Interrupt();
@@ -70,6 +74,7 @@ class SerialClient {
 
  private:
   int32_t SendFrame(const uint8_t* data, uint16_t size);
+  void WriteToSink(const char* tag, const std::vector<uint8_t>& bytes);
 
   const std::shared_ptr<SerialPort> send_port_;
   const std::shared_ptr<SerialSource> receiver_;

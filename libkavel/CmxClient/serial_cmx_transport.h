@@ -33,7 +33,7 @@ class SerialCmxTransport : public ClientBase {
 
   /// Returns `length` when the request left, whether an answer came or not; a short count when it
   /// is no whole CMX frame or the line did not take it.
-  int32_t Send(const uint8_t* data, uint16_t length, int32_t flags) override;
+  int32_t Send(uint8_t* data, uint16_t length, int32_t flags) override;
 
   /// The next bytes of the answer to the last Send, at most `length`; -1 at once when there are
   /// none. It never waits, since the exchange is over when Send returns.
@@ -45,12 +45,13 @@ class SerialCmxTransport : public ClientBase {
   /// Without effect: a serial source bounds its own buffer.
   void SetReceiveBufferSize(const uint32_t& bytes) override;
   void Interrupt() override;
+  std::string OpenFailure() override;
 
  private:
-  int32_t Exchange(uint8_t cmd, const std::vector<uint8_t>& payload);
-  bool KeepShortAnswer(const std::vector<uint8_t>& block);
-  bool KeepLongAnswer(const std::vector<uint8_t>& block);
-  void KeepAnswer(uint8_t cmd, uint8_t return_code, const uint8_t* payload, size_t size);
+  bool Exchange(uint8_t cmd, const std::vector<uint8_t>& payload);
+  void KeepShortAnswer(const std::vector<uint8_t>& block);
+  void KeepLongAnswer(const std::vector<uint8_t>& block);
+  void KeepAnswer(uint8_t cmd, uint8_t return_code, const std::vector<uint8_t>& payload);
 
   const std::shared_ptr<SerialClient> client_;
   std::atomic<uint32_t> receive_timeout_ms_{500};

@@ -40,7 +40,7 @@ class SerialPort {
   bool IsOpen() const;
 
   /// Reads what is there, waiting up to `timeout_ms` for the first byte. Returns the byte count, 0
-  /// after the time-out or an interruption, -1 when the port is not open or has just failed.
+  /// after the time-out, -1 when the port is not open, was interrupted or has just failed.
   int32_t Read(uint8_t* buffer, size_t size, uint32_t timeout_ms);
 
   /// Writes all of `size` bytes. `timeout_ms` is the longest wait without progress, so that a long
@@ -52,8 +52,8 @@ class SerialPort {
   /// Discards what has been received and not yet read. False when the port is not open.
   bool PurgeInput();
 
-  /// Wakes blocked reads and writes, from any thread. The port stays open, and every later read and
-  /// write returns at once, until it is opened anew.
+  /// Wakes blocked reads and writes, from any thread. The port stays open, but these and all later
+  /// calls of them return -1 at once, until it is opened anew.
   void Interrupt();
 
   /// The last failure in words for the user, or an empty text.
@@ -67,6 +67,7 @@ class SerialPort {
   std::shared_ptr<Handle> CurrentHandle() const;
   void Fail(const std::shared_ptr<Handle>& handle, const std::string& message);
   bool Refuse(const std::string& message);
+  static void Release(Handle& handle);
 
   mutable std::mutex mutex_;
   std::shared_ptr<Handle> handle_;

@@ -6,7 +6,6 @@
 #include <mutex>
 #include <string>
 #include <thread>
-#include <utility>
 #include <vector>
 
 #include "Source/socket_source.h"
@@ -65,7 +64,7 @@ class AddressFinder {
   std::atomic<uint64_t> packets_{0};
   std::atomic<uint64_t> bytes_{0};
   mutable std::mutex mutex_;
-  std::vector<std::pair<uint32_t, Sender>> senders_;
+  std::vector<Sender> senders_;
 };
 
 }  // namespace kavel::lidar

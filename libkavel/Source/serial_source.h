@@ -90,16 +90,19 @@ class SerialSource : public Source {
  private:
   void ReceivedThread();
   void TakeBytes(const uint8_t* data, size_t size);
-  void SortFrame(SerialStreamFrame frame);
+  void SortFrame(SerialStreamFrame& frame);
   void KeepPointCloud(const std::vector<uint8_t>& frame);
+  int32_t TakeAnswer(std::vector<uint8_t>& block, size_t max_size);
+  void SearchBehindBrokenFrame();
   void EmptyBuffer();
-  bool TakeAnswer(std::vector<uint8_t>& block, size_t max_size);
+  void Stop();
 
   const std::string port_name_;
   const uint32_t baud_rate_bps_;
   const int receive_type_;
   const std::shared_ptr<SerialPort> port_;
   std::function<void(const std::string&)> lost_handler_;
+  std::mutex lifecycle_mutex_;
   std::thread thread_;
 
   mutable std::mutex mutex_;
@@ -110,8 +113,8 @@ class SerialSource : public Source {
   Counters counters_;
   std::string last_error_;
   int mode_ = kModePointCloud;
+  bool keep_points_ = true;
   bool running_ = false;
-  bool interrupted_ = false;
 };
 
 }  // namespace kavel::lidar

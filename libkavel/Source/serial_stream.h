@@ -15,6 +15,7 @@ inline constexpr uint8_t kPointCloudMajor = 1;
 inline constexpr uint8_t kPointCloudMinor = 0;
 inline constexpr size_t kPointCloudDataOffset = 11;
 inline constexpr size_t kPointCloudMaxData = 1400;
+inline constexpr size_t kPointCloudTailSize = 6;
 
 /// Device side: a point-cloud frame; empty when `data` is longer than kPointCloudMaxData.
 std::vector<uint8_t> BuildPointCloudFrame(const std::vector<uint8_t>& data);
@@ -26,7 +27,7 @@ enum class SerialListener { kTool, kDevice };
 struct SerialStreamFrame {
   enum class Kind { kCommand, kLong, kPointCloud };
   Kind kind = Kind::kCommand;
-  bool sound = false;  ///< its checksum fits; false only for the last frame before a silence
+  bool sound = false;  ///< its checksum fits
   std::vector<uint8_t> bytes;
 };
 
@@ -39,6 +40,7 @@ class SerialStream {
  public:
   /// Room for the longest frame and for what came with it.
   static constexpr size_t kMaxHeld = 128 * 1024;
+  static constexpr size_t kMaxSkippedKept = 1500;
 
   explicit SerialStream(SerialListener listener) : listener_(listener) {}
 
@@ -48,21 +50,41 @@ class SerialStream {
   /// and a wrong checksum, with no other frame beginning inside it, is handed out as not sound.
   std::optional<SerialStreamFrame> Next();
 
-  /// Everything held, as it came, and forgets it: what is left when no frame was completed.
-  std::vector<uint8_t> TakeRest();
+  /// What came and belongs to no complete frame: bytes skipped since the last frame or clearing
+  /// (the first kMaxSkippedKept of them) and bytes held, unless these are a point-cloud frame.
+  std::vector<uint8_t> Rest() const;
+
+  /// Gives up the frame that has begun, so that Next searches behind its beginning. For use when
+  /// the line has gone silent. False when nothing is held.
+  bool GiveUp();
 
   /// Size of the long frame that has begun and is not complete, 0 when there is none.
   size_t PendingLongFrame() const;
 
   size_t held() const { return buffer_.size() - begin_; }
   uint64_t skipped_bytes() const { return skipped_bytes_; }
+  /// Forgets all bytes and the count of those skipped.
   void Clear();
-  void ResetCounters() { skipped_bytes_ = 0; }
+  /// Forgets everything but a point-cloud frame that has begun.
+  void ClearToPointCloud();
 
  private:
+  using Kind = SerialStreamFrame::Kind;
+  enum class Match { kNone, kBegun, kWhole };
+
+  const uint8_t* Head() const { return buffer_.data() + begin_; }
+  Match MatchPrefix(size_t offset, Kind* kind) const;
+  bool FindPrefix(Kind* kind);
+  std::optional<size_t> FrameSize(Kind kind) const;
+  SerialStreamFrame CopyFrame(Kind kind, size_t size) const;
+  bool PrefixInside(size_t size) const;
+  void Skip(size_t count);
+  bool HoldsPointCloud() const;
+
   SerialListener listener_;
   std::vector<uint8_t> buffer_;
   size_t begin_ = 0;
+  std::vector<uint8_t> skipped_;
   uint64_t skipped_bytes_ = 0;
 };
 

@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <string>
 
+#include "Platform/socket.h"
 #include "Source/source.h"
 
 namespace kavel::lidar {
@@ -43,10 +44,10 @@ class SocketSource : public Source {
   bool Bind();
   void JoinGroup();
   int32_t ReadPacket(UdpPacket& packet, uint16_t length, int32_t flags);
-  void CloseSocket();
+  void ReleaseSocket();
 
   uint16_t port_;
-  int64_t socket_ = -1;
+  SocketHandle socket_ = kInvalidSocket;
   uint8_t wait_before_read_ = 0;
   std::string multicast_ip_;
   uint32_t peer_ip_ = 0;

@@ -1,0 +1,104 @@
+#include "CmxClient/serial_client.h"
+
+#include <utility>
+
+#include "CmxClient/hex_text.h"
+#include "CmxClient/serial_frame.h"
+
+namespace kavel::lidar {
+namespace {
+
+constexpr uint8_t kSwitchModeCommand = 3;
+constexpr uint32_t kSwitchModeTimeoutMs = 3000;
+constexpr size_t kSwitchModeInnerSize = 5;
+
+}  // namespace
+
+SerialClient::SerialClient(std::shared_ptr<SerialPort> send_port,
+                           std::shared_ptr<SerialSource> receiver)
+    : send_port_(std::move(send_port)), receiver_(std::move(receiver)) {}
+
+SerialClient::~SerialClient() { Close(); }
+
+bool SerialClient::IsOpen() const {
+  return !interrupted_ && send_port_ != nullptr && send_port_->IsOpen() && receiver_ != nullptr &&
+         receiver_->IsOpened();
+}
+
+int32_t SerialClient::SendCommand(uint8_t cmd, const std::vector<uint8_t>& payload,
+                                  std::vector<uint8_t>& result, uint32_t timeout_ms) {
+  if (payload.size() > kSerialMaxPayload) return kSerialNotReady;
+  std::vector<uint8_t> block;
+  const int32_t code =
+      ExchangeBlock(BuildSerialFrame(cmd, payload), kSerialBlockSize, timeout_ms, block);
+  if (code != 0) return code;
+  return ParseSerialResponse(block, result) ? 0 : kSerialBadAnswer;
+}
+
+int32_t SerialClient::SwitchMode(uint8_t mode, uint8_t sub_mode) {
+  std::vector<uint8_t> inner;
+  const int32_t code =
+      SendCommand(kSwitchModeCommand, {mode, sub_mode}, inner, kSwitchModeTimeoutMs);
+  if (code != 0) return code;
+  if (inner.size() != kSwitchModeInnerSize || inner[1] != kSwitchModeCommand || inner[2] != mode) {
+    return kSerialBadAnswer;
+  }
+  return inner[4];
+}
+
+int32_t SerialClient::ExchangeBlock(const std::vector<uint8_t>& frame, size_t max_block,
+                                    uint32_t timeout_ms, std::vector<uint8_t>& block) {
+  const std::lock_guard<std::mutex> lock(mutex_);
+  if (!IsOpen() || frame.size() > UINT16_MAX) return kSerialNotReady;
+  WriteToSink("SEND: ", frame);
+  receiver_->SetReceiveMode(kModeEmptyBuffer);
+  if (SendFrame(frame.data(), static_cast<uint16_t>(frame.size())) < 0) return kSerialNotReady;
+  if (receiver_->ReceiveBlock(block, max_block, timeout_ms) < 0) return kSerialNoAnswer;
+  WriteToSink("RECV: ", block);
+  return 0;
+}
+
+// A frame that was cut short can have no answer, so it counts as not sent.
+int32_t SerialClient::SendFrame(const uint8_t* data, uint16_t size) {
+  return send_port_->Write(data, size, send_timeout_ms_) == size ? size : -1;
+}
+
+bool SerialClient::SetBaudRate(uint32_t baud_rate_bps) {
+  const std::lock_guard<std::mutex> lock(mutex_);
+  if (!IsOpen()) return false;
+  return send_port_->SetBaudRate(baud_rate_bps);
+}
+
+std::string SerialClient::LastError() const {
+  const std::string send_error = send_port_ != nullptr ? send_port_->LastError() : std::string();
+  if (!send_error.empty() || receiver_ == nullptr) return send_error;
+  return receiver_->LastError();
+}
+
+void SerialClient::SetLogSink(std::shared_ptr<LogSink> sink) {
+  const std::lock_guard<std::mutex> lock(sink_mutex_);
+  sink_ = std::move(sink);
+}
+
+void SerialClient::WriteToSink(const char* tag, const std::vector<uint8_t>& bytes) {
+  std::shared_ptr<LogSink> sink;
+  {
+    const std::lock_guard<std::mutex> lock(sink_mutex_);
+    sink = sink_;
+  }
+  if (sink != nullptr) sink->WriteLine(tag + HexText(bytes));
+}
+
+void SerialClient::Interrupt() {
+  interrupted_ = true;
+  if (send_port_ != nullptr) send_port_->Interrupt();
+  if (receiver_ != nullptr) receiver_->Interrupt();
+}
+
+void SerialClient::Close() {
+  Interrupt();
+  if (receiver_ != nullptr) receiver_->Close();
+  if (send_port_ != nullptr) send_port_->Close();
+}
+
+}  // namespace kavel::lidar

@@ -1,0 +1,250 @@
+#include "Source/serial_source.h"
+
+#include <algorithm>
+#include <chrono>
+#include <utility>
+
+#include "Log/logger.h"
+
+namespace kavel::lidar {
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+constexpr size_t kReadSize = 4096;
+constexpr uint32_t kIdleWaitMs = 1000;
+constexpr uint32_t kSendTimeoutMs = 500;
+constexpr size_t kMaxAnswers = 16;
+constexpr size_t kMaxPoints = 512;
+constexpr size_t kVersionOffset = 7;
+// A byte on the line is a start bit, eight data bits and a stop bit; twice that, since adapters
+// hand bytes on in lumps and point-cloud frames come between.
+constexpr uint64_t kBitTimesPerByte = 20;
+
+void PushBounded(std::deque<std::vector<uint8_t>>& queue, std::vector<uint8_t> item, size_t limit) {
+  if (queue.size() == limit) queue.pop_front();
+  queue.push_back(std::move(item));
+}
+
+}  // namespace
+
+SerialSource::SerialSource(const std::string& port_name, uint32_t baud_rate_bps, int receive_type)
+    : port_name_(port_name),
+      baud_rate_bps_(baud_rate_bps),
+      receive_type_(receive_type),
+      port_(std::make_shared<SerialPort>()),
+      stream_(SerialListener::kTool) {}
+
+SerialSource::~SerialSource() { Stop(); }
+
+bool SerialSource::Open() {
+  if (IsOpened()) return true;
+  Stop();
+  const std::lock_guard<std::mutex> lifecycle(lifecycle_mutex_);
+  if (receive_type_ != kReceiveAnswersAndPoints && receive_type_ != kReceiveAnswers) {
+    const std::string reason = "not support receiveStype, open error";
+    KAVEL_LOG(kError, "%s", reason.c_str());
+    const std::lock_guard<std::mutex> lock(mutex_);
+    last_error_ = reason;
+    return false;
+  }
+  const bool opened = port_->Open(port_name_, baud_rate_bps_);
+  const std::lock_guard<std::mutex> lock(mutex_);
+  last_error_ = port_->LastError();
+  if (!opened) return false;
+  stream_.Clear();
+  answers_.clear();
+  points_.clear();
+  running_ = true;
+  thread_ = std::thread(&SerialSource::ReceivedThread, this);
+  return true;
+}
+
+void SerialSource::Close() {
+  Stop();
+  Source::Close();
+}
+
+void SerialSource::Stop() {
+  const std::lock_guard<std::mutex> lifecycle(lifecycle_mutex_);
+  Interrupt();
+  if (thread_.joinable()) thread_.join();
+  port_->Close();
+}
+
+bool SerialSource::IsOpened() {
+  const std::lock_guard<std::mutex> lock(mutex_);
+  return running_ && port_->IsOpen();
+}
+
+void SerialSource::Interrupt() {
+  {
+    const std::lock_guard<std::mutex> lock(mutex_);
+    running_ = false;
+  }
+  port_->Interrupt();
+  arrived_.notify_all();
+}
+
+void SerialSource::ReceivedThread() {
+  std::vector<uint8_t> buffer(kReadSize);
+  for (;;) {
+    const int32_t count = port_->Read(buffer.data(), buffer.size(), kIdleWaitMs);
+    if (count < 0) break;
+    if (count > 0) TakeBytes(buffer.data(), static_cast<size_t>(count));
+  }
+  bool lost = false;
+  {
+    const std::lock_guard<std::mutex> lock(mutex_);
+    lost = running_ && !port_->IsOpen();
+    if (lost) last_error_ = port_->LastError();
+    running_ = false;
+  }
+  arrived_.notify_all();
+  if (lost && lost_handler_) lost_handler_(LastError());
+}
+
+void SerialSource::TakeBytes(const uint8_t* data, size_t size) {
+  {
+    const std::lock_guard<std::mutex> lock(mutex_);
+    counters_.bytes += size;
+    stream_.Append(data, size);
+    while (std::optional<SerialStreamFrame> frame = stream_.Next()) SortFrame(*frame);
+  }
+  arrived_.notify_all();
+}
+
+void SerialSource::SortFrame(SerialStreamFrame& frame) {
+  if (frame.kind == SerialStreamFrame::Kind::kPointCloud) {
+    KeepPointCloud(frame.bytes);
+  } else {
+    ++counters_.answers;
+    PushBounded(answers_, std::move(frame.bytes), kMaxAnswers);
+  }
+}
+
+void SerialSource::KeepPointCloud(const std::vector<uint8_t>& frame) {
+  ++counters_.points;
+  const uint8_t* version = frame.data() + kVersionOffset;
+  const bool known = version[0] == kPointCloudMajor && version[1] == kPointCloudMinor;
+  if (!known) {
+    KAVEL_LOG(kWarning, "serial recv error point cloud, protocol Version: %02x %02x", version[0],
+              version[1]);
+  }
+  if (!known || !keep_points_ || receive_type_ != kReceiveAnswersAndPoints) {
+    ++counters_.dropped_points;
+    return;
+  }
+  if (points_.size() == kMaxPoints) ++counters_.dropped_points;
+  const auto data = frame.begin() + kPointCloudDataOffset;
+  const auto end = frame.end() - static_cast<std::ptrdiff_t>(kPointCloudTailSize);
+  PushBounded(points_, std::vector<uint8_t>(data, end), kMaxPoints);
+}
+
+int32_t SerialSource::Receive(UdpPacket& packet, uint16_t length, int32_t /*flags*/,
+                              int32_t wait_us) {
+  packet.timed_out = 0;
+  std::unique_lock<std::mutex> lock(mutex_);
+  arrived_.wait_for(lock, std::chrono::microseconds(std::max(wait_us, 0)),
+                    [this] { return !points_.empty() || !running_; });
+  if (points_.empty()) {
+    packet.timed_out = running_ ? 1 : 0;
+    return running_ ? 0 : -1;
+  }
+  const std::vector<uint8_t> data = std::move(points_.front());
+  points_.pop_front();
+  const size_t count = std::min({data.size(), size_t{length}, packet.data.size()});
+  std::copy_n(data.begin(), count, packet.data.begin());
+  packet.ip = 0;
+  packet.port = 0;
+  return static_cast<int32_t>(count);
+}
+
+int32_t SerialSource::Send(const uint8_t* data, uint16_t length, int32_t /*flags*/) {
+  return port_->Write(data, length, kSendTimeoutMs);
+}
+
+int32_t SerialSource::ReceiveBlock(std::vector<uint8_t>& block, size_t max_size,
+                                   uint32_t timeout_ms) {
+  std::unique_lock<std::mutex> lock(mutex_);
+  Clock::time_point deadline = Clock::now() + std::chrono::milliseconds(timeout_ms);
+  bool extended = false;
+  while (running_ && answers_.empty()) {
+    const size_t pending = stream_.PendingLongFrame();
+    if (pending > 0 && !extended) {
+      deadline += std::chrono::milliseconds(pending * kBitTimesPerByte * 1000 /
+                                            std::max<uint32_t>(port_->baud_rate_bps(), 1));
+      extended = true;
+    }
+    if (arrived_.wait_until(lock, deadline) == std::cv_status::timeout) break;
+  }
+  if (!running_) return -1;
+  return TakeAnswer(block, max_size);
+}
+
+int32_t SerialSource::TakeAnswer(std::vector<uint8_t>& block, size_t max_size) {
+  if (answers_.empty()) SearchBehindBrokenFrame();
+  if (answers_.empty()) answers_.push_back(stream_.Rest());
+  block = std::move(answers_.front());
+  answers_.pop_front();
+  if (block.size() > max_size) block.resize(max_size);
+  return block.empty() ? -1 : static_cast<int32_t>(block.size());
+}
+
+// A frame that broke off may have swallowed a whole answer. Searched on a copy: without an answer
+// in it, what has begun may still be completed.
+void SerialSource::SearchBehindBrokenFrame() {
+  SerialStream search = stream_;
+  while (search.GiveUp()) {
+    std::optional<SerialStreamFrame> frame = search.Next();
+    if (!frame || frame->kind == SerialStreamFrame::Kind::kPointCloud) continue;
+    SortFrame(*frame);
+    stream_ = std::move(search);
+    return;
+  }
+}
+
+// A point-cloud frame in progress is no stale answer, and without its beginning the rest of it
+// would be noise in the next one.
+void SerialSource::EmptyBuffer() {
+  stream_.ClearToPointCloud();
+  answers_.clear();
+}
+
+void SerialSource::SetReceiveMode(int mode) {
+  {
+    const std::lock_guard<std::mutex> lock(mutex_);
+    if (mode != kModeEmptyBuffer) keep_points_ = mode == kModePointCloud;
+    EmptyBuffer();
+    if (mode == kModeEmptyBuffer) return;
+    stream_.Clear();
+    points_.clear();
+    counters_ = {};
+  }
+  port_->PurgeInput();
+  const std::lock_guard<std::mutex> lock(mutex_);
+  mode_ = mode;
+}
+
+int SerialSource::receive_mode() const {
+  const std::lock_guard<std::mutex> lock(mutex_);
+  return mode_;
+}
+
+void SerialSource::SetLostHandler(std::function<void(const std::string&)> handler) {
+  lost_handler_ = std::move(handler);
+}
+
+SerialSource::Counters SerialSource::GetCounters() const {
+  const std::lock_guard<std::mutex> lock(mutex_);
+  Counters counters = counters_;
+  counters.skipped_bytes = stream_.skipped_bytes();
+  return counters;
+}
+
+std::string SerialSource::LastError() const {
+  const std::lock_guard<std::mutex> lock(mutex_);
+  return last_error_;
+}
+
+}  // namespace kavel::lidar

@@ -1,0 +1,203 @@
+#include "Source/socket_source.h"
+
+#include <algorithm>
+#include <cstring>
+
+#include "Log/logger.h"
+#include "Platform/ipv4_text.h"
+
+namespace kavel::lidar {
+namespace {
+
+// More than any system grants: what it gives is its own limit.
+constexpr int kLargestReceiveBuffer = 400'000'000;
+constexpr int kWorkingReceiveBuffer = 26'214'400;
+constexpr uint32_t kReceiveTimeoutMs = 20;
+
+int LoggedHandle(SocketHandle socket) { return static_cast<int>(socket); }
+
+// An empty text is any address. A text that is no address becomes the broadcast address, to which
+// nothing can be bound.
+in_addr InterfaceAddress(const std::string& text) {
+  in_addr address{};
+  if (text.empty()) {
+    address.s_addr = INADDR_ANY;
+  } else if (!ParseDottedIpv4(text, reinterpret_cast<uint8_t*>(&address))) {
+    address.s_addr = INADDR_NONE;
+  }
+  return address;
+}
+
+}  // namespace
+
+SocketSource::SocketSource(uint16_t port, const std::string& local_ip,
+                           const std::string& multicast_ip)
+    : port_(port), multicast_ip_(multicast_ip), local_ip_(local_ip) {}
+
+SocketSource::~SocketSource() { ReleaseSocket(); }
+
+bool SocketSource::Open() {
+  ReleaseSocket();
+  if (!StartSockets()) {
+    KAVEL_LOG(kError, "Initilize winsock error !");
+    return false;
+  }
+  socket_ = ::socket(AF_INET, SOCK_DGRAM, IPPROTO_UDP);
+  if (socket_ == kInvalidSocket) {
+    StopSockets();
+    return false;
+  }
+  wait_before_read_ = 0;
+  const bool configured = Configure();
+  if (configured && !Bind()) return false;
+  if (!SetNonBlocking(socket_, true)) KAVEL_LOG(kError, "non-block");
+  SetSocketOption(socket_, SOL_SOCKET, SO_RCVBUF, kWorkingReceiveBuffer);
+  if (!multicast_ip_.empty()) JoinGroup();
+  // An unbound socket would count as open and never receive anything.
+  if (!configured) ReleaseSocket();
+  return configured;
+}
+
+bool SocketSource::Configure() {
+  const bool reusable = SetSocketOption(socket_, SOL_SOCKET, SO_REUSEADDR, 1);
+  const int reuse_error = LastSocketError();
+  SetSocketOption(socket_, SOL_SOCKET, SO_RCVBUF, kLargestReceiveBuffer);
+  int granted = 0;
+  if (!GetSocketOption(socket_, SOL_SOCKET, SO_RCVBUF, &granted)) {
+    const int error = LastSocketError();
+    KAVEL_LOG(kWarning, "getsockopt error=%d(%s)!!!", error, SocketErrorText(error).c_str());
+  }
+  KAVEL_LOG(kInfo, "OS current udp socket recv buff size is: %d", granted);
+  if (!reusable) {
+    KAVEL_LOG(kError, "setsockopt SO_REUSEADDR failed, errno:%d", reuse_error);
+    return false;
+  }
+  if (SetReceiveTimeoutMs(socket_, kReceiveTimeoutMs) != 0) {
+    KAVEL_LOG(kError, "setsockopt SO_RCVTIMEO failed, errno:%d", LastSocketError());
+    return false;
+  }
+  return true;
+}
+
+// Packets of a group are addressed to the group, so the socket must not be bound to an interface.
+bool SocketSource::Bind() {
+  sockaddr_in address{};
+  address.sin_family = AF_INET;
+  address.sin_port = htons(port_);
+  address.sin_addr = InterfaceAddress(multicast_ip_.empty() ? local_ip_ : "");
+  if (bind(socket_, reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0) {
+    KAVEL_LOG(kInfo, "SocketSource::Open succeed, sock:%d", LoggedHandle(socket_));
+    return true;
+  }
+  const int error = LastSocketError();
+  // Deliberate: these two are passed over in silence, and the source counts as open.
+  if (error == kSocketInProgress || error == kSocketWouldBlock) return true;
+  ReleaseSocket();
+  KAVEL_LOG(kError, "SocketSource::Open(), bind failed, errno: %d", error);
+  return false;
+}
+
+void SocketSource::JoinGroup() {
+  ip_mreq request{};
+  request.imr_multiaddr = InterfaceAddress(multicast_ip_);
+  request.imr_interface = InterfaceAddress(local_ip_);
+  if (setsockopt(socket_, IPPROTO_IP, IP_ADD_MEMBERSHIP, reinterpret_cast<const char*>(&request),
+                 sizeof request) == 0) {
+    KAVEL_LOG(kInfo, "Recive data from multicast ip address %s", multicast_ip_.c_str());
+  } else {
+    KAVEL_LOG(kError, "Multicast IP error, set correct multicast ip address or keep it empty");
+  }
+}
+
+int32_t SocketSource::Receive(UdpPacket& packet, uint16_t length, int32_t flags, int32_t wait_us) {
+  packet.timed_out = 0;
+  if (!IsOpened() && !Open()) return -1;
+  if (wait_before_read_ == 0) {
+    const int32_t count = ReadPacket(packet, length, flags);
+    if (count < 0) wait_before_read_ = 1;
+    return count;
+  }
+  const int ready = WaitReadable(socket_, wait_us);
+  if (ready > 0) {
+    wait_before_read_ = 0;
+    return ReadPacket(packet, length, flags);
+  }
+  if (ready == 0) {
+    packet.timed_out = 1;
+    return 0;
+  }
+  KAVEL_LOG(kWarning, "Select timeout error");
+  return -1;
+}
+
+int32_t SocketSource::ReadPacket(UdpPacket& packet, uint16_t length, int32_t flags) {
+  sockaddr_in sender{};
+  socklen_t sender_size = sizeof sender;
+  const int room = static_cast<int>(std::min<size_t>(length, packet.data.size()));
+  const auto count = recvfrom(socket_, reinterpret_cast<char*>(packet.data.data()), room, flags,
+                              reinterpret_cast<sockaddr*>(&sender), &sender_size);
+  if (count < 0) return -1;
+  packet.ip = sender.sin_addr.s_addr;
+  packet.port = ntohs(sender.sin_port);
+  return static_cast<int32_t>(count);
+}
+
+int32_t SocketSource::Send(const uint8_t* data, uint16_t length, int32_t flags) {
+  if (socket_ == kInvalidSocket) {
+    KAVEL_LOG(kError, "SocketSource::Send, port %d, sock %d is not open", port_,
+              LoggedHandle(socket_));
+    return -1;
+  }
+  if (!has_peer_) {
+    KAVEL_LOG(kError, "SocketSource::Send, client ip is empty");
+    return -1;
+  }
+  sockaddr_in peer{};
+  peer.sin_family = AF_INET;
+  peer.sin_port = htons(peer_port_);
+  peer.sin_addr.s_addr = peer_ip_;
+  const auto count = sendto(socket_, reinterpret_cast<const char*>(data), length, flags,
+                            reinterpret_cast<const sockaddr*>(&peer), sizeof peer);
+  if (count < 0) {
+    KAVEL_LOG(kError, "SocketSource::Send, errno:%d", LastSocketError());
+    Close();
+  }
+  return static_cast<int32_t>(count);
+}
+
+void SocketSource::SetPeer(uint32_t ip, uint16_t port) {
+  peer_ip_ = ip;
+  peer_port_ = port;
+  has_peer_ = true;
+}
+
+uint16_t SocketSource::BoundPort() const {
+  sockaddr_in address{};
+  socklen_t size = sizeof address;
+  if (socket_ == kInvalidSocket ||
+      getsockname(socket_, reinterpret_cast<sockaddr*>(&address), &size) != 0) {
+    return 0;
+  }
+  return ntohs(address.sin_port);
+}
+
+void SocketSource::Close() {
+  KAVEL_LOG(kInfo, "SocketSource::Close()");
+  ReleaseSocket();
+}
+
+bool SocketSource::IsOpened() {
+  if (socket_ != kInvalidSocket) return true;
+  KAVEL_LOG(kWarning, "SocketSource::IsOpened(), port %d, sock %d is not open", port_,
+            LoggedHandle(socket_));
+  return false;
+}
+
+void SocketSource::ReleaseSocket() {
+  if (socket_ == kInvalidSocket) return;
+  CloseSocket(socket_);
+  StopSockets();
+  socket_ = kInvalidSocket;
+}
+
+}  // namespace kavel::lidar
