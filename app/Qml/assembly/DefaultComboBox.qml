@@ -58,7 +58,7 @@ T.ComboBox {
         contentItem: Text {
             text: entry.text
             font: entry.font
-            color: entry.highlighted ? Theme.onAccentColor : Theme.textColor
+            color: entry.highlighted ? Theme.accentTextColor : Theme.textColor
             verticalAlignment: Text.AlignVCenter
             elide: Text.ElideRight
         }
@@ -67,7 +67,9 @@ T.ComboBox {
         }
     }
 
-    indicator: Chevron {
+    indicator: Icon {
+        source: "../icons/chevron.svg"
+        size: 3 * Theme.grid
         x: control.width - width - Theme.gap
         y: (control.height - height) / 2
         color: control.enabled ? Theme.quietTextColor : Theme.disabledTextColor

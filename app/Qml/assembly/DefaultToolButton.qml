@@ -1,15 +1,16 @@
 import QtQuick 2.15
-import QtQuick.Controls.impl 2.15
 import QtQuick.Templates 2.15 as T
 import "../theme"
 
-// A small flat button with an icon, a text or both. Set `icon.source` (an SVG, drawn in one colour)
-// and `label`, the name for assistive technology; `hint` is the tooltip and falls back on `label`.
+// A small flat button with an icon, a text or both. `icon.source` is an SVG, drawn in one colour; `label`
+// is the name for assistive technology; `hint` is the tooltip and falls back on `label`.
 T.ToolButton {
     id: control
 
     property string hint: ""
     property string label: ""
+    readonly property color ink: !enabled ? Theme.disabledTextColor
+                               : checked ? Theme.accentColor : Theme.textColor
 
     implicitWidth: Math.max(implicitHeight, contentItem.implicitWidth + leftPadding + rightPadding)
     implicitHeight: Theme.controlHeight
@@ -19,10 +20,6 @@ T.ToolButton {
     activeFocusOnTab: true
     focusPolicy: Qt.StrongFocus
     font: Theme.bodyFont
-    icon.width: Theme.iconSize
-    icon.height: Theme.iconSize
-    icon.color: !enabled ? Theme.disabledTextColor
-              : checked ? Theme.accentColor : Theme.textColor
 
     Accessible.name: label.length > 0 ? label : text
     Accessible.description: hint
@@ -30,14 +27,30 @@ T.ToolButton {
     Keys.onReturnPressed: clicked()
     Keys.onEnterPressed: clicked()
 
-    contentItem: IconLabel {
-        spacing: control.spacing
-        mirrored: control.mirrored
-        display: control.display
-        icon: control.icon
-        text: control.text
-        font: control.font
-        color: control.icon.color
+    contentItem: Item {
+        implicitWidth: inner.implicitWidth
+        implicitHeight: inner.implicitHeight
+
+        Row {
+            id: inner
+
+            anchors.centerIn: parent
+            spacing: control.spacing
+
+            Icon {
+                anchors.verticalCenter: parent.verticalCenter
+                visible: source.toString().length > 0
+                source: control.icon.source
+                color: control.ink
+            }
+            Text {
+                anchors.verticalCenter: parent.verticalCenter
+                visible: text.length > 0
+                text: control.text
+                font: control.font
+                color: control.ink
+            }
+        }
     }
 
     background: Rectangle {

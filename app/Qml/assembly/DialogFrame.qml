@@ -1,5 +1,4 @@
 import QtQuick 2.15
-import QtQuick.Controls.impl 2.15
 import QtQuick.Layouts 1.15
 import QtQuick.Templates 2.15 as T
 import "../theme"
@@ -67,17 +66,14 @@ T.Dialog {
             height: Theme.focusWidth
             color: frame.tone
         }
-        ColorImage {
+        Icon {
             id: headerIcon
 
             anchors.verticalCenter: parent.verticalCenter
             anchors.left: parent.left
             anchors.leftMargin: Theme.gapWide
             visible: frame.iconSource.toString().length > 0
-            width: visible ? Theme.iconSize : 0
-            height: Theme.iconSize
-            sourceSize.width: Theme.iconSize
-            sourceSize.height: Theme.iconSize
+            width: visible ? size : 0
             source: frame.iconSource
             color: frame.tone
         }

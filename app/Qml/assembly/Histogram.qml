@@ -16,12 +16,12 @@ Item {
     property real maximum: 0
     property string unit: ""
     property string title: ""
-    readonly property real top: maximum > 0 ? maximum
-                                            : values.reduce((most, value) => Math.max(most, value), 0)
+    readonly property real fullScale: maximum > 0 ? maximum
+                                                  : values.reduce((most, value) => Math.max(most, value), 0)
 
     // The share of the height that a value takes, 0 to 1.
     function share(value) {
-        return top > 0 ? Math.min(1, Math.max(0, value / top)) : 0;
+        return fullScale > 0 ? Math.min(1, Math.max(0, value / fullScale)) : 0;
     }
 
     implicitWidth: Theme.fieldWidth

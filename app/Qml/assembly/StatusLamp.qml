@@ -6,9 +6,9 @@ Row {
     id: lamp
 
     property bool on: false
-    property string onText: qsTr("Connected")
-    property string offText: qsTr("Not connected")
-    readonly property string text: on ? onText : offText
+    property string connectedText: qsTr("Connected")
+    property string disconnectedText: qsTr("Not connected")
+    readonly property string text: on ? connectedText : disconnectedText
     readonly property alias color: light.color
 
     spacing: Theme.gap
