@@ -1,0 +1,53 @@
+#include "CmxClient/fov_command.h"
+
+#include <cstring>
+
+#include "CmxClient/big_endian.h"
+
+namespace kavel::lidar {
+namespace {
+
+constexpr size_t kFirstAngleAt = 2;
+
+static_assert(sizeof(float) == sizeof(uint32_t), "angles travel as IEEE 754 single precision");
+
+uint32_t BitsOf(float value) {
+  uint32_t bits = 0;
+  std::memcpy(&bits, &value, sizeof bits);
+  return bits;
+}
+
+float FloatOf(uint32_t bits) {
+  float value = 0;
+  std::memcpy(&value, &bits, sizeof value);
+  return value;
+}
+
+}  // namespace
+
+int32_t SendFovTable(CommandSender& sender, const std::array<float, 10>& degrees, uint8_t count,
+                     uint8_t mode, int32_t* error) {
+  std::vector<uint8_t> payload{mode, count};
+  payload.reserve(kFovPayloadSize);
+  for (const float angle : degrees) {
+    AppendBigEndian32(payload, BitsOf(angle));
+  }
+  std::vector<uint8_t> unused_answer;
+  return sender.QueryCommand(payload, unused_answer, kFovCommand, false, error);
+}
+
+bool ParseFovTable(const std::vector<uint8_t>& payload, std::array<float, 10>* degrees,
+                   uint8_t* mode) {
+  if (payload.size() != kFovPayloadSize || payload[1] != kFovPairs) {
+    return false;
+  }
+  *mode = payload[0];
+  const uint8_t* angle_bytes = payload.data() + kFirstAngleAt;
+  for (float& angle : *degrees) {
+    angle = FloatOf(ReadBigEndian32(angle_bytes));
+    angle_bytes += sizeof(uint32_t);
+  }
+  return true;
+}
+
+}  // namespace kavel::lidar

@@ -1,0 +1,121 @@
+#include <system_error>
+
+#include "Platform/socket.h"
+
+namespace kavel::lidar {
+namespace {
+
+int SetTimeoutOption(SocketHandle socket, int name, uint32_t ms) {
+  const DWORD time = ms;
+  return setsockopt(socket, SOL_SOCKET, name, reinterpret_cast<const char*>(&time), sizeof time);
+}
+
+timeval TimeOf(int64_t us) {
+  timeval time{};
+  time.tv_sec = static_cast<long>(us / 1000000);
+  time.tv_usec = static_cast<long>(us % 1000000);
+  return time;
+}
+
+fd_set SetOf(SocketHandle socket) {
+  fd_set set;
+  FD_ZERO(&set);
+  FD_SET(socket, &set);
+  return set;
+}
+
+}  // namespace
+
+bool StartSockets() {
+  WSADATA data;
+  return WSAStartup(MAKEWORD(2, 2), &data) == 0;
+}
+
+void StopSockets() { WSACleanup(); }
+
+int LastSocketError() { return WSAGetLastError(); }
+
+std::string SocketErrorText(int error) { return std::system_category().message(error); }
+
+void CloseSocket(SocketHandle socket) {
+  if (socket != kInvalidSocket) {
+    closesocket(socket);
+  }
+}
+
+void ShutdownSocket(SocketHandle socket) { shutdown(socket, SD_BOTH); }
+
+bool SetNonBlocking(SocketHandle socket, bool non_blocking) {
+  u_long mode = non_blocking ? 1 : 0;
+  return ioctlsocket(socket, FIONBIO, &mode) == 0;
+}
+
+int SetReceiveTimeoutMs(SocketHandle socket, uint32_t ms) {
+  return SetTimeoutOption(socket, SO_RCVTIMEO, ms);
+}
+
+int SetSendTimeoutMs(SocketHandle socket, uint32_t ms) {
+  return SetTimeoutOption(socket, SO_SNDTIMEO, ms);
+}
+
+bool SetSocketOption(SocketHandle socket, int level, int name, int value) {
+  return setsockopt(socket, level, name, reinterpret_cast<const char*>(&value), sizeof value) == 0;
+}
+
+bool GetSocketOption(SocketHandle socket, int level, int name, int* value) {
+  int size = sizeof *value;
+  return getsockopt(socket, level, name, reinterpret_cast<char*>(value), &size) == 0;
+}
+
+bool SetAbortiveClose(SocketHandle socket) {
+  const linger reset{1, 0};
+  return setsockopt(socket, SOL_SOCKET, SO_LINGER, reinterpret_cast<const char*>(&reset),
+                    sizeof reset) == 0;
+}
+
+int SendBytes(SocketHandle socket, const void* data, size_t size, int flags) {
+  return send(socket, static_cast<const char*>(data), static_cast<int>(size), flags);
+}
+
+int ReceiveBytes(SocketHandle socket, void* buffer, size_t size, int flags) {
+  return recv(socket, static_cast<char*>(buffer), static_cast<int>(size), flags);
+}
+
+int ReceiveWithoutWaiting(SocketHandle socket, void* buffer, size_t size, PollFault* fault) {
+  *fault = PollFault::kNone;
+  if (!SetNonBlocking(socket, true)) {
+    *fault = PollFault::kCannotEnter;
+    return -1;
+  }
+  const int received = ReceiveBytes(socket, buffer, size, 0);
+  if (!SetNonBlocking(socket, false)) {
+    *fault = PollFault::kCannotLeave;
+  }
+  return received;
+}
+
+int WaitReadable(SocketHandle socket, int64_t timeout_us) {
+  fd_set readable = SetOf(socket);
+  const timeval time = TimeOf(timeout_us);
+  return select(0, &readable, nullptr, nullptr, &time);
+}
+
+int WaitWritable(SocketHandle socket, int64_t timeout_us) {
+  fd_set writable = SetOf(socket);
+  fd_set failed = SetOf(socket);  // where a connection attempt reports its failure
+  const timeval time = TimeOf(timeout_us);
+  return select(0, nullptr, &writable, &failed, &time) > 0 ? 1 : 0;
+}
+
+bool MakeAddress(const std::string& ip, uint16_t port, sockaddr_in* address) {
+  *address = {};
+  address->sin_family = AF_INET;
+  address->sin_port = htons(port);
+  return inet_pton(AF_INET, ip.c_str(), &address->sin_addr) == 1;
+}
+
+// There is no such signal on this system.
+BrokenPipeGuard::BrokenPipeGuard() = default;
+BrokenPipeGuard::~BrokenPipeGuard() = default;
+
+}  // namespace kavel::lidar
