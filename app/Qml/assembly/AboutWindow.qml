@@ -1,5 +1,4 @@
 import QtQuick 2.15
-import QtQuick.Layouts 1.15
 import "../theme"
 
 // What this program is, and which version of it runs. `details` adds lines such as the model in use.
@@ -22,7 +21,7 @@ DialogFrame {
         model: [qsTr("Version %1").arg(about.version)].concat(about.details)
 
         Text {
-            Layout.fillWidth: true
+            width: parent.width
             text: modelData
             textFormat: Text.PlainText
             font: Theme.bodyFont

@@ -31,7 +31,7 @@ T.Button {
         verticalAlignment: Text.AlignVCenter
         elide: Text.ElideRight
         color: !control.enabled ? Theme.disabledTextColor
-             : control.emphasised ? Theme.onAccentColor
+             : control.emphasised ? Theme.accentTextColor
              : control.dangerous ? Theme.errorColor : Theme.textColor
     }
 

@@ -31,7 +31,7 @@ T.ComboBox {
 
     implicitWidth: Theme.fieldWidth
     implicitHeight: Theme.controlHeight
-    leftPadding: Theme.gap
+    leftPadding: Theme.fieldPadding
     rightPadding: Theme.iconSize + Theme.gap
     hoverEnabled: true
     font: Theme.bodyFont
@@ -44,8 +44,8 @@ T.ComboBox {
 
         width: ListView.view ? ListView.view.width : implicitWidth
         implicitHeight: Theme.controlHeight
-        leftPadding: Theme.gap
-        rightPadding: Theme.gap
+        leftPadding: Theme.fieldPadding
+        rightPadding: Theme.fieldPadding
         hoverEnabled: true
         highlighted: control.highlightedIndex === index
         text: control.textRole ? (Array.isArray(control.model) ? modelData[control.textRole]

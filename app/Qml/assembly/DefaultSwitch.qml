@@ -22,7 +22,7 @@ T.Switch {
     onToggled: switched(checked)
     Component.onCompleted: checked = value
 
-    implicitWidth: indicator.implicitWidth + (text.length > 0 ? spacing + contentItem.implicitWidth : 0)
+    implicitWidth: (text.length > 0 ? contentItem.implicitWidth : indicator.implicitWidth)
                    + leftPadding + rightPadding
     implicitHeight: Theme.controlHeight
     spacing: Theme.gap

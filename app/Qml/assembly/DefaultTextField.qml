@@ -49,13 +49,14 @@ T.TextField {
 
     implicitWidth: Theme.fieldWidth
     implicitHeight: Theme.controlHeight
-    leftPadding: Theme.gap
-    rightPadding: Theme.gap + (unit.length > 0 ? unitText.width + Theme.gap : 0)
+    leftPadding: Theme.fieldPadding
+    rightPadding: Theme.fieldPadding + (unit.length > 0 ? unitText.width + Theme.gap : 0)
     verticalAlignment: TextInput.AlignVCenter
     selectByMouse: true
     hoverEnabled: true
     font: Theme.bodyFont
-    color: enabled ? Theme.textColor : Theme.disabledTextColor
+    // A value that cannot be changed is still there to be read.
+    color: enabled ? Theme.textColor : Theme.quietTextColor
     selectionColor: Theme.selectionColor
     selectedTextColor: Theme.textColor
     placeholderTextColor: Theme.quietTextColor
@@ -93,7 +94,7 @@ T.TextField {
 
         anchors.verticalCenter: parent.verticalCenter
         anchors.right: parent.right
-        anchors.rightMargin: Theme.gap
+        anchors.rightMargin: Theme.fieldPadding
         text: field.unit
         font: Theme.captionFont
         color: Theme.quietTextColor

@@ -1,5 +1,4 @@
 import QtQuick 2.15
-import QtQuick.Layouts 1.15
 import QtQuick.Templates 2.15 as T
 import "../theme"
 
@@ -24,7 +23,7 @@ T.Dialog {
     y: parent ? Math.round((parent.height - height) / 2) : 0
     width: parent ? Math.min(Theme.dialogWidth, parent.width - 2 * Theme.gapWide) : Theme.dialogWidth
     height: Math.min(implicitHeight, parent ? parent.height - 2 * Theme.gapWide : implicitHeight)
-    implicitHeight: header.implicitHeight + contentItem.implicitHeight + footer.implicitHeight
+    implicitHeight: implicitHeaderHeight + implicitContentHeight + implicitFooterHeight
                     + topPadding + bottomPadding
     padding: Theme.gapWide
     modal: true
@@ -32,7 +31,7 @@ T.Dialog {
     closePolicy: T.Popup.CloseOnEscape
     font: Theme.bodyFont
 
-    onOpened: acceptButton.forceActiveFocus(Qt.PopupFocusReason)
+    onOpened: acceptButton.forceActiveFocus(Qt.TabFocusReason)
 
     T.Overlay.modal: Rectangle { color: Theme.dimmingColor }
 
@@ -100,15 +99,15 @@ T.Dialog {
         boundsBehavior: Flickable.StopAtBounds
         T.ScrollBar.vertical: DefaultScrollBar {}
 
-        ColumnLayout {
+        Column {
             id: body
 
-            width: parent.width
+            width: frame.availableWidth
             spacing: Theme.gapWide
 
             Text {
                 objectName: "dialogMessage"
-                Layout.fillWidth: true
+                width: parent.width
                 visible: text.length > 0
                 text: frame.message
                 textFormat: Text.PlainText
@@ -120,7 +119,7 @@ T.Dialog {
             }
             Text {
                 objectName: "dialogAdvice"
-                Layout.fillWidth: true
+                width: parent.width
                 visible: text.length > 0
                 text: frame.advice
                 textFormat: Text.PlainText
@@ -130,10 +129,10 @@ T.Dialog {
                 Accessible.role: Accessible.StaticText
                 Accessible.name: text
             }
-            ColumnLayout {
+            Column {
                 id: extraSlot
 
-                Layout.fillWidth: true
+                width: parent.width
                 visible: children.length > 0
                 spacing: Theme.gap
             }

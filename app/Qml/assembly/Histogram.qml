@@ -63,7 +63,8 @@ Item {
 
                     objectName: "body"
                     anchors.bottom: captionText.top
-                    width: parent.width
+                    anchors.horizontalCenter: parent.horizontalCenter
+                    width: Math.min(parent.width, Theme.histogramBarWidth)
                     height: Math.max(Theme.hairline,
                                      (parent.height - captionText.height - number.height)
                                      * histogram.share(modelData))

@@ -29,7 +29,7 @@ QtObject {
     readonly property color accentColor: "#35b6d6"
     readonly property color accentHoverColor: Qt.lighter(accentColor, 1.12)
     readonly property color accentPressedColor: Qt.darker(accentColor, 1.2)
-    readonly property color onAccentColor: "#06181d"
+    readonly property color accentTextColor: "#06181d"
     readonly property color selectionColor: Qt.rgba(accentColor.r, accentColor.g, accentColor.b, 0.35)
     readonly property color focusColor: accentColor
 
@@ -46,6 +46,7 @@ QtObject {
     readonly property int hairline: 1
     readonly property int focusWidth: 2
     readonly property int gapTiny: grid
+    readonly property int fieldPadding: 3 * grid
     readonly property int gap: 2 * grid
     readonly property int gapWide: 4 * grid
     readonly property int gapSection: 6 * grid
@@ -59,6 +60,7 @@ QtObject {
     readonly property int iconSize: 5 * grid
     readonly property int lampSize: 3 * grid
     readonly property int barHeight: 14 * grid
+    readonly property int histogramBarWidth: 16 * grid
     readonly property int scrollBarWidth: 2 * grid
     readonly property int dialogWidth: 120 * grid
     readonly property int toolTipWidth: 80 * grid
