@@ -47,7 +47,10 @@ T.Button {
         border.color: control.dangerous && control.enabled ? Theme.errorColor
                     : control.hovered ? Theme.outlineHoverColor : Theme.outlineColor
 
-        FocusRing { shown: control.visualFocus }
+        FocusRing {
+            shown: control.visualFocus
+            border.color: parent.filled ? Theme.textColor : Theme.focusColor
+        }
     }
 
     DefaultToolTip {

@@ -33,7 +33,7 @@ T.CheckBox {
             visible: control.checked
             text: "\u2713"
             font: Theme.captionFont
-            color: control.enabled ? Theme.onAccentColor : Theme.disabledTextColor
+            color: control.enabled ? Theme.accentTextColor : Theme.disabledTextColor
         }
 
         FocusRing { shown: control.visualFocus }

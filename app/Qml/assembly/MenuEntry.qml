@@ -22,7 +22,7 @@ T.ItemDelegate {
     contentItem: Text {
         text: entry.text
         font: entry.font
-        color: entry.highlighted ? Theme.onAccentColor : Theme.textColor
+        color: entry.highlighted ? Theme.accentTextColor : Theme.textColor
         verticalAlignment: Text.AlignVCenter
         elide: Text.ElideMiddle
     }
