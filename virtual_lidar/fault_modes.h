@@ -1,0 +1,76 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+/// Every way in which the virtual lidar can misbehave on purpose.
+enum class Fault {
+  kDrop,
+  kDelay,
+  kCorrupt,
+  kTruncate,
+  kSplit,
+  kGarbage,
+  kBabble,
+  kWrongCommand,
+  kReturnCode,
+  kCloseBeforeReply,
+  kCloseMidReply,
+  kStale,
+  kHugeLength,
+  kSilentAfter,
+  kAuthShortProbe,
+  kAuthShortChallenge,
+  kAuthZeroChallenge,
+  kAuthRefuseResponse,
+};
+
+/// One line of the catalogue that the help text, the documentation and the tests go through.
+struct FaultMode {
+  Fault fault;
+  const char* name;      ///< as given to --fault
+  const char* argument;  ///< what stands behind "=" ("MS", "N"); empty when there is none
+  uint32_t argument_min;
+  uint32_t argument_max;
+  const char* sentence;  ///< what it does, one sentence
+};
+
+/// All fault modes, one for every enumerator, in the order of the enumeration.
+const std::vector<FaultMode>& FaultModes();
+
+/// One fault that was asked for: "NAME[=ARG][@CMD][#TIMES]".
+struct FaultOrder {
+  Fault fault = Fault::kDrop;
+  uint32_t argument = 0;
+  std::optional<uint8_t> command;  ///< only requests with this command code
+  std::optional<uint32_t> times;   ///< only this many times; without it, always
+};
+
+/// Reads one --fault argument. CMD is decimal or, with "0x", hexadecimal; TIMES is at least 1.
+/// @return false with a sentence in *error for an unknown name, a missing, superfluous or
+///         unsuitable argument, a command above 255; *order is then unspecified.
+bool ParseFaultOrder(const std::string& text, FaultOrder* order, std::string* error);
+
+/// The faults in force, and which of them struck. Used on one thread.
+class FaultBox {
+ public:
+  FaultBox() = default;
+  explicit FaultBox(std::vector<FaultOrder> orders);
+
+  /// Asks whether a fault strikes the request in hand, and counts it when it does.
+  /// @return the argument of the first matching order (0 for a fault without one).
+  std::optional<uint32_t> Strike(Fault fault, uint8_t command);
+
+  /// Counts one request in; true once more requests came than a "silent-after" order allows.
+  bool CountRequestAndCheckSilence();
+
+  /// Names of the faults that struck since the last call, in order.
+  std::vector<std::string> TakeStruck();
+
+ private:
+  std::vector<FaultOrder> orders_;
+  std::vector<std::string> struck_;
+  uint64_t requests_ = 0;
+};

@@ -1,0 +1,97 @@
+#include <poll.h>
+#include <signal.h>
+#include <sys/signalfd.h>
+#include <unistd.h>
+
+#include <cstdio>
+#include <exception>
+#include <filesystem>
+#include <iostream>
+#include <memory>
+
+#include "device_server.h"
+#include "event_loop.h"
+#include "options.h"
+#include "table_check.h"
+#include "virtual_device.h"
+
+namespace {
+
+constexpr int kUsageError = 2;
+
+int Complain(const std::string& sentence) {
+  std::cerr << "virtual_lidar: " << sentence << std::endl;
+  return kUsageError;
+}
+
+// Signals arrive as events of the loop, so that none interrupts anything half done.
+int OpenSignals() {
+  sigset_t signals;
+  sigemptyset(&signals);
+  for (const int signal : {SIGTERM, SIGINT, SIGUSR1}) sigaddset(&signals, signal);
+  sigprocmask(SIG_BLOCK, &signals, nullptr);
+  return signalfd(-1, &signals, SFD_NONBLOCK | SFD_CLOEXEC);
+}
+
+void OnSignal(int fd, EventLoop* loop, DeviceServer* server) {
+  signalfd_siginfo info = {};
+  while (read(fd, &info, sizeof info) == static_cast<ssize_t>(sizeof info)) {
+    server->Dump();
+    if (info.ssi_signo != SIGUSR1) loop->Stop();
+  }
+}
+
+std::shared_ptr<const ConfigParser> LoadTable(const std::string& path) {
+  auto table = std::make_shared<ConfigParser>();
+  table->ExtractConfigInfo(path);
+  return table;
+}
+
+DeviceProfile MakeProfile(const Options& options) {
+  DeviceProfile profile;
+  profile.model = options.model;
+  const std::string auth_table = options.config_folder + "/auth_config.csv";
+  if (std::filesystem::exists(auth_table)) {
+    profile.auth = LoadAuthConfig(auth_table, options.model);
+  }
+  profile.auth_keys = LoadAuthKeys(options.config_folder + "/auth_keys.ini");
+  profile.auth_required = options.auth_required;
+  profile.on_serial_line = options.server.serial != ServerSetup::Serial::kNone;
+  return profile;
+}
+
+int Serve(const Options& options, int signals) {
+  const std::string table_path = options.config_folder + "/varID/" + options.model + ".csv";
+  if (!std::filesystem::is_regular_file(table_path)) {
+    return Complain("there is no table " + table_path + " for model \"" + options.model + "\"");
+  }
+  VirtualDevice device(LoadTable(table_path), MakeProfile(options));
+  std::string error;
+  for (const auto& [name, text] : options.presets) {
+    if (!device.Preset(name, text, &error)) return Complain(error);
+  }
+  const LineLog log(STDOUT_FILENO);
+  for (const std::string& fault : device.memory().faults()) log.Write(fault);
+  FaultBox faults(options.faults);
+  EventLoop loop;
+  DeviceServer server(&loop, &device, &faults, &log, options.server);
+  loop.Watch(signals, POLLIN, [&](short) { OnSignal(signals, &loop, &server); });
+  if (!server.Start(&error)) return Complain(error);
+  loop.Run();
+  return 0;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  int exit_code = 0;
+  const auto options = ParseOptions(argc, argv, &exit_code);
+  if (!options) return exit_code;
+  if (options->check_tables) return CheckTables(options->config_folder, std::cout) == 0 ? 0 : 1;
+  const int signals = OpenSignals();
+  try {
+    return Serve(*options, signals);
+  } catch (const std::exception& error) {
+    return Complain(error.what());
+  }
+}

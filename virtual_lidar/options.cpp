@@ -1,0 +1,130 @@
+#include "options.h"
+
+#include <CLI/CLI.hpp>
+#include <algorithm>
+#include <filesystem>
+#include <sstream>
+
+namespace {
+
+constexpr uint16_t kDefaultPort = 9347;
+
+std::string FaultHelp() {
+  std::ostringstream text;
+  text << "Fault modes (--fault NAME[=ARG][@CMD][#TIMES], repeatable):\n";
+  for (const FaultMode& mode : FaultModes()) {
+    std::string name = mode.name;
+    if (*mode.argument != '\0') name += std::string("=") + mode.argument;
+    text << "  " << name << std::string(22 - std::min<size_t>(name.size(), 21), ' ')
+         << mode.sentence << '\n';
+  }
+  text << "@CMD limits a fault to one command code, #TIMES to that many times.\n\n"
+          "Examples:\n"
+          "  virtual_lidar                                an Orca on 127.0.0.1:9347\n"
+          "  virtual_lidar --model Kiva-CMX --serial      names the port to connect to\n"
+          "  virtual_lidar --port 0 --fault delay=2000@0x20 --fault 'drop@0x21#1'\n"
+          "  virtual_lidar --set 'Spin Rate=1200' --dump state.json\n"
+          "  virtual_lidar --check-tables --config ./Config\n\n"
+          "Signals: SIGUSR1 writes the dump file anew; SIGTERM and SIGINT end at once.";
+  return text.str();
+}
+
+// The folder that was asked for; by default ./Config, else the one beside the executable's folder.
+std::string ConfigFolder(const std::string& asked) {
+  if (!asked.empty()) return asked;
+  const std::filesystem::path here = "./Config";
+  std::error_code ignored;
+  if (std::filesystem::is_directory(here, ignored)) return here.string();
+  const auto program = std::filesystem::read_symlink("/proc/self/exe", ignored);
+  const auto beside = program.parent_path().parent_path() / "Config";
+  return std::filesystem::is_directory(beside, ignored) ? beside.string() : here.string();
+}
+
+std::string CheckFault(std::string& text) {
+  FaultOrder order;
+  std::string error;
+  return ParseFaultOrder(text, &order, &error) ? "" : error;
+}
+
+std::string CheckTarget(std::string& text) {
+  PointCloudTarget target;
+  std::string error;
+  return ParsePointCloudTarget(text, &target, &error) ? "" : error;
+}
+
+std::string CheckPreset(std::string& text) {
+  return text.find('=') != std::string::npos && text[0] != '='
+             ? ""
+             : "\"" + text + "\" is not of the form NAME=VALUE";
+}
+
+}  // namespace
+
+std::optional<Options> ParseOptions(int argc, char** argv, int* exit_code) {
+  Options options;
+  std::string config;
+  std::string udp;
+  std::vector<std::string> faults;
+  std::vector<std::string> presets;
+  uint16_t port = kDefaultPort;
+  bool serial = false;
+  bool no_auth = false;
+  int restart_ms = static_cast<int>(options.server.restart_time.count());
+
+  CLI::App app(
+      "A lidar in software: answers on the real wire as a device of the chosen model does.");
+  app.name("virtual_lidar");
+  app.footer(FaultHelp());
+  app.get_formatter()->column_width(28);
+  app.add_option("--model", options.model, "Model; its table is varID/MODEL.csv")
+      ->capture_default_str();
+  app.add_option("--config", config, "Folder of the tables (./Config, else ../Config beside bin/)");
+  auto* port_option =
+      app.add_option("--port", port, "TCP port on 127.0.0.1; 0 lets the system pick")
+          ->capture_default_str();
+  app.add_option("--protocol", options.server.protocol, "Version of the CMX frames over TCP")
+      ->check(CLI::IsMember({1, 2}))
+      ->capture_default_str();
+  app.add_flag("--serial", serial,
+               "Answer on a pseudo-terminal instead (a pair for Lumo); with --port, on both");
+  app.add_option("--udp", udp, "Send a point cloud of 1,200-byte packets to IP:PORT[@RATE]")
+      ->check(CLI::Validator(CheckTarget, "IP:PORT[@RATE]"));
+  app.add_option("--set", presets, "Give a variable another value to start with, by name or id")
+      ->check(CLI::Validator(CheckPreset, "NAME=VALUE"));
+  app.add_option("--dump", options.server.dump_file,
+                 "Keep this file at what the device holds: JSON, rewritten after every change");
+  app.add_option("--restart-time", restart_ms, "How long a restart takes, in ms")
+      ->check(CLI::Range(0, 600000))
+      ->capture_default_str();
+  app.add_flag("--no-auth", no_auth,
+               "Tell clients that no authentication is required, whatever the table says");
+  app.add_option("--fault", faults, "Misbehave on purpose; see below")
+      ->check(CLI::Validator(CheckFault, "NAME[=ARG][@CMD][#TIMES]"));
+  app.add_flag("--check-tables", options.check_tables,
+               "Check every table of the folder, list each fault, and end (1: there are some)");
+  try {
+    app.parse(argc, argv);
+  } catch (const CLI::ParseError& error) {
+    *exit_code = app.exit(error);
+    return std::nullopt;
+  }
+
+  options.config_folder = ConfigFolder(config);
+  options.auth_required = !no_auth;
+  std::string error;
+  for (const std::string& text : faults) {
+    ParseFaultOrder(text, &options.faults.emplace_back(), &error);
+  }
+  for (const std::string& text : presets) {
+    const size_t equals = text.find('=');
+    options.presets.emplace_back(text.substr(0, equals), text.substr(equals + 1));
+  }
+  options.server.restart_time = std::chrono::milliseconds(restart_ms);
+  if (!serial || port_option->count() > 0) options.server.tcp_port = port;
+  if (serial) {
+    options.server.serial =
+        options.model == "Lumo" ? ServerSetup::Serial::kPair : ServerSetup::Serial::kOneLine;
+  }
+  if (!udp.empty()) ParsePointCloudTarget(udp, &options.server.point_cloud.emplace(), &error);
+  return options;
+}

@@ -1,0 +1,24 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "device_server.h"
+#include "fault_modes.h"
+
+/// What the command line asks for.
+struct Options {
+  std::string model = "Orca";
+  std::string config_folder;  ///< exists, unless an explicit --config names one that does not
+  bool auth_required = true;
+  std::vector<FaultOrder> faults;
+  std::vector<std::pair<std::string, std::string>> presets;  ///< variable and text
+  ServerSetup server;
+  bool check_tables = false;
+};
+
+/// Reads the command line. Prints help or the fault in it itself.
+/// @return nothing when the process is to end now, with *exit_code.
+std::optional<Options> ParseOptions(int argc, char** argv, int* exit_code);

@@ -1,0 +1,112 @@
+#include "table_check.h"
+
+#include <exception>
+#include <set>
+#include <vector>
+
+#include "auth/auth_algorithm.h"
+#include "auth/auth_config.h"
+#include "auth/auth_keys.h"
+#include "variable_memory.h"
+#include "variables/config_parser.h"
+#include "variables/csv_table.h"
+#include "variables/feature_config.h"
+#include "variables/model_list.h"
+
+namespace {
+
+using Faults = std::vector<std::string>;
+
+void CheckVariableTable(const std::string& path, Faults* faults) {
+  ConfigParser parser;
+  try {
+    parser.ExtractConfigInfo(path);
+  } catch (const std::exception& error) {
+    faults->push_back(path + ":1: " + error.what());
+    return;
+  }
+  for (const TableFault& fault : parser.Faults()) faults->push_back(fault.text);
+  const VariableMemory memory(parser);
+  faults->insert(faults->end(), memory.faults().begin(), memory.faults().end());
+}
+
+// The rows of a table that is looked up by model: broken rows, and models without a table.
+std::vector<std::string> CheckModelColumn(const std::string& path,
+                                          const std::set<std::string>& models, Faults* faults) {
+  std::vector<std::string> named;
+  const CsvTable table(path);
+  for (const CsvFault& fault : table.faults()) {
+    faults->push_back(path + ":" + std::to_string(fault.line) + ": " + fault.reason);
+  }
+  const size_t column = table.Column("Model");
+  for (size_t row = 0; row < table.row_count(); ++row) {
+    const std::string model(table.Cell(row, column));
+    named.push_back(model);
+    if (models.count(model) == 0) {
+      faults->push_back(path + ":" + std::to_string(table.LineOf(row)) + ": model \"" + model +
+                        "\" has no variable table");
+    }
+  }
+  return named;
+}
+
+void CheckAuthRow(const std::string& path, const AuthKeys& keys, const std::string& model,
+                  Faults* faults) {
+  const AuthConfig config = LoadAuthConfig(path, model);
+  if (!config.enabled) return;
+  if (config.algorithm_id < kMaskwordOne || config.algorithm_id > kAes128Cbc) {
+    faults->push_back(path + ": model \"" + model + "\": there is no algorithm " +
+                      std::to_string(config.algorithm_id));
+    return;
+  }
+  const bool mask = !keys.mix_c1.empty() && !keys.mix_c2.empty();
+  const bool has_keys[] = {mask && !keys.maskword_1.empty(), mask && !keys.maskword_2.empty(),
+                           !keys.aes256_key.empty(), !keys.aes128_key.empty()};
+  if (!has_keys[config.algorithm_id - 1]) {
+    faults->push_back(path + ": model \"" + model + "\": the keys of algorithm " +
+                      std::to_string(config.algorithm_id) + " are missing or malformed");
+  }
+}
+
+// Runs a check whose failure as a whole is one more fault.
+template <typename Check>
+void Guarded(const std::string& path, Faults* faults, Check check) {
+  try {
+    check();
+  } catch (const AuthConfigError& error) {
+    faults->push_back(error.place() + ": " + error.what());
+  } catch (const std::exception& error) {
+    faults->push_back(path + ":1: " + error.what());
+  }
+}
+
+}  // namespace
+
+int CheckTables(const std::string& config_folder, std::ostream& out) {
+  Faults faults;
+  const std::string tables = config_folder + "/varID";
+  std::set<std::string> models;
+  for (const std::string& model : ListModels(tables)) {
+    models.insert(model);
+    CheckVariableTable(tables + "/" + model + ".csv", &faults);
+  }
+  if (models.empty()) faults.push_back(tables + ": no variable tables here");
+
+  const std::string feature = config_folder + "/feature_config.csv";
+  Guarded(feature, &faults, [&] {
+    CheckModelColumn(feature, models, &faults);
+    for (const std::string& model : models) IsHostPortUiEnabled(feature, model);
+  });
+  const std::string auth = config_folder + "/auth_config.csv";
+  std::vector<std::string> authenticating;
+  Guarded(auth, &faults, [&] { authenticating = CheckModelColumn(auth, models, &faults); });
+  const AuthKeys keys = LoadAuthKeys(config_folder + "/auth_keys.ini");
+  for (const std::string& model : authenticating) {
+    Guarded(auth, &faults, [&] { CheckAuthRow(auth, keys, model, &faults); });
+  }
+
+  for (const std::string& fault : faults) out << fault << '\n';
+  out << models.size() << " variable tables checked, "
+      << (faults.empty() ? "no fault" : std::to_string(faults.size()) + " faults") << std::endl;
+  return static_cast<int>(faults.size());
+}

@@ -1,0 +1,85 @@
+#pragma once
+
+#include <cstdint>
+#include <map>
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "variables/config_parser.h"
+
+/// The bytes that the device holds for every variable of its table, and which commands read and
+/// write them. The table must outlive this object.
+class VariableMemory {
+ public:
+  using Bytes = std::vector<uint8_t>;
+
+  /// The variable whose value is as long as it was written and is never shown.
+  static constexpr char kSharedSecretKey[] = "Shared Secret Key";
+
+  /// One variable and what the device holds for it.
+  struct Cell {
+    const VarInfo* var = nullptr;
+    Bytes value;
+    Bytes factory;          ///< value after a reset
+    bool is_clock = false;  ///< counts seconds on top of its value
+  };
+
+  /// How a command fared.
+  struct Outcome {
+    uint8_t return_code = 0;
+    Bytes payload;      ///< of the reply
+    size_t fields = 0;  ///< how many variables were read or written
+    bool written = false;
+  };
+
+  /// Every variable starts at its default. Defaults and command texts that cannot be used are
+  /// listed in faults(), each with file and line, and leave zeros or no command behind.
+  explicit VariableMemory(const ConfigParser& table);
+
+  /// Carries a command of the table out; nothing when the table does not know it. A write is
+  /// refused as a whole when one of its values is.
+  /// @param up_time_s is added to the clock variables.
+  std::optional<Outcome> Execute(uint8_t command, const Bytes& payload, uint32_t up_time_s);
+
+  /// Takes over what the reply to a read command without payload holds; ignored when no variable
+  /// is read so or the length differs. Clocks keep their own value.
+  void StoreReply(uint8_t command, const Bytes& reply);
+
+  /// Sets a variable, by name or id.
+  /// @return false with a sentence in *error when there is none or the text does not fit.
+  bool Preset(const std::string& name, const std::string& text, std::string* error);
+
+  /// Back to the factory's values.
+  void Reset();
+
+  const std::vector<Cell>& cells() const { return cells_; }
+  /// What a read of the cell gives now.
+  static Bytes ValueNow(const Cell& cell, uint32_t up_time_s);
+  /// Text of a variable named so, as a client would show it; empty when there is none.
+  std::string TextOf(const std::string& name) const;
+  const std::vector<std::string>& faults() const { return faults_; }
+
+ private:
+  struct WriteGroup {
+    uint8_t command = 0;
+    Bytes head;  ///< fixed bytes in front of the values
+    std::vector<size_t> cells;
+    size_t size = 0;          ///< of all values
+    bool any_length = false;  ///< the one value is as long as it comes
+    bool is_fov_table = false;
+  };
+
+  void AddCell(const ConfigParser& table, const VarInfo& var);
+  void AddToWriteGroup(const VarInfo& var, size_t cell, std::map<std::string, size_t>* group_of);
+  const WriteGroup* FindWriteGroup(uint8_t command, const Bytes& payload) const;
+  Outcome Write(const WriteGroup& group, const Bytes& payload);
+  bool IsCheckedNow(const VarInfo& var, const std::map<size_t, Bytes>& incoming) const;
+
+  std::vector<Cell> cells_;
+  std::map<std::string, size_t> by_id_;
+  std::map<std::pair<uint8_t, Bytes>, std::vector<size_t>> reads_;
+  std::vector<WriteGroup> writes_;
+  std::vector<std::string> faults_;
+};

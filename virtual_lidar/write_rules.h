@@ -1,0 +1,15 @@
+#pragma once
+
+#include <cstdint>
+#include <vector>
+
+#include "variables/var_info.h"
+
+/// Whether the device takes these bytes as a new value of the variable: a number within the table's
+/// range (0 always passes for a switch), one of the options of a choice, a finite float.
+/// @param bytes exactly the variable's length.
+bool IsAcceptableValue(const VarInfo& var, const std::vector<uint8_t>& bytes);
+
+/// Whether the device takes these bytes as its field-of-view table: mode, count 5, and ten angles
+/// from 0 to 360 degrees.
+bool IsAcceptableFovTable(const std::vector<uint8_t>& bytes);
