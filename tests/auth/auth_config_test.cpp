@@ -29,7 +29,7 @@ class AuthConfigTable : public testing::Test {
 TEST_F(AuthConfigTable, ReadsEveryCellOfTheModelsRow) {
   const AuthConfig config = Load(
       "Orca,1,1,0x1,0x2,0x3,0x4,0,1,big\n"
-      "Osprey,1, 3 ,\t0X000000D0 ,61,0xE1\r,0x21|22 |0X23,-2, 12 ,little\n");
+      "Osprey,1, 3 ,\t0X000000D0 ,61,\"0xE1\r\",0x21|22 |0X23,-2, 12 ,little\n");
   EXPECT_TRUE(config.enabled);
   EXPECT_EQ(config.algorithm_id, 3);
   EXPECT_EQ(config.probe_cmd, 0xD0U);

@@ -3,16 +3,13 @@
 #include <gtest/gtest.h>
 
 #include <cstdint>
-#include <deque>
 #include <filesystem>
 #include <fstream>
 #include <string>
 #include <vector>
 
-#include "CmxClient/command_sender.h"
 #include "CmxClient/log_sink.h"
-
-using Bytes = std::vector<uint8_t>;
+#include "support/scripted_sender.h"
 
 inline Bytes FromHex(const std::string& hex) {
   Bytes bytes;
@@ -60,41 +57,4 @@ class CollectedLines : public kavel::lidar::LogSink {
  public:
   void WriteLine(const std::string& line) override { lines.push_back(line); }
   std::vector<std::string> lines;
-};
-
-/// Answers each command with the next scripted reply and remembers what was sent.
-class ScriptedSender : public kavel::lidar::CommandSender {
- public:
-  struct Reply {
-    int32_t status;
-    Bytes payload;
-  };
-  struct Sent {
-    uint8_t cmd;
-    Bytes payload;
-    bool operator==(const Sent& other) const {
-      return cmd == other.cmd && payload == other.payload;
-    }
-  };
-
-  bool IsOpen() override { return true; }
-  using CommandSender::QueryCommand;
-  int32_t QueryCommand(const Bytes& payload, Bytes& result, uint8_t cmd, bool,
-                       int32_t* error) override {
-    sent.push_back({cmd, payload});
-    const Reply reply = replies.empty() ? Reply{-1, {}} : replies.front();
-    if (!replies.empty()) {
-      replies.pop_front();
-    }
-    if (error != nullptr) {
-      *error = reply.status == 0 ? 0 : -2;
-    }
-    if (reply.status == 0 && !reply.payload.empty()) {
-      result = reply.payload;
-    }
-    return reply.status;
-  }
-
-  std::deque<Reply> replies;
-  std::vector<Sent> sent;
 };

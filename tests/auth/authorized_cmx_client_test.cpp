@@ -55,7 +55,7 @@ struct Bench {
 };
 
 const ScriptedSender::Reply kRequired = {0, {0, 1}};
-const ScriptedSender::Reply kFailed = {-1, {}};
+const ScriptedSender::Reply kFailed = {kavel::lidar::kNoReply, {}};
 
 TEST(AuthorizedCmxClient, ProbeDecidesByTheValueItIsToldToRead) {
   struct Case {
@@ -119,7 +119,8 @@ TEST(AuthorizedCmxClient, OtherCommandsPassWithoutHandshake) {
 
   Bench link_error({kRequired, kFailed});
   EXPECT_EQ(link_error.ProbeAndSend(0x20), -1);
-  EXPECT_EQ(link_error.error, -2) << "the reason is the device's own, not a refusal";
+  EXPECT_EQ(link_error.error, kavel::lidar::kNoReply)
+      << "the reason is the device's own, not a refusal";
 }
 
 TEST(AuthorizedCmxClient, AFailedStepRefusesTheCommandAndSaysWhich) {
