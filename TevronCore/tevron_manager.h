@@ -4,8 +4,12 @@
 #include <QString>
 #include <QUrl>
 #include <QVariantList>
+#include <cstdint>
 #include <memory>
 #include <string>
+#include <vector>
+
+class Connection;
 
 /// The one object behind all screens. It owns the parts that do the work (settings, variable table,
 /// connection, page refresh), starts them, and turns what they report into properties and signals;
@@ -236,5 +240,18 @@ class TevronManager : public QObject {
  private:
   struct Parts;
 
-  std::unique_ptr<Parts> parts_;
+  void StartAttempt();
+  void EndAttempt(int number, const std::shared_ptr<Connection>& connection);
+  void Adopt(const std::shared_ptr<Connection>& connection);
+  void LoseConnection(int number, const std::string& reason);
+  void Disconnect();
+  void StartReadingFacts();
+  void ShowRefreshedPage();
+  void ShowFov();
+  void ReportFaults(const std::vector<std::string>& faults);
+  void TakeSetting(std::string* setting, const QString& text);
+  void TakeBaudRate(uint32_t baud_rate_bps);
+  int RefuseForNow(const char* operation);
+
+  const std::unique_ptr<Parts> parts_;
 };

@@ -1,0 +1,34 @@
+#pragma once
+
+#include <QString>
+#include <cstdint>
+#include <optional>
+#include <string>
+
+/// How a lidar is reached: what the user last entered. A connect attempt works on its own copy.
+struct ConnectionSettings {
+  std::string lidar_ip = "192.168.1.201";  ///< empty: learned from the lidar's UDP packets
+  std::string command_port = "9347";       ///< text as entered; converted when connecting
+  std::string serial_port_485 = "/dev/ttyUSB0";
+  std::string serial_port_232 = "/dev/ttyUSB1";
+  int32_t point_cloud_baud_rate_bps = 3000000;
+  int32_t command_baud_rate_bps = 115200;  ///< of the RS-485 line; never entered, never stored
+  int32_t udp_port = 2368;                 ///< where point-cloud packets arrive
+  std::string host_port = "ANY";           ///< local port of the command connection, or "ANY"
+};
+
+/// "RecvSettings.ini" in the tool's folder among the user's documents.
+QString SettingsFilePath();
+
+/// The settings of the file. A key that is absent or no number leaves its default; a file that
+/// cannot be read leaves all of them. The host port is not among them: it belongs to a model.
+ConnectionSettings LoadConnectionSettings(const QString& path);
+
+/// The host port last used with `model`, or nothing.
+std::optional<std::string> LoadHostPort(const QString& path, const std::string& model);
+
+/// Writes the settings, the host port under the key of `model`, and creates file and folder where
+/// they are missing. The UDP port is read but deliberately never written: it is set up once, by
+/// hand. Returns false when the file could not be written; the file is then as it was.
+bool SaveConnectionSettings(const QString& path, const ConnectionSettings& settings,
+                            const std::string& model);

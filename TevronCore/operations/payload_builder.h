@@ -1,0 +1,43 @@
+#pragma once
+
+#include <cstdint>
+#include <map>
+#include <string>
+#include <vector>
+
+#include "variables/config_parser.h"
+
+/// A set command ready to be sent.
+struct SetCommand {
+  uint8_t code = 0;
+  std::vector<uint8_t> payload;
+  std::string names;  ///< the changed variables, each followed by ", "
+};
+
+/// Lays the user's changes over the device's present values, one set command at a time.
+///
+/// The work has two steps with the fresh read between them: Gather turns all text into bytes, so
+/// that a text that cannot be converted stops everything before anything is sent; Build then takes
+/// the bytes of untouched variables as the lidar has just reported them. `table` has to outlive the
+/// builder.
+class PayloadBuilder {
+ public:
+  explicit PayloadBuilder(const ConfigParser& table) : table_(table) {}
+
+  /// Converts the texts of those variables of `set_cmd` that the user changed or that can only be
+  /// set. Throws std::exceptions whose text tells the user what is wrong.
+  void Gather(const std::string& set_cmd);
+
+  /// The command as it is to be sent. Throws for a command text that is no code and for a variable
+  /// whose present value is unknown.
+  SetCommand Build(const std::string& set_cmd) const;
+
+  /// The changed variables of `set_cmd`, each followed by ", ".
+  std::string ChangedNames(const std::string& set_cmd) const;
+
+ private:
+  std::vector<uint8_t> BytesOf(const VarInfo& var) const;
+
+  const ConfigParser& table_;
+  std::map<const VarInfo*, std::vector<uint8_t>> converted_;
+};

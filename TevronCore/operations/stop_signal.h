@@ -1,0 +1,34 @@
+#pragma once
+
+#include <chrono>
+#include <condition_variable>
+#include <mutex>
+
+/// Tells one worker thread to end, and is what it sleeps on, so that no sleep outlasts the wish to
+/// stop. Thread-safe; once raised it stays raised.
+class StopSignal {
+ public:
+  void Raise() {
+    {
+      const std::lock_guard<std::mutex> lock(mutex_);
+      raised_ = true;
+    }
+    changed_.notify_all();
+  }
+
+  bool IsRaised() const {
+    const std::lock_guard<std::mutex> lock(mutex_);
+    return raised_;
+  }
+
+  /// Sleeps for `duration`, or until raised. True when raised.
+  bool WaitFor(std::chrono::milliseconds duration) {
+    std::unique_lock<std::mutex> lock(mutex_);
+    return changed_.wait_for(lock, duration, [this] { return raised_; });
+  }
+
+ private:
+  mutable std::mutex mutex_;
+  std::condition_variable changed_;
+  bool raised_ = false;
+};

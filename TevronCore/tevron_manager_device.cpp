@@ -1,0 +1,143 @@
+// What is done with a lidar besides its variables: console, maintenance, and what has yet to come.
+
+#include <memory>
+#include <string>
+
+#include "tevron_manager.h"
+#include "tevron_manager_parts.h"
+
+void TevronManager::SendCommand(const QString& cmd_qs, const QString& payload_qs) {
+  const std::shared_ptr<Connection> connection = parts_->connection;
+  const auto family = parts_->model->connect_type == kNetworkLink ? CommandConsole::Family::kCmx
+                                                                  : CommandConsole::Family::kSerial;
+  const CommandConsole::Outcome outcome =
+      parts_->console.Send(parts_->sender(), parts_->state, family, cmd_qs, payload_qs);
+  if (outcome.attempted) emit sendCommandHistoryChanged();
+  if (outcome.success.empty()) return;
+  UpdateUI();
+  parts_->report.Success(outcome.success);
+}
+
+QString TevronManager::getSendCmxCommandReturnHeader() { return parts_->console.ReturnHeader(); }
+
+QString TevronManager::getSendCmxCommandReturnPayload() { return parts_->console.ReturnPayload(); }
+
+void TevronManager::SetLogBytesFlowStatus(bool flag) { parts_->byte_flow->SetOn(flag); }
+
+int TevronManager::Restart() {
+  const std::shared_ptr<LidarModel> model = parts_->model;
+  return parts_->MaintenanceNow().Restart(*model->table);
+}
+
+int TevronManager::Reset() {
+  const std::shared_ptr<LidarModel> model = parts_->model;
+  return parts_->MaintenanceNow().Reset(*model->table);
+}
+
+QString TevronManager::getLidarSN() {
+  return parts_->IdentityText("SN", parts_->facts.serial_number);
+}
+
+QString TevronManager::getLidarPN() {
+  return parts_->IdentityText("PN", parts_->facts.part_number);
+}
+
+void TevronManager::LumoSetStandby(int standby) { parts_->MaintenanceNow().WriteStandby(standby); }
+
+void TevronManager::LumoSetSpinRate(int spin_rate_rpm) {
+  parts_->MaintenanceNow().WriteSpinRate(spin_rate_rpm);
+}
+
+void TevronManager::LumoSetReturnMode(int return_mode) {
+  parts_->MaintenanceNow().WriteReturnMode(return_mode);
+}
+
+QVariantList TevronManager::LumoGetLidarFunctionSafety() {
+  return parts_->MaintenanceNow().ReadFunctionSafety();
+}
+
+QString TevronManager::LumoGetBaudRate() {
+  const std::optional<uint32_t> rate = parts_->MaintenanceNow().ReadBaudRate();
+  if (!rate) return {};
+  TakeBaudRate(*rate);
+  return QString::number(*rate);
+}
+
+void TevronManager::LumoSetBaudRateFromUI(const QString& baudRateStr) {
+  const std::optional<uint32_t> rate = parts_->MaintenanceNow().WriteBaudRate(baudRateStr);
+  if (rate) TakeBaudRate(*rate);
+}
+
+void TevronManager::TakeBaudRate(uint32_t baud_rate_bps) {
+  parts_->settings.point_cloud_baud_rate_bps = static_cast<int32_t>(baud_rate_bps);
+  emit initInfoChanged();
+}
+
+QVariantList TevronManager::LumoGetDestinationConfig(bool silent) {
+  return parts_->MaintenanceNow().ReadDestination(silent);
+}
+
+bool TevronManager::LumoSetDestinationIPandPort(const QString& ip, int port) {
+  return parts_->MaintenanceNow().WriteDestination(ip, port);
+}
+
+QVariantList TevronManager::LumoGetNetConfig(bool silent) {
+  return parts_->MaintenanceNow().ReadNet(silent);
+}
+
+bool TevronManager::LumoSetNet(const QString& ip, const QString& mask, const QString& gateway,
+                               int vlan_flag, int vlan_id) {
+  return parts_->MaintenanceNow().WriteNet(ip, mask, gateway, vlan_flag != 0, vlan_id);
+}
+
+void TevronManager::KivaSetIMURange(int angularRangeIndex, int accelRangeIndex) {
+  parts_->MaintenanceNow().WriteImuRange(angularRangeIndex, accelRangeIndex);
+}
+
+int TevronManager::RefuseForNow(const char* operation) {
+  parts_->report.LogLine(std::string(operation) + " is not available in this version.",
+                         LogType::kWarning);
+  return -1;
+}
+
+void TevronManager::StartGetConfigFile() { RefuseForNow("Reading the configuration file"); }
+
+int TevronManager::UpgradeLidar(const QUrl& /*fileUrl*/, int, int, int) {
+  return RefuseForNow("Upgrading the lidar");
+}
+
+int TevronManager::LumoUpgradeLidar(const QUrl& /*fileUrl*/) {
+  return RefuseForNow("Upgrading the lidar");
+}
+
+int TevronManager::KivaUpgradeLidar(const QUrl& /*fileUrl*/) {
+  return RefuseForNow("Upgrading the lidar");
+}
+
+int TevronManager::DownloadOperationLog(const QUrl& /*fileUrl*/) {
+  return RefuseForNow("Downloading the operation log");
+}
+
+int TevronManager::DownloadOperationLogThread(const QUrl& /*fileUrl*/) {
+  return RefuseForNow("Downloading the operation log");
+}
+
+int TevronManager::DownloadLog(const QUrl& /*fileUrl*/, const QString& /*type*/) {
+  return RefuseForNow("Downloading a log");
+}
+
+int TevronManager::LumoGetCorrection(const QString&) {
+  return RefuseForNow("Downloading the calibration");
+}
+
+void TevronManager::LumoSetUpgradeMode(int) { RefuseForNow("The upgrade mode"); }
+
+void TevronManager::selectMonitorHwVersion(const QString& /*version*/) {
+  RefuseForNow("The monitor");
+}
+
+void TevronManager::refreshMonitor() { RefuseForNow("The monitor"); }
+
+void TevronManager::startMonitorRecord(const QUrl& /*folderUrl*/) { RefuseForNow("Recording"); }
+
+void TevronManager::stopMonitorRecord() { RefuseForNow("Recording"); }

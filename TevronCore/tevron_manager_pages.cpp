@@ -1,0 +1,115 @@
+// Pages and variables: what the screens show, read, edit and write.
+
+#include <QDebug>
+#include <memory>
+#include <string>
+
+#include "operations/page_reader.h"
+#include "operations/page_writer.h"
+#include "operations/range_check.h"
+#include "tevron_manager.h"
+#include "tevron_manager_parts.h"
+
+void TevronManager::UpdateUI() {
+  parts_->RebuildMap();
+  emit myMapChanged();
+}
+
+void TevronManager::ShowFov() {
+  if (parts_->RebuildFov()) emit fovConfigChanged();
+}
+
+void TevronManager::setModuleIndexUse(int module) {
+  parts_->page_in_use = module;
+  if (parts_->refresh != nullptr) parts_->refresh->SetView(parts_->ViewInUse());
+}
+
+void TevronManager::ShowRefreshedPage() {
+  if (!parts_->state.connected) return;
+  parts_->edits->fov().StoreReadingOf(*parts_->model->table);
+  ShowFov();
+  parts_->RebuildMap();
+  emit myTimerMapChanged();
+}
+
+void TevronManager::GetLidarModuleInfo(int module) {
+  if (!parts_->MayReadPage(module)) return;
+  const std::shared_ptr<LidarModel> model = parts_->model;
+  const std::vector<const VarInfo*> vars = model->pages.VariablesOf(module);
+  parts_->edits->DropEdits(vars);
+  PageReader reader(*parts_->sender(), *model->table, parts_->state, parts_->report);
+  reader.Read(vars, "TevronManager::GetLidarModuleInfo");
+  parts_->edits->fov().StoreReadingOf(*model->table);
+  ShowFov();
+  UpdateUI();
+}
+
+bool TevronManager::UpdateSingleVarInfo(const QString& qs_var_info, const QString& search_type) {
+  const std::shared_ptr<LidarModel> model = parts_->model;
+  const VarInfo* var = parts_->FindVariable(search_type, qs_var_info);
+  if (var == nullptr || parts_->sender() == nullptr || model->connect_type != kNetworkLink) {
+    return false;
+  }
+  PageReader reader(*parts_->sender(), *model->table, parts_->state, parts_->report);
+  if (!reader.GetInfoFromLidar(*var)) return false;
+  parts_->edits->fov().StoreReadingOf(*model->table);
+  ShowFov();
+  UpdateUI();
+  return true;
+}
+
+void TevronManager::SetText(int type, int level1, int level2, int level3, const QString& text) {
+  const VarInfo* var = parts_->model->pages.At(level1, level2, level3);
+  if (var == nullptr) return;
+  parts_->edits->SetText(type, *var, text.toStdString(), parts_->report);
+  // Without a signal: whoever edits shows the text already, and reads the map again where it wants.
+  parts_->RebuildMap();
+}
+
+void TevronManager::SetMultiFovConfig(int index, const QString& fov) {
+  if (parts_->edits->SetFov(index, fov.toStdString(), parts_->report)) ShowFov();
+}
+
+void TevronManager::ClearSetMap() {
+  parts_->edits->Clear();
+  ShowFov();
+  if (parts_->RebuildMap()) emit myMapChanged();
+}
+
+int TevronManager::getSetMapSize() { return static_cast<int>(parts_->edits->pending().size()); }
+
+bool TevronManager::CheckModuleVarsWithinRange(int module) {
+  const std::shared_ptr<LidarModel> model = parts_->model;
+  RangeCheck check(*model->table, parts_->report);
+  return check.CheckPage(model->pages.VariablesOf(module), [this](const std::string& var_name) {
+    emit someVarOutOfRange(QString::fromStdString(var_name));
+  });
+}
+
+bool TevronManager::CheckVarIsWithinRange(const QString& qs_var_info, const QString& search_type) {
+  const std::shared_ptr<LidarModel> model = parts_->model;
+  const VarInfo* var = parts_->FindVariable(search_type, qs_var_info);
+  if (var == nullptr) {
+    qDebug().noquote() << " Can't find this var info for range check. var_info =" << qs_var_info;
+    return true;
+  }
+  return RangeCheck(*model->table, parts_->report).CheckVar(*var);
+}
+
+void TevronManager::Run(int module) {
+  const std::shared_ptr<LidarModel> model = parts_->model;
+  const std::shared_ptr<Connection> connection = parts_->connection;
+  PageWriter writer({parts_->sender(), model->table.get(), &model->pages, parts_->state,
+                     parts_->edits->pending(), parts_->edits->fov(), parts_->report});
+  if (writer.Run(module)) UpdateUI();
+  ShowFov();
+}
+
+bool TevronManager::CheckVarExistsInConfigFileByName(const QString& qs_var_info) {
+  return parts_->model->table->FindByName(qs_var_info.toStdString()) != nullptr;
+}
+
+bool TevronManager::isTimerUpdate(int i, int j, int k) {
+  const VarInfo* var = parts_->model->pages.At(i, j, k);
+  return var != nullptr && var->timer_update;
+}
