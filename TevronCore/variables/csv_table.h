@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -23,7 +24,7 @@ struct CsvFault {
 class CsvTable {
  public:
   /// Files above this size are refused before any memory is taken for them.
-  static constexpr size_t kMaxFileBytes = size_t{256} * 1024 * 1024;
+  static constexpr size_t kMaxFileBytes = size_t{64} * 1024 * 1024;
   /// Reading stops after this many broken rows: the file is then no table at all.
   static constexpr size_t kMaxFaults = 100;
 
@@ -57,9 +58,9 @@ class CsvTable {
   friend class CsvReader;
 
   std::vector<std::string> header_;
-  std::string text_;                // the contents of all cells, one behind the other
-  std::vector<size_t> cell_ends_;   // per cell: where its content ends in text_
-  std::vector<size_t> row_starts_;  // per row: its first cell; one more entry for the end
-  std::vector<size_t> row_lines_;
+  std::string text_;                  // the contents of all cells, one behind the other
+  std::vector<uint32_t> cell_ends_;   // per cell: where its content ends in text_
+  std::vector<uint32_t> row_starts_;  // per row: its first cell; one more entry for the end
+  std::vector<uint32_t> row_lines_;
   std::vector<CsvFault> faults_;
 };

@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <map>
 #include <string>
+#include <string_view>
 #include <vector>
 
 /// Kind of control that a page shows for a variable; the number is what the screens compare.
@@ -19,10 +20,10 @@ enum RowKind : int32_t {
 
 /// One device variable, as a row of a model's table describes it.
 ///
-/// Everything but current_val is fixed once the table is loaded (the position and length of
-/// "Shared Secret Key" excepted, see ConfigParser::GetVarPosOffset). current_val changes under the
-/// lock of the ConfigParser that owns the record: while other threads run, read it through
-/// ConfigParser::ValueOf.
+/// Everything but current_val and switch_index is fixed once the table is loaded (the position and
+/// length of "Shared Secret Key" excepted, see ConfigParser::GetVarPosOffset). Those two change
+/// under the lock of the ConfigParser that owns the record: while other threads run, read them
+/// through ConfigParser::ValueOf.
 struct VarInfo {
   std::string var_id;         ///< "GroupID" text, "-", "Index" text.
   int32_t index = 0;          ///< "Index" as a number.
@@ -74,4 +75,13 @@ bool CanBeChanged(const VarInfo& var);
 
 /// Length in bytes of a value of this type: 1, 2, 4, 8 for the integers, 4 for "float32" and "IP",
 /// 6 for "MAC", 8 for "double"; 0 for types without a length of their own.
-int32_t NaturalLength(const std::string& var_type);
+int32_t NaturalLength(std::string_view var_type);
+
+/// Whether the type is one of the fifteen that tables may name.
+bool IsKnownType(std::string_view var_type);
+
+/// Whether the type is one of "int8" to "int64" and "uint8" to "uint64".
+bool IsIntegerType(std::string_view var_type);
+
+/// State of a switch that shows this text: "0" exactly when the text is "0", else "1".
+std::string SwitchIndexOf(const std::string& text);

@@ -1,0 +1,41 @@
+#include "variables/command_code.h"
+
+#include <cerrno>
+#include <cstdlib>
+#include <limits>
+#include <optional>
+#include <stdexcept>
+
+#include "variables/hex_cell.h"
+
+namespace {
+
+// As std::stoi with automatic base: white space before the number and anything behind it are let
+// through.
+int32_t IntegerOf(const std::string& text) {
+  char* end = nullptr;
+  errno = 0;
+  const long value = std::strtol(text.c_str(), &end, 0);
+  if (end == text.c_str()) {
+    throw std::invalid_argument("invalid stoi argument");
+  }
+  if (errno == ERANGE || value < std::numeric_limits<int32_t>::min() ||
+      value > std::numeric_limits<int32_t>::max()) {
+    throw std::out_of_range("stoi argument out of range");
+  }
+  return static_cast<int32_t>(value);
+}
+
+}  // namespace
+
+CommandRoute ParseCommandText(const std::string& text) {
+  const int32_t value = IntegerOf(text);
+  if (text.size() < kLongCommandTextLength) {
+    return {static_cast<uint8_t>(value), {}};
+  }
+  std::optional<std::vector<uint8_t>> prefix = HexPairs(WithoutHexPrefix(text));
+  if (!prefix) {
+    throw std::invalid_argument("invalid stoi argument");
+  }
+  return {kLongCommandCode, std::move(*prefix)};
+}

@@ -1,0 +1,52 @@
+#include "variables/host_port.h"
+
+#include <algorithm>
+#include <cstdlib>
+
+#include "variables/number_text.h"
+
+namespace {
+
+constexpr unsigned long kLowestPort = 1024;
+constexpr unsigned long kHighestPort = 65535;
+
+bool IsAny(std::string_view text) {
+  constexpr std::string_view kAny = "ANY";
+  return text.size() == kAny.size() &&
+         std::equal(text.begin(), text.end(), kAny.begin(),
+                    [](char a, char b) { return (a >= 'a' && a <= 'z' ? a - 'a' + 'A' : a) == b; });
+}
+
+}  // namespace
+
+bool ParseHostPort(const std::string& text, uint16_t* port, std::string* error) {
+  const auto fail = [error](const char* message) {
+    if (error != nullptr) {
+      *error = message;
+    }
+    return false;
+  };
+  if (port == nullptr) {
+    return fail("out_port is null");
+  }
+  const std::string trimmed(Trim(text));
+  if (trimmed.empty()) {
+    return fail("Host port is empty");
+  }
+  if (IsAny(trimmed)) {
+    *port = 0;
+    return true;
+  }
+  char* end = nullptr;
+  // A negative text wraps to a large number and so fails the range test, as one that overflows
+  // does.
+  const unsigned long number = std::strtoul(trimmed.c_str(), &end, 10);
+  if (end == trimmed.c_str() || *end != '\0') {
+    return fail("Host port must be ANY or an integer");
+  }
+  if (number < kLowestPort || number > kHighestPort) {
+    return fail("Host port must be in [1024, 65535]");
+  }
+  *port = static_cast<uint16_t>(number);
+  return true;
+}

@@ -1,0 +1,97 @@
+#include "variables/number_text.h"
+
+#include <locale.h>
+
+#include <cerrno>
+#include <charconv>
+#include <cmath>
+#include <cstdlib>
+
+namespace {
+
+#ifdef _WIN32
+_locale_t ClassicLocale() {
+  static const _locale_t locale = _create_locale(LC_ALL, "C");
+  return locale;
+}
+float ConvertFloat(const char* text, char** end) { return _strtof_l(text, end, ClassicLocale()); }
+double ConvertDouble(const char* text, char** end) { return _strtod_l(text, end, ClassicLocale()); }
+#else
+locale_t ClassicLocale() {
+  static const locale_t locale = newlocale(LC_ALL_MASK, "C", nullptr);
+  return locale;
+}
+float ConvertFloat(const char* text, char** end) { return strtof_l(text, end, ClassicLocale()); }
+double ConvertDouble(const char* text, char** end) { return strtod_l(text, end, ClassicLocale()); }
+#endif
+
+template <typename Number>
+Conversion Convert(const std::string& text, Number (*convert)(const char*, char**), Number* value) {
+  char* end = nullptr;
+  errno = 0;
+  const Number converted = convert(text.c_str(), &end);
+  if (end == text.c_str()) {
+    return Conversion::kInvalidArgument;
+  }
+  if (errno == ERANGE) {
+    return Conversion::kOutOfRange;
+  }
+  *value = converted;
+  return Conversion::kDone;
+}
+
+template <typename Number>
+std::optional<Number> WholeText(std::string_view text) {
+  Number value{};
+  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
+  if (error != std::errc() || end != text.data() + text.size()) {
+    return std::nullopt;
+  }
+  return value;
+}
+
+}  // namespace
+
+std::string_view Trim(std::string_view text) {
+  constexpr std::string_view kWhite = " \t\r\n";
+  const size_t first = text.find_first_not_of(kWhite);
+  if (first == std::string_view::npos) {
+    return {};
+  }
+  return text.substr(first, text.find_last_not_of(kWhite) - first + 1);
+}
+
+std::optional<int32_t> WholeNumber(std::string_view text) { return WholeText<int32_t>(text); }
+
+std::optional<float> DecimalNumber(std::string_view text) {
+  const std::optional<float> value = WholeText<float>(text);
+  return value && std::isfinite(*value) ? value : std::nullopt;
+}
+
+Conversion ToFloat(const std::string& text, float* value) {
+  return Convert(text, ConvertFloat, value);
+}
+
+Conversion ToDouble(const std::string& text, double* value) {
+  return Convert(text, ConvertDouble, value);
+}
+
+std::string FixedText(double value) {
+  char buffer[400];  // the largest double has 309 digits before the point
+  const auto [end, error] =
+      std::to_chars(buffer, buffer + sizeof(buffer), value, std::chars_format::fixed, 2);
+  return error == std::errc() ? std::string(buffer, end) : std::string();
+}
+
+std::string ShortText(float value) {
+  char buffer[64];
+  const auto [end, error] = std::to_chars(buffer, buffer + sizeof(buffer), value);
+  return error == std::errc() ? std::string(buffer, end) : std::string();
+}
+
+double AsWritten(float value) {
+  if (value == 1.0F || !std::isfinite(value)) {
+    return static_cast<double>(value);
+  }
+  return WholeText<double>(ShortText(value)).value_or(static_cast<double>(value));
+}

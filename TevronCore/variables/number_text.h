@@ -1,0 +1,37 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+
+// Numbers to and from text, whatever locale the user has chosen: a QCoreApplication makes the C
+// library follow it, and "0.5" would then no longer be a half.
+
+/// The text without blanks, tabs, carriage returns and line feeds at its ends.
+std::string_view Trim(std::string_view text);
+
+/// A decimal whole number and nothing else ("-40", "12"); nothing when it does not fit.
+std::optional<int32_t> WholeNumber(std::string_view text);
+
+/// A finite decimal number and nothing else ("0.01", "1e-3").
+std::optional<float> DecimalNumber(std::string_view text);
+
+/// Outcome of ToFloat and ToDouble; named after the exceptions of std::stof.
+enum class Conversion { kDone, kInvalidArgument, kOutOfRange };
+
+/// Accept and refuse exactly what std::stof and std::stod do in the "C" locale: leading white space
+/// is skipped, what follows the number is ignored, hexadecimal numbers, "inf" and "nan" are read,
+/// and both overflow and loss of precision near 0 are out of range.
+Conversion ToFloat(const std::string& text, float* value);
+Conversion ToDouble(const std::string& text, double* value);
+
+/// Fixed-point notation with two decimals, "." between.
+std::string FixedText(double value);
+
+/// Shortest decimal text that gives the same single-precision number: "0.1", "905".
+std::string ShortText(float value);
+
+/// The double closest to the number's shortest decimal text: 0.1F becomes 0.1, not 0.10000000149.
+/// Scale factors are kept in single precision; products with large integers show the difference.
+double AsWritten(float value);

@@ -1,0 +1,131 @@
+#include "variables/page_variants.h"
+
+#include <QString>
+#include <QStringList>
+
+#include "variables/input_hint.h"
+
+namespace {
+
+QString Text(const std::string& text) { return QString::fromStdString(text); }
+
+QVariantList Texts(const std::vector<std::string>& texts) {
+  QVariantList list;
+  list.reserve(static_cast<int>(texts.size()));
+  for (const std::string& text : texts) {
+    list.append(Text(text));
+  }
+  return list;
+}
+
+int OptionIndex(const VarInfo& var, const std::string& value) {
+  for (size_t i = 0; i < var.option_values.size(); ++i) {
+    if (var.option_values[i] == value) {
+      return static_cast<int>(i);
+    }
+  }
+  return -1;
+}
+
+void AddOptions(const VarInfo& var, const std::string& value, QVariantMap* map) {
+  QVariantMap labels;
+  for (const auto& [option, label] : var.varname_value_to_option) {
+    labels.insert(Text(option), Text(label));
+  }
+  map->insert("option_num", var.option_num);
+  map->insert("options", Texts(var.option_labels));
+  map->insert("option_values", Texts(var.option_values));
+  map->insert("option_index", OptionIndex(var, value));
+  map->insert("varname_value_to_option", labels);
+}
+
+}  // namespace
+
+QVariantMap VariableMap(const VarInfo& var, const ConfigParser::Value& value) {
+  QVariantMap map;
+  map.insert("var_id", Text(var.var_id));
+  map.insert("get_cmd", Text(var.get_cmd));
+  map.insert("set_cmd", Text(var.set_cmd));
+  map.insert("var_type", Text(var.var_type));
+  map.insert("var_name", Text(var.var_name));
+  map.insert("index", var.index);
+  map.insert("get_start_pos", var.get_start_pos);
+  map.insert("set_start_pos", var.set_start_pos);
+  map.insert("offset", var.offset);
+  map.insert("permission", var.permission);
+  map.insert("default_val", Text(var.default_val));
+  map.insert("current_val", Text(value.text));
+  map.insert("switch_index", var.type == kSwitch ? Text(SwitchIndexOf(value.text)) : QString());
+  map.insert("visible", var.visible);
+  map.insert("type", var.type);
+  AddOptions(var, value.text, &map);
+
+  map.insert("unit", Text(var.unit));
+  map.insert("unit_suffix", Text(var.unit_suffix));
+  map.insert("range_min", var.range_min);
+  map.insert("range_max", var.range_max);
+  map.insert("length_limit", var.length_limit);
+  map.insert("switch_var_id", Text(var.switch_var_id));
+  map.insert("check_enable", var.check_enable);
+  map.insert("edited", value.edited);
+  map.insert("editable", CanBeChanged(var));
+  map.insert("timer_update", var.timer_update);
+  map.insert("hint", Text(InputHint(var)));
+  map.insert("group_id", Text(var.group_id));
+  map.insert("page", Text(var.function_module));
+  return map;
+}
+
+QVariantList PagesAsVariants(const ConfigParser& parser, const PageModel& pages,
+                             std::vector<std::string>* errors) {
+  std::vector<const VarInfo*> shown;
+  for (int page = 0; page < pages.page_count(); ++page) {
+    const std::vector<const VarInfo*> vars = pages.VariablesOf(page);
+    shown.insert(shown.end(), vars.begin(), vars.end());
+  }
+  const std::vector<ConfigParser::Value> values = parser.ValuesOf(shown);
+
+  size_t next = 0;
+  QVariantList level1;
+  for (const Page& page : pages.pages()) {
+    QVariantList level2;
+    for (const Page::Group& group : page.groups) {
+      QVariantList level3;
+      for (const VarInfo* var : group.vars) {
+        QVariantMap map = VariableMap(*var, values[next++]);
+        map.insert("page_description", Text(page.description));
+        level3.append(map);
+        if (errors != nullptr && var->type == kSwitch &&
+            var->option_labels.size() != var->options.size()) {
+          errors->push_back("config file error, Please check the configuration of type 2 of " +
+                            var->var_name);
+        }
+      }
+      level2.append(QVariant(level3));
+    }
+    level1.append(QVariant(level2));
+  }
+  return level1;
+}
+
+QVariantList PageNames(const PageModel& pages) {
+  QVariantList names;
+  for (const Page& page : pages.pages()) {
+    names.append(Text(page.name));
+  }
+  return names;
+}
+
+QVariantList PageRows(const PageModel& pages) {
+  QVariantList list;
+  for (int level1 = 0; level1 < pages.page_count(); ++level1) {
+    QVariantList rows;
+    for (const VarInfo* var : pages.VariablesOf(level1)) {
+      const PagePosition position = pages.PositionOf(*var);
+      rows.append(QVariant(QVariantList{Text(var->var_name + var->unit_suffix), var->type,
+                                        position.level1, position.level2, position.level3}));
+    }
+    list.append(QVariant(rows));
+  }
+  return list;
+}

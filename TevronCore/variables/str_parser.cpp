@@ -1,0 +1,206 @@
+#include "variables/str_parser.h"
+
+#include <QString>
+#include <QStringList>
+#include <array>
+#include <cmath>
+#include <cstring>
+#include <iostream>
+#include <stdexcept>
+#include <string_view>
+
+#include "CmxClient/big_endian.h"
+#include "variables/number_text.h"
+#include "variables/var_info.h"
+
+namespace {
+
+[[noreturn]] void Refuse(const std::string& message) { throw std::invalid_argument(message); }
+
+// A single-precision number or else a whole one, as the fields of the screens read them.
+void CheckNumber(const char* parser, const std::string& text) {
+  const QString number = QString::fromStdString(text);
+  bool ok = false;
+  number.toFloat(&ok);
+  if (!ok) {
+    number.toInt(&ok, 10);
+  }
+  if (!ok) {
+    Refuse(std::string(parser) + ": contains an illegal number, error:" + text);
+  }
+}
+
+// The text as a single-precision number over the coefficient; both integer parsers begin so.
+float Quotient(const char* parser, const std::string& text, float coefficient) {
+  CheckNumber(parser, text);
+  float number = 0;
+  switch (ToFloat(text, &number)) {
+    case Conversion::kInvalidArgument:
+      Refuse(std::string(parser) + ": stof() failed, error:invalid stof argument");
+    case Conversion::kOutOfRange:
+      Refuse(std::string(parser) + ": stof() failed, error:stof argument out of range");
+    case Conversion::kDone:
+      break;
+  }
+  return number / coefficient;
+}
+
+std::vector<uint8_t> LowBytes(uint64_t value, uint64_t length) {
+  std::vector<uint8_t> bytes;
+  bytes.reserve(length);
+  for (uint64_t i = 0; i < length; ++i) {
+    bytes.push_back(static_cast<uint8_t>(value >> (8 * (length - 1 - i))));
+  }
+  return bytes;
+}
+
+// Upper bound of an unsigned value of n bytes. Meant to be so: the shift counts modulo 32, which
+// gives 256 and 65536 for one and two bytes, but 1 for four and eight, so that "uint32" and
+// "uint64" take only what truncates to 0. Tables use another type for such values that users may
+// change.
+float UnsignedBound(uint64_t length) {
+  return static_cast<float>(int64_t{1} << ((8 * length) % 32));
+}
+
+// The quotient cut off at the point. Both ends of the range are single-precision numbers, so that
+// 2^63 itself passes the check of "int64" although it is one too many; it wraps to the smallest
+// number, as 2^31 does for "int32".
+uint64_t Truncated(float quotient) {
+  constexpr float kTwoTo63 = 9223372036854775808.0F;
+  if (quotient >= kTwoTo63) {
+    return uint64_t{1} << 63;
+  }
+  return static_cast<uint64_t>(static_cast<int64_t>(quotient));
+}
+
+template <typename Bits, typename Number>
+Bits BitsOf(Number number) {
+  static_assert(sizeof(Bits) == sizeof(Number));
+  Bits bits = 0;
+  std::memcpy(&bits, &number, sizeof(bits));
+  return bits;
+}
+
+}  // namespace
+
+std::vector<uint8_t> IntParser::Parse(const std::string& text, float coefficient) {
+  const float quotient = Quotient("IntParser", text, coefficient);
+  const int top_bit = static_cast<int>(8 * length_) - 1;
+  const float lowest = -std::ldexp(1.0F, top_bit);
+  const auto highest = static_cast<float>(std::ldexp(1.0, top_bit) - 1);
+  if (!(quotient >= lowest && quotient <= highest)) {
+    Refuse("IntParser: contains an illegal number, error:" + text);
+  }
+  if (length_ != 1 && length_ != 2 && length_ != 4 && length_ != 8) {
+    Refuse("intParser: parser_length is not supported, error:" + std::to_string(length_));
+  }
+  return LowBytes(Truncated(quotient), length_);
+}
+
+std::vector<uint8_t> UintParser::Parse(const std::string& text, float coefficient) {
+  const float quotient = Quotient("UintParser", text, coefficient);
+  if (!(quotient >= 0 && quotient < UnsignedBound(length_))) {
+    Refuse("UintParser: contains an illegal number, error:" + text);
+  }
+  return LowBytes(static_cast<uint64_t>(quotient), length_);
+}
+
+std::vector<uint8_t> FloatParser::Parse(const std::string& text, float coefficient) {
+  CheckNumber("FloatParser", text);
+  float number = 0;
+  switch (ToFloat(text, &number)) {
+    case Conversion::kInvalidArgument:
+      Refuse("FloatParser: stof() failed, error:invalid stof argument");
+    case Conversion::kOutOfRange:
+      Refuse("FloatParser: stof() out of range, error:stof argument out of range");
+    case Conversion::kDone:
+      break;
+  }
+  std::vector<uint8_t> bytes;
+  kavel::lidar::AppendBigEndian32(bytes, BitsOf<uint32_t>(number / coefficient));
+  return bytes;
+}
+
+std::vector<uint8_t> DoubleParser::Parse(const std::string& text, float coefficient) {
+  CheckNumber("DoubleParser", text);
+  double number = 0;
+  switch (ToDouble(text, &number)) {
+    case Conversion::kInvalidArgument:
+      Refuse("DoubleParser: stod() failed, error:invalid stod argument");
+    case Conversion::kOutOfRange:
+      Refuse("DoubleParser: stod() out of range, error:stod argument out of range");
+    case Conversion::kDone:
+      break;
+  }
+  std::vector<uint8_t> bytes;
+  kavel::lidar::AppendBigEndian64(bytes,
+                                  BitsOf<uint64_t>(number / static_cast<double>(coefficient)));
+  return bytes;
+}
+
+std::vector<uint8_t> IPv4Parser::Parse(const std::string& text, float /*coefficient*/) {
+  const QStringList parts = QString::fromStdString(text).split('.');
+  if (parts.size() != 4) {
+    Refuse("IPv4Parser: ip address, wrong format.");
+  }
+  std::vector<uint8_t> bytes;
+  for (const QString& part : parts) {
+    bool ok = false;
+    const int number = part.toInt(&ok, 10);
+    if (!ok || number < 0 || number > 255) {
+      Refuse("IPv4Parser: contains an illegal number");
+    }
+    bytes.push_back(static_cast<uint8_t>(number));
+  }
+  return bytes;
+}
+
+std::vector<uint8_t> MacParser::Parse(const std::string& text, float /*coefficient*/) {
+  const QStringList parts = QString::fromStdString(text).split(':');
+  if (parts.size() != 6) {
+    // It says "ip address" on purpose: the wording is fixed.
+    Refuse("MacParser: ip address, wrong format.");
+  }
+  std::vector<uint8_t> bytes;
+  for (const QString& part : parts) {
+    bool ok = false;
+    const uint number = part.toUInt(&ok, 16);
+    if (!ok || number > 255) {
+      Refuse("MacParser: contains an illegal number");
+    }
+    bytes.push_back(static_cast<uint8_t>(number));
+  }
+  return bytes;
+}
+
+std::vector<uint8_t> RawParser::Parse(const std::string& /*text*/, float /*coefficient*/) {
+  std::cout << "not developed" << std::endl;
+  return {};
+}
+
+std::unique_ptr<StrParser> CreateStrParser(const std::string& var_type) {
+  if (IsIntegerType(var_type)) {
+    const auto length = static_cast<uint64_t>(NaturalLength(var_type));
+    if (var_type.front() == 'u') {
+      return std::make_unique<UintParser>(length);
+    }
+    return std::make_unique<IntParser>(length);
+  }
+  if (var_type == "float32") {
+    return std::make_unique<FloatParser>();
+  }
+  if (var_type == "double") {
+    return std::make_unique<DoubleParser>();
+  }
+  if (var_type == "IP") {
+    return std::make_unique<IPv4Parser>();
+  }
+  if (var_type == "MAC") {
+    return std::make_unique<MacParser>();
+  }
+  if (var_type == "raw") {
+    return std::make_unique<RawParser>();
+  }
+  std::cout << "DEBUG(): not support the format is " << var_type << std::endl;
+  return nullptr;
+}

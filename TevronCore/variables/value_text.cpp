@@ -1,0 +1,179 @@
+#include "variables/value_text.h"
+
+#include <QString>
+#include <cstring>
+
+#include "CmxClient/big_endian.h"
+#include "variables/number_text.h"
+
+namespace {
+
+using Bytes = std::vector<uint8_t>;
+
+constexpr size_t kMacSize = 6;
+constexpr size_t kAddressSize = 4;
+constexpr size_t kVersionSize = 16;
+constexpr size_t kLargestCount = 8;
+
+bool Fail(std::string* fault, std::string text) {
+  *fault = std::move(text);
+  return false;
+}
+
+// Bytes as characters; zero bytes at the end are padding.
+std::string Characters(const uint8_t* bytes, size_t size) {
+  while (size > 0 && bytes[size - 1] == 0) {
+    --size;
+  }
+  return {bytes, bytes + size};
+}
+
+std::string JoinedHex(const Bytes& bytes, size_t size) {
+  constexpr char kDigits[] = "0123456789ABCDEF";
+  std::string text;
+  for (size_t i = 0; i < size; ++i) {
+    if (i > 0) {
+      text += ':';
+    }
+    text += kDigits[bytes[i] >> 4];
+    text += kDigits[bytes[i] & 0xF];
+  }
+  return text;
+}
+
+bool DecodeMac(const Bytes& slice, std::string* text, std::string* fault) {
+  if (slice.size() < kMacSize) {
+    return Fail(fault, "MAC address size is less than 6, please check your config file");
+  }
+  *text = JoinedHex(slice, kMacSize);
+  return true;
+}
+
+bool DecodeAddress(const Bytes& slice, std::string* text, std::string* fault) {
+  if (slice.size() < kAddressSize) {
+    return Fail(fault, "IP address size is less than 4, please check your config file");
+  }
+  *text = std::to_string(slice[0]) + '.' + std::to_string(slice[1]) + '.' +
+          std::to_string(slice[2]) + '.' + std::to_string(slice[3]);
+  return true;
+}
+
+// Nine characters, then major.minor.revision and, when it is not zero, the build.
+bool DecodeHardwareVersion(const Bytes& slice, std::string* text, std::string* fault) {
+  if (slice.size() != kVersionSize) {
+    return Fail(fault, "HWVER size is not qual to 16, please check your config file");
+  }
+  const uint16_t revision = kavel::lidar::ReadBigEndian16(&slice[11]);
+  const uint16_t build = kavel::lidar::ReadBigEndian16(&slice[13]);
+  *text = Characters(slice.data(), 9) + std::to_string(slice[9]) + '.' + std::to_string(slice[10]) +
+          '.' + std::to_string(revision);
+  if (build != 0) {
+    *text += '.' + std::to_string(build);
+  }
+  return true;
+}
+
+// Twelve characters, then four numbers of one byte each.
+bool DecodeSoftwareVersion(const Bytes& slice, std::string* text, std::string* fault) {
+  if (slice.size() != kVersionSize) {
+    return Fail(fault, "SWVER_YMD size is not qual to 16, please check your config file");
+  }
+  *text = Characters(slice.data(), 12) + std::to_string(slice[12]);
+  for (size_t i = 13; i < kVersionSize; ++i) {
+    *text += '.' + std::to_string(slice[i]);
+  }
+  return true;
+}
+
+uint64_t BigEndian(const Bytes& slice, size_t size) {
+  uint64_t value = 0;
+  for (size_t i = 0; i < size; ++i) {
+    value = (value << 8) | slice[i];
+  }
+  return value;
+}
+
+int64_t SignExtended(uint64_t value, size_t size) {
+  const auto unused_bits = static_cast<unsigned>(64 - 8 * size);
+  return static_cast<int64_t>(value << unused_bits) >> unused_bits;
+}
+
+std::string IntegerText(const VarInfo& var, const Bytes& slice, size_t size) {
+  const uint64_t value = BigEndian(slice, size);
+  const bool is_unsigned = var.var_type.front() == 'u';
+  if (var.coefficient == 1.0F) {
+    return is_unsigned ? std::to_string(value) : std::to_string(SignExtended(value, size));
+  }
+  const double number =
+      is_unsigned ? static_cast<double>(value) : static_cast<double>(SignExtended(value, size));
+  return FixedText(number * AsWritten(var.coefficient));
+}
+
+std::string RealText(const VarInfo& var, const Bytes& slice) {
+  double number = 0;
+  if (var.var_type == "double") {
+    const uint64_t bits = kavel::lidar::ReadBigEndian64(slice.data());
+    std::memcpy(&number, &bits, sizeof(number));
+  } else {
+    const uint32_t bits = kavel::lidar::ReadBigEndian32(slice.data());
+    float single = 0;
+    std::memcpy(&single, &bits, sizeof(single));
+    number = static_cast<double>(single);
+  }
+  return FixedText(number * AsWritten(var.coefficient));
+}
+
+bool DecodeNumber(const VarInfo& var, const Bytes& slice, std::string* text, std::string* fault) {
+  const auto size = static_cast<size_t>(NaturalLength(var.var_type));
+  if (slice.size() < size) {
+    return Fail(fault, var.var_type + " size is less than " + std::to_string(size) +
+                           ", please check your config file");
+  }
+  *text = IsIntegerType(var.var_type) ? IntegerText(var, slice, size) : RealText(var, slice);
+  return true;
+}
+
+bool DecodeDuration(const Bytes& slice, std::string* text, std::string* fault) {
+  if (slice.size() > kLargestCount) {
+    return Fail(fault, "DT size is greater than 8, please check your config file");
+  }
+  const uint64_t seconds = BigEndian(slice, slice.size());
+  *text = QString("%1 h %2 min %3 s")
+              .arg(seconds / 3600)
+              .arg(seconds / 60 % 60)
+              .arg(seconds % 60)
+              .toStdString();
+  return true;
+}
+
+}  // namespace
+
+bool DecodeValue(const VarInfo& var, const std::vector<uint8_t>& slice, std::string* text,
+                 std::string* fault) {
+  if (var.var_name == "MAC") {
+    return DecodeMac(slice, text, fault);
+  }
+  if (var.var_name == "HWVER") {
+    return DecodeHardwareVersion(slice, text, fault);
+  }
+  if (var.var_name == "SWVER_YMD") {
+    return DecodeSoftwareVersion(slice, text, fault);
+  }
+  if (var.var_type == "string") {
+    *text = Characters(slice.data(), slice.size());
+    return true;
+  }
+  if (IsIntegerType(var.var_type) || var.var_type == "float32" || var.var_type == "double") {
+    return DecodeNumber(var, slice, text, fault);
+  }
+  if (var.var_type == "DT") {
+    return DecodeDuration(slice, text, fault);
+  }
+  if (var.var_type == "IP") {
+    return DecodeAddress(slice, text, fault);
+  }
+  if (var.var_type == "MAC") {
+    return DecodeMac(slice, text, fault);
+  }
+  return Fail(fault, "var_type not support: " + var.var_type);
+}
