@@ -209,11 +209,10 @@ FocusScope {
                 Loader {
                     anchors.fill: parent
                     active: !window.network
-                    source: "assembly/Lumo.qml"
-                    onLoaded: {
-                        item.manager = Qt.binding(() => window.manager);
-                        item.modelName = Qt.binding(() => window.modelName);
-                        item.restartWanted.connect(window.askRestart);
+                    sourceComponent: Lumo {
+                        manager: window.manager
+                        modelName: window.modelName
+                        onRestartWanted: window.askRestart()
                     }
                 }
             }

@@ -94,7 +94,7 @@ FocusScope {
         ReplyText {
             objectName: "replyHeader"
             Layout.fillWidth: true
-            Layout.preferredHeight: Theme.controlHeight
+            Layout.preferredHeight: Theme.smallControlHeight + Theme.gapTiny
             caption: qsTr("Reply header")
             text: widget.replyHeader
         }

@@ -142,6 +142,7 @@ FocusScope {
             LumoSection {
                 Layout.fillWidth: true
                 Layout.fillHeight: true
+                Layout.preferredWidth: Theme.serialPanelWidth
                 title: qsTr("Information")
                 LumoFacts {
                     objectName: "lidarInfo"
@@ -153,6 +154,7 @@ FocusScope {
             LumoSection {
                 Layout.fillWidth: true
                 Layout.fillHeight: true
+                Layout.preferredWidth: Theme.serialPanelWidth
                 title: qsTr("Versions")
                 LumoFacts {
                     objectName: "lidarVersions"
@@ -166,6 +168,7 @@ FocusScope {
 
                 Layout.fillWidth: true
                 Layout.fillHeight: true
+                Layout.preferredWidth: Theme.serialPanelWidth
                 obstacle: screen.notByCmx
                 onReadWanted: screen.run(qsTr("Reading the network settings…"),
                                          () => screen.readNet(false))
@@ -176,6 +179,7 @@ FocusScope {
             LumoOperation {
                 Layout.fillWidth: true
                 Layout.fillHeight: true
+                Layout.preferredWidth: Theme.serialPanelWidth
                 obstacle: screen.notReady
                 hasImu: screen.kiva && screen.cmxSerial
                 returnModes: [qsTr("Strongest"), qsTr("Last"), qsTr("Strongest and last")]
@@ -201,6 +205,7 @@ FocusScope {
 
                 Layout.fillWidth: true
                 Layout.fillHeight: true
+                Layout.preferredWidth: Theme.serialPanelWidth
                 title: qsTr("Point-cloud destination")
                 obstacle: screen.notByCmx
 
@@ -255,6 +260,7 @@ FocusScope {
             LumoSection {
                 Layout.fillWidth: true
                 Layout.fillHeight: true
+                Layout.preferredWidth: Theme.serialPanelWidth
                 title: qsTr("Baud rate")
                 obstacle: screen.notByCmx
 
@@ -264,6 +270,7 @@ FocusScope {
                         id: baudRate
 
                         objectName: "baudRate"
+                        width: Theme.serialChoiceWidth
                         model: screen.baudRates
                         chosenIndex: screen.baudRates.indexOf(screen.manager.baud_rate)
                         displayText: currentIndex < 0 ? screen.manager.baud_rate : currentText

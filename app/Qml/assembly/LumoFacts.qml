@@ -18,14 +18,14 @@ Column {
             spacing: Theme.gap
 
             Text {
-                width: Theme.serialCaptionWidth
+                width: parent.width / 2
                 text: modelData.name
                 font: Theme.bodyFont
                 color: Theme.quietTextColor
                 elide: Text.ElideRight
             }
             Text {
-                width: parent.width - Theme.serialCaptionWidth - parent.spacing
+                width: parent.width / 2 - parent.spacing
                 text: modelData.value
                 font: Theme.bodyFont
                 color: Theme.textColor

@@ -25,6 +25,7 @@ LumoSection {
             id: returnMode
 
             objectName: "returnMode"
+            width: Theme.serialChoiceWidth
             model: section.returnModes
             chosenIndex: 0
             label: qsTr("Which echoes the lidar reports")
@@ -43,6 +44,7 @@ LumoSection {
             id: spinRate
 
             objectName: "spinRate"
+            width: Theme.serialChoiceWidth
             model: section.spinRates.map(rpm => qsTr("%1 rpm").arg(rpm))
             chosenIndex: 0
             label: qsTr("Turns of the lidar per minute")
@@ -61,6 +63,7 @@ LumoSection {
             id: mode
 
             objectName: "standby"
+            width: Theme.serialChoiceWidth
             model: [qsTr("Working"), qsTr("Standby")]
             chosenIndex: 0
             label: qsTr("Whether the lidar measures or rests")
@@ -75,11 +78,12 @@ LumoSection {
     }
     LumoField {
         visible: section.hasImu
-        caption: qsTr("IMU angular range")
+        caption: qsTr("IMU turn rate")
         DefaultComboBox {
             id: angular
 
             objectName: "imuAngular"
+            width: Theme.serialChoiceWidth
             model: section.angularRanges
             chosenIndex: 0
             label: qsTr("Angular range of the motion sensor")
@@ -93,6 +97,7 @@ LumoSection {
             id: accel
 
             objectName: "imuAccel"
+            width: Theme.serialChoiceWidth
             model: section.accelRanges
             chosenIndex: 0
             label: qsTr("Acceleration range of the motion sensor")

@@ -45,17 +45,26 @@ FocusScope {
         return group === undefined || group[level3] === undefined ? null : group[level3];
     }
 
+    // The rows that are made already, in no particular order.
+    function liveRows() {
+        const found = [];
+        const items = list.contentItem.children;
+        for (let i = 0; i < items.length; ++i) {
+            if (items[i].take !== undefined)
+                found.push(items[i]);
+        }
+        return found;
+    }
+
     // Brings the values into the rows that are there already; `timerOnly` leaves alone those that
     // only a reading of the page renews.
     function takeValues(timerOnly) {
         values = manager.myMap;
-        for (const row of list.contentItem.children) {
-            if (row.take !== undefined && (!timerOnly || row.followsTimer)) {
-                const leaf = valueAt(row.level1, row.level2, row.level3);
-                if (leaf !== null)
-                    row.take(leaf);
-            }
-        }
+        liveRows().forEach(row => {
+            const leaf = valueAt(row.level1, row.level2, row.level3);
+            if (leaf !== null && (!timerOnly || row.followsTimer))
+                row.take(leaf);
+        });
         countPending();
     }
 
@@ -65,10 +74,7 @@ FocusScope {
 
     // Hands over what is typed in a field that still has the keyboard.
     function commitTyping() {
-        for (const row of list.contentItem.children) {
-            if (row.commit !== undefined)
-                row.commit();
-        }
+        liveRows().forEach(row => row.commit());
     }
 
     function cancel() {

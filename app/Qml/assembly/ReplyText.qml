@@ -23,7 +23,8 @@ FocusScope {
         id: flick
 
         anchors.fill: parent
-        anchors.margins: Theme.gap
+        anchors.margins: Theme.gapTiny
+        anchors.leftMargin: Theme.gap
         clip: true
         contentWidth: width
         contentHeight: edit.height
@@ -52,7 +53,7 @@ FocusScope {
         anchors.left: parent.left
         anchors.leftMargin: Theme.gap
         anchors.top: parent.top
-        anchors.topMargin: Theme.gap
+        anchors.topMargin: Theme.gapTiny
         visible: reply.text.length === 0
         text: reply.caption
         font: Theme.captionFont

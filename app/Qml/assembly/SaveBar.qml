@@ -10,7 +10,7 @@ FocusScope {
     signal saveClicked()
     signal cancelClicked()
 
-    implicitHeight: Theme.controlHeight + 2 * Theme.gapWide
+    implicitHeight: Theme.controlHeight + 2 * Theme.gap
 
     Rectangle {
         anchors.left: parent.left

@@ -73,7 +73,8 @@ QtObject {
     readonly property int serialPanelWidth: 90 * grid
     // The widths of fields and captions that are no plain fieldWidth.
     readonly property int captionWidth: 72 * grid
-    readonly property int serialCaptionWidth: 36 * grid
+    readonly property int serialCaptionWidth: 29 * grid
+    readonly property int serialChoiceWidth: 38 * grid
     readonly property int modelFieldWidth: 34 * grid
     readonly property int addressFieldWidth: 34 * grid
     readonly property int numberFieldWidth: 20 * grid
