@@ -116,6 +116,14 @@ class CmxClient : public CommandSender {
  private:
   using Clock = std::chrono::steady_clock;
   struct Reply;
+  struct Outcome {
+    bool accepted;
+    int32_t error;
+  };
+  struct Timeouts {
+    uint32_t recv_ms;
+    uint32_t send_ms;
+  };
 
   bool WaitForAddress(Clock::time_point start);
   void Connect(Clock::time_point start);
@@ -123,24 +131,25 @@ class CmxClient : public CommandSender {
   bool TimeIsUp(Clock::time_point start) const;
   void SleepBetweenAttempts();
 
-  int32_t RunExchange(const std::vector<uint8_t>& payload, std::vector<uint8_t>& result,
+  Outcome RunExchange(const std::vector<uint8_t>& payload, std::vector<uint8_t>& result,
                       uint8_t cmd, bool with_header);
-  bool SendFrame(const std::vector<uint8_t>& payload, uint8_t cmd);
-  void DropStaleInput();
+  bool BuildFrame(const std::vector<uint8_t>& payload, std::vector<uint8_t>& frame, uint8_t cmd);
+  bool SendFrame(std::vector<uint8_t>& frame);
+  void DropStaleInput(bool expect_remains);
   void DrainUntilSilent();
   bool ReceiveHeader(Reply& reply);
-  bool CheckHeader(const Reply& reply, uint8_t cmd);
-  bool ReceivePayload(Reply& reply);
-  void ApplyTimeouts(uint32_t recv_ms, uint32_t send_ms);
-  void WriteToSink(const std::string& line);
+  Outcome CheckHeader(const Reply& reply, uint8_t cmd);
+  bool ReceivePayload(Reply& reply, uint32_t length);
+  void WriteOutcome(const Outcome& outcome, const std::vector<uint8_t>& result);
+  std::shared_ptr<LogSink> Sink();
 
-  uint32_t point_cloud_baud_rate_ = 3125000;
-  uint32_t command_baud_rate_ = 115200;
+  /// Puts the time-outs in force and returns those before them.
+  Timeouts UseTimeouts(Timeouts timeouts);
+
   std::atomic<uint8_t> running_{1};
   /// Held for a whole exchange, and by the connection thread until the time-outs are applied.
   std::mutex exchange_mutex_;
   std::atomic<int32_t> last_error_{0};
-  const uint32_t connection_type_;
   const uint8_t protocol_version_;
   const std::shared_ptr<ClientBase> transport_;
   const std::shared_ptr<CmxParser> parser_;
@@ -152,10 +161,8 @@ class CmxClient : public CommandSender {
   const std::string cert_path_;
   const std::string private_key_path_;
   const std::string ca_path_;
-  const uint32_t recv_timeout_ms_;
-  const uint32_t send_timeout_ms_;
-  uint32_t recv_timeout_in_force_ms_;  // guarded by exchange_mutex_, like its neighbour
-  uint32_t send_timeout_in_force_ms_;
+  const Timeouts configured_;
+  Timeouts in_force_;  // guarded by exchange_mutex_
   const float connect_time_limit_s_;
   std::shared_ptr<LogSink> log_sink_;  // guarded by state_mutex_
 

@@ -1,0 +1,205 @@
+// The life of a client: its connection thread, its shutdown and its settings. Exchanges are in
+// cmx_client.cpp.
+
+#include <utility>
+
+#include "CmxClient/cmx_client.h"
+#include "CmxClient/tcp_client.h"
+#include "CmxClient/tcp_ssl_client.h"
+#include "Log/logger.h"
+
+namespace kavel::lidar {
+namespace {
+
+constexpr uint32_t kTcp = 0;
+constexpr uint32_t kTls = 1;
+constexpr uint32_t kAttemptLimitS = 1;
+constexpr std::chrono::milliseconds kRetryPause{100};
+/// Without it a client whose time-outs were left at 0 would wait for ever.
+constexpr uint32_t kDefaultTimeoutMs = 500;
+
+std::shared_ptr<ClientBase> MakeTransport(uint32_t connection_type) {
+  if (connection_type == kTcp) {
+    return std::make_shared<TcpClient>();
+  }
+  if (connection_type == kTls) {
+    return std::make_shared<TcpSslClient>();
+  }
+  return nullptr;
+}
+
+}  // namespace
+
+CmxClient::CmxClient(const std::string& lidar_ip, uint16_t port, bool auto_receive,
+                     uint32_t connection_type, uint8_t protocol_version,
+                     const std::string& cert_path, const std::string& private_key_path,
+                     const std::string& ca_path, uint32_t recv_timeout_ms, uint32_t send_timeout_ms,
+                     float connect_time_limit_s, uint16_t host_port)
+    : protocol_version_(protocol_version),
+      transport_(MakeTransport(connection_type)),
+      parser_(std::make_shared<CmxParser>(protocol_version)),
+      lidar_ip_(lidar_ip),
+      port_(port),
+      host_port_(host_port),
+      auto_receive_(auto_receive ? 1 : 0),
+      cert_path_(cert_path),
+      private_key_path_(private_key_path),
+      ca_path_(ca_path),
+      configured_{recv_timeout_ms, send_timeout_ms},
+      in_force_{kDefaultTimeoutMs, kDefaultTimeoutMs},
+      connect_time_limit_s_(connect_time_limit_s) {
+  connection_thread_ = std::thread(&CmxClient::TryOpen, this);
+}
+
+CmxClient::CmxClient(std::shared_ptr<ClientBase> open_transport, uint8_t protocol_version,
+                     uint32_t recv_timeout_ms, uint32_t send_timeout_ms)
+    : protocol_version_(protocol_version),
+      transport_(std::move(open_transport)),
+      parser_(std::make_shared<CmxParser>(protocol_version)),
+      port_(0),
+      host_port_(0),
+      auto_receive_(0),
+      configured_{recv_timeout_ms, send_timeout_ms},
+      in_force_{kDefaultTimeoutMs, kDefaultTimeoutMs},
+      connect_time_limit_s_(-1) {
+  if (transport_) {
+    SettleConnection();
+  }
+  connecting_ended_ = true;
+}
+
+CmxClient::~CmxClient() {
+  Shutdown();
+  if (connection_thread_.joinable()) {
+    connection_thread_.join();
+  }
+  if (transport_) {
+    transport_->Close();
+  }
+}
+
+void CmxClient::TryOpen() {
+  const auto start = Clock::now();
+  if (WaitForAddress(start)) {
+    Connect(start);
+  }
+  {
+    const std::lock_guard<std::mutex> lock(state_mutex_);
+    connecting_ended_ = true;
+  }
+  state_changed_.notify_all();
+}
+
+bool CmxClient::WaitForAddress(Clock::time_point start) {
+  std::unique_lock<std::mutex> lock(state_mutex_);
+  if (!lidar_ip_.empty()) {
+    return true;
+  }
+  KAVEL_LOG(kWarning,
+            "CmxClient::CmxClient() lidar_ip_ is empty, wait recv could point to get lidar ip");
+  while (true) {
+    if (running_ == 0) {
+      KAVEL_LOG(kInfo, "cmx connect exit 1");
+      return false;
+    }
+    if (!lidar_ip_.empty()) {
+      return true;
+    }
+    if (TimeIsUp(start)) {
+      KAVEL_LOG(kWarning, "cmx connect : get lidar ip timeout");
+      return false;
+    }
+    state_changed_.wait_for(lock, kRetryPause);
+  }
+}
+
+void CmxClient::Connect(Clock::time_point start) {
+  std::string lidar_ip;
+  {
+    const std::lock_guard<std::mutex> lock(state_mutex_);
+    lidar_ip = lidar_ip_;
+  }
+  KAVEL_LOG(kInfo, "CmxClient::CmxClient() %s %u", lidar_ip.c_str(), unsigned{port_});
+
+  // A command that finds the transport open waits here until the time-outs are applied.
+  const std::lock_guard<std::mutex> exchange(exchange_mutex_);
+  while (transport_ && running_ != 0) {
+    if (transport_->TryOpen(host_port_, lidar_ip, port_, auto_receive_ != 0, cert_path_.c_str(),
+                            private_key_path_.c_str(), ca_path_.c_str(), kAttemptLimitS)) {
+      break;
+    }
+    if (TimeIsUp(start)) {
+      break;
+    }
+    SleepBetweenAttempts();
+  }
+  if (IsOpen()) {
+    SettleConnection();
+    KAVEL_LOG(kInfo, "cmx connect success");
+  } else {
+    KAVEL_LOG(kWarning, "cmx connect exit 2");
+  }
+}
+
+void CmxClient::SettleConnection() {
+  if (configured_.recv_ms != 0 && configured_.send_ms != 0) {
+    KAVEL_LOG(kInfo, "u32RecvTimeoutMs %u", configured_.recv_ms);
+    KAVEL_LOG(kInfo, "u32SendTimeoutMs %u", configured_.send_ms);
+    in_force_ = configured_;
+  }
+  transport_->SetTimeout(in_force_.recv_ms, in_force_.send_ms);
+}
+
+bool CmxClient::TimeIsUp(Clock::time_point start) const {
+  const std::chrono::duration<float> elapsed = Clock::now() - start;
+  return connect_time_limit_s_ >= 0 && elapsed.count() > connect_time_limit_s_;
+}
+
+void CmxClient::SleepBetweenAttempts() {
+  std::unique_lock<std::mutex> lock(state_mutex_);
+  state_changed_.wait_for(lock, kRetryPause, [this] { return running_ == 0; });
+}
+
+bool CmxClient::IsOpen() { return running_ != 0 && transport_ && transport_->IsOpened(); }
+
+bool CmxClient::WaitUntilConnected() {
+  std::unique_lock<std::mutex> lock(state_mutex_);
+  state_changed_.wait(lock, [this] { return connecting_ended_ || running_ == 0; });
+  lock.unlock();
+  return IsOpen();
+}
+
+std::string CmxClient::ConnectFailure() {
+  return transport_ ? transport_->OpenFailure() : std::string();
+}
+
+void CmxClient::Shutdown() {
+  {
+    const std::lock_guard<std::mutex> lock(state_mutex_);
+    running_ = 0;
+  }
+  state_changed_.notify_all();
+  if (transport_) {
+    transport_->Interrupt();
+  }
+}
+
+void CmxClient::SetLidarIp(const std::string& ip) {
+  {
+    const std::lock_guard<std::mutex> lock(state_mutex_);
+    if (!lidar_ip_.empty()) {
+      return;
+    }
+    lidar_ip_ = ip;
+  }
+  state_changed_.notify_all();
+}
+
+void CmxClient::SetLogSink(std::shared_ptr<LogSink> sink) {
+  const std::lock_guard<std::mutex> lock(state_mutex_);
+  log_sink_ = std::move(sink);
+}
+
+void CmxClient::SetStaleInput(StaleInput mode) { stale_input_ = mode; }
+
+}  // namespace kavel::lidar
