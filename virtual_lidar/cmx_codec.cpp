@@ -12,7 +12,21 @@ constexpr uint8_t kIdentifier2_0[] = {0x57, 0x75};
 
 }  // namespace
 
-size_t CmxCodec::Take(const uint8_t* data, size_t size, std::vector<DeviceRequest>* requests) {
+std::vector<DeviceRequest> CmxCodec::Collect(const uint8_t* data, size_t size) {
+  waiting_.insert(waiting_.end(), data, data + size);
+  std::vector<DeviceRequest> requests;
+  size_t done = 0;
+  while (done < waiting_.size()) {
+    const size_t taken = Take(waiting_.data() + done, waiting_.size() - done, &requests);
+    if (taken == 0) break;
+    done += taken;
+  }
+  waiting_.erase(waiting_.begin(), waiting_.begin() + static_cast<std::ptrdiff_t>(done));
+  return requests;
+}
+
+size_t CmxCodec::Take(const uint8_t* data, size_t size,
+                      std::vector<DeviceRequest>* requests) const {
   const uint8_t* identifier = version_2_ ? kIdentifier2_0 : kIdentifier1_0;
   const uint8_t* start = std::search(data, data + size, identifier, identifier + 2);
   if (start == data + size) {

@@ -19,10 +19,15 @@ class CmxCodec : public WireCodec {
   void OverstateLength(std::vector<uint8_t>* frame) const override;
 
  protected:
-  size_t Take(const uint8_t* data, size_t size, std::vector<DeviceRequest>* requests) override;
+  std::vector<DeviceRequest> Collect(const uint8_t* data, size_t size) override;
+  void Forget() override { waiting_.clear(); }
 
  private:
+  /// Takes one request, or skips what can be none, at the head of the bytes.
+  /// @return how many bytes are done with; 0 when more bytes have to come first.
+  size_t Take(const uint8_t* data, size_t size, std::vector<DeviceRequest>* requests) const;
   size_t HeaderSize() const { return version_2_ ? 12 : 8; }
 
   bool version_2_;
+  std::vector<uint8_t> waiting_;
 };

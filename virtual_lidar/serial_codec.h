@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Source/serial_stream.h"
 #include "wire_codec.h"
 
 /// The frames of a serial line: "$LDCMD," with a one-byte length and "$LDOTA," with a 16-bit one.
@@ -13,5 +14,9 @@ class SerialCodec : public WireCodec {
   void OverstateLength(std::vector<uint8_t>* frame) const override;
 
  protected:
-  size_t Take(const uint8_t* data, size_t size, std::vector<DeviceRequest>* requests) override;
+  std::vector<DeviceRequest> Collect(const uint8_t* data, size_t size) override;
+  void Forget() override { stream_.Clear(); }
+
+ private:
+  kavel::lidar::SerialStream stream_{kavel::lidar::SerialListener::kDevice};
 };

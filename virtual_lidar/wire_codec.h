@@ -19,8 +19,13 @@ class WireCodec {
   virtual ~WireCodec() = default;
 
   /// Takes received bytes and returns the requests that they complete, in order. Bytes that belong
-  /// to no frame are skipped. Never throws for bad input and never keeps more than one frame.
-  std::vector<DeviceRequest> Feed(const uint8_t* data, size_t size, TimePoint now);
+  /// to no frame are skipped. Never throws for bad input, and never holds more than the longest
+  /// frame and what came with it.
+  std::vector<DeviceRequest> Feed(const uint8_t* data, size_t size, TimePoint now) {
+    if (now - last_byte_ > kHalfFrameLife) Forget();
+    last_byte_ = now;
+    return Collect(data, size);
+  }
 
   /// Frames one answer.
   virtual std::vector<uint8_t> Encode(const DeviceReply& reply) const = 0;
@@ -30,11 +35,10 @@ class WireCodec {
   virtual void OverstateLength(std::vector<uint8_t>* frame) const = 0;
 
  protected:
-  /// Looks at the bytes from `data` on: takes one request or skips what can be none.
-  /// @return how many bytes are done with; 0 when more bytes have to come first.
-  virtual size_t Take(const uint8_t* data, size_t size, std::vector<DeviceRequest>* requests) = 0;
+  virtual std::vector<DeviceRequest> Collect(const uint8_t* data, size_t size) = 0;
+  /// Drops the frame that has begun.
+  virtual void Forget() = 0;
 
  private:
-  std::vector<uint8_t> waiting_;
   TimePoint last_byte_;
 };
