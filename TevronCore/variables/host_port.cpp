@@ -7,8 +7,8 @@
 
 namespace {
 
-constexpr unsigned long kLowestPort = 1024;
-constexpr unsigned long kHighestPort = 65535;
+constexpr unsigned long long kLowestPort = 1024;
+constexpr unsigned long long kHighestPort = 65535;
 
 bool IsAny(std::string_view text) {
   constexpr std::string_view kAny = "ANY";
@@ -44,7 +44,7 @@ bool ParseHostPort(const std::string& text, uint16_t* port, std::string* error) 
   if (end == trimmed.c_str() || *end != '\0') {
     return fail("Host port must be ANY or an integer");
   }
-  if (number < kLowestPort || number > kHighestPort) {
+  if (trimmed.front() == '-' || number < kLowestPort || number > kHighestPort) {
     return fail("Host port must be in [1024, 65535]");
   }
   *port = static_cast<uint16_t>(number);

@@ -1,0 +1,150 @@
+#include <gtest/gtest.h>
+
+#include "variables/config_parser.h"
+#include "variables/table_file.h"
+
+namespace {
+
+// A table with one thing wrong in it: what standard output and the fault list say.
+class TableFaults : public testing::Test {
+ protected:
+  void Load(const std::string& rows) {
+    file_ = std::make_unique<TableFile>(kTableHeader + rows);
+    testing::internal::CaptureStdout();
+    parser_.ExtractConfigInfo(file_->path());
+    output_ = testing::internal::GetCapturedStdout();
+  }
+
+  // The one fault of the table without the file's name.
+  std::string OnlyFault() {
+    if (parser_.Faults().size() != 1) {
+      return std::to_string(parser_.Faults().size()) + " faults";
+    }
+    const std::string& text = parser_.Faults()[0].text;
+    const std::string place = file_->path() + ", line ";
+    return text.rfind(place, 0) == 0 ? text.substr(place.size()) : text;
+  }
+
+  std::unique_ptr<TableFile> file_;
+  ConfigParser parser_;
+  std::string output_;
+};
+
+TEST_F(TableFaults, ARowWithoutIdIsLeftOut) {
+  Load(",1,0x01,,,First,0,uint8\n1,,0x01,,,Second,0,uint8\n1,1,0x01,,,Third,0,uint8\n");
+  const std::string warning =
+      "ConfigParser::ExtractConfigInfo(): WARNING: something with config file - Some var lacks "
+      "\"GroupID\" or \"Index\"\n"
+      "---Detailed Infomation: file path = " +
+      file_->path() + ", var name = ";
+  EXPECT_EQ(output_, warning + "First\n" + warning + "Second\n");
+  ASSERT_EQ(parser_.Faults().size(), 2U);
+  EXPECT_EQ(parser_.Faults()[1].line, 3U);
+  ASSERT_NE(parser_.Find("1-1"), nullptr);
+  EXPECT_EQ(parser_.Find("1-1")->get_start_pos, 0);
+}
+
+TEST_F(TableFaults, TheLaterOfTwoRowsWithOneIdWins) {
+  Load(
+      "1,1,0x01,0x02,1,First,1,uint32\n1,2,0x01,0x02,2,Other,1,uint8\n"
+      "1,1,0x01,0x02,3,Later,1,uint16\n");
+  EXPECT_EQ(output_,
+            "ConfigParser::ExtractConfigInfo(): ERROR with config file. There are vars with the "
+            "same var_id. Some of them will be overwritten\n"
+            "ConfigParser::ExtractConfigInfo(): --- Details: file path = " +
+                file_->path() + ", var_id =1-1, var_name = Later\n");
+  EXPECT_EQ(OnlyFault(), "4: GroupID and Index 1-1 are those of line 2, which this row replaces");
+  EXPECT_EQ(parser_.Find("1-1")->var_name, "Later");
+  EXPECT_EQ(parser_.FindByName("First"), nullptr);
+  // The replaced row takes no room either.
+  EXPECT_EQ(parser_.Find("1-1")->get_start_pos, 1);
+  EXPECT_EQ(parser_.WrittenBy("0x02").size(), 2U);
+  EXPECT_EQ(parser_.InTableOrder()[0]->var_name, "Other");
+}
+
+TEST_F(TableFaults, ANameThatIsTakenGetsTheSetCommand) {
+  Load(
+      "1,1,0x01,0x02,1,Speed,1,uint8\n1,2,0x03,0x04,1,Speed,1,uint8\n"
+      "1,3,0x03,0x04,2,Speed,1,uint8\n");
+  EXPECT_EQ(output_,
+            "ConfigParser::ExtractConfigInfoSpeed_0x04 is used in other cmd\n"
+            "ConfigParser::ExtractConfigInfoSpeed_0x04_1-3 is used in other cmd\n");
+  EXPECT_EQ(parser_.Find("1-2")->var_name, "Speed_0x04");
+  EXPECT_EQ(parser_.FindByName("Speed"), parser_.Find("1-1"));
+  EXPECT_EQ(parser_.FindByName("Speed_0x04_1-3"), parser_.Find("1-3"));
+}
+
+TEST_F(TableFaults, NamesTheRowAndTheReason) {
+  const std::string cases[][2] = {
+      {"1,1,0x01,,,A,yes,uint8", "2: Permission \"yes\" is no whole number; 0 is used"},
+      {"1,one,0x01,,,A,0,uint8", "2: Index \"one\" is no whole number; 0 is used"},
+      {"1,1,0x01,,,A,0,uint24", "2: VarType \"uint24\" is unknown"},
+      {"1,1,0x01,,,,0,uint8", "2: VarName is empty"},
+      {"1,1,0x01,,,A,0,uint8,,,,0", "2: Coefficient \"0\" is no number other than 0; 1 is used"},
+      {"1,1,0x01,,,A,0,uint8,,,,\"0,5\"",
+       "2: Coefficient \"0,5\" is no number other than 0; 1 is used"},
+      {"1,1,0x01,,,A,0,uint8,,,,0.5,,,,,nan",
+       "2: SetCoefficient \"nan\" is no number other than 0; 0.5 is used"},
+      {"1,1,0x01,,,A,0,uint16,,,,,,,4", "2: VarLen \"4\" does not fit uint16, which takes 2"},
+      {"1,1,0x01,,,A,0,uint16,,,,,,,two",
+       "2: VarLen \"two\" is no whole number from 0 to 10240; 2 is used"},
+      {"1,1,0x01,,,A,0,raw,,,,,,,4000000000",
+       "2: VarLen \"4000000000\" is no whole number from 0 to 10240; the row is left out"},
+      {"1,1,red,,,A,0,uint8", "2: Get \"red\" is no command code: invalid stoi argument"},
+      {"1,1,0x01,300,1,A,0,uint8", "2: Set \"300\" is no command code from 0 to 255"},
+      {"1,1,,0x02,1,A,1,uint8", "2: a variable with Set and without Get has to be raw"},
+      {"1,1,0x01,0x02,x,A,1,uint8", "2: SetIndex \"x\" is no whole number"},
+      {"1,1,0x01,,,A,0,uint8,3,1|2", "2: DefaultValue \"3\" is none of the Options"},
+      {"1,1,0x01,,,A,0,uint8,,1|two",
+       "2: Options: \"two\" is no 32-bit whole number; the variable becomes a text field"},
+      {"1,1,0x01,,,A,0,uint8,,1..5@1-2",
+       "2: Options: 1-2 is no switch; the value is always checked"},
+      {"1,1,0x01,,,A,0,uint8,,,,,,,,,,01,,more", "2: the row has more cells than the header"},
+      {"1,1,0x01,,,A,0,uint8,,,,,,,,,,0x0g",
+       "2: GetCmdPayload \"0x0g\" is no row of hexadecimal pairs; no bytes are sent"},
+      {"1,1,0x01,0x02,2,A,1,uint8\n1,2,0x01,0x02,2,B,1,uint8",
+       "3: SetIndex 2 of 0x02 does not ascend; fields are written in the order of the rows"},
+      {"1,1,0x01,0x02,1,A,1,uint8\n1,2,0x02,,,B,0,uint8",
+       "2: the code 0x02 stands both in Get and in Set"},
+      {"1,1,0x01,,,\"A\"x,0,uint8",
+       "2: a quotation mark stands where none may be; quote the whole cell and double the "
+       "quotation marks inside"},
+  };
+  for (const auto& [rows, fault] : cases) {
+    Load(rows + "\n9,9,0x09,,,Z,0,uint8\n");
+    EXPECT_EQ(OnlyFault(), fault);
+    EXPECT_NE(parser_.Find("9-9"), nullptr) << "the rest of the table is missing: " << rows;
+  }
+}
+
+TEST_F(TableFaults, AFieldOfUnknownLengthTakesItsPayloadsOutOfUse) {
+  Load(
+      "1,1,0x01,0x02,1,A,1,uint8\n1,2,0x01,0x02,2,B,1,raw,,,,,,,long\n"
+      "1,3,0x01,0x02,3,C,1,uint8\n1,4,0x03,0x04,1,D,1,uint8\n");
+  EXPECT_EQ(parser_.Find("1-2"), nullptr);
+  EXPECT_EQ(parser_.Find("1-1")->get_cmd, "");
+  EXPECT_EQ(parser_.Find("1-3")->set_cmd, "");
+  EXPECT_TRUE(parser_.WrittenBy("0x02").empty());
+  EXPECT_EQ(parser_.WrittenBy("0x04").size(), 1U);
+  EXPECT_EQ(parser_.Find("1-4")->get_cmd, "0x03");
+  EXPECT_EQ(parser_.Faults().size(), 5U);
+}
+
+TEST_F(TableFaults, AFileThatCannotBeReadIsAnEmptyTable) {
+  Load("1,1,0x01,,,A,0,uint8\n");
+  const std::string missing = file_->folder() + "/none.csv";
+  testing::internal::CaptureStdout();
+  parser_.ExtractConfigInfo(missing);
+  EXPECT_EQ(testing::internal::GetCapturedStdout(),
+            "ConfigParser::ExtractConfigInfo(): error with csv_reader_, loc = " + missing + "\n");
+  EXPECT_TRUE(parser_.InTableOrder().empty());
+  ASSERT_EQ(parser_.Faults().size(), 1U);
+  EXPECT_EQ(parser_.Faults()[0].text.rfind(missing + ": ", 0), 0U);
+
+  Load("1,1,0x01,,,A,0,uint8\n1,2,0x01,,,\"B,0,uint8\n1,3,0x01,,,C,0,uint8\n");
+  EXPECT_EQ(output_, "ConfigParser::ExtractConfigInfo(): error with csv_reader_, loc = " +
+                         file_->path() + ":3\n");
+  EXPECT_NE(parser_.Find("1-3"), nullptr);
+}
+
+}  // namespace
