@@ -165,13 +165,13 @@ std::optional<Bytes> EncodeVersion(const std::string& text, size_t characters,
   Bytes bytes(text.begin(), text.begin() + static_cast<std::ptrdiff_t>(characters));
   size_t at = characters;
   for (const size_t width : widths) {
-    const size_t dot = std::min(text.find('.', at), text.size());
-    const auto number = ReadNumber<uint16_t>(std::string_view(text).substr(at, dot - at));
     // Trailing numbers may be left out.
     if (at >= text.size()) {
       bytes.insert(bytes.end(), width, 0);
       continue;
     }
+    const size_t dot = std::min(text.find('.', at), text.size());
+    const auto number = ReadNumber<uint16_t>(std::string_view(text).substr(at, dot - at));
     if (!number || *number >> (8 * width) != 0) return std::nullopt;
     const Bytes encoded = BigEndian(*number, width);
     bytes.insert(bytes.end(), encoded.begin(), encoded.end());
