@@ -18,6 +18,17 @@ T.CheckBox {
     Accessible.name: text
     Accessible.description: hint
 
+    Keys.onReturnPressed: {
+        toggle();
+        toggled();
+        clicked();
+    }
+    Keys.onEnterPressed: {
+        toggle();
+        toggled();
+        clicked();
+    }
+
     indicator: Rectangle {
         x: control.leftPadding
         y: (control.height - height) / 2

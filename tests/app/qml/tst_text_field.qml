@@ -1,0 +1,111 @@
+import QtQuick 2.15
+import QtTest 1.15
+import "qrc:/Qml/assembly"
+import "qrc:/Qml/theme"
+
+TestCase {
+    id: testCase
+
+    name: "DefaultTextField"
+    when: windowShown
+    visible: true
+    width: 400
+    height: 200
+
+    Component {
+        id: fieldComponent
+        DefaultTextField { value: "600"; label: "Spin rate"; unit: "rpm"; hint: "300 to 1200 rpm" }
+    }
+    Component { id: elsewhereComponent; DefaultTextField { y: 100 } }
+    SignalSpy { id: committed; signalName: "committed" }
+
+    property var field
+
+    function init() {
+        field = createTemporaryObject(fieldComponent, testCase);
+        committed.target = field;
+        committed.clear();
+    }
+
+    function type(text) {
+        mouseClick(field);
+        field.selectAll();
+        for (const letter of text)
+            keyClick(letter);
+    }
+
+    function test_shows_the_value_and_follows_it() {
+        compare(field.text, "600");
+        field.value = "900";
+        compare(field.text, "900");
+        compare(committed.count, 0);
+    }
+
+    function test_enter_reports_what_was_typed() {
+        type("750");
+        compare(committed.count, 0);
+        keyClick(Qt.Key_Return);
+        compare(committed.count, 1);
+        compare(committed.signalArguments[0][0], "750");
+    }
+
+    function test_leaving_the_field_reports_once() {
+        const elsewhere = createTemporaryObject(elsewhereComponent, testCase);
+        type("750");
+        mouseClick(elsewhere);
+        compare(committed.count, 1);
+        mouseClick(field);
+        mouseClick(elsewhere);
+        compare(committed.count, 2, "the text is still not the value");
+    }
+
+    function test_the_same_text_is_no_change() {
+        type("600");
+        keyClick(Qt.Key_Return);
+        compare(committed.count, 0);
+    }
+
+    function test_a_fresh_value_does_not_disturb_typing() {
+        type("75");
+        field.value = "601";
+        compare(field.text, "75");
+        keyClick(Qt.Key_Escape);
+        compare(field.text, "601");
+        compare(committed.count, 0);
+        field.value = "602";
+        compare(field.text, "602", "after Escape the field follows again");
+    }
+
+    function test_a_value_is_followed_again_after_enter() {
+        type("750");
+        keyClick(Qt.Key_Return);
+        field.value = "745";
+        compare(field.text, "745");
+    }
+
+    function test_a_disabled_field_cannot_be_typed_in() {
+        field.enabled = false;
+        type("1");
+        compare(field.text, "600");
+        compare(committed.count, 0);
+    }
+
+    function test_marks_edits_and_faults() {
+        compare(field.background.border.color, Theme.outlineColor);
+        field.problem = "300 to 1200 rpm";
+        compare(field.background.border.color, Theme.errorColor);
+        compare(field.Accessible.description, "300 to 1200 rpm");
+        verify(!mark().visible);
+        field.pending = true;
+        verify(mark().visible);
+    }
+
+    function mark() {
+        return field.background.children[0];
+    }
+
+    function test_the_unit_stays_clear_of_a_long_value() {
+        field.value = "123456789012345678901234567890";
+        verify(field.rightPadding > Theme.fieldPadding + Theme.gap);
+    }
+}
