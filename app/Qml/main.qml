@@ -10,6 +10,7 @@ FocusScope {
     id: window
 
     readonly property var manager: tevron_manager
+    readonly property string programName: "Tevron"
     readonly property bool network: manager.connectType === 0
     property string modelName: ""
     property int currentTab: 0
@@ -146,6 +147,7 @@ FocusScope {
         anchors.left: parent.left
         anchors.right: parent.right
         anchors.top: parent.top
+        programName: window.programName
         manager: window.manager
         modelName: window.modelName
         connecting: link.connecting
@@ -264,6 +266,7 @@ FocusScope {
     AboutWindow {
         id: aboutBox
 
+        applicationName: window.programName
         details: [qsTr("Model in use: %1").arg(window.modelName)]
     }
 }

@@ -6,6 +6,7 @@ import "ValueHint.js" as ValueHint
 
 // The bar at the top: which model, reached how, and the button that connects.
 //
+// programName   shown at the left
 // manager       the object that holds the connection settings
 // modelName     the chosen model
 // connecting    an attempt runs
@@ -13,6 +14,7 @@ FocusScope {
     id: bar
 
     property var manager
+    property string programName: ""
     property string modelName: ""
     property bool connecting: false
     readonly property bool open: manager.IsConnected || connecting
@@ -54,7 +56,7 @@ FocusScope {
 
         Text {
             Layout.rightMargin: Theme.gap
-            text: Qt.application.displayName
+            text: bar.programName
             font: Theme.headlineFont
             color: Theme.textColor
         }

@@ -37,6 +37,7 @@ FocusScope {
         field.typing = false;
         editedFields = editedFields.concat([field.index]);
         manager.SetMultiFovConfig(field.index, field.text);
+        row.edited();
     }
 
     implicitHeight: grid.implicitHeight

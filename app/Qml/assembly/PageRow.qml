@@ -74,8 +74,12 @@ FocusScope {
         }
     }
 
-    implicitHeight: isFov ? loader.implicitHeight + Theme.gapWide
-                  : kind === kindTallChoice ? Theme.tallRowHeight : Theme.rowHeight
+    // Every group but the first stands a little apart.
+    readonly property int groupGap: startsGroup ? Theme.gapWide : 0
+    readonly property int lineHeight: isFov ? loader.implicitHeight + Theme.gapWide
+                                    : kind === kindTallChoice ? Theme.tallRowHeight : Theme.rowHeight
+
+    implicitHeight: lineHeight + groupGap
 
     onActiveFocusChanged: if (activeFocus) entered()
 
@@ -84,6 +88,7 @@ FocusScope {
         anchors.right: parent.right
         anchors.leftMargin: Theme.gapWide
         anchors.rightMargin: Theme.gapWide
+        y: row.groupGap / 2
         height: Theme.hairline
         visible: row.startsGroup
         color: Theme.outlineColor
@@ -95,6 +100,7 @@ FocusScope {
         anchors.left: parent.left
         anchors.leftMargin: Theme.gapWide
         anchors.verticalCenter: parent.verticalCenter
+        anchors.verticalCenterOffset: row.groupGap / 2
         width: Theme.captionWidth
         text: row.caption
         font: Theme.bodyFont
@@ -115,7 +121,7 @@ FocusScope {
         anchors.leftMargin: Theme.gap
         anchors.right: parent.right
         anchors.rightMargin: Theme.gapWide
-        anchors.verticalCenter: parent.verticalCenter
+        anchors.verticalCenter: captionText.verticalCenter
         focus: true
     }
 }
