@@ -1,0 +1,44 @@
+#pragma once
+
+#include <QJsonObject>
+#include <QProcess>
+#include <QString>
+#include <QStringList>
+#include <QTemporaryDir>
+
+/// The virtual lidar as a process of its own, on a port of the system's choice and with the tables
+/// under "./Config". It is ended with the object.
+class VirtualLidarProcess {
+ public:
+  /// Starts it and waits until it is ready. `arguments` as on its command line, "--port" and
+  /// "--dump" excepted. Throws std::runtime_error with what it said when it does not become ready.
+  explicit VirtualLidarProcess(const QStringList& arguments = {}, quint16 port = 0);
+  ~VirtualLidarProcess();
+  VirtualLidarProcess(const VirtualLidarProcess&) = delete;
+  VirtualLidarProcess& operator=(const VirtualLidarProcess&) = delete;
+
+  /// The TCP port on 127.0.0.1; 0 when it answers on a serial line.
+  quint16 port() const { return port_; }
+  /// The serial line, or the one of the pair that is called `kind` ("485" or "232").
+  QString SerialPort(const QString& kind = QString()) const;
+
+  /// Everything printed so far.
+  QString Output();
+  /// What it holds for the variable `name`: {"id", "text", "hex"}.
+  QJsonObject Variable(const QString& name) const;
+
+  /// Ends it at once, as a lidar that loses its power.
+  void Kill();
+  /// Makes it fall silent, and lets it go on.
+  void Freeze();
+  void Thaw();
+
+ private:
+  bool ReadUntilReady(bool serial);
+  void Signal(int number) const;
+
+  QTemporaryDir folder_;
+  QProcess process_;
+  QString output_;
+  quint16 port_ = 0;
+};
