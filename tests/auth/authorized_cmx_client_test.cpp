@@ -1,7 +1,6 @@
 #include "auth/authorized_cmx_client.h"
 
 #include <atomic>
-#include <cctype>
 #include <thread>
 
 #include "auth_test_support.h"
@@ -210,22 +209,10 @@ TEST(AuthorizedCmxClient, NoOtherThreadComesBetweenHandshakeAndCommand) {
   EXPECT_FALSE(device->torn);
 }
 
-/// Lower-case hexadecimal digits alone, so that any way of writing bytes compares.
-std::string DigitsOf(const std::string& text) {
-  std::string digits;
-  for (const char c : text) {
-    if (std::isxdigit(static_cast<unsigned char>(c)) != 0) {
-      digits.push_back(static_cast<char>(std::tolower(static_cast<unsigned char>(c))));
-    }
-  }
-  return digits;
-}
-
-TEST(AuthorizedCmxClient, NoKeyReachesALog) {
+TEST(AuthorizedCmxClient, WithRealKeysNothingButTheFixedLinesIsLogged) {
   const InstallRoot root;
   root.WriteKeys();
   const AuthKeys keys = LoadAuthKeys(kAuthKeysPath);
-  std::string everything;
   testing::internal::CaptureStdout();
   testing::internal::CaptureStderr();
   for (int id = 1; id <= 4; ++id) {
@@ -234,19 +221,16 @@ TEST(AuthorizedCmxClient, NoKeyReachesALog) {
     const auto device = std::make_shared<ScriptedSender>();
     const auto log = std::make_shared<CollectedLines>();
     AuthorizedCmxClient client(device, config, false, log);
-    device->replies = {kRequired, {0, kRandom}, {0, {}}, {0, {}}, {0, kRandom}, kFailed};
+    device->replies = {kRequired, {0, kRandom}, {0, {}}, {0, kRandom}, {5, {}}};
     client.Probe();
     EXPECT_EQ(client.Gate(0x21), 0);
     EXPECT_TRUE(VerifyAuthResponse(id, keys, kRandom, device->sent[2].payload)) << id;
     EXPECT_EQ(client.Gate(0x21), -1);
-    for (const std::string& line : log->lines) {
-      everything += line;
-    }
+    EXPECT_EQ(log->lines, (Lines{"AUTH: probe value=1 required=true", "AUTH: response rejected",
+                                 "AUTH: handshake failed for protected cmd"}));
   }
-  everything += testing::internal::GetCapturedStdout() + testing::internal::GetCapturedStderr();
-  for (const char* key : {kTestAes128Key, kTestAes256Key, "61732650", "613cd1cf", "ea980b8d"}) {
-    EXPECT_EQ(DigitsOf(everything).find(std::string(key).substr(0, 8)), std::string::npos);
-  }
+  EXPECT_EQ(testing::internal::GetCapturedStdout(), "");
+  EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
 }
 
 }  // namespace
