@@ -49,18 +49,19 @@ int32_t SerialClient::SwitchMode(uint8_t mode, uint8_t sub_mode) {
 int32_t SerialClient::ExchangeBlock(const std::vector<uint8_t>& frame, size_t max_block,
                                     uint32_t timeout_ms, std::vector<uint8_t>& block) {
   const std::lock_guard<std::mutex> lock(mutex_);
-  if (!IsOpen() || frame.size() > UINT16_MAX) return kSerialNotReady;
+  if (!IsOpen()) return kSerialNotReady;
   WriteToSink("SEND: ", frame);
   receiver_->SetReceiveMode(kModeEmptyBuffer);
-  if (SendFrame(frame.data(), static_cast<uint16_t>(frame.size())) < 0) return kSerialNotReady;
+  if (!SendFrame(frame)) return kSerialNotReady;
   if (receiver_->ReceiveBlock(block, max_block, timeout_ms) < 0) return kSerialNoAnswer;
   WriteToSink("RECV: ", block);
   return 0;
 }
 
 // A frame that was cut short can have no answer, so it counts as not sent.
-int32_t SerialClient::SendFrame(const uint8_t* data, uint16_t size) {
-  return send_port_->Write(data, size, send_timeout_ms_) == size ? size : -1;
+bool SerialClient::SendFrame(const std::vector<uint8_t>& frame) {
+  const int32_t sent = send_port_->Write(frame.data(), frame.size(), send_timeout_ms_);
+  return sent >= 0 && static_cast<size_t>(sent) == frame.size();
 }
 
 bool SerialClient::SetBaudRate(uint32_t baud_rate_bps) {
@@ -70,7 +71,7 @@ bool SerialClient::SetBaudRate(uint32_t baud_rate_bps) {
 }
 
 std::string SerialClient::LastError() const {
-  const std::string send_error = send_port_ != nullptr ? send_port_->LastError() : std::string();
+  std::string send_error = send_port_ != nullptr ? send_port_->LastError() : std::string();
   if (!send_error.empty() || receiver_ == nullptr) return send_error;
   return receiver_->LastError();
 }

@@ -49,8 +49,8 @@ class SerialClient {
   /// an answer of another shape.
   int32_t SwitchMode(uint8_t mode, uint8_t sub_mode);
 
-  /// The exchange below the frames: writes the "SEND: " line, empties the receiver, sends `frame`
-  /// (at most 65535 bytes), receives one block of at most `max_block` bytes and writes the "RECV: "
+  /// The exchange below the frames: writes the "SEND: " line, empties the receiver, sends `frame`,
+  /// receives one block of at most `max_block` bytes and writes the "RECV: "
   /// line. Returns 0, kSerialNotReady or kSerialNoAnswer; the block is not checked.
   int32_t ExchangeBlock(const std::vector<uint8_t>& frame, size_t max_block, uint32_t timeout_ms,
                         std::vector<uint8_t>& block);
@@ -73,7 +73,7 @@ class SerialClient {
   void Close();
 
  private:
-  int32_t SendFrame(const uint8_t* data, uint16_t size);
+  bool SendFrame(const std::vector<uint8_t>& frame);
   void WriteToSink(const char* tag, const std::vector<uint8_t>& bytes);
 
   const std::shared_ptr<SerialPort> send_port_;

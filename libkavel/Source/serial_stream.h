@@ -39,7 +39,7 @@ struct SerialStreamFrame {
 class SerialStream {
  public:
   /// Room for the longest frame and for what came with it.
-  static constexpr size_t kMaxHeld = 128 * 1024;
+  static constexpr size_t kMaxHeld = size_t{128} * 1024;
   static constexpr size_t kMaxSkippedKept = 1500;
 
   explicit SerialStream(SerialListener listener) : listener_(listener) {}

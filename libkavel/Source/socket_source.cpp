@@ -1,7 +1,7 @@
 #include "Source/socket_source.h"
 
 #include <algorithm>
-#include <cstring>
+#include <cerrno>
 
 #include "Log/logger.h"
 #include "Platform/ipv4_text.h"
@@ -14,15 +14,20 @@ constexpr int kLargestReceiveBuffer = 400'000'000;
 constexpr int kWorkingReceiveBuffer = 26'214'400;
 constexpr uint32_t kReceiveTimeoutMs = 20;
 
+#ifdef _WIN32
+using BufferSize = int;
+#else
+using BufferSize = size_t;
+#endif
+
 int LoggedHandle(SocketHandle socket) { return static_cast<int>(socket); }
 
-// An empty text is any address. A text that is no address becomes the broadcast address, to which
-// nothing can be bound.
-in_addr InterfaceAddress(const std::string& text) {
+// An empty text is any address. A text that is no address becomes the broadcast address, which is
+// neither a group nor an interface.
+in_addr ReadAddress(const std::string& text) {
   in_addr address{};
-  if (text.empty()) {
-    address.s_addr = INADDR_ANY;
-  } else if (!ParseDottedIpv4(text, reinterpret_cast<uint8_t*>(&address))) {
+  address.s_addr = INADDR_ANY;
+  if (!text.empty() && !ParseDottedIpv4(text, reinterpret_cast<uint8_t*>(&address))) {
     address.s_addr = INADDR_NONE;
   }
   return address;
@@ -84,12 +89,15 @@ bool SocketSource::Bind() {
   sockaddr_in address{};
   address.sin_family = AF_INET;
   address.sin_port = htons(port_);
-  address.sin_addr = InterfaceAddress(multicast_ip_.empty() ? local_ip_ : "");
-  if (bind(socket_, reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0) {
+  address.sin_addr = ReadAddress(multicast_ip_.empty() ? local_ip_ : "");
+  // Some systems would bind to the broadcast address and then receive nothing else.
+  const bool is_address = address.sin_addr.s_addr != INADDR_NONE;
+  if (is_address &&
+      bind(socket_, reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0) {
     KAVEL_LOG(kInfo, "SocketSource::Open succeed, sock:%d", LoggedHandle(socket_));
     return true;
   }
-  const int error = LastSocketError();
+  const int error = is_address ? LastSocketError() : EADDRNOTAVAIL;
   // Deliberate: these two are passed over in silence, and the source counts as open.
   if (error == kSocketInProgress || error == kSocketWouldBlock) return true;
   ReleaseSocket();
@@ -99,8 +107,8 @@ bool SocketSource::Bind() {
 
 void SocketSource::JoinGroup() {
   ip_mreq request{};
-  request.imr_multiaddr = InterfaceAddress(multicast_ip_);
-  request.imr_interface = InterfaceAddress(local_ip_);
+  request.imr_multiaddr = ReadAddress(multicast_ip_);
+  request.imr_interface = ReadAddress(local_ip_);
   if (setsockopt(socket_, IPPROTO_IP, IP_ADD_MEMBERSHIP, reinterpret_cast<const char*>(&request),
                  sizeof request) == 0) {
     KAVEL_LOG(kInfo, "Recive data from multicast ip address %s", multicast_ip_.c_str());
@@ -133,7 +141,7 @@ int32_t SocketSource::Receive(UdpPacket& packet, uint16_t length, int32_t flags,
 int32_t SocketSource::ReadPacket(UdpPacket& packet, uint16_t length, int32_t flags) {
   sockaddr_in sender{};
   socklen_t sender_size = sizeof sender;
-  const int room = static_cast<int>(std::min<size_t>(length, packet.data.size()));
+  const auto room = static_cast<BufferSize>(std::min<size_t>(length, packet.data.size()));
   const auto count = recvfrom(socket_, reinterpret_cast<char*>(packet.data.data()), room, flags,
                               reinterpret_cast<sockaddr*>(&sender), &sender_size);
   if (count < 0) return -1;

@@ -1,0 +1,60 @@
+#include "Source/address_finder.h"
+
+#include <arpa/inet.h>
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <functional>
+#include <mutex>
+#include <thread>
+#include <vector>
+
+namespace kavel::lidar {
+namespace {
+
+bool WaitFor(const std::function<bool()>& condition) {
+  const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(10);
+  while (!condition()) {
+    if (std::chrono::steady_clock::now() > deadline) return false;
+    std::this_thread::sleep_for(std::chrono::milliseconds(1));
+  }
+  return true;
+}
+
+TEST(AddressFinder, TellsTheFirstSenderAndCountsAll) {
+  std::mutex mutex;
+  std::vector<std::string> told;
+  AddressFinder finder(0, "127.0.0.1", "", [&](const std::string& address) {
+    const std::lock_guard<std::mutex> lock(mutex);
+    told.push_back(address);
+  });
+  ASSERT_TRUE(finder.Start());
+  EXPECT_FALSE(finder.Start()) << "it runs already";
+  const std::vector<uint8_t> packet(1200);
+  for (const char* from : {"127.0.0.7", "127.0.0.8", "127.0.0.7"}) {
+    SocketSource sender(0, from, "");
+    ASSERT_TRUE(sender.Open());
+    sender.SetPeer(htonl(INADDR_LOOPBACK), finder.BoundPort());
+    const uint64_t before = finder.TotalPackets();
+    ASSERT_EQ(sender.Send(packet.data(), 1200, 0), 1200);
+    ASSERT_TRUE(WaitFor([&] { return finder.TotalPackets() == before + 1; }));
+  }
+  finder.Stop();
+  EXPECT_EQ(told, std::vector<std::string>{"127.0.0.7"});
+  const std::vector<AddressFinder::Sender> senders = finder.Senders();
+  ASSERT_EQ(senders.size(), 2U);
+  EXPECT_EQ(senders[0].packets, 2U);
+  EXPECT_EQ(senders[0].bytes, 2400U);
+  EXPECT_EQ(senders[1].address, "127.0.0.8");
+  EXPECT_EQ(finder.TotalBytes(), 3600U);
+  EXPECT_TRUE(finder.Start()) << "and again";
+}
+
+TEST(AddressFinder, SaysWhenThePortCannotBeHad) {
+  AddressFinder finder(0, "192.0.2.1", "", {});
+  EXPECT_FALSE(finder.Start());
+  EXPECT_FALSE(finder.IsRunning());
+}
+
+}  // namespace
+}  // namespace kavel::lidar

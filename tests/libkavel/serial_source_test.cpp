@@ -1,0 +1,144 @@
+#include "Source/serial_source.h"
+
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <functional>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "CmxClient/serial_frame.h"
+#include "support/log_lines.h"
+#include "support/pty_pair.h"
+
+namespace kavel::lidar {
+namespace {
+
+using Bytes = std::vector<uint8_t>;
+using testing::LogLines;
+using testing::PtyPair;
+
+constexpr uint32_t kPatienceMs = 5000;
+constexpr int32_t kPatienceUs = 5'000'000;
+
+Bytes Answer(uint8_t cmd) { return BuildSerialResponse({0x01, cmd, 0x00}); }
+
+bool WaitFor(const std::function<bool()>& condition) {
+  const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(10);
+  while (!condition()) {
+    if (std::chrono::steady_clock::now() > deadline) return false;
+    std::this_thread::sleep_for(std::chrono::milliseconds(1));
+  }
+  return true;
+}
+
+TEST(SerialSource, RefusesAReceiveTypeThatItDoesNotKnow) {
+  LogLines log;
+  PtyPair line;
+  SerialSource source(line.path(), 115200, 7);
+  EXPECT_FALSE(source.Open());
+  EXPECT_EQ(log.Count(kError, "not support receiveStype, open error"), 1);
+  EXPECT_FALSE(source.IsOpened());
+  SerialSource missing("/dev/no-such-port", 115200, kReceiveAnswers);
+  EXPECT_FALSE(missing.Open());
+  EXPECT_NE(missing.LastError().find("was not found"), std::string::npos);
+}
+
+TEST(SerialSource, KeepsAnswersAndPointCloudApart) {
+  LogLines log;
+  PtyPair line;
+  SerialSource source(line.path(), 3125000, kReceiveAnswersAndPoints);
+  ASSERT_TRUE(source.Open());
+  UdpPacket packet;
+  EXPECT_EQ(source.Receive(packet, UdpPacket::kCapacity, 0, 1000), 0);
+  EXPECT_EQ(packet.timed_out, 1);
+
+  const Bytes newer = {0x24, 0x4C, 0x44, 0x50, 0x54, 0x43, 0x2C, 0x02, 0x05, 0x00,
+                       0x03, 0xAA, 0xBB, 0xCC, 0xB0, 0xA7, 0xE8, 0x09, 0xEE, 0xFF};
+  line.Write(newer);
+  line.Write(BuildPointCloudFrame({1, 2, 3}));
+  line.Write(Answer(0x2A));
+  ASSERT_EQ(source.Receive(packet, 2, 0, kPatienceUs), 2) << "cut to what was asked for";
+  EXPECT_EQ(packet.data[1], 2);
+  EXPECT_EQ(packet.timed_out, 0);
+  EXPECT_EQ(log.Count(kWarning, "serial recv error point cloud, protocol Version: 02 05"), 1);
+  Bytes block;
+  ASSERT_EQ(source.ReceiveBlock(block, 1500, kPatienceMs), 20);
+  EXPECT_EQ(block[8], 0x2A);
+  EXPECT_EQ(source.GetCounters().points, 2U);
+  EXPECT_EQ(source.GetCounters().dropped_points, 1U);
+  source.Close();
+  EXPECT_EQ(source.Receive(packet, 2, 0, kPatienceUs), -1);
+  EXPECT_EQ(log.Count(kInfo, "Source::Close()"), 1);
+}
+
+TEST(SerialSource, ModeTwoEmptiesTheBufferAndNothingElse) {
+  PtyPair line;
+  SerialSource source(line.path(), 115200, kReceiveAnswersAndPoints);
+  ASSERT_TRUE(source.Open());
+  line.Write(Answer(1));
+  line.Write(BuildPointCloudFrame({9}));
+  ASSERT_TRUE(WaitFor([&] { return source.GetCounters().points == 1; }));
+
+  source.SetReceiveMode(kModeEmptyBuffer);
+  Bytes block;
+  EXPECT_EQ(source.ReceiveBlock(block, 1500, 5), -1) << "the answer is gone";
+  EXPECT_EQ(source.receive_mode(), kModePointCloud);
+  EXPECT_EQ(source.GetCounters().answers, 1U) << "the counters stay";
+
+  source.SetReceiveMode(kModeCommands);
+  EXPECT_EQ(source.receive_mode(), kModeCommands);
+  EXPECT_EQ(source.GetCounters().answers, 0U);
+  UdpPacket packet;
+  EXPECT_EQ(source.Receive(packet, 100, 0, 1000), 0) << "waiting packets are gone";
+  line.Write(BuildPointCloudFrame({9}));
+  line.Write(Answer(2));
+  EXPECT_EQ(source.ReceiveBlock(block, 1500, kPatienceMs), 20);
+  EXPECT_EQ(source.GetCounters().dropped_points, 1U) << "dropped in this mode";
+}
+
+TEST(SerialSource, HandsOutWhatIsNoFrameAfterTheTimeOut) {
+  PtyPair line;
+  SerialSource source(line.path(), 115200, kReceiveAnswers);
+  ASSERT_TRUE(source.Open());
+  Bytes block;
+  EXPECT_EQ(source.ReceiveBlock(block, 1500, 5), -1);
+  line.Write(Bytes(40, 0x55));
+  ASSERT_TRUE(WaitFor([&] { return source.GetCounters().bytes == 40; }));
+  EXPECT_EQ(source.ReceiveBlock(block, 30, 5), 30);
+  EXPECT_EQ(block, Bytes(30, 0x55));
+}
+
+TEST(SerialSource, BoundsWhatNobodyFetches) {
+  PtyPair line;
+  SerialSource source(line.path(), 3125000, kReceiveAnswersAndPoints);
+  ASSERT_TRUE(source.Open());
+  constexpr uint64_t kFrames = 700;
+  for (uint64_t i = 0; i < kFrames; ++i) {
+    line.Write(BuildPointCloudFrame({static_cast<uint8_t>(i), static_cast<uint8_t>(i >> 8)}));
+  }
+  ASSERT_TRUE(WaitFor([&] { return source.GetCounters().points == kFrames; }));
+  UdpPacket packet;
+  uint64_t fetched = 0;
+  while (source.Receive(packet, 100, 0, 0) > 0) ++fetched;
+  EXPECT_EQ(fetched + source.GetCounters().dropped_points, kFrames);
+  EXPECT_GT(source.GetCounters().dropped_points, 0U);
+  EXPECT_EQ(packet.data[0] + 256 * packet.data[1], 699) << "the newest are kept";
+}
+
+TEST(SerialSource, StartsCleanAfterALostLine) {
+  auto line = std::make_unique<PtyPair>();
+  SerialSource source(line->path(), 115200, kReceiveAnswers);
+  ASSERT_TRUE(source.Open());
+  line->Write({'$', 'L', 'D'});
+  line->HangUp();
+  Bytes block;
+  EXPECT_EQ(source.ReceiveBlock(block, 1500, 3'600'000), -1);
+  EXPECT_FALSE(source.IsOpened());
+  EXPECT_FALSE(source.Open()) << "nothing is there any more";
+  EXPECT_FALSE(source.LastError().empty());
+}
+
+}  // namespace
+}  // namespace kavel::lidar

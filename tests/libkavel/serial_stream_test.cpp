@@ -1,0 +1,145 @@
+#include "Source/serial_stream.h"
+
+#include <gtest/gtest.h>
+
+#include <random>
+#include <vector>
+
+#include "CmxClient/ota_stream.h"
+#include "CmxClient/serial_frame.h"
+
+namespace kavel::lidar {
+namespace {
+
+using Bytes = std::vector<uint8_t>;
+using Kind = SerialStreamFrame::Kind;
+
+const Bytes kPointCloudFrame = {0x24, 0x4C, 0x44, 0x50, 0x54, 0x43, 0x2C, 0x01, 0x00, 0x00,
+                                0x03, 0xAA, 0xBB, 0xCC, 0x2A, 0x8E, 0x58, 0xB5, 0xEE, 0xFF};
+
+const Bytes kNoise = {0x00, '$', 'L', 'D', 0xEE, 0xFF, '$', '$', 'L', 'D', 'C', 'M', 'D', 0x2C + 1};
+
+Bytes operator+(Bytes left, const Bytes& right) {
+  left.insert(left.end(), right.begin(), right.end());
+  return left;
+}
+
+Bytes Answer() { return BuildSerialResponse({0x03, 0x2A, 0x00, 0x11, 0x22}); }
+
+void Feed(SerialStream& stream, const Bytes& bytes) { stream.Append(bytes.data(), bytes.size()); }
+
+std::vector<SerialStreamFrame> All(SerialStream& stream) {
+  std::vector<SerialStreamFrame> frames;
+  while (auto frame = stream.Next()) frames.push_back(std::move(*frame));
+  return frames;
+}
+
+TEST(SerialStream, FindsFramesSplitAnywhereAndJoinedWithNoise) {
+  ASSERT_EQ(BuildPointCloudFrame({0xAA, 0xBB, 0xCC}), kPointCloudFrame);
+  const Bytes answer = Answer();
+  const Bytes long_answer = BuildOtaResponse(0x2B, 0, Bytes(600, '$'));
+  const Bytes line = kNoise + answer + kPointCloudFrame + long_answer + kNoise + answer;
+  for (size_t split = 0; split <= line.size(); ++split) {
+    const auto middle = line.begin() + static_cast<std::ptrdiff_t>(split);
+    SerialStream stream(SerialListener::kTool);
+    Feed(stream, {line.begin(), middle});
+    std::vector<SerialStreamFrame> frames = All(stream);
+    Feed(stream, {middle, line.end()});
+    for (SerialStreamFrame& frame : All(stream)) frames.push_back(std::move(frame));
+
+    ASSERT_EQ(frames.size(), 4U) << "split at " << split;
+    EXPECT_EQ(frames[0].bytes, answer);
+    EXPECT_EQ(frames[1].bytes, kPointCloudFrame);
+    EXPECT_EQ(frames[1].kind, Kind::kPointCloud);
+    EXPECT_EQ(frames[2].bytes, long_answer);
+    EXPECT_EQ(frames[2].kind, Kind::kLong);
+    EXPECT_EQ(frames[3].bytes, answer);
+    EXPECT_EQ(stream.skipped_bytes(), 2 * kNoise.size());
+  }
+}
+
+TEST(SerialStream, TellsADamagedFrameFromAFrameBehindIt) {
+  Bytes damaged = Answer();
+  damaged[10] ^= 0x01;
+  SerialStream stream(SerialListener::kTool);
+  Feed(stream, damaged);
+  std::vector<SerialStreamFrame> frames = All(stream);
+  ASSERT_EQ(frames.size(), 1U);
+  EXPECT_FALSE(frames[0].sound);
+  EXPECT_EQ(frames[0].bytes, damaged);
+
+  // Its beginning lost its end, and the length runs into the next frame.
+  const Bytes sound = Answer();
+  const Bytes cut = Bytes(sound.begin(), sound.begin() + 12) + sound + sound;
+  Feed(stream, cut);
+  frames = All(stream);
+  ASSERT_EQ(frames.size(), 2U);
+  EXPECT_TRUE(frames[0].sound && frames[1].sound);
+
+  Bytes damaged_points = kPointCloudFrame;
+  damaged_points[12] ^= 0x80;
+  Feed(stream, damaged_points + sound);
+  frames = All(stream);
+  ASSERT_EQ(frames.size(), 1U);
+  EXPECT_EQ(frames[0].bytes, sound);
+}
+
+TEST(SerialStream, GivesUpAFrameThatNeverEnds) {
+  const Bytes sound = Answer();
+  const Bytes endless = {'$', 'L', 'D', 'O', 'T', 'A', ',', 0xFF, 0xFF, 0x00};
+  SerialStream stream(SerialListener::kTool);
+  Feed(stream, endless + sound);
+  EXPECT_TRUE(All(stream).empty());
+  EXPECT_EQ(stream.PendingLongFrame(), 0xFFFFU + 15);
+  EXPECT_EQ(stream.Rest(), endless + sound);
+  ASSERT_TRUE(stream.GiveUp());
+  const std::vector<SerialStreamFrame> frames = All(stream);
+  ASSERT_EQ(frames.size(), 1U);
+  EXPECT_EQ(frames[0].bytes, sound);
+  EXPECT_FALSE(stream.GiveUp());
+}
+
+TEST(SerialStream, HoldsNoMoreThanItsBound) {
+  SerialStream stream(SerialListener::kTool);
+  const Bytes endless = {'$', 'L', 'D', 'O', 'T', 'A', ',', 0xFF, 0xFF, 0x00};
+  Feed(stream, endless);
+  Feed(stream, Bytes(3 * SerialStream::kMaxHeld, '$'));
+  EXPECT_LE(stream.held(), SerialStream::kMaxHeld);
+  All(stream);
+  EXPECT_LE(stream.Rest().size(), SerialStream::kMaxSkippedKept + SerialStream::kMaxHeld);
+  Feed(stream, Answer());
+  EXPECT_EQ(All(stream).size(), 1U);
+}
+
+TEST(SerialStream, SurvivesRandomDamage) {
+  std::mt19937 random(20240607);
+  for (int round = 0; round < 300; ++round) {
+    Bytes line;
+    for (int i = 0; i < 4; ++i) line = line + Answer() + kPointCloudFrame;
+    for (int i = 0; i < 3; ++i) line[random() % line.size()] = static_cast<uint8_t>(random());
+    SerialStream stream(SerialListener::kTool);
+    size_t found = 0;
+    for (size_t at = 0; at < line.size();) {
+      const size_t size = std::min<size_t>(1 + random() % 40, line.size() - at);
+      stream.Append(line.data() + at, size);
+      found += All(stream).size();
+      at += size;
+    }
+    while (stream.GiveUp()) found += All(stream).size();
+    EXPECT_GE(found, 5U) << "three damaged bytes spoil three of eight frames at most";
+  }
+}
+
+TEST(SerialStream, DeviceFindsRequests) {
+  SerialStream stream(SerialListener::kDevice);
+  const Bytes request = BuildSerialFrame(0x2A, {1, 2, 3});
+  const Bytes long_request = BuildOtaFrame(0x2B, Bytes(300, 0x44));
+  Feed(stream, kNoise + request + long_request);
+  const std::vector<SerialStreamFrame> frames = All(stream);
+  ASSERT_EQ(frames.size(), 2U);
+  EXPECT_EQ(frames[0].bytes, request);
+  EXPECT_EQ(frames[1].bytes, long_request);
+}
+
+}  // namespace
+}  // namespace kavel::lidar
