@@ -1,0 +1,290 @@
+// The command client over real connections: how it connects, ends and shares its line.
+
+#include "CmxClient/cmx_client.h"
+
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <chrono>
+#include <memory>
+#include <string>
+#include <thread>
+#include <utility>
+#include <vector>
+
+#include "support/log_lines.h"
+#include "support/socket_peer.h"
+
+namespace kavel::lidar {
+namespace {
+
+using testing::Bytes;
+using testing::DeafPort;
+using testing::LogLines;
+using testing::PeerConnection;
+using testing::SocketPeer;
+using testing::UnusedPort;
+using testing::WaitUntil;
+
+struct ClientOptions {
+  std::string ip = "127.0.0.1";
+  uint32_t connection_type = 0;
+  uint8_t version = 1;
+  uint32_t timeout_ms = 500;
+  float limit_s = 10;
+  uint16_t host_port = 0;
+};
+
+std::unique_ptr<CmxClient> Client(uint16_t port, const ClientOptions& options = {}) {
+  return std::make_unique<CmxClient>(options.ip, port, false, options.connection_type,
+                                     options.version, "", "", "", options.timeout_ms,
+                                     options.timeout_ms, options.limit_s, options.host_port);
+}
+
+// Answers every version 1 command with its own payload.
+void EchoCommands(PeerConnection& peer) {
+  while (true) {
+    const Bytes header = peer.Read(8);
+    if (header.size() < 8) return;
+    Bytes answer = header;
+    const Bytes payload = peer.Read(header[7]);
+    answer.insert(answer.end(), payload.begin(), payload.end());
+    peer.Send(answer);
+  }
+}
+
+void TakeCommandsInSilence(PeerConnection& peer) { peer.WaitForEnd(); }
+
+// Ends a client and fails when that takes longer than it may in any state.
+void EndInTime(std::unique_ptr<CmxClient> client) {
+  const auto start = std::chrono::steady_clock::now();
+  client.reset();
+  EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::milliseconds(1500));
+}
+
+TEST(CmxClientConnect, LogsItsWay) {
+  LogLines log;
+  SocketPeer peer(EchoCommands);
+  const auto client = Client(peer.port());
+  ASSERT_TRUE(client->WaitUntilConnected());
+  EXPECT_TRUE(client->IsOpen());
+  EXPECT_EQ(log.Count(kInfo, "CmxClient::CmxClient() 127.0.0.1 " + std::to_string(peer.port())), 1);
+  EXPECT_EQ(log.Count(kInfo, "u32RecvTimeoutMs 500"), 1);
+  EXPECT_EQ(log.Count(kInfo, "u32SendTimeoutMs 500"), 1);
+  EXPECT_EQ(log.Count(kInfo, "cmx connect success"), 1);
+  Bytes result;
+  EXPECT_EQ(client->QueryCommand({1, 2}, result, 7, false), 0);
+  EXPECT_EQ(result, (Bytes{1, 2}));
+  EXPECT_EQ(log.Count(kTrace, "exec time: "), 1);
+}
+
+TEST(CmxClientConnect, KeepsTryingUntilTheLidarIsThere) {
+  auto holder = std::make_unique<SocketPeer>(TakeCommandsInSilence);
+  SocketPeer peer(EchoCommands);
+  // The local port is taken at first, so that the first attempts fail.
+  ClientOptions options;
+  options.host_port = holder->port();
+  const auto client = Client(peer.port(), options);
+  EXPECT_TRUE(WaitUntil([&] { return !client->ConnectFailure().empty(); }));
+  EXPECT_FALSE(client->IsOpen());
+  holder.reset();
+  EXPECT_TRUE(client->WaitUntilConnected());
+  EXPECT_EQ(client->ConnectFailure(), "");
+}
+
+TEST(CmxClientConnect, GivesUpWhenItsTimeIsOver) {
+  LogLines log;
+  ClientOptions options;
+  options.limit_s = 0.2F;
+  EXPECT_FALSE(Client(UnusedPort(), options)->WaitUntilConnected());
+  EXPECT_EQ(log.Count(kWarning, "cmx connect exit 2"), 1);
+  options.ip = "";
+  EXPECT_FALSE(Client(UnusedPort(), options)->WaitUntilConnected());
+  EXPECT_EQ(log.Count(kWarning,
+                      "CmxClient::CmxClient() lidar_ip_ is empty, wait recv could point "
+                      "to get lidar ip"),
+            1);
+  EXPECT_EQ(log.Count(kWarning, "cmx connect : get lidar ip timeout"), 1);
+}
+
+TEST(CmxClientConnect, WaitsForAnAddress) {
+  SocketPeer peer(EchoCommands);
+  ClientOptions options;
+  options.ip = "";
+  const auto client = Client(peer.port(), options);
+  Bytes result;
+  int32_t error = 0;
+  EXPECT_EQ(client->QueryCommand({}, result, 7, false, &error), -1);
+  EXPECT_EQ(error, kNotConnected);
+  client->SetLidarIp("127.0.0.1");
+  client->SetLidarIp("127.0.0.9");
+  EXPECT_TRUE(client->WaitUntilConnected());
+  EXPECT_EQ(client->QueryCommand({1}, result, 7, false), 0);
+}
+
+TEST(CmxClientConnect, OtherConnectionTypesNeverOpen) {
+  LogLines log;
+  SocketPeer peer(EchoCommands);
+  for (const uint32_t type : {1U, 2U}) {
+    ClientOptions options;
+    options.connection_type = type;
+    options.limit_s = 0;
+    const auto client = Client(peer.port(), options);
+    EXPECT_FALSE(client->WaitUntilConnected());
+    client->SetLidarIp("127.0.0.1");
+    Bytes result;
+    EXPECT_EQ(client->QueryCommand({}, result, 7, false), -1);
+  }
+  EXPECT_EQ(log.Count(kWarning, "cmx connect exit 2"), 2);
+  EXPECT_EQ(log.Count(kError, "Client is not open, cannot send command."), 2);
+}
+
+TEST(CmxClientShutdown, EndsInEveryPhase) {
+  LogLines log;
+  SocketPeer peer(TakeCommandsInSilence);
+  DeafPort deaf;
+  ClientOptions forever;
+  forever.limit_s = -1;
+  forever.timeout_ms = 600000;
+  {
+    SCOPED_TRACE("waiting for an address");
+    ClientOptions nowhere = forever;
+    nowhere.ip = "";
+    EndInTime(Client(1, nowhere));
+    EXPECT_EQ(log.Count(kInfo, "cmx connect exit 1"), 1);
+  }
+  {
+    SCOPED_TRACE("waiting for the other end's answer, refused, just started");
+    EndInTime(Client(deaf.port(), forever));
+    EndInTime(Client(UnusedPort(), forever));
+    EndInTime(Client(peer.port(), forever));
+  }
+  {
+    SCOPED_TRACE("connected and idle");
+    auto client = Client(peer.port(), forever);
+    ASSERT_TRUE(client->WaitUntilConnected());
+    EndInTime(std::move(client));
+  }
+}
+
+TEST(CmxClientShutdown, EndsAnExchangeAndATransfer) {
+  SocketPeer peer(TakeCommandsInSilence);
+  ClientOptions options;
+  options.timeout_ms = 600000;
+  for (const bool transfer : {false, true}) {
+    auto client = Client(peer.port(), options);
+    ASSERT_TRUE(client->WaitUntilConnected());
+    client->SetStaleInput(StaleInput::kAfterTrouble);
+    std::atomic<int> progress{0};
+    std::thread user([&] {
+      Bytes result;
+      progress = transfer ? 0 : 1;
+      EXPECT_EQ(transfer ? client->TransferFile(Bytes(5000), 1, false, &progress)
+                         : client->QueryCommand({}, result, 7, false),
+                -1);
+    });
+    EXPECT_TRUE(WaitUntil([&] { return progress > 0; }));
+    client->Shutdown();
+    client->Shutdown();
+    EXPECT_FALSE(client->IsOpen());
+    user.join();
+    EndInTime(std::move(client));
+  }
+}
+
+TEST(CmxClientSharing, ThreadsGetTheirOwnAnswersAndReasons) {
+  // Refuses odd payloads with their own value.
+  SocketPeer peer([](PeerConnection& connection) {
+    for (Bytes frame = connection.Read(9); frame.size() == 9; frame = connection.Read(9)) {
+      frame[3] = frame[8] % 2 == 0 ? 0 : frame[8];
+      if (frame[3] != 0) {
+        frame[7] = 0;
+        frame.pop_back();
+      }
+      connection.Send(frame);
+    }
+  });
+  const auto client = Client(peer.port());
+  ASSERT_TRUE(client->WaitUntilConnected());
+  client->SetStaleInput(StaleInput::kAfterTrouble);
+  const auto use = [&](uint8_t value) {
+    for (int round = 0; round < 10; ++round) {
+      Bytes result = {0};
+      int32_t error = -99;
+      const int32_t outcome = client->QueryCommand({value}, result, 7, false, &error);
+      EXPECT_EQ(outcome, value % 2 == 0 ? 0 : -1);
+      EXPECT_EQ(error, value % 2 == 0 ? 0 : value);
+      EXPECT_EQ(result[0], value % 2 == 0 ? value : 0);
+      client->SetLogSink(nullptr);
+      client->GetLastErrorCode();
+    }
+  };
+  std::vector<std::thread> users;
+  for (const uint8_t value : Bytes{2, 3, 4, 5}) users.emplace_back(use, value);
+  for (auto& user : users) user.join();
+}
+
+TEST(CmxClientTrouble, ALidarThatAnswersLateIsUnderstoodNextTime) {
+  for (const StaleInput mode : {StaleInput::kAlways, StaleInput::kAfterTrouble}) {
+    std::atomic<bool> timed_out{false};
+    std::atomic<bool> answered{false};
+    SocketPeer peer([&](PeerConnection& connection) {
+      const Bytes late = connection.Read(9);
+      WaitUntil([&] { return timed_out || connection.Ended(); });
+      connection.Send(late);
+      answered = true;
+      EchoCommands(connection);
+    });
+    ClientOptions options;
+    options.timeout_ms = 60;
+    const auto client = Client(peer.port(), options);
+    ASSERT_TRUE(client->WaitUntilConnected());
+    client->SetStaleInput(mode);
+    Bytes result;
+    int32_t error = 0;
+    EXPECT_EQ(client->QueryCommand({1}, result, 7, false, &error), -1);
+    EXPECT_EQ(error, kNoReply);
+    timed_out = true;
+    ASSERT_TRUE(WaitUntil([&] { return answered.load(); }));
+    EXPECT_EQ(client->QueryCommand({2}, result, 7, false, &error), 0);
+    EXPECT_EQ(result, Bytes{2});
+  }
+}
+
+TEST(CmxClientTrouble, ALidarThatDripsOrVanishes) {
+  std::atomic<int> request{0};
+  SocketPeer peer([&](PeerConnection& connection) {
+    while (connection.Read(8).size() == 8) {
+      switch (++request) {
+        case 1:
+          connection.Send({0x47, 0x74, 7, 0, 0, 0, 0, 5});
+          connection.Drip({1, 2, 3, 4, 5});
+          break;
+        case 2:
+          connection.Send({0, 0, 0x47, 0x74, 7, 0, 0, 0, 0, 1, 9});
+          break;
+        case 3:
+          connection.Send({0x47, 0x74, 7, 0, 0, 0, 0, 5, 1, 2});
+          connection.Reset();
+          return;
+      }
+    }
+  });
+  const auto client = Client(peer.port());
+  ASSERT_TRUE(client->WaitUntilConnected());
+  Bytes result;
+  int32_t error = 0;
+  EXPECT_EQ(client->QueryCommand({}, result, 7, false), 0);
+  EXPECT_EQ(result, (Bytes{1, 2, 3, 4, 5}));
+  EXPECT_EQ(client->QueryCommand({}, result, 7, false), 0);
+  EXPECT_EQ(result, Bytes{9});
+  EXPECT_EQ(client->QueryCommand({}, result, 7, false, &error), -1);
+  EXPECT_EQ(error, kReplyBrokeOff);
+  EXPECT_TRUE(WaitUntil([&] {
+    client->QueryCommand({}, result, 7, false, &error);
+    return error == kSendIncomplete;
+  })) << "sending into the broken connection neither ends the program nor goes unnoticed";
+}
+
+}  // namespace
+}  // namespace kavel::lidar

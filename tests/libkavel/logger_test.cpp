@@ -1,0 +1,102 @@
+#include "Log/logger.h"
+
+#include <gtest/gtest.h>
+
+#include <clocale>
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "support/log_lines.h"
+
+namespace kavel::lidar {
+namespace {
+
+namespace fs = std::filesystem;
+
+class LogFile : public ::testing::Test {
+ protected:
+  LogFile() { fs::remove_all(folder_); }
+  ~LogFile() override {
+    Logger::GetInstance().SetFile("");
+    fs::remove_all(folder_);
+  }
+
+  std::string Text() const {
+    std::ostringstream text;
+    text << std::ifstream(path_).rdbuf();
+    return text.str();
+  }
+
+  const fs::path folder_ = fs::path(::testing::TempDir()) / "kavel_log_test";
+  const std::string path_ = folder_ / "deeper" / "tevron.log";
+};
+
+TEST_F(LogFile, HoldsLevelPlaceAndText) {
+  Logger& logger = Logger::GetInstance();
+  ASSERT_TRUE(logger.SetFile(path_));
+  logger.AddToQueue(kTrace, "file.cpp", 1, "f()", "left out");
+  logger.AddToQueue(kWarning, "dir/file.cpp", 12, "void f()", "%d of %s", 3, "four");
+  KAVEL_LOG(kError, "%s", std::string(5000, 'x').c_str());
+  ASSERT_TRUE(logger.SetFile(""));
+  KAVEL_LOG(kError, "after the end");
+
+  const std::string text = Text();
+  EXPECT_EQ(text.find("left out"), std::string::npos);
+  EXPECT_NE(text.find("warning [file.cpp:12] void f() - 3 of four\n"), std::string::npos) << text;
+  EXPECT_NE(text.find(std::string(5000, 'x')), std::string::npos);
+  EXPECT_EQ(text.find("after the end"), std::string::npos);
+}
+
+TEST_F(LogFile, RotatesAndDropsTheOldest) {
+  ASSERT_TRUE(Logger::GetInstance().SetFile(path_));
+  const std::string line(64 * 1024, 'x');
+  for (size_t written = 0; written < 6 * Logger::kMaxFileBytes; written += line.size()) {
+    KAVEL_LOG(kWarning, "%s", line.c_str());
+    Logger::GetInstance().Flush();
+  }
+  Logger::GetInstance().SetFile("");
+  size_t files = 0;
+  for (const auto& file : fs::directory_iterator(fs::path(path_).parent_path())) {
+    EXPECT_LE(file.file_size(), Logger::kMaxFileBytes);
+    ++files;
+  }
+  EXPECT_EQ(files, Logger::kRotatedFiles + 1);
+}
+
+TEST_F(LogFile, CannotBeWhereAFileStands) {
+  fs::create_directories(folder_);
+  std::ofstream(folder_ / "deeper") << "in the way";
+  EXPECT_FALSE(Logger::GetInstance().SetFile(path_));
+  KAVEL_LOG(kError, "goes nowhere");
+}
+
+TEST(Logger, WritesNumbersWithAPointInEveryLocale) {
+  const std::string before = std::setlocale(LC_ALL, nullptr);
+  if (std::setlocale(LC_ALL, "de_DE.UTF-8") == nullptr) GTEST_SKIP() << "no German locale here";
+  {
+    testing::LogLines log;
+    KAVEL_LOG(kTrace, "exec time: %.1fms", 0.5);
+    EXPECT_EQ(log.Count(kTrace, "exec time: 0.5ms"), 1);
+  }
+  std::setlocale(LC_ALL, before.c_str());
+}
+
+TEST_F(LogFile, TakesLinesFromManyThreads) {
+  ASSERT_TRUE(Logger::GetInstance().SetFile(path_));
+  testing::LogLines log;
+  std::vector<std::thread> threads;
+  for (int i = 0; i < 4; ++i) {
+    threads.emplace_back([] {
+      for (int n = 0; n < 200; ++n) KAVEL_LOG(kInfo, "line %d", n);
+    });
+  }
+  for (auto& thread : threads) thread.join();
+  EXPECT_EQ(log.Count(kInfo, "line "), 800);
+}
+
+}  // namespace
+}  // namespace kavel::lidar

@@ -1,0 +1,156 @@
+#include "support/socket_peer.h"
+
+#include <fcntl.h>
+#include <netinet/in.h>
+#include <netinet/tcp.h>
+#include <poll.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
+#include <chrono>
+#include <stdexcept>
+#include <utility>
+
+namespace kavel::lidar::testing {
+namespace {
+
+constexpr int kDripPauseMs = 2;
+
+int Listen(int backlog, uint16_t* port) {
+  const int listener = socket(AF_INET, SOCK_STREAM, 0);
+  sockaddr_in address{};
+  address.sin_family = AF_INET;
+  address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+  socklen_t size = sizeof address;
+  auto* generic = reinterpret_cast<sockaddr*>(&address);
+  if (bind(listener, generic, size) != 0 || listen(listener, backlog) != 0 ||
+      getsockname(listener, generic, &size) != 0) {
+    throw std::runtime_error("cannot listen on 127.0.0.1");
+  }
+  *port = ntohs(address.sin_port);
+  return listener;
+}
+
+int StartConnecting(uint16_t port) {
+  const int client = socket(AF_INET, SOCK_STREAM, 0);
+  fcntl(client, F_SETFL, O_NONBLOCK);
+  sockaddr_in address{};
+  address.sin_family = AF_INET;
+  address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+  address.sin_port = htons(port);
+  connect(client, reinterpret_cast<sockaddr*>(&address), sizeof address);
+  return client;
+}
+
+}  // namespace
+
+Bytes PeerConnection::Read(size_t size) {
+  Bytes bytes(size);
+  size_t received = 0;
+  while (received < size) {
+    const ssize_t count = recv(socket_, bytes.data() + received, size - received, 0);
+    if (count < 1) break;
+    received += static_cast<size_t>(count);
+  }
+  bytes.resize(received);
+  return bytes;
+}
+
+void PeerConnection::Send(const Bytes& bytes) {
+  size_t sent = 0;
+  while (sent < bytes.size()) {
+    const ssize_t count = send(socket_, bytes.data() + sent, bytes.size() - sent, MSG_NOSIGNAL);
+    if (count < 1) return;
+    sent += static_cast<size_t>(count);
+  }
+}
+
+void PeerConnection::Drip(const Bytes& bytes) {
+  for (const uint8_t byte : bytes) {
+    Send({byte});
+    pollfd entry{socket_, 0, 0};
+    poll(&entry, 1, kDripPauseMs);
+  }
+}
+
+void PeerConnection::WaitForEnd() {
+  while (!Read(1).empty()) {
+  }
+}
+
+void PeerConnection::Reset() {
+  const linger reset{1, 0};
+  setsockopt(socket_, SOL_SOCKET, SO_LINGER, &reset, sizeof reset);
+}
+
+bool PeerConnection::Ended() {
+  pollfd entry{socket_, POLLRDHUP, 0};
+  return poll(&entry, 1, 0) > 0;
+}
+
+SocketPeer::SocketPeer(Script script)
+    : script_(std::move(script)), listener_(Listen(8, &port_)), thread_([this] { Serve(); }) {}
+
+SocketPeer::~SocketPeer() {
+  {
+    const std::lock_guard<std::mutex> lock(mutex_);
+    ending_ = true;
+    shutdown(connection_, SHUT_RDWR);
+  }
+  shutdown(listener_, SHUT_RDWR);
+  thread_.join();
+  close(listener_);
+}
+
+void SocketPeer::Serve() {
+  while (true) {
+    const int socket = accept(listener_, nullptr, nullptr);
+    if (socket == -1) return;
+    const int on = 1;
+    setsockopt(socket, IPPROTO_TCP, TCP_NODELAY, &on, sizeof on);
+    {
+      const std::lock_guard<std::mutex> lock(mutex_);
+      connection_ = socket;
+      if (ending_) shutdown(socket, SHUT_RDWR);
+    }
+    ++accepted_;
+    PeerConnection connection(socket);
+    script_(connection);
+    const std::lock_guard<std::mutex> lock(mutex_);
+    connection_ = -1;
+    close(socket);
+  }
+}
+
+DeafPort::DeafPort() : listener_(Listen(0, &port_)) {
+  // One more than the queue holds; what follows is left without an answer.
+  for (int i = 0; i < 2; ++i) {
+    fillers_.push_back(StartConnecting(port_));
+    pollfd entry{fillers_.back(), POLLOUT, 0};
+    poll(&entry, 1, 200);
+  }
+}
+
+DeafPort::~DeafPort() {
+  for (const int filler : fillers_) {
+    close(filler);
+  }
+  close(listener_);
+}
+
+uint16_t UnusedPort() {
+  uint16_t port = 0;
+  close(Listen(1, &port));
+  return port;
+}
+
+bool WaitUntil(const std::function<bool()>& condition) {
+  const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(10);
+  while (!condition()) {
+    if (std::chrono::steady_clock::now() > deadline) return false;
+    std::this_thread::sleep_for(std::chrono::milliseconds(2));
+  }
+  return true;
+}
+
+}  // namespace kavel::lidar::testing
