@@ -12,7 +12,7 @@ namespace {
 // A QSettings object would be shorter, but it keeps every file that it has parsed in a cache that
 // lives as long as the process, and the keys with it. Here the text is in one buffer that is wiped.
 
-constexpr std::size_t kLargestFile = 64 * 1024;
+constexpr std::size_t kLargestFile = std::size_t{64} * 1024;
 constexpr std::size_t kWordSize = 4;
 
 std::string_view Trim(std::string_view text) {
