@@ -170,6 +170,11 @@ std::optional<Bytes> EncodeVersion(const std::string& text, size_t characters,
       bytes.insert(bytes.end(), width, 0);
       continue;
     }
+    // Trailing numbers may be left out.
+    if (at >= text.size()) {
+      bytes.insert(bytes.end(), width, 0);
+      continue;
+    }
     const size_t dot = std::min(text.find('.', at), text.size());
     const auto number = ReadNumber<uint16_t>(std::string_view(text).substr(at, dot - at));
     if (!number || *number >> (8 * width) != 0) return std::nullopt;
