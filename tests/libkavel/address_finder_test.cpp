@@ -3,23 +3,14 @@
 #include <arpa/inet.h>
 #include <gtest/gtest.h>
 
-#include <chrono>
-#include <functional>
 #include <mutex>
-#include <thread>
+#include <string>
 #include <vector>
+
+#include "support/wait_for.h"
 
 namespace kavel::lidar {
 namespace {
-
-bool WaitFor(const std::function<bool()>& condition) {
-  const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(10);
-  while (!condition()) {
-    if (std::chrono::steady_clock::now() > deadline) return false;
-    std::this_thread::sleep_for(std::chrono::milliseconds(1));
-  }
-  return true;
-}
 
 TEST(AddressFinder, TellsTheFirstSenderAndCountsAll) {
   std::mutex mutex;
@@ -37,7 +28,7 @@ TEST(AddressFinder, TellsTheFirstSenderAndCountsAll) {
     sender.SetPeer(htonl(INADDR_LOOPBACK), finder.BoundPort());
     const uint64_t before = finder.TotalPackets();
     ASSERT_EQ(sender.Send(packet.data(), 1200, 0), 1200);
-    ASSERT_TRUE(WaitFor([&] { return finder.TotalPackets() == before + 1; }));
+    ASSERT_TRUE(testing::WaitFor([&] { return finder.TotalPackets() == before + 1; }));
   }
   finder.Stop();
   EXPECT_EQ(told, std::vector<std::string>{"127.0.0.7"});

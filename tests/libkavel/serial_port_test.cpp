@@ -138,10 +138,5 @@ TEST(SerialPort, InterruptAndCloseEndABlockedRead) {
   }
 }
 
-TEST(SerialPort, NamesBecomePaths) {
-  EXPECT_EQ(SerialDevicePath("ttyUSB0"), "/dev/ttyUSB0");
-  EXPECT_EQ(SerialDevicePath("/dev/pts/7"), "/dev/pts/7");
-}
-
 }  // namespace
 }  // namespace kavel::lidar

@@ -2,15 +2,13 @@
 
 #include <gtest/gtest.h>
 
-#include <chrono>
-#include <functional>
 #include <string>
-#include <thread>
 #include <vector>
 
 #include "CmxClient/serial_frame.h"
 #include "support/log_lines.h"
 #include "support/pty_pair.h"
+#include "support/wait_for.h"
 
 namespace kavel::lidar {
 namespace {
@@ -18,20 +16,12 @@ namespace {
 using Bytes = std::vector<uint8_t>;
 using testing::LogLines;
 using testing::PtyPair;
+using testing::WaitFor;
 
 constexpr uint32_t kPatienceMs = 5000;
 constexpr int32_t kPatienceUs = 5'000'000;
 
 Bytes Answer(uint8_t cmd) { return BuildSerialResponse({0x01, cmd, 0x00}); }
-
-bool WaitFor(const std::function<bool()>& condition) {
-  const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(10);
-  while (!condition()) {
-    if (std::chrono::steady_clock::now() > deadline) return false;
-    std::this_thread::sleep_for(std::chrono::milliseconds(1));
-  }
-  return true;
-}
 
 TEST(SerialSource, RefusesAReceiveTypeThatItDoesNotKnow) {
   LogLines log;
@@ -98,18 +88,6 @@ TEST(SerialSource, ModeTwoEmptiesTheBufferAndNothingElse) {
   EXPECT_EQ(source.GetCounters().dropped_points, 1U) << "dropped in this mode";
 }
 
-TEST(SerialSource, HandsOutWhatIsNoFrameAfterTheTimeOut) {
-  PtyPair line;
-  SerialSource source(line.path(), 115200, kReceiveAnswers);
-  ASSERT_TRUE(source.Open());
-  Bytes block;
-  EXPECT_EQ(source.ReceiveBlock(block, 1500, 5), -1);
-  line.Write(Bytes(40, 0x55));
-  ASSERT_TRUE(WaitFor([&] { return source.GetCounters().bytes == 40; }));
-  EXPECT_EQ(source.ReceiveBlock(block, 30, 5), 30);
-  EXPECT_EQ(block, Bytes(30, 0x55));
-}
-
 TEST(SerialSource, BoundsWhatNobodyFetches) {
   PtyPair line;
   SerialSource source(line.path(), 3125000, kReceiveAnswersAndPoints);
@@ -125,19 +103,6 @@ TEST(SerialSource, BoundsWhatNobodyFetches) {
   EXPECT_EQ(fetched + source.GetCounters().dropped_points, kFrames);
   EXPECT_GT(source.GetCounters().dropped_points, 0U);
   EXPECT_EQ(packet.data[0] + 256 * packet.data[1], 699) << "the newest are kept";
-}
-
-TEST(SerialSource, StartsCleanAfterALostLine) {
-  auto line = std::make_unique<PtyPair>();
-  SerialSource source(line->path(), 115200, kReceiveAnswers);
-  ASSERT_TRUE(source.Open());
-  line->Write({'$', 'L', 'D'});
-  line->HangUp();
-  Bytes block;
-  EXPECT_EQ(source.ReceiveBlock(block, 1500, 3'600'000), -1);
-  EXPECT_FALSE(source.IsOpened());
-  EXPECT_FALSE(source.Open()) << "nothing is there any more";
-  EXPECT_FALSE(source.LastError().empty());
 }
 
 }  // namespace

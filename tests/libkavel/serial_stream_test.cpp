@@ -130,16 +130,5 @@ TEST(SerialStream, SurvivesRandomDamage) {
   }
 }
 
-TEST(SerialStream, DeviceFindsRequests) {
-  SerialStream stream(SerialListener::kDevice);
-  const Bytes request = BuildSerialFrame(0x2A, {1, 2, 3});
-  const Bytes long_request = BuildOtaFrame(0x2B, Bytes(300, 0x44));
-  Feed(stream, kNoise + request + long_request);
-  const std::vector<SerialStreamFrame> frames = All(stream);
-  ASSERT_EQ(frames.size(), 2U);
-  EXPECT_EQ(frames[0].bytes, request);
-  EXPECT_EQ(frames[1].bytes, long_request);
-}
-
 }  // namespace
 }  // namespace kavel::lidar
