@@ -30,7 +30,9 @@ class MainWindowTest : public testing::Test {
     window_ = new MainWindow(nullptr, QStringLiteral("Osprey"));
     window_->show();
     EXPECT_TRUE(QTest::qWaitForWindowExposed(window_, 10000));
+    // Said by the platform that draws nowhere, about every window with a least size.
     warnings_ = messages.warnings();
+    warnings_.removeAll(QStringLiteral("This plugin does not support propagateSizeHints()"));
   }
 
   static QQuickView* View() {
@@ -91,7 +93,7 @@ TEST_F(MainWindowTest, GrowsToTheLeastSizeOfTheScene) {
 }
 
 TEST_F(MainWindowTest, FindsTheManagerFromTheFirstBindingOn) {
-  EXPECT_EQ(warnings_, QStringList());
+  EXPECT_EQ(warnings_.join('\n').toStdString(), "");
   EXPECT_EQ(View()->status(), QQuickView::Ready);
   EXPECT_EQ(View()->source(), QUrl("qrc:/Qml/main.qml"));
   ASSERT_NE(Manager(), nullptr);
@@ -112,8 +114,8 @@ TEST_F(MainWindowTest, LastTakesDownTheSceneBeforeTheManager) {
   QObject::connect(window_, &QObject::destroyed, [&order] { order << "window"; });
   const MessageRecorder messages;
   delete window_;
-  EXPECT_EQ(order, QStringList({"scene", "manager", "window"}));
-  EXPECT_EQ(messages.warnings(), QStringList());
+  EXPECT_EQ(order.join(' ').toStdString(), "scene manager window");
+  EXPECT_EQ(messages.warnings().join('\n').toStdString(), "");
 }
 
 }  // namespace
