@@ -95,7 +95,7 @@ TEST(SerialFrame, ResponseIsReadInBothByteOrders) {
 TEST(SerialFrame, EverySingleBitFlipBehindThePrefixIsRejected) {
   for (const int mode : {1, 2}) {
     const Bytes& sound = mode == 1 ? kResponse : kResponseMode2;
-    for (size_t bit = 7 * 8; bit < sound.size() * 8; ++bit) {
+    for (size_t bit = kSerialPrefixSize * 8; bit < sound.size() * 8; ++bit) {
       Bytes damaged = sound;
       damaged[bit / 8] ^= static_cast<uint8_t>(1U << (bit % 8));
       Bytes inner = {0x99};
@@ -121,8 +121,9 @@ TEST(SerialFrame, ResponseOfAnotherShapeIsRejected) {
   EXPECT_FALSE(ParseSerialResponse(too_short, inner));
   // A request's length byte counts one byte more.
   EXPECT_FALSE(ParseSerialResponse(kRequest, inner));
-  for (size_t size = 0; size < kResponse.size(); ++size) {
-    EXPECT_FALSE(ParseSerialResponse({kResponse.begin(), kResponse.end() - 1 - size}, inner));
+  for (Bytes cut = kResponse; !cut.empty();) {
+    cut.pop_back();
+    EXPECT_FALSE(ParseSerialResponse(cut, inner)) << cut.size() << " bytes";
   }
   Bytes longer = kResponse;
   longer.push_back(0xFF);
