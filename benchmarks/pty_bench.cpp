@@ -5,6 +5,7 @@
 #include <fcntl.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <atomic>
 #include <functional>
 #include <memory>
@@ -56,8 +57,10 @@ Bytes AnswerFrame(const Bytes& frame) {
   uint8_t cmd = 0;
   Bytes payload;
   if (!ParseSerialRequest(frame, &cmd, &payload)) return {};
-  Bytes inner = {static_cast<uint8_t>(payload.size() + 1), cmd, 0};
-  inner.insert(inner.end(), payload.begin(), payload.end());
+  Bytes inner(3 + payload.size());
+  inner[0] = static_cast<uint8_t>(payload.size() + 1);
+  inner[1] = cmd;
+  std::copy(payload.begin(), payload.end(), inner.begin() + 3);
   return BuildSerialResponse(inner);
 }
 
