@@ -2,13 +2,13 @@
 
 #include <openssl/rand.h>
 
-#include <charconv>
 #include <utility>
 
 #include "CmxClient/big_endian.h"
 #include "CmxClient/crc32.h"
 #include "auth/aes.h"
 #include "auth/session_key.h"
+#include "variables/number_text.h"
 
 using kavel::lidar::AppendBigEndian32;
 using kavel::lidar::Crc32Ieee;
@@ -134,15 +134,7 @@ std::unique_ptr<IAuthAlgorithm> CreateAuthAlgorithm(int id) {
 }
 
 int ParseAuthAlgorithmId(const std::string& text) {
-  const std::size_t begin = text.find_first_not_of(" \t\r\n");
-  if (begin == std::string::npos) {
-    return kNoAuthAlgorithm;
-  }
-  const char* const first = text.data() + begin;
-  const char* const last = text.data() + text.find_last_not_of(" \t\r\n") + 1;
-  int id = kNoAuthAlgorithm;
-  const auto [end, error] = std::from_chars(first, last, id);
-  return error == std::errc() && end == last ? id : kNoAuthAlgorithm;
+  return WholeNumber(Trim(text)).value_or(kNoAuthAlgorithm);
 }
 
 bool VerifyAuthResponse(int id, const AuthKeys& keys, const std::vector<uint8_t>& challenge,

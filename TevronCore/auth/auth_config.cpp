@@ -1,22 +1,15 @@
 #include "auth/auth_config.h"
 
 #include <charconv>
+#include <optional>
 #include <string_view>
 #include <system_error>
 
 #include "auth/auth_algorithm.h"
 #include "variables/csv_table.h"
+#include "variables/number_text.h"
 
 namespace {
-
-std::string_view Trim(std::string_view text) {
-  constexpr std::string_view kBlanks = " \t\r\n";
-  const std::size_t begin = text.find_first_not_of(kBlanks);
-  if (begin == std::string_view::npos) {
-    return {};
-  }
-  return text.substr(begin, text.find_last_not_of(kBlanks) + 1 - begin);
-}
 
 /// The cells of one row, with the place of each for the messages.
 class Row {
@@ -47,13 +40,9 @@ class Row {
   }
 
   int32_t Decimal(const char* column) const {
-    const std::string_view text = Trim(Cell(column));
-    int32_t value = 0;
-    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
-    if (error != std::errc() || end != text.data() + text.size()) {
-      Fail(column, "\"" + std::string(text) + "\" is no decimal number");
-    }
-    return value;
+    const std::optional<int32_t> value = WholeNumber(Trim(Cell(column)));
+    if (!value) Fail(column, "\"" + std::string(Cell(column)) + "\" is no decimal number");
+    return *value;
   }
 
  private:

@@ -7,6 +7,8 @@
 #include <system_error>
 #include <utility>
 
+#include "variables/number_text.h"
+
 namespace {
 
 // A QSettings object would be shorter, but it keeps every file that it has parsed in a cache that
@@ -14,14 +16,6 @@ namespace {
 
 constexpr std::size_t kLargestFile = std::size_t{64} * 1024;
 constexpr std::size_t kWordSize = 4;
-
-std::string_view Trim(std::string_view text) {
-  const std::size_t begin = text.find_first_not_of(" \t\r");
-  if (begin == std::string_view::npos) {
-    return {};
-  }
-  return text.substr(begin, text.find_last_not_of(" \t\r") + 1 - begin);
-}
 
 /// The whole file; empty when it cannot be read or is larger than a key file can be.
 SecretBytes ReadFile(const std::string& path) {

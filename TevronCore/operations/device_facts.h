@@ -20,7 +20,7 @@ SerialModelKind SerialModelKindOf(const std::string& model);
 struct DeviceFacts {
   std::string serial_number = kUnread;
   std::string part_number = kUnread;
-  std::string pbl_version = kUnread;
+  std::string pbl_version = kUnread;  ///< of the primary boot loader
   kavel::lidar::DeviceVersions versions = {kUnread, kUnread, kUnread};
   std::optional<kavel::lidar::DeviceStatus> status;
 };

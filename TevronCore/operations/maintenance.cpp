@@ -201,6 +201,7 @@ DeviceFacts Maintenance::ReadFacts() {
       {kReadPartNumber, [&] { return GetPartNumber(*link_.sender, &part_number); },
        [&] { KeepValid(part_number, "PN invalid after validation", &facts.part_number); }},
       {kReadVersions, [&] { return GetVersions(*link_.sender, &facts.versions); }, [] {}},
+      {kReadPblVersion, [&] { return GetPblVersion(*link_.sender, &facts.pbl_version); }, [] {}},
       {kReadStatus, [&] { return GetStatus(*link_.sender, &status); },
        [&] { facts.status = status; }},
   };
@@ -213,15 +214,6 @@ DeviceFacts Maintenance::ReadFacts() {
     }
   }
   return facts;
-}
-
-std::optional<std::string> Maintenance::ReadPblVersion() {
-  std::string version;
-  if (!IsReady(kReadPblVersion) ||
-      !Conclude(kReadPblVersion, GetPblVersion(*link_.sender, &version))) {
-    return std::nullopt;
-  }
-  return version;
 }
 
 int32_t Maintenance::RestartKiva() {

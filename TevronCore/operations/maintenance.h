@@ -57,12 +57,9 @@ class Maintenance {
   /// The safety functions as maps of "name" and "value"; empty on failure.
   QVariantList ReadFunctionSafety();
 
-  /// What the lidar says about itself, the PBL version excepted. What cannot be read, and a number
-  /// that is not 1 to 32 printable characters, stays kUnread; once the lidar is silent the rest is
-  /// not asked for.
+  /// What the lidar says about itself. What cannot be read, and a number that is not 1 to 32
+  /// printable characters, stays kUnread; once the lidar is silent the rest is not asked for.
   DeviceFacts ReadFacts();
-  /// The version of the primary boot loader.
-  std::optional<std::string> ReadPblVersion();
 
   /// Restarts a Kiva after an upgrade: 0 when it acknowledged.
   int32_t RestartKiva();

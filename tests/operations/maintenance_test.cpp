@@ -39,7 +39,6 @@ std::vector<Operation> Operations() {
       {{0x47, {0x04, 0xB0}}, false, [](M& m) { m.WriteSpinRate(1200); }},
       {{0x48, {1}}, false, [](M& m) { m.WriteStandby(1); }},
       {{0x49, {5, 3}}, true, [](M& m) { m.WriteImuRange(5, 3); }},
-      {{0x4A, {}}, false, [](M& m) { m.ReadPblVersion(); }},
       {{0x4E, {}}, false, [](M& m) { m.ReadFunctionSafety(); }},
       {{0x10, {}}, false, [](M& m) { m.RestartKiva(); }},
   };
@@ -178,6 +177,7 @@ TEST_F(MaintenanceTest, FactsAreShownUnderTheNamesOfTheModel) {
   lidar_.replies = {{0, Text("Kiva2600059", 32)},
                     {0, Text("Kiva\tD32", 32)},
                     {0, versions},
+                    {0, Text("0.9", 16)},
                     {0, {2, 0x04, 0xB0, 1, 3, 2, 0, 0, 0x0E, 0x11}}};
   const DeviceFacts facts = Over(kSerialPair).ReadFacts();
   EXPECT_EQ(report_.Take(),
@@ -190,6 +190,7 @@ TEST_F(MaintenanceTest, FactsAreShownUnderTheNamesOfTheModel) {
   EXPECT_EQ(ValueOf(info, "Up Time"), "1:00:01");
   const QVariantList kiva = VersionList(facts, SerialModelKindOf("Kiva-CMX"));
   EXPECT_EQ(ValueOf(kiva, "Firmware Version"), "1.4.2");
+  EXPECT_EQ(ValueOf(kiva, "PBL Version"), "0.9");
   EXPECT_EQ(ValueOf(kiva, "BMB FPGA Version"), "A7");
   EXPECT_EQ(ValueOf(kiva, "TMB FPGA Version"), "B3");
   const QVariantList lumo = VersionList(facts, SerialModelKindOf("Lumo"));
