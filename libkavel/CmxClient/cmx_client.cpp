@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "CmxClient/big_endian.h"
+#include "CmxClient/device_commands.h"
 #include "CmxClient/hex_text.h"
 #include "Log/logger.h"
 
@@ -236,9 +237,11 @@ std::string CmxClient::ErrorText(int32_t code) {
     case kSendIncomplete:
       return "the command could not be sent";
     case kAuthRefused:
-      return "refused by the authentication of the lidar";
+      return "authentication refused the command, the log says why";
     case kBadReply:
       return "the reply has an unexpected length";
+    case kBadArgument:
+      return "a value is outside its range, nothing was sent";
     default:
       return (code > 0 ? "lidar return code " : "error ") + std::to_string(code);
   }
