@@ -10,8 +10,8 @@
 /// Requests and responses share one layout. docs/wire-formats.md shows both versions byte by byte.
 namespace kavel::lidar {
 
-/// Where the fields of one version's header stand. Command and return code swap places between the
-/// versions.
+/// Where the fields of one version's header stand. Byte 3 is the return code of one version and the
+/// command of the other.
 struct CmxHeaderLayout {
   uint8_t identifier_1;
   uint8_t identifier_2;

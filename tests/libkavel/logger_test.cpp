@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <clocale>
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <sstream>
@@ -74,15 +75,21 @@ TEST_F(LogFile, CannotBeWhereAFileStands) {
   KAVEL_LOG(kError, "goes nowhere");
 }
 
-TEST(Logger, WritesNumbersWithAPointInEveryLocale) {
-  const std::string before = std::setlocale(LC_ALL, nullptr);
-  if (std::setlocale(LC_ALL, "de_DE.UTF-8") == nullptr) GTEST_SKIP() << "no German locale here";
+TEST_F(LogFile, WritesNumbersWithAPointInEveryLocale) {
+  // A locale with a decimal comma, made for the occasion where the machine has none.
+  fs::create_directories(folder_);
+  const std::string locale = folder_ / "de_DE.UTF-8";
+  const std::string command = "localedef -i de_DE -f UTF-8 '" + locale + "' >/dev/null 2>&1";
+  (void)!std::system(command.c_str());  // NOLINT(bugprone-command-processor)
+  setenv("LOCPATH", folder_.c_str(), 1);
+  if (std::setlocale(LC_ALL, "de_DE.UTF-8") == nullptr) GTEST_SKIP() << "no localedef here";
   {
     testing::LogLines log;
     KAVEL_LOG(kTrace, "exec time: %.1fms", 0.5);
     EXPECT_EQ(log.Count(kTrace, "exec time: 0.5ms"), 1);
   }
-  std::setlocale(LC_ALL, before.c_str());
+  std::setlocale(LC_ALL, "C");
+  unsetenv("LOCPATH");
 }
 
 TEST_F(LogFile, TakesLinesFromManyThreads) {
