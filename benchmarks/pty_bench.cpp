@@ -5,7 +5,6 @@
 #include <fcntl.h>
 #include <unistd.h>
 
-#include <algorithm>
 #include <atomic>
 #include <functional>
 #include <memory>
@@ -57,11 +56,7 @@ Bytes AnswerFrame(const Bytes& frame) {
   uint8_t cmd = 0;
   Bytes payload;
   if (!ParseSerialRequest(frame, &cmd, &payload)) return {};
-  Bytes inner(3 + payload.size());
-  inner[0] = static_cast<uint8_t>(payload.size() + 1);
-  inner[1] = cmd;
-  std::copy(payload.begin(), payload.end(), inner.begin() + 3);
-  return BuildSerialResponse(inner);
+  return BuildSerialAnswer(cmd, 0, payload);
 }
 
 void BM_PtyBareEcho(benchmark::State& state) {

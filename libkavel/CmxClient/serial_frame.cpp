@@ -91,6 +91,18 @@ std::vector<uint8_t> BuildSerialResponse(const std::vector<uint8_t>& inner, int 
   return frame;
 }
 
+std::vector<uint8_t> BuildSerialAnswer(uint8_t cmd, uint8_t return_code,
+                                       const std::vector<uint8_t>& payload) {
+  if (payload.size() > kSerialMaxPayload) return {};
+  std::vector<uint8_t> inner;
+  inner.reserve(3 + payload.size());
+  inner.push_back(static_cast<uint8_t>(1 + payload.size()));
+  inner.push_back(cmd);
+  inner.push_back(return_code);
+  inner.insert(inner.end(), payload.begin(), payload.end());
+  return BuildSerialResponse(inner);
+}
+
 bool ParseSerialRequest(const std::vector<uint8_t>& block, uint8_t* cmd,
                         std::vector<uint8_t>* payload) {
   if (block.size() < kSerialMinResponse) return false;

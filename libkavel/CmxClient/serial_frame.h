@@ -61,6 +61,11 @@ bool ParseSerialResponse(const std::vector<uint8_t>& block, std::vector<uint8_t>
 std::vector<uint8_t> BuildSerialResponse(const std::vector<uint8_t>& inner,
                                          int mode = kSerialTailCommand);
 
+/// Device side: the ordinary answer, whose inner bytes are length, command, return code and
+/// payload. At most kSerialMaxPayload bytes of payload, else the frame is empty.
+std::vector<uint8_t> BuildSerialAnswer(uint8_t cmd, uint8_t return_code,
+                                       const std::vector<uint8_t>& payload);
+
 /// Device side: checks a request (prefix, length byte, checksum, terminator) and hands out what it
 /// asks. Returns false, with the results untouched, for any other block.
 bool ParseSerialRequest(const std::vector<uint8_t>& block, uint8_t* cmd,

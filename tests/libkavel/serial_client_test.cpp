@@ -46,10 +46,10 @@ Bytes Request(const Bytes& frame) {
 // The ordinary answer: return code 0 and the request's payload.
 Bytes Echo(const Bytes& frame) {
   const Bytes request = Request(frame);
-  Bytes inner = {static_cast<uint8_t>(request.size()), request[0], 0};
-  inner.insert(inner.end(), request.begin() + 1, request.end());
-  return BuildSerialResponse(inner);
+  return BuildSerialAnswer(request[0], 0, {request.begin() + 1, request.end()});
 }
+
+Bytes Silence(const Bytes&) { return {}; }
 
 class Lines : public LogSink {
  public:
@@ -58,13 +58,10 @@ class Lines : public LogSink {
 };
 
 TEST(SerialClient, HandsBackTheInnerBytes) {
-  Bytes sent;
-  Bytes answer;
-  SerialDevice device([&](const Bytes& frame) {
-    sent = frame;
-    // Late bytes of an earlier exchange, a broken-off frame, noise: then the answer.
-    answer = Echo(frame);
+  SerialDevice device([](const Bytes& frame) {
+    // The rest of a frame that broke off, then the answer.
     Bytes line = {'$', 'L', 'D', 'C', 0x00, 0xEE, 0xFF};
+    const Bytes answer = Echo(frame);
     line.insert(line.end(), answer.begin(), answer.end());
     return line;
   });
@@ -76,8 +73,9 @@ TEST(SerialClient, HandsBackTheInnerBytes) {
   ASSERT_EQ(line.client.SendCommand(0x2A, {0x11, 0x22}, inner, kPatienceMs), 0);
   EXPECT_EQ(inner, (Bytes{0x03, 0x2A, 0x00, 0x11, 0x22}));
   ASSERT_EQ(sink->lines.size(), 2U);
-  EXPECT_EQ(sink->lines[0], "SEND: " + HexText(sent));
-  EXPECT_EQ(sink->lines[1], "RECV: " + HexText(answer));
+  EXPECT_EQ(sink->lines[0], "SEND: " + HexText(device.last_request()));
+  const Bytes line_bytes = device.last_answer();
+  EXPECT_EQ(sink->lines[1], "RECV: " + HexText({line_bytes.begin() + 7, line_bytes.end()}));
 }
 
 TEST(SerialClient, NamesEveryFailure) {
@@ -85,24 +83,24 @@ TEST(SerialClient, NamesEveryFailure) {
   SerialClient nothing(nullptr, nullptr);
   EXPECT_EQ(nothing.SendCommand(1, {}, inner, 10), -1);
 
-  Bytes answer;
-  SerialDevice device([&](const Bytes&) { return answer; });
+  SerialDevice device(Silence);
   Line line(device.path());
   EXPECT_EQ(line.client.SendCommand(1, {}, inner, kSilenceMs), -3) << "silence";
 
   const Bytes sound = BuildSerialResponse({0x01, 0x01, 0x00});
   for (size_t at = 7; at < sound.size(); ++at) {
-    answer = sound;
-    answer[at] ^= 0x10;
+    Bytes damaged = sound;
+    damaged[at] ^= 0x10;
+    device.SetAnswer(damaged);
     EXPECT_EQ(line.client.SendCommand(1, {}, inner, kSilenceMs), -2) << "damaged at " << at;
   }
-  answer = Bytes(sound.begin(), sound.end() - 3);
+  device.SetAnswer({sound.begin(), sound.end() - 3});
   EXPECT_EQ(line.client.SendCommand(1, {}, inner, kSilenceMs), -2) << "cut off";
-  answer = BuildSerialFrame(1, {0x00, 0x00});
+  device.SetAnswer(BuildSerialFrame(1, {0x00, 0x00}));
   EXPECT_EQ(line.client.SendCommand(1, {}, inner, kSilenceMs), -2) << "a request's length byte";
   EXPECT_EQ(inner, Bytes{0x99}) << "a failure leaves the result alone";
 
-  answer = sound;
+  device.SetAnswer(sound);
   EXPECT_EQ(line.client.SendCommand(1, {}, inner, kPatienceMs), 0) << "the next exchange is clean";
   EXPECT_EQ(line.client.SendCommand(1, Bytes(255), inner, kPatienceMs), -1);
   line.client.Close();
@@ -124,11 +122,7 @@ TEST(SerialClient, FindsTheAnswerBehindAFrameThatBrokeOff) {
 }
 
 TEST(SerialClient, SwitchesTheMode) {
-  Bytes inner;
-  SerialDevice device([&](const Bytes& frame) {
-    EXPECT_EQ(Request(frame), (Bytes{3, 7, 9}));
-    return BuildSerialResponse(inner);
-  });
+  SerialDevice device(Silence);
   Line line(device.path());
   const struct {
     Bytes inner;
@@ -137,8 +131,9 @@ TEST(SerialClient, SwitchesTheMode) {
                {{3, 4, 7, 9, 0}, -2},    {{3, 3, 8, 9, 0}, -2}, {{2, 3, 7, 9}, -2},
                {{4, 3, 7, 9, 0, 0}, -2}, {{0, 3}, -2}};
   for (const auto& each : cases) {
-    inner = each.inner;
-    EXPECT_EQ(line.client.SwitchMode(7, 9), each.result) << HexText(inner);
+    device.SetAnswer(BuildSerialResponse(each.inner));
+    EXPECT_EQ(line.client.SwitchMode(7, 9), each.result) << HexText(each.inner);
+    EXPECT_EQ(Request(device.last_request()), (Bytes{3, 7, 9}));
   }
 }
 

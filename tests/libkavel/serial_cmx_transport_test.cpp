@@ -34,15 +34,11 @@ Bytes EchoAnyLength(const Bytes& frame) {
   Bytes payload;
   EXPECT_TRUE(ParseSerialRequest(frame, &cmd, &payload) || ParseOtaFrame(frame, &cmd, &payload));
   if (payload.size() > 254) return BuildOtaResponse(cmd, 0, payload);
-  Bytes inner = {static_cast<uint8_t>(payload.size() + 1), cmd, 0};
-  inner.insert(inner.end(), payload.begin(), payload.end());
-  return BuildSerialResponse(inner);
+  return BuildSerialAnswer(cmd, 0, payload);
 }
 
 TEST(SerialCmxTransport, RepacksRequestAndAnswer) {
-  Bytes request;
-  SerialDevice device([&](const Bytes& frame) {
-    request = frame;
+  SerialDevice device([](const Bytes&) {
     return BuildSerialResponse({0x03, 0x2A, 0x05, 0x11, 0x22});
   });
   const auto transport = TransportTo(device.path());
@@ -52,6 +48,7 @@ TEST(SerialCmxTransport, RepacksRequestAndAnswer) {
 
   Bytes frame = {0x47, 0x74, 0x2A, 0x00, 0x00, 0x00, 0x00, 0x02, 0x01, 0x02};
   ASSERT_EQ(transport->Send(frame.data(), 10, 0), 10);
+  const Bytes request = device.last_request();
   EXPECT_EQ(Bytes(request.begin(), request.begin() + 11),
             (Bytes{'$', 'L', 'D', 'C', 'M', 'D', ',', 0x03, 0x2A, 0x01, 0x02}));
   ASSERT_EQ(transport->Receive(buffer, 3, 0), 3);
@@ -83,24 +80,24 @@ TEST(SerialCmxTransport, CarriesAClientsCommandsOfAnyLength) {
 }
 
 TEST(SerialCmxTransport, TellsTheClientWhyAnExchangeFailed) {
-  Bytes answer;
-  SerialDevice device([&](const Bytes&) { return answer; });
+  SerialDevice device([](const Bytes&) { return Bytes(); });
   CmxClient client(TransportTo(device.path()), 1, 60, 60);
   Bytes result;
   int32_t error = 0;
   EXPECT_EQ(client.QueryCommand({}, result, 0x40, false, &error), -1);
   EXPECT_EQ(error, kNoReply) << "silence";
-  answer = BuildSerialResponse({0x01, 0x40, 0x00});
-  answer[12] ^= 1;
+  Bytes damaged = BuildSerialAnswer(0x40, 0, {});
+  damaged[12] ^= 1;
+  device.SetAnswer(damaged);
   EXPECT_EQ(client.QueryCommand({}, result, 0x40, false, &error), -1);
   EXPECT_EQ(error, kNoReply) << "damage";
-  answer = BuildSerialResponse({0x01, 0x40, 0x03});
+  device.SetAnswer(BuildSerialAnswer(0x40, 3, {}));
   EXPECT_EQ(client.QueryCommand({}, result, 0x40, false, &error), -1);
   EXPECT_EQ(error, 3) << "refused";
-  answer = BuildOtaResponse(0x40, 4, Bytes(3));
+  device.SetAnswer(BuildOtaResponse(0x40, 4, Bytes(3)));
   EXPECT_EQ(client.QueryCommand({}, result, 0x40, false, &error), -1);
   EXPECT_EQ(error, 4) << "refused in a long frame";
-  answer = SerialDevice::kVanish;
+  device.SetAnswer(SerialDevice::kVanish);
   EXPECT_EQ(client.QueryCommand({}, result, 0x40, false, &error), -1);
   EXPECT_EQ(error, kNoReply) << "the adapter was pulled out";
   EXPECT_EQ(client.QueryCommand({}, result, 0x40, false, &error), -1);

@@ -3,6 +3,7 @@
 #include <atomic>
 #include <cstdint>
 #include <functional>
+#include <mutex>
 #include <string>
 #include <thread>
 #include <vector>
@@ -23,13 +24,22 @@ class SerialDevice {
   explicit SerialDevice(Answer answer);
   ~SerialDevice();
 
+  /// From the next request on.
+  void SetAnswer(const std::vector<uint8_t>& bytes);
+
   const std::string& path() const { return line_.path(); }
+  std::vector<uint8_t> last_request() const;
+  std::vector<uint8_t> last_answer() const;
 
  private:
   void Run();
+  std::vector<uint8_t> AnswerTo(const std::vector<uint8_t>& request);
 
   PtyPair line_;
+  mutable std::mutex mutex_;
   Answer answer_;
+  std::vector<uint8_t> last_request_;
+  std::vector<uint8_t> last_answer_;
   std::atomic<bool> running_{true};
   std::thread thread_;
 };
