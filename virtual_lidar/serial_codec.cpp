@@ -33,10 +33,7 @@ std::vector<uint8_t> SerialCodec::Encode(const DeviceReply& reply) const {
   if (reply.long_frame || reply.payload.size() > kavel::lidar::kSerialMaxPayload) {
     return kavel::lidar::BuildOtaResponse(reply.code, reply.return_code, reply.payload);
   }
-  std::vector<uint8_t> inner = {static_cast<uint8_t>(reply.payload.size() + 1), reply.code,
-                                reply.return_code};
-  inner.insert(inner.end(), reply.payload.begin(), reply.payload.end());
-  return kavel::lidar::BuildSerialResponse(inner);
+  return kavel::lidar::BuildSerialAnswer(reply.code, reply.return_code, reply.payload);
 }
 
 void SerialCodec::Damage(std::vector<uint8_t>* frame) const { (*frame)[kCommandOffset] ^= 0x5A; }
