@@ -85,6 +85,7 @@ bool ParseSerialResponse(const std::vector<uint8_t>& block, std::vector<uint8_t>
 std::vector<uint8_t> BuildSerialResponse(const std::vector<uint8_t>& inner, int mode) {
   if (inner.size() < 2 || inner.size() > kSerialMaxInner) return {};
   std::vector<uint8_t> frame = BeginFrame();
+  frame.reserve(frame.size() + inner.size() + kSerialTailSize);
   frame.insert(frame.end(), inner.begin(), inner.end());
   if (mode == kSerialTailFirmware) AppendLittleEndian32(frame, DrawRandom());
   AppendSerialTail(frame, mode);
