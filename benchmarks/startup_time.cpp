@@ -1,8 +1,6 @@
 // Starts the program again and again on the present display and measures, from outside, how long
 // it takes until its window has content, and how much memory it holds then. The program itself is
 // measured as it ships: nothing in it knows of this.
-#include <X11/Xlib.h>
-#include <X11/Xutil.h>
 #include <fcntl.h>
 #include <signal.h>
 #include <spawn.h>
@@ -21,6 +19,10 @@
 #include <string>
 #include <thread>
 #include <vector>
+
+// Last, because they define words such as Success as macros.
+#include <X11/Xlib.h>
+#include <X11/Xutil.h>
 
 namespace {
 
