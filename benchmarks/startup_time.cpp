@@ -76,9 +76,9 @@ class Program {
   pid_t pid_ = -1;
 };
 
-class Screen {
+class Picture {
  public:
-  Screen() : display_(XOpenDisplay(nullptr)) {
+  Picture() : display_(XOpenDisplay(nullptr)) {
     if (!display_) {
       throw std::runtime_error("no display: run this below xvfb-run");
     }
@@ -124,7 +124,7 @@ bool Wait(Condition condition) {
   return true;
 }
 
-std::optional<Measurement> MeasureOnce(const Screen& screen, const std::string& path) {
+std::optional<Measurement> MeasureOnce(const Picture& screen, const std::string& path) {
   if (!Wait([&] { return !screen.HasContent(); })) {
     return std::nullopt;
   }
@@ -158,7 +158,7 @@ int main(int argc, char** argv) {
   options.add_option("--starts", starts, "How often")->check(CLI::Range(1, 1000));
   CLI11_PARSE(options, argc, argv);
   try {
-    const Screen screen;
+    const Picture screen;
     std::vector<double> first_paint_ms;
     std::vector<double> resident_mb;
     for (int i = 0; i < starts; ++i) {
