@@ -10,13 +10,13 @@ void EditSession::SetText(int kind, const VarInfo& var, const std::string& text,
     return;
   }
   switch (kind) {
-    case kText:
+    case kTextInput:
       SetValue(var, text);
       return;
-    case kSwitch:
+    case kSwitchInput:
       SetValue(var, text == "0" ? "0" : table_.SwitchOnText(var));
       return;
-    case kOption: {
+    case kOptionInput: {
       bool is_number = false;
       const uint option = QString::fromStdString(text).toUInt(&is_number);
       if (!is_number || option >= var.option_values.size()) {

@@ -16,9 +16,9 @@ class EditSession {
  public:
   /// What a text given to SetText means.
   enum Kind : int {
-    kText = 1,    ///< the value as typed
-    kSwitch = 2,  ///< "0" is off, anything else on
-    kOption = 3,  ///< the number of an option in its list, from 0
+    kTextInput = 1,    ///< the value as typed
+    kSwitchInput = 2,  ///< "0" is off, anything else on
+    kOptionInput = 3,  ///< the number of an option in its list, from 0
   };
 
   /// `table` has to outlive the session.

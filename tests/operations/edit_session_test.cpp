@@ -29,11 +29,11 @@ class EditSessionTest : public testing::Test {
 };
 
 TEST_F(EditSessionTest, EveryKindOfInputLeavesItsTextAndMarksItsCommand) {
-  Set(EditSession::kText, "Limit", "77");
+  Set(EditSession::kTextInput, "Limit", "77");
   EXPECT_EQ("77", fixture_.Text("Limit"));
   EXPECT_TRUE(fixture_.table.ValueOf(fixture_["Limit"]).edited);
   EXPECT_EQ((PendingCommands{"0x31"}), session_.pending());
-  Set(EditSession::kOption, "Mode", "2");
+  Set(EditSession::kOptionInput, "Mode", "2");
   EXPECT_EQ("30", fixture_.Text("Mode"));
   EXPECT_EQ((PendingCommands{"0x31", "0x33"}), session_.pending());
 
@@ -46,22 +46,23 @@ TEST_F(EditSessionTest, EveryKindOfInputLeavesItsTextAndMarksItsCommand) {
 }
 
 TEST_F(EditSessionTest, ASwitchComesBackWithItsLastValue) {
-  Set(EditSession::kSwitch, "Filter", "1");
+  Set(EditSession::kSwitchInput, "Filter", "1");
   EXPECT_EQ("3", fixture_.Text("Filter"));
-  Set(EditSession::kText, "Filter", "8");
-  Set(EditSession::kSwitch, "Filter", "0");
+  Set(EditSession::kTextInput, "Filter", "8");
+  Set(EditSession::kSwitchInput, "Filter", "0");
   EXPECT_EQ("0", fixture_.Text("Filter"));
-  Set(EditSession::kText, "Filter", "0");  // what the screen also does when it switches off
-  Set(EditSession::kSwitch, "Filter", "1");
+  Set(EditSession::kTextInput, "Filter", "0");  // what the screen also does when it switches off
+  Set(EditSession::kSwitchInput, "Filter", "1");
   EXPECT_EQ("8", fixture_.Text("Filter"));
-  Set(EditSession::kSwitch, "Plain Switch", "1");
+  Set(EditSession::kSwitchInput, "Plain Switch", "1");
   EXPECT_EQ("1", fixture_.Text("Plain Switch"));
 }
 
 TEST_F(EditSessionTest, InputWithoutMeaningChangesNothingAndIsReported) {
-  for (const char* option : {"3", "-1", "first", ""}) Set(EditSession::kOption, "Mode", option);
+  for (const char* option : {"3", "-1", "first", ""})
+    Set(EditSession::kOptionInput, "Mode", option);
   EXPECT_EQ("error: Mode: there is no option number \"3\".", report_.Take().front());
-  Set(EditSession::kText, "Reading", "2");
+  Set(EditSession::kTextInput, "Reading", "2");
   Set(9, "Limit", "2");
   EXPECT_EQ(
       (Lines{"WARNING: Reading cannot be changed.", "WARNING: Unknown kind of input for Limit: 9"}),

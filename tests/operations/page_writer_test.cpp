@@ -35,7 +35,7 @@ class PageWriterTest : public testing::Test {
   PageWriterTest() { state_.connected = true; }
 
   void Set(const std::string& name, const std::string& text) {
-    edits_.SetText(EditSession::kText, fixture_[name], text, report_);
+    edits_.SetText(EditSession::kTextInput, fixture_[name], text, report_);
   }
   bool Run(int module = 0) {
     PageWriter writer({&lidar_, &fixture_.table, &fixture_.model->pages, state_, edits_.pending(),

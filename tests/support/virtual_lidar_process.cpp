@@ -40,8 +40,9 @@ VirtualLidarProcess::~VirtualLidarProcess() { Kill(); }
 bool VirtualLidarProcess::ReadUntilReady(bool serial) {
   const QDeadlineTimer deadline(kReadyTimeoutMs);
   while (!deadline.hasExpired()) {
+    const QString said = Output();
     if (serial && !SerialPort().isEmpty()) return true;
-    port_ = FirstMatch("^listening on 127\\.0\\.0\\.1:(\\d+)$", Output()).toUShort();
+    port_ = FirstMatch("^listening on 127\\.0\\.0\\.1:(\\d+)$", said).toUShort();
     if (port_ != 0) return true;
     if (!process_.waitForReadyRead(static_cast<int>(deadline.remainingTime()))) return false;
   }

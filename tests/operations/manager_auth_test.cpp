@@ -1,0 +1,91 @@
+#include <QRegularExpression>
+
+#include "manager_fixture.h"
+
+namespace {
+
+/// One algorithm after the other on a model whose network settings are protected.
+class ManagerAuthTest : public ManagerFixture, public testing::WithParamInterface<int> {
+ protected:
+  ManagerAuthTest() {
+    install_.Write("auth_config.csv",
+                   "Model,Enable,AlgorithmID,ProbeCmd,ChallengeCmd,ResponseCmd,ProtectedCmds,"
+                   "ProbeValueOffset,ProbeValueLen,ProbeEndian\nOrca,1," +
+                       QByteArray::number(GetParam()) + ",0xDF,0x66,0xE0,0x12|0x22,0,1,big\n");
+  }
+
+  /// Every hexadecimal value of the key file.
+  QStringList Keys() const {
+    QStringList keys;
+    static const QRegularExpression line("^\\w+=([0-9a-fA-F]+)$",
+                                         QRegularExpression::MultilineOption);
+    auto matches = line.globalMatch(install_.Read("auth_keys.ini"));
+    while (matches.hasNext()) keys << matches.next().captured(1).toLower();
+    return keys;
+  }
+};
+
+TEST_P(ManagerAuthTest, WritesProtectedSettingsAndTellsNoKey) {
+  const VirtualLidarProcess lidar;
+  manager_->SetLogBytesFlowStatus(true);
+  ASSERT_TRUE(ConnectTo(lidar));
+  EXPECT_EQ(1, LogLines("CMX: AUTH: probe value=1 required=true").size());
+  OpenPage("Scan");
+  Edit("Minimum Distance", "45");
+  Save("Scan");
+  EXPECT_TRUE(TakeErrors().isEmpty());
+  EXPECT_EQ("45", lidar.Variable("Minimum Distance")["text"].toString());
+
+  ASSERT_TRUE(WaitFor([this] {
+    return !LogLines("BYTESFLOW: RECV: 47 74 12").isEmpty() ||
+           LogLines("BYTESFLOW: RECV: ").size() > 3;
+  }));
+  const QString everything = (log_ + errors_ + successes_).join('\n').toLower().remove(' ');
+  ASSERT_EQ(6, Keys().size());
+  for (const QString& key : Keys()) EXPECT_FALSE(everything.contains(key)) << key.toStdString();
+}
+
+INSTANTIATE_TEST_SUITE_P(EveryAlgorithm, ManagerAuthTest, testing::Values(1, 2, 3, 4));
+
+class ManagerRefusedTest : public ManagerFixture {
+ protected:
+  void SaveScan(const VirtualLidarProcess& lidar) {
+    ASSERT_TRUE(ConnectTo(lidar));
+    OpenPage("Weather");
+    Edit("Rain Filter", "4");
+    Save("Weather");
+  }
+};
+
+TEST_F(ManagerRefusedTest, ARefusedHandshakeIsAFailedWrite) {
+  manager_->InitConfigFileParser("Osprey");
+  const VirtualLidarProcess lidar({"--model", "Osprey", "--fault", "auth-refuse-response"});
+  SaveScan(lidar);
+  EXPECT_EQ(1, TakeErrors().filter("Set Failed: 0x57 SET Rain Filter, ").size());
+  ASSERT_TRUE(WaitFor([this] { return LogLines("CMX: AUTH: response rejected").size() == 1; }));
+  EXPECT_EQ("2", lidar.Variable("Rain Filter")["text"].toString());
+}
+
+TEST_F(ManagerRefusedTest, AMissingKeyIsToldAndProtectedCommandsStayUnsent) {
+  install_.Write("auth_keys.ini", "[keys]\ndemo=true\n");
+  manager_->InitConfigFileParser("Osprey");
+  const VirtualLidarProcess lidar({"--model", "Osprey"});
+  SaveScan(lidar);
+  EXPECT_EQ(1, TakeErrors().filter("Set Failed: ").size());
+  ASSERT_TRUE(WaitFor(
+      [this] { return !LogLines("CMX: AUTH: unavailable, reject protected cmd").isEmpty(); }));
+}
+
+TEST_F(ManagerRefusedTest, ABrokenAuthenticationTableIsNamed) {
+  QByteArray table = install_.Read("auth_config.csv");
+  install_.Write("auth_config.csv", table.replace("Osprey,1,3,0x000000DF", "Osprey,1,3,"));
+  manager_->InitConfigFileParser("Osprey");
+  const VirtualLidarProcess lidar({"--model", "Orca"});
+  EXPECT_FALSE(ConnectTo(lidar));
+  const QStringList errors = TakeErrors();
+  ASSERT_EQ(1, errors.size());
+  EXPECT_TRUE(errors[0].contains("auth_config.csv") && errors[0].endsWith("empty auth cmd"))
+      << errors[0].toStdString();
+}
+
+}  // namespace

@@ -1,0 +1,223 @@
+#include <QDir>
+#include <QSignalSpy>
+#include <QTcpServer>
+#include <QUdpSocket>
+#include <chrono>
+
+#include "manager_fixture.h"
+
+namespace {
+
+using std::chrono::seconds;
+using std::chrono::steady_clock;
+
+/// Threads of this process.
+uint ThreadCount() { return QDir("/proc/self/task").count(); }
+
+/// A lidar that accepts the connection and never says a word.
+class MuteLidar {
+ public:
+  MuteLidar() { server_.listen(QHostAddress::LocalHost); }
+  QString port() const { return QString::number(server_.serverPort()); }
+
+ private:
+  QTcpServer server_;
+};
+
+class ManagerConnectionTest : public ManagerFixture {
+ protected:
+  /// Destroys the manager and tells whether that was quick.
+  bool EndsInTime() {
+    const auto start = steady_clock::now();
+    manager_.reset();
+    return steady_clock::now() - start < seconds(5);
+  }
+};
+
+TEST_F(ManagerConnectionTest, ConnectsReadsLosesTheLinkAndComesBack) {
+  auto lidar = std::make_unique<VirtualLidarProcess>();
+  const quint16 port = lidar->port();
+  QSignalSpy connected(manager_.get(), &TevronManager::isConnectedChanged);
+  EXPECT_EQ("xxxxxxxx", manager_->getLidarPN());
+  PointAt(*lidar);
+  ASSERT_TRUE(manager_->ConnectLidar());
+  EXPECT_TRUE(manager_->GetIsConnectingLidar());
+  EXPECT_FALSE(manager_->ConnectLidar());
+  ASSERT_TRUE(WaitFor([this] { return manager_->isConnected(); }));
+  EXPECT_EQ(1, connected.count());
+  EXPECT_EQ(1, LogLines("INFO: Lidar connected").size());
+  manager_->GetLidarModuleInfo(0);
+  EXPECT_EQ("Orca-64-A2", manager_->getLidarPN());
+  EXPECT_EQ("Orca26110042", manager_->getLidarSN());
+  EXPECT_TRUE(manager_->CheckLidarConnection());
+
+  lidar.reset();
+  EXPECT_FALSE(manager_->CheckLidarConnection());
+  manager_->Stop();
+  EXPECT_FALSE(manager_->isConnected());
+  EXPECT_EQ("xxxxxxxx", manager_->getLidarPN());
+  EXPECT_EQ(1, LogLines("INFO: Lidar disconnected").size());
+  EXPECT_FALSE(manager_->CheckLidarConnection());
+
+  lidar = std::make_unique<VirtualLidarProcess>(QStringList(), port);
+  EXPECT_TRUE(Connect());
+  EXPECT_TRUE(TakeErrors().isEmpty());
+}
+
+TEST_F(ManagerConnectionTest, ReconnectingLeavesNothingBehind) {
+  const VirtualLidarProcess lidar;
+  ASSERT_TRUE(ConnectTo(lidar));
+  const uint threads = ThreadCount();
+  for (int i = 0; i < 10; ++i) {
+    manager_->Stop();
+    ASSERT_TRUE(Connect());
+  }
+  EXPECT_EQ(threads, ThreadCount());
+}
+
+TEST_F(ManagerConnectionTest, AnswersToTheOlderLivenessCommandCount) {
+  const VirtualLidarProcess lidar({"--fault", "return-code=1@0x07"});
+  EXPECT_TRUE(ConnectTo(lidar));
+}
+
+TEST_F(ManagerConnectionTest, TellsWhyItDidNotConnect) {
+  const VirtualLidarProcess unwilling({"--fault", "return-code=1@0x07", "--fault", "drop@0x08"});
+  EXPECT_FALSE(ConnectTo(unwilling));
+  EXPECT_EQ(QStringList("Lidar has No CMX reply."), TakeErrors());
+
+  const QString free_port = [] {
+    QTcpServer server;
+    server.listen(QHostAddress::LocalHost);
+    return QString::number(server.serverPort());
+  }();
+  manager_->setPort(free_port);
+  EXPECT_FALSE(Connect());
+  EXPECT_EQ(QStringList("TCP connection failed."), TakeErrors());
+
+  for (const char* port : {"abc", "", "99999", "0", "80x"}) {
+    manager_->setPort(port);
+    EXPECT_FALSE(Connect());
+    EXPECT_EQ(1, TakeErrors().filter("is no number from 1 to 65535").size()) << port;
+  }
+}
+
+TEST_F(ManagerConnectionTest, StopEndsAnAttemptAndItsLateResults) {
+  const MuteLidar lidar;
+  manager_->setIpAddress("127.0.0.1");
+  manager_->setPort(lidar.port());
+  for (int i = 0; i < 3; ++i) {
+    ASSERT_TRUE(manager_->ConnectLidar());
+    manager_->Stop();
+    EXPECT_FALSE(manager_->GetIsConnectingLidar());
+  }
+  // An attempt that is left alone is heard to its end, and nothing of the others before it.
+  EXPECT_FALSE(Connect());
+  EXPECT_EQ(QStringList("Lidar has No CMX reply."), TakeErrors());
+}
+
+TEST_F(ManagerConnectionTest, AnotherModelEndsTheAttemptAndTheConnection) {
+  const MuteLidar mute;
+  manager_->setIpAddress("127.0.0.1");
+  manager_->setPort(mute.port());
+  ASSERT_TRUE(manager_->ConnectLidar());
+  manager_->InitConfigFileParser("Osprey");
+  EXPECT_FALSE(manager_->GetIsConnectingLidar());
+
+  const VirtualLidarProcess lidar({"--model", "Osprey"});
+  ASSERT_TRUE(ConnectTo(lidar));
+  manager_->InitConfigFileParser("Osprey");
+  EXPECT_TRUE(manager_->isConnected());
+  manager_->InitConfigFileParser("Orca");
+  EXPECT_FALSE(manager_->isConnected());
+  EXPECT_TRUE(TakeErrors().isEmpty());
+}
+
+TEST_F(ManagerConnectionTest, EndsInTimeInEveryState) {
+  const MuteLidar mute;
+  manager_->setIpAddress("127.0.0.1");
+  manager_->setPort(mute.port());
+  ASSERT_TRUE(manager_->ConnectLidar());
+  EXPECT_TRUE(EndsInTime());
+
+  Recreate();
+  manager_->setIpAddress("");  // waits for an address that never comes
+  ASSERT_TRUE(manager_->ConnectLidar());
+  EXPECT_TRUE(EndsInTime());
+
+  VirtualLidarProcess lidar;
+  Recreate();
+  ASSERT_TRUE(ConnectTo(lidar));
+  lidar.Freeze();
+  EXPECT_FALSE(manager_->CheckLidarConnection());
+  EXPECT_TRUE(EndsInTime());
+}
+
+TEST_F(ManagerConnectionTest, EndsWhileTheRefreshWaitsForAnAnswer) {
+  const VirtualLidarProcess lidar({"--fault", "delay=60000@0x20"});
+  ASSERT_TRUE(ConnectTo(lidar));
+  manager_->SetLogBytesFlowStatus(true);
+  manager_->setModuleIndexUse(manager_->level1List().indexOf("Network"));
+  ASSERT_TRUE(WaitFor([this] { return !LogLines("BYTESFLOW: SEND: 47 74 20").isEmpty(); }));
+  EXPECT_TRUE(EndsInTime());
+}
+
+TEST_F(ManagerConnectionTest, LearnsAnEmptyAddressFromThePointCloud) {
+  QUdpSocket socket;
+  ASSERT_TRUE(socket.bind(QHostAddress(QHostAddress::LocalHost)));
+  const QString udp_port = QString::number(socket.localPort());
+  socket.close();
+  const VirtualLidarProcess lidar({"--udp", "127.0.0.1:" + udp_port});
+  PointAt(lidar);
+  manager_->setIpAddress("");
+  manager_->setUdpPort(udp_port);
+  EXPECT_TRUE(Connect());
+  EXPECT_EQ(1, LogLines("INFO: Lidar address learned from its packets: 127.0.0.1").size());
+  EXPECT_EQ("", manager_->ipAddress());
+}
+
+TEST_F(ManagerConnectionTest, KeepsItsSettingsForTheNextStart) {
+  manager_->setIpAddress("127.0.0.1");
+  manager_->setPort("none");
+  manager_->setSerialPort485("/dev/a");
+  manager_->setSerialPort232("/dev/b");
+  manager_->setBaudRate("3125000");
+  manager_->setBaudRate("fast");
+  manager_->setUdpPort("4711");
+  Connect();
+  Recreate();
+  EXPECT_EQ("127.0.0.1", manager_->ipAddress());
+  EXPECT_EQ("none", manager_->port());
+  EXPECT_EQ("/dev/a", manager_->serialPort485());
+  EXPECT_EQ("/dev/b", manager_->serialPort232());
+  EXPECT_EQ("3125000", manager_->baudRate());
+  EXPECT_EQ("2368", manager_->udpPort());
+}
+
+TEST_F(ManagerConnectionTest, UsesTheLocalPortThatTheModelAllowsToChoose) {
+  QTcpServer occupied;
+  ASSERT_TRUE(occupied.listen(QHostAddress::Any));
+  const VirtualLidarProcess lidar({"--model", "Osprey"});
+  EXPECT_FALSE(manager_->enableCmxClientHostPortUi());
+  manager_->InitConfigFileParser("Osprey");
+  EXPECT_TRUE(manager_->enableCmxClientHostPortUi());
+
+  manager_->setCmxClientHostPort("80");
+  EXPECT_FALSE(ConnectTo(lidar));
+  EXPECT_EQ(QStringList("Host port must be in [1024, 65535]"), TakeErrors());
+  manager_->setCmxClientHostPort(QString::number(occupied.serverPort()));
+  EXPECT_FALSE(Connect());
+  EXPECT_EQ(QStringList("TCP connection failed."), TakeErrors());
+  EXPECT_FALSE(LogLines("ERROR: ").filter(QString::number(occupied.serverPort())).isEmpty());
+
+  occupied.close();
+  for (int i = 0; i < 3; ++i) {  // the port is free again at once
+    EXPECT_TRUE(Connect());
+    manager_->Stop();
+  }
+  manager_->InitConfigFileParser("Orca");
+  EXPECT_EQ("ANY", manager_->cmxClientHostPort());
+  manager_->InitConfigFileParser("Osprey");
+  EXPECT_NE("ANY", manager_->cmxClientHostPort());
+}
+
+}  // namespace

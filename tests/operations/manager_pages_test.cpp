@@ -1,0 +1,180 @@
+#include <QSignalSpy>
+
+#include "manager_fixture.h"
+
+namespace {
+
+constexpr char kAllSet[] =
+    "Set Lidar Successfully\nNote that if you have changed the TCP-related settings, you will need "
+    "to restart the lidar for it to work.";
+
+class ManagerPagesTest : public ManagerFixture {};
+
+TEST_F(ManagerPagesTest, WritesWhatTheUserChangedAndShowsWhatTheLidarHolds) {
+  const VirtualLidarProcess lidar;
+  ASSERT_TRUE(ConnectTo(lidar));
+  OpenPage("Scan");
+  EXPECT_EQ("0.00", Text("Range Offset"));
+  Edit("Minimum Distance", "45");
+  Edit("Range Offset", "-2.5");
+  const Place noise = Find("Noise Filter");
+  manager_->SetText(2, noise.level1, noise.level2, noise.level3, "0");
+  const Place mode = Find("Return Mode");
+  manager_->SetText(3, mode.level1, mode.level2, mode.level3, "3");
+  EXPECT_EQ("45", Text("Minimum Distance"));
+  EXPECT_TRUE(Edited("Minimum Distance"));
+  EXPECT_EQ(1, manager_->getSetMapSize());
+  EXPECT_TRUE(manager_->CheckModuleVarsWithinRange(Find("Return Mode").level1));
+
+  Save("Scan");
+  EXPECT_TRUE(TakeErrors().isEmpty());
+  EXPECT_EQ(kAllSet, successes_.last());
+  EXPECT_EQ("45", lidar.Variable("Minimum Distance")["text"].toString());
+  EXPECT_EQ("fff6", lidar.Variable("Range Offset")["hex"].toString().remove(' '));
+  EXPECT_EQ("0", lidar.Variable("Noise Filter")["text"].toString());
+  EXPECT_EQ("3", lidar.Variable("Return Mode")["text"].toString());
+  EXPECT_EQ("200", lidar.Variable("Maximum Distance")["text"].toString());
+  EXPECT_EQ("-2.50", Text("Range Offset"));
+  EXPECT_FALSE(Edited("Minimum Distance"));
+}
+
+TEST_F(ManagerPagesTest, ARefusedWriteLeavesTheLidarsValue) {
+  const VirtualLidarProcess lidar;
+  ASSERT_TRUE(ConnectTo(lidar));
+  OpenPage("Scan");
+  Edit("Minimum Distance", "9999");
+  QSignalSpy out_of_range(manager_.get(), &TevronManager::someVarOutOfRange);
+  EXPECT_FALSE(manager_->CheckModuleVarsWithinRange(Find("Minimum Distance").level1));
+  ASSERT_EQ(1, out_of_range.count());
+  EXPECT_EQ("Minimum Distance", out_of_range[0][0].toString());
+  Save("Scan");
+  EXPECT_EQ(1, TakeErrors().filter("Set Failed: 0x12 SET Minimum Distance, ").size());
+  EXPECT_EQ("20", Text("Minimum Distance"));
+  EXPECT_EQ("20", lidar.Variable("Minimum Distance")["text"].toString());
+}
+
+TEST_F(ManagerPagesTest, NetworkSettingsSucceedAlthoughTheLinkDrops) {
+  const VirtualLidarProcess lidar;
+  ASSERT_TRUE(ConnectTo(lidar));
+  OpenPage("Network");
+  Edit("Gateway", "192.168.1.254");
+  Save("Network");
+  EXPECT_TRUE(TakeErrors().isEmpty());
+  EXPECT_EQ(QStringList(kAllSet), successes_);
+  EXPECT_EQ(1, LogLines("INFO: After its restart the lidar is reached at 192.168.1.201").size());
+  EXPECT_EQ("192.168.1.254", lidar.Variable("Gateway")["text"].toString());
+  EXPECT_FALSE(manager_->CheckLidarConnection());
+}
+
+TEST_F(ManagerPagesTest, TheFieldOfViewIsReadEditedAndWritten) {
+  const VirtualLidarProcess lidar;
+  ASSERT_TRUE(ConnectTo(lidar));
+  QSignalSpy fov(manager_.get(), &TevronManager::fovConfigChanged);
+  OpenPage("FOV");
+  EXPECT_EQ(1, fov.count());
+  EXPECT_EQ("360", manager_->fovList().at(1).toString());
+  manager_->SetMultiFovConfig(1, "270.5");
+  manager_->SetMultiFovConfig(1, "361");
+  EXPECT_EQ(QStringList("Input value of fov is invalid"), TakeErrors());
+  EXPECT_EQ("270.5", manager_->fovList().at(1).toString());
+  manager_->GetLidarModuleInfo(Find("Elevation Trim").level1);  // Cancel
+  EXPECT_EQ("360", manager_->fovList().at(1).toString());
+  EXPECT_EQ(0, manager_->getSetMapSize());
+
+  manager_->SetMultiFovConfig(1, "270.5");
+  Save("FOV");
+  EXPECT_TRUE(TakeErrors().isEmpty());
+  EXPECT_EQ("270.5", manager_->fovList().at(1).toString());
+  EXPECT_EQ(10, manager_->fovList().size());
+}
+
+TEST_F(ManagerPagesTest, ThePeriodicRefreshShowsNewValuesAndLeavesEditsAlone) {
+  const VirtualLidarProcess lidar;
+  ASSERT_TRUE(ConnectTo(lidar));
+  OpenPage("Scan");
+  Edit("Minimum Distance", "45");
+  QSignalSpy refreshed(manager_.get(), &TevronManager::myTimerMapChanged);
+  ASSERT_TRUE(WaitFor([&refreshed] { return refreshed.count() > 0; }));
+  EXPECT_EQ("45", Text("Minimum Distance"));
+  EXPECT_TRUE(Edited("Minimum Distance"));
+  const Place up_time = Find("Up-time");
+  EXPECT_TRUE(manager_->isTimerUpdate(up_time.level1, up_time.level2, up_time.level3));
+  EXPECT_FALSE(manager_->isTimerUpdate(99, 0, 0));
+}
+
+TEST_F(ManagerPagesTest, NothingIsReadDuringADownload) {
+  const VirtualLidarProcess lidar;
+  ASSERT_TRUE(ConnectTo(lidar));
+  manager_->SetLogBytesFlowStatus(true);
+  manager_->setIsDownloadLog(true);
+  manager_->GetLidarModuleInfo(0);
+  EXPECT_FALSE(manager_->UpdateSingleVarInfo("PN"));
+  manager_->Run(0);
+  EXPECT_EQ(QStringList("Please wait for the operation log to download completely"), TakeErrors());
+  manager_->setIsDownloadLog(false);
+  EXPECT_TRUE(manager_->UpdateSingleVarInfo("PN"));
+  EXPECT_TRUE(manager_->UpdateSingleVarInfo("3-1", "var_id"));
+  EXPECT_FALSE(manager_->UpdateSingleVarInfo("No Such Name"));
+  // The link check stays out of the log; the two reads are the only commands in it.
+  EXPECT_TRUE(manager_->CheckLidarConnection());
+  ASSERT_TRUE(WaitFor([this] { return LogLines("BYTESFLOW: RECV: ").size() >= 2; }));
+  EXPECT_EQ(2, LogLines("BYTESFLOW: SEND: ").size());
+  EXPECT_EQ(2, manager_->commandLogCnt());
+}
+
+TEST_F(ManagerPagesTest, AnotherModelLeavesNothingOfTheFirst) {
+  QSignalSpy cleared(manager_.get(), &TevronManager::lidarClearModel);
+  QSignalSpy changed(manager_.get(), &TevronManager::lidarModelChanged);
+  Edit("Minimum Distance", "45");
+  manager_->InitConfigFileParser("Osprey");
+  EXPECT_EQ(1, cleared.count());
+  EXPECT_EQ(1, changed.count());
+  EXPECT_EQ(0, manager_->getSetMapSize());
+  EXPECT_EQ("Overview", manager_->level1List().first().toString());
+  EXPECT_EQ(manager_->level1List().size(), manager_->myMap().size());
+  EXPECT_FALSE(manager_->CheckVarExistsInConfigFileByName("Minimum Distance"));
+  EXPECT_TRUE(manager_->CheckVarExistsInConfigFileByName("Frame Rate"));
+}
+
+TEST_F(ManagerPagesTest, AMissingTableLeavesAUsableProgram) {
+  manager_->InitConfigFileParser("Kraken");
+  EXPECT_EQ(1, TakeErrors().filter("No variables could be loaded for the model Kraken.").size());
+  EXPECT_TRUE(manager_->level1List().isEmpty());
+  manager_->SetText(1, 0, 0, 0, "5");
+  manager_->Run(0);
+  EXPECT_EQ(QStringList("Please connect to lidar first"), TakeErrors());
+  manager_->GetLidarModuleInfo(0);
+  manager_->InitConfigFileParser();
+  EXPECT_FALSE(manager_->level1List().isEmpty());
+}
+
+TEST_F(ManagerPagesTest, TheModelOfTheCommandLineIsTakenWhenItHasATable) {
+  QSignalSpy announced(manager_.get(), &TevronManager::lidarModelListChanged);
+  manager_->SetModulePV("");
+  manager_->SetModulePV("Kraken");
+  EXPECT_EQ("", manager_->getPVNowName());
+  EXPECT_EQ(0, announced.count());
+  manager_->SetModulePV("Lumo");
+  EXPECT_EQ("Lumo", manager_->getPVNowName());
+  EXPECT_EQ(1, manager_->connectType());
+  EXPECT_EQ(1, announced.count());
+  EXPECT_TRUE(manager_->lidarModelList().contains("Orca"));
+}
+
+TEST_F(ManagerPagesTest, MessagesAreAnnouncedOnlyWhenThereIsOne) {
+  QSignalSpy errors(manager_.get(), &TevronManager::errorMessageChanged);
+  manager_->setErrorMsg("twice");
+  manager_->setErrorMsg("twice");
+  manager_->setErrorMsg("");
+  EXPECT_EQ(2, errors.count());
+  EXPECT_EQ("", manager_->errorMessage());
+}
+
+TEST_F(ManagerPagesTest, WhatIsYetToComeSaysSo) {
+  EXPECT_EQ(-1, manager_->UpgradeLidar(QUrl(), 0, 0, 0));
+  EXPECT_EQ(-1, manager_->DownloadLog(QUrl(), "log"));
+  manager_->refreshMonitor();
+  EXPECT_EQ(3, LogLines("WARNING: ").filter("is not available").size());
+}
+
+}  // namespace

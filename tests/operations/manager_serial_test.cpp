@@ -1,0 +1,105 @@
+#include <QSignalSpy>
+
+#include "manager_fixture.h"
+
+namespace {
+
+class ManagerSerialTest : public ManagerFixture {
+ protected:
+  /// Connects `model` to the line or the pair of `lidar` and waits for what it says about itself.
+  bool ConnectSerial(const QString& model, const VirtualLidarProcess& lidar) {
+    manager_->InitConfigFileParser(model);
+    manager_->setSerialPort485(lidar.SerialPort("485"));
+    manager_->setSerialPort232(lidar.SerialPort("232"));
+    return Connect() && WaitFor([this] { return !manager_->isGetPBLVersion(); });
+  }
+};
+
+class ManagerOneLineTest : public ManagerSerialTest,
+                           public testing::WithParamInterface<const char*> {};
+
+TEST_P(ManagerOneLineTest, ConnectsIdentifiesSetsAndLeavesThePortFree) {
+  const QString model = GetParam();
+  const VirtualLidarProcess lidar({"--model", model, "--serial"});
+  QSignalSpy facts(manager_.get(), &TevronManager::lumoLidarInfoChanged);
+  for (int i = 0; i < 2; ++i) {
+    ASSERT_TRUE(ConnectSerial(model, lidar));
+    EXPECT_EQ(2, manager_->connectType());
+    EXPECT_NE("xxxxxxxx", manager_->getLidarSN());
+    EXPECT_NE("xxxxxxxx", manager_->getLidarPN());
+    EXPECT_FALSE(manager_->lumoLidarVersionInfo().isEmpty());
+    EXPECT_EQ(i + 1, LogLines("INFO: Lidar connected").size());
+    manager_->Stop();
+    EXPECT_FALSE(manager_->isConnected());
+    EXPECT_EQ("xxxxxxxx", manager_->getLidarSN());
+    EXPECT_EQ(i + 1, LogLines("INFO: connect type is not support").size());
+  }
+  EXPECT_GE(facts.count(), 2);
+  ASSERT_TRUE(ConnectSerial(model, lidar));
+  EXPECT_TRUE(manager_->LumoSetDestinationIPandPort("10.1.2.3", 2400));
+  EXPECT_EQ("10.1.2.3", manager_->LumoGetDestinationConfig().value(0).toString());
+  manager_->LumoSetBaudRateFromUI("921600");
+  EXPECT_EQ("921600", manager_->LumoGetBaudRate());
+  EXPECT_EQ("921600", manager_->baudRate());
+  EXPECT_TRUE(TakeErrors().isEmpty());
+}
+
+INSTANTIATE_TEST_SUITE_P(Models, ManagerOneLineTest, testing::Values("Lumo-CMX", "Kiva-CMX"));
+
+TEST_F(ManagerSerialTest, APairOfPortsConnectsAndTheConsoleWorks) {
+  const VirtualLidarProcess lidar({"--model", "Lumo", "--serial"});
+  ASSERT_TRUE(ConnectSerial("Lumo", lidar));
+  EXPECT_EQ(1, manager_->connectType());
+  EXPECT_NE("xxxxxxxx", manager_->getLidarSN());
+  manager_->SendCommand("4B", "");
+  EXPECT_FALSE(manager_->getSendCmxCommandReturnPayload().isEmpty());
+  EXPECT_EQ(0, manager_->Restart());
+  manager_->Stop();
+  EXPECT_EQ(1, LogLines("INFO: Lidar disconnected").size());
+}
+
+TEST_F(ManagerSerialTest, PortsThatDoNotOpenAreNamed) {
+  manager_->InitConfigFileParser("Lumo");
+  manager_->setSerialPort485("/dev/no-such-port");
+  EXPECT_FALSE(Connect());
+  EXPECT_EQ(QStringList("Connection Failed. Please check your RS485 serial port."), TakeErrors());
+  EXPECT_EQ(1, LogLines("ERROR: Connection Error: RS485 serial open fail").size());
+  EXPECT_EQ(1, LogLines("ERROR: ").filter("/dev/no-such-port").size());
+
+  const VirtualLidarProcess lidar({"--model", "Lumo", "--serial"});
+  manager_->setSerialPort485(lidar.SerialPort("485"));
+  manager_->setSerialPort232("/dev/no-such-port");
+  EXPECT_FALSE(Connect());
+  EXPECT_EQ(QStringList("Connection Failed. Please check your UART serial port."), TakeErrors());
+  EXPECT_EQ(1, LogLines("ERROR: Connection Error: UART serial open fail").size());
+  // The port of the first half is free again.
+  manager_->setSerialPort232(lidar.SerialPort("232"));
+  EXPECT_TRUE(Connect());
+
+  manager_->InitConfigFileParser("Kiva-CMX");
+  manager_->setSerialPort485("/dev/no-such-port");
+  EXPECT_FALSE(Connect());
+  EXPECT_EQ(QStringList("TCP connection failed."), TakeErrors());
+}
+
+TEST_F(ManagerSerialTest, ALineThatVanishesDisconnectsWithAReason) {
+  VirtualLidarProcess lidar({"--model", "Kiva-CMX", "--serial"});
+  ASSERT_TRUE(ConnectSerial("Kiva-CMX", lidar));
+  lidar.Kill();
+  ASSERT_TRUE(WaitFor([this] { return !manager_->isConnected(); }));
+  EXPECT_EQ(1, TakeErrors().filter(lidar.SerialPort()).size());
+}
+
+TEST_F(ManagerSerialTest, ASilentLineEndsInTime) {
+  VirtualLidarProcess lidar({"--model", "Kiva-CMX", "--serial"});
+  ASSERT_TRUE(ConnectSerial("Kiva-CMX", lidar));
+  lidar.Freeze();
+  EXPECT_FALSE(manager_->CheckLidarConnection());
+  manager_->Stop();
+  EXPECT_FALSE(Connect());
+  EXPECT_EQ(QStringList("Lidar has No CMX reply."), TakeErrors());
+  ASSERT_TRUE(manager_->ConnectLidar());
+  manager_.reset();
+}
+
+}  // namespace
