@@ -3,7 +3,6 @@
 #include <QQmlContext>
 #include <QQuickView>
 #include <QUrl>
-#include <utility>
 
 #include "screen_types.h"
 #include "tevron_manager.h"
@@ -29,13 +28,13 @@ static void RegisterScreens() {
   RegisterScreenTypes();
 }
 
-MainWindow::MainWindow(QWidget* parent, QString modulePV)
+MainWindow::MainWindow(QWidget* parent, const QString& modulePV)
     : QMainWindow(parent), form_(std::make_unique<Ui::MainWindow>()) {
   form_->setupUi(this);
   view_ = std::make_unique<QQuickView>();
   manager_.reset(TevronManager::Instance(true, kDefaultTable));
   manager_->InitConfigFileParser(QString::fromLatin1(kDefaultModel));
-  manager_->SetModulePV(std::move(modulePV));
+  manager_->SetModulePV(modulePV);
   HostScene();
 }
 

@@ -23,7 +23,7 @@ class MainWindow : public QMainWindow {
   /// Builds everything and loads the first screen; nothing is shown yet. A non-empty `modulePV`
   /// names the model that the command line fixes; a name without a table changes nothing. There may
   /// be one window at a time.
-  MainWindow(QWidget* parent, QString modulePV);
+  MainWindow(QWidget* parent, const QString& modulePV);
   ~MainWindow() override;
 
  private:

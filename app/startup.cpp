@@ -75,7 +75,7 @@ void ApplyScaleFactor(const ScreenMetrics& screen) {
 }
 
 QString ResolveInstallRoot(const QString& exe_dir) {
-  const QString parent = QDir(QDir(exe_dir).filePath(QStringLiteral(".."))).absolutePath();
+  QString parent = QDir(QDir(exe_dir).filePath(QStringLiteral(".."))).absolutePath();
   for (const QString& candidate : {parent, exe_dir}) {
     if (QFileInfo::exists(QDir(candidate).filePath(kRegularFontFile))) {
       return candidate;

@@ -207,6 +207,7 @@ TEST(WindowIcon, IsDrawnFromTheFileOrLeftOut) {
 
 QString ModelOf(std::vector<std::string> arguments) {
   std::vector<char*> argv;
+  argv.reserve(arguments.size());
   for (std::string& argument : arguments) {
     argv.push_back(argument.data());
   }
