@@ -1,6 +1,7 @@
 #pragma once
 
 #include <atomic>
+#include <cstddef>
 #include <functional>
 #include <memory>
 #include <mutex>
@@ -34,7 +35,7 @@ class Logger {
   /// Sees every line, of every level, on the thread that logs it. It must not log itself.
   using Observer = std::function<void(LogLevel level, const std::string& text)>;
 
-  static constexpr size_t kMaxFileBytes = 5 * 1024 * 1024;
+  static constexpr size_t kMaxFileBytes = size_t{5} * 1024 * 1024;
   static constexpr size_t kRotatedFiles = 3;  ///< kept beside the current one: name.1.ext ...
 
   static Logger& GetInstance();

@@ -14,17 +14,12 @@
 
 #include "support/log_lines.h"
 #include "support/socket_peer.h"
+#include "support/wait_for.h"
 
 namespace kavel::lidar {
 namespace {
 
-using testing::Bytes;
-using testing::DeafPort;
-using testing::LogLines;
-using testing::PeerConnection;
-using testing::SocketPeer;
-using testing::UnusedPort;
-using testing::WaitUntil;
+using namespace testing;
 
 struct ClientOptions {
   std::string ip = "127.0.0.1";
@@ -85,7 +80,7 @@ TEST(CmxClientConnect, KeepsTryingUntilTheLidarIsThere) {
   ClientOptions options;
   options.host_port = holder->port();
   const auto client = Client(peer.port(), options);
-  EXPECT_TRUE(WaitUntil([&] { return !client->ConnectFailure().empty(); }));
+  EXPECT_TRUE(WaitFor([&] { return !client->ConnectFailure().empty(); }));
   EXPECT_FALSE(client->IsOpen());
   holder.reset();
   EXPECT_TRUE(client->WaitUntilConnected());
@@ -183,7 +178,7 @@ TEST(CmxClientShutdown, EndsAnExchangeAndATransfer) {
                          : client->QueryCommand({}, result, 7, false),
                 -1);
     });
-    EXPECT_TRUE(WaitUntil([&] { return progress > 0; }));
+    EXPECT_TRUE(WaitFor([&] { return progress > 0; }));
     client->Shutdown();
     client->Shutdown();
     EXPECT_FALSE(client->IsOpen());
@@ -230,7 +225,7 @@ TEST(CmxClientTrouble, ALidarThatAnswersLateIsUnderstoodNextTime) {
     std::atomic<bool> answered{false};
     SocketPeer peer([&](PeerConnection& connection) {
       const Bytes late = connection.Read(9);
-      WaitUntil([&] { return timed_out || connection.Ended(); });
+      WaitFor([&] { return timed_out || connection.Ended(); });
       connection.Send(late);
       answered = true;
       EchoCommands(connection);
@@ -245,7 +240,7 @@ TEST(CmxClientTrouble, ALidarThatAnswersLateIsUnderstoodNextTime) {
     EXPECT_EQ(client->QueryCommand({1}, result, 7, false, &error), -1);
     EXPECT_EQ(error, kNoReply);
     timed_out = true;
-    ASSERT_TRUE(WaitUntil([&] { return answered.load(); }));
+    ASSERT_TRUE(WaitFor([&] { return answered.load(); }));
     EXPECT_EQ(client->QueryCommand({2}, result, 7, false, &error), 0);
     EXPECT_EQ(result, Bytes{2});
   }
@@ -280,7 +275,7 @@ TEST(CmxClientTrouble, ALidarThatDripsOrVanishes) {
   EXPECT_EQ(result, Bytes{9});
   EXPECT_EQ(client->QueryCommand({}, result, 7, false, &error), -1);
   EXPECT_EQ(error, kReplyBrokeOff);
-  EXPECT_TRUE(WaitUntil([&] {
+  EXPECT_TRUE(WaitFor([&] {
     client->QueryCommand({}, result, 7, false, &error);
     return error == kSendIncomplete;
   })) << "sending into the broken connection neither ends the program nor goes unnoticed";

@@ -15,8 +15,7 @@
 namespace kavel::lidar {
 namespace {
 
-using testing::LogLines;
-using testing::ScriptedTransport;
+using namespace testing;
 using Bytes = std::vector<uint8_t>;
 
 struct Lines : LogSink {

@@ -9,11 +9,10 @@
 #include <vector>
 
 #include "CmxClient/fov_command.h"
+#include "support/scripted_sender.h"
 
 namespace kavel::lidar {
 namespace {
-
-using Bytes = std::vector<uint8_t>;
 
 Bytes Encode(uint8_t version, const Bytes& payload, uint8_t cmd) {
   Bytes frame = {0xAA, 0xAA};  // whatever was in it is replaced
@@ -125,38 +124,27 @@ TEST(CmxParser, CutsAFileIntoNumberedPieces) {
   EXPECT_TRUE(frames.empty());
 }
 
-struct RecordingSender : CommandSender {
-  using CommandSender::QueryCommand;
-  bool IsOpen() override { return true; }
-  int32_t QueryCommand(const Bytes& request, Bytes& /*result*/, uint8_t code, bool /*with_header*/,
-                       int32_t* error) override {
-    payload = request;
-    cmd = code;
-    *error = 5;
-    return -1;
-  }
-  Bytes payload;
-  uint8_t cmd = 0;
-};
-
 TEST(FovCommand, WritesFivePairsOfAngles) {
-  RecordingSender sender;
-  std::array<float, 10> degrees{0, 360, 0.5F, 1, 2, 3, 4, 5, 6, -1};
+  ScriptedSender sender;
+  sender.replies = {{5, {}}};
+  const std::array<float, 10> degrees{0, 360, 0.5F, 1, 2, 3, 4, 5, 6, -1};
   int32_t error = 0;
   EXPECT_EQ(SendFovTable(sender, degrees, 5, 1, &error), -1);
   EXPECT_EQ(error, 5);
-  EXPECT_EQ(sender.cmd, 0x22);
-  ASSERT_EQ(sender.payload.size(), 42U);
-  EXPECT_EQ(Bytes(sender.payload.begin(), sender.payload.begin() + 14),
+  ASSERT_EQ(sender.sent.size(), 1U);
+  EXPECT_EQ(sender.sent[0].cmd, 0x22);
+  Bytes payload = sender.sent[0].payload;
+  ASSERT_EQ(payload.size(), 42U);
+  EXPECT_EQ(Bytes(payload.begin(), payload.begin() + 14),
             (Bytes{1, 5, 0, 0, 0, 0, 0x43, 0xB4, 0, 0, 0x3F, 0, 0, 0}));
 
   std::array<float, 10> read{};
   uint8_t mode = 0;
-  ASSERT_TRUE(ParseFovTable(sender.payload, &read, &mode));
+  ASSERT_TRUE(ParseFovTable(payload, &read, &mode));
   EXPECT_EQ(read, degrees);
   EXPECT_EQ(mode, 1);
-  sender.payload[1] = 4;
-  EXPECT_FALSE(ParseFovTable(sender.payload, &read, &mode));
+  payload[1] = 4;
+  EXPECT_FALSE(ParseFovTable(payload, &read, &mode));
   EXPECT_FALSE(ParseFovTable(Bytes(43, 5), &read, &mode));
 }
 

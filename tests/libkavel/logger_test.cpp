@@ -9,7 +9,6 @@
 #include <sstream>
 #include <string>
 #include <thread>
-#include <vector>
 
 #include "support/log_lines.h"
 
@@ -54,7 +53,7 @@ TEST_F(LogFile, HoldsLevelPlaceAndText) {
 
 TEST_F(LogFile, RotatesAndDropsTheOldest) {
   ASSERT_TRUE(Logger::GetInstance().SetFile(path_));
-  const std::string line(64 * 1024, 'x');
+  const std::string line(size_t{64} * 1024, 'x');
   for (size_t written = 0; written < 6 * Logger::kMaxFileBytes; written += line.size()) {
     KAVEL_LOG(kWarning, "%s", line.c_str());
     Logger::GetInstance().Flush();
@@ -95,14 +94,14 @@ TEST_F(LogFile, WritesNumbersWithAPointInEveryLocale) {
 TEST_F(LogFile, TakesLinesFromManyThreads) {
   ASSERT_TRUE(Logger::GetInstance().SetFile(path_));
   testing::LogLines log;
-  std::vector<std::thread> threads;
-  for (int i = 0; i < 4; ++i) {
-    threads.emplace_back([] {
-      for (int n = 0; n < 200; ++n) KAVEL_LOG(kInfo, "line %d", n);
-    });
-  }
-  for (auto& thread : threads) thread.join();
-  EXPECT_EQ(log.Count(kInfo, "line "), 800);
+  const auto write = [] {
+    for (int n = 0; n < 200; ++n) KAVEL_LOG(kInfo, "line %d", n);
+  };
+  std::thread first(write);
+  std::thread second(write);
+  first.join();
+  second.join();
+  EXPECT_EQ(log.Count(kInfo, "line "), 400);
 }
 
 }  // namespace

@@ -18,6 +18,7 @@ namespace kavel::lidar::testing {
 inline pid_t SpawnOpenssl(std::vector<std::string> arguments, int output = -1) {
   arguments.insert(arguments.begin(), "openssl");
   std::vector<char*> argv;
+  argv.reserve(arguments.size() + 1);
   for (auto& argument : arguments) argv.push_back(argument.data());
   argv.push_back(nullptr);
   posix_spawn_file_actions_t actions;

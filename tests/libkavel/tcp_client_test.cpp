@@ -12,17 +12,12 @@
 #include "CmxClient/tcp_ssl_client.h"
 #include "support/log_lines.h"
 #include "support/socket_peer.h"
+#include "support/wait_for.h"
 
 namespace kavel::lidar {
 namespace {
 
-using testing::Bytes;
-using testing::DeafPort;
-using testing::LogLines;
-using testing::PeerConnection;
-using testing::SocketPeer;
-using testing::UnusedPort;
-using testing::WaitUntil;
+using namespace testing;
 
 const std::string kHere = "127.0.0.1";
 
@@ -88,7 +83,7 @@ TEST(TcpClient, ReportsAPeerThatCloses) {
   EXPECT_EQ(log.Count(kError, "Connection closed by peer, recv returned 0"), 1);
   // The first send may still be taken by the system; a later one finds the pipe broken, which must
   // not end the program.
-  EXPECT_TRUE(WaitUntil([&] { return client.Send(buffer.data(), 8, 0) == -1; }));
+  EXPECT_TRUE(WaitFor([&] { return client.Send(buffer.data(), 8, 0) == -1; }));
   EXPECT_GE(log.Count(kError, "Send errno"), 1);
 }
 

@@ -9,18 +9,12 @@
 #include "libkavel/openssl_server.h"
 #include "support/log_lines.h"
 #include "support/socket_peer.h"
+#include "support/wait_for.h"
 
 namespace kavel::lidar {
 namespace {
 
-using testing::Bytes;
-using testing::Certificates;
-using testing::LogLines;
-using testing::OpensslServer;
-using testing::PeerConnection;
-using testing::SocketPeer;
-using testing::UnusedPort;
-using testing::WaitUntil;
+using namespace testing;
 
 const char* const kHere = "127.0.0.1";
 
@@ -133,7 +127,7 @@ TEST_F(TlsTest, GivesUpAConnectionThatWasMade) {
   EXPECT_FALSE(client.Open(kHere, peer.port(), false, nullptr, nullptr, nullptr));
   EXPECT_FALSE(client.TryOpen(0, kHere, peer.port(), false, "", "", "", 1));
   EXPECT_EQ(log.Count(kError, "Connect to Server Failed!~!~"), 2);
-  EXPECT_TRUE(WaitUntil([&] { return ended == 2; })) << "both sockets were closed";
+  EXPECT_TRUE(WaitFor([&] { return ended == 2; })) << "both sockets were closed";
 
   EXPECT_FALSE(client.TryOpen(0, kHere, UnusedPort(), false, "", "", "", 1));
   EXPECT_EQ(log.Count(kError, "connect ssl failed"), 1) << "TLS is tried where nothing connected";

@@ -80,7 +80,4 @@ class DeafPort {
 /// A port that nobody listens on (it was free a moment ago).
 uint16_t UnusedPort();
 
-/// True as soon as `condition` holds; false if it does not within 10 s.
-bool WaitUntil(const std::function<bool()>& condition);
-
 }  // namespace kavel::lidar::testing
