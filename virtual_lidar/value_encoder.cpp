@@ -44,7 +44,7 @@ std::optional<IntegerShape> IntegerShapeOf(const std::string& type) {
   const bool is_signed = type.rfind("int", 0) == 0;
   if (!is_signed && type.rfind("uint", 0) != 0) return std::nullopt;
   const auto bits = ReadNumber<int>(std::string_view(type).substr(is_signed ? 3 : 4));
-  if (!bits) return std::nullopt;
+  if (bits != 8 && bits != 16 && bits != 32 && bits != 64) return std::nullopt;
   return IntegerShape{static_cast<size_t>(*bits) / 8, is_signed};
 }
 

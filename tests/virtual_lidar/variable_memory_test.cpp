@@ -1,0 +1,138 @@
+#include "variable_memory.h"
+
+#include <gtest/gtest.h>
+
+#include "message.h"
+#include "test_table.h"
+
+namespace {
+
+using Bytes = std::vector<uint8_t>;
+
+Bytes Held(const VariableMemory& memory, const std::string& name) {
+  for (const auto& cell : memory.cells()) {
+    if (cell.var->var_name == name) return cell.value;
+  }
+  return {};
+}
+
+int ReturnCode(VariableMemory* memory, uint8_t command, const Bytes& payload) {
+  const auto outcome = memory->Execute(command, payload, 0);
+  return outcome ? outcome->return_code : int{kUnknownCommand};
+}
+
+TEST(VariableMemory, ReadsGroupsByCommandAndPayloadInTableOrder) {
+  const auto table = LoadTestTable(
+      "2,1,0x32,,First,0,uint8,1,,,1,0x0001,\n"
+      "1,1,0x32,,Other,0,uint8,9,,,1,0x0002,\n"
+      "1,2,0x32,,Second,0,uint16,515,,,2,0x0001,\n"
+      "3,1,0x5A0101,,Far,0,uint8,7,,,1,0x0003,\n"
+      "4,1,0x02,,Up-time,0,DT,250 s,,,2,,\n");
+  VariableMemory memory(*table);
+  EXPECT_TRUE(memory.faults().empty());
+  EXPECT_EQ(memory.Execute(0x32, {0, 1}, 0)->payload, (Bytes{1, 2, 3}));
+  EXPECT_EQ(memory.Execute(0x32, {0, 2}, 0)->payload, (Bytes{9}));
+  EXPECT_EQ(memory.Execute(0xFF, {0x5A, 0x01, 0x01, 0x00, 0x03}, 0)->payload, (Bytes{7}));
+  EXPECT_EQ(memory.Execute(0x02, {}, 10)->payload, (Bytes{0x01, 0x04})) << "250 s + 10 s";
+
+  EXPECT_EQ(ReturnCode(&memory, 0x32, {}), kBadLength);
+  EXPECT_EQ(ReturnCode(&memory, 0x32, {0, 3}), kBadValue);
+  EXPECT_EQ(ReturnCode(&memory, 0xFF, {0x5A, 0x01, 0x02}), kUnknownCommand);
+  EXPECT_EQ(ReturnCode(&memory, 0x33, {}), kUnknownCommand);
+}
+
+TEST(VariableMemory, WritesAllFieldsOfACommandOrNone) {
+  const auto table = LoadTestTable(
+      "1,1,0x30,0x31,Speed,1,uint16,600,300..1200,,2,,\n"
+      "1,2,0x30,0x31,Fixed,0,uint8,5,,,1,,\n"
+      "1,3,0x30,0x31,Choice,1,uint8,1,1|3,,1,,\n"
+      "1,4,,0x5A0102,Far,1,uint8,0,0..9,,1,,0xA0\n");
+  VariableMemory memory(*table);
+  EXPECT_EQ(ReturnCode(&memory, 0x31, {0x04, 0xB0, 99, 3}), kAccepted);
+  EXPECT_EQ(Held(memory, "Speed"), (Bytes{0x04, 0xB0}));
+  EXPECT_EQ(Held(memory, "Fixed"), (Bytes{5})) << "only carried for its place";
+  EXPECT_EQ(Held(memory, "Choice"), (Bytes{3}));
+
+  EXPECT_EQ(ReturnCode(&memory, 0x31, {0x01, 0x2C, 5, 2}), kBadValue);
+  EXPECT_EQ(ReturnCode(&memory, 0x31, {0x04, 0xB1, 5, 1}), kBadValue);
+  EXPECT_EQ(ReturnCode(&memory, 0x31, {0x01, 0x2C, 5}), kBadLength);
+  EXPECT_EQ(ReturnCode(&memory, 0x31, {0x01, 0x2C, 5, 1, 0}), kBadLength);
+  EXPECT_EQ(Held(memory, "Speed"), (Bytes{0x04, 0xB0})) << "a refused write changes nothing";
+
+  EXPECT_EQ(ReturnCode(&memory, 0xFF, {0x5A, 0x01, 0x02, 0xA0, 9}), kAccepted);
+  EXPECT_EQ(Held(memory, "Far"), (Bytes{9}));
+  EXPECT_EQ(ReturnCode(&memory, 0xFF, {0x5A, 0x01, 0x02, 9}), kUnknownCommand);
+
+  memory.Reset();
+  EXPECT_EQ(Held(memory, "Speed"), (Bytes{0x02, 0x58}));
+}
+
+TEST(VariableMemory, ChecksValuesAsTheTableSays) {
+  const auto table = LoadTestTable(
+      "1,1,,0x40,Scaled,1,int16,0,-100..100,0.25,2,,\n"
+      "2,1,,0x41,Gate,1,uint8,0,switch,,1,,\n"
+      "2,2,,0x41,Gated,1,uint8,10,10..20@2-1,,1,,\n"
+      "3,1,,0x42,Heater,1,uint8,0,switch:10..90,,1,,\n"
+      "4,1,,0x43,Power,1,float32,1,0..5,,4,,\n"
+      "5,1,,0x44,Shared Secret Key,1,raw,,,,16,,\n"
+      "6,1,0x2C,0x22,FOV Table,1,raw,,,,42,,\n");
+  VariableMemory memory(*table);
+  const struct {
+    uint8_t command;
+    Bytes payload;
+    uint8_t return_code;
+  } cases[] = {
+      {0x40, {0x01, 0x90}, kAccepted},  // 400 x 0.25 = 100
+      {0x40, {0x01, 0x91}, kBadValue},
+      {0x40, {0xFE, 0x70}, kAccepted},  // -400 x 0.25
+      {0x40, {0xFE, 0x6F}, kBadValue},
+      {0x41, {0, 200}, kAccepted},  // switched off: not checked
+      {0x41, {1, 21}, kBadValue},
+      {0x41, {1, 20}, kAccepted},
+      {0x42, {0}, kAccepted},
+      {0x42, {9}, kBadValue},
+      {0x42, {10}, kAccepted},
+      {0x43, {0x40, 0xA0, 0, 0}, kAccepted},  // 5.0
+      {0x43, {0x7F, 0xC0, 0, 0}, kBadValue},  // not a number
+      {0x44, {1, 2, 3}, kAccepted},
+      {0x44, Bytes(257, 1), kBadLength},
+  };
+  for (const auto& c : cases) {
+    EXPECT_EQ(ReturnCode(&memory, c.command, c.payload), c.return_code)
+        << std::hex << int{c.command} << " " << int{c.payload.front()};
+  }
+  EXPECT_EQ(Held(memory, "Shared Secret Key"), (Bytes{1, 2, 3})) << "as long as it was written";
+
+  Bytes fov = memory.Execute(0x2C, {}, 0)->payload;
+  ASSERT_EQ(fov.size(), 42U);
+  EXPECT_EQ(Bytes(fov.begin(), fov.begin() + 10), (Bytes{0, 5, 0, 0, 0, 0, 0x42, 0x90, 0, 0}))
+      << "0 to 72 degrees";
+  fov[0] = 2;
+  EXPECT_EQ(ReturnCode(&memory, 0x22, fov), kAccepted);
+  EXPECT_EQ(memory.Execute(0x2C, {}, 0)->payload, fov);
+  fov[2] = 0x44;  // 512 degrees
+  EXPECT_EQ(ReturnCode(&memory, 0x22, fov), kBadValue);
+  fov[1] = 4;
+  EXPECT_EQ(ReturnCode(&memory, 0x22, fov), kBadValue);
+}
+
+TEST(VariableMemory, TellsWhichRowsItCannotUse) {
+  const auto table = LoadTestTable(
+      "1,1,0x30,,Good,0,uint8,1,,,1,,\n"
+      "1,2,0x30,,Wide,0,uint8,300,,,1,,\n"
+      "1,3,ZZ,,Odd,0,uint8,1,,,1,,\n");
+  VariableMemory memory(*table);
+  ASSERT_EQ(memory.faults().size(), 2U);
+  EXPECT_NE(memory.faults()[0].find("Test.csv:3: Wide: default \"300\""), std::string::npos)
+      << memory.faults()[0];
+  EXPECT_NE(memory.faults()[1].find("Test.csv:4: Odd: "), std::string::npos);
+
+  std::string error;
+  EXPECT_TRUE(memory.Preset("Good", "7", &error));
+  EXPECT_TRUE(memory.Preset("1-2", "8", &error));
+  EXPECT_EQ(memory.Execute(0x30, {}, 0)->payload, (Bytes{7, 8}));
+  EXPECT_FALSE(memory.Preset("Good", "x", &error));
+  EXPECT_FALSE(memory.Preset("Nobody", "1", &error));
+}
+
+}  // namespace
