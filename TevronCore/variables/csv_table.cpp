@@ -78,7 +78,7 @@ class CsvReader {
     const auto breaks = static_cast<size_t>(std::count(input.begin(), input.end(), '\n') +
                                             std::count(input.begin(), input.end(), '\r'));
     const auto commas = static_cast<size_t>(std::count(input.begin(), input.end(), ','));
-    table_->text_.reserve(input.size());
+    table_->text_.resize(input.size());
     table_->cell_ends_.reserve(breaks + commas + 1);
     table_->row_starts_.reserve(breaks + 2);
     table_->row_lines_.reserve(breaks + 1);
@@ -101,9 +101,12 @@ class CsvReader {
 
  private:
   static void OnCell(void* data, size_t size, void* self) {
-    auto* table = static_cast<CsvReader*>(self)->table_;
-    table->text_.append(static_cast<const char*>(data), size);
-    table->cell_ends_.push_back(static_cast<uint32_t>(table->text_.size()));
+    auto* reader = static_cast<CsvReader*>(self);
+    if (size > 0) {
+      std::memcpy(reader->table_->text_.data() + reader->text_size_, data, size);
+      reader->text_size_ += size;
+    }
+    reader->table_->cell_ends_.push_back(static_cast<uint32_t>(reader->text_size_));
   }
 
   static void OnRow(int /*terminator*/, void* self) {
@@ -155,7 +158,7 @@ class CsvReader {
   void LeaveRowOut(const char* reason) {
     table_->faults_.push_back({row_line_, reason});
     table_->cell_ends_.resize(table_->row_starts_.back());
-    table_->text_.resize(table_->cell_ends_.empty() ? 0 : table_->cell_ends_.back());
+    text_size_ = table_->cell_ends_.empty() ? 0 : table_->cell_ends_.back();
     parser_.Restart();
     row_open_ = false;
     // Without its header no cell of the file has a meaning.
@@ -171,6 +174,7 @@ class CsvReader {
   size_t row_line_ = 0;
   size_t row_end_of_first_line_ = 0;
   bool row_open_ = false;
+  size_t text_size_ = 0;
 };
 
 CsvTable::CsvTable(const std::string& path) {

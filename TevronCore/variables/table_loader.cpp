@@ -14,9 +14,6 @@ namespace {
 
 constexpr std::string_view kDirectiveGroup = "0";
 
-// A payload longer than this is a slip of the table, whatever its rows say.
-constexpr int64_t kMaxPayloadLength = int64_t{16} * 1024 * 1024;
-
 constexpr std::array<const char*, 17> kMandatoryColumnNames = {
     "GroupID",           "Index",          "Get",        "Set",
     "SetIndex",          "VarName",        "Permission", "VarType",
@@ -33,9 +30,6 @@ void Report(const std::string& text) {
 
 std::string Quoted(std::string_view text) { return '"' + std::string(text) + '"'; }
 
-// Variables that one exchange reads share both the command and the bytes that go with it.
-std::string ReadKey(const VarInfo& var) { return var.get_cmd + '\n' + var.read_payload_text; }
-
 }  // namespace
 
 void TableLoader::Load() {
@@ -51,11 +45,13 @@ void TableLoader::Load() {
     Report("(): error with csv_reader_, loc = " + parser_.path_ + ":" + std::to_string(fault.line));
     FaultAt(fault.line, fault.reason);
   }
+  parser_.by_id_.reserve(table_->row_count());
+  parser_.by_name_.reserve(table_->row_count());
+  rows_.reserve(table_->row_count());
   for (size_t row = 0; row < table_->row_count(); ++row) {
     LoadRow(row);
   }
-  ListInTableOrder();
-  PlaceInPayloads();
+  PlaceInTableOrder();
   CheckSwitchReferences();
   std::cout << std::flush;
 }
@@ -88,10 +84,12 @@ void TableLoader::LoadRow(size_t row) {
     KeepDirective(row);
     return;
   }
-  ConfigParser::Record record;
+  ConfigParser::Record& record = parser_.storage_.emplace_back();
   record.info.line = line_;
   if (ReadCells(&record.info)) {
-    Insert(&parser_.storage_.emplace_back(std::move(record)));
+    Insert(&record);
+  } else {
+    parser_.storage_.pop_back();
   }
 }
 
@@ -125,14 +123,12 @@ bool TableLoader::ReadCells(VarInfo* var) {
   var->coefficient = ReadCoefficient(kCoefficient, "Coefficient", 1.0F);
   var->set_coefficient = ReadCoefficient(kSetCoefficient, "SetCoefficient", var->coefficient);
   var->default_val = Cell(kDefaultValue);
-  var->current_val = var->default_val;
   var->function_module = Cell(kFunctionModule);
   var->timer_update = ReadNumber(kTimerUpdate, "TimerUpdate") != 0;
   if (var->var_type == "string" || var->var_type == "raw") {
     var->length_limit = var->offset;
   }
-  var->option_description = Cell(kOptionDescription);
-  const std::string reason = ReadOptions(Cell(kOptions), var->option_description, var);
+  const std::string reason = ReadOptions(Cell(kOptions), Cell(kOptionDescription), var);
   if (!reason.empty()) {
     Fault(reason + "; the variable becomes a text field");
   }
@@ -166,12 +162,7 @@ bool TableLoader::ReadLength(VarInfo* var) {
     return true;
   }
   Fault(reason + "; the row is left out");
-  if (!var->get_cmd.empty()) {
-    reads_[ReadKey(*var)].unusable = true;
-  }
-  if (!var->set_cmd.empty()) {
-    writes_[var->set_cmd].unusable = true;
-  }
+  layout_.TakeOutOfUse(*var);
   return false;
 }
 
@@ -181,11 +172,16 @@ void TableLoader::ReadCommands(VarInfo* var) {
   var->read_payload_text = Cell(kGetCmdPayload);
   var->read_payload = ReadPayload(kGetCmdPayload, "GetCmdPayload");
   var->set_payload = ReadPayload(kSetCmdPayload, "SetCmdPayload");
-  if (!var->get_cmd.empty() && read_commands_.insert(var->get_cmd).second) {
-    parser_.commands_.try_emplace(var->get_cmd);
-    CheckCommandText("Get", var->get_cmd);
+  // Rows of one command mostly stand together.
+  if (!var->get_cmd.empty() && var->get_cmd != last_get_) {
+    last_get_ = var->get_cmd;
+    if (read_commands_.insert(var->get_cmd).second) {
+      parser_.commands_.try_emplace(var->get_cmd);
+      CheckCommandText("Get", var->get_cmd);
+    }
   }
-  if (!var->set_cmd.empty()) {
+  if (!var->set_cmd.empty() && var->set_cmd != last_set_) {
+    last_set_ = var->set_cmd;
     ConfigParser::CommandUsage& usage = parser_.commands_[var->set_cmd];
     if (!usage.is_set) {
       usage.is_set = true;
@@ -265,124 +261,110 @@ std::vector<uint8_t> TableLoader::ReadPayload(Column column, const char* name) {
   return std::move(*payload);
 }
 
-void TableLoader::MakeNameUnique(VarInfo* var) {
-  if (parser_.by_name_.count(var->var_name) == 0) {
+void TableLoader::KeepName(ConfigParser::Record* record) {
+  VarInfo& var = record->info;
+  if (parser_.by_name_.try_emplace(var.var_name, record).second) {
     return;
   }
-  const std::string name = var->var_name;
-  var->var_name += '_' + var->set_cmd;
-  if (parser_.by_name_.count(var->var_name) != 0) {
-    var->var_name += '_' + var->var_id;
+  const std::string name = var.var_name;
+  var.var_name += '_' + var.set_cmd;
+  if (parser_.by_name_.count(var.var_name) != 0) {
+    var.var_name += '_' + var.var_id;
   }
-  Report(var->var_name + " is used in other cmd");
+  parser_.by_name_.try_emplace(var.var_name, record);
+  Report(var.var_name + " is used in other cmd");  // without a separator on purpose
   Fault("VarName " + Quoted(name) + " is taken by an earlier row; this one is shown as " +
-        Quoted(var->var_name));
+        Quoted(var.var_name));
 }
 
 void TableLoader::Insert(ConfigParser::Record* record) {
   VarInfo& var = record->info;
-  MakeNameUnique(&var);
-  parser_.by_name_.try_emplace(var.var_name, record);
+  KeepName(record);
 
-  const auto set_index = WholeNumber(Trim(Cell(kSetIndex)));
-  if (!set_index && !Trim(Cell(kSetIndex)).empty()) {
-    Fault("SetIndex " + Quoted(Cell(kSetIndex)) + " is no whole number");
+  const std::string_view set_index = Trim(Cell(kSetIndex));
+  rows_.push_back({WholeNumber(set_index), false});
+  if (!rows_.back().set_index && !set_index.empty()) {
+    Fault("SetIndex " + Quoted(set_index) + " is no whole number");
   }
-  rows_.push_back({set_index, false});
 
-  const auto [place, is_new] = storage_of_id_.try_emplace(var.var_id, rows_.size() - 1);
+  var.table_position = rows_.size() - 1;  // for now among all rows, replaced ones too
+  const auto [known, is_new] = parser_.by_id_.try_emplace(var.var_id, record);
   if (!is_new) {
     Report(
         "(): ERROR with config file. There are vars with the same var_id. Some of them will be "
         "overwritten");
     Report("(): --- Details: file path = " + parser_.path_ + ", var_id =" + var.var_id +
            ", var_name = " + var.var_name);
-    Fault("GroupID and Index " + var.var_id + " are those of line " +
-          std::to_string(parser_.storage_[place->second].info.line) + ", which this row replaces");
-    rows_[place->second].replaced = true;
-    place->second = rows_.size() - 1;
+    const VarInfo& earlier = known->second->info;
+    Fault("GroupID and Index " + var.var_id + " are those of line " + std::to_string(earlier.line) +
+          ", which this row replaces");
+    rows_[earlier.table_position].replaced = true;
+    known->second = record;
   }
-  parser_.by_id_[var.var_id] = record;
 
   record->reading = var.default_val;
   parser_.Show(*record, var.default_val);
 }
 
-void TableLoader::ListInTableOrder() {
+void TableLoader::PlaceInTableOrder() {
   parser_.records_.reserve(rows_.size());
   parser_.in_table_order_.reserve(rows_.size());
-  for (size_t i = 0; i < rows_.size(); ++i) {
-    ConfigParser::Record& record = parser_.storage_[i];
-    if (rows_[i].replaced) {
-      const auto named = parser_.by_name_.find(record.info.var_name);
-      if (named != parser_.by_name_.end() && named->second == &record) {
+  auto record = parser_.storage_.begin();
+  for (const Row& row : rows_) {
+    VarInfo& var = record->info;
+    if (row.replaced) {
+      const auto named = parser_.by_name_.find(var.var_name);
+      if (named != parser_.by_name_.end() && named->second == &*record) {
         parser_.by_name_.erase(named);
       }
-      continue;
+    } else {
+      var.table_position = parser_.records_.size();
+      parser_.records_.push_back(&*record);
+      parser_.in_table_order_.push_back(&var);
+      Place(row, &var);
+      refers_to_switch_ |= !var.switch_var_id.empty();
     }
-    record.info.table_position = parser_.records_.size();
-    parser_.records_.push_back(&record);
-    parser_.in_table_order_.push_back(&record.info);
-  }
-}
-
-void TableLoader::PlaceInPayloads() {
-  for (size_t i = 0; i < rows_.size(); ++i) {
-    if (!rows_[i].replaced) {
-      Place(rows_[i], &parser_.storage_[i].info);
-    }
+    ++record;
   }
 }
 
 void TableLoader::Place(const Row& row, VarInfo* var) {
-  if (!var->get_cmd.empty() &&
-      !TakeRoom(ReadKey(*var), &reads_, var->offset, &var->get_start_pos)) {
-    FaultAt(var->line, Quoted(var->var_name) + " is not read: the reply to " + var->get_cmd +
+  const auto out_of_use = [this, var](const char* consequence, const std::string& command) {
+    FaultAt(var->line, Quoted(var->var_name) + consequence + command +
                            " has a field of unknown length or is too long");
+  };
+  if (!var->get_cmd.empty() && !layout_.PlaceInReply(var)) {
+    out_of_use(" is not read: the reply to ", var->get_cmd);
     var->get_cmd.clear();
   }
   if (var->set_cmd.empty()) {
     return;
   }
-  if (!TakeRoom(var->set_cmd, &writes_, var->offset, &var->set_start_pos)) {
-    FaultAt(var->line, Quoted(var->var_name) + " cannot be changed: the payload of " +
-                           var->set_cmd + " has a field of unknown length or is too long");
-    parser_.commands_[var->set_cmd].written.clear();
+  if (usage_ == nullptr || var->set_cmd != last_set_) {
+    last_set_ = var->set_cmd;
+    usage_ = &parser_.commands_[var->set_cmd];
+  }
+  bool ascends = true;
+  if (!layout_.PlaceInPayload(row.set_index, var, &ascends)) {
+    out_of_use(" cannot be changed: the payload of ", var->set_cmd);
+    usage_->written.clear();
     var->set_cmd.clear();
     return;
   }
-  CheckSetIndex(row, *var, &writes_[var->set_cmd]);
-  parser_.commands_[var->set_cmd].written.push_back(var);
-}
-
-bool TableLoader::TakeRoom(const std::string& key, Layouts* layouts, int32_t length,
-                           int32_t* position) {
-  Layout& layout = (*layouts)[key];
-  if (layout.next_position + length > kMaxPayloadLength) {
-    layout.unusable = true;
+  if (usage_->written.empty() && read_commands_.count(var->set_cmd) != 0) {
+    FaultAt(var->line, "the code " + var->set_cmd + " stands both in Get and in Set");
   }
-  if (layout.unusable) {
-    return false;
+  if (!ascends) {
+    FaultAt(var->line, "SetIndex " + std::to_string(*row.set_index) + " of " + var->set_cmd +
+                           " does not ascend; fields are written in the order of the rows");
   }
-  *position = static_cast<int32_t>(layout.next_position);
-  layout.next_position += length;
-  return true;
-}
-
-void TableLoader::CheckSetIndex(const Row& row, const VarInfo& var, Layout* layout) {
-  if (layout->next_position == var.offset && read_commands_.count(var.set_cmd) != 0) {
-    FaultAt(var.line, "the code " + var.set_cmd + " stands both in Get and in Set");
-  }
-  if (row.set_index && layout->last_set_index && *row.set_index <= *layout->last_set_index) {
-    FaultAt(var.line, "SetIndex " + std::to_string(*row.set_index) + " of " + var.set_cmd +
-                          " does not ascend; fields are written in the order of the rows");
-  }
-  if (row.set_index) {
-    layout->last_set_index = row.set_index;
-  }
+  usage_->written.push_back(var);
 }
 
 void TableLoader::CheckSwitchReferences() {
+  if (!refers_to_switch_) {
+    return;
+  }
   for (ConfigParser::Record* record : parser_.records_) {
     VarInfo& var = record->info;
     if (var.switch_var_id.empty()) {

@@ -5,12 +5,12 @@
 #include <optional>
 #include <string>
 #include <string_view>
-#include <unordered_map>
 #include <unordered_set>
 #include <vector>
 
 #include "variables/config_parser.h"
 #include "variables/csv_table.h"
+#include "variables/payload_layout.h"
 
 /// One loading of a table into an empty ConfigParser: rows to records, then their order and places
 /// in the payloads. Lives only inside ConfigParser::ExtractConfigInfo.
@@ -53,14 +53,6 @@ class TableLoader {
     bool replaced = false;
   };
 
-  // Progress of one payload while its fields are placed.
-  struct Layout {
-    int64_t next_position = 0;
-    std::optional<int32_t> last_set_index;
-    bool unusable = false;  // a field before has no known length
-  };
-  using Layouts = std::unordered_map<std::string, Layout>;
-
   void FindColumns();
   void LoadRow(size_t row);
   void KeepDirective(size_t row);
@@ -72,14 +64,11 @@ class TableLoader {
   int32_t ReadNumber(Column column, const char* name);
   float ReadCoefficient(Column column, const char* name, float when_empty);
   std::vector<uint8_t> ReadPayload(Column column, const char* name);
-  void MakeNameUnique(VarInfo* var);
+  void KeepName(ConfigParser::Record* record);
   void Insert(ConfigParser::Record* record);
 
-  void ListInTableOrder();
-  void PlaceInPayloads();
+  void PlaceInTableOrder();
   void Place(const Row& row, VarInfo* var);
-  bool TakeRoom(const std::string& key, Layouts* layouts, int32_t length, int32_t* position);
-  void CheckSetIndex(const Row& row, const VarInfo& var, Layout* layout);
   void CheckSwitchReferences();
 
   std::string_view Cell(Column column) const { return table_->Cell(row_, columns_[column]); }
@@ -91,10 +80,12 @@ class TableLoader {
   std::optional<CsvTable> table_;
   std::array<size_t, kColumns> columns_{};
   std::vector<Row> rows_;
-  std::unordered_map<std::string_view, size_t> storage_of_id_;
   std::unordered_set<std::string> read_commands_;
-  Layouts reads_;
-  Layouts writes_;
+  std::string last_get_;  // of the row before
+  std::string last_set_;
+  PayloadLayout layout_;
+  ConfigParser::CommandUsage* usage_ = nullptr;  // of the Set placed last
+  bool refers_to_switch_ = false;
   size_t row_ = 0;   // the row being loaded
   size_t line_ = 0;  // its line of the file
 };

@@ -61,6 +61,7 @@ bool DecodeAddress(const Bytes& slice, std::string* text, std::string* fault) {
 // Nine characters, then major.minor.revision and, when it is not zero, the build.
 bool DecodeHardwareVersion(const Bytes& slice, std::string* text, std::string* fault) {
   if (slice.size() != kVersionSize) {
+    // "qual" is meant: the wording is fixed, here and below.
     return Fail(fault, "HWVER size is not qual to 16, please check your config file");
   }
   const uint16_t revision = kavel::lidar::ReadBigEndian16(&slice[11]);

@@ -53,7 +53,6 @@ struct VarInfo {
   std::string function_module;             ///< Page that shows the variable; empty: none.
   std::vector<std::string> option_values;  ///< options as texts.
   std::vector<std::string> option_labels;  ///< Labels of option_values; a switch may have none.
-  std::string option_description;          ///< "OptionDescription" cell.
   int32_t check_enable = 0;                ///< 1: takes part in the range check before saving.
   int32_t length_limit = 0;                ///< Longest text of a "string" or "raw" value, in bytes.
   int32_t range_min = 0;                   ///< Both ends 0: the value has no range.
