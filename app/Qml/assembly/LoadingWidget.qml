@@ -27,16 +27,11 @@ Item {
         anchors.verticalCenter: parent.verticalCenter
         spacing: Theme.gap
 
-        Image {
-            id: arc
-
+        Icon {
             anchors.verticalCenter: parent.verticalCenter
             visible: !loading.determinate
-            width: Theme.iconSize
-            height: Theme.iconSize
-            sourceSize.width: Theme.iconSize
-            sourceSize.height: Theme.iconSize
             source: "../icons/spinner.svg"
+            color: Theme.accentColor
 
             RotationAnimator on rotation {
                 running: loading.visible && !loading.determinate

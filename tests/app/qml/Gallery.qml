@@ -68,11 +68,11 @@ Rectangle {
         SectionTitle { Layout.fillWidth: true; text: "Buttons" }
         RowLayout {
             spacing: Theme.gapWide
-            PrimaryButton { text: "Connect" }
+            DefaultButton { text: "Connect"; emphasised: true }
             DefaultButton { text: "Cancel"; hint: "Drop the edits" }
             DefaultButton { text: "Reset"; dangerous: true }
             DefaultButton { text: "Save"; enabled: false }
-            PrimaryButton { text: "Save"; enabled: false }
+            DefaultButton { text: "Save"; emphasised: true; enabled: false }
             Repeater {
                 model: ["gear", "info", "refresh", "close", "copy", "clear", "search", "folder",
                         "send", "attach", "play", "stop", "warning", "error", "success"]

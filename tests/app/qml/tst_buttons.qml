@@ -13,7 +13,7 @@ TestCase {
     height: 200
 
     Component { id: plain; DefaultButton { text: "Cancel" } }
-    Component { id: primary; PrimaryButton { text: "Connect" } }
+    Component { id: primary; DefaultButton { text: "Connect"; emphasised: true } }
     Component {
         id: tool
         DefaultToolButton { label: "Settings"; icon.source: "qrc:/Qml/icons/gear.svg" }
@@ -23,7 +23,7 @@ TestCase {
 
     function test_mouse_and_keys_press_them_data() {
         return [{ tag: "DefaultButton", component: plain, name: "Cancel" },
-                { tag: "PrimaryButton", component: primary, name: "Connect" },
+                { tag: "emphasised", component: primary, name: "Connect" },
                 { tag: "DefaultToolButton", component: tool, name: "Settings" },
                 { tag: "DefaultCheckBox", component: check, name: "Raw bytes" }];
     }
