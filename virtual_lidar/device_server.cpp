@@ -51,6 +51,7 @@ DeviceServer::DeviceServer(EventLoop* loop, VirtualDevice* device, FaultBox* fau
 DeviceServer::~DeviceServer() = default;
 
 bool DeviceServer::Start(std::string* error) {
+  Dump();
   try {
     if (setup_.tcp_port) {
       if (!listener_.Open(*setup_.tcp_port)) {
@@ -67,7 +68,6 @@ bool DeviceServer::Start(std::string* error) {
     *error = failure.what();
     return false;
   }
-  Dump();
   return true;
 }
 

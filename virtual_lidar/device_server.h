@@ -36,8 +36,9 @@ class DeviceServer : private LinkHost {
                ServerSetup setup);
   ~DeviceServer() override;
 
-  /// Opens what the setup asks for and logs one line for each: "listening on 127.0.0.1:PORT",
-  /// "serial port NAME" ("serial port 485 NAME" and "serial port 232 NAME" for a pair).
+  /// Writes the first dump, opens what the setup asks for, and logs one line for each: "listening
+  /// on 127.0.0.1:PORT", "serial port NAME" ("serial port 485 NAME" and "serial port 232 NAME" for
+  /// a pair).
   /// @return false with a sentence in *error when something cannot be had.
   bool Start(std::string* error);
 

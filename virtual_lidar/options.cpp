@@ -77,29 +77,39 @@ std::optional<Options> ParseOptions(int argc, char** argv, int* exit_code) {
   app.footer(FaultHelp());
   app.get_formatter()->column_width(28);
   app.add_option("--model", options.model, "Model; its table is varID/MODEL.csv")
+      ->type_name("MODEL")
       ->capture_default_str();
-  app.add_option("--config", config, "Folder of the tables (./Config, else ../Config beside bin/)");
+  app.add_option("--config", config, "Folder of the tables (./Config, else ../Config beside bin/)")
+      ->type_name("DIR");
   auto* port_option =
       app.add_option("--port", port, "TCP port on 127.0.0.1; 0 lets the system pick")
+          ->type_name("N")
           ->capture_default_str();
-  app.add_option("--protocol", options.server.protocol, "Version of the CMX frames over TCP")
-      ->check(CLI::IsMember({1, 2}))
+  app.add_option("--protocol", options.server.protocol,
+                 "Version of the CMX frames over TCP, 1 or 2")
+      ->type_name("N")
+      ->check(CLI::IsMember({1, 2}).description(""))
       ->capture_default_str();
   app.add_flag("--serial", serial,
                "Answer on a pseudo-terminal instead (a pair for Lumo); with --port, on both");
   app.add_option("--udp", udp, "Send a point cloud of 1,200-byte packets to IP:PORT[@RATE]")
-      ->check(CLI::Validator(CheckTarget, "IP:PORT[@RATE]"));
+      ->type_name("IP:PORT[@RATE]")
+      ->check(CLI::Validator(CheckTarget, ""));
   app.add_option("--set", presets, "Give a variable another value to start with, by name or id")
-      ->check(CLI::Validator(CheckPreset, "NAME=VALUE"));
+      ->type_name("NAME=VALUE")
+      ->check(CLI::Validator(CheckPreset, ""));
   app.add_option("--dump", options.server.dump_file,
-                 "Keep this file at what the device holds: JSON, rewritten after every change");
+                 "Keep this file at what the device holds: JSON, rewritten after every change")
+      ->type_name("FILE");
   app.add_option("--restart-time", restart_ms, "How long a restart takes, in ms")
-      ->check(CLI::Range(0, 600000))
+      ->type_name("MS")
+      ->check(CLI::Range(0, 600000).description(""))
       ->capture_default_str();
   app.add_flag("--no-auth", no_auth,
                "Tell clients that no authentication is required, whatever the table says");
   app.add_option("--fault", faults, "Misbehave on purpose; see below")
-      ->check(CLI::Validator(CheckFault, "NAME[=ARG][@CMD][#TIMES]"));
+      ->type_name("FAULT")
+      ->check(CLI::Validator(CheckFault, ""));
   app.add_flag("--check-tables", options.check_tables,
                "Check every table of the folder, list each fault, and end (1: there are some)");
   try {

@@ -22,7 +22,7 @@ void CheckVariableTable(const std::string& path, Faults* faults) {
   try {
     parser.ExtractConfigInfo(path);
   } catch (const std::exception& error) {
-    faults->push_back(path + ":1: " + error.what());
+    faults->push_back(path + ": " + error.what());
     return;
   }
   for (const TableFault& fault : parser.Faults()) faults->push_back(fault.text);
@@ -36,15 +36,15 @@ std::vector<std::string> CheckModelColumn(const std::string& path,
   std::vector<std::string> named;
   const CsvTable table(path);
   for (const CsvFault& fault : table.faults()) {
-    faults->push_back(path + ":" + std::to_string(fault.line) + ": " + fault.reason);
+    faults->push_back(path + ", line " + std::to_string(fault.line) + ": " + fault.reason);
   }
   const size_t column = table.Column("Model");
   for (size_t row = 0; row < table.row_count(); ++row) {
     const std::string model(table.Cell(row, column));
     named.push_back(model);
     if (models.count(model) == 0) {
-      faults->push_back(path + ":" + std::to_string(table.LineOf(row)) + ": model \"" + model +
-                        "\" has no variable table");
+      faults->push_back(path + ", line " + std::to_string(table.LineOf(row)) + ": model \"" +
+                        model + "\" has no variable table");
     }
   }
   return named;
@@ -76,7 +76,7 @@ void Guarded(const std::string& path, Faults* faults, Check check) {
   } catch (const AuthConfigError& error) {
     faults->push_back(error.place() + ": " + error.what());
   } catch (const std::exception& error) {
-    faults->push_back(path + ":1: " + error.what());
+    faults->push_back(path + ": " + error.what());
   }
 }
 

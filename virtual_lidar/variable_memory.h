@@ -34,8 +34,8 @@ class VariableMemory {
     bool written = false;
   };
 
-  /// Every variable starts at its default. Defaults and command texts that cannot be used are
-  /// listed in faults(), each with file and line, and leave zeros or no command behind.
+  /// Every variable starts at its default. Defaults that cannot be encoded are listed in faults(),
+  /// each with file and line, and leave zeros behind.
   explicit VariableMemory(const ConfigParser& table);
 
   /// Carries a command of the table out; nothing when the table does not know it. A write is

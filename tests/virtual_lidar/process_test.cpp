@@ -143,9 +143,9 @@ TEST(Process, ChecksTheTables) {
   // The default folder is the one below the current directory.
   Program bad({"--check-tables"}, folder.path());
   EXPECT_EQ(bad.ExitCode(), 1);
-  for (const char* text :
-       {"Bad.csv:3: Wide: default \"256\"", "Bad.csv:4:", "Short.csv", "feature_config.csv",
-        "auth_config.csv:2", "empty hex byte", "model \"Nobody\" has no variable table"}) {
+  for (const char* text : {"Bad.csv, line 3: \"Wide\": default \"256\"", "Bad.csv, line 4:",
+                           "Short.csv", "feature_config.csv", "auth_config.csv, line 2",
+                           "empty hex byte", "model \"Nobody\" has no variable table"}) {
     EXPECT_TRUE(bad.output().contains(text)) << text << " in\n" << bad.output().constData();
   }
 }
