@@ -1,11 +1,13 @@
 import QtQuick 2.15
 import "../theme"
+import "Advice.js" as Advice
 
 // Something failed.
 NoticeWindow {
     objectName: "errorInfoWindow"
     title: qsTr("Something went wrong")
-    defaultAdvice: qsTr("The log below lists every step. Put right what it names and try again.")
+    adviceFor: message => Advice.forMessage(message,
+        qsTr("The log lists every step. Put right what it names and try again."))
     iconSource: "../icons/error.svg"
     tone: Theme.errorColor
 }

@@ -3,12 +3,13 @@ import QtQuick 2.15
 // A message box that only tells something. Messages that arrive while one is on the screen wait in
 // line, so that none is lost, not even the same text twice.
 //
-// show(message, advice)  what happened, and what to do next; without advice `defaultAdvice` is used
+// show(message, advice)  what happened, and what to do next; without advice adviceFor() is asked
 // dismissed()            the last of the waiting messages was closed
 DialogFrame {
     id: notice
 
-    property string defaultAdvice: ""
+    // A function that gives the advice for a message.
+    property var adviceFor: message => ""
     readonly property int waiting: queue.length
 
     signal dismissed()
@@ -18,7 +19,7 @@ DialogFrame {
     function show(message, advice) {
         queue = queue.concat([{
             "message": message,
-            "advice": advice === undefined || advice === "" ? defaultAdvice : advice
+            "advice": advice === undefined || advice === "" ? adviceFor(message) : advice
         }]);
         if (!visible)
             showNext();

@@ -5,7 +5,7 @@ import "../theme"
 NoticeWindow {
     objectName: "successInfoWindow"
     title: qsTr("Done")
-    defaultAdvice: qsTr("Nothing else to do: you can go on.")
+    adviceFor: message => qsTr("Nothing else to do: you can go on.")
     iconSource: "../icons/success.svg"
     tone: Theme.successColor
 }

@@ -51,6 +51,19 @@ TestCase {
         verify(findChild(box.contentItem, "dialogAdvice").text.length > 0);
     }
 
+    function test_a_failure_brings_its_own_advice_data() {
+        return [{ tag: "known", message: "Please connect to lidar first", words: "press Connect" },
+                { tag: "inside", message: "Set Failed: stof", words: "what the lidar holds" },
+                { tag: "unknown", message: "Never heard of", words: "The log lists every step" }];
+    }
+
+    function test_a_failure_brings_its_own_advice(data) {
+        const box = make(errorComponent);
+        box.show(data.message);
+        tryVerify(() => box.opened);
+        verify(box.advice.indexOf(data.words) >= 0, box.advice);
+    }
+
     function test_notices_wait_in_line_even_equal_ones() {
         const box = make(errorComponent);
         dismissed.target = box;
