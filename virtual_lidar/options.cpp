@@ -97,6 +97,7 @@ std::optional<Options> ParseOptions(int argc, char** argv, int* exit_code) {
       ->check(CLI::Validator(CheckTarget, ""));
   app.add_option("--set", presets, "Give a variable another value to start with, by name or id")
       ->type_name("NAME=VALUE")
+      ->allow_extra_args(false)
       ->check(CLI::Validator(CheckPreset, ""));
   app.add_option("--dump", options.server.dump_file,
                  "Keep this file at what the device holds: JSON, rewritten after every change")
@@ -109,6 +110,7 @@ std::optional<Options> ParseOptions(int argc, char** argv, int* exit_code) {
                "Tell clients that no authentication is required, whatever the table says");
   app.add_option("--fault", faults, "Misbehave on purpose; see below")
       ->type_name("FAULT")
+      ->allow_extra_args(false)
       ->check(CLI::Validator(CheckFault, ""));
   app.add_flag("--check-tables", options.check_tables,
                "Check every table of the folder, list each fault, and end (1: there are some)");

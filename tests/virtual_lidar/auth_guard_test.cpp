@@ -122,7 +122,7 @@ class AuthLines : public kavel::lidar::LogSink {
 // Config: the same file serves both sides.
 class HandshakeOverTcp : public testing::TestWithParam<int> {
  protected:
-  static void SetUpTestSuite() { std::filesystem::current_path(SHIPPED_CONFIG_PARENT); }
+  static void SetUpTestSuite() { std::filesystem::current_path(SOURCE_FOLDER); }
 
   int32_t WriteSpeed(const std::string& fault, int32_t* error) {
     LidarUnderTest::Setup setup;

@@ -2,7 +2,10 @@
 
 #include <gtest/gtest.h>
 
+#include <fstream>
+#include <iterator>
 #include <set>
+#include <string>
 
 namespace {
 
@@ -16,6 +19,16 @@ TEST(FaultModes, ListsEveryModeOnceInTheOrderOfTheEnumeration) {
     EXPECT_EQ(*mode.argument != '\0', mode.argument_max > 0) << mode.name;
   }
   EXPECT_EQ(static_cast<size_t>(Fault::kAuthRefuseResponse) + 1, names.size());
+}
+
+TEST(FaultModes, StandInTheDocumentationWordForWord) {
+  std::ifstream file(SOURCE_FOLDER "/docs/virtual-lidar.md");
+  const std::string page{std::istreambuf_iterator<char>(file), {}};
+  for (const FaultMode& mode : FaultModes()) {
+    const std::string argument = *mode.argument == '\0' ? "" : std::string("=") + mode.argument;
+    const std::string row = "| `" + (mode.name + argument) + "` | " + mode.sentence + " |";
+    EXPECT_NE(page.find(row), std::string::npos) << row;
+  }
 }
 
 TEST(FaultModes, ReadsOrders) {
