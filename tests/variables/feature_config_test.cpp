@@ -48,9 +48,9 @@ TEST(FeatureConfig, WaitsAfterTroubleOnlyWhereTheTableSaysSo) {
 
 TEST(ModelList, ListsTheTablesAndNothingElse) {
   const TableFile file("", "Zeta.csv");
-  std::ofstream(file.folder() + "/Alpha-CMX.csv");
-  std::ofstream(file.folder() + "/notes.txt");
-  std::ofstream(file.folder() + "/old.csv.bak");
+  for (const char* name : {"/Alpha-CMX.csv", "/notes.txt", "/old.csv.bak"}) {
+    std::ofstream created(file.folder() + name);
+  }
   std::filesystem::create_directory(file.folder() + "/Folder.csv");
   EXPECT_EQ(ListModels(file.folder()), (std::vector<std::string>{"Alpha-CMX", "Zeta"}));
   EXPECT_TRUE(ListModels(file.folder() + "/none").empty());
