@@ -15,6 +15,7 @@ FocusScope {
     property string modelName: ""
     property int currentTab: 0
     property bool bytesFlow: false
+    property var successes: []
 
     objectName: "mainScreen"
     implicitWidth: Theme.windowWidth
@@ -64,8 +65,17 @@ FocusScope {
             return;
         }
         logWindow.append(text, "SUCCESS");
-        successBox.show(text);
+        successes = successes.concat([text]);
+        Qt.callLater(showSuccesses);
         manager.setSuccessMsg("");
+    }
+
+    // What one action of the user brought, in one box: saving a page reports every command.
+    function showSuccesses() {
+        const text = successes.join("\n");
+        successBox.show(text, text.indexOf("restart the lidar") < 0 ? ""
+            : qsTr("The page shows what the lidar holds now. The gear button restarts it."));
+        successes = [];
     }
 
     function sendCommand(command, payload) {
@@ -116,11 +126,7 @@ FocusScope {
         function onLidarModelChanged() { window.rebuild(); }
         function onLidarClearModel() { tabs.titles = []; }
         function onLidarShowModel() { window.showTabs(); }
-        function onIsGetPBLVersionChanged() {
-            successBox.show(window.manager.isGetPBLVersion
-                ? "Please wait for the PBL version to be obtained. Serial is working. Please wait."
-                : "Serial is operation completed. Please processed with other tasks.");
-        }
+        function onIsGetPBLVersionChanged() { serialBox.tell(window.manager.isGetPBLVersion); }
     }
 
     LinkControl {
@@ -258,6 +264,7 @@ FocusScope {
 
     ErrorInfoWindow { id: errorBox }
     SuccessInfoWindow { id: successBox }
+    SerialBusyWindow { id: serialBox }
     MessageWindow {
         id: question
 

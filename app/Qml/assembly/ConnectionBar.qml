@@ -170,7 +170,10 @@ FocusScope {
                 problem: ValueHint.isWholeNumber(text, 1, 4294967295) ? "" : qsTr("A whole number")
                 label: parent.caption
                 hint: qsTr("Baud rate of the UART port, on which the point cloud arrives")
-                onCommitted: bar.manager.baud_rate = text
+                onCommitted: {
+                    bar.manager.baud_rate = text;
+                    revert();
+                }
             }
         }
 
@@ -203,6 +206,12 @@ FocusScope {
             visible: bar.network
             onRestartWanted: bar.restartWanted()
             onResetWanted: bar.resetWanted()
+        }
+
+        // Keeps the gear's place, so that Connect stands where it always stands.
+        Item {
+            visible: !bar.network
+            implicitWidth: Theme.controlHeight
         }
 
         DefaultToolButton {

@@ -35,6 +35,7 @@ FocusScope {
 
     function keep(field) {
         field.typing = false;
+        field.handedOver = field.text;
         editedFields = editedFields.concat([field.index]);
         manager.SetMultiFovConfig(field.index, field.text);
         row.edited();
@@ -55,6 +56,9 @@ FocusScope {
 
             DefaultTextField {
                 required property int index
+                // What was handed over last: a refused text stays in the field, and is not handed
+                // over again when the keyboard leaves.
+                property string handedOver: ""
 
                 objectName: "fov_" + index
                 width: Theme.fieldWidth / 2
@@ -66,7 +70,8 @@ FocusScope {
                 hint: qsTr("Angle %1 of pair %2, 0 to 360 degrees").arg(index % 2 + 1)
                                                                    .arg(Math.floor(index / 2) + 1)
                 label: qsTr("Field-of-view angle %1").arg(index + 1)
-                onCommitted: panel.keep(this)
+                onCommitted: if (text !== handedOver) panel.keep(this)
+                onTextEdited: handedOver = ""
             }
         }
     }

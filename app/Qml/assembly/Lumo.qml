@@ -75,6 +75,7 @@ FocusScope {
     Connections {
         target: screen.manager
         function onIsConnectedChanged() { screen.readAll(); }
+        function onIsGetPBLVersionChanged() { screen.readAll(); }
     }
 
     Timer {

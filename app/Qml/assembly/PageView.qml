@@ -1,4 +1,5 @@
 import QtQuick 2.15
+import QtQuick.Window 2.15
 import QtQuick.Templates 2.15 as T
 import "../theme"
 
@@ -15,7 +16,12 @@ FocusScope {
     property var manager
     property int tab: 0
     property string title: ""
-    readonly property bool hasEdits: pendingCommands > 0
+    readonly property bool hasEdits: pendingCommands > 0 || typing
+    // A field of the page holds text that was not confirmed yet.
+    readonly property bool typing: {
+        const item = Window.activeFocusItem;
+        return activeFocus && item !== null && item.typing === true && item.text !== item.value;
+    }
     property int pendingCommands: 0
 
     signal refused(string reason)

@@ -47,7 +47,10 @@ FocusScope {
             problem: ValueHint.isWholeNumber(text, 1, 65535) ? "" : qsTr("A number from 1 to 65535")
             label: qsTr("UDP port of the point cloud")
             hint: qsTr("UDP port to which the lidar sends its points, 1 to 65535")
-            onCommitted: bar.portEntered(text)
+            onCommitted: {
+                bar.portEntered(text);
+                revert();
+            }
         }
 
         DefaultToolButton {

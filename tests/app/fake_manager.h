@@ -1,0 +1,82 @@
+#pragma once
+
+#include <QObject>
+#include <QStringList>
+#include <QUrl>
+#include <QVariant>
+#include <QVariantList>
+#include <QVariantMap>
+
+/// Stands in for the manager where a screen is tested alone. It holds what a test puts into its
+/// properties, and notes every call as [name, arguments...] in `calls`.
+class FakeManager : public QObject {
+  Q_OBJECT
+  Q_PROPERTY(QVariantList calls MEMBER calls NOTIFY noted)
+  Q_PROPERTY(QVariantList myMap MEMBER map NOTIFY myMapChanged)
+  Q_PROPERTY(QVariantList level2List MEMBER rows NOTIFY lidarModelChanged)
+  Q_PROPERTY(QVariantList FovList MEMBER fov NOTIFY fovConfigChanged)
+  Q_PROPERTY(bool IsConnected MEMBER connected NOTIFY isConnectedChanged)
+  Q_PROPERTY(bool IsUpgrading MEMBER upgrading NOTIFY isUpgradingChanged)
+  Q_PROPERTY(bool IsDownloadLog MEMBER downloading NOTIFY isDownloadLogChanged)
+  Q_PROPERTY(int connectType MEMBER connect_type NOTIFY connectTypeChanged)
+  // What the methods below answer.
+  Q_PROPERTY(QString pn MEMBER pn NOTIFY noted)
+  Q_PROPERTY(QString sn MEMBER sn NOTIFY noted)
+  Q_PROPERTY(bool connecting MEMBER connecting NOTIFY noted)
+  Q_PROPERTY(bool alive MEMBER alive NOTIFY noted)
+  Q_PROPERTY(QStringList outOfRange MEMBER out_of_range NOTIFY noted)
+  Q_PROPERTY(int pending MEMBER pending NOTIFY noted)
+
+ public:
+  using QObject::QObject;
+
+  Q_INVOKABLE bool ConnectLidar() { return Note({"ConnectLidar"}); }
+  Q_INVOKABLE void Stop() { Note({"Stop"}); }
+  Q_INVOKABLE bool CheckLidarConnection() { return Note({"CheckLidarConnection"}) && alive; }
+  Q_INVOKABLE bool GetIsConnectingLidar() { return connecting; }
+  Q_INVOKABLE void GetLidarModuleInfo(int module) { Note({"GetLidarModuleInfo", module}); }
+  Q_INVOKABLE void Run(int module) { Note({"Run", module}); }
+  Q_INVOKABLE void SetText(int type, int level1, int level2, int level3, const QString& text);
+  Q_INVOKABLE void SetMultiFovConfig(int index, const QString& text);
+  Q_INVOKABLE int getSetMapSize() { return pending; }
+  Q_INVOKABLE bool CheckModuleVarsWithinRange(int module);
+  Q_INVOKABLE bool isTimerUpdate(int, int, int level3) { return level3 == 0; }
+  Q_INVOKABLE QString getLidarPN() { return pn; }
+  Q_INVOKABLE QString getLidarSN() { return sn; }
+  Q_INVOKABLE void setErrorMsg(const QString& text) { Note({"setErrorMsg", text}); }
+  Q_INVOKABLE int UpgradeLidar(const QUrl& url, int level1, int level2, int level3);
+  /// Puts `value` under `key` of one variable's display fields, without a signal.
+  Q_INVOKABLE void put(int level1, int level2, int level3, const QString& key,
+                       const QVariant& value);
+
+ signals:
+  void noted();
+  void myMapChanged();
+  void myTimerMapChanged();
+  void lidarModelChanged();
+  void fovConfigChanged();
+  void isConnectedChanged();
+  void isUpgradingChanged();
+  void isDownloadLogChanged();
+  void connectTypeChanged();
+  void monitorContentChanged();
+  void someVarOutOfRange(const QString& var_name);
+
+ private:
+  bool Note(const QVariantList& call);
+
+  QVariantList calls;
+  QVariantList map;
+  QVariantList rows;
+  QVariantList fov;
+  bool connected = true;
+  bool upgrading = false;
+  bool downloading = false;
+  int connect_type = 0;
+  QString pn;
+  QString sn;
+  bool connecting = false;
+  bool alive = true;
+  QStringList out_of_range;
+  int pending = 0;
+};

@@ -1,0 +1,138 @@
+#include "app/screen.h"
+
+#include <QFile>
+#include <QGuiApplication>
+#include <QPalette>
+#include <QQmlContext>
+#include <QResource>
+#include <QTest>
+#include <stdexcept>
+
+#include "operations/connection_settings.h"
+#include "screen_types.h"
+#include "startup.h"
+
+// The macro declares a function and so must stand outside every namespace.
+static void InitScreens() { Q_INIT_RESOURCE(resources); }
+
+namespace {
+
+constexpr QSize kWindowSize(1300, 800);
+
+bool PrepareOnce() {
+  static const bool done = [] {
+    InitScreens();
+    RegisterScreenTypes();
+    QGuiApplication::setPalette(ApplicationPalette());
+    return true;
+  }();
+  return done;
+}
+
+std::string DefaultTable() {
+  PrepareOnce();
+  QFile::remove(SettingsFilePath());
+  return "./Config/varID/Orca.csv";
+}
+
+// Items of the scene and of its boxes alike hang below the window's content item.
+QQuickItem* FindBelow(QQuickItem* item, const QString& name) {
+  if (!item->isVisible()) return nullptr;
+  if (item->objectName() == name) return item;
+  for (QQuickItem* child : item->childItems()) {
+    if (QQuickItem* found = FindBelow(child, name)) return found;
+  }
+  return nullptr;
+}
+
+}  // namespace
+
+Screen::Screen(const QString& model) : manager_(true, DefaultTable()) {
+  manager_.InitConfigFileParser();
+  view_.rootContext()->setContextProperty(QStringLiteral("tevron_manager"), &manager_);
+  view_.setResizeMode(QQuickView::SizeRootObjectToView);
+  view_.setSource(QUrl(QStringLiteral("qrc:/Qml/main.qml")));
+  view_.resize(kWindowSize);
+  view_.show();
+  view_.requestActivate();
+  if (!QTest::qWaitForWindowActive(&view_, kWaitMs)) {
+    throw std::runtime_error("the scene did not become active");
+  }
+  if (model != QLatin1String("Orca")) {
+    QMetaObject::invokeMethod(view_.rootObject(), "chooseModel", Q_ARG(QVariant, model));
+    // A picture is only taken of a scene whose items have found their places.
+    view_.grabWindow();
+  }
+}
+
+QQuickItem* Screen::Find(const QString& name) const { return FindBelow(view_.contentItem(), name); }
+
+QObject* Screen::FindObject(const QString& name) const {
+  return view_.rootObject()->findChild<QObject*>(name);
+}
+
+QVariant Screen::Value(const QString& name, const char* property) const {
+  const QQuickItem* item = Find(name);
+  return item == nullptr ? QVariant() : item->property(property);
+}
+
+void Screen::Click(const QString& name) {
+  QQuickItem* item = Find(name);
+  if (item == nullptr || !item->isEnabled()) {
+    throw std::runtime_error("nothing to click called " + name.toStdString());
+  }
+  // A row below the window is scrolled into it first, as a user would.
+  item->forceActiveFocus(Qt::OtherFocusReason);
+  const QPointF middle(item->width() / 2, item->height() / 2);
+  QTest::mouseClick(&view_, Qt::LeftButton, Qt::NoModifier, item->mapToScene(middle).toPoint());
+}
+
+void Screen::Key(int key, Qt::KeyboardModifiers modifiers) {
+  QTest::keyClick(&view_, static_cast<Qt::Key>(key), modifiers);
+}
+
+void Screen::Type(const QString& text) {
+  for (const QChar letter : text) QTest::keyClick(&view_, letter.toLatin1());
+}
+
+void Screen::TypeInto(const QString& name, const QString& text) {
+  Click(name);
+  Key(Qt::Key_A, Qt::ControlModifier);
+  Type(text);
+}
+
+bool Screen::ConnectTo(quint16 port) {
+  TypeInto(QStringLiteral("ipField"), QStringLiteral("127.0.0.1"));
+  TypeInto(QStringLiteral("portField"), QString::number(port));
+  Key(Qt::Key_Return);
+  Click(QStringLiteral("connectButton"));
+  return WaitFor([this] { return connected() && Find(QStringLiteral("connectionLamp")); });
+}
+
+bool Screen::connected() const { return manager_.isConnected(); }
+
+QColor Screen::LampColor() const {
+  return Value(QStringLiteral("connectionLamp"), "color").value<QColor>();
+}
+
+QString Screen::BoxMessage() const { return Text(QStringLiteral("dialogMessage")); }
+
+bool Screen::WaitForBox(const QString& text) const {
+  return WaitFor([&] { return BoxMessage().contains(text); });
+}
+
+bool Screen::CloseBox() {
+  Click(QStringLiteral("dialogAccept"));
+  return WaitFor([this] { return BoxMessage().isEmpty(); });
+}
+
+QString Screen::LogText() const {
+  QString text;
+  QMetaObject::invokeMethod(FindObject(QStringLiteral("logFilter")), "ShownText",
+                            Q_RETURN_ARG(QString, text));
+  return text;
+}
+
+bool Screen::WaitFor(const std::function<bool()>& condition) {
+  return QTest::qWaitFor(condition, kWaitMs);
+}

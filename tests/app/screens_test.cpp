@@ -1,0 +1,262 @@
+// The real scene on the real manager, clicked and typed into, with the virtual lidar as a process
+// at the other end of the wire.
+
+#include <gtest/gtest.h>
+
+#include <QClipboard>
+#include <QGuiApplication>
+#include <QTest>
+
+#include "app/screen.h"
+#include "support/virtual_lidar_process.h"
+
+namespace {
+
+// Places of variables on Orca's pages.
+const char kScanTab[] = "tab2";
+const char kFovTab[] = "tab3";
+const char kMinimumDistance[] = "field_2_0_7";
+const char kMaximumDistance[] = "field_2_0_8";
+const char kReturnMode[] = "choice_2_0_2";
+const char kNoiseFilter[] = "switch_2_0_6";
+const char kNoiseFilterField[] = "field_2_0_6";
+
+QString Held(const VirtualLidarProcess& lidar, const QString& variable) {
+  return lidar.Variable(variable).value("text").toString();
+}
+
+class ScreensTest : public testing::Test {
+ protected:
+  void ConnectOnTab(const QString& tab) {
+    ASSERT_TRUE(screen_.ConnectTo(lidar_.port())) << screen_.LogText().toStdString();
+    screen_.Click(tab);
+  }
+
+  Screen screen_;
+  VirtualLidarProcess lidar_;
+};
+
+TEST_F(ScreensTest, ConnectsByAClickAndShowsTheLidarsValues) {
+  EXPECT_EQ(screen_.LampColor(), QColor("red"));
+  EXPECT_EQ(screen_.Text("connectButton"), "Connect");
+  EXPECT_TRUE(screen_.Find("modelChoice")->isEnabled());
+
+  ASSERT_TRUE(screen_.ConnectTo(lidar_.port())) << screen_.LogText().toStdString();
+  EXPECT_EQ(screen_.LampColor(), QColor("#00FF6B"));
+  EXPECT_EQ(screen_.Text("connectButton"), "Disconnect");
+  EXPECT_FALSE(screen_.Find("modelChoice")->isEnabled());
+  EXPECT_FALSE(screen_.Find("ipField")->isEnabled());
+  EXPECT_EQ(screen_.Text("field_0_0_1"), Held(lidar_, "SN"));
+  EXPECT_TRUE(
+      Screen::WaitFor([&] { return screen_.LogText().contains("[INFO] Lidar connected"); }));
+  EXPECT_EQ(screen_.BoxMessage(), QString()) << "a lidar of the chosen model needs no warning";
+
+  screen_.Click("connectButton");
+  EXPECT_FALSE(screen_.connected());
+  EXPECT_EQ(screen_.LampColor(), QColor("red"));
+  EXPECT_FALSE(screen_.FindObject("linkCheckTimer")->property("running").toBool());
+}
+
+TEST_F(ScreensTest, TellsWhyALidarCannotBeReached) {
+  lidar_.Kill();
+  screen_.TypeInto("portField", QString::number(lidar_.port()));
+  screen_.TypeInto("ipField", "127.0.0.1");
+  screen_.Click("connectButton");
+  EXPECT_NE(screen_.Find("connectingIndicator"), nullptr);
+  screen_.Click("connectButton");
+  EXPECT_TRUE(screen_.WaitForBox("Is Connecting Lidar... Please wait."));
+  screen_.Click("dialogAccept");
+  EXPECT_TRUE(screen_.WaitForBox("TCP connection failed."));
+  EXPECT_TRUE(Screen::WaitFor([&] { return screen_.Find("connectingIndicator") == nullptr; }));
+  EXPECT_EQ(screen_.LampColor(), QColor("red"));
+}
+
+TEST_F(ScreensTest, DisconnectsWhenTheLinkCheckFindsTheLidarGone) {
+  ConnectOnTab("tab0");
+  QObject* timer = screen_.FindObject("linkCheckTimer");
+  EXPECT_EQ(timer->property("interval").toInt(), 5000);
+  QMetaObject::invokeMethod(timer, "triggered");
+  EXPECT_TRUE(screen_.connected()) << "a lidar that answers stays connected";
+
+  lidar_.Kill();
+  QMetaObject::invokeMethod(timer, "triggered");
+  EXPECT_FALSE(screen_.connected());
+  EXPECT_FALSE(timer->property("running").toBool());
+  EXPECT_EQ(screen_.LampColor(), QColor("red"));
+}
+
+TEST_F(ScreensTest, WritesWhatIsTypedAndMarksItUntilItIsSaved) {
+  ConnectOnTab(kScanTab);
+  screen_.TypeInto(kMinimumDistance, "50");
+  EXPECT_TRUE(screen_.Value(kMinimumDistance, "pending").toBool());
+  EXPECT_EQ(Held(lidar_, "Minimum Distance"), "20") << "nothing is written before Save";
+
+  screen_.Key(Qt::Key_S, Qt::ControlModifier);
+  ASSERT_TRUE(screen_.WaitForBox("Set Lidar Successfully"));
+  EXPECT_EQ(Held(lidar_, "Minimum Distance"), "50");
+  EXPECT_EQ(Held(lidar_, "Maximum Distance"), "200") << "a field beside it keeps its value";
+  EXPECT_EQ(screen_.Text(kMinimumDistance), "50");
+  EXPECT_FALSE(screen_.Value(kMinimumDistance, "pending").toBool());
+  EXPECT_TRUE(Screen::WaitFor([&] { return screen_.LogText().contains("[SUCCESS]"); }));
+}
+
+TEST_F(ScreensTest, WritesChoicesAndSwitches) {
+  ConnectOnTab(kScanTab);
+  screen_.Click(kReturnMode);
+  screen_.Key(Qt::Key_Down);
+  screen_.Key(Qt::Key_Return);
+  screen_.Click(kNoiseFilter);
+  EXPECT_EQ(screen_.Text(kNoiseFilterField), "0");
+  EXPECT_FALSE(screen_.Find(kNoiseFilterField)->isEnabled());
+  screen_.Click("saveButton");
+  ASSERT_TRUE(screen_.WaitForBox("Set Lidar Successfully"));
+  EXPECT_EQ(Held(lidar_, "Return Mode"), "1");
+  EXPECT_EQ(Held(lidar_, "Noise Filter"), "0");
+  EXPECT_TRUE(screen_.CloseBox()) << "one Save, one box";
+}
+
+TEST_F(ScreensTest, KeepsWhatIsBeingTypedThroughARefresh) {
+  ConnectOnTab(kScanTab);
+  screen_.TypeInto(kMinimumDistance, "12");
+  screen_.manager().UpdateUI();
+  emit screen_.manager().myTimerMapChanged();
+  screen_.Type("3");
+  EXPECT_EQ(screen_.Text(kMinimumDistance), "123");
+  EXPECT_TRUE(screen_.Value(kMinimumDistance, "activeFocus").toBool());
+
+  screen_.Key(Qt::Key_Escape);
+  EXPECT_EQ(screen_.Text(kMinimumDistance), "20");
+  EXPECT_EQ(screen_.manager().getSetMapSize(), 0);
+}
+
+TEST_F(ScreensTest, BringsTheLidarsValuesBackOnCancelAndOnAnotherTab) {
+  ConnectOnTab(kScanTab);
+  screen_.TypeInto(kMinimumDistance, "77");
+  screen_.Click("cancelButton");
+  EXPECT_EQ(screen_.Text(kMinimumDistance), "20");
+  EXPECT_EQ(screen_.manager().getSetMapSize(), 0);
+
+  screen_.TypeInto(kMinimumDistance, "78");
+  screen_.Key(Qt::Key_Return);
+  EXPECT_EQ(screen_.manager().getSetMapSize(), 1);
+  screen_.Click("tab1");
+  screen_.Click(kScanTab);
+  EXPECT_EQ(screen_.Text(kMinimumDistance), "20");
+  screen_.Click("saveButton");
+  EXPECT_TRUE(screen_.WaitForBox("Nothing to be saved"));
+}
+
+TEST_F(ScreensTest, AsksBeforeItWritesValuesOutOfRange) {
+  ConnectOnTab(kScanTab);
+  screen_.TypeInto(kMinimumDistance, "600");
+  EXPECT_NE(screen_.Value(kMinimumDistance, "problem").toString(), QString());
+  screen_.TypeInto(kMaximumDistance, "0");
+  screen_.Click("saveButton");
+  ASSERT_TRUE(screen_.WaitForBox("Minimum Distance\nMaximum Distance"));
+  EXPECT_EQ(screen_.Text("dialogAccept"), "Continue");
+  screen_.Key(Qt::Key_Escape);
+  ASSERT_TRUE(Screen::WaitFor([&] { return screen_.BoxMessage().isEmpty(); }));
+  EXPECT_EQ(screen_.Text(kMinimumDistance), "600") << "the edits are still there";
+
+  screen_.Click("saveButton");
+  ASSERT_TRUE(screen_.WaitForBox("Minimum Distance"));
+  screen_.Click("dialogAccept");
+  ASSERT_TRUE(screen_.WaitForBox("Set Failed: 0x12 SET Minimum Distance, Maximum Distance"));
+  EXPECT_EQ(Held(lidar_, "Minimum Distance"), "20") << "the lidar refuses them";
+}
+
+TEST_F(ScreensTest, RefusesToSaveWithoutALidar) {
+  screen_.Click(kScanTab);
+  screen_.TypeInto(kMinimumDistance, "50");
+  screen_.Click("saveButton");
+  EXPECT_TRUE(screen_.WaitForBox("Please connect to lidar first"));
+}
+
+TEST_F(ScreensTest, SetsTheFieldOfView) {
+  ConnectOnTab(kFovTab);
+  EXPECT_EQ(screen_.Text("fov_0"), "0");
+  screen_.TypeInto("fov_0", "361");
+  screen_.Key(Qt::Key_Return);
+  ASSERT_TRUE(screen_.WaitForBox("Input value of fov is invalid"));
+  ASSERT_TRUE(screen_.CloseBox()) << "one Enter, one box";
+
+  screen_.TypeInto("fov_0", "12.5");
+  screen_.Click("saveButton");
+  ASSERT_TRUE(screen_.WaitForBox("Set Lidar Successfully"))
+      << screen_.BoxMessage().toStdString() << screen_.LogText().toStdString();
+  // 12.5 as a float32 behind the mode and the count byte.
+  EXPECT_EQ(lidar_.Variable("FOV Table").value("hex").toString().remove(' ').mid(4, 8).toLower(),
+            "41480000");
+  EXPECT_EQ(screen_.Text("fov_0"), "12.5");
+}
+
+TEST_F(ScreensTest, SendsCommandsByHandAndRecallsThem) {
+  ConnectOnTab("tab0");
+  screen_.Click("bytesFlowSwitch");
+  screen_.TypeInto("consoleCommand", "0x11");
+  screen_.Key(Qt::Key_Return);
+  EXPECT_TRUE(screen_.Text("replyHeader").startsWith("47 74 11 "));
+  EXPECT_TRUE(screen_.Text("replyPayload").startsWith("02 58 "));  // 600 rpm
+  EXPECT_TRUE(
+      Screen::WaitFor([&] { return screen_.LogText().contains("[BYTESFLOW] RECV: 47 74 11"); }));
+
+  screen_.TypeInto("consoleCommand", "07");
+  screen_.TypeInto("consolePayload", "01 02");
+  screen_.Click("consoleSend");
+  EXPECT_EQ(screen_.Value("consoleHistory", "count").toInt(), 2);
+  EXPECT_GT(screen_.manager().commandLogCnt(), 0);
+
+  screen_.Click("consoleCommand");
+  screen_.Key(Qt::Key_Up);
+  EXPECT_EQ(screen_.Text("consolePayload"), "01 02");
+  screen_.Key(Qt::Key_Up);
+  EXPECT_EQ(screen_.Text("consoleCommand"), "0x11");
+  EXPECT_EQ(screen_.Text("consolePayload"), "");
+  screen_.Click("history_1_copy");
+  EXPECT_EQ(QGuiApplication::clipboard()->text(), "0x11");
+  screen_.Click("history_1_send");
+  EXPECT_EQ(screen_.Value("consoleHistory", "count").toInt(), 3);
+
+  screen_.TypeInto("consoleCommand", "zz");
+  screen_.Click("consoleSend");
+  EXPECT_TRUE(screen_.WaitForBox("Incorrect CMX header was entered. Parsing failed."));
+}
+
+TEST_F(ScreensTest, RestartsTheLidarOnlyAfterAQuestion) {
+  ConnectOnTab("tab0");
+  screen_.Click("gearButton");
+  ASSERT_TRUE(Screen::WaitFor([&] { return screen_.Find("restartEntry") != nullptr; }));
+  screen_.Click("restartEntry");
+  ASSERT_TRUE(screen_.WaitForBox("The lidar restarts"));
+  EXPECT_FALSE(lidar_.Output().contains("request 0x10"));
+  screen_.Click("dialogAccept");
+  EXPECT_TRUE(Screen::WaitFor([&] { return lidar_.Output().contains("request 0x10"); }));
+}
+
+TEST_F(ScreensTest, ShowsAnotherModelsPages) {
+  const QVariant orca = screen_.Value("pageTabs", "titles");
+  screen_.Click(kScanTab);
+  screen_.Click("modelChoice");
+  screen_.Key(Qt::Key_End);
+  screen_.Key(Qt::Key_Return);
+  ASSERT_TRUE(
+      Screen::WaitFor([&] { return screen_.LogText().contains("Current selected model is "); }));
+  EXPECT_NE(screen_.Value("pageTabs", "titles"), orca);
+  EXPECT_EQ(screen_.Value("pageTabs", "currentIndex").toInt(), 0);
+  // Osprey is the model whose connection may choose its local port.
+  ASSERT_NE(screen_.Find("hostPortField"), nullptr);
+  screen_.TypeInto("hostPortField", "80");
+  EXPECT_EQ(screen_.Value("hostPortField", "problem").toString(),
+            "Host port must be in [1024, 65535]");
+}
+
+TEST(ForeignLidarTest, IsWarnedAbout) {
+  Screen screen;
+  const VirtualLidarProcess lidar({"--set", "PN=Zebra-1", "--set", "SN=0001"});
+  ASSERT_TRUE(screen.ConnectTo(lidar.port()));
+  EXPECT_TRUE(screen.WaitForBox(
+      "WARNING: Please note that a mismatch is detected between the lidar model on the connection "
+      "and the one selected."));
+}
+
+}  // namespace

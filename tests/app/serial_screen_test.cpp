@@ -1,0 +1,86 @@
+// The screen of the lidars on a serial line, over pseudo-terminals that the virtual lidar makes.
+
+#include <gtest/gtest.h>
+
+#include "app/screen.h"
+#include "support/virtual_lidar_process.h"
+
+namespace {
+
+QString Facts(const Screen& screen, const QString& list) {
+  QString text;
+  for (const QVariant& entry : screen.Value(list, "entries").toList()) {
+    text += entry.toMap().value("name").toString() + '=' + entry.toMap().value("value").toString() +
+            '\n';
+  }
+  return text;
+}
+
+bool WaitUntilIdle(const Screen& screen) {
+  return Screen::WaitFor([&] { return screen.Find("serialActivity") == nullptr; });
+}
+
+void Connect(Screen* screen) {
+  screen->Key(Qt::Key_Return);
+  screen->Click("connectButton");
+  ASSERT_TRUE(Screen::WaitFor([&] { return screen->connected(); }))
+      << screen->LogText().toStdString();
+}
+
+TEST(SerialScreenTest, ReadsAndSetsOverOneLine) {
+  Screen screen("Kiva-CMX");
+  const VirtualLidarProcess lidar({"--model", "Kiva-CMX", "--serial"});
+  EXPECT_EQ(screen.Find("gearButton"), nullptr);
+  EXPECT_EQ(screen.Find("pageRows"), nullptr);
+  EXPECT_EQ(screen.Find("port232"), nullptr);
+  EXPECT_FALSE(screen.Find("netRead")->isEnabled());
+
+  screen.TypeInto("port485_field", lidar.SerialPort());
+  Connect(&screen);
+  EXPECT_EQ(screen.LampColor(), QColor("#00FF6B"));
+  ASSERT_TRUE(screen.WaitForBox("Serial is operation completed."));
+  ASSERT_TRUE(screen.CloseBox());
+  ASSERT_TRUE(WaitUntilIdle(screen));
+  EXPECT_FALSE(Facts(screen, "lidarInfo").contains("Serial Number=xxxxxxxx"));
+  EXPECT_TRUE(Facts(screen, "lidarVersions").contains("BMB FPGA Version="));
+  EXPECT_EQ(screen.Text("netIp").count('.'), 3);
+
+  screen.TypeInto("destinationIp", "10.1.2.3");
+  screen.TypeInto("destinationPort", "3000");
+  screen.Click("destinationSet");
+  ASSERT_TRUE(screen.WaitForBox("set destination IP and port successful"));
+  ASSERT_TRUE(screen.CloseBox());
+  screen.TypeInto("destinationIp", "9.9.9.9");
+  screen.Click("destinationRead");
+  EXPECT_TRUE(Screen::WaitFor([&] { return screen.Text("destinationIp") == "10.1.2.3"; }));
+
+  screen.Click("connectButton");
+  EXPECT_FALSE(screen.connected());
+  EXPECT_EQ(screen.LampColor(), QColor("red"));
+}
+
+TEST(SerialScreenTest, SaysWhatAPairOfPortsCannotDo) {
+  Screen screen("Lumo");
+  const VirtualLidarProcess lidar({"--model", "Lumo", "--serial"});
+  screen.TypeInto("port485_field", lidar.SerialPort("485"));
+  screen.TypeInto("port232_field", lidar.SerialPort("232"));
+  Connect(&screen);
+  ASSERT_TRUE(screen.WaitForBox("Serial is operation completed."));
+  ASSERT_TRUE(screen.CloseBox());
+  ASSERT_TRUE(WaitUntilIdle(screen));
+  EXPECT_TRUE(Facts(screen, "lidarVersions").contains("Junction Box Version="));
+  EXPECT_FALSE(screen.Find("netSet")->isEnabled());
+  EXPECT_EQ(screen.Find("imuSet"), nullptr);
+  EXPECT_TRUE(screen.Find("returnModeSet")->isEnabled());
+}
+
+TEST(SerialScreenTest, NamesThePortThatDoesNotOpen) {
+  Screen screen("Lumo");
+  screen.TypeInto("port485_field", "/dev/there-is-no-such-port");
+  screen.Key(Qt::Key_Return);
+  screen.Click("connectButton");
+  EXPECT_TRUE(screen.WaitForBox("Connection Failed. Please check your"));
+  EXPECT_FALSE(screen.connected());
+}
+
+}  // namespace

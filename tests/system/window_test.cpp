@@ -1,0 +1,160 @@
+// The program and a virtual lidar as they are shipped, on a virtual screen: what a user does with
+// mouse and keyboard comes from outside, and what counts is what the lidar holds in the end.
+
+#include <gtest/gtest.h>
+
+#include <QDir>
+#include <QFile>
+#include <QProcess>
+#include <QRegularExpression>
+#include <QStandardPaths>
+#include <QTemporaryDir>
+#include <QTest>
+#include <functional>
+
+#include "support/virtual_lidar_process.h"
+
+namespace {
+
+constexpr int kWaitMs = 30000;
+
+bool WaitFor(const std::function<bool()>& condition, int bound_ms = kWaitMs) {
+  return QTest::qWaitFor(condition, bound_ms);
+}
+
+// A process that is ended with the object.
+class Child {
+ public:
+  ~Child() {
+    process_.kill();
+    process_.waitForFinished();
+  }
+  QProcess* operator->() { return &process_; }
+
+ private:
+  QProcess process_;
+};
+
+class WindowTest : public testing::Test {
+ protected:
+  void SetUp() override {
+    for (const char* tool : {"Xvfb", "xdotool"}) {
+      if (QStandardPaths::findExecutable(tool).isEmpty()) {
+        GTEST_SKIP() << tool << " is not installed: the window is not tried on a screen";
+      }
+    }
+    // The virtual lidar finds the tables below the current directory.
+    ASSERT_TRUE(QDir::setCurrent(TEVRON_TEST_ROOT));
+    StartScreen();
+    lidar_ = std::make_unique<VirtualLidarProcess>();
+    StartProgram();
+  }
+
+  void StartScreen() {
+    screen_->start("Xvfb", {"-displayfd", "1", "-screen", "0", "1400x900x24", "-nolisten", "tcp"});
+    QByteArray number;
+    ASSERT_TRUE(WaitFor([&] {
+      screen_->waitForReadyRead(100);
+      number += screen_->readAllStandardOutput();
+      return number.endsWith('\n');
+    }));
+    environment_.insert("DISPLAY", ":" + QString::fromLatin1(number.trimmed()));
+  }
+
+  void StartProgram() {
+    const QString settings = home_.filePath("Documents/CorvanViewDataFiles");
+    QDir().mkpath(settings);
+    QFile file(settings + "/RecvSettings.ini");
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    file.write("[General]\ndevice_ip_address=127.0.0.1\ncmx_port=" +
+               QByteArray::number(lidar_->port()) + "\n");
+    file.close();
+    environment_.insert("HOME", home_.path());
+    environment_.insert("XDG_CONFIG_HOME", home_.filePath(".config"));
+    environment_.insert("QT_QPA_PLATFORM", "xcb");
+    environment_.insert("QT_QUICK_BACKEND", "software");
+    program_->setProcessEnvironment(environment_);
+    program_->setProcessChannelMode(QProcess::ForwardedChannels);
+    program_->start(TEVRON_PROGRAM, QStringList());
+    window_ = XDoTool({"search", "--sync", "--onlyvisible", "--name", "^Tevron$"})
+                  .trimmed()
+                  .section('\n', -1);
+    ASSERT_FALSE(window_.isEmpty()) << "the window did not open";
+    const QString geometry = XDoTool({"getwindowgeometry", "--shell", window_});
+    width_ = Number("WIDTH", geometry);
+    left_ = Number("X", geometry);
+    top_ = Number("Y", geometry);
+  }
+
+  QString XDoTool(const QStringList& arguments) const {
+    QProcess tool;
+    tool.setProcessEnvironment(environment_);
+    tool.start("xdotool", arguments);
+    tool.waitForFinished(kWaitMs);
+    return QString::fromLocal8Bit(tool.readAllStandardOutput());
+  }
+
+  static int Number(const QString& name, const QString& geometry) {
+    const QRegularExpression line("^" + name + "=(-?\\d+)$", QRegularExpression::MultilineOption);
+    return line.match(geometry).captured(1).toInt();
+  }
+
+  void Click(int from_left, int from_top) const {
+    XDoTool({"mousemove", QString::number(left_ + from_left), QString::number(top_ + from_top),
+             "click", "1"});
+  }
+
+  // Connect stands in the top right corner. A click that comes before the scene has taken its place
+  // hits nothing and is tried again.
+  bool Connect() {
+    constexpr int kAttempts = 15;
+    constexpr int kAttemptMs = 2000;
+    for (int i = 0; i < kAttempts; ++i) {
+      Click(width_ - 171, 45);
+      if (WaitFor([&] { return lidar_->Output().contains("request 0x07"); }, kAttemptMs))
+        return true;
+    }
+    return false;
+  }
+
+  QString Held(const QString& variable) const {
+    return lidar_->Variable(variable).value("text").toString();
+  }
+
+  Child screen_;
+  std::unique_ptr<VirtualLidarProcess> lidar_;
+  QTemporaryDir home_;
+  QProcessEnvironment environment_ = QProcessEnvironment::systemEnvironment();
+  Child program_;
+  QString window_;
+  int width_ = 0;
+  int left_ = 0;
+  int top_ = 0;
+};
+
+TEST_F(WindowTest, WritesATypedValueToTheLidarAndLeavesASilentOneAtOnce) {
+  ASSERT_TRUE(Connect());
+  ASSERT_TRUE(WaitFor([&] { return lidar_->Output().contains("request 0x02"); }));
+  ASSERT_EQ(Held("Minimum Distance"), "20");
+
+  // From the first tab two to the right to "Scan", and from there nine fields on.
+  Click(55, 99);
+  XDoTool({"key", "Right", "Right"});
+  ASSERT_TRUE(WaitFor([&] { return lidar_->Output().contains("request 0x11"); }));
+  QStringList keys{"key"};
+  for (int field = 0; field < 9; ++field) keys << "Tab";
+  XDoTool(keys);
+  XDoTool({"key", "ctrl+a"});
+  XDoTool({"type", "55"});
+  XDoTool({"key", "ctrl+s"});
+  EXPECT_TRUE(WaitFor([&] { return Held("Minimum Distance") == "55"; }))
+      << lidar_->Output().toStdString();
+
+  lidar_->Freeze();
+  XDoTool({"windowquit", window_});
+  ASSERT_TRUE(program_->waitForFinished(kWaitMs));
+  EXPECT_EQ(program_->exitStatus(), QProcess::NormalExit);
+  EXPECT_EQ(program_->exitCode(), 0);
+}
+
+}  // namespace
