@@ -63,7 +63,7 @@ void TevronManager::SetText(int type, int level1, int level2, int level3, const 
   if (var == nullptr) return;
   parts_->edits->SetText(type, *var, text.toStdString(), parts_->report);
   // Without a signal: whoever edits shows the text already, and reads the map again where it wants.
-  parts_->RebuildMap();
+  parts_->ShowValueAt(*var, level1, level2, level3);
 }
 
 void TevronManager::SetMultiFovConfig(int index, const QString& fov) {

@@ -78,6 +78,19 @@ bool TevronManager::Parts::RebuildMap() {
   return changed;
 }
 
+void TevronManager::Parts::ShowValueAt(const VarInfo& var, int level1, int level2, int level3) {
+  QVariantList groups = my_map[level1].toList();
+  QVariantList leaves = groups[level2].toList();
+  QVariantMap leaf = leaves[level3].toMap();
+  const QVariantMap fields = VariableMap(var, model->table->ValueOf(var));
+  for (auto field = fields.begin(); field != fields.end(); ++field) {
+    leaf.insert(field.key(), field.value());
+  }
+  leaves[level3] = leaf;
+  groups[level2] = leaves;
+  my_map[level1] = groups;
+}
+
 bool TevronManager::Parts::RebuildFov() {
   QVariantList texts;
   for (const std::string& text : edits->fov().Texts()) texts.append(QString::fromStdString(text));

@@ -93,6 +93,8 @@ struct TevronManager::Parts {
   void TakeModel(std::shared_ptr<LidarModel> loaded);
   /// Shows the values as they are now; true when anything changed.
   bool RebuildMap();
+  /// The same for the one variable at a position that exists: what an edit changes.
+  void ShowValueAt(const VarInfo& var, int level1, int level2, int level3);
   /// Shows the field-of-view table as it is now; true when a text changed.
   bool RebuildFov();
   PageRefresh::View ViewInUse() const { return {model, page_in_use}; }

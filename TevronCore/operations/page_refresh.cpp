@@ -6,13 +6,11 @@
 
 PageRefresh::PageRefresh(std::shared_ptr<kavel::lidar::CommandSender> sender,
                          const LinkState& state, UserReport& report, View view,
-                         std::function<void()> on_refreshed,
-                         std::chrono::milliseconds pass_interval)
+                         std::function<void()> on_refreshed)
     : sender_(std::move(sender)),
       state_(state),
       report_(report),
       on_refreshed_(std::move(on_refreshed)),
-      pass_interval_(pass_interval),
       view_(std::move(view)),
       thread_([this] { UpdatePagesTimer(); }) {}
 
@@ -28,7 +26,7 @@ void PageRefresh::SetView(View view) {
 
 void PageRefresh::UpdatePagesTimer() {
   int passes = 0;
-  while (!stop_.WaitFor(pass_interval_)) {
+  while (!stop_.WaitFor(kPassInterval)) {
     ++passes;
     if (!state_.MayRead() || passes < kPassesPerRead) continue;
     passes = 0;

@@ -28,8 +28,7 @@ class PageRefresh {
   /// Starts at once. `state` and `report` have to outlive the object; `on_refreshed` is called on
   /// the refreshing thread after a page was read and must not destroy the object.
   PageRefresh(std::shared_ptr<kavel::lidar::CommandSender> sender, const LinkState& state,
-              UserReport& report, View view, std::function<void()> on_refreshed,
-              std::chrono::milliseconds pass_interval = kPassInterval);
+              UserReport& report, View view, std::function<void()> on_refreshed);
   /// Waits for the thread, whose exchange in progress has to be ended by whoever owns the sender.
   ~PageRefresh();
   PageRefresh(const PageRefresh&) = delete;
@@ -46,7 +45,6 @@ class PageRefresh {
   const LinkState& state_;
   UserReport& report_;
   const std::function<void()> on_refreshed_;
-  const std::chrono::milliseconds pass_interval_;
   std::mutex mutex_;
   View view_;  ///< guarded by mutex_
   StopSignal stop_;

@@ -176,19 +176,13 @@ TEST_F(ManagerConnectionTest, LearnsAnEmptyAddressFromThePointCloud) {
 }
 
 TEST_F(ManagerConnectionTest, KeepsItsSettingsForTheNextStart) {
-  manager_->setIpAddress("127.0.0.1");
   manager_->setPort("none");
-  manager_->setSerialPort485("/dev/a");
-  manager_->setSerialPort232("/dev/b");
   manager_->setBaudRate("3125000");
   manager_->setBaudRate("fast");
   manager_->setUdpPort("4711");
   Connect();
   Recreate();
-  EXPECT_EQ("127.0.0.1", manager_->ipAddress());
   EXPECT_EQ("none", manager_->port());
-  EXPECT_EQ("/dev/a", manager_->serialPort485());
-  EXPECT_EQ("/dev/b", manager_->serialPort232());
   EXPECT_EQ("3125000", manager_->baudRate());
   EXPECT_EQ("2368", manager_->udpPort());
 }
