@@ -10,7 +10,7 @@
 
 namespace {
 
-constexpr size_t kMaxWaitingBytes = 256 * 1024;
+constexpr size_t kMaxWaitingBytes = size_t{256} * 1024;
 
 // A client that has gone must not end the process with a signal.
 ssize_t WriteSome(int fd, const uint8_t* data, size_t size) {

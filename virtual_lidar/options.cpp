@@ -58,85 +58,105 @@ std::string CheckPreset(std::string& text) {
              : "\"" + text + "\" is not of the form NAME=VALUE";
 }
 
-}  // namespace
-
-std::optional<Options> ParseOptions(int argc, char** argv, int* exit_code) {
-  Options options;
+// What the command line says, before it is made sense of together.
+struct CommandLine {
   std::string config;
   std::string udp;
   std::vector<std::string> faults;
   std::vector<std::string> presets;
   uint16_t port = kDefaultPort;
+  bool port_given = false;
   bool serial = false;
   bool no_auth = false;
-  int restart_ms = static_cast<int>(options.server.restart_time.count());
+  int restart_ms = static_cast<int>(ServerSetup().restart_time.count());
+};
 
+void DeclareWhereToAnswer(CLI::App* app, CommandLine* line, Options* options) {
+  app->add_option("--model", options->model, "Model; its table is varID/MODEL.csv")
+      ->type_name("MODEL")
+      ->capture_default_str();
+  app->add_option("--config", line->config,
+                  "Folder of the tables (./Config, else ../Config beside bin/)")
+      ->type_name("DIR");
+  app->add_option("--port", line->port, "TCP port on 127.0.0.1; 0 lets the system pick")
+      ->type_name("N")
+      ->capture_default_str();
+  app->add_option("--protocol", options->server.protocol,
+                  "Version of the CMX frames over TCP, 1 or 2")
+      ->type_name("N")
+      ->check(CLI::IsMember({1, 2}).description(""))
+      ->capture_default_str();
+  app->add_flag("--serial", line->serial,
+                "Answer on a pseudo-terminal instead (a pair for Lumo); with --port, on both");
+  app->add_option("--udp", line->udp, "Send a point cloud of 1,200-byte packets to IP:PORT[@RATE]")
+      ->type_name("IP:PORT[@RATE]")
+      ->check(CLI::Validator(CheckTarget, ""));
+}
+
+void DeclareHowToBehave(CLI::App* app, CommandLine* line, Options* options) {
+  app->add_option("--set", line->presets,
+                  "Give a variable another value to start with, by name or id")
+      ->type_name("NAME=VALUE")
+      ->allow_extra_args(false)
+      ->check(CLI::Validator(CheckPreset, ""));
+  app->add_option("--dump", options->server.dump_file,
+                  "Keep this file at what the device holds: JSON, rewritten after every change")
+      ->type_name("FILE");
+  app->add_option("--restart-time", line->restart_ms, "How long a restart takes, in ms")
+      ->type_name("MS")
+      ->check(CLI::Range(0, 600000).description(""))
+      ->capture_default_str();
+  app->add_flag("--no-auth", line->no_auth,
+                "Tell clients that no authentication is required, whatever the table says");
+  app->add_option("--fault", line->faults, "Misbehave on purpose; see below")
+      ->type_name("FAULT")
+      ->allow_extra_args(false)
+      ->check(CLI::Validator(CheckFault, ""));
+  app->add_flag("--check-tables", options->check_tables,
+                "Check every table of the folder, list each fault, and end (1: there are some)");
+}
+
+// The texts have passed their checks while they were read.
+void MakeSense(const CommandLine& line, Options* options) {
+  std::string error;
+  options->config_folder = ConfigFolder(line.config);
+  options->auth_required = !line.no_auth;
+  for (const std::string& text : line.faults) {
+    ParseFaultOrder(text, &options->faults.emplace_back(), &error);
+  }
+  for (const std::string& text : line.presets) {
+    const size_t equals = text.find('=');
+    options->presets.emplace_back(text.substr(0, equals), text.substr(equals + 1));
+  }
+  ServerSetup& server = options->server;
+  server.restart_time = std::chrono::milliseconds(line.restart_ms);
+  if (!line.serial || line.port_given) server.tcp_port = line.port;
+  if (line.serial) {
+    server.serial =
+        options->model == "Lumo" ? ServerSetup::Serial::kPair : ServerSetup::Serial::kOneLine;
+  }
+  if (!line.udp.empty()) ParsePointCloudTarget(line.udp, &server.point_cloud.emplace(), &error);
+}
+
+}  // namespace
+
+std::optional<Options> ParseOptions(int argc, char** argv, int* exit_code) {
+  Options options;
+  CommandLine line;
   CLI::App app(
       "A lidar in software: answers on the real wire as a device of the chosen model does.");
   app.name("virtual_lidar");
   app.footer(FaultHelp());
   app.get_formatter()->column_width(28);
-  app.add_option("--model", options.model, "Model; its table is varID/MODEL.csv")
-      ->type_name("MODEL")
-      ->capture_default_str();
-  app.add_option("--config", config, "Folder of the tables (./Config, else ../Config beside bin/)")
-      ->type_name("DIR");
-  auto* port_option =
-      app.add_option("--port", port, "TCP port on 127.0.0.1; 0 lets the system pick")
-          ->type_name("N")
-          ->capture_default_str();
-  app.add_option("--protocol", options.server.protocol,
-                 "Version of the CMX frames over TCP, 1 or 2")
-      ->type_name("N")
-      ->check(CLI::IsMember({1, 2}).description(""))
-      ->capture_default_str();
-  app.add_flag("--serial", serial,
-               "Answer on a pseudo-terminal instead (a pair for Lumo); with --port, on both");
-  app.add_option("--udp", udp, "Send a point cloud of 1,200-byte packets to IP:PORT[@RATE]")
-      ->type_name("IP:PORT[@RATE]")
-      ->check(CLI::Validator(CheckTarget, ""));
-  app.add_option("--set", presets, "Give a variable another value to start with, by name or id")
-      ->type_name("NAME=VALUE")
-      ->allow_extra_args(false)
-      ->check(CLI::Validator(CheckPreset, ""));
-  app.add_option("--dump", options.server.dump_file,
-                 "Keep this file at what the device holds: JSON, rewritten after every change")
-      ->type_name("FILE");
-  app.add_option("--restart-time", restart_ms, "How long a restart takes, in ms")
-      ->type_name("MS")
-      ->check(CLI::Range(0, 600000).description(""))
-      ->capture_default_str();
-  app.add_flag("--no-auth", no_auth,
-               "Tell clients that no authentication is required, whatever the table says");
-  app.add_option("--fault", faults, "Misbehave on purpose; see below")
-      ->type_name("FAULT")
-      ->allow_extra_args(false)
-      ->check(CLI::Validator(CheckFault, ""));
-  app.add_flag("--check-tables", options.check_tables,
-               "Check every table of the folder, list each fault, and end (1: there are some)");
+  DeclareWhereToAnswer(&app, &line, &options);
+  DeclareHowToBehave(&app, &line, &options);
   try {
     app.parse(argc, argv);
   } catch (const CLI::ParseError& error) {
     *exit_code = app.exit(error);
     return std::nullopt;
   }
-
-  options.config_folder = ConfigFolder(config);
-  options.auth_required = !no_auth;
-  std::string error;
-  for (const std::string& text : faults) {
-    ParseFaultOrder(text, &options.faults.emplace_back(), &error);
-  }
-  for (const std::string& text : presets) {
-    const size_t equals = text.find('=');
-    options.presets.emplace_back(text.substr(0, equals), text.substr(equals + 1));
-  }
-  options.server.restart_time = std::chrono::milliseconds(restart_ms);
-  if (!serial || port_option->count() > 0) options.server.tcp_port = port;
-  if (serial) {
-    options.server.serial =
-        options.model == "Lumo" ? ServerSetup::Serial::kPair : ServerSetup::Serial::kOneLine;
-  }
-  if (!udp.empty()) ParsePointCloudTarget(udp, &options.server.point_cloud.emplace(), &error);
+  line.port_given = app.count("--port") > 0;
+  MakeSense(line, &options);
   return options;
 }

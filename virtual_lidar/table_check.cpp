@@ -1,7 +1,9 @@
 #include "table_check.h"
 
 #include <exception>
+#include <initializer_list>
 #include <set>
+#include <string_view>
 #include <vector>
 
 #include "auth/auth_algorithm.h"
@@ -16,6 +18,12 @@
 namespace {
 
 using Faults = std::vector<std::string>;
+
+std::string Line(std::initializer_list<std::string_view> parts) {
+  std::string line;
+  for (const std::string_view part : parts) line += part;
+  return line;
+}
 
 void CheckVariableTable(const std::string& path, Faults* faults) {
   ConfigParser parser;
@@ -36,36 +44,31 @@ std::vector<std::string> CheckModelColumn(const std::string& path,
   std::vector<std::string> named;
   const CsvTable table(path);
   for (const CsvFault& fault : table.faults()) {
-    faults->push_back(path + ", line " + std::to_string(fault.line) + ": " + fault.reason);
+    faults->push_back(Line({path, ", line ", std::to_string(fault.line), ": ", fault.reason}));
   }
   const size_t column = table.Column("Model");
   for (size_t row = 0; row < table.row_count(); ++row) {
     const std::string model(table.Cell(row, column));
     named.push_back(model);
     if (models.count(model) == 0) {
-      faults->push_back(path + ", line " + std::to_string(table.LineOf(row)) + ": model \"" +
-                        model + "\" has no variable table");
+      faults->push_back(Line({path, ", line ", std::to_string(table.LineOf(row)), ": model \"",
+                              model, "\" has no variable table"}));
     }
   }
   return named;
 }
 
-void CheckAuthRow(const std::string& path, const AuthKeys& keys, const std::string& model,
-                  Faults* faults) {
-  const AuthConfig config = LoadAuthConfig(path, model);
-  if (!config.enabled) return;
+// The reason why a model cannot authenticate; empty when it can.
+std::string AuthFault(const AuthConfig& config, const AuthKeys& keys) {
+  const std::string algorithm = std::to_string(config.algorithm_id);
   if (config.algorithm_id < kMaskwordOne || config.algorithm_id > kAes128Cbc) {
-    faults->push_back(path + ": model \"" + model + "\": there is no algorithm " +
-                      std::to_string(config.algorithm_id));
-    return;
+    return "there is no algorithm " + algorithm;
   }
-  const bool mask = !keys.mix_c1.empty() && !keys.mix_c2.empty();
-  const bool has_keys[] = {mask && !keys.maskword_1.empty(), mask && !keys.maskword_2.empty(),
+  const bool mix = !keys.mix_c1.empty() && !keys.mix_c2.empty();
+  const bool has_keys[] = {mix && !keys.maskword_1.empty(), mix && !keys.maskword_2.empty(),
                            !keys.aes256_key.empty(), !keys.aes128_key.empty()};
-  if (!has_keys[config.algorithm_id - 1]) {
-    faults->push_back(path + ": model \"" + model + "\": the keys of algorithm " +
-                      std::to_string(config.algorithm_id) + " are missing or malformed");
-  }
+  if (has_keys[config.algorithm_id - 1]) return "";
+  return "the keys of algorithm " + algorithm + " are missing or malformed";
 }
 
 // Runs a check whose failure as a whole is one more fault.
@@ -88,7 +91,7 @@ int CheckTables(const std::string& config_folder, std::ostream& out) {
   std::set<std::string> models;
   for (const std::string& model : ListModels(tables)) {
     models.insert(model);
-    CheckVariableTable(tables + "/" + model + ".csv", &faults);
+    CheckVariableTable(Line({tables, "/", model, ".csv"}), &faults);
   }
   if (models.empty()) faults.push_back(tables + ": no variable tables here");
 
@@ -102,7 +105,11 @@ int CheckTables(const std::string& config_folder, std::ostream& out) {
   Guarded(auth, &faults, [&] { authenticating = CheckModelColumn(auth, models, &faults); });
   const AuthKeys keys = LoadAuthKeys(config_folder + "/auth_keys.ini");
   for (const std::string& model : authenticating) {
-    Guarded(auth, &faults, [&] { CheckAuthRow(auth, keys, model, &faults); });
+    Guarded(auth, &faults, [&] {
+      const AuthConfig config = LoadAuthConfig(auth, model);
+      const std::string fault = config.enabled ? AuthFault(config, keys) : "";
+      if (!fault.empty()) faults.push_back(Line({auth, ": model \"", model, "\": ", fault}));
+    });
   }
 
   for (const std::string& fault : faults) out << fault << '\n';

@@ -1,6 +1,7 @@
 #include "value_encoder.h"
 
 #include <algorithm>
+#include <array>
 #include <charconv>
 #include <cmath>
 #include <cstring>
@@ -44,7 +45,8 @@ std::optional<IntegerShape> IntegerShapeOf(const std::string& type) {
   const bool is_signed = type.rfind("int", 0) == 0;
   if (!is_signed && type.rfind("uint", 0) != 0) return std::nullopt;
   const auto bits = ReadNumber<int>(std::string_view(type).substr(is_signed ? 3 : 4));
-  if (bits != 8 && bits != 16 && bits != 32 && bits != 64) return std::nullopt;
+  const std::array<int, 4> known = {8, 16, 32, 64};
+  if (!bits || std::find(known.begin(), known.end(), *bits) == known.end()) return std::nullopt;
   return IntegerShape{static_cast<size_t>(*bits) / 8, is_signed};
 }
 
