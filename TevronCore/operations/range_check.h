@@ -16,7 +16,7 @@ class RangeCheck {
  public:
   using NameHandler = std::function<void(const std::string& var_name)>;
 
-  RangeCheck(ConfigParser& table, UserReport& report) : table_(table), report_(report) {}
+  RangeCheck(const ConfigParser& table, UserReport& report) : table_(table), report_(report) {}
 
   /// Tests all of `vars` whose check is enabled, and goes on after a violation: each one is written
   /// to the log window and its name handed to `on_violation`. False when there was any, or when a
@@ -30,6 +30,6 @@ class RangeCheck {
   std::string Violation(const VarInfo& var, const std::string& text);
   bool IsSwitchedOff(const VarInfo& var, const std::string& text);
 
-  ConfigParser& table_;
+  const ConfigParser& table_;
   UserReport& report_;
 };
