@@ -29,6 +29,9 @@ class ConfigParser {
   /// Longest value that a row may describe, in bytes: more than any payload of a lidar carries.
   static constexpr int32_t kMaxValueLength = 10240;
 
+  /// Rows that a table may have; a record takes about 1 KB.
+  static constexpr size_t kMaxRows = 200000;
+
   /// A consistent copy of one variable's value.
   struct Value {
     std::string text;            ///< What the user sees: the edit if there is one.

@@ -18,7 +18,7 @@ namespace {
 [[noreturn]] void Refuse(const std::string& message) { throw std::invalid_argument(message); }
 
 // A single-precision number or else a whole one, as the fields of the screens read them.
-void CheckNumber(const char* parser, const std::string& text) {
+void CheckNumber(const std::string& parser, const std::string& text) {
   const QString number = QString::fromStdString(text);
   bool ok = false;
   number.toFloat(&ok);
@@ -26,23 +26,33 @@ void CheckNumber(const char* parser, const std::string& text) {
     number.toInt(&ok, 10);
   }
   if (!ok) {
-    Refuse(std::string(parser) + ": contains an illegal number, error:" + text);
+    Refuse(parser + ": contains an illegal number, error:" + text);
   }
 }
 
-// The text as a single-precision number over the coefficient; both integer parsers begin so.
-float Quotient(const char* parser, const std::string& text, float coefficient) {
+// The number that the text means. The messages name the conversion as the standard library does;
+// `overflow` is what a parser calls one that is out of range.
+template <typename Number>
+Number NumberOf(const std::string& parser, const std::string& text,
+                Conversion (*convert)(const std::string&, Number*), const std::string& function,
+                const std::string& overflow) {
   CheckNumber(parser, text);
-  float number = 0;
-  switch (ToFloat(text, &number)) {
+  Number number = 0;
+  switch (convert(text, &number)) {
     case Conversion::kInvalidArgument:
-      Refuse(std::string(parser) + ": stof() failed, error:invalid stof argument");
+      Refuse(parser + ": " + function + "() failed, error:invalid " + function + " argument");
     case Conversion::kOutOfRange:
-      Refuse(std::string(parser) + ": stof() failed, error:stof argument out of range");
+      Refuse(parser + ": " + function + "() " + overflow + ", error:" + function +
+             " argument out of range");
     case Conversion::kDone:
       break;
   }
-  return number / coefficient;
+  return number;
+}
+
+// Both integer parsers go through single precision.
+float Quotient(const std::string& parser, const std::string& text, float coefficient) {
+  return NumberOf<float>(parser, text, ToFloat, "stof", "failed") / coefficient;
 }
 
 std::vector<uint8_t> LowBytes(uint64_t value, uint64_t length) {
@@ -106,32 +116,14 @@ std::vector<uint8_t> UintParser::Parse(const std::string& text, float coefficien
 }
 
 std::vector<uint8_t> FloatParser::Parse(const std::string& text, float coefficient) {
-  CheckNumber("FloatParser", text);
-  float number = 0;
-  switch (ToFloat(text, &number)) {
-    case Conversion::kInvalidArgument:
-      Refuse("FloatParser: stof() failed, error:invalid stof argument");
-    case Conversion::kOutOfRange:
-      Refuse("FloatParser: stof() out of range, error:stof argument out of range");
-    case Conversion::kDone:
-      break;
-  }
+  const auto number = NumberOf<float>("FloatParser", text, ToFloat, "stof", "out of range");
   std::vector<uint8_t> bytes;
   kavel::lidar::AppendBigEndian32(bytes, BitsOf<uint32_t>(number / coefficient));
   return bytes;
 }
 
 std::vector<uint8_t> DoubleParser::Parse(const std::string& text, float coefficient) {
-  CheckNumber("DoubleParser", text);
-  double number = 0;
-  switch (ToDouble(text, &number)) {
-    case Conversion::kInvalidArgument:
-      Refuse("DoubleParser: stod() failed, error:invalid stod argument");
-    case Conversion::kOutOfRange:
-      Refuse("DoubleParser: stod() out of range, error:stod argument out of range");
-    case Conversion::kDone:
-      break;
-  }
+  const auto number = NumberOf<double>("DoubleParser", text, ToDouble, "stod", "out of range");
   std::vector<uint8_t> bytes;
   kavel::lidar::AppendBigEndian64(bytes,
                                   BitsOf<uint64_t>(number / static_cast<double>(coefficient)));

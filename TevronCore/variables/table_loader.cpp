@@ -1,5 +1,6 @@
 #include "variables/table_loader.h"
 
+#include <algorithm>
 #include <iostream>
 #include <limits>
 #include <stdexcept>
@@ -45,10 +46,15 @@ void TableLoader::Load() {
     Report("(): error with csv_reader_, loc = " + parser_.path_ + ":" + std::to_string(fault.line));
     FaultAt(fault.line, fault.reason);
   }
-  parser_.by_id_.reserve(table_->row_count());
-  parser_.by_name_.reserve(table_->row_count());
-  rows_.reserve(table_->row_count());
-  for (size_t row = 0; row < table_->row_count(); ++row) {
+  const size_t row_count = std::min(table_->row_count(), ConfigParser::kMaxRows);
+  if (row_count < table_->row_count()) {
+    FaultAt(table_->LineOf(row_count),
+            "more than " + std::to_string(ConfigParser::kMaxRows) + " rows; the rest is left out");
+  }
+  parser_.by_id_.reserve(row_count);
+  parser_.by_name_.reserve(row_count);
+  rows_.reserve(row_count);
+  for (size_t row = 0; row < row_count; ++row) {
     LoadRow(row);
   }
   PlaceInTableOrder();

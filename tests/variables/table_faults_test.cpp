@@ -130,6 +130,15 @@ TEST_F(TableFaults, AFieldOfUnknownLengthTakesItsPayloadsOutOfUse) {
   EXPECT_EQ(parser_.Faults().size(), 5U);
 }
 
+TEST_F(TableFaults, AnAbsurdNumberOfRowsTakesNoMemory) {
+  std::string rows;
+  for (size_t i = 0; i < ConfigParser::kMaxRows + 1000; ++i) {
+    rows += "0,x\n";
+  }
+  Load(rows);
+  EXPECT_EQ(OnlyFault(), "200002: more than 200000 rows; the rest is left out");
+}
+
 TEST_F(TableFaults, AFileThatCannotBeReadIsAnEmptyTable) {
   Load("1,1,0x01,,,A,0,uint8\n");
   const std::string missing = file_->folder() + "/none.csv";
