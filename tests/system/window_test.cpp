@@ -14,12 +14,29 @@
 
 #include "support/virtual_lidar_process.h"
 
+// Last, because its macros take names like None and Bool away.
+#include <X11/Xlib.h>
+
 namespace {
 
 constexpr int kWaitMs = 30000;
 
 bool WaitFor(const std::function<bool()>& condition, int bound_ms = kWaitMs) {
   return QTest::qWaitFor(condition, bound_ms);
+}
+
+// What the close button of a window manager sends.
+void AskWindowToClose(const QString& display_name, unsigned long window) {
+  Display* display = XOpenDisplay(display_name.toLocal8Bit().constData());
+  ASSERT_NE(display, nullptr);
+  XEvent event = {};
+  event.xclient.type = ClientMessage;
+  event.xclient.window = window;
+  event.xclient.message_type = XInternAtom(display, "WM_PROTOCOLS", 0);
+  event.xclient.format = 32;
+  event.xclient.data.l[0] = static_cast<long>(XInternAtom(display, "WM_DELETE_WINDOW", 0));
+  XSendEvent(display, window, 0, NoEventMask, &event);
+  XCloseDisplay(display);
 }
 
 // A process that is ended with the object.
@@ -151,7 +168,7 @@ TEST_F(WindowTest, WritesATypedValueToTheLidarAndLeavesASilentOneAtOnce) {
       << lidar_->Output().toStdString();
 
   lidar_->Freeze();
-  XDoTool({"windowquit", window_});
+  AskWindowToClose(environment_.value("DISPLAY"), window_.toULong());
   ASSERT_TRUE(program_->waitForFinished(kWaitMs));
   EXPECT_EQ(program_->exitStatus(), QProcess::NormalExit);
   EXPECT_EQ(program_->exitCode(), 0);

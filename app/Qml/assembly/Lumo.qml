@@ -1,6 +1,7 @@
 import QtQuick 2.15
 import QtQuick.Layouts 1.15
 import QtQuick.Templates 2.15 as T
+import QtQuick.Window 2.15
 import "../theme"
 import "ValueHint.js" as ValueHint
 
@@ -120,6 +121,23 @@ FocusScope {
     }
 
     Flickable {
+        id: flick
+
+        readonly property Item focused: Window.activeFocusItem
+
+        // Brings the control that got the keyboard into view.
+        onFocusedChanged: {
+            let ancestor = focused;
+            while (ancestor && ancestor !== grid)
+                ancestor = ancestor.parent;
+            if (!ancestor)
+                return;
+            const top = focused.mapToItem(grid, 0, 0).y;
+            const lowest = top + focused.height + Theme.gapWide - height;
+            contentY = Math.max(lowest, Math.min(contentY, Math.max(0, top - Theme.gapWide)));
+        }
+
+        objectName: "serialPanels"
         anchors.left: parent.left
         anchors.right: parent.right
         anchors.top: heading.bottom
