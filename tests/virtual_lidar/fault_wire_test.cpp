@@ -108,7 +108,7 @@ TEST(FaultOnTheWire, BabblesWithoutEnd) {
   LidarUnderTest lidar(std::move(setup));
   RawClient client(lidar.port());
   client.Send(kSetSpeed);
-  EXPECT_EQ(client.ReceiveExactly(3 * kStray.size()), kStray + kStray + kStray);
+  EXPECT_EQ(client.ReceiveExactly(kStray.size() * 3), kStray + kStray + kStray);
   const auto other = ConnectTo(lidar.port());
   Bytes result;
   EXPECT_EQ(other->QueryCommand({}, result, 0x30, false), -1);
@@ -126,7 +126,7 @@ TEST(FaultOnTheWire, FallsSilentAfterTheFirstRequests) {
   EXPECT_TRUE(lidar->LogShows("[fault: silent-after]"));
   EXPECT_EQ(lidar->Held("Speed"), kOldSpeed);
   lidar.reset();
-  EXPECT_EQ(client.ReceiveExactly(3 * 8), kProbe + kProbe) << "nothing more until the link is gone";
+  EXPECT_EQ(client.ReceiveExactly(kProbe.size() * 3), kProbe + kProbe) << "nothing more until the link is gone";
 }
 
 }  // namespace
