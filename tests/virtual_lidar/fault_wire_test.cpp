@@ -126,7 +126,8 @@ TEST(FaultOnTheWire, FallsSilentAfterTheFirstRequests) {
   EXPECT_TRUE(lidar->LogShows("[fault: silent-after]"));
   EXPECT_EQ(lidar->Held("Speed"), kOldSpeed);
   lidar.reset();
-  EXPECT_EQ(client.ReceiveExactly(kProbe.size() * 3), kProbe + kProbe) << "nothing more until the link is gone";
+  EXPECT_EQ(client.ReceiveExactly(kProbe.size() * 3), kProbe + kProbe)
+      << "nothing more until the link is gone";
 }
 
 }  // namespace
