@@ -200,6 +200,7 @@ FocusScope {
                 Layout.fillHeight: true
                 Layout.preferredWidth: Theme.serialPanelWidth
                 obstacle: screen.notReady
+                facts: screen.manager.LumoLidarInfo
                 hasImu: screen.kiva && screen.cmxSerial
                 returnModes: [qsTr("Strongest"), qsTr("Last"), qsTr("Strongest and last")]
                 spinRates: [300, 600, 900, 1200]

@@ -6,6 +6,8 @@ import "../theme"
 LumoSection {
     id: section
 
+    // What the lidar said about itself, maps with "name" and "value".
+    property var facts: []
     property bool hasImu: false
     property var returnModes: []
     property var spinRates: []
@@ -17,6 +19,17 @@ LumoSection {
     signal standbyWanted(int standby)
     signal imuRangeWanted(int angular, int accel)
 
+    // The text of one fact; empty when the lidar did not tell it.
+    function fact(name) {
+        const found = facts.find(entry => entry.name === name);
+        return found === undefined ? "" : found.value;
+    }
+
+    // The index that a fact holds; -1 for one that is no number.
+    function indexFact(name) {
+        return /^\d+$/.test(fact(name)) ? Number(fact(name)) : -1;
+    }
+
     title: qsTr("Operation")
 
     LumoField {
@@ -27,13 +40,14 @@ LumoSection {
             objectName: "returnMode"
             width: Theme.serialChoiceWidth
             model: section.returnModes
-            chosenIndex: 0
+            chosenIndex: section.returnModes.indexOf(section.fact("Return Mode"))
             label: qsTr("Which echoes the lidar reports")
             hint: label
         }
         DefaultButton {
             objectName: "returnModeSet"
             text: qsTr("Set")
+            enabled: returnMode.currentIndex >= 0
             hint: qsTr("Write the return mode to the lidar")
             onClicked: section.returnModeWanted(returnMode.currentIndex)
         }
@@ -46,13 +60,14 @@ LumoSection {
             objectName: "spinRate"
             width: Theme.serialChoiceWidth
             model: section.spinRates.map(rpm => qsTr("%1 rpm").arg(rpm))
-            chosenIndex: 0
+            chosenIndex: section.spinRates.map(rpm => rpm + " rpm").indexOf(section.fact("Spin Rate"))
             label: qsTr("Turns of the lidar per minute")
             hint: label
         }
         DefaultButton {
             objectName: "spinRateSet"
             text: qsTr("Set")
+            enabled: spinRate.currentIndex >= 0
             hint: qsTr("Write the spin rate to the lidar")
             onClicked: section.spinRateWanted(section.spinRates[spinRate.currentIndex])
         }
@@ -65,13 +80,14 @@ LumoSection {
             objectName: "standby"
             width: Theme.serialChoiceWidth
             model: [qsTr("Working"), qsTr("Standby")]
-            chosenIndex: 0
+            chosenIndex: ["Working", "Standby"].indexOf(section.fact("Mode"))
             label: qsTr("Whether the lidar measures or rests")
             hint: label
         }
         DefaultButton {
             objectName: "standbySet"
             text: qsTr("Set")
+            enabled: mode.currentIndex >= 0
             hint: qsTr("Write the mode to the lidar")
             onClicked: section.standbyWanted(mode.currentIndex)
         }
@@ -85,7 +101,7 @@ LumoSection {
             objectName: "imuAngular"
             width: Theme.serialChoiceWidth
             model: section.angularRanges
-            chosenIndex: 0
+            chosenIndex: section.indexFact("IMU Angular Range Index")
             label: qsTr("Angular range of the motion sensor")
             hint: label
         }
@@ -99,13 +115,14 @@ LumoSection {
             objectName: "imuAccel"
             width: Theme.serialChoiceWidth
             model: section.accelRanges
-            chosenIndex: 0
+            chosenIndex: section.indexFact("IMU Acceleration Range Index")
             label: qsTr("Acceleration range of the motion sensor")
             hint: label
         }
         DefaultButton {
             objectName: "imuSet"
             text: qsTr("Set")
+            enabled: angular.currentIndex >= 0 && accel.currentIndex >= 0
             hint: qsTr("Write both ranges of the motion sensor to the lidar")
             onClicked: section.imuRangeWanted(angular.currentIndex, accel.currentIndex)
         }
