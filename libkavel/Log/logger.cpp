@@ -32,8 +32,8 @@ spdlog::level::level_enum SpdlogLevel(LogLevel level) {
   return spdlog::level::err;
 }
 
-#ifndef _WIN32
 /// Gives this thread the "C" locale for a moment, so that %f writes a decimal point.
+#ifndef _WIN32
 class PlainNumbers {
  public:
   PlainNumbers() : previous_(uselocale(CLocale())) {}
@@ -50,7 +50,24 @@ class PlainNumbers {
   locale_t previous_;
 };
 #else
-struct PlainNumbers {};
+class PlainNumbers {
+ public:
+  PlainNumbers()
+      : scope_(_configthreadlocale(_ENABLE_PER_THREAD_LOCALE)),
+        previous_(std::setlocale(LC_NUMERIC, nullptr)) {
+    std::setlocale(LC_NUMERIC, "C");
+  }
+  ~PlainNumbers() {
+    std::setlocale(LC_NUMERIC, previous_.c_str());
+    _configthreadlocale(scope_);
+  }
+  PlainNumbers(const PlainNumbers&) = delete;
+  PlainNumbers& operator=(const PlainNumbers&) = delete;
+
+ private:
+  int scope_;
+  std::string previous_;
+};
 #endif
 
 std::string FormatLine(const char* format, va_list arguments) {

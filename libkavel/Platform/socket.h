@@ -27,7 +27,7 @@ constexpr int kSocketTryAgain = WSAEWOULDBLOCK;
 constexpr int kSocketInterrupted = WSAEINTR;
 constexpr int kSocketTimedOut = WSAETIMEDOUT;
 constexpr int kSocketAddressInUse = WSAEADDRINUSE;
-constexpr int kSocketAccessDenied = WSAEACCES;
+constexpr int kSocketAddressTaken = WSAEADDRINUSE;
 #else
 using SocketHandle = int;
 constexpr int kSocketInProgress = EINPROGRESS;
@@ -36,7 +36,7 @@ constexpr int kSocketTryAgain = EAGAIN;
 constexpr int kSocketInterrupted = EINTR;
 constexpr int kSocketTimedOut = ETIMEDOUT;
 constexpr int kSocketAddressInUse = EADDRINUSE;
-constexpr int kSocketAccessDenied = EACCES;
+constexpr int kSocketAddressTaken = EADDRNOTAVAIL;
 #endif
 constexpr SocketHandle kInvalidSocket = static_cast<SocketHandle>(-1);
 
@@ -46,6 +46,9 @@ void StopSockets();
 
 int LastSocketError();
 std::string SocketErrorText(int error);
+
+/// An IPv4 socket that no child process inherits, or `kInvalidSocket`.
+SocketHandle CreateSocket(int type, int protocol);
 
 /// Ignores `kInvalidSocket`.
 void CloseSocket(SocketHandle socket);

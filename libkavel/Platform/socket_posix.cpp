@@ -66,6 +66,10 @@ int LastSocketError() { return errno; }
 
 std::string SocketErrorText(int error) { return std::generic_category().message(error); }
 
+SocketHandle CreateSocket(int type, int protocol) {
+  return socket(AF_INET, type | SOCK_CLOEXEC, protocol);
+}
+
 void CloseSocket(SocketHandle socket) {
   if (socket != kInvalidSocket) {
     close(socket);

@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <system_error>
 
 #include "Platform/socket.h"
@@ -36,6 +37,11 @@ void StopSockets() { WSACleanup(); }
 int LastSocketError() { return WSAGetLastError(); }
 
 std::string SocketErrorText(int error) { return std::system_category().message(error); }
+
+SocketHandle CreateSocket(int type, int protocol) {
+  return WSASocketW(AF_INET, type, protocol, nullptr, 0,
+                    WSA_FLAG_OVERLAPPED | WSA_FLAG_NO_HANDLE_INHERIT);
+}
 
 void CloseSocket(SocketHandle socket) {
   if (socket != kInvalidSocket) {
@@ -96,15 +102,15 @@ int ReceiveWithoutWaiting(SocketHandle socket, void* buffer, size_t size, PollFa
 
 int WaitReadable(SocketHandle socket, int64_t timeout_us) {
   fd_set readable = SetOf(socket);
-  const timeval time = TimeOf(timeout_us);
+  timeval time = TimeOf(timeout_us);
   return select(0, &readable, nullptr, nullptr, &time);
 }
 
 int WaitWritable(SocketHandle socket, int64_t timeout_us) {
   fd_set writable = SetOf(socket);
   fd_set failed = SetOf(socket);  // where a connection attempt reports its failure
-  const timeval time = TimeOf(timeout_us);
-  return select(0, nullptr, &writable, &failed, &time) > 0 ? 1 : 0;
+  timeval time = TimeOf(timeout_us);
+  return std::min(1, select(0, nullptr, &writable, &failed, &time));
 }
 
 bool MakeAddress(const std::string& ip, uint16_t port, sockaddr_in* address) {

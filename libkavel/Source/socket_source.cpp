@@ -47,7 +47,7 @@ bool SocketSource::Open() {
     KAVEL_LOG(kError, "Initilize winsock error !");
     return false;
   }
-  socket_ = ::socket(AF_INET, SOCK_DGRAM, IPPROTO_UDP);
+  socket_ = CreateSocket(SOCK_DGRAM, IPPROTO_UDP);
   if (socket_ == kInvalidSocket) {
     StopSockets();
     return false;
