@@ -18,9 +18,9 @@ class ClientBase {
 
   virtual ~ClientBase() = default;
 
-  /// Connects to `ip` (dotted IPv4) and `port`, waiting as long as it takes; true at once when
-  /// already open to them. The three paths name PEM files (null or empty: none) and matter to TLS
-  /// only. `auto_receive` is carried along without effect.
+  /// Connects to `ip` (dotted IPv4) and `port`, waiting as long as the transport is ready to; true
+  /// at once when already open to them. The three paths name PEM files (null or empty: none) and
+  /// matter to TLS only. `auto_receive` is carried along without effect.
   virtual bool Open(const std::string& ip, uint16_t port, bool auto_receive, const char* cert,
                     const char* private_key, const char* ca) = 0;
 

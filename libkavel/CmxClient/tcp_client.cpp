@@ -12,8 +12,6 @@ namespace {
 constexpr int64_t kPlainOpenLimitUs = 5000000;
 constexpr int64_t kLongReceiveUs = 1000000;
 
-bool IsPending(int error) { return error == kSocketInProgress || error == kSocketWouldBlock; }
-
 }  // namespace
 
 bool TcpClient::Open(const std::string& ip, uint16_t port, bool /*auto_receive*/,

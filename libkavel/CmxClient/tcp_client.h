@@ -13,7 +13,8 @@ namespace kavel::lidar {
 /// A plain TCP stream over IPv4. Certificates are ignored. See `ClientBase` for the contract of the
 /// overridden operations.
 ///
-/// Time-outs are 500 ms in both directions until they are set, and are kept across a reconnection.
+/// Time-outs are 500 ms in both directions until they are set. They and the size of the receive
+/// buffer are kept across a reconnection.
 /// `Open`, and the open that `Send` and `Receive` try on a closed transport, give up after 5 s.
 class TcpClient : public ClientBase {
  public:
@@ -23,7 +24,7 @@ class TcpClient : public ClientBase {
             const char* private_key, const char* ca) override;
 
   /// A `host_port` other than 0 is free again as soon as the transport is closed, which resets the
-  /// connection. False also when that port cannot be bound: see `OpenFailure`.
+  /// connection. False also when that port is taken: see `OpenFailure`.
   bool TryOpen(uint16_t host_port, const std::string& ip, uint16_t port, bool auto_receive,
                const char* cert, const char* private_key, const char* ca,
                uint32_t timeout_s) override;

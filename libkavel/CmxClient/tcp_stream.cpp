@@ -12,8 +12,6 @@ namespace {
 /// How soon an interruption is noticed while connecting.
 constexpr int64_t kInterruptionCheckUs = 50000;
 
-bool IsPending(int error) { return error == kSocketInProgress || error == kSocketWouldBlock; }
-
 int StartConnecting(SocketHandle socket, const sockaddr_in& address) {
   if (!SetNonBlocking(socket, true)) {
     return LastSocketError();
@@ -87,13 +85,15 @@ std::string BindFailureText(uint16_t host_port, int error) {
 
 }  // namespace
 
+bool IsPending(int error) { return error == kSocketInProgress || error == kSocketWouldBlock; }
+
 SocketHandle CreateStream() {
-  const SocketHandle socket_handle = socket(AF_INET, SOCK_STREAM, IPPROTO_TCP);
-  if (socket_handle != kInvalidSocket) {
+  const SocketHandle socket = CreateSocket(SOCK_STREAM, IPPROTO_TCP);
+  if (socket != kInvalidSocket) {
     // Without it a frame waits up to 40 ms for the acknowledgement of the one before.
-    SetSocketOption(socket_handle, IPPROTO_TCP, TCP_NODELAY, 1);
+    SetSocketOption(socket, IPPROTO_TCP, TCP_NODELAY, 1);
   }
-  return socket_handle;
+  return socket;
 }
 
 int ConnectWithin(SocketHandle socket, const sockaddr_in& address, int64_t timeout_us,
@@ -143,6 +143,10 @@ SocketHandle TryConnect(uint16_t host_port, const std::string& ip, uint16_t port
   const int start_error = StartConnecting(socket, address);
   if (start_error != 0 && !IsPending(start_error)) {
     KAVEL_LOG(kError, "socket Connection error.");
+    // A port may be bound by several, but only one of them can be connected to one lidar.
+    if (host_port != 0 && start_error == kSocketAddressTaken && failure != nullptr) {
+      *failure = BindFailureText(host_port, kSocketAddressInUse);
+    }
     return give_up();
   }
   if (FinishConnecting(socket, int64_t{timeout_s} * 1000000, interrupted) != 0) {
@@ -160,6 +164,7 @@ bool StreamSocket::Adopt(SocketHandle socket) {
   const std::lock_guard<std::mutex> lock(mutex_);
   handle_ = socket;
   ApplyTimeouts();
+  GrowReceiveBuffer();
   if (!interrupted_) {
     return true;
   }
@@ -216,10 +221,14 @@ void StreamSocket::SetReceiveBufferSize(uint32_t bytes) {
     return;
   }
   receive_buffer_size_ = bytes;
+  GrowReceiveBuffer();
+}
+
+void StreamSocket::GrowReceiveBuffer() {
   int current = 0;
-  if (GetSocketOption(handle_, SOL_SOCKET, SO_RCVBUF, &current) && current >= 0 &&
-      static_cast<uint32_t>(current) < bytes) {
-    SetSocketOption(handle_, SOL_SOCKET, SO_RCVBUF, static_cast<int>(bytes));
+  const auto wanted = static_cast<int>(std::min<uint32_t>(receive_buffer_size_, INT32_MAX));
+  if (GetSocketOption(handle_, SOL_SOCKET, SO_RCVBUF, &current) && current < wanted) {
+    SetSocketOption(handle_, SOL_SOCKET, SO_RCVBUF, wanted);
   }
 }
 

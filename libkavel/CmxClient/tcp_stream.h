@@ -18,6 +18,9 @@ enum class BindFailure { kEndsAttempt, kTakesAnyPort };
 /// To be called after `StartSockets`.
 SocketHandle CreateStream();
 
+/// True for the errors of an attempt to connect that is still under way.
+bool IsPending(int error);
+
 /// Connects a blocking socket, as the system's own blocking call does, but gives up after
 /// `timeout_us` or, soon, once `*interrupted` (may be null) is set. Returns 0, or why not:
 /// `kSocketInProgress` when the time was up. The socket is blocking afterwards.
@@ -40,8 +43,8 @@ class StreamSocket {
   StreamSocket(const StreamSocket&) = delete;
   StreamSocket& operator=(const StreamSocket&) = delete;
 
-  /// Takes over a connected socket and gives it the stored time-outs. False, with the socket
-  /// closed, after an interruption.
+  /// Takes over a connected socket and gives it the stored time-outs and receive buffer size.
+  /// False, with the socket closed, after an interruption.
   bool Adopt(SocketHandle socket);
 
   void Close();
@@ -62,6 +65,7 @@ class StreamSocket {
 
  private:
   bool IsConnected() const;
+  void GrowReceiveBuffer();
 
   /// Held while the handle changes and while an interruption uses it, so that an interruption never
   /// hits a handle that the system has given to somebody else.

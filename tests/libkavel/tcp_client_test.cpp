@@ -152,6 +152,11 @@ TEST(TcpClient, AHostPortIsUsedAndFreeAgainAtOnce) {
     uint8_t byte = 7;
     EXPECT_EQ(client.Send(&byte, 1, 0), 1);
     EXPECT_EQ(client.Receive(&byte, 1, 0), 1);
+    // The system lets a second program bind it, too, and refuses only the connection.
+    TcpClient second;
+    EXPECT_FALSE(TryOpen(second, peer.port(), host_port));
+    EXPECT_NE(second.OpenFailure().find(std::to_string(host_port) + " is in use"),
+              std::string::npos);
   }
 }
 
@@ -189,6 +194,12 @@ TEST(TcpClient, ReceiveBuffersOnlyGrow) {
   stream.SetReceiveBufferSize(65536);
   ASSERT_TRUE(GetSocketOption(socket, SOL_SOCKET, SO_RCVBUF, &after));
   EXPECT_GE(after, 65536);
+
+  const int next = tcp_open(kHere.c_str(), peer.port());
+  SetSocketOption(next, SOL_SOCKET, SO_RCVBUF, 4096);
+  ASSERT_TRUE(stream.Adopt(next));
+  ASSERT_TRUE(GetSocketOption(next, SOL_SOCKET, SO_RCVBUF, &after));
+  EXPECT_GE(after, 65536) << "kept across a reconnection";
 }
 
 TEST(TcpOpen, LogsWhyItFailed) {
