@@ -45,8 +45,7 @@ class SerialPort {
 
   /// Writes all of `size` bytes. `timeout_ms` is the longest wait without progress, so that a long
   /// block on a slow line is not cut. Returns the bytes taken by the driver, which is less than
-  /// `size` after a time-out or an interruption, or -1 when the port is not open or has just
-  /// failed.
+  /// `size` after a time-out, or -1 when the port is not open, was interrupted or has just failed.
   int32_t Write(const uint8_t* data, size_t size, uint32_t timeout_ms);
 
   /// Discards what has been received and not yet read. False when the port is not open.

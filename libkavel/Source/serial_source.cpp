@@ -38,9 +38,9 @@ SerialSource::SerialSource(const std::string& port_name, uint32_t baud_rate_bps,
 SerialSource::~SerialSource() { Stop(); }
 
 bool SerialSource::Open() {
-  if (IsOpened()) return true;
-  Stop();
   const std::lock_guard<std::mutex> lifecycle(lifecycle_mutex_);
+  if (IsOpened()) return true;
+  StopLocked();
   if (receive_type_ != kReceiveAnswersAndPoints && receive_type_ != kReceiveAnswers) {
     const std::string reason = "not support receiveStype, open error";
     KAVEL_LOG(kError, "%s", reason.c_str());
@@ -67,6 +67,10 @@ void SerialSource::Close() {
 
 void SerialSource::Stop() {
   const std::lock_guard<std::mutex> lifecycle(lifecycle_mutex_);
+  StopLocked();
+}
+
+void SerialSource::StopLocked() {
   Interrupt();
   if (thread_.joinable()) thread_.join();
   port_->Close();
@@ -131,7 +135,7 @@ void SerialSource::KeepPointCloud(const std::vector<uint8_t>& frame) {
     KAVEL_LOG(kWarning, "serial recv error point cloud, protocol Version: %02x %02x", version[0],
               version[1]);
   }
-  if (!known || !keep_points_ || receive_type_ != kReceiveAnswersAndPoints) {
+  if (!known || mode_ != kModePointCloud || receive_type_ != kReceiveAnswersAndPoints) {
     ++counters_.dropped_points;
     return;
   }
@@ -214,16 +218,14 @@ void SerialSource::EmptyBuffer() {
 void SerialSource::SetReceiveMode(int mode) {
   {
     const std::lock_guard<std::mutex> lock(mutex_);
-    if (mode != kModeEmptyBuffer) keep_points_ = mode == kModePointCloud;
     EmptyBuffer();
     if (mode == kModeEmptyBuffer) return;
+    mode_ = mode;
     stream_.Clear();
     points_.clear();
     counters_ = {};
   }
   port_->PurgeInput();
-  const std::lock_guard<std::mutex> lock(mutex_);
-  mode_ = mode;
 }
 
 int SerialSource::receive_mode() const {

@@ -96,13 +96,14 @@ class SerialSource : public Source {
   void SearchBehindBrokenFrame();
   void EmptyBuffer();
   void Stop();
+  void StopLocked();
 
   const std::string port_name_;
   const uint32_t baud_rate_bps_;
   const int receive_type_;
   const std::shared_ptr<SerialPort> port_;
   std::function<void(const std::string&)> lost_handler_;
-  std::mutex lifecycle_mutex_;
+  std::mutex lifecycle_mutex_;  ///< held while the thread is started or ended
   std::thread thread_;
 
   mutable std::mutex mutex_;
@@ -113,7 +114,6 @@ class SerialSource : public Source {
   Counters counters_;
   std::string last_error_;
   int mode_ = kModePointCloud;
-  bool keep_points_ = true;
   bool running_ = false;
 };
 

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <future>
 #include <string>
 #include <vector>
 
@@ -86,6 +87,18 @@ TEST(SerialSource, ModeTwoEmptiesTheBufferAndNothingElse) {
   line.Write(Answer(2));
   EXPECT_EQ(source.ReceiveBlock(block, 1500, kPatienceMs), 20);
   EXPECT_EQ(source.GetCounters().dropped_points, 1U) << "dropped in this mode";
+}
+
+TEST(SerialSource, MayBeOpenedByTwoThreadsAtOnce) {
+  PtyPair line;
+  SerialSource source(line.path(), 115200, kReceiveAnswers);
+  for (int round = 0; round < 20; ++round) {
+    auto other = std::async(std::launch::async, [&] { return source.Open(); });
+    EXPECT_TRUE(source.Open());
+    EXPECT_TRUE(other.get());
+    EXPECT_TRUE(source.IsOpened());
+    source.Close();
+  }
 }
 
 TEST(SerialSource, BoundsWhatNobodyFetches) {
