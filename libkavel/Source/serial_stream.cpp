@@ -27,9 +27,8 @@ static_assert(kPointCloudTailSize == kSerialChecksumSize + kSerialTerminatorSize
               "both frames without a random value end alike");
 constexpr size_t kPointCloudLengthOffset = 9;
 
-bool TerminatorFits(const std::vector<uint8_t>& frame) {
-  return frame[frame.size() - 2] == kSerialTerminator1 &&
-         frame[frame.size() - 1] == kSerialTerminator2;
+bool IsTerminator(const uint8_t* bytes) {
+  return bytes[0] == kSerialTerminator1 && bytes[1] == kSerialTerminator2;
 }
 
 bool FirmwareChecksumFits(const std::vector<uint8_t>& frame) {
@@ -137,9 +136,8 @@ SerialStreamFrame SerialStream::CopyFrame(Kind kind, size_t size) const {
   SerialStreamFrame frame;
   frame.kind = kind;
   frame.bytes.assign(Head(), Head() + size);
-  frame.sound =
-      TerminatorFits(frame.bytes) && (kind == Kind::kCommand ? CommandFits(frame.bytes, listener_)
-                                                             : FirmwareChecksumFits(frame.bytes));
+  frame.sound = kind == Kind::kCommand ? CommandFits(frame.bytes, listener_)
+                                       : FirmwareChecksumFits(frame.bytes);
   return frame;
 }
 
@@ -156,10 +154,10 @@ std::optional<SerialStreamFrame> SerialStream::Next() {
   while (FindPrefix(&kind)) {
     const std::optional<size_t> size = FrameSize(kind);
     if (!size || *size > held()) return std::nullopt;
-    if (*size > 0) {
+    // Looked at before anything is copied: noise may claim one long frame after the other.
+    if (*size > 0 && IsTerminator(Head() + *size - kSerialTerminatorSize)) {
       SerialStreamFrame frame = CopyFrame(kind, *size);
-      const bool worth_reporting = kind != Kind::kPointCloud && TerminatorFits(frame.bytes);
-      if (frame.sound || (worth_reporting && !PrefixInside(*size))) {
+      if (frame.sound || (kind != Kind::kPointCloud && !PrefixInside(*size))) {
         begin_ += *size;
         skipped_.clear();
         return frame;
