@@ -7,7 +7,6 @@
 #include <utility>
 
 #include "CmxClient/big_endian.h"
-#include "CmxClient/device_commands.h"
 #include "CmxClient/hex_text.h"
 #include "Log/logger.h"
 
@@ -96,7 +95,8 @@ bool CmxClient::BuildFrame(const std::vector<uint8_t>& payload, std::vector<uint
                            uint8_t cmd) {
   constexpr size_t kMaxFrameSize = std::numeric_limits<uint16_t>::max();
   if (payload.size() + parser_->GetHeaderSize() > kMaxFrameSize) {
-    KAVEL_LOG(kError, "a payload of %zu bytes does not fit into one frame", payload.size());
+    KAVEL_LOG(kError, "a payload of %llu bytes does not fit into one frame",
+              static_cast<unsigned long long>(payload.size()));
     return false;
   }
   if (!parser_->CmxEncode(payload, frame, cmd)) {

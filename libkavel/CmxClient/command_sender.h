@@ -13,6 +13,7 @@ constexpr int32_t kReplyBrokeOff = -3;   ///< the payload did not arrive in full
 constexpr int32_t kSendIncomplete = -4;  ///< the frame could not be sent whole
 constexpr int32_t kAuthRefused = -5;     ///< refused before sending: the lidar wants authentication
 constexpr int32_t kBadReply = -6;        ///< the reply's payload has an unexpected length
+constexpr int32_t kBadArgument = -7;     ///< the caller's value is out of range; nothing was sent
 
 /// One command to the lidar and its answer. Everything that talks to a lidar does so through this
 /// interface, so that authentication or a recording can stand in between.

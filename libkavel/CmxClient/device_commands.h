@@ -14,11 +14,9 @@ namespace kavel::lidar {
 ///
 /// Every function runs one exchange over the sender, on the caller's thread, and returns 0 or the
 /// reason of its failure: the sender's own (-1 to -5, or the lidar's return code), kBadReply or
-/// kBadArgument. Results are written only on success. CmxClient::ErrorText has words for all of
-/// them. A setter whose reply never came returns -2; what that means is for the caller to judge.
-
-/// A text that is no dotted IPv4 address, or a number outside its range; nothing was sent.
-inline constexpr int32_t kBadArgument = -7;
+/// kBadArgument. Results are written only on success. kBadArgument stands for a text that is no
+/// dotted IPv4 address or a number outside its range. A setter whose reply never came returns -2;
+/// what that means is for the caller to judge.
 
 inline constexpr uint8_t kCmdLiveness = 0x07;
 inline constexpr uint8_t kCmdLivenessOld = 0x08;
@@ -94,7 +92,6 @@ struct DeviceStatus {
 int32_t CheckAlive(CommandSender& sender);
 int32_t CheckAliveOld(CommandSender& sender);
 int32_t RestartDevice(CommandSender& sender);
-int32_t ResetDevice(CommandSender& sender);
 
 int32_t GetBaudRate(CommandSender& sender, uint32_t* baud_rate_bps);
 int32_t SetBaudRate(CommandSender& sender, uint32_t baud_rate_bps);

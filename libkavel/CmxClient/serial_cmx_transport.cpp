@@ -5,17 +5,14 @@
 #include <utility>
 
 #include "CmxClient/big_endian.h"
+#include "CmxClient/cmx_parser.h"
 #include "CmxClient/ota_stream.h"
 #include "CmxClient/serial_frame.h"
 
 namespace kavel::lidar {
 namespace {
 
-constexpr uint8_t kCmxIdentifier1 = 0x47;
-constexpr uint8_t kCmxIdentifier2 = 0x74;
-constexpr size_t kCmxCommandOffset = 2;
-constexpr size_t kCmxLengthOffset = 4;
-constexpr size_t kCmxHeaderSize = 8;
+constexpr const CmxHeaderLayout& kHeader = kCmxHeader1;
 
 // Inner bytes of an ordinary answer: length, command, return code, payload.
 constexpr size_t kInnerPayloadOffset = 3;
@@ -28,8 +25,9 @@ constexpr uint32_t kForeverMs = std::numeric_limits<int32_t>::max();
 uint32_t OrForever(uint32_t timeout_ms) { return timeout_ms == 0 ? kForeverMs : timeout_ms; }
 
 bool IsWholeCmxFrame(const uint8_t* data, size_t size) {
-  return size >= kCmxHeaderSize && data[0] == kCmxIdentifier1 && data[1] == kCmxIdentifier2 &&
-         ReadBigEndian32(data + kCmxLengthOffset) == size - kCmxHeaderSize;
+  return size >= kHeader.size && data[0] == kHeader.identifier_1 &&
+         data[1] == kHeader.identifier_2 &&
+         ReadBigEndian32(data + kHeader.payload_length_at) == size - kHeader.size;
 }
 
 }  // namespace
@@ -58,8 +56,8 @@ int32_t SerialCmxTransport::Send(uint8_t* data, uint16_t length, int32_t /*flags
   answer_.clear();
   handed_out_ = 0;
   if (!IsWholeCmxFrame(data, length)) return -1;
-  const std::vector<uint8_t> payload(data + kCmxHeaderSize, data + length);
-  return Exchange(data[kCmxCommandOffset], payload) ? length : -1;
+  const std::vector<uint8_t> payload(data + kHeader.size, data + length);
+  return Exchange(data[kHeader.command_at], payload) ? length : -1;
 }
 
 // False when the request did not leave. Whether an answer came is for Receive to tell.
@@ -90,7 +88,7 @@ void SerialCmxTransport::KeepLongAnswer(const std::vector<uint8_t>& block) {
 
 void SerialCmxTransport::KeepAnswer(uint8_t cmd, uint8_t return_code,
                                     const std::vector<uint8_t>& payload) {
-  answer_ = {kCmxIdentifier1, kCmxIdentifier2, cmd, return_code};
+  answer_ = {kHeader.identifier_1, kHeader.identifier_2, cmd, return_code};
   AppendBigEndian32(answer_, static_cast<uint32_t>(payload.size()));
   answer_.insert(answer_.end(), payload.begin(), payload.end());
 }
