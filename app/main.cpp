@@ -31,6 +31,7 @@ int main(int argc, char** argv) {
   QCoreApplication::setOrganizationName(QStringLiteral("KavelTech"));
   QCoreApplication::setOrganizationDomain(QStringLiteral("kaveltech.example"));
   QCoreApplication::setApplicationVersion(QStringLiteral("1.0.1"));
+  StartDeviceLog();
 
   const QIcon icon = ApplicationIcon(root);
   if (!icon.isNull()) {

@@ -4,7 +4,10 @@
 #include <QDir>
 #include <QFileInfo>
 #include <QFontDatabase>
+#include <QStandardPaths>
 #include <algorithm>
+
+#include "Log/logger.h"
 
 namespace {
 
@@ -129,6 +132,14 @@ QIcon ApplicationIcon(const QString& root) {
     return QIcon();
   }
   return QIcon(file.filePath());
+}
+
+void StartDeviceLog() {
+  const QDir folder(QStandardPaths::writableLocation(QStandardPaths::AppLocalDataLocation));
+  const QString path = folder.filePath(QStringLiteral("logs/device.log"));
+  if (!kavel::lidar::Logger::GetInstance().SetFile(path.toStdString())) {
+    qWarning() << "[Tevron] Device log cannot be written:" << path;
+  }
 }
 
 QString ModulePvArgument(int argc, char** argv) {

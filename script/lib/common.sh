@@ -26,5 +26,6 @@ use_throwaway_home() {
     export XAUTHORITY="${XAUTHORITY:-$HOME/.Xauthority}"
     export CCACHE_DIR="${CCACHE_DIR:-$HOME/.cache/ccache}"
     export HOME="$1" XDG_CONFIG_HOME="$1/.config" XDG_CACHE_HOME="$1/.cache"
-    mkdir -p "$XDG_CONFIG_HOME" "$XDG_CACHE_HOME"
+    export XDG_DATA_HOME="$1/.local/share"
+    mkdir -p "$XDG_CONFIG_HOME" "$XDG_CACHE_HOME" "$XDG_DATA_HOME"
 }

@@ -11,6 +11,7 @@ int main(int argc, char** argv) {
   const QTemporaryDir home;
   qputenv("HOME", home.path().toLocal8Bit());
   qputenv("XDG_CONFIG_HOME", (home.path() + "/.config").toLocal8Bit());
+  qputenv("XDG_DATA_HOME", (home.path() + "/.local/share").toLocal8Bit());
   const QCoreApplication application(argc, argv);
   std::setlocale(LC_NUMERIC, "C");
   return RUN_ALL_TESTS();
