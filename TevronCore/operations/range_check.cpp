@@ -6,6 +6,8 @@
 #include <regex>
 #include <stdexcept>
 
+#include "variables/number_text.h"
+
 namespace {
 
 constexpr char kOutOfRange[] = " is out of range";
@@ -34,12 +36,29 @@ void LogDebug(const char* function, const char* tag, const std::string& text) {
   qDebug().noquote() << function << tag << QString::fromStdString(text);
 }
 
-/// Text to float as std::stof does it, save that the decimal point is a point in every locale.
-float ToFloat(const std::string& text) {
-  bool is_number = false;
-  const float value = QString::fromStdString(text).toFloat(&is_number);
-  if (!is_number) throw std::invalid_argument("stof");
+// Both conversions throw with the words of the log, which differ between standard libraries.
+
+int WholeNumberAtStart(const std::string& text) {
+  try {
+    return std::stoi(text);
+  } catch (const std::out_of_range&) {
+    throw std::out_of_range("stoi argument out of range");
+  } catch (const std::invalid_argument&) {
+    throw std::invalid_argument("invalid stoi argument");
+  }
+}
+
+float FloatAtStart(const std::string& text) {
+  float value = 0;
+  const Conversion outcome = ToFloat(text, &value);
+  if (outcome == Conversion::kOutOfRange) throw std::out_of_range("stof argument out of range");
+  if (outcome != Conversion::kDone) throw std::invalid_argument("invalid stof argument");
   return value;
+}
+
+void LogConversion(const char* function, const std::logic_error& e) {
+  const bool too_large = dynamic_cast<const std::out_of_range*>(&e) != nullptr;
+  LogDebug(function, too_large ? " Out of range: " : " Invalid argument: ", e.what());
 }
 
 bool TruncatesInto(float value, int32_t min, int32_t max) {
@@ -62,8 +81,7 @@ bool RangeCheck::CheckPage(const std::vector<const VarInfo*>& vars,
     try {
       suffix = Violation(*var, text);
     } catch (const std::logic_error& e) {
-      const bool too_large = dynamic_cast<const std::out_of_range*>(&e) != nullptr;
-      LogDebug(kFunction, too_large ? " Out of range: " : " Invalid argument: ", e.what());
+      LogConversion(kFunction, e);
       report_.LogLine(
           "The value of " + var->var_name + " is no whole number that can be checked: " + text,
           LogType::kWarning);
@@ -86,12 +104,13 @@ std::string RangeCheck::Violation(const VarInfo& var, const std::string& text) {
   if (var.var_type == "MAC") return std::regex_match(text, MacPattern()) ? "" : kInvalidMac;
   if (var.range_min == 0 && var.range_max == 0) return "";
   if (IsSwitchedOff(var, text)) return "";
-  const int value = std::stoi(text);
+  const int value = WholeNumberAtStart(text);
   return value < var.range_min || value > var.range_max ? kOutOfRange : "";
 }
 
 bool RangeCheck::IsSwitchedOff(const VarInfo& var, const std::string& text) {
-  if (var.switch_var_id.empty()) return var.type == RowKind::kSwitch && text == "0";
+  if (var.type == RowKind::kSwitch && text == "0") return true;
+  if (var.switch_var_id.empty()) return false;
   const VarInfo* control = table_.Find(var.switch_var_id);
   return control != nullptr && table_.ValueOf(*control).text == "0";
 }
@@ -100,10 +119,10 @@ bool RangeCheck::CheckVar(const VarInfo& var) {
   constexpr char kFunction[] = "TevronManager::CheckVarIsWithinRange";
   if (var.var_type == "string" || var.range_min == 0 || var.range_max == 0) return true;
   try {
-    const float value = ToFloat(table_.ValueOf(var).text) * var.coefficient;
+    const float value = FloatAtStart(table_.ValueOf(var).text) * var.coefficient;
     return TruncatesInto(value, var.range_min, var.range_max);
-  } catch (const std::invalid_argument& e) {
-    LogDebug(kFunction, " Invalid argument: ", e.what());
+  } catch (const std::logic_error& e) {
+    LogConversion(kFunction, e);
     return false;
   }
 }
