@@ -2,6 +2,7 @@
 
 #include <QSettings>
 #include <QStandardPaths>
+#include <limits>
 
 namespace {
 
@@ -20,10 +21,10 @@ void ReadText(const QSettings& file, const char* key, std::string* value) {
   if (file.contains(key)) *value = file.value(key).toString().toStdString();
 }
 
-void ReadNumber(const QSettings& file, const char* key, int32_t* value) {
+void ReadNumber(const QSettings& file, const char* key, int32_t max, int32_t* value) {
   bool is_number = false;
   const int number = file.value(key).toInt(&is_number);
-  if (is_number) *value = number;
+  if (is_number && number >= 1 && number <= max) *value = number;
 }
 
 }  // namespace
@@ -41,8 +42,9 @@ ConnectionSettings LoadConnectionSettings(const QString& path) {
   ReadText(file, kCommandPortKey, &settings.command_port);
   ReadText(file, kRs485Key, &settings.serial_port_485);
   ReadText(file, kRs232Key, &settings.serial_port_232);
-  ReadNumber(file, kBaudRateKey, &settings.point_cloud_baud_rate_bps);
-  ReadNumber(file, kUdpPortKey, &settings.udp_port);
+  ReadNumber(file, kBaudRateKey, std::numeric_limits<int32_t>::max(),
+             &settings.point_cloud_baud_rate_bps);
+  ReadNumber(file, kUdpPortKey, std::numeric_limits<uint16_t>::max(), &settings.udp_port);
   return settings;
 }
 

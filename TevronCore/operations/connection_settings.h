@@ -20,8 +20,8 @@ struct ConnectionSettings {
 /// "RecvSettings.ini" in the tool's folder among the user's documents.
 QString SettingsFilePath();
 
-/// The settings of the file. A key that is absent or no number leaves its default; a file that
-/// cannot be read leaves all of them. The host port is not among them: it belongs to a model.
+/// The settings of the file. A key that is absent or no possible number leaves its default; a file
+/// that cannot be read leaves all of them. The host port is not among them: it belongs to a model.
 ConnectionSettings LoadConnectionSettings(const QString& path);
 
 /// The host port last used with `model`, or nothing.
