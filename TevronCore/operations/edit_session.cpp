@@ -56,7 +56,8 @@ void EditSession::DropEdits(const std::vector<const VarInfo*>& vars) {
 
 void EditSession::Clear() {
   pending_.clear();
-  DropEdits(table_.InTableOrder());
+  fov_.DropEdits();
+  table_.DropEdits(table_.InTableOrder());
 }
 
 void EditSession::SetValue(const VarInfo& var, std::string text) {
