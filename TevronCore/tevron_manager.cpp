@@ -72,9 +72,7 @@ void TevronManager::ReportFaults(const std::vector<std::string>& faults) {
 
 bool TevronManager::ConnectLidar() {
   if (parts_->connecting) return false;
-  const bool was_connected = parts_->state.connected;
-  parts_->EndConnection();
-  if (was_connected) emit isConnectedChanged();
+  if (parts_->state.connected) Disconnect();
   StartAttempt();
   if (!SaveConnectionSettings(SettingsFilePath(), parts_->settings, parts_->model->name)) {
     parts_->report.LogLine(
@@ -86,8 +84,6 @@ bool TevronManager::ConnectLidar() {
 
 void TevronManager::StartAttempt() {
   const int number = ++parts_->attempt_number;
-  const auto still_wanted = [this, number] { return parts_->attempt_number == number; };
-  const auto report = std::make_shared<PostedReport>(*this, parts_->report, still_wanted);
   const ConnectRequest request{parts_->settings, parts_->model, parts_->auto_receive,
                                parts_->byte_flow,
                                std::make_shared<ReportSink>(parts_->posted, LogType::kCmx)};
@@ -100,8 +96,14 @@ void TevronManager::StartAttempt() {
         this, [this, number, reason] { LoseConnection(number, reason); }, Qt::QueuedConnection);
   };
   parts_->connecting = true;
-  parts_->attempt = std::make_unique<ConnectAttempt>(request, report,
+  parts_->attempt = std::make_unique<ConnectAttempt>(request, ReportOfAttempt(number),
                                                      ConnectAttempt::Handlers{on_ended, on_lost});
+}
+
+// What a worker says about a connection that the user has ended since is no news.
+std::shared_ptr<UserReport> TevronManager::ReportOfAttempt(int number) {
+  return std::make_shared<PostedReport>(
+      *this, parts_->report, [this, number] { return parts_->attempt_number == number; });
 }
 
 void TevronManager::EndAttempt(int number, const std::shared_ptr<Connection>& connection) {
@@ -114,6 +116,7 @@ void TevronManager::EndAttempt(int number, const std::shared_ptr<Connection>& co
 
 void TevronManager::Adopt(const std::shared_ptr<Connection>& connection) {
   parts_->connection = connection;
+  parts_->model->table->ForgetBytes();
   if (parts_->model->connect_type == kNetworkLink) {
     parts_->refresh = std::make_unique<PageRefresh>(
         connection->sender(), parts_->state, *parts_->posted, parts_->ViewInUse(), [this] {
@@ -124,28 +127,36 @@ void TevronManager::Adopt(const std::shared_ptr<Connection>& connection) {
   parts_->state.connected = true;
   parts_->report.LogLine("Lidar connected", LogType::kInfo);
   UpdateUI();
+  // A handler of the signals may have disconnected already.
+  if (parts_->connection != connection) return;
   if (parts_->model->connect_type != kNetworkLink) StartReadingFacts();
   emit isConnectedChanged();
 }
 
 void TevronManager::StartReadingFacts() {
   const int number = parts_->attempt_number;
+  const auto on_read = [this, number](const DeviceFacts& facts) {
+    QMetaObject::invokeMethod(
+        this,
+        [this, number, facts] {
+          if (number == parts_->attempt_number) ShowFacts(facts);
+        },
+        Qt::QueuedConnection);
+  };
+  parts_->facts_reading =
+      std::make_unique<FactsReading>(parts_->connection->sender(), parts_->state,
+                                     parts_->model->connect_type, ReportOfAttempt(number), on_read);
+  parts_->facts_reading->Request();
   parts_->reading_facts = true;
   emit isGetPBLVersionChanged();
-  parts_->facts_reading = std::make_unique<FactsReading>(
-      parts_->connection->sender(), parts_->state, parts_->model->connect_type, parts_->posted,
-      [this, number](const DeviceFacts& facts) {
-        QMetaObject::invokeMethod(
-            this,
-            [this, number, facts] {
-              if (number != parts_->attempt_number) return;
-              parts_->facts = facts;
-              parts_->reading_facts = false;
-              emit lumoLidarInfoChanged();
-              emit isGetPBLVersionChanged();
-            },
-            Qt::QueuedConnection);
-      });
+}
+
+void TevronManager::ShowFacts(const DeviceFacts& facts) {
+  parts_->facts = facts;
+  // Only the first reading of a connection keeps the screens waiting, the later ones are quiet.
+  const bool was_first = std::exchange(parts_->reading_facts, false);
+  emit lumoLidarInfoChanged();
+  if (was_first) emit isGetPBLVersionChanged();
 }
 
 void TevronManager::LoseConnection(int number, const std::string& reason) {

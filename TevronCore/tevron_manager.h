@@ -4,12 +4,13 @@
 #include <QString>
 #include <QUrl>
 #include <QVariantList>
-#include <cstdint>
 #include <memory>
 #include <string>
 #include <vector>
 
 class Connection;
+class UserReport;
+struct DeviceFacts;
 
 /// The one object behind all screens. It owns the parts that do the work (settings, variable table,
 /// connection, page refresh), starts them, and turns what they report into properties and signals;
@@ -245,12 +246,13 @@ class TevronManager : public QObject {
   void Adopt(const std::shared_ptr<Connection>& connection);
   void LoseConnection(int number, const std::string& reason);
   void Disconnect();
+  std::shared_ptr<UserReport> ReportOfAttempt(int number);
   void StartReadingFacts();
+  void ShowFacts(const DeviceFacts& facts);
   void ShowRefreshedPage();
   void ShowFov();
   void ReportFaults(const std::vector<std::string>& faults);
   void TakeSetting(std::string* setting, const QString& text);
-  void TakeBaudRate(uint32_t baud_rate_bps);
   int RefuseForNow(const char* operation);
 
   const std::unique_ptr<Parts> parts_;

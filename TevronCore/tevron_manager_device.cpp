@@ -7,13 +7,14 @@
 #include "tevron_manager_parts.h"
 
 void TevronManager::SendCommand(const QString& cmd_qs, const QString& payload_qs) {
-  const std::shared_ptr<Connection> connection = parts_->connection;
+  const std::shared_ptr<kavel::lidar::CommandSender> sender = parts_->sender();
   const auto family = parts_->model->connect_type == kNetworkLink ? CommandConsole::Family::kCmx
                                                                   : CommandConsole::Family::kSerial;
   const CommandConsole::Outcome outcome =
-      parts_->console.Send(parts_->sender(), parts_->state, family, cmd_qs, payload_qs);
+      parts_->console.Send(sender.get(), parts_->state, family, cmd_qs, payload_qs);
   if (outcome.attempted) emit sendCommandHistoryChanged();
   if (outcome.success.empty()) return;
+  parts_->ReadFactsAfterRestart();
   UpdateUI();
   parts_->report.Success(outcome.success);
 }
@@ -26,12 +27,16 @@ void TevronManager::SetLogBytesFlowStatus(bool flag) { parts_->byte_flow->SetOn(
 
 int TevronManager::Restart() {
   const std::shared_ptr<LidarModel> model = parts_->model;
-  return parts_->MaintenanceNow().Restart(*model->table);
+  const int result = parts_->MaintenanceNow().Restart(*model->table);
+  if (result == 0) parts_->ReadFactsAfterRestart();
+  return result;
 }
 
 int TevronManager::Reset() {
   const std::shared_ptr<LidarModel> model = parts_->model;
-  return parts_->MaintenanceNow().Reset(*model->table);
+  const int result = parts_->MaintenanceNow().Reset(*model->table);
+  if (result == 0) parts_->ReadFactsAfterRestart();
+  return result;
 }
 
 QString TevronManager::getLidarSN() {
@@ -42,14 +47,16 @@ QString TevronManager::getLidarPN() {
   return parts_->IdentityText("PN", parts_->facts.part_number);
 }
 
-void TevronManager::LumoSetStandby(int standby) { parts_->MaintenanceNow().WriteStandby(standby); }
+void TevronManager::LumoSetStandby(int standby) {
+  if (parts_->MaintenanceNow().WriteStandby(standby)) parts_->ReadFactsAgain();
+}
 
 void TevronManager::LumoSetSpinRate(int spin_rate_rpm) {
-  parts_->MaintenanceNow().WriteSpinRate(spin_rate_rpm);
+  if (parts_->MaintenanceNow().WriteSpinRate(spin_rate_rpm)) parts_->ReadFactsAgain();
 }
 
 void TevronManager::LumoSetReturnMode(int return_mode) {
-  parts_->MaintenanceNow().WriteReturnMode(return_mode);
+  if (parts_->MaintenanceNow().WriteReturnMode(return_mode)) parts_->ReadFactsAgain();
 }
 
 QVariantList TevronManager::LumoGetLidarFunctionSafety() {
@@ -59,18 +66,15 @@ QVariantList TevronManager::LumoGetLidarFunctionSafety() {
 QString TevronManager::LumoGetBaudRate() {
   const std::optional<uint32_t> rate = parts_->MaintenanceNow().ReadBaudRate();
   if (!rate) return {};
-  TakeBaudRate(*rate);
+  setBaudRate(QString::number(*rate));
   return QString::number(*rate);
 }
 
 void TevronManager::LumoSetBaudRateFromUI(const QString& baudRateStr) {
   const std::optional<uint32_t> rate = parts_->MaintenanceNow().WriteBaudRate(baudRateStr);
-  if (rate) TakeBaudRate(*rate);
-}
-
-void TevronManager::TakeBaudRate(uint32_t baud_rate_bps) {
-  parts_->settings.point_cloud_baud_rate_bps = static_cast<int32_t>(baud_rate_bps);
-  emit initInfoChanged();
+  if (!rate) return;
+  setBaudRate(QString::number(*rate));
+  parts_->ReadFactsAgain();
 }
 
 QVariantList TevronManager::LumoGetDestinationConfig(bool silent) {
@@ -78,7 +82,9 @@ QVariantList TevronManager::LumoGetDestinationConfig(bool silent) {
 }
 
 bool TevronManager::LumoSetDestinationIPandPort(const QString& ip, int port) {
-  return parts_->MaintenanceNow().WriteDestination(ip, port);
+  const bool is_set = parts_->MaintenanceNow().WriteDestination(ip, port);
+  if (is_set) parts_->ReadFactsAgain();
+  return is_set;
 }
 
 QVariantList TevronManager::LumoGetNetConfig(bool silent) {
@@ -91,7 +97,9 @@ bool TevronManager::LumoSetNet(const QString& ip, const QString& mask, const QSt
 }
 
 void TevronManager::KivaSetIMURange(int angularRangeIndex, int accelRangeIndex) {
-  parts_->MaintenanceNow().WriteImuRange(angularRangeIndex, accelRangeIndex);
+  if (parts_->MaintenanceNow().WriteImuRange(angularRangeIndex, accelRangeIndex)) {
+    parts_->ReadFactsAgain();
+  }
 }
 
 int TevronManager::RefuseForNow(const char* operation) {

@@ -35,22 +35,23 @@ void TevronManager::ShowRefreshedPage() {
 void TevronManager::GetLidarModuleInfo(int module) {
   if (!parts_->MayReadPage(module)) return;
   const std::shared_ptr<LidarModel> model = parts_->model;
+  const std::shared_ptr<EditSession> edits = parts_->edits;
+  const std::shared_ptr<kavel::lidar::CommandSender> sender = parts_->sender();
   const std::vector<const VarInfo*> vars = model->pages.VariablesOf(module);
-  parts_->edits->DropEdits(vars);
-  PageReader reader(*parts_->sender(), *model->table, parts_->state, parts_->report);
+  edits->DropEdits(vars);
+  PageReader reader(*sender, *model->table, parts_->state, parts_->report);
   reader.Read(vars, "TevronManager::GetLidarModuleInfo");
-  parts_->edits->fov().StoreReadingOf(*model->table);
+  edits->fov().StoreReadingOf(*model->table);
   ShowFov();
   UpdateUI();
 }
 
 bool TevronManager::UpdateSingleVarInfo(const QString& qs_var_info, const QString& search_type) {
   const std::shared_ptr<LidarModel> model = parts_->model;
+  const std::shared_ptr<kavel::lidar::CommandSender> sender = parts_->sender();
   const VarInfo* var = parts_->FindVariable(search_type, qs_var_info);
-  if (var == nullptr || parts_->sender() == nullptr || model->connect_type != kNetworkLink) {
-    return false;
-  }
-  PageReader reader(*parts_->sender(), *model->table, parts_->state, parts_->report);
+  if (var == nullptr || sender == nullptr || model->connect_type != kNetworkLink) return false;
+  PageReader reader(*sender, *model->table, parts_->state, parts_->report);
   if (!reader.GetInfoFromLidar(*var)) return false;
   parts_->edits->fov().StoreReadingOf(*model->table);
   ShowFov();
@@ -98,9 +99,10 @@ bool TevronManager::CheckVarIsWithinRange(const QString& qs_var_info, const QStr
 
 void TevronManager::Run(int module) {
   const std::shared_ptr<LidarModel> model = parts_->model;
-  const std::shared_ptr<Connection> connection = parts_->connection;
-  PageWriter writer({parts_->sender(), model->table.get(), &model->pages, parts_->state,
-                     parts_->edits->pending(), parts_->edits->fov(), parts_->report});
+  const std::shared_ptr<EditSession> edits = parts_->edits;
+  const std::shared_ptr<kavel::lidar::CommandSender> sender = parts_->sender();
+  PageWriter writer({sender.get(), *model->table, model->pages, parts_->state, edits->pending(),
+                     edits->fov(), parts_->report});
   if (writer.Run(module)) UpdateUI();
   ShowFov();
 }

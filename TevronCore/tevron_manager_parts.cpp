@@ -32,8 +32,8 @@ TevronManager::Parts::Parts(TevronManager& manager, bool auto_receive_flag,
 
 TevronManager::Parts::~Parts() { EndConnection(); }
 
-kavel::lidar::CommandSender* TevronManager::Parts::sender() const {
-  return connection == nullptr ? nullptr : connection->sender().get();
+std::shared_ptr<kavel::lidar::CommandSender> TevronManager::Parts::sender() const {
+  return connection == nullptr ? nullptr : connection->sender();
 }
 
 const VarInfo* TevronManager::Parts::FindVariable(const QString& field, const QString& text) const {
@@ -52,6 +52,14 @@ bool TevronManager::Parts::MayReadPage(int module) const {
          state.MayRead() && module >= 0 && module < model->pages.page_count();
 }
 
+void TevronManager::Parts::ReadFactsAgain() {
+  if (facts_reading != nullptr) facts_reading->Request();
+}
+
+void TevronManager::Parts::ReadFactsAfterRestart() {
+  if (facts_reading != nullptr) facts_reading->RequestAfterRestart();
+}
+
 QString TevronManager::Parts::IdentityText(const char* name, const std::string& asked) const {
   if (model->connect_type != kNetworkLink) return QString::fromStdString(asked);
   const VarInfo* var = model->table->FindByName(name);
@@ -62,7 +70,7 @@ QString TevronManager::Parts::IdentityText(const char* name, const std::string& 
 
 void TevronManager::Parts::TakeModel(std::shared_ptr<LidarModel> loaded) {
   model = std::move(loaded);
-  edits = std::make_unique<EditSession>(*model->table);
+  edits = std::make_shared<EditSession>(*model->table);
   page_in_use = 0;
   page_names = PageNames(model->pages);
   page_rows = PageRows(model->pages);

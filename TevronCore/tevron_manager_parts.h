@@ -52,7 +52,7 @@ struct TevronManager::Parts {
   std::string product_variant;
   LinkState state;
   std::shared_ptr<LidarModel> model;
-  std::unique_ptr<EditSession> edits;
+  std::shared_ptr<EditSession> edits;
   int page_in_use = 0;
 
   QString error_message;
@@ -75,15 +75,20 @@ struct TevronManager::Parts {
   std::unique_ptr<ConnectAttempt> attempt;
 
   /// Where commands go; null without a connection.
-  kavel::lidar::CommandSender* sender() const;
+  std::shared_ptr<kavel::lidar::CommandSender> sender() const;
   /// The variable whose display field named `field` holds `text`; null if there is none.
   const VarInfo* FindVariable(const QString& field, const QString& text) const;
   /// Whether page `module` may be read now.
   bool MayReadPage(int module) const;
 
   Maintenance MaintenanceNow() {
-    return Maintenance({sender(), state, model->connect_type}, report);
+    return Maintenance({sender().get(), state, model->connect_type}, report);
   }
+
+  /// Read anew what a serial-attached lidar says about itself, after a command that may have
+  /// changed it. Over the network, where the pages show everything, they do nothing.
+  void ReadFactsAgain();
+  void ReadFactsAfterRestart();
 
   /// The serial or part number: that of a network model is its variable `name`, any other's was
   /// asked for after connecting.

@@ -150,7 +150,8 @@ void TevronManager::setUdpPort(const QString& port) {
 void TevronManager::setBaudRate(const QString& baud_rate_bps) {
   constexpr int kMaxBaudRate = std::numeric_limits<int32_t>::max();
   if (!TakeNumber(baud_rate_bps, kMaxBaudRate, &parts_->settings.point_cloud_baud_rate_bps)) {
-    parts_->report.LogLine("The baud rate has to be a number above 0.", LogType::kWarning);
+    parts_->report.LogLine("The baud rate has to be a number from 1 to 2147483647.",
+                           LogType::kWarning);
   }
   emit initInfoChanged();
 }

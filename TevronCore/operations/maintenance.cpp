@@ -143,37 +143,41 @@ bool Maintenance::WriteNet(const QString& ip, const QString& mask, const QString
   return Conclude(kSetNet, result == kNoReply ? 0 : result);
 }
 
-void Maintenance::WriteReturnMode(int return_mode) {
-  if (!IsReady(kSetReturnMode)) return;
-  Conclude(kSetReturnMode, WithinField<uint8_t>(return_mode, [this](uint8_t mode) {
-             return SetReturnMode(*link_.sender, mode);
-           }));
+bool Maintenance::WriteReturnMode(int return_mode) {
+  if (!IsReady(kSetReturnMode)) return false;
+  return Conclude(kSetReturnMode, WithinField<uint8_t>(return_mode, [this](uint8_t mode) {
+                    return SetReturnMode(*link_.sender, mode);
+                  }));
 }
 
-void Maintenance::WriteSpinRate(int spin_rate_rpm) {
-  if (!IsReady(kSetSpinRate)) return;
-  Conclude(kSetSpinRate, WithinField<uint16_t>(spin_rate_rpm, [this](uint16_t rpm) {
-             return SetSpinRate(*link_.sender, rpm);
-           }));
+bool Maintenance::WriteSpinRate(int spin_rate_rpm) {
+  if (!IsReady(kSetSpinRate)) return false;
+  return Conclude(kSetSpinRate, WithinField<uint16_t>(spin_rate_rpm, [this](uint16_t rpm) {
+                    return SetSpinRate(*link_.sender, rpm);
+                  }));
 }
 
-void Maintenance::WriteStandby(int standby) {
-  if (!IsReady(kSetStandby)) return;
-  Conclude(kSetStandby,
-           standby == 0 || standby == 1 ? SetStandby(*link_.sender, standby == 1) : kBadArgument);
+bool Maintenance::WriteStandby(int standby) {
+  if (!IsReady(kSetStandby)) return false;
+  return Conclude(kSetStandby, standby == 0 || standby == 1
+                                   ? SetStandby(*link_.sender, standby == 1)
+                                   : kBadArgument);
 }
 
-void Maintenance::WriteImuRange(int angular_range_index, int accel_range_index) {
+bool Maintenance::WriteImuRange(int angular_range_index, int accel_range_index) {
   // The indices are looked at before the link is, and a negative one is a large one.
   if (static_cast<unsigned>(angular_range_index) > kMaxAngularRangeIndex) {
-    return report_.Error("Invalid angular range index");
+    report_.Error("Invalid angular range index");
+    return false;
   }
   if (static_cast<unsigned>(accel_range_index) > kMaxAccelRangeIndex) {
-    return report_.Error("Invalid acceleration range index");
+    report_.Error("Invalid acceleration range index");
+    return false;
   }
-  if (!IsReady(kSetImuRange)) return;
-  Conclude(kSetImuRange, SetImuRange(*link_.sender, static_cast<uint8_t>(angular_range_index),
-                                     static_cast<uint8_t>(accel_range_index)));
+  if (!IsReady(kSetImuRange)) return false;
+  return Conclude(kSetImuRange,
+                  SetImuRange(*link_.sender, static_cast<uint8_t>(angular_range_index),
+                              static_cast<uint8_t>(accel_range_index)));
 }
 
 QVariantList Maintenance::ReadFunctionSafety() {
@@ -184,8 +188,7 @@ QVariantList Maintenance::ReadFunctionSafety() {
   return SafetyList(states);
 }
 
-DeviceFacts Maintenance::ReadFacts() {
-  DeviceFacts facts;
+DeviceFacts Maintenance::ReadFacts(DeviceFacts facts) {
   if (!IsReady(kReadSerialNumber)) return facts;
   std::string serial_number;
   std::string part_number;

@@ -48,18 +48,18 @@ class Maintenance {
   bool WriteNet(const QString& ip, const QString& mask, const QString& gateway, bool vlan,
                 int vlan_id);
 
-  void WriteReturnMode(int return_mode);
-  void WriteSpinRate(int spin_rate_rpm);
-  void WriteStandby(int standby);  ///< 0 works, 1 rests
+  bool WriteReturnMode(int return_mode);
+  bool WriteSpinRate(int spin_rate_rpm);
+  bool WriteStandby(int standby);  ///< 0 works, 1 rests
   /// Indices 0 to 5 and 0 to 3.
-  void WriteImuRange(int angular_range_index, int accel_range_index);
+  bool WriteImuRange(int angular_range_index, int accel_range_index);
 
   /// The safety functions as maps of "name" and "value"; empty on failure.
   QVariantList ReadFunctionSafety();
 
   /// What the lidar says about itself. What cannot be read, and a number that is not 1 to 32
-  /// printable characters, stays kUnread; once the lidar is silent the rest is not asked for.
-  DeviceFacts ReadFacts();
+  /// printable characters, stays as in `facts`; once the lidar is silent the rest is not asked for.
+  DeviceFacts ReadFacts(DeviceFacts facts = {});
 
   /// Restarts a Kiva after an upgrade: 0 when it acknowledged.
   int32_t RestartKiva();

@@ -85,8 +85,11 @@ ReadOutcome PageReader::GetInfoFromLidarWithSameCmd(const ReadGroup& group) {
     return ReadOutcome::kRefused;
   }
   std::vector<uint8_t> slice;
-  for (const VarInfo* var : group) UpdateSingleVarFromOutput(*var, route.code, reply, slice);
-  return ReadOutcome::kRead;
+  bool any_taken = false;
+  for (const VarInfo* var : group) {
+    any_taken = UpdateSingleVarFromOutput(*var, route.code, reply, slice) || any_taken;
+  }
+  return any_taken ? ReadOutcome::kRead : ReadOutcome::kRefused;
 }
 
 bool PageReader::GetInfoFromLidar(const VarInfo& var) {
@@ -122,6 +125,10 @@ bool PageReader::UpdateSingleVarFromOutput(const VarInfo& var, uint8_t cmd,
     KAVEL_LOG(kError, "get var pos offset failed!");
     return false;
   }
+  if (var.var_name == kSharedSecretKey) {
+    table_.StoreBytes(var, slice);
+    return true;
+  }
   std::string text;
   std::string fault;
   if (DecodeValue(var, slice, &text, &fault)) {
@@ -129,7 +136,8 @@ bool PageReader::UpdateSingleVarFromOutput(const VarInfo& var, uint8_t cmd,
     return true;
   }
   KAVEL_LOG(kError, "%s", fault.c_str());
+  if (var.var_type != "raw") return false;
   // What cannot be shown is still carried unchanged in the payload of its set command.
-  if (var.var_type == "raw") table_.StoreBytes(var, slice);
-  return false;
+  table_.StoreBytes(var, slice);
+  return true;
 }

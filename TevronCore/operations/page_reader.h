@@ -21,7 +21,7 @@ std::map<std::string, ReadGroup> GroupByReadCommand(const std::vector<const VarI
 enum class ReadOutcome {
   kRead,      ///< answered; the values were taken as far as the reply held them
   kNotSent,   ///< not allowed now, or the group cannot be asked for
-  kRefused,   ///< answered, but not with values
+  kRefused,   ///< answered, but not with a value of any variable
   kNoAnswer,  ///< no usable reply arrived
 };
 
@@ -48,8 +48,8 @@ class PageReader {
   bool GetInfoFromLidar(const VarInfo& var);
 
   /// Cuts the bytes of `var` out of `output`, the reply to its read command, and stores bytes and
-  /// text. `slice` receives the bytes. False, with the stored value unchanged, when the reply is
-  /// too short or the bytes have no text form.
+  /// text; of a "raw" value, which has no text, the bytes only. `slice` receives the bytes. False,
+  /// with the stored value unchanged, when the reply is too short or the bytes do not fit the type.
   bool UpdateSingleVarFromOutput(const VarInfo& var, uint8_t cmd,
                                  const std::vector<uint8_t>& output, std::vector<uint8_t>& slice);
 

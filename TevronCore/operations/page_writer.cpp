@@ -20,14 +20,18 @@ constexpr char kAllSet[] =
     "Set Lidar Successfully\nNote that if you have changed the TCP-related settings, you will need "
     "to restart the lidar for it to work.";
 
+bool CarriesSecret(const std::vector<const VarInfo*>& vars) {
+  return std::any_of(vars.begin(), vars.end(),
+                     [](const VarInfo* var) { return var->var_name == kSharedSecretKey; });
+}
+
 QDebug Debug() { return qDebug().noquote() << "TevronManager::Run"; }
 
 }  // namespace
 
 bool PageWriter::Run(int module) {
-  if (parts_.table == nullptr || parts_.pages == nullptr || !MayWrite()) return false;
-  if (module < 0 || module >= parts_.pages->page_count()) return false;
-  builder_ = std::make_unique<PayloadBuilder>(*parts_.table);
+  const int page_count = parts_.pages.page_count();
+  if (page_count == 0 || !MayWrite() || module < 0 || module >= page_count) return false;
   try {
     Gather(module);
     ReadPresentValues();
@@ -58,12 +62,12 @@ bool PageWriter::MayWrite() {
 
 void PageWriter::Gather(int module) {
   bool network_settings_pending = false;
-  for (const VarInfo* row : parts_.pages->VariablesOf(module)) {
+  for (const VarInfo* row : parts_.pages.VariablesOf(module)) {
     if (row->set_cmd.empty() || parts_.pending.erase(row->set_cmd) == 0) continue;
     command_ = row->set_cmd;
-    names_ = builder_->ChangedNames(command_);
-    if (command_ != kFovSetCommand) builder_->Gather(command_);
-    for (const VarInfo* var : parts_.table->WrittenBy(command_)) {
+    names_ = builder_.ChangedNames(command_);
+    builder_.Gather(command_);
+    for (const VarInfo* var : parts_.table.WrittenBy(command_)) {
       if (!var->get_cmd.empty()) to_read_.push_back(var);
     }
     if (command_ == kNetworkCommand) {
@@ -77,15 +81,15 @@ void PageWriter::Gather(int module) {
 }
 
 void PageWriter::ReadPresentValues() {
-  PageReader reader(*parts_.sender, *parts_.table, parts_.state, parts_.report);
+  PageReader reader(*parts_.sender, parts_.table, parts_.state, parts_.report);
   reader.Read(to_read_, "TevronManager::Run");
-  parts_.fov.StoreReadingOf(*parts_.table);
+  parts_.fov.StoreReadingOf(parts_.table);
 }
 
 void PageWriter::SendAll() {
   for (const std::string& set_cmd : send_list_) {
     command_ = set_cmd;
-    names_ = builder_->ChangedNames(set_cmd);
+    names_ = builder_.ChangedNames(set_cmd);
     if (set_cmd == kFovSetCommand) {
       SendFov();
     } else {
@@ -96,8 +100,8 @@ void PageWriter::SendAll() {
 }
 
 void PageWriter::SendFov() {
-  const VarInfo& variable = *parts_.table->WrittenBy(kFovSetCommand).front();
-  const std::vector<uint8_t> present = parts_.table->ValueOf(variable).bytes;
+  const VarInfo& variable = *parts_.table.WrittenBy(kFovSetCommand).front();
+  const std::vector<uint8_t> present = parts_.table.ValueOf(variable).bytes;
   // Without the lidar's own table the angles that the user left alone would be sent as 0.
   if (present.empty() && !variable.get_cmd.empty()) {
     throw std::runtime_error("Unknown error with this var: It has no current_val. var_name = " +
@@ -113,11 +117,13 @@ void PageWriter::SendFov() {
 }
 
 void PageWriter::Send(const std::string& set_cmd) {
-  const SetCommand command = builder_->Build(set_cmd);
+  const SetCommand command = builder_.Build(set_cmd);
   const QString cmd_text = QString::fromStdString(set_cmd);
   Debug() << "(): QueryCommand send cmd:    " << cmd_text;
-  Debug() << "(): QueryCommand send payload:"
-          << QString::fromStdString(kavel::lidar::HexText(command.payload))
+  const std::string payload = CarriesSecret(parts_.table.WrittenBy(set_cmd))
+                                  ? "(secret)"
+                                  : kavel::lidar::HexText(command.payload);
+  Debug() << "(): QueryCommand send payload:" << QString::fromStdString(payload)
           << ", length =" << command.payload.size();
   // Announced as a success before it is sent: the line tells the intention, the messages below tell
   // the outcome.
@@ -164,12 +170,12 @@ void PageWriter::ReportFailure(const std::string& reason) {
 }
 
 void PageWriter::NameNextAddress() {
-  const std::vector<const VarInfo*> vars = parts_.table->WrittenBy(kNetworkCommand);
+  const std::vector<const VarInfo*> vars = parts_.table.WrittenBy(kNetworkCommand);
   const auto address = std::find_if(vars.begin(), vars.end(),
                                     [](const VarInfo* var) { return var->var_type == "IP"; });
   if (address == vars.end()) return;
   parts_.report.LogLine("After its restart the lidar is reached at " +
-                            parts_.table->ValueOf(**address).text +
+                            parts_.table.ValueOf(**address).text +
                             ": use this address for the next connection.",
                         LogType::kInfo);
 }

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <memory>
 #include <string>
 #include <vector>
 
@@ -17,21 +16,20 @@
 /// device's present values, and sends one set command after the other. Commands sent before a
 /// failure stay applied.
 ///
-/// Runs on the thread that calls it. Everything pointed to has to outlive the call; `sender`,
-/// `table` and `pages` may be null.
+/// Runs on the thread that calls it. Everything in `Parts` has to outlive the call.
 class PageWriter {
  public:
   struct Parts {
-    kavel::lidar::CommandSender* sender;
-    ConfigParser* table;
-    const PageModel* pages;
+    kavel::lidar::CommandSender* sender;  ///< null without a connection
+    ConfigParser& table;
+    const PageModel& pages;  ///< of `table`; without pages nothing is done or said
     const LinkState& state;
     PendingCommands& pending;
     FovTable& fov;
     UserReport& report;
   };
 
-  explicit PageWriter(const Parts& parts) : parts_(parts) {}
+  explicit PageWriter(const Parts& parts) : parts_(parts), builder_(parts.table) {}
 
   /// Writes page `module`; at most once per writer. What happened goes to the report. True when
   /// everything was written, so that the pages have to be shown anew.
@@ -48,7 +46,8 @@ class PageWriter {
   void ReportFailure(const std::string& reason);
   void NameNextAddress();
 
-  Parts parts_;
+  const Parts parts_;
+  PayloadBuilder builder_;
   std::vector<std::string> send_list_;
   std::vector<const VarInfo*> to_read_;
   std::vector<std::string> applied_;
@@ -56,5 +55,4 @@ class PageWriter {
   std::string command_;
   std::string names_;
   bool command_was_sent_ = false;
-  std::unique_ptr<PayloadBuilder> builder_;
 };

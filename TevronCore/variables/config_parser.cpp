@@ -7,9 +7,6 @@
 
 namespace {
 
-// The handshake's key has the length that the authentication algorithm wants.
-constexpr std::string_view kSharedSecretKey = "Shared Secret Key";
-
 void Report(const std::string& text) {
   std::cout << "ConfigParser::GetVarPosOffset" << text << std::endl;
 }
@@ -57,7 +54,7 @@ bool ConfigParser::GetVarPosOffset(const std::string& cmd, const std::string& va
     Report("(): don't have this command");
     return false;
   }
-  if (var.var_name == kSharedSecretKey) {
+  if (var.var_name == kSharedSecretKey) {  // as long as the authentication algorithm wants it
     var.set_start_pos = 0;
     var.offset = length;
     pos = 0;
@@ -130,6 +127,14 @@ void ConfigParser::StoreBytes(const VarInfo& var, std::vector<uint8_t> bytes) {
   Record& record = RecordOf(var);
   record.bytes = std::move(bytes);
   record.has_bytes = true;
+}
+
+void ConfigParser::ForgetBytes() {
+  const std::lock_guard lock(values_mutex_);
+  for (Record* record : records_) {
+    record->bytes.clear();
+    record->has_bytes = false;
+  }
 }
 
 void ConfigParser::Edit(const VarInfo& var, std::string text) {

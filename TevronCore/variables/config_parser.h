@@ -89,6 +89,10 @@ class ConfigParser {
   /// As StoreReading, for bytes that have no text form: the text stays.
   void StoreBytes(const VarInfo& var, std::vector<uint8_t> bytes);
 
+  /// No bytes count as the device's any more, because another device may have been connected. The
+  /// texts stay.
+  void ForgetBytes();
+
   /// Shows the user's text until DropEdits.
   void Edit(const VarInfo& var, std::string text);
 

@@ -18,6 +18,9 @@ enum RowKind : int32_t {
   kMonitor = 7,
 };
 
+/// The variable that holds key material: its bytes are carried, and never shown or logged.
+inline constexpr char kSharedSecretKey[] = "Shared Secret Key";
+
 /// One device variable, as a row of a model's table describes it.
 ///
 /// Everything but current_val and switch_index is fixed once the table is loaded (the position and

@@ -142,8 +142,8 @@ TEST_F(ManagerPagesTest, AMissingTableLeavesAUsableProgram) {
   EXPECT_TRUE(manager_->level1List().isEmpty());
   manager_->SetText(1, 0, 0, 0, "5");
   manager_->Run(0);
-  EXPECT_EQ(QStringList("Please connect to lidar first"), TakeErrors());
   manager_->GetLidarModuleInfo(0);
+  EXPECT_TRUE(TakeErrors().isEmpty());
   manager_->InitConfigFileParser();
   EXPECT_FALSE(manager_->level1List().isEmpty());
 }

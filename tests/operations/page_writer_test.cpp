@@ -41,7 +41,7 @@ class PageWriterTest : public testing::Test {
     edits_.SetText(EditSession::kTextInput, fixture_[name], text, report_);
   }
   bool Run(int module = 0) {
-    PageWriter writer({&lidar_, &fixture_.table, &fixture_.model->pages, state_, edits_.pending(),
+    PageWriter writer({&lidar_, fixture_.table, fixture_.model->pages, state_, edits_.pending(),
                        edits_.fov(), report_});
     return writer.Run(module);
   }
