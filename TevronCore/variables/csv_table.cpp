@@ -124,9 +124,8 @@ class CsvReader {
     if (position_ < input_.size()) {
       return false;
     }
-    if (!row_open_) {
-      return true;
-    }
+    // Asked for whatever row_open_ says: a carriage return alone ends a row in the middle of a
+    // line.
     if (csv_fini(parser_.get(), OnCell, OnRow, this) != 0) {
       LeaveRowOut("the quotation mark that opens a cell is never closed");
       return false;
