@@ -41,11 +41,14 @@ void TableLoader::Load() {
     parser_.faults_.push_back({0, error.what()});
     return;
   }
-  FindColumns();
   for (const CsvFault& fault : table_->faults()) {
     Report("(): error with csv_reader_, loc = " + parser_.path_ + ":" + std::to_string(fault.line));
     FaultAt(fault.line, fault.reason);
   }
+  if (table_->column_count() == 0 && !table_->faults().empty()) {
+    return;  // it is the header that is broken, which says more than a column that is not found
+  }
+  FindColumns();
   const size_t row_count = std::min(table_->row_count(), ConfigParser::kMaxRows);
   if (row_count < table_->row_count()) {
     FaultAt(table_->LineOf(row_count),
@@ -112,6 +115,9 @@ void TableLoader::KeepDirective(size_t row) {
 // Whether the row describes a variable whose place among the others is known.
 bool TableLoader::ReadCells(VarInfo* var) {
   var->group_id = Cell(kGroupId);
+  if (!WholeNumber(Trim(var->group_id))) {
+    Fault("GroupID " + Quoted(var->group_id) + " is no whole number");
+  }
   var->var_id = var->group_id + '-' + Text(kIndex);
   var->index = ReadNumber(kIndex, "Index");
   var->var_name = Cell(kVarName);
@@ -201,7 +207,8 @@ void TableLoader::CheckCommandText(std::string_view column, const std::string& t
   try {
     const CommandRoute route = ParseCommandText(text);
     const bool is_short = text.size() < kLongCommandTextLength;
-    if (is_short && std::stol(text, nullptr, 0) != long{route.code}) {
+    size_t end = 0;  // of the number in the text: "0x2G" would be sent as 0x02
+    if (is_short && (std::stol(text, &end, 0) != long{route.code} || end != text.size())) {
       Fault(cell + " is no command code from 0 to 255");
     }
   } catch (const std::exception& error) {
