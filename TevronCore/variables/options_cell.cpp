@@ -1,5 +1,6 @@
 #include "variables/options_cell.h"
 
+#include <limits>
 #include <optional>
 #include <vector>
 
@@ -23,6 +24,15 @@ std::vector<std::string_view> Split(std::string_view text, char separator) {
 }
 
 std::string Quoted(std::string_view text) { return '"' + std::string(text) + '"'; }
+
+// Whether a number of the device can be this value at all.
+bool IsOfType(int64_t value, std::string_view integer_type) {
+  const bool is_unsigned = integer_type.front() == 'u';
+  const int value_bits = 8 * NaturalLength(integer_type) - (is_unsigned ? 0 : 1);
+  const int64_t highest =
+      value_bits > 32 ? std::numeric_limits<int64_t>::max() : (int64_t{1} << value_bits) - 1;
+  return value <= highest && value >= (is_unsigned ? 0 : -highest - 1);
+}
 
 // Values of a control that is not text are compared as texts, so they have to be whole numbers as
 // the device sends them.
@@ -107,6 +117,9 @@ std::string ReadChoice(std::string_view text, std::string_view descriptions, Row
     const auto value = WholeNumber(values[i]);
     if (!value) {
       return "Options: " + Quoted(values[i]) + " is no 32-bit whole number";
+    }
+    if (!IsOfType(*value, var->var_type)) {
+      return "Options: " + Quoted(values[i]) + " does not fit " + var->var_type;
     }
     if (!var->varname_value_to_option.emplace(std::to_string(*value), labels[i]).second) {
       return "Options: the value " + Quoted(values[i]) + " stands twice";
