@@ -6,13 +6,17 @@
 
 namespace {
 
+// What the encoder of these types lets through; see UnsignedBound there.
+bool TakesOnlyZero(const VarInfo& var) {
+  return var.var_type == "uint32" || var.var_type == "uint64";
+}
+
 // How the type's own range looks after scaling, in words.
 std::string TypeRange(const VarInfo& var) {
   const bool is_unsigned = var.var_type.front() == 'u';
   const int32_t bytes = NaturalLength(var.var_type);
   const float scale = var.set_coefficient;
-  if (is_unsigned && bytes >= 4) {
-    // What the encoder of these types lets through; see UnsignedBound there.
+  if (TakesOnlyZero(var)) {
     return scale == 1.0F ? "Only 0 can be saved: " + var.var_type + " takes no other value."
                          : "Only values from 0 up to, not including, " + ShortText(scale) +
                                " can be saved, and are stored as 0.";
@@ -33,8 +37,13 @@ std::string TypeRange(const VarInfo& var) {
 }
 
 std::string Format(const VarInfo& var) {
-  if (var.option_num > 0 && var.type != kSwitch) {
-    return "Choose one of the entries.";
+  if (!TakesOnlyZero(var)) {
+    if (var.type == kChoice || var.type == kTallChoice) {
+      return "Choose one of the entries.";
+    }
+    if (var.type == kSwitch && var.range_max == 0) {
+      return "Switch: 0 is off.";
+    }
   }
   if (var.var_type == "IP") {
     return "IPv4 address, such as 192.168.1.201.";
@@ -53,7 +62,7 @@ std::string Refusal(const VarInfo& var) {
     return "Read-only.";
   }
   if (var.set_cmd.empty()) {
-    return "Cannot be changed: the table names no command that writes it.";
+    return "Cannot be changed: the table gives no usable command that writes it.";
   }
   return "Cannot be changed: there is no way to enter the type \"" + var.var_type + "\".";
 }
@@ -76,12 +85,7 @@ std::string Range(const VarInfo& var) {
 }  // namespace
 
 std::string InputHint(const VarInfo& var) {
-  std::string hint = CanBeChanged(var) ? (var.type == kSwitch && var.range_max == 0 &&
-                                                  NaturalLength(var.var_type) < 4
-                                              ? "Switch: 0 is off."
-                                              : Format(var)) +
-                                             Range(var)
-                                       : Refusal(var);
+  std::string hint = CanBeChanged(var) ? Format(var) + Range(var) : Refusal(var);
   if (!var.unit.empty()) {
     hint += " Unit: " + var.unit + ".";
   }

@@ -133,7 +133,7 @@ TEST(InputHint, TellsBeforeSavingWhatWouldBeRefused) {
   EXPECT_EQ(hint(Variable("uint8", 0)), "Read-only.");
   var = Variable("uint8");
   var.set_cmd.clear();
-  EXPECT_EQ(hint(var), "Cannot be changed: the table names no command that writes it.");
+  EXPECT_EQ(hint(var), "Cannot be changed: the table gives no usable command that writes it.");
 }
 
 TEST(InputHint, NamesRangeFormatAndUnit) {
