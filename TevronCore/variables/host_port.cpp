@@ -38,8 +38,8 @@ bool ParseHostPort(const std::string& text, uint16_t* port, std::string* error) 
     return true;
   }
   char* end = nullptr;
-  // A negative text wraps to a large number and so fails the range test, as one that overflows
-  // does.
+  // A negative text wraps, mostly to a number above the range but not always; one that overflows
+  // is above it.
   const unsigned long number = std::strtoul(trimmed.c_str(), &end, 10);
   if (end == trimmed.c_str() || *end != '\0') {
     return fail("Host port must be ANY or an integer");
