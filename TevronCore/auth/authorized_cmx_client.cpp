@@ -22,15 +22,6 @@ uint64_t AssembleValue(const std::vector<uint8_t>& bytes, std::size_t position, 
 
 AuthorizedCmxClient::AuthorizedCmxClient(std::shared_ptr<kavel::lidar::CommandSender> client,
                                          AuthConfig config, bool reply_prefix,
-                                         std::shared_ptr<kavel::lidar::LogSink> log)
-    : client_(std::move(client)),
-      config_(std::move(config)),
-      reply_prefix_(reply_prefix),
-      log_(std::move(log)),
-      algorithm_(config_.enabled ? CreateAuthAlgorithm(config_.algorithm_id) : nullptr) {}
-
-AuthorizedCmxClient::AuthorizedCmxClient(std::shared_ptr<kavel::lidar::CommandSender> client,
-                                         AuthConfig config, bool reply_prefix,
                                          std::shared_ptr<kavel::lidar::LogSink> log,
                                          std::unique_ptr<IAuthAlgorithm> algorithm)
     : client_(std::move(client)),

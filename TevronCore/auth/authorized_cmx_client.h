@@ -21,10 +21,7 @@ class AuthorizedCmxClient : public kavel::lidar::CommandSender {
  public:
   /// `client` carries the exchanges and must not be null; `log` may be. `reply_prefix`: the device
   /// puts a 4-byte counter before the payload of its probe and challenge replies (serial devices
-  /// do). The algorithm is made from the configuration's identifier.
-  AuthorizedCmxClient(std::shared_ptr<kavel::lidar::CommandSender> client, AuthConfig config,
-                      bool reply_prefix, std::shared_ptr<kavel::lidar::LogSink> log);
-  /// With an algorithm of the caller's; null means that none is available.
+  /// do). `algorithm` is the one that `config` names; null means that it is unavailable.
   AuthorizedCmxClient(std::shared_ptr<kavel::lidar::CommandSender> client, AuthConfig config,
                       bool reply_prefix, std::shared_ptr<kavel::lidar::LogSink> log,
                       std::unique_ptr<IAuthAlgorithm> algorithm);

@@ -33,6 +33,12 @@ void AnnounceTcpAttempt() {
             << std::flush;
 }
 
+std::string MissingAlgorithm(int id) {
+  return "Authentication algorithm " + std::to_string(id) +
+         " is unknown, or its keys are missing or malformed in " + kAuthKeysPath +
+         ": protected commands will be refused.";
+}
+
 }  // namespace
 
 ConnectAttempt::ConnectAttempt(ConnectRequest request, std::shared_ptr<UserReport> report,
@@ -192,13 +198,16 @@ std::shared_ptr<Connection> ConnectAttempt::Join(const ClientPtr& client, const 
   } else {
     report_->LogLine(table + " is missing: connecting without authentication.", LogType::kWarning);
   }
+  std::unique_ptr<IAuthAlgorithm> algorithm;
   if (config.enabled) {
-    const std::string warning = AuthKeyFileWarning(kAuthKeysPath);
+    algorithm = CreateAuthAlgorithm(config.algorithm_id);
+    const std::string warning = algorithm == nullptr ? MissingAlgorithm(config.algorithm_id)
+                                                     : AuthKeyFileWarning(kAuthKeysPath);
     if (!warning.empty()) report_->LogLine(warning, LogType::kWarning);
   }
   const bool reply_prefix = request_.model->connect_type == kSerialCmx;
-  const auto sender =
-      std::make_shared<AuthorizedCmxClient>(client, config, reply_prefix, request_.auth_log);
+  const auto sender = std::make_shared<AuthorizedCmxClient>(
+      client, config, reply_prefix, request_.auth_log, std::move(algorithm));
   auto connection = std::make_shared<Connection>(client, sender, serial);
   connection->SetLogSink(request_.byte_flow);
   sender->Probe();

@@ -209,28 +209,4 @@ TEST(AuthorizedCmxClient, NoOtherThreadComesBetweenHandshakeAndCommand) {
   EXPECT_FALSE(device->torn);
 }
 
-TEST(AuthorizedCmxClient, WithRealKeysNothingButTheFixedLinesIsLogged) {
-  const InstallRoot root;
-  root.WriteKeys();
-  const AuthKeys keys = LoadAuthKeys(kAuthKeysPath);
-  testing::internal::CaptureStdout();
-  testing::internal::CaptureStderr();
-  for (int id = 1; id <= 4; ++id) {
-    AuthConfig config = TwoByteConfig();
-    config.algorithm_id = id;
-    const auto device = std::make_shared<ScriptedSender>();
-    const auto log = std::make_shared<CollectedLines>();
-    AuthorizedCmxClient client(device, config, false, log);
-    device->replies = {kRequired, {0, kRandom}, {0, {}}, {0, kRandom}, {5, {}}};
-    client.Probe();
-    EXPECT_EQ(client.Gate(0x21), 0);
-    EXPECT_TRUE(VerifyAuthResponse(id, keys, kRandom, device->sent[2].payload)) << id;
-    EXPECT_EQ(client.Gate(0x21), -1);
-    EXPECT_EQ(log->lines, (Lines{"AUTH: probe value=1 required=true", "AUTH: response rejected",
-                                 "AUTH: handshake failed for protected cmd"}));
-  }
-  EXPECT_EQ(testing::internal::GetCapturedStdout(), "");
-  EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
-}
-
 }  // namespace
