@@ -73,8 +73,6 @@ int32_t CheckAliveOld(CommandSender& sender) {
 
 int32_t RestartDevice(CommandSender& sender) { return Tell(sender, kCmdRestart, {}); }
 
-int32_t ResetDevice(CommandSender& sender) { return Tell(sender, kCmdFactoryReset, {}); }
-
 int32_t GetBaudRate(CommandSender& sender, uint32_t* baud_rate_bps) {
   Bytes reply;
   const int32_t code = AskFor(sender, kCmdGetBaudRate, sizeof(uint32_t), &reply);

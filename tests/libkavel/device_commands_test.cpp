@@ -33,7 +33,6 @@ TEST(DeviceCommands, SettersSendTheirBytesAndWantAnEmptyReply) {
     Bytes payload;
   } cases[] = {
       {RestartDevice, 0x10, {}},
-      {ResetDevice, 0x25, {}},
       {[](auto& s) { return SetBaudRate(s, 3125000); }, 0x41, {0x00, 0x2F, 0xAF, 0x08}},
       {[](auto& s) {
          return SetDestination(s, {"10.0.0.255", 2368});
