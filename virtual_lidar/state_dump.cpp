@@ -17,7 +17,7 @@ QJsonObject DumpVariable(const VariableMemory::Cell& cell, uint32_t up_time_s) {
   const VarInfo& var = *cell.var;
   const std::vector<uint8_t> bytes = VariableMemory::ValueNow(cell, up_time_s);
   QJsonObject object{{"id", QString::fromStdString(var.var_id)}};
-  if (var.var_name == VariableMemory::kSharedSecretKey) {
+  if (var.var_name == kSharedSecretKey) {
     object["bytes"] = static_cast<int>(bytes.size());
     return object;
   }

@@ -15,9 +15,6 @@ class VariableMemory {
  public:
   using Bytes = std::vector<uint8_t>;
 
-  /// The variable whose value is as long as it was written and is never shown.
-  static constexpr char kSharedSecretKey[] = "Shared Secret Key";
-
   /// One variable and what the device holds for it.
   struct Cell {
     const VarInfo* var = nullptr;
