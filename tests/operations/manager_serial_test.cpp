@@ -13,6 +13,12 @@ class ManagerSerialTest : public ManagerFixture {
     manager_->setSerialPort232(lidar.SerialPort("232"));
     return Connect() && WaitFor([this] { return !manager_->isGetPBLVersion(); });
   }
+
+  /// Waits until the lidar's information shows `value` under `name`.
+  bool Shows(const QString& name, const QString& value) {
+    const QVariant wanted = QVariantMap{{"name", name}, {"value", value}};
+    return WaitFor([this, wanted] { return manager_->lumoLidarInfo().contains(wanted); });
+  }
 };
 
 class ManagerOneLineTest : public ManagerSerialTest,
@@ -41,6 +47,13 @@ TEST_P(ManagerOneLineTest, ConnectsIdentifiesSetsAndLeavesThePortFree) {
   manager_->LumoSetBaudRateFromUI("921600");
   EXPECT_EQ("921600", manager_->LumoGetBaudRate());
   EXPECT_EQ("921600", manager_->baudRate());
+  manager_->LumoSetSpinRate(900);
+  EXPECT_TRUE(Shows("Spin Rate", "900 rpm"));
+  manager_->LumoSetStandby(1);
+  EXPECT_TRUE(Shows("Mode", "Standby"));
+  EXPECT_EQ(0, manager_->Restart());
+  EXPECT_TRUE(Shows("Mode", "Working"));
+  EXPECT_NE("xxxxxxxx", manager_->getLidarSN());
   EXPECT_TRUE(TakeErrors().isEmpty());
 }
 
@@ -88,6 +101,19 @@ TEST_F(ManagerSerialTest, ALineThatVanishesDisconnectsWithAReason) {
   lidar.Kill();
   ASSERT_TRUE(WaitFor([this] { return !manager_->isConnected(); }));
   EXPECT_EQ(1, TakeErrors().filter(lidar.SerialPort()).size());
+}
+
+TEST_F(ManagerSerialTest, DisconnectingWhileTheLidarIdentifiesItselfIsNoFailure) {
+  const VirtualLidarProcess lidar(
+      {"--model", "Kiva-CMX", "--serial", "--fault", "delay=60000@0x4B"});
+  manager_->InitConfigFileParser("Kiva-CMX");
+  manager_->setSerialPort485(lidar.SerialPort());
+  ASSERT_TRUE(Connect());
+  TakeErrors();
+  manager_->Stop();
+  QCoreApplication::processEvents();  // what the reading thread said at its end
+  EXPECT_EQ(QStringList(), TakeErrors());
+  EXPECT_FALSE(manager_->isGetPBLVersion());
 }
 
 TEST_F(ManagerSerialTest, ASilentLineEndsInTime) {
