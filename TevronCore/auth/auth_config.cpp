@@ -94,6 +94,7 @@ AuthConfig LoadAuthConfig(const std::string& table, const std::string& model) {
   const std::size_t model_column = csv.Column("Model");
   const std::size_t enable_column = csv.Column("Enable");
   for (std::size_t i = 0; i < csv.row_count(); ++i) {
+    // Meant: these two cells count as they stand, blanks included.
     if (csv.Cell(i, model_column) == model) {
       return csv.Cell(i, enable_column) == "1" ? ReadEnabledRow(Row(csv, i, table)) : AuthConfig();
     }
