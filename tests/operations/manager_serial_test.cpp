@@ -26,7 +26,7 @@ class ManagerOneLineTest : public ManagerSerialTest,
 
 TEST_P(ManagerOneLineTest, ConnectsIdentifiesSetsAndLeavesThePortFree) {
   const QString model = GetParam();
-  const VirtualLidarProcess lidar({"--model", model, "--serial"});
+  VirtualLidarProcess lidar({"--model", model, "--serial"});
   QSignalSpy facts(manager_.get(), &TevronManager::lumoLidarInfoChanged);
   for (int i = 0; i < 2; ++i) {
     ASSERT_TRUE(ConnectSerial(model, lidar));
@@ -52,7 +52,9 @@ TEST_P(ManagerOneLineTest, ConnectsIdentifiesSetsAndLeavesThePortFree) {
   manager_->LumoSetStandby(1);
   EXPECT_TRUE(Shows("Mode", "Standby"));
   EXPECT_EQ(0, manager_->Restart());
-  EXPECT_TRUE(Shows("Mode", "Working"));
+  EXPECT_TRUE(WaitFor([&lidar] {
+    return lidar.Output().section("restarted", 1).contains("4F (0 bytes)");  // the status
+  }));
   EXPECT_NE("xxxxxxxx", manager_->getLidarSN());
   EXPECT_TRUE(TakeErrors().isEmpty());
 }
