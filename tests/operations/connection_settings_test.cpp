@@ -14,19 +14,8 @@ class ConnectionSettingsTest : public testing::Test {
   const QString path_ = folder_.filePath("CorvanViewDataFiles/RecvSettings.ini");
 };
 
-TEST_F(ConnectionSettingsTest, StandUnderTheDocumentsWithTheirDefaults) {
-  EXPECT_TRUE(SettingsFilePath().endsWith("/CorvanViewDataFiles/RecvSettings.ini"));
-  const ConnectionSettings settings = LoadConnectionSettings(path_);
-  EXPECT_EQ("192.168.1.201", settings.lidar_ip);
-  EXPECT_EQ("9347", settings.command_port);
-  EXPECT_EQ("/dev/ttyUSB0", settings.serial_port_485);
-  EXPECT_EQ("/dev/ttyUSB1", settings.serial_port_232);
-  EXPECT_EQ(3000000, settings.point_cloud_baud_rate_bps);
-  EXPECT_EQ(2368, settings.udp_port);
-  EXPECT_EQ("ANY", settings.host_port);
-}
-
 TEST_F(ConnectionSettingsTest, AreKeptButForTheUdpPort) {
+  EXPECT_TRUE(SettingsFilePath().endsWith("/CorvanViewDataFiles/RecvSettings.ini"));
   ConnectionSettings settings;
   settings.lidar_ip = "10.0.0.7";
   settings.command_port = "1234";
@@ -62,6 +51,10 @@ TEST_F(ConnectionSettingsTest, TakeTheUdpPortFromTheFileAndLeaveItThere) {
   EXPECT_EQ(3000000, settings.point_cloud_baud_rate_bps);
   ASSERT_TRUE(SaveConnectionSettings(path_, {}, "Orca"));
   EXPECT_EQ(2400, LoadConnectionSettings(path_).udp_port);
+  for (const int port : {-1, 0, 65536}) {
+    QSettings(path_, QSettings::IniFormat).setValue("udp_port", port);
+    EXPECT_EQ(2368, LoadConnectionSettings(path_).udp_port) << port;
+  }
 }
 
 TEST_F(ConnectionSettingsTest, AnUnreadableFileLeavesTheDefaults) {

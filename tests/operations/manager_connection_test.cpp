@@ -61,6 +61,15 @@ TEST_F(ManagerConnectionTest, ConnectsReadsLosesTheLinkAndComesBack) {
 
   lidar = std::make_unique<VirtualLidarProcess>(QStringList(), port);
   EXPECT_TRUE(Connect());
+  EXPECT_EQ("xxxxxxxx", manager_->getLidarPN());  // another lidar's, as far as anyone knows
+  EXPECT_TRUE(TakeErrors().isEmpty());
+}
+
+TEST_F(ManagerConnectionTest, AHandlerMayEndTheConnectionThatIsBeingAnnounced) {
+  const VirtualLidarProcess lidar;
+  QObject::connect(manager_.get(), &TevronManager::myMapChanged, manager_.get(),
+                   &TevronManager::Stop);
+  EXPECT_FALSE(ConnectTo(lidar));
   EXPECT_TRUE(TakeErrors().isEmpty());
 }
 

@@ -64,6 +64,9 @@ TEST_F(PageReaderTest, FailuresLeaveWhatWasThere) {
   EXPECT_EQ(ReadOutcome::kRead, reader_.GetInfoFromLidarWithSameCmd(group));
   EXPECT_EQ("2.00", fixture_.Text("Count"));
   EXPECT_EQ("7", fixture_.Text("Limit"));
+  lidar_.replies = {{0, {0x04, 0x00}}, {0, {0x04, 0x00, 0x08}}};
+  EXPECT_FALSE(reader_.GetInfoFromLidar(fixture_["Limit"]));
+  EXPECT_TRUE(reader_.GetInfoFromLidar(fixture_["Limit"]));
 }
 
 TEST_F(PageReaderTest, BytesWithoutATextFormAreKeptForWriting) {

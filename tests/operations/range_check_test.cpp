@@ -18,7 +18,8 @@ constexpr char kRows[] =
     "1,6,0x30,0x31,6,Label,1,string,abc,,,,,Page,4,0,,,\n"
     "1,7,0x30,0x31,7,Address,1,IP,1.2.3.4,,,,,Page,,0,,,\n"
     "1,8,0x30,0x31,8,Hardware,1,MAC,00:11:22:33:44:55,,,,,Page,,0,,,\n"
-    "1,9,0x30,,,Shown,0,uint8,500,1..9,,,,Page,,0,,,\n";
+    "1,9,0x30,,,Shown,0,uint8,500,1..9,,,,Page,,0,,,\n"
+    "1,10,0x30,0x31,9,Both,1,uint8,5,switch:3..9@1-4,,,,Page,,0,,,\n";
 
 class RangeCheckTest : public testing::Test {
  protected:
@@ -57,6 +58,7 @@ TEST_F(RangeCheckTest, BothEndsOfARangeAreAllowed) {
 
 TEST_F(RangeCheckTest, WhatASwitchHasOffIsNotTested) {
   EXPECT_EQ((Lines{}), Wrong("Filter", "0"));
+  EXPECT_EQ((Lines{}), Wrong("Both", "0"));
   EXPECT_EQ((Lines{"Filter"}), Wrong("Filter", "2"));
   EXPECT_EQ((Lines{"Depending"}), Wrong("Depending", "10"));
   fixture_.table.Edit(fixture_["Filter"], "0");
@@ -103,6 +105,7 @@ TEST_F(RangeCheckTest, ATextThatIsNoNumberEndsTheCheck) {
 
 TEST_F(RangeCheckTest, AloneTheScaledValueCountsAndAZeroEndIsNoRange) {
   EXPECT_TRUE(WithinAlone("Ranged", "41.9"));  // 20.95 is cut to 20
+  EXPECT_TRUE(WithinAlone("Ranged", "41.9 m"));
   EXPECT_FALSE(WithinAlone("Ranged", "42"));
   EXPECT_TRUE(WithinAlone("Ranged", "-11.9"));
   EXPECT_FALSE(WithinAlone("Ranged", "-12"));
