@@ -170,11 +170,4 @@ TEST_F(ManagerPagesTest, MessagesAreAnnouncedOnlyWhenThereIsOne) {
   EXPECT_EQ("", manager_->errorMessage());
 }
 
-TEST_F(ManagerPagesTest, WhatIsYetToComeSaysSo) {
-  EXPECT_EQ(-1, manager_->UpgradeLidar(QUrl(), 0, 0, 0));
-  EXPECT_EQ(-1, manager_->DownloadLog(QUrl(), "log"));
-  manager_->refreshMonitor();
-  EXPECT_EQ(3, LogLines("WARNING: ").filter("is not available").size());
-}
-
 }  // namespace
