@@ -1,6 +1,7 @@
 import QtQuick 2.15
 
 // One box that tells when the serial line is busy, and then that it is free again.
+// Both sentences are worded as meant.
 DialogFrame {
     id: box
 
