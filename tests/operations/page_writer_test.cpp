@@ -143,11 +143,18 @@ TEST_F(PageWriterTest, SaysWhatIsWrongWithAVariable) {
     const auto error = std::find(lines.begin(), lines.end(), "error: Set Failed: " + reason);
     EXPECT_NE(lines.end(), error) << name << ": " << testing::PrintToString(lines);
     edits_.Clear();
-    edits_.DropEdits(fixture_.table.InTableOrder());
     fixture_.table.StoreReading(fixture_["Speed"], "1", {0, 1});
     fixture_.table.StoreReading(fixture_["Offset"], "1", {0, 1});
     fixture_.table.StoreBytes(fixture_["Reserved"], {0, 1, 2});
   }
+  // Bytes of the lidar that was connected before are nothing to write to this one.
+  fixture_.table.ForgetBytes();
+  Set("Speed", "1");
+  EXPECT_FALSE(Run());
+  EXPECT_EQ(
+      "error: Set Failed: Unknown error with this var: It has no current_val. var_name = "
+      "Offset",
+      report_.Take().at(1));
 }
 
 TEST_F(PageWriterTest, ACommandThatOnlyTriggersIsSentEmpty) {
