@@ -9,41 +9,35 @@ namespace {
 
 using kavel::lidar::StaleInput;
 
-constexpr char kFeatures[] =
-    "StaleInputWait,Model,EnableCmxClientHostPortUi\n"
-    "trouble, Orca\t,1\n"
-    "always,Osprey, 1 \n"
-    " trouble ,Lumo,true\n"
-    ",Kiva,11\n";
-
-TEST(FeatureConfig, EnablesTheFieldForTheRowsThatSaySo) {
-  const TableFile file(kFeatures);
-  EXPECT_TRUE(IsHostPortUiEnabled(file.path(), "Orca"));
-  EXPECT_TRUE(IsHostPortUiEnabled(file.path(), "Osprey"));
-  EXPECT_FALSE(IsHostPortUiEnabled(file.path(), "Lumo"));
-  EXPECT_FALSE(IsHostPortUiEnabled(file.path(), "Kiva"));
-  EXPECT_FALSE(IsHostPortUiEnabled(file.path(), "orca"));
+TEST(FeatureConfig, SwitchesOnWhatTheRowOfTheModelSays) {
+  const TableFile file(
+      "StaleInputWait,Model,EnableCmxClientHostPortUi\n"
+      "trouble, Orca\t,1\n"
+      "always,Osprey, 1 \n"
+      " trouble ,Lumo,true\n"
+      ",Kiva,11\n");
+  struct Case {
+    const char* model;
+    bool host_port;
+    StaleInput stale_input;
+  };
+  const Case cases[] = {
+      {"Orca", true, StaleInput::kAfterTrouble},  {"Osprey", true, StaleInput::kAlways},
+      {"Lumo", false, StaleInput::kAfterTrouble}, {"Kiva", false, StaleInput::kAlways},
+      {"orca", false, StaleInput::kAlways},
+  };
+  for (const auto& [model, host_port, stale_input] : cases) {
+    EXPECT_EQ(IsHostPortUiEnabled(file.path(), model), host_port) << model;
+    EXPECT_EQ(StaleInputFor(file.path(), model), stale_input) << model;
+  }
   EXPECT_FALSE(IsHostPortUiEnabled(file.path() + ".missing", "Orca"));
+  EXPECT_EQ(StaleInputFor(file.path() + ".missing", "Orca"), StaleInput::kAlways);
 }
 
 TEST(FeatureConfig, AMissingColumnStopsTheLookup) {
   const TableFile file("Model,Other\nOrca,1\n");
-  try {
-    IsHostPortUiEnabled(file.path(), "Orca");
-    FAIL();
-  } catch (const std::runtime_error& error) {
-    EXPECT_STREQ(error.what(), "Can't find a column named EnableCmxClientHostPortUi");
-  }
+  EXPECT_THROW(IsHostPortUiEnabled(file.path(), "Orca"), std::runtime_error);
   EXPECT_EQ(StaleInputFor(file.path(), "Orca"), StaleInput::kAlways);
-}
-
-TEST(FeatureConfig, WaitsAfterTroubleOnlyWhereTheTableSaysSo) {
-  const TableFile file(kFeatures);
-  EXPECT_EQ(StaleInputFor(file.path(), "Orca"), StaleInput::kAfterTrouble);
-  EXPECT_EQ(StaleInputFor(file.path(), "Lumo"), StaleInput::kAfterTrouble);
-  EXPECT_EQ(StaleInputFor(file.path(), "Osprey"), StaleInput::kAlways);
-  EXPECT_EQ(StaleInputFor(file.path(), "Kiva"), StaleInput::kAlways);
-  EXPECT_EQ(StaleInputFor(file.path() + ".missing", "Orca"), StaleInput::kAlways);
 }
 
 TEST(ModelList, ListsTheTablesAndNothingElse) {

@@ -8,84 +8,54 @@ namespace {
 
 VarInfo Variable(const std::string& type, int32_t permission = 1) {
   VarInfo var;
-  var.var_name = "Value";
   var.var_type = type;
   var.permission = permission;
   var.set_cmd = "0x12";
   return var;
 }
 
-TEST(OptionsCell, AnEmptyCellIsATextField) {
-  VarInfo var = Variable("uint8", 0);
-  EXPECT_EQ(ReadOptions("", "", &var), "");
-  EXPECT_EQ(var.type, kReadOnlyText);
-  var = Variable("uint8", 2);
-  EXPECT_EQ(ReadOptions("", "", &var), "");
-  EXPECT_EQ(var.type, kText);
-}
-
-TEST(OptionsCell, ReadsRangesOfEitherSign) {
-  VarInfo var = Variable("int8");
-  EXPECT_EQ(ReadOptions("-40..85", "", &var), "");
-  EXPECT_EQ(var.type, kText);
-  EXPECT_EQ(var.range_min, -40);
-  EXPECT_EQ(var.range_max, 85);
-}
-
-TEST(OptionsCell, ReadsChoicesWithTheirLabels) {
-  VarInfo var = Variable("int8");
-  EXPECT_EQ(ReadOptions("-1|1", "Falling|Rising", &var), "");
-  EXPECT_EQ(var.type, kChoice);
-  EXPECT_EQ(var.options, (std::vector<int32_t>{-1, 1}));
-  EXPECT_EQ(var.option_num, 2);
-  EXPECT_EQ(var.varname_value_to_option.at("-1"), "Falling");
-
-  var = Variable("uint8");
-  EXPECT_EQ(ReadOptions("list:10|20|30", "", &var), "");
-  EXPECT_EQ(var.type, kTallChoice);
-  EXPECT_EQ(var.option_labels, (std::vector<std::string>{"10", "20", "30"}));
-}
-
-TEST(OptionsCell, ReadsSwitchesAndWhatDependsOnThem) {
-  VarInfo var = Variable("uint16");
-  EXPECT_EQ(ReadOptions("switch", "", &var), "");
-  EXPECT_EQ(var.type, kSwitch);
-  EXPECT_EQ(var.range_max, 0);
-
-  var = Variable("uint16");
-  EXPECT_EQ(ReadOptions("switch:10..5000@7-1", "Off|On", &var), "");
-  EXPECT_EQ(var.type, kSwitch);
-  EXPECT_EQ(var.range_min, 10);
-  EXPECT_EQ(var.range_max, 5000);
-  EXPECT_EQ(var.switch_var_id, "7-1");
-  EXPECT_EQ(var.varname_value_to_option.at("0"), "Off");
-
-  for (const char* options : {"@7-1", "0..7@7-1", "1|2 @ 7-1"}) {
-    var = Variable("uint8");
-    EXPECT_EQ(ReadOptions(options, "", &var), "") << options;
-    EXPECT_EQ(var.switch_var_id, "7-1") << options;
+// What the cells made of the variable: the kind of control, its range, what it depends on and its
+// entries.
+std::string Control(const VarInfo& var) {
+  std::string text = std::to_string(var.type) + ' ' + std::to_string(var.range_min) + ".." +
+                     std::to_string(var.range_max) + '@' + var.switch_var_id;
+  for (const int32_t option : var.options) {
+    const std::string value = std::to_string(option);
+    text += ' ' + value + '=' + var.varname_value_to_option.at(value);
   }
+  return text;
 }
 
-TEST(OptionsCell, ReadsTheSpecialWords) {
-  VarInfo var = Variable("raw");
-  EXPECT_EQ(ReadOptions("file", "", &var), "");
-  EXPECT_EQ(var.type, kFile);
-  EXPECT_EQ(ReadOptions("monitor", "", &var), "");
-  EXPECT_EQ(var.type, kMonitor);
+TEST(OptionsCell, MakesControlsOfTheGrammar) {
+  const std::string cases[][4] = {
+      {"uint8", "", "", "1 0..0@"},
+      {"int8", "-40..85", "", "1 -40..85@"},
+      {"int8", "-1|1", "Falling|Rising", "3 0..0@ -1=Falling 1=Rising"},
+      {"uint8", "0|255", "", "3 0..0@ 0=0 255=255"},
+      {"uint8", "list:10|20", "", "5 0..0@ 10=10 20=20"},
+      {"uint16", "switch", "", "2 0..0@"},
+      {"uint16", "switch:10..5000@7-1", "Off|On", "2 10..5000@7-1 0=Off 1=On"},
+      {"uint8", "@7-1", "", "1 0..0@7-1"},
+      {"uint8", "0..7@7-1", "", "1 0..7@7-1"},
+      {"uint8", "1|2 @ 7-1", "", "3 0..0@7-1 1=1 2=2"},
+      {"raw", "file", "", "4 0..0@"},
+      {"raw", "monitor", "", "7 0..0@"},
+  };
+  for (const auto& [type, options, labels, control] : cases) {
+    VarInfo var = Variable(type);
+    EXPECT_EQ(ReadOptions(options, labels, &var), "") << options;
+    EXPECT_EQ(Control(var), control) << options;
+    EXPECT_EQ(var.option_num, static_cast<int32_t>(var.options.size())) << options;
+  }
+  VarInfo var = Variable("uint8", 0);
   EXPECT_EQ(ReadOptions("hidden", "", &var), "");
+  EXPECT_EQ(var.type, kReadOnlyText);
   EXPECT_TRUE(var.hidden);
   EXPECT_EQ(var.visible, 0);
 }
 
 TEST(OptionsCell, WhatDoesNotFitLeavesAPlainTextField) {
-  struct Case {
-    const char* type;
-    const char* options;
-    const char* labels;
-    const char* reason;
-  };
-  const Case cases[] = {
+  const std::string cases[][4] = {
       {"uint8", "yes", "", "is no range, choice, switch or known word"},
       {"uint8", "1..", "", "is no range of 32-bit whole numbers"},
       {"uint8", "1..5000000000", "", "is no range of 32-bit whole numbers"},
@@ -95,61 +65,65 @@ TEST(OptionsCell, WhatDoesNotFitLeavesAPlainTextField) {
       {"uint8", "1|2|3", "One|Two", "3 values, OptionDescription 2 labels"},
       {"uint8", "1|two", "", "\"two\" is no 32-bit whole number"},
       {"uint8", "1|1", "", "stands twice"},
+      {"uint8", "1|256", "", "\"256\" does not fit uint8"},
+      {"uint64", "-1|0", "", "\"-1\" does not fit uint64"},
+      {"int8", "128|0", "", "\"128\" does not fit int8"},
       {"float32", "1|2", "", "a choice needs an integer VarType"},
       {"IP", "switch", "", "a switch needs an integer VarType"},
       {"uint8", "switch:5", "", "is no range"},
       {"uint8", "switches", "", "is no range"},
-      {"uint8", "1..5@", "", "\"@\" is not followed by"},
       {"uint8", "1..5@seven", "", "\"@\" is not followed by"},
       {"uint8", "hidden@7-1", "", "cannot depend on a switch"},
       {"uint8", "list:1|2@7-1", "", "cannot depend on a switch"},
   };
-  for (const Case& bad : cases) {
-    SCOPED_TRACE(bad.options);
-    VarInfo var = Variable(bad.type);
-    const std::string reason = ReadOptions(bad.options, bad.labels, &var);
-    EXPECT_NE(reason.find(bad.reason), std::string::npos) << reason;
-    EXPECT_EQ(var.type, kText);
-    EXPECT_EQ(var.range_max, 0);
-    EXPECT_EQ(var.option_num, 0);
-    EXPECT_TRUE(var.options.empty() && var.option_labels.empty() && var.switch_var_id.empty());
-    EXPECT_FALSE(var.hidden);
+  for (const auto& [type, options, labels, expected] : cases) {
+    VarInfo var = Variable(type);
+    const std::string reason = ReadOptions(options, labels, &var);
+    EXPECT_NE(reason.find(expected), std::string::npos) << options << ": " << reason;
+    EXPECT_EQ(Control(var), "1 0..0@") << options;
+    EXPECT_EQ(var.option_num, 0) << options;
+    EXPECT_FALSE(var.hidden) << options;
   }
   VarInfo scaled = Variable("uint8");
   scaled.coefficient = 0.5F;
-  EXPECT_NE(ReadOptions("switch", "", &scaled), "");
+  EXPECT_EQ(ReadOptions("switch", "", &scaled), "a switch needs the coefficients 1");
 }
 
 TEST(InputHint, TellsBeforeSavingWhatWouldBeRefused) {
-  const auto hint = [](const VarInfo& var) { return InputHint(var); };
-  VarInfo var = Variable("uint32");
-  EXPECT_EQ(hint(var), "Only 0 can be saved: uint32 takes no other value.");
-  var.set_coefficient = 0.1F;
-  EXPECT_EQ(hint(var),
-            "Only values from 0 up to, not including, 0.1 can be saved, and are stored as 0.");
-  EXPECT_EQ(hint(Variable("string")),
-            "Cannot be changed: there is no way to enter the type \"string\".");
-  EXPECT_EQ(hint(Variable("DT")), "Cannot be changed: there is no way to enter the type \"DT\".");
-  EXPECT_EQ(hint(Variable("uint8", 0)), "Read-only.");
+  struct Case {
+    const char* type;
+    const char* options;
+    float coefficient;
+    const char* hint;
+  };
+  const Case cases[] = {
+      {"uint32", "", 1, "Only 0 can be saved: uint32 takes no other value."},
+      {"uint32", "0|1", 1, "Only 0 can be saved: uint32 takes no other value."},
+      {"uint64", "", 0.1F,
+       "Only values from 0 up to, not including, 0.1 can be saved, and are stored as 0."},
+      {"string", "", 1, "Cannot be changed: there is no way to enter the type \"string\"."},
+      {"uint8", "", 0.5F, "Number from 0 to 127.5."},
+      {"int32", "", 1, "Whole number; more than seven digits are rounded."},
+      {"int16", "-45..45@7-1", 1,
+       "Whole number from -32768 to 32767. Allowed: -45 to 45, while the switch it depends on is "
+       "on."},
+      {"uint8", "switch:10..100", 1,
+       "Whole number from 0 to 255. Allowed: 10 to 100, or 0 for off."},
+      {"uint8", "switch", 1, "Switch: 0 is off."},
+      {"IP", "", 1, "IPv4 address, such as 192.168.1.201."},
+  };
+  for (const auto& [type, options, coefficient, hint] : cases) {
+    VarInfo var = Variable(type);
+    var.set_coefficient = coefficient;
+    ReadOptions(options, "", &var);
+    EXPECT_EQ(InputHint(var), hint);
+  }
+  VarInfo var = Variable("uint8", 0);
+  var.unit = "V";
+  EXPECT_EQ(InputHint(var), "Read-only. Unit: V.");
   var = Variable("uint8");
   var.set_cmd.clear();
-  EXPECT_EQ(hint(var), "Cannot be changed: the table gives no usable command that writes it.");
-}
-
-TEST(InputHint, NamesRangeFormatAndUnit) {
-  VarInfo var = Variable("uint8");
-  var.set_coefficient = 0.5F;
-  var.unit = "V";
-  EXPECT_EQ(InputHint(var), "Number from 0 to 127.5. Unit: V.");
-  var = Variable("int16");
-  EXPECT_EQ(ReadOptions("-45..45@7-1", "", &var), "");
-  EXPECT_EQ(InputHint(var),
-            "Whole number from -32768 to 32767. Allowed: -45 to 45, while the switch it depends on "
-            "is on.");
-  var = Variable("uint8");
-  EXPECT_EQ(ReadOptions("switch:10..100", "", &var), "");
-  EXPECT_EQ(InputHint(var), "Whole number from 0 to 255. Allowed: 10 to 100, or 0 for off.");
-  EXPECT_EQ(InputHint(Variable("IP")), "IPv4 address, such as 192.168.1.201.");
+  EXPECT_EQ(InputHint(var), "Cannot be changed: the table gives no usable command that writes it.");
 }
 
 }  // namespace

@@ -8,94 +8,85 @@ namespace {
 
 using Bytes = std::vector<uint8_t>;
 
-Bytes Encode(const std::string& type, const std::string& text, float coefficient = 1.0F) {
-  return CreateStrParser(type)->Parse(text, coefficient);
-}
-
-std::string Refusal(const std::string& type, const std::string& text, float coefficient = 1.0F) {
-  try {
-    Encode(type, text, coefficient);
-  } catch (const std::invalid_argument& error) {
-    return error.what();
-  }
-  return "accepted";
-}
-
-struct Encoding {
-  std::string type;
-  std::string text;
-  float coefficient;
-  Bytes bytes;
-};
-
 TEST(StrParser, EncodesMostSignificantByteFirst) {
-  const Encoding encodings[] = {
+  struct Case {
+    const char* type;
+    const char* text;
+    float coefficient;
+    Bytes bytes;
+  };
+  const Case cases[] = {
       {"int8", "127", 1, {0x7F}},
       {"int8", "-128", 1, {0x80}},
       {"int16", "-2", 1, {0xFF, 0xFE}},
       {"int16", "2.5", 0.1F, {0x00, 0x19}},
       {"int16", "-1.9", 1, {0xFF, 0xFF}},
-      {"int32", "-16777216", 1, {0xFF, 0x00, 0x00, 0x00}},
       {"int64", "-2", 1, {0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFE}},
+      // Twenty-four bits survive, and the upper bound is one more than the type holds.
+      {"int32", "16777217", 1, {0x01, 0x00, 0x00, 0x00}},
+      {"int32", "2147483647", 1, {0x80, 0x00, 0x00, 0x00}},
+      {"int64", "9223372036854775807", 1, {0x80, 0, 0, 0, 0, 0, 0, 0}},
       {"uint8", "255", 1, {0xFF}},
       {"uint8", " 7 ", 1, {0x07}},
       {"uint8", "1e2", 1, {0x64}},
       {"uint16", "65535", 1, {0xFF, 0xFF}},
       {"uint32", "0", 1, {0x00, 0x00, 0x00, 0x00}},
       {"uint64", "0.9", 1, {0, 0, 0, 0, 0, 0, 0, 0}},
-      {"float32", "1", 1, {0x3F, 0x80, 0x00, 0x00}},
       {"float32", "-0.5", 0.25F, {0xC0, 0x00, 0x00, 0x00}},
       {"float32", "inf", 1, {0x7F, 0x80, 0x00, 0x00}},
-      {"double", "1", 1, {0x3F, 0xF0, 0, 0, 0, 0, 0, 0}},
       {"double", "0.1", 1, {0x3F, 0xB9, 0x99, 0x99, 0x99, 0x99, 0x99, 0x9A}},
+      {"double", "-0.5", 0.25F, {0xC0, 0, 0, 0, 0, 0, 0, 0}},
       {"IP", "192.168.1.201", 1, {0xC0, 0xA8, 0x01, 0xC9}},
       {"MAC", "00:1a:2B:ff:00:01", 1, {0x00, 0x1A, 0x2B, 0xFF, 0x00, 0x01}},
   };
-  for (const Encoding& encoding : encodings) {
-    SCOPED_TRACE(encoding.type + " " + encoding.text);
-    EXPECT_EQ(Encode(encoding.type, encoding.text, encoding.coefficient), encoding.bytes);
+  for (const auto& [type, text, coefficient, bytes] : cases) {
+    EXPECT_EQ(CreateStrParser(type)->Parse(text, coefficient), bytes) << type << ' ' << text;
   }
 }
 
-TEST(StrParser, IntegersKeepTwentyFourBits) {
-  EXPECT_EQ(Encode("int32", "16777217"), (Bytes{0x01, 0x00, 0x00, 0x00}));
-  // The upper bound is a single-precision number too, and one more than the type holds.
-  EXPECT_EQ(Encode("int32", "2147483647"), (Bytes{0x80, 0x00, 0x00, 0x00}));
-  EXPECT_EQ(Encode("int64", "9223372036854775807"), (Bytes{0x80, 0, 0, 0, 0, 0, 0, 0}));
-}
-
-TEST(StrParser, UnsignedValuesOfFourAndEightBytesTakeOnlyZero) {
-  for (const char* type : {"uint32", "uint64"}) {
-    EXPECT_EQ(Refusal(type, "1"), "UintParser: contains an illegal number, error:1");
-    EXPECT_EQ(Refusal(type, "4294967295"),
-              "UintParser: contains an illegal number, error:4294967295");
-    EXPECT_EQ(Refusal(type, "0.5", 0.1F), "UintParser: contains an illegal number, error:0.5");
+void ExpectRefusal(StrParser& parser, const std::string& text, float coefficient,
+                   const std::string& message) {
+  try {
+    parser.Parse(text, coefficient);
+    ADD_FAILURE() << text << " was accepted; expected " << message;
+  } catch (const std::invalid_argument& error) {
+    EXPECT_EQ(error.what(), message) << text;
   }
 }
 
-TEST(StrParser, RefusesWithTheWordsThatTheUserSees) {
-  const std::string refusals[][3] = {
-      {"int8", "128", "IntParser: contains an illegal number, error:128"},
-      {"int8", "-129", "IntParser: contains an illegal number, error:-129"},
-      {"int16", "abc", "IntParser: contains an illegal number, error:abc"},
-      {"int16", "0x10", "IntParser: contains an illegal number, error:0x10"},
-      {"int16", "12 V", "IntParser: contains an illegal number, error:12 V"},
-      {"int16", "1,5", "IntParser: contains an illegal number, error:1,5"},
-      {"int16", "nan", "IntParser: contains an illegal number, error:nan"},
-      {"int32", "1e40", "IntParser: contains an illegal number, error:1e40"},
+TEST(StrParser, RefusesNumbersWithTheWordsThatTheUserSees) {
+  const std::pair<const char*, std::vector<const char*>> illegal[] = {
+      {"int8", {"128", "-129"}},
+      {"int16", {"", "abc", "0x10", "12 V", "1,5", "nan"}},
+      {"int32", {"1e40"}},
+      {"uint8", {"", "256"}},
+      {"uint16", {"65536", "-1", "nan"}},
+      {"uint32", {"1", "4294967295"}},
+      {"uint64", {"1"}},
+      {"float32", {"abc", "1e40"}},
+      {"double", {"abc"}},
+  };
+  const auto name = [](const std::string& type) {
+    return type[0] == 'i'   ? "IntParser"
+           : type[0] == 'u' ? "UintParser"
+           : type[0] == 'f' ? "FloatParser"
+                            : "DoubleParser";
+  };
+  for (const auto& [type, texts] : illegal) {
+    for (const std::string text : texts) {
+      ExpectRefusal(*CreateStrParser(type), text, 1,
+                    std::string(name(type)) + ": contains an illegal number, error:" + text);
+    }
+  }
+}
+
+TEST(StrParser, RefusesTheRestWithFixedWords) {
+  const std::string cases[][3] = {
       {"int32", "1e-40", "IntParser: stof() failed, error:stof argument out of range"},
       {"int32", "\u00A07", "IntParser: stof() failed, error:invalid stof argument"},
-      {"uint8", "", "UintParser: contains an illegal number, error:"},
-      {"uint8", "256", "UintParser: contains an illegal number, error:256"},
-      {"uint16", "65536", "UintParser: contains an illegal number, error:65536"},
-      {"uint16", "-1", "UintParser: contains an illegal number, error:-1"},
-      {"uint16", "nan", "UintParser: contains an illegal number, error:nan"},
       {"uint16", "1e-40", "UintParser: stof() failed, error:stof argument out of range"},
-      {"uint16", "\u00A07", "UintParser: stof() failed, error:invalid stof argument"},
-      {"float32", "abc", "FloatParser: contains an illegal number, error:abc"},
       {"float32", "1e-40", "FloatParser: stof() out of range, error:stof argument out of range"},
       {"float32", "\u00A07", "FloatParser: stof() failed, error:invalid stof argument"},
-      {"double", "abc", "DoubleParser: contains an illegal number, error:abc"},
       {"double", "\u00A07", "DoubleParser: stod() failed, error:invalid stod argument"},
       {"IP", "192.168.1", "IPv4Parser: ip address, wrong format."},
       {"IP", "1.2.3.4.5", "IPv4Parser: ip address, wrong format."},
@@ -107,28 +98,20 @@ TEST(StrParser, RefusesWithTheWordsThatTheUserSees) {
       {"MAC", "00:1a:2B:ff:00:-1", "MacParser: contains an illegal number"},
       {"MAC", "00:1a::ff:00:01", "MacParser: contains an illegal number"},
   };
-  for (const auto& [type, text, message] : refusals) {
-    EXPECT_EQ(Refusal(type, text), message) << type << " " << text;
+  for (const auto& [type, text, message] : cases) {
+    ExpectRefusal(*CreateStrParser(type), text, 1, message);
   }
-}
-
-TEST(StrParser, RefusesACoefficientOfZero) {
-  EXPECT_EQ(Refusal("uint8", "1", 0.0F), "UintParser: contains an illegal number, error:1");
-  EXPECT_EQ(Refusal("int64", "0", 0.0F), "IntParser: contains an illegal number, error:0");
-}
-
-TEST(StrParser, RefusesALengthThatIsNoInteger) {
-  try {
-    IntParser(3).Parse("1", 1.0F);
-    FAIL();
-  } catch (const std::invalid_argument& error) {
-    EXPECT_STREQ(error.what(), "intParser: parser_length is not supported, error:3");
-  }
+  ExpectRefusal(*CreateStrParser("uint32"), "0.5", 0.1F,
+                "UintParser: contains an illegal number, error:0.5");
+  ExpectRefusal(*CreateStrParser("int64"), "0", 0,
+                "IntParser: contains an illegal number, error:0");
+  IntParser three_bytes(3);
+  ExpectRefusal(three_bytes, "1", 1, "intParser: parser_length is not supported, error:3");
 }
 
 TEST(StrParser, SaysWhichTypesCannotBeEntered) {
   testing::internal::CaptureStdout();
-  EXPECT_TRUE(Encode("raw", "0102").empty());
+  EXPECT_TRUE(CreateStrParser("raw")->Parse("0102", 1).empty());
   EXPECT_EQ(CreateStrParser("uint24"), nullptr);
   EXPECT_EQ(CreateStrParser("UINT8"), nullptr);
   EXPECT_EQ(testing::internal::GetCapturedStdout(),

@@ -1,20 +1,9 @@
-#include <gtest/gtest.h>
-
-#include "variables/config_parser.h"
-#include "variables/table_file.h"
+#include "variables/table_test.h"
 
 namespace {
 
-// A table with one thing wrong in it: what standard output and the fault list say.
-class TableFaults : public testing::Test {
+class TableFaults : public TableTest {
  protected:
-  void Load(const std::string& rows) {
-    file_ = std::make_unique<TableFile>(kTableHeader + rows);
-    testing::internal::CaptureStdout();
-    parser_.ExtractConfigInfo(file_->path());
-    output_ = testing::internal::GetCapturedStdout();
-  }
-
   // The one fault of the table without the file's name.
   std::string OnlyFault() {
     if (parser_.Faults().size() != 1) {
@@ -24,10 +13,6 @@ class TableFaults : public testing::Test {
     const std::string place = file_->path() + ", line ";
     return text.rfind(place, 0) == 0 ? text.substr(place.size()) : text;
   }
-
-  std::unique_ptr<TableFile> file_;
-  ConfigParser parser_;
-  std::string output_;
 };
 
 TEST_F(TableFaults, ARowWithoutIdIsLeftOut) {
@@ -40,8 +25,7 @@ TEST_F(TableFaults, ARowWithoutIdIsLeftOut) {
   EXPECT_EQ(output_, warning + "First\n" + warning + "Second\n");
   ASSERT_EQ(parser_.Faults().size(), 2U);
   EXPECT_EQ(parser_.Faults()[1].line, 3U);
-  ASSERT_NE(parser_.Find("1-1"), nullptr);
-  EXPECT_EQ(parser_.Find("1-1")->get_start_pos, 0);
+  EXPECT_EQ(Var("Third").get_start_pos, 0);
 }
 
 TEST_F(TableFaults, TheLaterOfTwoRowsWithOneIdWins) {
@@ -54,12 +38,10 @@ TEST_F(TableFaults, TheLaterOfTwoRowsWithOneIdWins) {
             "ConfigParser::ExtractConfigInfo(): --- Details: file path = " +
                 file_->path() + ", var_id =1-1, var_name = Later\n");
   EXPECT_EQ(OnlyFault(), "4: GroupID and Index 1-1 are those of line 2, which this row replaces");
-  EXPECT_EQ(parser_.Find("1-1")->var_name, "Later");
+  EXPECT_EQ(parser_.Find("1-1"), &Var("Later"));
   EXPECT_EQ(parser_.FindByName("First"), nullptr);
-  // The replaced row takes no room either.
-  EXPECT_EQ(parser_.Find("1-1")->get_start_pos, 1);
+  EXPECT_EQ(Var("Later").get_start_pos, 1) << "the replaced row takes no room either";
   EXPECT_EQ(parser_.WrittenBy("0x02").size(), 2U);
-  EXPECT_EQ(parser_.InTableOrder()[0]->var_name, "Other");
 }
 
 TEST_F(TableFaults, ANameThatIsTakenGetsTheSetCommand) {
@@ -69,9 +51,8 @@ TEST_F(TableFaults, ANameThatIsTakenGetsTheSetCommand) {
   EXPECT_EQ(output_,
             "ConfigParser::ExtractConfigInfoSpeed_0x04 is used in other cmd\n"
             "ConfigParser::ExtractConfigInfoSpeed_0x04_1-3 is used in other cmd\n");
-  EXPECT_EQ(parser_.Find("1-2")->var_name, "Speed_0x04");
-  EXPECT_EQ(parser_.FindByName("Speed"), parser_.Find("1-1"));
-  EXPECT_EQ(parser_.FindByName("Speed_0x04_1-3"), parser_.Find("1-3"));
+  EXPECT_EQ(parser_.Find("1-1"), &Var("Speed"));
+  EXPECT_EQ(parser_.Find("1-2"), &Var("Speed_0x04"));
 }
 
 TEST_F(TableFaults, NamesTheRowAndTheReason) {
@@ -80,17 +61,18 @@ TEST_F(TableFaults, NamesTheRowAndTheReason) {
       {"1,one,0x01,,,A,0,uint8", "2: Index \"one\" is no whole number; 0 is used"},
       {"1,1,0x01,,,A,0,uint24", "2: VarType \"uint24\" is unknown"},
       {"1,1,0x01,,,,0,uint8", "2: VarName is empty"},
-      {"1,1,0x01,,,A,0,uint8,,,,0", "2: Coefficient \"0\" is no number other than 0; 1 is used"},
+      {"one,1,0x01,,,A,0,uint8", "2: GroupID \"one\" is no whole number"},
       {"1,1,0x01,,,A,0,uint8,,,,\"0,5\"",
        "2: Coefficient \"0,5\" is no number other than 0; 1 is used"},
-      {"1,1,0x01,,,A,0,uint8,,,,0.5,,,,,nan",
-       "2: SetCoefficient \"nan\" is no number other than 0; 0.5 is used"},
+      {"1,1,0x01,,,A,0,uint8,,,,0.5,,,,,0",
+       "2: SetCoefficient \"0\" is no number other than 0; 0.5 is used"},
       {"1,1,0x01,,,A,0,uint16,,,,,,,4", "2: VarLen \"4\" does not fit uint16, which takes 2"},
       {"1,1,0x01,,,A,0,uint16,,,,,,,two",
        "2: VarLen \"two\" is no whole number from 0 to 10240; 2 is used"},
       {"1,1,0x01,,,A,0,raw,,,,,,,4000000000",
        "2: VarLen \"4000000000\" is no whole number from 0 to 10240; the row is left out"},
       {"1,1,red,,,A,0,uint8", "2: Get \"red\" is no command code: invalid stoi argument"},
+      {"1,1,0x2G,,,A,0,uint8", "2: Get \"0x2G\" is no command code from 0 to 255"},
       {"1,1,0x01,300,1,A,0,uint8", "2: Set \"300\" is no command code from 0 to 255"},
       {"1,1,,0x02,1,A,1,uint8", "2: a variable with Set and without Get has to be raw"},
       {"1,1,0x01,0x02,x,A,1,uint8", "2: SetIndex \"x\" is no whole number"},
@@ -121,13 +103,12 @@ TEST_F(TableFaults, AFieldOfUnknownLengthTakesItsPayloadsOutOfUse) {
   Load(
       "1,1,0x01,0x02,1,A,1,uint8\n1,2,0x01,0x02,2,B,1,raw,,,,,,,long\n"
       "1,3,0x01,0x02,3,C,1,uint8\n1,4,0x03,0x04,1,D,1,uint8\n");
-  EXPECT_EQ(parser_.Find("1-2"), nullptr);
-  EXPECT_EQ(parser_.Find("1-1")->get_cmd, "");
-  EXPECT_EQ(parser_.Find("1-3")->set_cmd, "");
+  EXPECT_EQ(parser_.FindByName("B"), nullptr);
+  EXPECT_EQ(Var("A").get_cmd, "");
+  EXPECT_EQ(Var("C").set_cmd, "");
   EXPECT_TRUE(parser_.WrittenBy("0x02").empty());
+  EXPECT_EQ(Var("D").get_cmd, "0x03");
   EXPECT_EQ(parser_.WrittenBy("0x04").size(), 1U);
-  EXPECT_EQ(parser_.Find("1-4")->get_cmd, "0x03");
-  EXPECT_EQ(parser_.Faults().size(), 5U);
 }
 
 TEST_F(TableFaults, AnAbsurdNumberOfRowsTakesNoMemory) {
@@ -139,21 +120,22 @@ TEST_F(TableFaults, AnAbsurdNumberOfRowsTakesNoMemory) {
   EXPECT_EQ(OnlyFault(), "200002: more than 200000 rows; the rest is left out");
 }
 
-TEST_F(TableFaults, AFileThatCannotBeReadIsAnEmptyTable) {
-  Load("1,1,0x01,,,A,0,uint8\n");
+TEST_F(TableFaults, WhatTheReaderRefusesIsNamedWithItsPlace) {
+  const std::string error = "ConfigParser::ExtractConfigInfo(): error with csv_reader_, loc = ";
+  Load("1,1,0x01,,,A,0,uint8\n1,2,0x01,,,\"B,0,uint8\n1,3,0x01,,,C,0,uint8\n");
+  EXPECT_EQ(output_, error + file_->path() + ":3\n");
+  EXPECT_NE(parser_.FindByName("C"), nullptr);
+
+  LoadFile("\"GroupID\"x,Index\n1,1\n");
+  EXPECT_EQ(output_, error + file_->path() + ":1\n");
+  EXPECT_EQ(OnlyFault().substr(0, 20), "1: a quotation mark ");
+
   const std::string missing = file_->folder() + "/none.csv";
   testing::internal::CaptureStdout();
   parser_.ExtractConfigInfo(missing);
-  EXPECT_EQ(testing::internal::GetCapturedStdout(),
-            "ConfigParser::ExtractConfigInfo(): error with csv_reader_, loc = " + missing + "\n");
-  EXPECT_TRUE(parser_.InTableOrder().empty());
+  EXPECT_EQ(testing::internal::GetCapturedStdout(), error + missing + "\n");
   ASSERT_EQ(parser_.Faults().size(), 1U);
   EXPECT_EQ(parser_.Faults()[0].text.rfind(missing + ": ", 0), 0U);
-
-  Load("1,1,0x01,,,A,0,uint8\n1,2,0x01,,,\"B,0,uint8\n1,3,0x01,,,C,0,uint8\n");
-  EXPECT_EQ(output_, "ConfigParser::ExtractConfigInfo(): error with csv_reader_, loc = " +
-                         file_->path() + ":3\n");
-  EXPECT_NE(parser_.Find("1-3"), nullptr);
 }
 
 }  // namespace
