@@ -51,7 +51,7 @@ DeviceServer::DeviceServer(EventLoop* loop, VirtualDevice* device, FaultBox* fau
 DeviceServer::~DeviceServer() = default;
 
 bool DeviceServer::Start(std::string* error) {
-  Dump();
+  if (!setup_.dump_file.empty() && !WriteDump(*device_, setup_.dump_file, error)) return false;
   try {
     if (setup_.tcp_port) {
       if (!listener_.Open(*setup_.tcp_port)) {

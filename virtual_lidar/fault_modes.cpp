@@ -103,6 +103,10 @@ bool ParseFaultOrder(const std::string& text, FaultOrder* order, std::string* er
   if (mode == nullptr) return Fail(error, "there is no fault named \"" + name + "\"");
   order->fault = mode->fault;
   if (!ReadArgument(*mode, argument, order, error)) return false;
+  if (mode->fault == Fault::kSilentAfter && (command || times)) {
+    return Fail(error,
+                "fault \"" + name + "\" counts all requests: it takes no @CMD and no #TIMES");
+  }
 
   uint32_t number = 0;
   if (command) {

@@ -50,7 +50,8 @@ struct FaultOrder {
 
 /// Reads one --fault argument. CMD is decimal or, with "0x", hexadecimal; TIMES is at least 1.
 /// @return false with a sentence in *error for an unknown name, a missing, superfluous or
-///         unsuitable argument, a command above 255; *order is then unspecified.
+///         unsuitable argument, a command above 255, or a limit on "silent-after", which counts
+///         all requests; *order is then unspecified.
 bool ParseFaultOrder(const std::string& text, FaultOrder* order, std::string* error);
 
 /// The faults in force, and which of them struck. Used on one thread.

@@ -63,7 +63,8 @@ DeviceProfile MakeProfile(const Options& options) {
 int Serve(const Options& options, int signals) {
   const std::string table_path = options.config_folder + "/varID/" + options.model + ".csv";
   if (!std::filesystem::is_regular_file(table_path)) {
-    return Complain("there is no table " + table_path + " for model \"" + options.model + "\"");
+    return Complain("there is no table " + table_path + " for model \"" + options.model +
+                    "\"; name another model with --model or the tables' folder with --config");
   }
   VirtualDevice device(LoadTable(table_path), MakeProfile(options));
   std::string error;

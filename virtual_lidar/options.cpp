@@ -18,11 +18,12 @@ std::string FaultHelp() {
     text << "  " << name << std::string(22 - std::min<size_t>(name.size(), 21), ' ')
          << mode.sentence << '\n';
   }
-  text << "@CMD limits a fault to one command code, #TIMES to that many times.\n\n"
+  text << "@CMD limits a fault to one command code, #TIMES to that many times (not "
+          "silent-after).\n\n"
           "Examples:\n"
           "  virtual_lidar                                an Orca on 127.0.0.1:9347\n"
           "  virtual_lidar --model Kiva-CMX --serial      names the port to connect to\n"
-          "  virtual_lidar --port 0 --fault delay=2000@0x20 --fault 'drop@0x21#1'\n"
+          "  virtual_lidar --port 0 --fault delay=2000@0x20 --fault 'drop@0x12#1'\n"
           "  virtual_lidar --set 'Spin Rate=1200' --dump state.json\n"
           "  virtual_lidar --check-tables --config ./Config\n\n"
           "Signals: SIGUSR1 writes the dump file anew; SIGTERM and SIGINT end at once.";
@@ -84,7 +85,7 @@ void DeclareWhereToAnswer(CLI::App* app, CommandLine* line, Options* options) {
   app->add_option("--protocol", options->server.protocol,
                   "Version of the CMX frames over TCP, 1 or 2")
       ->type_name("N")
-      ->check(CLI::IsMember({1, 2}).description(""))
+      ->check(CLI::Range(1, 2).description(""))
       ->capture_default_str();
   app->add_flag("--serial", line->serial,
                 "Answer on a pseudo-terminal instead (a pair for Lumo); with --port, on both");

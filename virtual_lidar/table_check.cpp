@@ -25,12 +25,17 @@ std::string Line(std::initializer_list<std::string_view> parts) {
   return line;
 }
 
+// A file that cannot be read is named in the text of the failure already.
+std::string InFile(const std::string& path, const std::string& text) {
+  return text.rfind(path, 0) == 0 ? text : Line({path, ": ", text});
+}
+
 void CheckVariableTable(const std::string& path, Faults* faults) {
   ConfigParser parser;
   try {
     parser.ExtractConfigInfo(path);
   } catch (const std::exception& error) {
-    faults->push_back(path + ": " + error.what());
+    faults->push_back(InFile(path, error.what()));
     return;
   }
   for (const TableFault& fault : parser.Faults()) faults->push_back(fault.text);
@@ -79,7 +84,7 @@ void Guarded(const std::string& path, Faults* faults, Check check) {
   } catch (const AuthConfigError& error) {
     faults->push_back(error.place() + ": " + error.what());
   } catch (const std::exception& error) {
-    faults->push_back(path + ": " + error.what());
+    faults->push_back(InFile(path, error.what()));
   }
 }
 
@@ -113,7 +118,7 @@ int CheckTables(const std::string& config_folder, std::ostream& out) {
   }
 
   for (const std::string& fault : faults) out << fault << '\n';
-  out << models.size() << " variable tables checked, "
-      << (faults.empty() ? "no fault" : std::to_string(faults.size()) + " faults") << std::endl;
+  out << models.size() << " variable tables checked, " << faults.size()
+      << (faults.size() == 1 ? " fault" : " faults") << std::endl;
   return static_cast<int>(faults.size());
 }
