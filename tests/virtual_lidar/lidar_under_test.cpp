@@ -8,16 +8,12 @@
 
 #include <algorithm>
 #include <array>
+#include <cerrno>
 #include <utility>
 
 namespace {
 
 constexpr int kPatienceMs = 5000;
-
-bool Readable(int fd) {
-  pollfd ready = {fd, POLLIN, 0};
-  return poll(&ready, 1, kPatienceMs) == 1;
-}
 
 FaultBox MakeFaults(const std::vector<std::string>& texts) {
   std::vector<FaultOrder> orders(texts.size());
@@ -65,7 +61,8 @@ Bytes LidarUnderTest::Held(const std::string& name) {
 bool LidarUnderTest::LogShows(const std::string& text) {
   std::array<char, 4096> buffer;
   while (logged_.find(text) == std::string::npos) {
-    if (!Readable(log_reader_.get())) return false;
+    pollfd ready = {log_reader_.get(), POLLIN, 0};
+    if (poll(&ready, 1, kPatienceMs) != 1) return false;
     const ssize_t got = read(log_reader_.get(), buffer.data(), buffer.size());
     if (got <= 0) return false;
     logged_.append(buffer.data(), static_cast<size_t>(got));
@@ -74,6 +71,8 @@ bool LidarUnderTest::LogShows(const std::string& text) {
 }
 
 RawClient::RawClient(uint16_t port) : fd_(socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0)) {
+  const timeval patience = {kPatienceMs / 1000, 0};
+  setsockopt(fd_.get(), SOL_SOCKET, SO_RCVTIMEO, &patience, sizeof patience);
   sockaddr_in address = {};
   address.sin_family = AF_INET;
   address.sin_port = htons(port);
@@ -86,36 +85,25 @@ void RawClient::Send(const Bytes& bytes) const {
             static_cast<ssize_t>(bytes.size()));
 }
 
-bool RawClient::ReceiveMore(Bytes* received) {
-  std::array<uint8_t, 4096> buffer;
-  if (!Readable(fd_.get())) return false;
-  const ssize_t got = recv(fd_.get(), buffer.data(), buffer.size(), 0);
-  closed_ = got <= 0;
-  if (!closed_) received->insert(received->end(), buffer.begin(), buffer.begin() + got);
-  return !closed_;
-}
-
-Bytes RawClient::ReceiveUpTo(const Bytes& end) {
-  Bytes received;
-  const auto is_there = [&] {
-    return received.size() >= end.size() && std::equal(end.rbegin(), end.rend(), received.rbegin());
-  };
-  while (!is_there() && ReceiveMore(&received)) {
-  }
+Bytes RawClient::Receive(size_t count) const {
+  Bytes received(count);
+  const ssize_t got = recv(fd_.get(), received.data(), count, MSG_WAITALL);
+  received.resize(static_cast<size_t>(std::max<ssize_t>(got, 0)));
   return received;
 }
 
-Bytes RawClient::ReceiveExactly(size_t count) {
-  Bytes received;
-  while (received.size() < count && ReceiveMore(&received)) {
-  }
-  return received;
+bool RawClient::Ended() const {
+  char byte = 0;
+  const ssize_t got = recv(fd_.get(), &byte, 1, 0);
+  return got == 0 || (got < 0 && errno == ECONNRESET);
 }
 
-std::unique_ptr<kavel::lidar::CmxClient> ConnectTo(uint16_t port, uint8_t protocol,
-                                                   uint32_t recv_timeout_ms) {
-  auto client = std::make_unique<kavel::lidar::CmxClient>(
-      "127.0.0.1", port, false, 0U, protocol, "", "", "", recv_timeout_ms, 500U, 5.0F, uint16_t{0});
-  EXPECT_TRUE(client->WaitUntilConnected());
-  return client;
+DeviceReply Ask(VirtualDevice* device, uint8_t code, const Bytes& payload) {
+  DeviceRequest request;
+  request.code = code;
+  request.payload = payload;
+  AuthSession session;
+  FaultBox none;
+  std::string what;
+  return device->Answer(request, &session, &none, &what);
 }

@@ -6,11 +6,16 @@
 #include <thread>
 #include <vector>
 
-#include "CmxClient/cmx_client.h"
 #include "device_server.h"
 #include "test_table.h"
 
 using Bytes = std::vector<uint8_t>;
+
+/// Requests of protocol 1: liveness, whose answer looks like itself, and new values for Speed and
+/// Level, answered by kSetReply.
+inline const Bytes kLiveness = {0x47, 0x74, 0x07, 0, 0, 0, 0, 0};
+inline const Bytes kSetSpeed = {0x47, 0x74, 0x31, 0, 0, 0, 0, 3, 0x04, 0xB0, 0x05};
+inline const Bytes kSetReply = {0x47, 0x74, 0x31, 0, 0, 0, 0, 0};
 
 /// A running virtual lidar with its own thread, reachable on the real wire.
 class LidarUnderTest {
@@ -50,25 +55,21 @@ class LidarUnderTest {
   std::string logged_;
 };
 
-/// A TCP client that sends and receives bytes and knows nothing of frames. Waits are bounded.
+/// A TCP client that sends and receives bytes and knows nothing of frames. No wait for bytes lasts
+/// longer than five seconds.
 class RawClient {
  public:
   explicit RawClient(uint16_t port);
 
   void Send(const Bytes& bytes) const;
-  /// Receives until the bytes end with `end`, or the link was closed, or five seconds passed.
-  Bytes ReceiveUpTo(const Bytes& end);
-  /// Receives until there are this many.
-  Bytes ReceiveExactly(size_t count);
-  bool closed() const { return closed_; }
+  /// The next `count` bytes; fewer when the link was closed or time is up.
+  Bytes Receive(size_t count) const;
+  /// Whether the link is closed now, with nothing left to receive.
+  bool Ended() const;
 
  private:
-  bool ReceiveMore(Bytes* received);
-
   UniqueFd fd_;
-  bool closed_ = false;
 };
 
-/// A connected client; ends the test's expectations when it cannot connect.
-std::unique_ptr<kavel::lidar::CmxClient> ConnectTo(uint16_t port, uint8_t protocol = 1,
-                                                   uint32_t recv_timeout_ms = 300);
+/// Puts one request to a device as its first client; no fault strikes.
+DeviceReply Ask(VirtualDevice* device, uint8_t code, const Bytes& payload = {});
