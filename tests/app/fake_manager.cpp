@@ -11,17 +11,6 @@ void FakeManager::SetText(int type, int level1, int level2, int level3, const QS
   Note({"SetText", type, level1, level2, level3, text});
 }
 
-void FakeManager::SetMultiFovConfig(int index, const QString& text) {
-  ++pending;
-  Note({"SetMultiFovConfig", index, text});
-}
-
-bool FakeManager::CheckModuleVarsWithinRange(int module) {
-  Note({"CheckModuleVarsWithinRange", module});
-  for (const QString& name : qAsConst(out_of_range)) emit someVarOutOfRange(name);
-  return out_of_range.isEmpty();
-}
-
 int FakeManager::UpgradeLidar(const QUrl& url, int level1, int level2, int level3) {
   Note({"UpgradeLidar", url.toString(), level1, level2, level3});
   return 0;

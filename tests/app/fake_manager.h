@@ -1,7 +1,7 @@
 #pragma once
 
 #include <QObject>
-#include <QStringList>
+#include <QString>
 #include <QUrl>
 #include <QVariant>
 #include <QVariantList>
@@ -22,10 +22,7 @@ class FakeManager : public QObject {
   // What the methods below answer.
   Q_PROPERTY(QString pn MEMBER pn NOTIFY noted)
   Q_PROPERTY(QString sn MEMBER sn NOTIFY noted)
-  Q_PROPERTY(bool connecting MEMBER connecting NOTIFY noted)
   Q_PROPERTY(bool alive MEMBER alive NOTIFY noted)
-  Q_PROPERTY(QStringList outOfRange MEMBER out_of_range NOTIFY noted)
-  Q_PROPERTY(int pending MEMBER pending NOTIFY noted)
 
  public:
   using QObject::QObject;
@@ -33,13 +30,14 @@ class FakeManager : public QObject {
   Q_INVOKABLE bool ConnectLidar() { return Note({"ConnectLidar"}); }
   Q_INVOKABLE void Stop() { Note({"Stop"}); }
   Q_INVOKABLE bool CheckLidarConnection() { return Note({"CheckLidarConnection"}) && alive; }
-  Q_INVOKABLE bool GetIsConnectingLidar() { return connecting; }
+  Q_INVOKABLE bool GetIsConnectingLidar() { return false; }
   Q_INVOKABLE void GetLidarModuleInfo(int module) { Note({"GetLidarModuleInfo", module}); }
   Q_INVOKABLE void Run(int module) { Note({"Run", module}); }
   Q_INVOKABLE void SetText(int type, int level1, int level2, int level3, const QString& text);
-  Q_INVOKABLE void SetMultiFovConfig(int index, const QString& text);
   Q_INVOKABLE int getSetMapSize() { return pending; }
-  Q_INVOKABLE bool CheckModuleVarsWithinRange(int module);
+  Q_INVOKABLE bool CheckModuleVarsWithinRange(int module) {
+    return Note({"CheckModuleVarsWithinRange", module});
+  }
   Q_INVOKABLE bool isTimerUpdate(int, int, int level3) { return level3 == 0; }
   Q_INVOKABLE QString getLidarPN() { return pn; }
   Q_INVOKABLE QString getLidarSN() { return sn; }
@@ -75,8 +73,6 @@ class FakeManager : public QObject {
   int connect_type = 0;
   QString pn;
   QString sn;
-  bool connecting = false;
   bool alive = true;
-  QStringList out_of_range;
   int pending = 0;
 };

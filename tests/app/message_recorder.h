@@ -4,31 +4,27 @@
 #include <QStringList>
 #include <QtGlobal>
 
-/// Collects what goes through Qt's message logger while it lives, instead of printing it. One at a
-/// time, on the main thread.
+/// Collects the warnings that go through Qt's message logger while it lives, instead of printing
+/// them. One at a time, on the main thread.
 class MessageRecorder {
  public:
-  MessageRecorder() : previous_(qInstallMessageHandler(&MessageRecorder::Record)) { Lists() = {}; }
+  MessageRecorder() : previous_(qInstallMessageHandler(&MessageRecorder::Record)) {
+    Warnings().clear();
+  }
   ~MessageRecorder() { qInstallMessageHandler(previous_); }
   MessageRecorder(const MessageRecorder&) = delete;
   MessageRecorder& operator=(const MessageRecorder&) = delete;
 
-  QStringList warnings() const { return Lists().warnings; }
-  QStringList debug() const { return Lists().debug; }
+  QStringList warnings() const { return Warnings(); }
 
  private:
-  struct Recorded {
-    QStringList debug;
-    QStringList warnings;
-  };
-
-  static Recorded& Lists() {
-    static Recorded lists;
-    return lists;
+  static QStringList& Warnings() {
+    static QStringList warnings;
+    return warnings;
   }
 
   static void Record(QtMsgType type, const QMessageLogContext&, const QString& text) {
-    (type == QtDebugMsg || type == QtInfoMsg ? Lists().debug : Lists().warnings) << text;
+    if (type != QtDebugMsg && type != QtInfoMsg) Warnings() << text;
   }
 
   QtMessageHandler previous_;

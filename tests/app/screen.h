@@ -18,9 +18,6 @@ class Screen {
   /// Opens the scene with the model `model` chosen, and waits until it is painted and active.
   explicit Screen(const QString& model = QStringLiteral("Orca"));
 
-  TevronManager& manager() { return manager_; }
-  QQuickView& view() { return view_; }
-
   /// The visible item with this object name, in the scene or in an open box; null without one.
   QQuickItem* Find(const QString& name) const;
   /// An object of the scene that is no visible item: a timer, a list of lines.

@@ -39,13 +39,11 @@ class ScreensTest : public testing::Test {
 TEST_F(ScreensTest, ConnectsByAClickAndShowsTheLidarsValues) {
   EXPECT_EQ(screen_.LampColor(), QColor("red"));
   EXPECT_EQ(screen_.Text("connectButton"), "Connect");
-  EXPECT_TRUE(screen_.Find("modelChoice")->isEnabled());
 
   ASSERT_TRUE(screen_.ConnectTo(lidar_.port())) << screen_.LogText().toStdString();
   EXPECT_EQ(screen_.LampColor(), QColor("#00FF6B"));
   EXPECT_EQ(screen_.Text("connectButton"), "Disconnect");
   EXPECT_FALSE(screen_.Find("modelChoice")->isEnabled());
-  EXPECT_FALSE(screen_.Find("ipField")->isEnabled());
   EXPECT_EQ(screen_.Text("field_0_0_1"), Held(lidar_, "SN"));
   EXPECT_TRUE(
       Screen::WaitFor([&] { return screen_.LogText().contains("[INFO] Lidar connected"); }));
@@ -71,22 +69,13 @@ TEST_F(ScreensTest, TellsWhyALidarCannotBeReached) {
   EXPECT_EQ(screen_.LampColor(), QColor("red"));
 }
 
-TEST_F(ScreensTest, DisconnectsWhenTheLinkCheckFindsTheLidarGone) {
-  ConnectOnTab("tab0");
-  QObject* timer = screen_.FindObject("linkCheckTimer");
-  EXPECT_EQ(timer->property("interval").toInt(), 5000);
-  QMetaObject::invokeMethod(timer, "triggered");
-  EXPECT_TRUE(screen_.connected()) << "a lidar that answers stays connected";
-
-  lidar_.Kill();
-  QMetaObject::invokeMethod(timer, "triggered");
-  EXPECT_FALSE(screen_.connected());
-  EXPECT_FALSE(timer->property("running").toBool());
-  EXPECT_EQ(screen_.LampColor(), QColor("red"));
-}
-
 TEST_F(ScreensTest, WritesWhatIsTypedAndMarksItUntilItIsSaved) {
   ConnectOnTab(kScanTab);
+  screen_.TypeInto(kMaximumDistance, "78");
+  screen_.Click("tab1");
+  screen_.Click(kScanTab);
+  EXPECT_EQ(screen_.Text(kMaximumDistance), "200") << "leaving a tab drops its edits";
+
   screen_.TypeInto(kMinimumDistance, "50");
   EXPECT_TRUE(screen_.Value(kMinimumDistance, "pending").toBool());
   EXPECT_EQ(Held(lidar_, "Minimum Distance"), "20") << "nothing is written before Save";
@@ -115,37 +104,6 @@ TEST_F(ScreensTest, WritesChoicesAndSwitches) {
   EXPECT_TRUE(screen_.CloseBox()) << "one Save, one box";
 }
 
-TEST_F(ScreensTest, KeepsWhatIsBeingTypedThroughARefresh) {
-  ConnectOnTab(kScanTab);
-  screen_.TypeInto(kMinimumDistance, "12");
-  screen_.manager().UpdateUI();
-  emit screen_.manager().myTimerMapChanged();
-  screen_.Type("3");
-  EXPECT_EQ(screen_.Text(kMinimumDistance), "123");
-  EXPECT_TRUE(screen_.Value(kMinimumDistance, "activeFocus").toBool());
-
-  screen_.Key(Qt::Key_Escape);
-  EXPECT_EQ(screen_.Text(kMinimumDistance), "20");
-  EXPECT_EQ(screen_.manager().getSetMapSize(), 0);
-}
-
-TEST_F(ScreensTest, BringsTheLidarsValuesBackOnCancelAndOnAnotherTab) {
-  ConnectOnTab(kScanTab);
-  screen_.TypeInto(kMinimumDistance, "77");
-  screen_.Click("cancelButton");
-  EXPECT_EQ(screen_.Text(kMinimumDistance), "20");
-  EXPECT_EQ(screen_.manager().getSetMapSize(), 0);
-
-  screen_.TypeInto(kMinimumDistance, "78");
-  screen_.Key(Qt::Key_Return);
-  EXPECT_EQ(screen_.manager().getSetMapSize(), 1);
-  screen_.Click("tab1");
-  screen_.Click(kScanTab);
-  EXPECT_EQ(screen_.Text(kMinimumDistance), "20");
-  screen_.Click("saveButton");
-  EXPECT_TRUE(screen_.WaitForBox("Nothing to be saved"));
-}
-
 TEST_F(ScreensTest, AsksBeforeItWritesValuesOutOfRange) {
   ConnectOnTab(kScanTab);
   screen_.TypeInto(kMinimumDistance, "600");
@@ -165,29 +123,20 @@ TEST_F(ScreensTest, AsksBeforeItWritesValuesOutOfRange) {
   EXPECT_EQ(Held(lidar_, "Minimum Distance"), "20") << "the lidar refuses them";
 }
 
-TEST_F(ScreensTest, RefusesToSaveWithoutALidar) {
-  screen_.Click(kScanTab);
-  screen_.TypeInto(kMinimumDistance, "50");
-  screen_.Click("saveButton");
-  EXPECT_TRUE(screen_.WaitForBox("Please connect to lidar first"));
-}
-
 TEST_F(ScreensTest, SetsTheFieldOfView) {
   ConnectOnTab(kFovTab);
-  EXPECT_EQ(screen_.Text("fov_0"), "0");
-  screen_.TypeInto("fov_0", "361");
+  screen_.TypeInto("fov_7", "361");
   screen_.Key(Qt::Key_Return);
   ASSERT_TRUE(screen_.WaitForBox("Input value of fov is invalid"));
   ASSERT_TRUE(screen_.CloseBox()) << "one Enter, one box";
 
-  screen_.TypeInto("fov_0", "12.5");
+  screen_.TypeInto("fov_7", "12.5");
   screen_.Click("saveButton");
-  ASSERT_TRUE(screen_.WaitForBox("Set Lidar Successfully"))
-      << screen_.BoxMessage().toStdString() << screen_.LogText().toStdString();
-  // 12.5 as a float32 behind the mode and the count byte.
-  EXPECT_EQ(lidar_.Variable("FOV Table").value("hex").toString().remove(' ').mid(4, 8).toLower(),
+  ASSERT_TRUE(screen_.WaitForBox("Set Lidar Successfully")) << screen_.LogText().toStdString();
+  // 12.5 as a float32 behind the mode, the count byte and seven other angles.
+  EXPECT_EQ(lidar_.Variable("FOV Table").value("hex").toString().remove(' ').mid(60, 8).toLower(),
             "41480000");
-  EXPECT_EQ(screen_.Text("fov_0"), "12.5");
+  EXPECT_EQ(screen_.Text("fov_7"), "12.5");
 }
 
 TEST_F(ScreensTest, SendsCommandsByHandAndRecallsThem) {
@@ -203,15 +152,9 @@ TEST_F(ScreensTest, SendsCommandsByHandAndRecallsThem) {
   screen_.TypeInto("consoleCommand", "07");
   screen_.TypeInto("consolePayload", "01 02");
   screen_.Click("consoleSend");
-  EXPECT_EQ(screen_.Value("consoleHistory", "count").toInt(), 2);
-  EXPECT_GT(screen_.manager().commandLogCnt(), 0);
-
   screen_.Click("consoleCommand");
   screen_.Key(Qt::Key_Up);
   EXPECT_EQ(screen_.Text("consolePayload"), "01 02");
-  screen_.Key(Qt::Key_Up);
-  EXPECT_EQ(screen_.Text("consoleCommand"), "0x11");
-  EXPECT_EQ(screen_.Text("consolePayload"), "");
   screen_.Click("history_1_copy");
   EXPECT_EQ(QGuiApplication::clipboard()->text(), "0x11");
   screen_.Click("history_1_send");

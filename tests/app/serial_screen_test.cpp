@@ -74,13 +74,4 @@ TEST(SerialScreenTest, SaysWhatAPairOfPortsCannotDo) {
   EXPECT_TRUE(screen.Find("returnModeSet")->isEnabled());
 }
 
-TEST(SerialScreenTest, NamesThePortThatDoesNotOpen) {
-  Screen screen("Lumo");
-  screen.TypeInto("port485_field", "/dev/there-is-no-such-port");
-  screen.Key(Qt::Key_Return);
-  screen.Click("connectButton");
-  EXPECT_TRUE(screen.WaitForBox("Connection Failed. Please check your"));
-  EXPECT_FALSE(screen.connected());
-}
-
 }  // namespace

@@ -11,64 +11,44 @@ TestCase {
     width: 600
     height: 300
 
+    Component { id: lampComponent; StatusLamp {} }
     Component { id: loadingComponent; LoadingWidget { text: "Connecting" } }
-    Component {
-        id: histogramComponent
-        Histogram { width: 300; height: 200; title: "Temperatures" }
+    Component { id: histogramComponent; Histogram { width: 300; height: 200 } }
+
+    function test_the_lamp_has_its_two_colours() {
+        const lamp = createTemporaryObject(lampComponent, testCase);
+        compare(lamp.color, "#ff0000");
+        lamp.on = true;
+        compare(lamp.color, "#00ff6b");
+        compare(lamp.Accessible.name, "Connected");
     }
 
-    function test_loading_is_seen_only_while_it_runs() {
+    function test_loading_is_seen_while_it_runs_and_keeps_its_bar_within_the_track() {
         const loading = createTemporaryObject(loadingComponent, testCase);
         verify(!loading.visible);
         loading.running = true;
         verify(loading.visible);
-        verify(!findChild(loading, "progressTrack").visible);
-        compare(loading.Accessible.name, "Connecting");
-    }
-
-    function test_known_progress_is_a_bar_within_its_track_data() {
-        return [{ tag: "none", progress: 0, share: 0 }, { tag: "half", progress: 0.5, share: 0.5 },
-                { tag: "all", progress: 1, share: 1 }, { tag: "beyond", progress: 1.7, share: 1 }];
-    }
-
-    function test_known_progress_is_a_bar_within_its_track(data) {
-        const loading = createTemporaryObject(loadingComponent, testCase,
-                                              { running: true, progress: data.progress });
         const track = findChild(loading, "progressTrack");
-        const bar = findChild(loading, "progressBar");
-        verify(track.visible);
-        fuzzyCompare(bar.width, Math.max(bar.height, track.width * data.share), 0.5);
+        verify(!track.visible);
+        for (const [progress, share] of [[0.5, 0.5], [1, 1], [1.7, 1]]) {
+            loading.progress = progress;
+            verify(track.visible);
+            fuzzyCompare(findChild(loading, "progressBar").width, track.width * share, 0.5);
+        }
     }
 
-    function heights(histogram) {
-        const result = [];
-        for (let i = 0; i < histogram.values.length; ++i)
-            result.push(findChild(findChild(histogram, "bar" + i), "body").height);
-        return result;
+    // `shares` is what each bar has of the first one's height.
+    function test_bars_are_proportional_to_their_values_data() {
+        return [{ tag: "to the largest", values: [10, 20, 40], maximum: 0, shares: [1, 2, 4] },
+                { tag: "a given maximum", values: [50, 100, 500], maximum: 100, shares: [1, 2, 2] },
+                { tag: "below zero as zero", values: [0, -5, 0], maximum: 0, shares: [1, 1, 1] },
+                { tag: "nothing", values: [], maximum: 0, shares: [] }];
     }
 
-    function test_bars_are_proportional_to_their_values() {
-        const histogram = createTemporaryObject(histogramComponent, testCase,
-                                                { values: [10, 20, 40, 0, -5] });
-        const bars = heights(histogram);
-        fuzzyCompare(bars[1], 2 * bars[0], 0.5);
-        fuzzyCompare(bars[2], 4 * bars[0], 0.5);
-        compare(bars[3], bars[4]);
-        verify(bars[3] < bars[0]);
-    }
-
-    function test_a_given_maximum_bounds_the_bars() {
-        const histogram = createTemporaryObject(histogramComponent, testCase,
-                                                { values: [50, 100, 500], maximum: 100 });
-        const bars = heights(histogram);
-        fuzzyCompare(bars[1], 2 * bars[0], 0.5);
-        compare(bars[2], bars[1]);
-    }
-
-    function test_nothing_to_draw_is_no_fault() {
-        const histogram = createTemporaryObject(histogramComponent, testCase);
-        compare(heights(histogram).length, 0);
-        histogram.values = [0, 0];
-        compare(heights(histogram).length, 2);
+    function test_bars_are_proportional_to_their_values(data) {
+        const histogram = createTemporaryObject(
+            histogramComponent, testCase, { values: data.values, maximum: data.maximum });
+        const height = i => findChild(findChild(histogram, "bar" + i), "body").height;
+        data.shares.forEach((share, i) => fuzzyCompare(height(i), share * height(0), 0.5));
     }
 }

@@ -1,15 +1,17 @@
+#pragma once
+
 #include <QApplication>
 #include <QObject>
 #include <QResource>
 #include <QtQml>
-#include <QtQuickTest>
 
 #include "app/fake_manager.h"
 #include "screen_types.h"
 #include "startup.h"
 
-/// Gives the tests of the page and of the link the compiled-in screens and a manager to play with.
-class PagesSetup : public QObject {
+/// Gives the Qt Quick tests the program's palette, its compiled-in screens, and a manager that only
+/// takes notes.
+class QuickSetup : public QObject {
   Q_OBJECT
 
  public slots:
@@ -20,7 +22,3 @@ class PagesSetup : public QObject {
     QApplication::setPalette(ApplicationPalette());
   }
 };
-
-QUICK_TEST_MAIN_WITH_SETUP(pages, PagesSetup)
-
-#include "pages_test.moc"

@@ -1,5 +1,0 @@
-#include <QtQuickTest>
-
-#include "app/components_setup.h"
-
-QUICK_TEST_MAIN_WITH_SETUP(components, ComponentSetup)
