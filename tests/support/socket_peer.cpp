@@ -15,11 +15,17 @@ namespace {
 
 constexpr int kDripPauseMs = 2;
 
-int Listen(int backlog, uint16_t* port) {
-  const int listener = socket(AF_INET, SOCK_STREAM, 0);
+sockaddr_in Loopback(uint16_t port) {
   sockaddr_in address{};
   address.sin_family = AF_INET;
   address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+  address.sin_port = htons(port);
+  return address;
+}
+
+int Listen(int backlog, uint16_t* port) {
+  const int listener = socket(AF_INET, SOCK_STREAM, 0);
+  sockaddr_in address = Loopback(0);
   socklen_t size = sizeof address;
   auto* generic = reinterpret_cast<sockaddr*>(&address);
   if (bind(listener, generic, size) != 0 || listen(listener, backlog) != 0 ||
@@ -33,12 +39,9 @@ int Listen(int backlog, uint16_t* port) {
 int StartConnecting(uint16_t port) {
   const int client = socket(AF_INET, SOCK_STREAM, 0);
   fcntl(client, F_SETFL, O_NONBLOCK);
-  sockaddr_in address{};
-  address.sin_family = AF_INET;
-  address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-  address.sin_port = htons(port);
+  const sockaddr_in address = Loopback(port);
   // It is under way; the queue decides whether it ever ends.
-  (void)connect(client, reinterpret_cast<sockaddr*>(&address), sizeof address);
+  (void)connect(client, reinterpret_cast<const sockaddr*>(&address), sizeof address);
   return client;
 }
 

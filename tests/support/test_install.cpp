@@ -1,20 +1,13 @@
 #include "support/test_install.h"
 
 #include <QDir>
-#include <QDirIterator>
 #include <QFile>
-#include <QFileInfo>
+#include <filesystem>
 #include <stdexcept>
 
 TestInstall::TestInstall() : previous_directory_(QDir::currentPath()) {
-  const QDir source(QStringLiteral(TEVRON_CONFIG_SOURCE));
-  QDirIterator files(source.path(), {"*.csv", "*.ini"}, QDir::Files, QDirIterator::Subdirectories);
-  while (files.hasNext()) {
-    const QString file = files.next();
-    const QString copy = config() + '/' + source.relativeFilePath(file);
-    QDir().mkpath(QFileInfo(copy).path());
-    if (!QFile::copy(file, copy)) throw std::runtime_error("cannot copy " + file.toStdString());
-  }
+  std::filesystem::copy(TEVRON_CONFIG_SOURCE, config().toStdString(),
+                        std::filesystem::copy_options::recursive);
   QDir::setCurrent(root());
 }
 

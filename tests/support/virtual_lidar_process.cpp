@@ -69,16 +69,11 @@ QJsonObject VirtualLidarProcess::Variable(const QString& name) const {
 }
 
 void VirtualLidarProcess::Kill() {
-  Thaw();
   process_.kill();
   process_.waitForFinished();
 }
 
-void VirtualLidarProcess::Freeze() { Signal(SIGSTOP); }
-
-void VirtualLidarProcess::Thaw() { Signal(SIGCONT); }
-
-void VirtualLidarProcess::Signal(int number) const {
+void VirtualLidarProcess::Freeze() {
   if (process_.state() == QProcess::NotRunning) return;
-  ::kill(static_cast<pid_t>(process_.processId()), number);
+  ::kill(static_cast<pid_t>(process_.processId()), SIGSTOP);
 }

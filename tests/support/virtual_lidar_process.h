@@ -29,13 +29,11 @@ class VirtualLidarProcess {
 
   /// Ends it at once, as a lidar that loses its power.
   void Kill();
-  /// Makes it fall silent, and lets it go on.
+  /// Makes it fall silent for good, with its links left open.
   void Freeze();
-  void Thaw();
 
  private:
   bool ReadUntilReady(bool serial);
-  void Signal(int number) const;
 
   QTemporaryDir folder_;
   QProcess process_;
