@@ -5,14 +5,13 @@
 #include <QUrl>
 #include <QVariant>
 #include <QVariantList>
-#include <QVariantMap>
 
 /// Stands in for the manager where a screen is tested alone. It holds what a test puts into its
 /// properties, and notes every call as [name, arguments...] in `calls`.
 class FakeManager : public QObject {
   Q_OBJECT
   Q_PROPERTY(QVariantList calls MEMBER calls NOTIFY noted)
-  Q_PROPERTY(QVariantList myMap MEMBER map NOTIFY myMapChanged)
+  Q_PROPERTY(QVariantList myMap MEMBER map NOTIFY noted)
   Q_PROPERTY(QVariantList level2List MEMBER rows NOTIFY lidarModelChanged)
   Q_PROPERTY(QVariantList FovList MEMBER fov NOTIFY fovConfigChanged)
   Q_PROPERTY(bool IsConnected MEMBER connected NOTIFY isConnectedChanged)
@@ -33,7 +32,10 @@ class FakeManager : public QObject {
   Q_INVOKABLE bool GetIsConnectingLidar() { return false; }
   Q_INVOKABLE void GetLidarModuleInfo(int module) { Note({"GetLidarModuleInfo", module}); }
   Q_INVOKABLE void Run(int module) { Note({"Run", module}); }
-  Q_INVOKABLE void SetText(int type, int level1, int level2, int level3, const QString& text);
+  Q_INVOKABLE void SetText(int type, int level1, int level2, int level3, const QString& text) {
+    ++pending;
+    Note({"SetText", type, level1, level2, level3, text});
+  }
   Q_INVOKABLE int getSetMapSize() { return pending; }
   Q_INVOKABLE bool CheckModuleVarsWithinRange(int module) {
     return Note({"CheckModuleVarsWithinRange", module});
@@ -42,10 +44,9 @@ class FakeManager : public QObject {
   Q_INVOKABLE QString getLidarPN() { return pn; }
   Q_INVOKABLE QString getLidarSN() { return sn; }
   Q_INVOKABLE void setErrorMsg(const QString& text) { Note({"setErrorMsg", text}); }
-  Q_INVOKABLE int UpgradeLidar(const QUrl& url, int level1, int level2, int level3);
-  /// Puts `value` under `key` of one variable's display fields, without a signal.
-  Q_INVOKABLE void put(int level1, int level2, int level3, const QString& key,
-                       const QVariant& value);
+  Q_INVOKABLE bool UpgradeLidar(const QUrl& url, int level1, int level2, int level3) {
+    return Note({"UpgradeLidar", url.toString(), level1, level2, level3});
+  }
 
  signals:
   void noted();
@@ -61,7 +62,11 @@ class FakeManager : public QObject {
   void someVarOutOfRange(const QString& var_name);
 
  private:
-  bool Note(const QVariantList& call);
+  bool Note(const QVariantList& call) {
+    calls.append(QVariant(call));
+    emit noted();
+    return true;
+  }
 
   QVariantList calls;
   QVariantList map;

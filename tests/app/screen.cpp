@@ -19,18 +19,11 @@ namespace {
 
 constexpr QSize kWindowSize(1300, 800);
 
-bool PrepareOnce() {
-  static const bool done = [] {
-    InitScreens();
-    RegisterScreenTypes();
-    QGuiApplication::setPalette(ApplicationPalette());
-    return true;
-  }();
-  return done;
-}
-
-std::string DefaultTable() {
-  PrepareOnce();
+// What has to stand before the manager is made. Returns the table that the manager starts with.
+std::string PrepareScene() {
+  InitScreens();
+  RegisterScreenTypes();
+  QGuiApplication::setPalette(ApplicationPalette());
   QFile::remove(SettingsFilePath());
   return "./Config/varID/Orca.csv";
 }
@@ -47,7 +40,7 @@ QQuickItem* FindBelow(QQuickItem* item, const QString& name) {
 
 }  // namespace
 
-Screen::Screen(const QString& model) : manager_(true, DefaultTable()) {
+Screen::Screen(const QString& model) : manager_(true, PrepareScene()) {
   manager_.InitConfigFileParser();
   view_.rootContext()->setContextProperty(QStringLiteral("tevron_manager"), &manager_);
   view_.setResizeMode(QQuickView::SizeRootObjectToView);
@@ -91,14 +84,10 @@ void Screen::Key(int key, Qt::KeyboardModifiers modifiers) {
   QTest::keyClick(&view_, static_cast<Qt::Key>(key), modifiers);
 }
 
-void Screen::Type(const QString& text) {
-  for (const QChar letter : text) QTest::keyClick(&view_, letter.toLatin1());
-}
-
 void Screen::TypeInto(const QString& name, const QString& text) {
   Click(name);
   Key(Qt::Key_A, Qt::ControlModifier);
-  Type(text);
+  for (const QChar letter : text) QTest::keyClick(&view_, letter.toLatin1());
 }
 
 bool Screen::ConnectTo(quint16 port) {

@@ -29,7 +29,6 @@ class Screen {
   /// Clicks into the middle of the item, which has to be visible and enabled.
   void Click(const QString& name);
   void Key(int key, Qt::KeyboardModifiers modifiers = Qt::NoModifier);
-  void Type(const QString& text);
   /// Clicks into a field and types over what it holds, without leaving it.
   void TypeInto(const QString& name, const QString& text);
 

@@ -1,7 +1,6 @@
 import QtQuick 2.15
 import QtTest 1.15
 import "qrc:/Qml/assembly"
-import "qrc:/Qml/theme"
 
 TestCase {
     id: testCase
@@ -60,11 +59,5 @@ TestCase {
         control.enabled = false;
         mouseClick(control);
         compare(switched.count, wishes.length);
-    }
-
-    function test_a_long_text_widens_the_button() {
-        const text = "Reset to factory settings";
-        const button = createTemporaryObject(plain, testCase, { text: text });
-        verify(button.width >= button.contentItem.implicitWidth + 2 * Theme.gapWide);
     }
 }

@@ -66,12 +66,6 @@ TestCase {
         compare(field.text, "602", "after Escape the field follows again");
     }
 
-    function test_a_disabled_field_cannot_be_typed_in() {
-        field.enabled = false;
-        type("1");
-        compare(field.text, "600");
-    }
-
     function test_marks_edits_and_faults_and_keeps_the_unit_clear() {
         field.problem = "300 to 1200 rpm";
         compare(field.background.border.color, Theme.errorColor);
