@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <filesystem>
+
 #include "variables/model_list.h"
 #include "variables/table_file.h"
 
@@ -16,22 +18,15 @@ TEST(FeatureConfig, SwitchesOnWhatTheRowOfTheModelSays) {
       "always,Osprey, 1 \n"
       " trouble ,Lumo,true\n"
       ",Kiva,11\n");
-  struct Case {
-    const char* model;
-    bool host_port;
-    StaleInput stale_input;
+  const auto features = [](const std::string& table, const char* model) {
+    return std::pair(IsHostPortUiEnabled(table, model), StaleInputFor(table, model));
   };
-  const Case cases[] = {
-      {"Orca", true, StaleInput::kAfterTrouble},  {"Osprey", true, StaleInput::kAlways},
-      {"Lumo", false, StaleInput::kAfterTrouble}, {"Kiva", false, StaleInput::kAlways},
-      {"orca", false, StaleInput::kAlways},
-  };
-  for (const auto& [model, host_port, stale_input] : cases) {
-    EXPECT_EQ(IsHostPortUiEnabled(file.path(), model), host_port) << model;
-    EXPECT_EQ(StaleInputFor(file.path(), model), stale_input) << model;
-  }
-  EXPECT_FALSE(IsHostPortUiEnabled(file.path() + ".missing", "Orca"));
-  EXPECT_EQ(StaleInputFor(file.path() + ".missing", "Orca"), StaleInput::kAlways);
+  EXPECT_EQ(features(file.path(), "Orca"), std::pair(true, StaleInput::kAfterTrouble));
+  EXPECT_EQ(features(file.path(), "Osprey"), std::pair(true, StaleInput::kAlways));
+  EXPECT_EQ(features(file.path(), "Lumo"), std::pair(false, StaleInput::kAfterTrouble));
+  EXPECT_EQ(features(file.path(), "Kiva"), std::pair(false, StaleInput::kAlways));
+  EXPECT_EQ(features(file.path(), "orca"), std::pair(false, StaleInput::kAlways));
+  EXPECT_EQ(features("missing.csv", "Orca"), std::pair(false, StaleInput::kAlways));
 }
 
 TEST(FeatureConfig, AMissingColumnStopsTheLookup) {

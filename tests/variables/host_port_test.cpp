@@ -20,9 +20,8 @@ TEST(HostPort, IsAnyOrAPortOfUsers) {
   for (const char* text : {"ANY", "any", " \tAny\r\n"}) {
     EXPECT_EQ(Parse(text), "0");
   }
-  for (const char* text : {"1024", "65535"}) {
-    EXPECT_EQ(Parse(text), text);
-  }
+  EXPECT_EQ(Parse("1024"), "1024");
+  EXPECT_EQ(Parse("65535"), "65535");
   EXPECT_EQ(Parse("\t2000 "), "2000");
   for (const char* text : {"", " \t\r\n"}) {
     EXPECT_EQ(Parse(text), "Host port is empty");

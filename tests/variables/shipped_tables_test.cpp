@@ -1,8 +1,5 @@
 #include <gtest/gtest.h>
 
-#include <set>
-
-#include "variables/command_code.h"
 #include "variables/model_list.h"
 #include "variables/page_variants.h"
 
@@ -35,27 +32,6 @@ TEST(ShippedTables, HaveTheVariablesThatOthersAskFor) {
       EXPECT_FALSE(CanBeChanged(*var) && takes_only_zero) << var->var_name;
     }
   }
-}
-
-TEST(ShippedTables, OrcaUsesEverythingThatATableCanSay) {
-  ConfigParser parser;
-  parser.ExtractConfigInfo(kTables + "Orca.csv");
-  EXPECT_GE(parser.InTableOrder().size(), 60U);
-  EXPECT_GE(PageModel(parser).page_count(), 6);
-  std::set<std::string> types;
-  std::set<int32_t> kinds;
-  std::set<std::string> features;
-  for (const VarInfo* var : parser.InTableOrder()) {
-    types.insert(var->var_type);
-    kinds.insert(var->type);
-    if (var->get_cmd.size() >= kLongCommandTextLength) features.insert("long command");
-    if (var->type == kSwitch && !var->switch_var_id.empty()) features.insert("dependent switch");
-    if (var->hidden) features.insert("hidden");
-    if (!var->read_payload.empty()) features.insert("read payload");
-  }
-  EXPECT_EQ(types.size(), 15U);
-  EXPECT_EQ(kinds, (std::set<int32_t>{0, 1, 2, 3, 5}));
-  EXPECT_EQ(features.size(), 4U);
 }
 
 }  // namespace

@@ -1,37 +1,22 @@
 #pragma once
 
-#include <gtest/gtest.h>
-#include <stdlib.h>
-
-#include <filesystem>
+#include <QTemporaryDir>
 #include <fstream>
 #include <string>
 
 /// A file in a folder of its own that vanishes with the object.
 class TableFile {
  public:
-  explicit TableFile(const std::string& content, const std::string& name = "Model.csv") {
-    std::string folder = (std::filesystem::temp_directory_path() / "tevron-table-XXXXXX").string();
-    if (mkdtemp(folder.data()) == nullptr) {
-      ADD_FAILURE() << "no temporary folder";
-      return;
-    }
-    folder_ = folder;
-    path_ = folder + "/" + name;
+  explicit TableFile(const std::string& content, const std::string& name = "Model.csv")
+      : path_(folder() + '/' + name) {
     std::ofstream(path_, std::ios::binary) << content;
   }
-  ~TableFile() {
-    std::error_code ignored;
-    std::filesystem::remove_all(folder_, ignored);
-  }
-  TableFile(const TableFile&) = delete;
-  TableFile& operator=(const TableFile&) = delete;
 
   const std::string& path() const { return path_; }
-  const std::string& folder() const { return folder_; }
+  std::string folder() const { return folder_.path().toStdString(); }
 
  private:
-  std::string folder_;
+  QTemporaryDir folder_;
   std::string path_;
 };
 

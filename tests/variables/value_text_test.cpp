@@ -6,13 +6,6 @@ namespace {
 
 using Bytes = std::vector<uint8_t>;
 
-struct Case {
-  const char* type;
-  float coefficient;
-  Bytes slice;
-  const char* text;
-};
-
 std::string Decode(const std::string& type, const std::string& name, float coefficient,
                    const Bytes& slice) {
   VarInfo var;
@@ -29,24 +22,26 @@ std::string Decode(const std::string& type, const std::string& name, float coeff
 }
 
 TEST(ValueText, WritesEveryTypeAsTheUserReadsIt) {
+  struct Case {
+    const char* type;
+    float coefficient;
+    Bytes slice;
+    const char* text;
+  };
   const Case cases[] = {
       {"uint8", 1, {0xFF}, "255"},
       {"int8", 1, {0xFF}, "-1"},
-      {"uint16", 1, {0x01, 0x00}, "256"},
       {"int16", 1, {0x80, 0x00}, "-32768"},
-      {"uint32", 1, {0xFF, 0xFF, 0xFF, 0xFF}, "4294967295"},
       {"int32", 1, {0xFF, 0xFF, 0xFF, 0xFE}, "-2"},
       {"uint64", 1, Bytes(8, 0xFF), "18446744073709551615"},
       {"int64", 1, {0x80, 0, 0, 0, 0, 0, 0, 0}, "-9223372036854775808"},
       {"float32", 1, {0x3F, 0x80, 0, 0}, "1.00"},
       {"double", 1, {0xBF, 0xB9, 0x99, 0x99, 0x99, 0x99, 0x99, 0x9A}, "-0.10"},
       {"string", 1, {'O', 'r', 'c', 'a', 0, 0}, "Orca"},
-      {"string", 1, {}, ""},
       {"IP", 1, {192, 168, 1, 201}, "192.168.1.201"},
       {"MAC", 1, {0x02, 0xAB, 0, 0, 0, 0x0F}, "02:AB:00:00:00:0F"},
       {"DT", 1, {0x00, 0x00, 0x0E, 0x11}, "1 h 0 min 1 s"},
       {"DT", 1, Bytes(8, 0xFF), "5124095576030431 h 0 min 15 s"},
-      {"DT", 1, {}, "0 h 0 min 0 s"},
       {"uint8", 0.5F, {0x03}, "1.50"},
       {"int16", 0.01F, {0xFF, 0x9C}, "-1.00"},
       // The scale is 0.01, not the single-precision number next to it.
