@@ -100,7 +100,8 @@ TEST_F(TableFaults, RowsBeyondTheBoundAreLeftOut) {
   std::string rows;
   for (size_t i = 0; i <= ConfigParser::kMaxRows; ++i) {
     const std::string number = std::to_string(i);
-    rows += "1," + number + ",0x01,,,Variable " + number + ",0,uint16,,,mm,0.5,,Page,2,0,\n";
+    rows.append("1,").append(number).append(",0x01,,,Variable ").append(number);
+    rows += ",0,uint16,,,mm,0.5,,Page,2,0,\n";
   }
   Load(rows);
   EXPECT_EQ(OnlyFault(), ", line 200002: more than 200000 rows; the rest is left out");
