@@ -16,15 +16,15 @@ QString Facts(const Screen& screen, const QString& list) {
   return text;
 }
 
-bool WaitUntilIdle(const Screen& screen) {
-  return Screen::WaitFor([&] { return screen.Find("serialActivity") == nullptr; });
-}
-
+// Connects and waits until the first reading is over.
 void Connect(Screen* screen) {
   screen->Key(Qt::Key_Return);
   screen->Click("connectButton");
   ASSERT_TRUE(Screen::WaitFor([&] { return screen->connected(); }))
       << screen->LogText().toStdString();
+  ASSERT_TRUE(screen->WaitForBox("Serial is operation completed."));
+  ASSERT_TRUE(screen->CloseBox());
+  ASSERT_TRUE(Screen::WaitFor([&] { return screen->Find("serialActivity") == nullptr; }));
 }
 
 TEST(SerialScreenTest, ReadsAndSetsOverOneLine) {
@@ -38,9 +38,6 @@ TEST(SerialScreenTest, ReadsAndSetsOverOneLine) {
   screen.TypeInto("port485_field", lidar.SerialPort());
   Connect(&screen);
   EXPECT_EQ(screen.LampColor(), QColor("#00FF6B"));
-  ASSERT_TRUE(screen.WaitForBox("Serial is operation completed."));
-  ASSERT_TRUE(screen.CloseBox());
-  ASSERT_TRUE(WaitUntilIdle(screen));
   EXPECT_FALSE(Facts(screen, "lidarInfo").contains("Serial Number=xxxxxxxx"));
   EXPECT_TRUE(Facts(screen, "lidarVersions").contains("BMB FPGA Version="));
   EXPECT_EQ(screen.Text("netIp").count('.'), 3);
@@ -65,9 +62,6 @@ TEST(SerialScreenTest, SaysWhatAPairOfPortsCannotDo) {
   screen.TypeInto("port485_field", lidar.SerialPort("485"));
   screen.TypeInto("port232_field", lidar.SerialPort("232"));
   Connect(&screen);
-  ASSERT_TRUE(screen.WaitForBox("Serial is operation completed."));
-  ASSERT_TRUE(screen.CloseBox());
-  ASSERT_TRUE(WaitUntilIdle(screen));
   EXPECT_TRUE(Facts(screen, "lidarVersions").contains("Junction Box Version="));
   EXPECT_FALSE(screen.Find("netSet")->isEnabled());
   EXPECT_EQ(screen.Find("imuSet"), nullptr);

@@ -87,28 +87,19 @@ TEST(InstallRoot, IsTheFirstFolderThatHoldsTheFontOrElseTheParent) {
   }
 }
 
-TEST(ApplicationFonts, ReportWhatIsWrongWithAFile) {
+TEST(ApplicationData, GivesTheInterfaceItsFontAndItsIconOrSaysWhyNot) {
   const QTemporaryDir folder;
-  Put(folder.path(), "bad.ttf", "this is no font");
-  const MessageRecorder messages;
-  EXPECT_EQ(LoadApplicationFont(folder.path(), "Bold"), -1);
-  EXPECT_EQ(LoadApplicationFont(folder.filePath("bad.ttf"), "Bold"), -1);
   const QString path = folder.path();
+  Put(path, "bad.ttf", "this is no font");
+  const MessageRecorder messages;
+  EXPECT_EQ(LoadApplicationFont(path, "Bold"), -1) << "a folder is no file";
+  EXPECT_EQ(LoadApplicationFont(path + "/bad.ttf", "Bold"), -1);
+  EXPECT_EQ(ApplicationFont(TEVRON_TEST_ROOT).family(), "Roboto");
+  EXPECT_FALSE(ApplicationIcon(TEVRON_TEST_ROOT).pixmap(64, 64).isNull());
   EXPECT_EQ(messages.warnings(),
             QStringList({"[Tevron] Font file missing: Bold absolutePath: \"" + path + '"',
                          "[Tevron] addApplicationFont failed: Bold absolutePath: \"" + path +
                              "/bad.ttf\" id: -1"}));
-}
-
-TEST(ApplicationData, GivesTheInterfaceItsFontAndItsIcon) {
-  const MessageRecorder messages;
-  const QTemporaryDir empty;
-  EXPECT_EQ(ApplicationFont(empty.path()).family(), QFont().family());
-  EXPECT_TRUE(ApplicationIcon(empty.path()).isNull());
-  EXPECT_EQ(messages.warnings().size(), 3);
-  EXPECT_EQ(ApplicationFont(TEVRON_TEST_ROOT).family(), "Roboto");
-  EXPECT_FALSE(ApplicationIcon(TEVRON_TEST_ROOT).pixmap(64, 64).isNull());
-  EXPECT_EQ(messages.warnings().size(), 3);
 }
 
 TEST(ModulePv, TakesTheFirstMatchingArgumentAfterTheProgram) {

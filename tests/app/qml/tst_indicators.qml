@@ -11,17 +11,8 @@ TestCase {
     width: 600
     height: 300
 
-    Component { id: lampComponent; StatusLamp {} }
     Component { id: loadingComponent; LoadingWidget { text: "Connecting" } }
     Component { id: histogramComponent; Histogram { width: 300; height: 200 } }
-
-    function test_the_lamp_has_its_two_colours() {
-        const lamp = createTemporaryObject(lampComponent, testCase);
-        compare(lamp.color, "#ff0000");
-        lamp.on = true;
-        compare(lamp.color, "#00ff6b");
-        compare(lamp.Accessible.name, "Connected");
-    }
 
     function test_loading_is_seen_while_it_runs_and_keeps_its_bar_within_the_track() {
         const loading = createTemporaryObject(loadingComponent, testCase);
