@@ -23,68 +23,68 @@ constexpr char kRows[] =
 
 class RangeCheckTest : public testing::Test {
  protected:
-  /// The names found wrong when `name` holds `text` and all others their default.
-  Lines Wrong(const std::string& name, const std::string& text) {
+  void Edit(const std::string& name, const std::string& text) {
     fixture_.table.Edit(fixture_[name], text);
-    Lines names;
-    const bool within = Check(&names);
-    EXPECT_EQ(names.empty(), within) << name << " " << text;
-    fixture_.table.DropEdits({&fixture_[name]});
-    return names;
   }
-  bool Check(Lines* names) {
+  /// Whether the page is within its ranges; `names_` are those that it finds wrong.
+  bool PageIsWithin() {
+    names_.clear();
     return check_.CheckPage(fixture_.table.InTableOrder(),
-                            [names](const std::string& name) { names->push_back(name); });
-  }
-  bool WithinAlone(const std::string& name, const std::string& text) {
-    fixture_.table.Edit(fixture_[name], text);
-    return check_.CheckVar(fixture_[name]);
+                            [this](const std::string& name) { names_.push_back(name); });
   }
 
   ModelFixture fixture_{kRows};
   RecordedReport report_;
   RangeCheck check_{fixture_.table, report_};
+  Lines names_;
 };
 
-TEST_F(RangeCheckTest, BothEndsOfARangeAreAllowed) {
-  EXPECT_EQ((Lines{}), Wrong("Ranged", "-5"));
-  EXPECT_EQ((Lines{}), Wrong("Ranged", "20"));
-  EXPECT_EQ((Lines{"Ranged"}), Wrong("Ranged", "-6"));
-  EXPECT_EQ((Lines{"Ranged"}), Wrong("Ranged", "21"));
-  EXPECT_EQ((Lines{"From Zero"}), Wrong("From Zero", "21"));
-  EXPECT_EQ((Lines{}), Wrong("Free", "2000"));
-  EXPECT_EQ((Lines{}), Wrong("Shown", "0"));  // read-only values are not the user's fault
-}
-
-TEST_F(RangeCheckTest, WhatASwitchHasOffIsNotTested) {
-  EXPECT_EQ((Lines{}), Wrong("Filter", "0"));
-  EXPECT_EQ((Lines{}), Wrong("Both", "0"));
-  EXPECT_EQ((Lines{"Filter"}), Wrong("Filter", "2"));
-  EXPECT_EQ((Lines{"Depending"}), Wrong("Depending", "10"));
-  fixture_.table.Edit(fixture_["Filter"], "0");
-  EXPECT_EQ((Lines{}), Wrong("Depending", "10"));
-}
-
-TEST_F(RangeCheckTest, TextsAndAddressesHaveTheirOwnRules) {
-  EXPECT_EQ((Lines{}), Wrong("Label", "abcd"));
-  EXPECT_EQ((Lines{"Label"}), Wrong("Label", "abcde"));
-  EXPECT_EQ((Lines{}), Wrong("Address", "255.255.255.255"));
-  for (const char* text : {"1.2.3", "1.2.3.256", "1.2.3.4.5", "1.2.3.4 ", "a.b.c.d"}) {
-    EXPECT_EQ((Lines{"Address"}), Wrong("Address", text));
+TEST_F(RangeCheckTest, EachVariableHasItsRule) {
+  constexpr bool kOnPage = false;
+  constexpr bool kAlone = true;  // the scaled value counts, and an end of 0 is no range
+  using Texts = std::vector<const char*>;
+  struct Case {
+    const char* name;
+    bool alone;
+    Texts good;
+    Texts bad;
+  };
+  const Case cases[] = {
+      {"Ranged", kOnPage, {"-5", "20"}, {"-6", "21"}},
+      {"Ranged", kAlone, {"41.9", "41.9 m", "-11.9"}, {"42", "-12", "1e30"}},  // 20.95 is cut to 20
+      {"From Zero", kOnPage, {"20"}, {"21"}},
+      {"From Zero", kAlone, {"21"}, {}},
+      {"Free", kOnPage, {"2000"}, {}},
+      {"Shown", kOnPage, {"0"}, {}},  // read-only values are not the user's fault
+      {"Filter", kOnPage, {"0", "3"}, {"2"}},
+      {"Both", kOnPage, {"0"}, {}},
+      {"Depending", kOnPage, {"9"}, {"10"}},
+      {"Label", kOnPage, {"abcd"}, {"abcde"}},
+      {"Label", kAlone, {"abcde"}, {}},
+      {"Address", kOnPage, {"255.255.255.255"}, {"1.2.3", "1.2.3.256", "1.2.3.4.5", "1.2.3.4 "}},
+      {"Hardware", kOnPage, {"aB:11:22:33:44:55"}, {"AB-11-22-33-44-55", "AB:11:22:33:44:5G"}},
+  };
+  for (const Case& c : cases) {
+    for (const bool good : {true, false}) {
+      for (const char* text : good ? c.good : c.bad) {
+        Edit(c.name, text);
+        EXPECT_EQ(good, c.alone ? check_.CheckVar(fixture_[c.name]) : PageIsWithin())
+            << c.name << ' ' << text;
+      }
+    }
+    fixture_.table.DropEdits({&fixture_[c.name]});
   }
-  EXPECT_EQ((Lines{}), Wrong("Hardware", "aB:11:22:33:44:55"));
-  for (const char* text : {"AB-11-22-33-44-55", "AB:11:22:33:44", "AB:11:22:33:44:5G"}) {
-    EXPECT_EQ((Lines{"Hardware"}), Wrong("Hardware", text));
-  }
+  Edit("Filter", "0");
+  Edit("Depending", "10");
+  EXPECT_TRUE(PageIsWithin()) << "what a switch has off is not tested";
 }
 
 TEST_F(RangeCheckTest, NamesEveryViolationInTheLog) {
-  fixture_.table.Edit(fixture_["Ranged"], "21");
-  fixture_.table.Edit(fixture_["Address"], "here");
-  fixture_.table.Edit(fixture_["Hardware"], "there");
-  Lines names;
-  EXPECT_FALSE(Check(&names));
-  EXPECT_EQ((Lines{"Ranged", "Address", "Hardware"}), names);
+  Edit("Ranged", "21");
+  Edit("Address", "here");
+  Edit("Hardware", "there");
+  EXPECT_FALSE(PageIsWithin());
+  EXPECT_EQ((Lines{"Ranged", "Address", "Hardware"}), names_);
   EXPECT_EQ((Lines{"WARNING: Detected that the user set Ranged is out of range",
                    "WARNING: Detected that the user set Address has invalid IP format",
                    "WARNING: Detected that the user set Hardware has invalid MAC format"}),
@@ -92,26 +92,14 @@ TEST_F(RangeCheckTest, NamesEveryViolationInTheLog) {
 }
 
 TEST_F(RangeCheckTest, ATextThatIsNoNumberEndsTheCheck) {
+  Edit("Address", "here");
   for (const char* text : {"abc", "", "99999999999"}) {
-    fixture_.table.Edit(fixture_["Ranged"], text);
-    fixture_.table.Edit(fixture_["Address"], "here");
-    Lines names;
-    EXPECT_FALSE(Check(&names));
-    EXPECT_TRUE(names.empty());
+    Edit("Ranged", text);
+    EXPECT_FALSE(PageIsWithin());
+    EXPECT_TRUE(names_.empty());
     EXPECT_EQ(1U, report_.Take().size());
     EXPECT_FALSE(check_.CheckVar(fixture_["Ranged"]));
   }
-}
-
-TEST_F(RangeCheckTest, AloneTheScaledValueCountsAndAZeroEndIsNoRange) {
-  EXPECT_TRUE(WithinAlone("Ranged", "41.9"));  // 20.95 is cut to 20
-  EXPECT_TRUE(WithinAlone("Ranged", "41.9 m"));
-  EXPECT_FALSE(WithinAlone("Ranged", "42"));
-  EXPECT_TRUE(WithinAlone("Ranged", "-11.9"));
-  EXPECT_FALSE(WithinAlone("Ranged", "-12"));
-  EXPECT_FALSE(WithinAlone("Ranged", "1e30"));
-  EXPECT_TRUE(WithinAlone("From Zero", "21"));
-  EXPECT_TRUE(WithinAlone("Label", "abcde"));
 }
 
 }  // namespace
