@@ -106,7 +106,8 @@ TestCase {
     }
 
     function test_no_text_is_cut_off() {
-        const texts = items(page, item => item.visible && item.text && item.truncated !== undefined);
+        const isText = item => item.visible && item.text && item.truncated !== undefined;
+        const texts = items(page, isText);
         verify(texts.length > 10);
         for (const text of texts)
             verify(!text.truncated, "cut off: " + text.text);
