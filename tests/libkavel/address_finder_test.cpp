@@ -3,7 +3,6 @@
 #include <arpa/inet.h>
 #include <gtest/gtest.h>
 
-#include <mutex>
 #include <string>
 #include <vector>
 
@@ -13,12 +12,9 @@ namespace kavel::lidar {
 namespace {
 
 TEST(AddressFinder, TellsTheFirstSenderAndCountsAll) {
-  std::mutex mutex;
-  std::vector<std::string> told;
-  AddressFinder finder(0, "127.0.0.1", "", [&](const std::string& address) {
-    const std::lock_guard<std::mutex> lock(mutex);
-    told.push_back(address);
-  });
+  std::vector<std::string> told;  // on the finder's thread, read once that has ended
+  AddressFinder finder(0, "127.0.0.1", "",
+                       [&](const std::string& address) { told.push_back(address); });
   ASSERT_TRUE(finder.Start());
   EXPECT_FALSE(finder.Start()) << "it runs already";
   const std::vector<uint8_t> packet(1200);
@@ -39,12 +35,6 @@ TEST(AddressFinder, TellsTheFirstSenderAndCountsAll) {
   EXPECT_EQ(senders[1].address, "127.0.0.8");
   EXPECT_EQ(finder.TotalBytes(), 3600U);
   EXPECT_TRUE(finder.Start()) << "and again";
-}
-
-TEST(AddressFinder, SaysWhenThePortCannotBeHad) {
-  AddressFinder finder(0, "192.0.2.1", "", {});
-  EXPECT_FALSE(finder.Start());
-  EXPECT_FALSE(finder.IsRunning());
 }
 
 }  // namespace

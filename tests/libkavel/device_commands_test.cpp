@@ -6,21 +6,10 @@
 #include <string>
 #include <vector>
 
-#include "Platform/ipv4_text.h"
 #include "support/scripted_sender.h"
 
 namespace kavel::lidar {
 namespace {
-
-// A device whose answers belong to some other command, which a client reports without a reason.
-class AnswersOtherCommands : public CommandSender {
- public:
-  bool IsOpen() override { return true; }
-  int32_t QueryCommand(const Bytes&, Bytes&, uint8_t, bool, int32_t* error) override {
-    *error = 0;
-    return -1;
-  }
-};
 
 using Operation = std::function<int32_t(CommandSender&)>;
 
@@ -49,34 +38,29 @@ TEST(DeviceCommands, SettersSendTheirBytesAndWantAnEmptyReply) {
   };
   for (const auto& each : cases) {
     ScriptedSender sender;
-    sender.replies = {{0, {}}, {0, {0}}, {kNoReply, {}}, {kNotConnected, {}}, {3, {}}};
+    sender.replies = {{0, {}}, {0, {0}}, {kNoReply, {}}, {3, {}}};
     EXPECT_EQ(each.run(sender), 0);
     EXPECT_TRUE(sender.sent[0] == (ScriptedSender::Sent{each.cmd, each.payload}))
         << "command " << int{each.cmd};
     EXPECT_EQ(each.run(sender), kBadReply) << "something came back";
     EXPECT_EQ(each.run(sender), kNoReply);
-    EXPECT_EQ(each.run(sender), kNotConnected);
     EXPECT_EQ(each.run(sender), 3);
-    AnswersOtherCommands confused;
-    EXPECT_EQ(each.run(confused), kBadReply);
   }
 }
 
 TEST(DeviceCommands, SettersRefuseWhatTheyCannotSend) {
   ScriptedSender sender;
+  NetConfig config = kNet;
   for (const char* ip :
        {"", "1.2.3", "1.2.3.4.5", "256.1.1.1", "01.2.3.4", " 1.2.3.4", "a.b.c.d"}) {
-    EXPECT_EQ(SetDestination(sender, {ip, 1}), kBadArgument) << ip;
-    NetConfig config = kNet;
     config.gateway = ip;
+    EXPECT_EQ(SetDestination(sender, {ip, 1}), kBadArgument) << ip;
     EXPECT_EQ(SetNetConfig(sender, config), kBadArgument) << ip;
   }
-  NetConfig config = kNet;
+  config = kNet;
   config.vlan_id = 4096;
   EXPECT_EQ(SetNetConfig(sender, config), kBadArgument);
   EXPECT_EQ(SetBaudRate(sender, 0), kBadArgument);
-  uint8_t octets[4];
-  EXPECT_FALSE(ParseDottedIpv4(std::string("1.2.3.4\0", 8), octets));
   EXPECT_TRUE(sender.sent.empty());
 }
 
@@ -98,18 +82,10 @@ TEST(DeviceCommands, ReadsTakeTheirRepliesApart) {
   ExpectRead([&](auto& s) { return GetBaudRate(s, &rate); }, 0x40, {0x00, 0x2F, 0xAF, 0x08});
   EXPECT_EQ(rate, 3125000U);
 
-  Destination destination;
-  ExpectRead([&](auto& s) { return GetDestination(s, &destination); }, 0x42,
-             {10, 0, 0, 255, 0x09, 0x40});
-  EXPECT_EQ(destination.ip, "10.0.0.255");
-  EXPECT_EQ(destination.port, 2368);
-
   NetConfig net;
   ExpectRead([&](auto& s) { return GetNetConfig(s, &net); }, 0x44,
              {192, 168, 1, 201, 255, 255, 255, 0, 192, 168, 1, 1, 1, 0x01, 0x23});
-  EXPECT_EQ(net.ip, kNet.ip);
-  EXPECT_EQ(net.mask, kNet.mask);
-  EXPECT_EQ(net.gateway, kNet.gateway);
+  EXPECT_EQ(net.ip + " " + net.mask + " " + net.gateway, "192.168.1.201 255.255.255.0 192.168.1.1");
   EXPECT_TRUE(net.vlan);
   EXPECT_EQ(net.vlan_id, 0x0123);
 
@@ -147,13 +123,12 @@ TEST(DeviceCommands, TextsLoseTheirPaddingAndAreJudged) {
   EXPECT_EQ(GetPartNumber(sender, &text), kBadReply);
   EXPECT_EQ(text, "before");
   EXPECT_EQ(GetPblVersion(sender, &text), 0);
-  EXPECT_EQ(sender.sent.back().cmd, 0x4A);
   EXPECT_EQ(text, "KV-7");
   EXPECT_TRUE(IsValidNumber(text));
-  for (const std::string& number : {std::string(), std::string(33, 'x'), std::string("A\x7F"),
-                                    std::string("A\n"), std::string("\xC3\xA9")}) {
+  for (const std::string number : {"", "A\x7F", "A\n", "\xC3\xA9"}) {
     EXPECT_FALSE(IsValidNumber(number));
   }
+  EXPECT_FALSE(IsValidNumber(std::string(33, 'x')));
 }
 
 }  // namespace

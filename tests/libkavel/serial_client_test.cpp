@@ -4,7 +4,6 @@
 
 #include <atomic>
 #include <memory>
-#include <mutex>
 #include <string>
 #include <thread>
 #include <vector>
@@ -51,8 +50,7 @@ Bytes Echo(const Bytes& frame) {
 
 Bytes Silence(const Bytes&) { return {}; }
 
-class Lines : public LogSink {
- public:
+struct Lines : LogSink {
   void WriteLine(const std::string& line) override { lines.push_back(line); }
   std::vector<std::string> lines;
 };
@@ -88,37 +86,19 @@ TEST(SerialClient, NamesEveryFailure) {
   EXPECT_EQ(line.client.SendCommand(1, {}, inner, kSilenceMs), -3) << "silence";
 
   const Bytes sound = BuildSerialResponse({0x01, 0x01, 0x00});
-  for (size_t at = 7; at < sound.size(); ++at) {
-    Bytes damaged = sound;
-    damaged[at] ^= 0x10;
-    device.SetAnswer(damaged);
-    EXPECT_EQ(line.client.SendCommand(1, {}, inner, kSilenceMs), -2) << "damaged at " << at;
+  Bytes damaged = sound;
+  damaged[9] ^= 0x10;
+  const Bytes cut(sound.begin(), sound.end() - 3);
+  const Bytes request = BuildSerialFrame(1, {0x00, 0x00});  // another length byte
+  for (const Bytes& answer : {damaged, cut, request}) {
+    device.SetAnswer(answer);
+    EXPECT_EQ(line.client.SendCommand(1, {}, inner, kSilenceMs), -2) << HexText(answer);
   }
-  device.SetAnswer({sound.begin(), sound.end() - 3});
-  EXPECT_EQ(line.client.SendCommand(1, {}, inner, kSilenceMs), -2) << "cut off";
-  device.SetAnswer(BuildSerialFrame(1, {0x00, 0x00}));
-  EXPECT_EQ(line.client.SendCommand(1, {}, inner, kSilenceMs), -2) << "a request's length byte";
   EXPECT_EQ(inner, Bytes{0x99}) << "a failure leaves the result alone";
 
   device.SetAnswer(sound);
   EXPECT_EQ(line.client.SendCommand(1, {}, inner, kPatienceMs), 0) << "the next exchange is clean";
   EXPECT_EQ(line.client.SendCommand(1, Bytes(255), inner, kPatienceMs), -1);
-  line.client.Close();
-  EXPECT_EQ(line.client.SendCommand(1, {}, inner, kPatienceMs), -1);
-}
-
-TEST(SerialClient, FindsTheAnswerBehindAFrameThatBrokeOff) {
-  SerialDevice device([](const Bytes& frame) {
-    Bytes line = {'$', 'L', 'D', 'O', 'T', 'A', ',', 0x7F, 0x00, 0x2A};
-    const Bytes answer = Echo(frame);
-    line.insert(line.end(), answer.begin(), answer.end());
-    return line;
-  });
-  Line line(device.path());
-  // What the broken frame claims to need is waited for at the line's rate, so make that fast.
-  line.source->port()->SetBaudRate(3125000);
-  Bytes inner;
-  EXPECT_EQ(line.client.SendCommand(1, {}, inner, kSilenceMs), 0);
 }
 
 TEST(SerialClient, SwitchesTheMode) {
@@ -140,17 +120,12 @@ TEST(SerialClient, SwitchesTheMode) {
 TEST(SerialClient, EndsTheExchangeWhenThePortVanishes) {
   SerialDevice device([](const Bytes&) { return SerialDevice::kVanish; });
   auto source = std::make_shared<SerialSource>(device.path(), 115200, kReceiveAnswers);
-  std::mutex mutex;
-  std::string reason;
-  source->SetLostHandler([&](const std::string& text) {
-    const std::lock_guard<std::mutex> lock(mutex);
-    reason += text;
-  });
+  std::string reason;  // written on the source's thread, read once that has ended
+  source->SetLostHandler([&](const std::string& text) { reason += text; });
   ASSERT_TRUE(source->Open());
   SerialClient client(source->port(), source);
   Bytes inner;
   EXPECT_EQ(client.SendCommand(1, {}, inner, 3'600'000), -3);
-  EXPECT_FALSE(client.IsOpen());
   EXPECT_NE(client.LastError().find(device.path()), std::string::npos) << client.LastError();
   EXPECT_EQ(client.SendCommand(1, {}, inner, 3'600'000), -1);
   source->Close();
@@ -172,40 +147,17 @@ TEST(SerialClient, InterruptEndsAWaitingExchange) {
   EXPECT_EQ(line.client.SendCommand(1, {}, inner, 3'600'000), -3);
   other.join();
   EXPECT_FALSE(line.client.IsOpen());
-  Line second(device.path());
-  EXPECT_FALSE(second.opened) << "still held";
   line.client.Close();
-  EXPECT_TRUE(second.source->Open()) << second.source->LastError();
+  EXPECT_TRUE(line.source->Open()) << line.source->LastError();
 }
 
-TEST(SerialClient, ExchangesOfSeveralThreadsDoNotMix) {
-  SerialDevice device(Echo);
-  Line line(device.path());
-  std::atomic<int> failures{0};
-  std::vector<std::thread> threads;
-  for (uint8_t cmd = 1; cmd <= 3; ++cmd) {
-    threads.emplace_back([&, cmd] {
-      for (uint8_t i = 0; i < 40; ++i) {
-        Bytes inner;
-        const int32_t code = line.client.SendCommand(cmd, {i}, inner, kPatienceMs);
-        if (code != 0 || inner != Bytes{2, cmd, 0, i}) ++failures;
-      }
-    });
-  }
-  for (std::thread& thread : threads) thread.join();
-  EXPECT_EQ(failures, 0);
-}
-
-TEST(SerialClient, ReceivesOnAnotherPortAmidThePointCloud) {
+TEST(SerialClient, ReceivesOnAnotherPortAmidThePointCloudForSeveralThreads) {
   PtyPair uart;
   const Bytes points = BuildPointCloudFrame(Bytes(1200, 0x77));
-  const auto stream = [&](const Bytes& answer) {
-    uart.Write(points);
-    uart.Write(answer);
-    uart.Write(points);
-  };
   SerialDevice rs485([&](const Bytes& frame) {
-    stream(Echo(frame));
+    uart.Write(points);
+    uart.Write(Echo(frame));
+    uart.Write(points);
     return Bytes();
   });
   auto source = std::make_shared<SerialSource>(uart.path(), 3125000, kReceiveAnswersAndPoints);
@@ -213,13 +165,18 @@ TEST(SerialClient, ReceivesOnAnotherPortAmidThePointCloud) {
   auto send_port = std::make_shared<SerialPort>();
   ASSERT_TRUE(send_port->Open(rs485.path(), 115200));
   SerialClient client(send_port, source);
-  Bytes inner;
-  for (int i = 0; i < 5; ++i) {
-    ASSERT_EQ(client.SendCommand(0x4B, {}, inner, kPatienceMs), 0);
-    EXPECT_EQ(inner, (Bytes{1, 0x4B, 0}));
-  }
+  const auto use = [&](uint8_t cmd) {
+    for (uint8_t i = 0; i < 5; ++i) {
+      Bytes inner;
+      EXPECT_EQ(client.SendCommand(cmd, {i}, inner, kPatienceMs), 0);
+      EXPECT_EQ(inner, (Bytes{2, cmd, 0, i}));
+    }
+  };
+  std::thread other(use, uint8_t{0x4B});
+  use(0x4C);
+  other.join();
   UdpPacket packet;
-  for (int i = 0; i < 10; ++i) {
+  for (int i = 0; i < 20; ++i) {
     ASSERT_EQ(source->Receive(packet, UdpPacket::kCapacity, 0, 900'000), 1200) << i;
   }
   EXPECT_EQ(source->GetCounters().skipped_bytes, 0U) << "no exchange cut a point-cloud frame";

@@ -2,10 +2,8 @@
 
 #include <gtest/gtest.h>
 
-#include <atomic>
 #include <memory>
 #include <string>
-#include <thread>
 #include <vector>
 
 #include "CmxClient/cmx_client.h"
@@ -37,31 +35,6 @@ Bytes EchoAnyLength(const Bytes& frame) {
   return BuildSerialAnswer(cmd, 0, payload);
 }
 
-TEST(SerialCmxTransport, RepacksRequestAndAnswer) {
-  SerialDevice device([](const Bytes&) {
-    return BuildSerialResponse({0x03, 0x2A, 0x05, 0x11, 0x22});
-  });
-  const auto transport = TransportTo(device.path());
-  ASSERT_EQ(transport->SetTimeout(kPatienceMs, kPatienceMs), 0);
-  uint8_t buffer[100];
-  EXPECT_EQ(transport->Receive(buffer, sizeof buffer, 0), -1) << "nothing is outstanding";
-
-  Bytes frame = {0x47, 0x74, 0x2A, 0x00, 0x00, 0x00, 0x00, 0x02, 0x01, 0x02};
-  ASSERT_EQ(transport->Send(frame.data(), 10, 0), 10);
-  const Bytes request = device.last_request();
-  EXPECT_EQ(Bytes(request.begin(), request.begin() + 11),
-            (Bytes{'$', 'L', 'D', 'C', 'M', 'D', ',', 0x03, 0x2A, 0x01, 0x02}));
-  ASSERT_EQ(transport->Receive(buffer, 3, 0), 3);
-  ASSERT_EQ(transport->Receive(buffer + 3, 97, 0), 7);
-  EXPECT_EQ(Bytes(buffer, buffer + 10),
-            (Bytes{0x47, 0x74, 0x2A, 0x05, 0x00, 0x00, 0x00, 0x02, 0x11, 0x22}));
-  EXPECT_EQ(transport->Receive(buffer, 100, 0), -1);
-
-  frame[7] = 3;
-  EXPECT_EQ(transport->Send(frame.data(), 10, 0), -1) << "no whole frame";
-  EXPECT_EQ(transport->Send(frame.data(), 7, 0), -1);
-}
-
 TEST(SerialCmxTransport, CarriesAClientsCommandsOfAnyLength) {
   SerialDevice device(EchoAnyLength);
   for (const StaleInput mode : {StaleInput::kAlways, StaleInput::kAfterTrouble}) {
@@ -82,43 +55,25 @@ TEST(SerialCmxTransport, CarriesAClientsCommandsOfAnyLength) {
 TEST(SerialCmxTransport, TellsTheClientWhyAnExchangeFailed) {
   SerialDevice device([](const Bytes&) { return Bytes(); });
   CmxClient client(TransportTo(device.path()), 1, 60, 60);
-  Bytes result;
-  int32_t error = 0;
-  EXPECT_EQ(client.QueryCommand({}, result, 0x40, false, &error), -1);
-  EXPECT_EQ(error, kNoReply) << "silence";
   Bytes damaged = BuildSerialAnswer(0x40, 0, {});
   damaged[12] ^= 1;
-  device.SetAnswer(damaged);
-  EXPECT_EQ(client.QueryCommand({}, result, 0x40, false, &error), -1);
-  EXPECT_EQ(error, kNoReply) << "damage";
-  device.SetAnswer(BuildSerialAnswer(0x40, 3, {}));
-  EXPECT_EQ(client.QueryCommand({}, result, 0x40, false, &error), -1);
-  EXPECT_EQ(error, 3) << "refused";
-  device.SetAnswer(BuildOtaResponse(0x40, 4, Bytes(3)));
-  EXPECT_EQ(client.QueryCommand({}, result, 0x40, false, &error), -1);
-  EXPECT_EQ(error, 4) << "refused in a long frame";
-  device.SetAnswer(SerialDevice::kVanish);
-  EXPECT_EQ(client.QueryCommand({}, result, 0x40, false, &error), -1);
-  EXPECT_EQ(error, kNoReply) << "the adapter was pulled out";
-  EXPECT_EQ(client.QueryCommand({}, result, 0x40, false, &error), -1);
-  EXPECT_EQ(error, kNotConnected);
-}
-
-TEST(SerialCmxTransport, ShutdownEndsAnExchange) {
-  std::atomic<bool> asked{false};
-  SerialDevice device([&](const Bytes&) {
-    asked = true;
-    return Bytes();
-  });
-  CmxClient client(TransportTo(device.path()), 1, 3'600'000, 500);
-  std::thread other([&] {
-    while (!asked) std::this_thread::yield();
-    client.Shutdown();
-  });
-  Bytes result;
-  EXPECT_EQ(client.QueryCommand({}, result, 0x40, false), -1);
-  other.join();
-  EXPECT_FALSE(client.IsOpen());
+  const struct {
+    const char* what;
+    Bytes answer;
+    int32_t reason;
+  } cases[] = {{"silence", {}, kNoReply},
+               {"damage", damaged, kNoReply},
+               {"refused", BuildSerialAnswer(0x40, 3, {}), 3},
+               {"refused in a long frame", BuildOtaResponse(0x40, 4, Bytes(3)), 4},
+               {"the adapter is pulled out", SerialDevice::kVanish, kNoReply},
+               {"and is gone", {}, kNotConnected}};
+  for (const auto& each : cases) {
+    device.SetAnswer(each.answer);
+    Bytes result;
+    int32_t error = 0;
+    EXPECT_EQ(client.QueryCommand({}, result, 0x40, false, &error), -1) << each.what;
+    EXPECT_EQ(error, each.reason) << each.what;
+  }
 }
 
 }  // namespace

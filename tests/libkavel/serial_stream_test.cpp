@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <random>
 #include <vector>
 
 #include "CmxClient/ota_stream.h"
@@ -109,25 +108,6 @@ TEST(SerialStream, HoldsNoMoreThanItsBound) {
   EXPECT_LE(stream.Rest().size(), SerialStream::kMaxSkippedKept + SerialStream::kMaxHeld);
   Feed(stream, Answer());
   EXPECT_EQ(All(stream).size(), 1U);
-}
-
-TEST(SerialStream, SurvivesRandomDamage) {
-  std::mt19937 random(20240607);
-  for (int round = 0; round < 300; ++round) {
-    Bytes line;
-    for (int i = 0; i < 4; ++i) line = line + Answer() + kPointCloudFrame;
-    for (int i = 0; i < 3; ++i) line[random() % line.size()] = static_cast<uint8_t>(random());
-    SerialStream stream(SerialListener::kTool);
-    size_t found = 0;
-    for (size_t at = 0; at < line.size();) {
-      const size_t size = std::min<size_t>(1 + random() % 40, line.size() - at);
-      stream.Append(line.data() + at, size);
-      found += All(stream).size();
-      at += size;
-    }
-    while (stream.GiveUp()) found += All(stream).size();
-    EXPECT_GE(found, 5U) << "three damaged bytes spoil three of eight frames at most";
-  }
 }
 
 }  // namespace
