@@ -1,5 +1,7 @@
 #include "auth/auth_keys.h"
 
+#include <set>
+
 #include "auth/auth_algorithm.h"
 #include "auth_test_support.h"
 
@@ -9,7 +11,7 @@ TEST(AuthKeys, EachDamagedValueCostsOnlyItsOwnAlgorithms) {
   const InstallRoot root;
   struct Damage {
     const char* line;
-    std::vector<int> lost;
+    std::set<int> lost;
   };
   const Damage damages[] = {
       {"aes128_key=2b7e151628aed2a6abf7158809cf4f3", {4}},    // a digit short
@@ -25,9 +27,8 @@ TEST(AuthKeys, EachDamagedValueCostsOnlyItsOwnAlgorithms) {
   for (const Damage& damage : damages) {
     root.WriteKeys(damage.line);
     for (int id = 1; id <= 4; ++id) {
-      const bool expected_lost =
-          std::find(damage.lost.begin(), damage.lost.end(), id) != damage.lost.end();
-      EXPECT_EQ(CreateAuthAlgorithm(id) == nullptr, expected_lost) << damage.line << " id " << id;
+      EXPECT_EQ(CreateAuthAlgorithm(id) == nullptr, damage.lost.count(id) == 1)
+          << damage.line << " id " << id;
     }
   }
   std::filesystem::remove(kAuthKeysPath);
@@ -45,15 +46,16 @@ TEST(AuthKeys, ShortWordsAreRightAligned) {
 TEST(AuthKeys, AFileThatOthersCanReadIsReportedUnlessItIsTheDemonstration) {
   using std::filesystem::perms;
   const InstallRoot root;
+  const auto warning_at = [](perms permissions) {
+    std::filesystem::permissions(kAuthKeysPath, permissions);
+    return AuthKeyFileWarning(kAuthKeysPath);
+  };
   root.WriteKeys();
-  std::filesystem::permissions(kAuthKeysPath, perms::owner_read | perms::others_read);
-  EXPECT_NE(AuthKeyFileWarning(kAuthKeysPath).find(kAuthKeysPath), std::string::npos);
-  std::filesystem::permissions(kAuthKeysPath, perms::owner_read | perms::owner_write);
-  EXPECT_EQ(AuthKeyFileWarning(kAuthKeysPath), "");
+  EXPECT_NE(warning_at(perms::owner_read | perms::others_read).find(kAuthKeysPath),
+            std::string::npos);
+  EXPECT_EQ(warning_at(perms::owner_read | perms::owner_write), "");
   root.WriteKeys("demo=true\n");
-  std::filesystem::permissions(kAuthKeysPath, perms::owner_read | perms::others_read);
-  EXPECT_EQ(AuthKeyFileWarning(kAuthKeysPath), "");
-  EXPECT_EQ(AuthKeyFileWarning("nowhere.ini"), "");
+  EXPECT_EQ(warning_at(perms::owner_read | perms::others_read), "");
 }
 
 }  // namespace
