@@ -5,7 +5,7 @@
 #include <mutex>
 #include <utility>
 
-#include "operations/connection_settings.h"
+#include "connection/connection_settings.h"
 #include "tevron_manager_parts.h"
 #include "variables/model_list.h"
 #include "variables/page_variants.h"

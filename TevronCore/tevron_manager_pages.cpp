@@ -4,9 +4,9 @@
 #include <memory>
 #include <string>
 
-#include "operations/page_reader.h"
-#include "operations/page_writer.h"
-#include "operations/range_check.h"
+#include "pages/page_reader.h"
+#include "pages/page_writer.h"
+#include "pages/range_check.h"
 #include "tevron_manager.h"
 #include "tevron_manager_parts.h"
 

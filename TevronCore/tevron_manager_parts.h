@@ -6,19 +6,19 @@
 #include <memory>
 #include <string>
 
-#include "operations/byte_flow.h"
-#include "operations/command_console.h"
-#include "operations/connect_attempt.h"
-#include "operations/connection.h"
-#include "operations/connection_settings.h"
-#include "operations/device_facts.h"
-#include "operations/edit_session.h"
-#include "operations/facts_reading.h"
-#include "operations/lidar_model.h"
-#include "operations/link_state.h"
-#include "operations/maintenance.h"
-#include "operations/page_refresh.h"
-#include "operations/posted_report.h"
+#include "connection/connect_attempt.h"
+#include "connection/connection.h"
+#include "connection/connection_settings.h"
+#include "console/byte_flow.h"
+#include "console/command_console.h"
+#include "maintenance/device_facts.h"
+#include "maintenance/facts_reading.h"
+#include "maintenance/maintenance.h"
+#include "pages/edit_session.h"
+#include "pages/page_refresh.h"
+#include "session/lidar_model.h"
+#include "session/link_state.h"
+#include "session/posted_report.h"
 #include "tevron_manager.h"
 
 /// Shows reports on the manager's own thread, at once.

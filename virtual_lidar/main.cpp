@@ -9,11 +9,11 @@
 #include <iostream>
 #include <memory>
 
-#include "device_server.h"
-#include "event_loop.h"
+#include "device/virtual_device.h"
 #include "options.h"
+#include "server/device_server.h"
+#include "server/event_loop.h"
 #include "table_check.h"
-#include "virtual_device.h"
 
 namespace {
 

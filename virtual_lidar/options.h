@@ -5,8 +5,8 @@
 #include <utility>
 #include <vector>
 
-#include "device_server.h"
-#include "fault_modes.h"
+#include "faults/fault_modes.h"
+#include "server/device_server.h"
 
 /// What the command line asks for.
 struct Options {

@@ -9,7 +9,7 @@
 #include "auth/auth_algorithm.h"
 #include "auth/auth_config.h"
 #include "auth/auth_keys.h"
-#include "variable_memory.h"
+#include "device/variable_memory.h"
 #include "variables/config_parser.h"
 #include "variables/csv_table.h"
 #include "variables/feature_config.h"

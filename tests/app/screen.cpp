@@ -8,7 +8,7 @@
 #include <QTest>
 #include <stdexcept>
 
-#include "operations/connection_settings.h"
+#include "connection/connection_settings.h"
 #include "screen_types.h"
 #include "startup.h"
 

@@ -3,7 +3,7 @@
 #include <string>
 #include <vector>
 
-#include "operations/user_report.h"
+#include "session/user_report.h"
 
 /// Everything an operation reported, in order: "error: ", "success: " or "INFO: " and so on, then
 /// the text. Empty messages show nothing and are left out. For one thread.

@@ -1,4 +1,4 @@
-#include "auth_guard.h"
+#include "device/auth_guard.h"
 
 #include <gtest/gtest.h>
 

@@ -6,8 +6,8 @@
 
 #include "CmxClient/ota_stream.h"
 #include "CmxClient/serial_frame.h"
-#include "cmx_codec.h"
-#include "serial_codec.h"
+#include "wire/cmx_codec.h"
+#include "wire/serial_codec.h"
 
 namespace {
 

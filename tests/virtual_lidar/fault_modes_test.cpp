@@ -1,4 +1,4 @@
-#include "fault_modes.h"
+#include "faults/fault_modes.h"
 
 #include <gtest/gtest.h>
 

@@ -6,7 +6,7 @@
 #include <thread>
 #include <vector>
 
-#include "device_server.h"
+#include "server/device_server.h"
 #include "test_table.h"
 
 using Bytes = std::vector<uint8_t>;

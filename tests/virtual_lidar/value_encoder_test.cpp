@@ -1,4 +1,4 @@
-#include "value_encoder.h"
+#include "device/value_encoder.h"
 
 #include <gtest/gtest.h>
 

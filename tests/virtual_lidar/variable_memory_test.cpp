@@ -1,9 +1,9 @@
-#include "variable_memory.h"
+#include "device/variable_memory.h"
 
 #include <gtest/gtest.h>
 
-#include "message.h"
 #include "test_table.h"
+#include "wire/message.h"
 
 namespace {
 

@@ -1,0 +1,239 @@
+#include "connection/connect_attempt.h"
+
+#include <QFileInfo>
+#include <QString>
+#include <exception>
+#include <iostream>
+#include <utility>
+
+#include "CmxClient/serial_cmx_transport.h"
+#include "Source/address_finder.h"
+#include "auth/auth_config.h"
+#include "auth/auth_keys.h"
+#include "auth/authorized_cmx_client.h"
+#include "variables/host_port.h"
+
+namespace {
+
+using kavel::lidar::CmxClient;
+using kavel::lidar::SerialClient;
+using kavel::lidar::SerialPort;
+using kavel::lidar::SerialSource;
+
+constexpr uint32_t kPlainTcp = 0;
+constexpr uint8_t kProtocolVersion = 1;
+constexpr uint32_t kExchangeTimeoutMs = 500;
+constexpr float kConnectTimeLimitS = 5.0F;
+
+constexpr char kOpenFailed[] = "TCP connection failed.";
+
+void AnnounceTcpAttempt() {
+  std::cout << "TevronManager::Init"
+            << "(): try to connect to lidar with TCP connection.\n"
+            << std::flush;
+}
+
+std::string MissingAlgorithm(int id) {
+  return "Authentication algorithm " + std::to_string(id) +
+         " is unknown, or its keys are missing or malformed in " + kAuthKeysPath +
+         ": protected commands will be refused.";
+}
+
+}  // namespace
+
+ConnectAttempt::ConnectAttempt(ConnectRequest request, std::shared_ptr<UserReport> report,
+                               Handlers handlers)
+    : request_(std::move(request)),
+      report_(std::move(report)),
+      handlers_(std::move(handlers)),
+      thread_([this] { Run(); }) {}
+
+ConnectAttempt::~ConnectAttempt() {
+  Cancel();
+  thread_.join();
+}
+
+void ConnectAttempt::Cancel() {
+  stop_.Raise();
+  const std::lock_guard<std::mutex> lock(mutex_);
+  if (client_in_work_ != nullptr) client_in_work_->Shutdown();
+}
+
+void ConnectAttempt::Run() {
+  std::shared_ptr<Connection> connection = Connect();
+  {
+    // From here on the client belongs to the connection: cancelling must not end it.
+    const std::lock_guard<std::mutex> lock(mutex_);
+    client_in_work_.reset();
+  }
+  handlers_.ended(std::move(connection));
+}
+
+std::shared_ptr<Connection> ConnectAttempt::Connect() {
+  try {
+    switch (request_.model->connect_type) {
+      case kSerialPair:
+        return ConnectSerialPair();
+      case kSerialCmx:
+        return ConnectSerialCmx();
+      default:
+        return ConnectNetwork();
+    }
+  } catch (const AuthConfigError& e) {
+    report_->Error("The lidar was not connected: " + e.place() + ": " + e.what());
+  } catch (const std::exception& e) {
+    report_->Error(std::string("The lidar was not connected: ") + e.what());
+  }
+  return nullptr;
+}
+
+std::shared_ptr<Connection> ConnectAttempt::ConnectNetwork() {
+  uint16_t host_port = 0;
+  uint16_t command_port = 0;
+  if (!HostPort(&host_port)) return nullptr;
+  AnnounceTcpAttempt();
+  if (!CommandPort(&command_port)) return nullptr;
+  const auto client = std::make_shared<CmxClient>(
+      request_.settings.lidar_ip, command_port, request_.auto_receive, kPlainTcp, kProtocolVersion,
+      "", "", "", kExchangeTimeoutMs, kExchangeTimeoutMs, kConnectTimeLimitS, host_port);
+  client->SetStaleInput(request_.model->stale_input);
+  if (!KeepInterruptible(client)) return nullptr;
+  if (!WaitUntilConnected(client)) {
+    const std::string reason = client->ConnectFailure();
+    if (!reason.empty()) report_->LogLine(reason, LogType::kError);
+    report_->Error(kOpenFailed);
+    return nullptr;
+  }
+  return CheckAlive(Join(client, nullptr));
+}
+
+bool ConnectAttempt::HostPort(uint16_t* port) {
+  if (!request_.model->host_port_enabled) return true;
+  std::string reason;
+  if (ParseHostPort(request_.settings.host_port, port, &reason)) return true;
+  report_->Error(reason);
+  return false;
+}
+
+bool ConnectAttempt::CommandPort(uint16_t* port) {
+  const QString text = QString::fromStdString(request_.settings.command_port).trimmed();
+  bool is_number = false;
+  *port = text.toUShort(&is_number, 10);
+  if (is_number && *port != 0) return true;
+  report_->Error("The command port \"" + request_.settings.command_port +
+                 "\" is no number from 1 to 65535. Correct it and connect again.");
+  return false;
+}
+
+bool ConnectAttempt::WaitUntilConnected(const ClientPtr& client) {
+  if (!request_.settings.lidar_ip.empty()) return client->WaitUntilConnected();
+  const auto udp_port = static_cast<uint16_t>(request_.settings.udp_port);
+  kavel::lidar::AddressFinder finder(udp_port, "", "", [this, client](const std::string& address) {
+    report_->LogLine("Lidar address learned from its packets: " + address, LogType::kInfo);
+    client->SetLidarIp(address);
+  });
+  if (!finder.Start()) {
+    report_->LogLine("UDP port " + std::to_string(udp_port) +
+                         " cannot be opened, so the lidar's address cannot be learned. Close the "
+                         "program that uses the port, or enter the address.",
+                     LogType::kWarning);
+  }
+  return client->WaitUntilConnected();
+}
+
+std::shared_ptr<Connection> ConnectAttempt::ConnectSerialPair() {
+  const ConnectionSettings& settings = request_.settings;
+  const auto request_port = std::make_shared<SerialPort>();
+  if (!request_port->Open(settings.serial_port_485,
+                          static_cast<uint32_t>(settings.command_baud_rate_bps))) {
+    ReportSerialFailure("RS485", request_port->LastError());
+    return nullptr;
+  }
+  const auto answers = std::make_shared<SerialSource>(
+      settings.serial_port_232, static_cast<uint32_t>(settings.point_cloud_baud_rate_bps),
+      kavel::lidar::kReceiveAnswersAndPoints);
+  answers->SetLostHandler(handlers_.lost);
+  if (!answers->Open()) {
+    ReportSerialFailure("UART", answers->LastError());
+    return nullptr;
+  }
+  const auto serial = std::make_shared<SerialClient>(request_port, answers);
+  const ClientPtr client = ClientOver(serial);
+  if (!KeepInterruptible(client)) return nullptr;
+  return Join(client, serial);
+}
+
+std::shared_ptr<Connection> ConnectAttempt::ConnectSerialCmx() {
+  AnnounceTcpAttempt();
+  const SerialPtr serial = OpenSerialCmx();
+  if (serial == nullptr) return nullptr;
+  const ClientPtr client = ClientOver(serial);
+  if (!KeepInterruptible(client)) return nullptr;
+  return CheckAlive(Join(client, serial));
+}
+
+ConnectAttempt::SerialPtr ConnectAttempt::OpenSerialCmx() {
+  const auto line =
+      std::make_shared<SerialSource>(request_.settings.serial_port_485,
+                                     static_cast<uint32_t>(request_.settings.command_baud_rate_bps),
+                                     kavel::lidar::kReceiveAnswers);
+  line->SetLostHandler(handlers_.lost);
+  if (line->Open()) return std::make_shared<SerialClient>(line->port(), line);
+  report_->LogLine(line->LastError(), LogType::kError);
+  // The words of the network, deliberately: one message for a command client that does not open.
+  report_->Error(kOpenFailed);
+  return nullptr;
+}
+
+ConnectAttempt::ClientPtr ConnectAttempt::ClientOver(const SerialPtr& serial) {
+  return std::make_shared<CmxClient>(std::make_shared<kavel::lidar::SerialCmxTransport>(serial),
+                                     kProtocolVersion, kExchangeTimeoutMs, kExchangeTimeoutMs);
+}
+
+std::shared_ptr<Connection> ConnectAttempt::Join(const ClientPtr& client, const SerialPtr& serial) {
+  const std::string table = request_.model->config_folder + "/auth_config.csv";
+  AuthConfig config;
+  if (QFileInfo::exists(QString::fromStdString(table))) {
+    config = LoadAuthConfig(table, request_.model->name);
+  } else {
+    report_->LogLine(table + " is missing: connecting without authentication.", LogType::kWarning);
+  }
+  std::unique_ptr<IAuthAlgorithm> algorithm;
+  if (config.enabled) {
+    algorithm = CreateAuthAlgorithm(config.algorithm_id);
+    const std::string warning = algorithm == nullptr ? MissingAlgorithm(config.algorithm_id)
+                                                     : AuthKeyFileWarning(kAuthKeysPath);
+    if (!warning.empty()) report_->LogLine(warning, LogType::kWarning);
+  }
+  const bool reply_prefix = request_.model->connect_type == kSerialCmx;
+  const auto sender = std::make_shared<AuthorizedCmxClient>(
+      client, config, reply_prefix, request_.auth_log, std::move(algorithm));
+  auto connection = std::make_shared<Connection>(client, sender, serial);
+  connection->SetLogSink(request_.byte_flow);
+  sender->Probe();
+  return connection;
+}
+
+std::shared_ptr<Connection> ConnectAttempt::CheckAlive(std::shared_ptr<Connection> connection) {
+  if (!connection->sender()->IsOpen()) {
+    std::cout << "CmxClient haven't initialized\n" << std::flush;
+  }
+  if (LidarAnswers(*connection->sender())) return connection;
+  // The missing first letter is part of the line.
+  std::cout << "DEBUG: heckLidarConnection() == false\n" << std::flush;
+  report_->Error("Lidar has No CMX reply.");
+  return nullptr;
+}
+
+bool ConnectAttempt::KeepInterruptible(const ClientPtr& client) {
+  const std::lock_guard<std::mutex> lock(mutex_);
+  client_in_work_ = client;
+  return !stop_.IsRaised();
+}
+
+void ConnectAttempt::ReportSerialFailure(const char* port_kind, const std::string& reason) {
+  const std::string kind = port_kind;
+  report_->Error("Connection Failed. Please check your " + kind + " serial port.");
+  report_->LogLine("Connection Error: " + kind + " serial open fail", LogType::kError);
+  report_->LogLine(reason, LogType::kError);
+}

@@ -1,0 +1,76 @@
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <mutex>
+#include <string>
+#include <thread>
+
+#include "CmxClient/log_sink.h"
+#include "connection/connection.h"
+#include "connection/connection_settings.h"
+#include "session/lidar_model.h"
+#include "session/stop_signal.h"
+#include "session/user_report.h"
+
+/// Everything a connect attempt works with, copied when it starts.
+struct ConnectRequest {
+  ConnectionSettings settings;
+  std::shared_ptr<LidarModel> model;
+  bool auto_receive = true;                          ///< handed to the network client
+  std::shared_ptr<kavel::lidar::LogSink> byte_flow;  ///< gets the bytes of every exchange
+  std::shared_ptr<kavel::lidar::LogSink> auth_log;   ///< gets the lines of the authentication
+};
+
+/// One attempt to connect to a lidar, on a thread of its own. The model decides how: over the
+/// network, over a pair of serial ports or over one.
+class ConnectAttempt {
+ public:
+  /// What the attempt says on its thread.
+  struct Handlers {
+    /// The attempt is over; null when it failed, after the reason was reported. The handler must
+    /// not destroy the attempt.
+    std::function<void(std::shared_ptr<Connection>)> ended;
+    /// The serial port of a connection that this attempt made is gone, with a sentence for the
+    /// user. Called on a thread of the connection, perhaps long after the attempt.
+    std::function<void(std::string)> lost;
+  };
+
+  /// Starts at once. `report` is kept until the attempt is destroyed.
+  ConnectAttempt(ConnectRequest request, std::shared_ptr<UserReport> report, Handlers handlers);
+  /// Cancels, and waits for the thread: at most 1.5 s, whatever the lidar does.
+  ~ConnectAttempt();
+  ConnectAttempt(const ConnectAttempt&) = delete;
+  ConnectAttempt& operator=(const ConnectAttempt&) = delete;
+
+  /// Makes the attempt end as soon as it can. It then reports nothing more.
+  void Cancel();
+
+ private:
+  using ClientPtr = std::shared_ptr<kavel::lidar::CmxClient>;
+  using SerialPtr = std::shared_ptr<kavel::lidar::SerialClient>;
+
+  void Run();
+  std::shared_ptr<Connection> Connect();
+  std::shared_ptr<Connection> ConnectNetwork();
+  std::shared_ptr<Connection> ConnectSerialPair();
+  std::shared_ptr<Connection> ConnectSerialCmx();
+
+  bool HostPort(uint16_t* port);
+  bool CommandPort(uint16_t* port);
+  bool WaitUntilConnected(const ClientPtr& client);
+  SerialPtr OpenSerialCmx();
+  ClientPtr ClientOver(const SerialPtr& serial);
+  std::shared_ptr<Connection> Join(const ClientPtr& client, const SerialPtr& serial);
+  std::shared_ptr<Connection> CheckAlive(std::shared_ptr<Connection> connection);
+  bool KeepInterruptible(const ClientPtr& client);
+  void ReportSerialFailure(const char* port_kind, const std::string& reason);
+
+  const ConnectRequest request_;
+  const std::shared_ptr<UserReport> report_;
+  const Handlers handlers_;
+  StopSignal stop_;
+  std::mutex mutex_;
+  ClientPtr client_in_work_;  ///< guarded by mutex_; what Cancel has to interrupt
+  std::thread thread_;
+};

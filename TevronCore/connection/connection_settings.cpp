@@ -1,0 +1,69 @@
+#include "connection/connection_settings.h"
+
+#include <QSettings>
+#include <QStandardPaths>
+#include <limits>
+
+namespace {
+
+constexpr char kIpKey[] = "device_ip_address";
+constexpr char kCommandPortKey[] = "cmx_port";
+constexpr char kRs485Key[] = "rs485_com";
+constexpr char kRs232Key[] = "rs232_com";
+constexpr char kBaudRateKey[] = "point_cloud_baudrate";
+constexpr char kUdpPortKey[] = "udp_port";
+
+QString HostPortKey(const std::string& model) {
+  return QStringLiteral("cmx_client_host_port/%1").arg(QString::fromStdString(model));
+}
+
+void ReadText(const QSettings& file, const char* key, std::string* value) {
+  if (file.contains(key)) *value = file.value(key).toString().toStdString();
+}
+
+void ReadNumber(const QSettings& file, const char* key, int32_t max, int32_t* value) {
+  bool is_number = false;
+  const int number = file.value(key).toInt(&is_number);
+  if (is_number && number >= 1 && number <= max) *value = number;
+}
+
+}  // namespace
+
+QString SettingsFilePath() {
+  return QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation) +
+         QStringLiteral("/CorvanViewDataFiles/RecvSettings.ini");
+}
+
+ConnectionSettings LoadConnectionSettings(const QString& path) {
+  const QSettings file(path, QSettings::IniFormat);
+  if (file.status() != QSettings::NoError) return {};
+  ConnectionSettings settings;
+  ReadText(file, kIpKey, &settings.lidar_ip);
+  ReadText(file, kCommandPortKey, &settings.command_port);
+  ReadText(file, kRs485Key, &settings.serial_port_485);
+  ReadText(file, kRs232Key, &settings.serial_port_232);
+  ReadNumber(file, kBaudRateKey, std::numeric_limits<int32_t>::max(),
+             &settings.point_cloud_baud_rate_bps);
+  ReadNumber(file, kUdpPortKey, std::numeric_limits<uint16_t>::max(), &settings.udp_port);
+  return settings;
+}
+
+std::optional<std::string> LoadHostPort(const QString& path, const std::string& model) {
+  const QSettings file(path, QSettings::IniFormat);
+  const QString key = HostPortKey(model);
+  if (file.status() != QSettings::NoError || !file.contains(key)) return std::nullopt;
+  return file.value(key).toString().toStdString();
+}
+
+bool SaveConnectionSettings(const QString& path, const ConnectionSettings& settings,
+                            const std::string& model) {
+  QSettings file(path, QSettings::IniFormat);
+  file.setValue(kIpKey, QString::fromStdString(settings.lidar_ip));
+  file.setValue(kCommandPortKey, QString::fromStdString(settings.command_port));
+  file.setValue(kRs485Key, QString::fromStdString(settings.serial_port_485));
+  file.setValue(kRs232Key, QString::fromStdString(settings.serial_port_232));
+  file.setValue(kBaudRateKey, settings.point_cloud_baud_rate_bps);
+  file.setValue(HostPortKey(model), QString::fromStdString(settings.host_port));
+  file.sync();
+  return file.status() == QSettings::NoError;
+}

@@ -1,0 +1,66 @@
+#include "pages/edit_session.h"
+
+#include <QString>
+#include <utility>
+
+void EditSession::SetText(int kind, const VarInfo& var, const std::string& text,
+                          UserReport& report) {
+  if (var.permission == 0 || var.set_cmd.empty()) {
+    report.LogLine(var.var_name + " cannot be changed.", LogType::kWarning);
+    return;
+  }
+  switch (kind) {
+    case kTextInput:
+      SetValue(var, text);
+      return;
+    case kSwitchInput:
+      SetValue(var, text == "0" ? "0" : table_.SwitchOnText(var));
+      return;
+    case kOptionInput: {
+      bool is_number = false;
+      const uint option = QString::fromStdString(text).toUInt(&is_number);
+      if (!is_number || option >= var.option_values.size()) {
+        report.Error(var.var_name + ": there is no option number \"" + text + "\".");
+        return;
+      }
+      SetValue(var, var.option_values[option]);
+      return;
+    }
+    default:
+      report.LogLine("Unknown kind of input for " + var.var_name + ": " + std::to_string(kind),
+                     LogType::kWarning);
+  }
+}
+
+bool EditSession::SetFov(int index, const std::string& text, UserReport& report) {
+  switch (fov_.Edit(index, text)) {
+    case FovTable::EditResult::kStored:
+      pending_.insert(kFovSetCommand);
+      return true;
+    case FovTable::EditResult::kInvalid:
+      report.Error("Input value of fov is invalid");
+      return false;
+    case FovTable::EditResult::kIgnored:
+      return false;
+  }
+  return false;
+}
+
+void EditSession::DropEdits(const std::vector<const VarInfo*>& vars) {
+  table_.DropEdits(vars);
+  for (const VarInfo* var : vars) {
+    pending_.erase(var->set_cmd);
+    if (var->set_cmd == kFovSetCommand) fov_.DropEdits();
+  }
+}
+
+void EditSession::Clear() {
+  pending_.clear();
+  fov_.DropEdits();
+  table_.DropEdits(table_.InTableOrder());
+}
+
+void EditSession::SetValue(const VarInfo& var, std::string text) {
+  table_.Edit(var, std::move(text));
+  pending_.insert(var.set_cmd);
+}

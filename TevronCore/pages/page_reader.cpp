@@ -1,0 +1,143 @@
+#include "pages/page_reader.h"
+
+#include <QDebug>
+#include <algorithm>
+#include <exception>
+
+#include "CmxClient/cmx_parser.h"
+#include "Log/logger.h"
+#include "variables/command_code.h"
+#include "variables/value_text.h"
+
+namespace {
+
+using kavel::lidar::kError;
+
+constexpr char kGroupRead[] = "TevronManager::GetInfoFromLidarWithSameCmd";
+constexpr int kMaxUnansweredInARow = 2;
+
+std::string ReadKey(const VarInfo& var) { return var.get_cmd + var.read_payload_text; }
+
+/// A refusal by the authentication gate says nothing about the next, perhaps unprotected, command.
+bool IsSilence(int32_t error) { return error < 0 && error != kavel::lidar::kAuthRefused; }
+
+}  // namespace
+
+std::map<std::string, ReadGroup> GroupByReadCommand(const std::vector<const VarInfo*>& vars) {
+  std::map<std::string, ReadGroup> groups;
+  for (const VarInfo* var : vars) {
+    if (var->get_cmd.empty()) continue;
+    ReadGroup& group = groups[ReadKey(*var)];
+    if (std::find(group.begin(), group.end(), var) == group.end()) group.push_back(var);
+  }
+  return groups;
+}
+
+void PageReader::Read(const std::vector<const VarInfo*>& vars, const char* caller) {
+  int unanswered = 0;
+  for (const auto& [key, group] : GroupByReadCommand(vars)) {
+    try {
+      const ReadOutcome outcome = GetInfoFromLidarWithSameCmd(group);
+      unanswered = outcome == ReadOutcome::kNoAnswer ? unanswered + 1 : 0;
+    } catch (const std::exception& e) {
+      qDebug().noquote().nospace() << caller << "(): ERROR " << e.what()
+                                   << ". get_cmd and payload = " << QString::fromStdString(key);
+    }
+    if (unanswered == kMaxUnansweredInARow) {
+      report_.LogLine(
+          "The lidar did not answer two read commands in a row. The rest of the page was not read.",
+          LogType::kWarning);
+      return;
+    }
+  }
+}
+
+ReadOutcome PageReader::GetInfoFromLidarWithSameCmd(const ReadGroup& group) {
+  if (!sender_.IsOpen() || !state_.MayRead()) return ReadOutcome::kNotSent;
+  if (group.empty()) {
+    qDebug().noquote() << kGroupRead << "(): ERROR with the input v_p_vars -- size == 0";
+    return ReadOutcome::kNotSent;
+  }
+  const VarInfo& first = *group.front();
+  if (std::any_of(group.begin(), group.end(),
+                  [&first](const VarInfo* var) { return var->get_cmd != first.get_cmd; })) {
+    qDebug().noquote() << kGroupRead
+                       << "(): ERROR with the input v_p_vars -- They must use the same get cmd.";
+    return ReadOutcome::kNotSent;
+  }
+
+  CommandRoute route = ParseCommandText(first.get_cmd);
+  std::vector<uint8_t> payload = std::move(route.prefix);
+  payload.insert(payload.end(), first.read_payload.begin(), first.read_payload.end());
+  const QString command = QString::fromStdString(first.get_cmd);
+  std::vector<uint8_t> reply;
+  int32_t error = 0;
+  const int32_t result = sender_.QueryCommand(payload, reply, route.code, false, &error);
+  if (result != 0) {
+    qDebug().noquote() << kGroupRead << "FAILED, cmd sent =" << command
+                       << "-- QueryCommand()'s ret =" << result;
+    return IsSilence(error) ? ReadOutcome::kNoAnswer : ReadOutcome::kRefused;
+  }
+  if (reply.empty()) {
+    qDebug().noquote().nospace() << kGroupRead << "(): try get "
+                                 << QString::fromStdString(first.var_name)
+                                 << ", but get no return msg from lidar. cmd sent = " << command;
+    return ReadOutcome::kRefused;
+  }
+  std::vector<uint8_t> slice;
+  bool any_taken = false;
+  for (const VarInfo* var : group) {
+    any_taken = UpdateSingleVarFromOutput(*var, route.code, reply, slice) || any_taken;
+  }
+  return any_taken ? ReadOutcome::kRead : ReadOutcome::kRefused;
+}
+
+bool PageReader::GetInfoFromLidar(const VarInfo& var) {
+  if (var.get_cmd.empty()) return false;
+  try {
+    return GetInfoFromLidarWithSameCmd({&var}) == ReadOutcome::kRead;
+  } catch (const std::exception& e) {
+    qDebug().noquote().nospace() << "TevronManager::GetInfoFromLidar(): ERROR " << e.what()
+                                 << ". get_cmd = " << QString::fromStdString(var.get_cmd);
+    return false;
+  }
+}
+
+bool PageReader::UpdateSingleVarFromOutput(const VarInfo& var, uint8_t cmd,
+                                           const std::vector<uint8_t>& output,
+                                           std::vector<uint8_t>& slice) {
+  if (output.empty()) {
+    KAVEL_LOG(kError, "TevronManager::updateSingleVarFromOutput(): Error with the input 'output'");
+    return false;
+  }
+  if (table_.Find(var.var_id) == nullptr) {
+    KAVEL_LOG(kError, "TevronManager::updateSingleVarFromOutput(): Error with the input var_info");
+    return false;
+  }
+  int32_t position = 0;
+  int32_t length = 0;
+  if (!table_.GetVarPosOffset(var.get_cmd, var.var_id, var.offset, position, length)) {
+    KAVEL_LOG(kError, "get <start_pos, offset> failed!");
+    return false;
+  }
+  kavel::lidar::Cmx_1_0_parser codec;
+  if (!codec.CmxStreamDecode(cmd, 0, output, position, length, slice)) {
+    KAVEL_LOG(kError, "get var pos offset failed!");
+    return false;
+  }
+  if (var.var_name == kSharedSecretKey) {
+    table_.StoreBytes(var, slice);
+    return true;
+  }
+  std::string text;
+  std::string fault;
+  if (DecodeValue(var, slice, &text, &fault)) {
+    table_.StoreReading(var, std::move(text), slice);
+    return true;
+  }
+  KAVEL_LOG(kError, "%s", fault.c_str());
+  if (var.var_type != "raw") return false;
+  // What cannot be shown is still carried unchanged in the payload of its set command.
+  table_.StoreBytes(var, slice);
+  return true;
+}

@@ -1,0 +1,61 @@
+#pragma once
+
+#include <cstdint>
+#include <map>
+#include <string>
+#include <vector>
+
+#include "CmxClient/command_sender.h"
+#include "session/link_state.h"
+#include "session/user_report.h"
+#include "variables/config_parser.h"
+
+/// Variables that one read command answers, all in one reply.
+using ReadGroup = std::vector<const VarInfo*>;
+
+/// Sorts variables into read groups by read command text followed by read payload text. Variables
+/// that cannot be read stand in no group, and none stands twice in one.
+std::map<std::string, ReadGroup> GroupByReadCommand(const std::vector<const VarInfo*>& vars);
+
+/// What became of one read command.
+enum class ReadOutcome {
+  kRead,      ///< answered; the values were taken as far as the reply held them
+  kNotSent,   ///< not allowed now, or the group cannot be asked for
+  kRefused,   ///< answered, but not with a value of any variable
+  kNoAnswer,  ///< no usable reply arrived
+};
+
+/// Asks the lidar for variables and stores what it answers in the table. Edited variables keep the
+/// user's text. A failure leaves earlier values in place and is written to the log only.
+///
+/// Runs on the thread that calls it and holds no lock while it waits for the lidar. All arguments
+/// have to outlive the reader.
+class PageReader {
+ public:
+  PageReader(kavel::lidar::CommandSender& sender, ConfigParser& table, const LinkState& state,
+             UserReport& report)
+      : sender_(sender), table_(table), state_(state), report_(report) {}
+
+  /// Sends each distinct read command of `vars` once, in key order. After two commands in a row
+  /// without an answer the rest is left out, so that a silent lidar cannot hold up the window for
+  /// the whole page. `caller` names the user of the reader in the log.
+  void Read(const std::vector<const VarInfo*>& vars, const char* caller);
+
+  /// Reads one group. Its variables have to share one read command and payload.
+  ReadOutcome GetInfoFromLidarWithSameCmd(const ReadGroup& group);
+
+  /// Reads one variable: true when its value came.
+  bool GetInfoFromLidar(const VarInfo& var);
+
+  /// Cuts the bytes of `var` out of `output`, the reply to its read command, and stores bytes and
+  /// text; of a "raw" value, which has no text, the bytes only. `slice` receives the bytes. False,
+  /// with the stored value unchanged, when the reply is too short or the bytes do not fit the type.
+  bool UpdateSingleVarFromOutput(const VarInfo& var, uint8_t cmd,
+                                 const std::vector<uint8_t>& output, std::vector<uint8_t>& slice);
+
+ private:
+  kavel::lidar::CommandSender& sender_;
+  ConfigParser& table_;
+  const LinkState& state_;
+  UserReport& report_;
+};

@@ -1,0 +1,79 @@
+#include "pages/payload_builder.h"
+
+#include <QDebug>
+#include <memory>
+#include <stdexcept>
+
+#include "variables/command_code.h"
+#include "variables/str_parser.h"
+
+namespace {
+
+void Append(const std::vector<uint8_t>& bytes, std::vector<uint8_t>* payload) {
+  payload->insert(payload->end(), bytes.begin(), bytes.end());
+}
+
+std::vector<uint8_t> Convert(const VarInfo& var, const std::string& text) {
+  const std::unique_ptr<StrParser> parser = CreateStrParser(var.var_type);
+  if (parser == nullptr) {
+    qDebug().noquote() << "(): This var_type" << '"' + QString::fromStdString(var.var_type) + '"'
+                       << "is not supported currently.";
+    qDebug().noquote() << "strParser == nullptr, var_name:" << QString::fromStdString(var.var_name)
+                       << ", var_type:" << QString::fromStdString(var.var_type)
+                       << ", current_val:" << QString::fromStdString(text);
+    throw std::runtime_error("Error with var type");
+  }
+  return parser->Parse(text, var.set_coefficient);
+}
+
+}  // namespace
+
+void PayloadBuilder::Gather(const std::string& set_cmd) {
+  for (const VarInfo* var : table_.WrittenBy(set_cmd)) {
+    const bool set_only = var->get_cmd.empty();
+    const ConfigParser::Value value = table_.ValueOf(*var);
+    if (set_only && var->var_type != "raw") {
+      throw std::runtime_error(
+          "There are undefined cases in the csv config file where there is a line with 'set' and "
+          "no 'get', but the var_type is not 'raw'.");
+    }
+    // A "raw" value has no text to convert: its parser yields nothing, which would leave a hole in
+    // a payload that the lidar expects to be full.
+    if (!set_only && value.edited && var->var_type == "raw") {
+      throw std::runtime_error("Error with var type");
+    }
+    if (set_only || value.edited) converted_[var] = Convert(*var, value.text);
+  }
+}
+
+SetCommand PayloadBuilder::Build(const std::string& set_cmd) const {
+  CommandRoute route = ParseCommandText(set_cmd);
+  const std::vector<const VarInfo*> vars = table_.WrittenBy(set_cmd);
+  SetCommand command;
+  command.code = route.code;
+  command.names = ChangedNames(set_cmd);
+  const bool is_long = !route.prefix.empty();
+  command.payload = std::move(route.prefix);
+  if (is_long && !vars.empty()) Append(vars.front()->set_payload, &command.payload);
+  for (const VarInfo* var : vars) Append(BytesOf(*var), &command.payload);
+  return command;
+}
+
+std::string PayloadBuilder::ChangedNames(const std::string& set_cmd) const {
+  std::string names;
+  for (const VarInfo* var : table_.WrittenBy(set_cmd)) {
+    if (table_.ValueOf(*var).edited) names += var->var_name + ", ";
+  }
+  return names;
+}
+
+std::vector<uint8_t> PayloadBuilder::BytesOf(const VarInfo& var) const {
+  const auto converted = converted_.find(&var);
+  if (converted != converted_.end()) return converted->second;
+  ConfigParser::Value value = table_.ValueOf(var);
+  if (!value.has_bytes) {
+    throw std::runtime_error("Unknown error with this var: It has no current_val. var_name = " +
+                             var.var_name);
+  }
+  return std::move(value.bytes);
+}

@@ -1,0 +1,52 @@
+#include "session/lidar_model.h"
+
+#include <exception>
+
+#include "variables/feature_config.h"
+
+namespace {
+
+constexpr char kTableSuffix[] = ".csv";
+
+/// The folder of a path, without the "/" at its end; "." for a bare file name.
+std::string FolderOf(const std::string& path) {
+  const size_t slash = path.rfind('/');
+  return slash == std::string::npos ? "." : path.substr(0, slash);
+}
+
+std::string ModelNameOf(const std::string& table_path) {
+  const std::string file = table_path.substr(table_path.rfind('/') + 1);
+  const size_t stem = file.size() - std::min(file.size(), sizeof(kTableSuffix) - 1);
+  return file.compare(stem, std::string::npos, kTableSuffix) == 0 ? file.substr(0, stem) : file;
+}
+
+}  // namespace
+
+int ConnectTypeOf(const std::string& model) {
+  if (model == "Lumo") return kSerialPair;
+  if (model == "Lumo-CMX" || model == "Kiva-CMX") return kSerialCmx;
+  return kNetworkLink;
+}
+
+std::shared_ptr<LidarModel> LoadLidarModel(const std::string& table_path) {
+  auto model = std::make_shared<LidarModel>();
+  model->name = ModelNameOf(table_path);
+  model->config_folder = FolderOf(FolderOf(table_path));
+  model->connect_type = ConnectTypeOf(model->name);
+  try {
+    model->table->ExtractConfigInfo(table_path);
+  } catch (const std::exception& e) {
+    model->faults.push_back(table_path + ": " + e.what());
+  }
+  for (const TableFault& fault : model->table->Faults()) model->faults.push_back(fault.text);
+  model->pages = PageModel(*model->table);
+
+  const std::string features = model->config_folder + "/feature_config.csv";
+  try {
+    model->host_port_enabled = IsHostPortUiEnabled(features, model->name);
+  } catch (const std::exception& e) {
+    model->faults.push_back(features + ": " + e.what());
+  }
+  model->stale_input = StaleInputFor(features, model->name);
+  return model;
+}

@@ -1,0 +1,122 @@
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <QSettings>
+#include <QStringList>
+#include <QtTest/QTest>
+#include <functional>
+#include <memory>
+#include <string>
+
+#include "connection/connection_settings.h"
+#include "support/test_install.h"
+#include "support/virtual_lidar_process.h"
+#include "tevron_manager.h"
+
+/// A manager over a throw-away install root and settings file, and what it has told the screens.
+class ManagerFixture : public testing::Test {
+ protected:
+  static constexpr int kPatienceMs = 20000;
+
+  ManagerFixture() {
+    QSettings(SettingsFilePath(), QSettings::IniFormat).clear();
+    Recreate();
+  }
+
+  /// A manager as after a new start of the program.
+  void Recreate() {
+    manager_.reset();
+    manager_ = std::make_unique<TevronManager>(true, "./Config/varID/Orca.csv");
+    manager_->InitConfigFileParser();
+    Listen();
+  }
+
+  static bool WaitFor(const std::function<bool()>& condition) {
+    return QTest::qWaitFor(condition, kPatienceMs);
+  }
+
+  void PointAt(const VirtualLidarProcess& lidar) {
+    manager_->setIpAddress("127.0.0.1");
+    manager_->setPort(QString::number(lidar.port()));
+  }
+  bool Connect() {
+    return manager_->ConnectLidar() &&
+           WaitFor([this] { return !manager_->GetIsConnectingLidar(); }) && manager_->isConnected();
+  }
+  bool ConnectTo(const VirtualLidarProcess& lidar) {
+    PointAt(lidar);
+    return Connect();
+  }
+
+  /// Place of a variable on the pages, from the lists that the screens use.
+  struct Place {
+    int level1 = -1;
+    int level2 = -1;
+    int level3 = -1;
+  };
+  Place Find(const QString& name) const {
+    for (const QVariant& page : manager_->level2List()) {
+      for (const QVariant& row : page.toList()) {
+        const QVariantList cells = row.toList();
+        const Place place{cells[2].toInt(), cells[3].toInt(), cells[4].toInt()};
+        if (Leaf(place).value("var_name").toString() == name) return place;
+      }
+    }
+    ADD_FAILURE() << "no row " << name.toStdString();
+    return {};
+  }
+  QVariantMap Leaf(const Place& place) const {
+    return manager_->myMap()[place.level1].toList()[place.level2].toList()[place.level3].toMap();
+  }
+  QString Text(const QString& name) const {
+    return Leaf(Find(name)).value("current_val").toString();
+  }
+  bool Edited(const QString& name) const { return Leaf(Find(name)).value("edited").toBool(); }
+  /// Edits a text field, as the screens do.
+  void Edit(const QString& name, const QString& text) {
+    const Place place = Find(name);
+    manager_->SetText(1, place.level1, place.level2, place.level3, text);
+  }
+  void OpenPage(const QString& name) {
+    const int page = manager_->level1List().indexOf(name);
+    manager_->ClearSetMap();
+    manager_->setModuleIndexUse(page);
+    manager_->GetLidarModuleInfo(page);
+  }
+  /// Saves the page, as the screens do.
+  void Save(const QString& name) {
+    const int page = manager_->level1List().indexOf(name);
+    manager_->Run(page);
+    manager_->GetLidarModuleInfo(page);
+  }
+
+  QStringList TakeErrors() { return std::exchange(errors_, {}); }
+  /// The log lines so far that begin with `beginning`, which contains the type: "INFO: ...".
+  QStringList LogLines(const QString& beginning) const {
+    return log_.filter(QRegularExpression('^' + QRegularExpression::escape(beginning)));
+  }
+
+  TestInstall install_;
+  QStringList log_;
+  QStringList errors_;
+  QStringList successes_;
+  std::unique_ptr<TevronManager> manager_;
+
+ private:
+  void Listen() {
+    TevronManager* manager = manager_.get();
+    QObject::connect(
+        manager, &TevronManager::sendLogMessage,
+        [this](const QString& msg, const QString& type) { log_ << type + ": " + msg; });
+    // The screens clear a message once they have shown it.
+    QObject::connect(manager, &TevronManager::errorMessageChanged, [this, manager] {
+      errors_ << manager->errorMessage();
+      manager->setErrorMsg("");
+    });
+    QObject::connect(manager, &TevronManager::successMessageChanged, [this, manager] {
+      successes_ << manager->successMessage();
+      manager->setSuccessMsg("");
+    });
+  }
+};

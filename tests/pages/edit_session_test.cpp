@@ -1,0 +1,85 @@
+#include "pages/edit_session.h"
+
+#include <gtest/gtest.h>
+
+#include "support/model_fixture.h"
+#include "support/recorded_report.h"
+
+namespace {
+
+using Lines = std::vector<std::string>;
+
+constexpr char kRows[] =
+    "1,1,0x30,0x31,1,Limit,1,uint8,5,1..9,,,,Page,,0,,,\n"
+    "1,2,0x30,0x31,2,Filter,1,uint8,0,switch:3..9,,,,Page,,0,,,\n"
+    "1,4,0x30,0x33,2,Mode,1,uint8,10,10|20|30,,,Low|Mid|High,Page,,0,,,\n"
+    "1,5,0x30,,,Reading,0,uint8,1,,,,,Page,,0,,,\n"
+    "2,1,0x2C,0x22,1,FOV,1,raw,,,,,,FOV,42,0,,,\n";
+
+class EditSessionTest : public testing::Test {
+ protected:
+  void Set(int kind, const std::string& name, const std::string& text) {
+    session_.SetText(kind, fixture_[name], text, report_);
+  }
+
+  ModelFixture fixture_{kRows};
+  EditSession session_{fixture_.table};
+  RecordedReport report_;
+};
+
+TEST_F(EditSessionTest, EditsMarkTheirCommandUntilTheyAreDropped) {
+  Set(EditSession::kTextInput, "Limit", "77");
+  Set(EditSession::kOptionInput, "Mode", "2");
+  EXPECT_EQ("30", fixture_.Text("Mode"));
+  EXPECT_EQ((PendingCommands{"0x31", "0x33"}), session_.pending());
+  session_.DropEdits({&fixture_["Limit"]});
+  EXPECT_EQ("5", fixture_.Text("Limit"));
+  EXPECT_EQ((PendingCommands{"0x33"}), session_.pending());
+  session_.Clear();
+  EXPECT_EQ("10", fixture_.Text("Mode"));
+  EXPECT_TRUE(session_.pending().empty());
+}
+
+TEST_F(EditSessionTest, ASwitchComesBackWithItsLastValue) {
+  Set(EditSession::kSwitchInput, "Filter", "1");
+  EXPECT_EQ("3", fixture_.Text("Filter"));
+  Set(EditSession::kTextInput, "Filter", "8");
+  Set(EditSession::kSwitchInput, "Filter", "0");
+  EXPECT_EQ("0", fixture_.Text("Filter"));
+  Set(EditSession::kTextInput, "Filter", "0");  // what the screen also does when it switches off
+  Set(EditSession::kSwitchInput, "Filter", "1");
+  EXPECT_EQ("8", fixture_.Text("Filter"));
+}
+
+TEST_F(EditSessionTest, InputWithoutMeaningChangesNothingAndIsReported) {
+  for (const char* option : {"3", "-1", "first"}) Set(EditSession::kOptionInput, "Mode", option);
+  EXPECT_EQ("error: Mode: there is no option number \"3\".", report_.Take().front());
+  Set(EditSession::kTextInput, "Reading", "2");
+  Set(9, "Limit", "2");
+  EXPECT_EQ(2U, report_.Take().size());
+  EXPECT_TRUE(session_.pending().empty());
+}
+
+TEST_F(EditSessionTest, AnglesAreTakenInsideTheirLimits) {
+  for (const char* text : {"361", "-1", "abc", "", "nan", "360.1"}) {
+    EXPECT_FALSE(session_.SetFov(0, text, report_));
+    EXPECT_EQ((Lines{"error: Input value of fov is invalid"}), report_.Take()) << text;
+  }
+  EXPECT_FALSE(session_.SetFov(10, "5", report_));
+  EXPECT_FALSE(session_.SetFov(-1, "5", report_));
+  EXPECT_TRUE(session_.pending().empty());
+
+  EXPECT_TRUE(session_.SetFov(9, "360", report_));
+  EXPECT_TRUE(session_.SetFov(0, "0", report_));
+  EXPECT_TRUE(session_.SetFov(1, "12.25", report_));
+  EXPECT_EQ((PendingCommands{"0x22"}), session_.pending());
+  FovTable::Degrees reading;
+  reading.fill(7.5F);
+  session_.fov().StoreReading(reading);
+  EXPECT_EQ((Lines{"0", "12.25", "7.5", "7.5", "7.5", "7.5", "7.5", "7.5", "7.5", "360"}),
+            session_.fov().Texts());
+  session_.DropEdits({&fixture_["FOV"]});
+  EXPECT_EQ(reading, session_.fov().Shown());
+}
+
+}  // namespace

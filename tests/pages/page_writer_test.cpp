@@ -1,0 +1,180 @@
+#include "pages/page_writer.h"
+
+#include <gtest/gtest.h>
+
+#include "support/model_fixture.h"
+#include "support/recorded_report.h"
+#include "support/scripted_sender.h"
+
+namespace {
+
+using kavel::lidar::kNoReply;
+using Lines = std::vector<std::string>;
+using Sent = ScriptedSender::Sent;
+
+constexpr char kRows[] =
+    "1,1,0x20,0x21,1,IP Address,1,IP,192.168.1.201,,,,,Settings,,0,,,\n"
+    "1,2,0x20,0x21,2,Port,1,uint16,9347,1..65535,,,,Settings,,0,,,\n"
+    "2,1,0x30,0x31,1,Speed,1,uint16,600,,,,,Settings,,0,,,\n"
+    "2,2,0x30,0x31,2,Offset,1,int16,0,,,0.5,,Settings,,0,,,\n"
+    "2,3,0x30,0x31,3,Reserved,0,raw,,hidden,,,,Settings,3,0,,,\n"
+    "2,4,0x32,0x31,4,Power,1,uint8,1,,,,,Other,,0,,0x09,\n"
+    "3,1,0x5A0101,0x5A0102,1,Filter,1,uint8,1,,,,,Settings,,0,,,0x00FE\n"
+    "4,1,0x40,0x41,1,Name,1,string,abc,,,,,Settings,4,0,,,\n"
+    "5,1,,0x51,1,Trigger,1,raw,,,,,,Settings,0,0,,,\n"
+    "6,1,,0x61,1,Wrong,1,uint8,1,,,,,Settings,,0,,,\n"
+    "8,1,0x2C,0x22,1,FOV Table,1,raw,,,,,,Settings,42,0,,,\n";
+
+const char* const kNextAddress =
+    "INFO: After its restart the lidar is reached at 10.0.0.9: use this address for the next "
+    "connection.";
+const char* const kAllSet =
+    "success: Set Lidar Successfully\nNote that if you have changed the TCP-related settings, you "
+    "will need to restart the lidar for it to work.";
+
+class PageWriterTest : public testing::Test {
+ protected:
+  PageWriterTest() { state_.connected = true; }
+
+  void Set(const std::string& name, const std::string& text) {
+    edits_.SetText(EditSession::kTextInput, fixture_[name], text, report_);
+  }
+  bool Run(int module = 0) {
+    PageWriter writer({&lidar_, fixture_.table, fixture_.model->pages, state_, edits_.pending(),
+                       edits_.fov(), report_});
+    return writer.Run(module);
+  }
+  void Answer(std::initializer_list<ScriptedSender::Reply> replies) { lidar_.replies = replies; }
+
+  ModelFixture fixture_{kRows};
+  ScriptedSender lidar_;
+  LinkState state_;
+  EditSession edits_{fixture_.table};
+  RecordedReport report_;
+};
+
+TEST_F(PageWriterTest, LaysTheChangesOverWhatTheLidarHoldsNow) {
+  Set("Speed", "1200");
+  Set("Offset", "-1.5");
+  // Speed and Offset were changed on the device too; what the user set wins, the rest is kept.
+  Answer({{0, {0x00, 0x01, 0x00, 0x02, 0xAA, 0xBB, 0xCC}}, {0, {0x07}}, {0, {}}});
+  EXPECT_TRUE(Run());
+  EXPECT_EQ(
+      (std::vector<Sent>{
+          {0x30, {}}, {0x32, {0x09}}, {0x31, {0x04, 0xB0, 0xFF, 0xFD, 0xAA, 0xBB, 0xCC, 0x07}}}),
+      lidar_.sent);
+  EXPECT_EQ((Lines{"INFO: Send CMX command [0x31] to set Speed, Offset,  success.",
+                   "success: CMX command [0x31] to set Speed, Offset,  success.", kAllSet}),
+            report_.Take());
+  EXPECT_TRUE(edits_.pending().empty());
+  // Saved only once a fresh reading shows it.
+  EXPECT_TRUE(fixture_.table.ValueOf(fixture_["Speed"]).edited);
+}
+
+TEST_F(PageWriterTest, SendsTheNetworkSettingsLastAndTakesADroppedLinkForAnAnswer) {
+  Set("IP Address", "10.0.0.9");
+  Set("Filter", "2");
+  Answer({{0, {192, 168, 1, 201, 0x24, 0x83}}, {0, {0x01}}, {0, {}}, {kNoReply, {}}});
+  EXPECT_TRUE(Run());
+  ASSERT_EQ(4U, lidar_.sent.size());
+  EXPECT_EQ((Sent{0xFF, {0x5A, 0x01, 0x02, 0x00, 0xFE, 0x02}}), lidar_.sent[2]);
+  EXPECT_EQ((Sent{0x21, {10, 0, 0, 9, 0x24, 0x83}}), lidar_.sent[3]);
+  EXPECT_EQ(
+      (Lines{"INFO: Send CMX command [0x5A0102] to set Filter,  success.",
+             "success: CMX command [0x5A0102] to set Filter,  success.",
+             "INFO: Send CMX command [0x21] to set IP Address,  success.", kNextAddress, kAllSet}),
+      report_.Take());
+}
+
+TEST_F(PageWriterTest, AFailureInTheMiddleNamesWhatStaysApplied) {
+  Set("Speed", "1200");
+  Set("Filter", "2");
+  Set("Port", "80");
+  const Bytes scan = {0, 1, 0, 2, 3, 4, 5};
+  Answer({{0, {1, 2, 3, 4, 0, 5}}, {0, scan}, {0, {1}}, {0, {1}}, {0, {}}, {3, {}}});
+  EXPECT_FALSE(Run());
+  EXPECT_EQ(6U, lidar_.sent.size());  // the network settings were not sent any more
+  EXPECT_EQ((Lines{"INFO: Send CMX command [0x31] to set Speed,  success.",
+                   "success: CMX command [0x31] to set Speed,  success.",
+                   "INFO: Send CMX command [0x5A0102] to set Filter,  success.",
+                   "WARNING: SET [0x5A0102] FAILED",
+                   "error: Set Failed: 0x5A0102 SET Filter,  ret_code: " +
+                       kavel::lidar::CmxClient::ErrorText(3),
+                   "WARNING: Set 0x5A0102 Failed. Filter,  Detail: Command was sent.",
+                   "WARNING: Already applied before the failure and still in force: [0x31]"}),
+            report_.Take());
+  EXPECT_TRUE(edits_.pending().empty());
+}
+
+TEST_F(PageWriterTest, TheFieldOfViewKeepsTheAnglesThatWereNotEdited) {
+  Bytes held = {0x02, 0x05};
+  for (int i = 0; i < 10; ++i) held.insert(held.end(), {0x3F, 0x80, 0x00, 0x00});  // 1.0
+  ASSERT_TRUE(edits_.SetFov(9, "1.5", report_));
+  EXPECT_FALSE(Run());
+  EXPECT_EQ((std::vector<Sent>{{0x2C, {}}}), lidar_.sent) << "nothing is laid over unknown angles";
+  report_.Take();
+  lidar_.sent.clear();
+  ASSERT_TRUE(edits_.SetFov(9, "2.5", report_));
+  Answer({{0, held}, {0, {}}});
+  EXPECT_TRUE(Run());
+  Bytes written = held;
+  std::copy_n(std::begin({0x40, 0x20, 0x00, 0x00}), 4, written.end() - 4);
+  EXPECT_EQ((std::vector<Sent>{{0x2C, {}}, {0x22, written}}), lidar_.sent);
+  EXPECT_EQ((Lines{kAllSet}), report_.Take());
+
+  ASSERT_TRUE(edits_.SetFov(9, "3", report_));
+  Answer({{0, held}, {4, {}}});
+  EXPECT_FALSE(Run());
+  EXPECT_EQ("error: Set Failed: set channel fov failed", report_.Take().at(1));
+}
+
+TEST_F(PageWriterTest, SaysWhatIsWrongWithAVariable) {
+  const std::string no_value = "Unknown error with this var: It has no current_val. var_name = ";
+  const std::pair<const char*, std::string> faults[] = {
+      {"Filter", "UintParser: contains an illegal number, error:fast"},
+      {"Name", "Error with var type"},
+      {"Wrong",
+       "There are undefined cases in the csv config file where there is a line with 'set' and no "
+       "'get', but the var_type is not 'raw'."},
+      {"Speed", no_value + "Power"}};
+  fixture_.table.StoreReading(fixture_["Offset"], "1", {0, 1});
+  fixture_.table.StoreBytes(fixture_["Reserved"], {0, 1, 2});
+  for (const auto& [name, reason] : faults) {
+    Set(name, name == std::string("Filter") ? "fast" : "1");
+    EXPECT_FALSE(Run());
+    const Lines lines = report_.Take();
+    EXPECT_EQ(1, std::count(lines.begin(), lines.end(), "error: Set Failed: " + reason))
+        << testing::PrintToString(lines);
+    edits_.Clear();
+  }
+  // Bytes of the lidar that was connected before are nothing to write to this one.
+  fixture_.table.ForgetBytes();
+  Set("Speed", "1");
+  EXPECT_FALSE(Run());
+  EXPECT_EQ("error: Set Failed: " + no_value + "Offset", report_.Take().at(1));
+}
+
+TEST_F(PageWriterTest, RefusesInTheOrderOfItsGuards) {
+  Set("Trigger", "1");
+  state_.upgrading = true;
+  state_.downloading = true;
+  state_.connected = false;
+  Run();
+  state_.connected = true;
+  Run();
+  state_.upgrading = false;
+  Run();
+  EXPECT_EQ((Lines{"error: Please connect to lidar first",
+                   "error: Please wait for the lidar to upgrade completely",
+                   "error: Please wait for the operation log to download completely"}),
+            report_.Take());
+  state_.downloading = false;
+  EXPECT_FALSE(Run(-1));
+  EXPECT_FALSE(Run(2));
+  EXPECT_TRUE(lidar_.sent.empty());
+  Answer({{0, {}}});
+  EXPECT_TRUE(Run());
+  EXPECT_EQ((std::vector<Sent>{{0x51, {}}}), lidar_.sent) << "what only triggers is sent empty";
+}
+
+}  // namespace

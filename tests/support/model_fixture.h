@@ -1,0 +1,28 @@
+#pragma once
+
+#include <memory>
+#include <string>
+
+#include "session/lidar_model.h"
+#include "variables/table_file.h"
+
+/// A model made from table rows, with the test's short way to its variables.
+class ModelFixture {
+ public:
+  explicit ModelFixture(const std::string& rows)
+      : file_(kTableHeader + rows), model(LoadLidarModel(file_.path())), table(*model->table) {}
+
+  const VarInfo& operator[](const std::string& name) const {
+    const VarInfo* var = table.FindByName(name);
+    if (var == nullptr) throw std::runtime_error("no variable " + name);
+    return *var;
+  }
+  std::string Text(const std::string& name) const { return table.ValueOf((*this)[name]).text; }
+
+ private:
+  TableFile file_;
+
+ public:
+  const std::shared_ptr<LidarModel> model;
+  ConfigParser& table;
+};

@@ -1,0 +1,253 @@
+#include "device/variable_memory.h"
+
+#include <algorithm>
+#include <stdexcept>
+
+#include "CmxClient/fov_command.h"
+#include "device/value_encoder.h"
+#include "device/write_rules.h"
+#include "variables/command_code.h"
+#include "variables/value_text.h"
+#include "wire/message.h"
+
+namespace {
+
+using Bytes = VariableMemory::Bytes;
+
+constexpr size_t kMaxSecretSize = 256;
+
+bool StartsWith(const Bytes& bytes, const Bytes& head) {
+  return bytes.size() >= head.size() && std::equal(head.begin(), head.end(), bytes.begin());
+}
+
+Bytes Joined(Bytes head, const Bytes& tail) {
+  head.insert(head.end(), tail.begin(), tail.end());
+  return head;
+}
+
+// Adds to a big-endian number of any width.
+void AddSeconds(Bytes* number, uint32_t seconds) {
+  uint64_t carry = seconds;
+  for (auto byte = number->rbegin(); byte != number->rend() && carry != 0; ++byte) {
+    carry += *byte;
+    *byte = static_cast<uint8_t>(carry);
+    carry >>= 8;
+  }
+}
+
+// A field of view that covers the full turn, for a table that gives no default.
+Bytes FullTurn() {
+  Bytes bytes = {0, kavel::lidar::kFovPairs};
+  VarInfo angle;
+  angle.var_type = "float32";
+  angle.offset = 4;
+  Bytes encoded;
+  std::string error;
+  for (const char* degrees : {"0", "72", "72", "144", "144", "216", "216", "288", "288", "360"}) {
+    EncodeValueText(angle, degrees, &encoded, &error);
+    bytes.insert(bytes.end(), encoded.begin(), encoded.end());
+  }
+  return bytes;
+}
+
+// Nothing for a text that is no command; loading the table has reported it.
+std::optional<CommandRoute> RouteOf(const std::string& command) {
+  if (command.empty()) return std::nullopt;
+  try {
+    return ParseCommandText(command);
+  } catch (const std::logic_error&) {
+    return std::nullopt;
+  }
+}
+
+bool IsFovTable(const VarInfo& var) {
+  const auto route = RouteOf(var.set_cmd);
+  return route && route->prefix.empty() && route->code == kavel::lidar::kFovCommand &&
+         var.offset == static_cast<int32_t>(kavel::lidar::kFovPayloadSize);
+}
+
+}  // namespace
+
+VariableMemory::VariableMemory(const ConfigParser& table) {
+  std::map<std::string, size_t> group_of;
+  for (const VarInfo* var : table.InTableOrder()) {
+    const size_t cell = cells_.size();
+    AddCell(table, *var);
+    by_id_[var->var_id] = cell;
+    if (const auto route = RouteOf(var->get_cmd)) {
+      reads_[{route->code, Joined(route->prefix, var->read_payload)}].push_back(cell);
+    }
+    AddToWriteGroup(*var, cell, &group_of);
+  }
+}
+
+void VariableMemory::AddCell(const ConfigParser& table, const VarInfo& var) {
+  const auto report = [&](const std::string& reason) {
+    faults_.push_back(table.path() + ", line " + std::to_string(var.line) + ": \"" + var.var_name +
+                      "\": " + reason);
+  };
+  Cell cell;
+  cell.var = &var;
+  std::string error;
+  if (!EncodeValueText(var, var.default_val, &cell.factory, &error)) report("default " + error);
+  if (IsFovTable(var) && !IsAcceptableFovTable(cell.factory)) {
+    if (!var.default_val.empty()) report("the default is no field-of-view table");
+    cell.factory = FullTurn();
+  }
+  cell.value = cell.factory;
+  cell.is_clock = var.var_type == "DT" && var.set_cmd.empty();
+  cells_.push_back(std::move(cell));
+}
+
+void VariableMemory::AddToWriteGroup(const VarInfo& var, size_t cell,
+                                     std::map<std::string, size_t>* group_of) {
+  const auto route = RouteOf(var.set_cmd);
+  if (!route) return;
+  const auto [place, is_new] = group_of->emplace(var.set_cmd, writes_.size());
+  if (is_new) {
+    WriteGroup group;
+    group.command = route->code;
+    // Only a long command carries the fixed payload of its first variable.
+    if (!route->prefix.empty()) group.head = Joined(route->prefix, var.set_payload);
+    group.any_length = var.var_name == kSharedSecretKey;
+    group.is_fov_table = IsFovTable(var);
+    writes_.push_back(std::move(group));
+  }
+  WriteGroup& group = writes_[place->second];
+  group.cells.push_back(cell);
+  group.size += cells_[cell].value.size();
+}
+
+std::optional<VariableMemory::Outcome> VariableMemory::Execute(uint8_t command,
+                                                               const Bytes& payload,
+                                                               uint32_t up_time_s) {
+  const auto read = reads_.find({command, payload});
+  if (read != reads_.end()) {
+    Outcome outcome;
+    outcome.fields = read->second.size();
+    for (const size_t cell : read->second) {
+      outcome.payload = Joined(std::move(outcome.payload), ValueNow(cells_[cell], up_time_s));
+    }
+    return outcome;
+  }
+  if (const WriteGroup* group = FindWriteGroup(command, payload)) return Write(*group, payload);
+  // A long command is known by its text, which stands in the payload.
+  if (command == kLongCommandCode) return std::nullopt;
+  const auto same_command = reads_.lower_bound({command, {}});
+  if (same_command == reads_.end() || same_command->first.first != command) return std::nullopt;
+  Outcome refused;
+  const bool right_length = same_command->first.second.size() == payload.size();
+  refused.return_code = right_length ? kBadValue : kBadLength;
+  return refused;
+}
+
+const VariableMemory::WriteGroup* VariableMemory::FindWriteGroup(uint8_t command,
+                                                                 const Bytes& payload) const {
+  const WriteGroup* best = nullptr;
+  for (const WriteGroup& group : writes_) {
+    if (group.command != command || !StartsWith(payload, group.head)) continue;
+    if (best == nullptr || group.head.size() > best->head.size()) best = &group;
+  }
+  return best;
+}
+
+VariableMemory::Outcome VariableMemory::Write(const WriteGroup& group, const Bytes& payload) {
+  Outcome outcome;
+  outcome.fields = group.cells.size();
+  const size_t size = payload.size() - group.head.size();
+  const bool right_size =
+      group.any_length ? size >= 1 && size <= kMaxSecretSize : size == group.size;
+  if (!right_size) {
+    outcome.return_code = kBadLength;
+    return outcome;
+  }
+  std::map<size_t, Bytes> incoming;
+  auto from = payload.begin() + static_cast<std::ptrdiff_t>(group.head.size());
+  for (const size_t cell : group.cells) {
+    const auto to = group.any_length
+                        ? payload.end()
+                        : from + static_cast<std::ptrdiff_t>(cells_[cell].value.size());
+    incoming[cell].assign(from, to);
+    from = to;
+  }
+  for (const auto& [cell, bytes] : incoming) {
+    const VarInfo& var = *cells_[cell].var;
+    const bool acceptable = group.is_fov_table
+                                ? IsAcceptableFovTable(bytes)
+                                : bytes == cells_[cell].value || !IsCheckedNow(var, incoming) ||
+                                      IsAcceptableValue(var, bytes);
+    if (!acceptable) {
+      outcome.return_code = kBadValue;
+      return outcome;
+    }
+  }
+  for (auto& [cell, bytes] : incoming) {
+    // What the user may not change is carried in the payload for its place alone.
+    if (cells_[cell].var->permission != 0 || group.is_fov_table) {
+      cells_[cell].value = std::move(bytes);
+    }
+  }
+  outcome.written = true;
+  return outcome;
+}
+
+bool VariableMemory::IsCheckedNow(const VarInfo& var,
+                                  const std::map<size_t, Bytes>& incoming) const {
+  if (var.permission == 0) return false;
+  const auto found = by_id_.find(var.switch_var_id);
+  if (found == by_id_.end()) return true;
+  const auto sent = incoming.find(found->second);
+  const Bytes& state = sent != incoming.end() ? sent->second : cells_[found->second].value;
+  return std::any_of(state.begin(), state.end(), [](uint8_t byte) { return byte != 0; });
+}
+
+void VariableMemory::StoreReply(uint8_t command, const Bytes& reply) {
+  const auto read = reads_.find({command, {}});
+  if (read == reads_.end()) return;
+  size_t size = 0;
+  for (const size_t cell : read->second) size += cells_[cell].value.size();
+  if (size != reply.size()) return;
+  auto from = reply.begin();
+  for (const size_t index : read->second) {
+    Cell& cell = cells_[index];
+    const auto to = from + static_cast<std::ptrdiff_t>(cell.value.size());
+    if (!cell.is_clock) cell.value.assign(from, to);
+    from = to;
+  }
+}
+
+bool VariableMemory::Preset(const std::string& name, const std::string& text, std::string* error) {
+  const auto found = std::find_if(cells_.begin(), cells_.end(), [&](const Cell& cell) {
+    return cell.var->var_name == name || cell.var->var_id == name;
+  });
+  if (found == cells_.end()) {
+    *error = "the table has no variable \"" + name + "\"";
+    return false;
+  }
+  Bytes bytes;
+  if (!EncodeValueText(*found->var, text, &bytes, error)) {
+    *error = name + ": " + *error;
+    return false;
+  }
+  found->value = std::move(bytes);
+  return true;
+}
+
+void VariableMemory::Reset() {
+  for (Cell& cell : cells_) cell.value = cell.factory;
+}
+
+Bytes VariableMemory::ValueNow(const Cell& cell, uint32_t up_time_s) {
+  Bytes value = cell.value;
+  if (cell.is_clock) AddSeconds(&value, up_time_s);
+  return value;
+}
+
+std::string VariableMemory::TextOf(const std::string& name) const {
+  std::string text;
+  std::string fault;
+  for (const Cell& cell : cells_) {
+    if (cell.var->var_name == name) DecodeValue(*cell.var, cell.value, &text, &fault);
+  }
+  return text;
+}

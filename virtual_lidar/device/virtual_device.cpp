@@ -1,0 +1,151 @@
+#include "device/virtual_device.h"
+
+#include <utility>
+
+#include "CmxClient/device_commands.h"
+
+namespace {
+
+// Network settings of the tables. A device drops the link as soon as it has taken them.
+constexpr uint8_t kNetworkSettings = 0x21;
+
+std::string NumberOr(const VariableMemory& memory, const char* name, const char* otherwise) {
+  const std::string text = memory.TextOf(name);
+  return kavel::lidar::IsValidNumber(text) ? text : otherwise;
+}
+
+}  // namespace
+
+VirtualDevice::VirtualDevice(std::shared_ptr<const ConfigParser> table, DeviceProfile profile,
+                             Clock clock)
+    : table_(std::move(table)),
+      model_(profile.model),
+      on_serial_line_(profile.on_serial_line),
+      clock_(std::move(clock)),
+      start_(clock_()),
+      memory_(*table_),
+      maintenance_(SerialFamilyOf(profile.model), NumberOr(memory_, "SN", "KV-2024-000042"),
+                   NumberOr(memory_, "PN", "KV-L32-0001")),
+      guard_(std::move(profile.auth), std::move(profile.auth_keys), profile.auth_required,
+             profile.on_serial_line) {
+  SeedMaintenance();
+}
+
+DeviceReply VirtualDevice::Answer(const DeviceRequest& request, AuthSession* session,
+                                  FaultBox* faults, std::string* what) {
+  DeviceReply reply;
+  reply.code = request.code;
+  if (request.oversized) {
+    *what = "too long";
+    reply.return_code = kBadLength;
+  } else if (const auto code = faults->Strike(Fault::kReturnCode, request.code)) {
+    *what = "refused";
+    reply.return_code = static_cast<uint8_t>(*code);
+  } else if (auto handshake = guard_.Answer(request, session, faults)) {
+    *what = "authentication";
+    reply = std::move(*handshake);
+  } else if (!guard_.Admit(request.code, session)) {
+    *what = "protected";
+    reply.return_code = kAuthenticationRequired;
+  } else {
+    reply = CarryOut(request, what);
+  }
+  reply.long_frame = request.long_frame;
+  return reply;
+}
+
+uint32_t VirtualDevice::UpTimeSeconds() const {
+  return static_cast<uint32_t>(
+      std::chrono::duration_cast<std::chrono::seconds>(clock_() - start_).count());
+}
+
+bool VirtualDevice::TakeChanged() { return std::exchange(changed_, false); }
+
+DeviceReply VirtualDevice::CarryOut(const DeviceRequest& request, std::string* what) {
+  DeviceReply reply;
+  reply.code = request.code;
+  if (RunBuiltIn(request, &reply, what)) return reply;
+  if (auto answer = maintenance_.Answer(request, UpTimeSeconds())) {
+    *what = "maintenance";
+    // Of the maintenance commands, exactly those that change something carry a payload.
+    if (!request.payload.empty() && answer->return_code == kAccepted) {
+      changed_ = true;
+      MirrorMaintenance();
+    }
+    return std::move(*answer);
+  }
+  if (RunTableCommand(request, &reply, what)) return reply;
+  *what = "unknown";
+  reply.return_code = kUnknownCommand;
+  return reply;
+}
+
+bool VirtualDevice::Preset(const std::string& name, const std::string& text, std::string* error) {
+  if (!memory_.Preset(name, text, error)) return false;
+  SeedMaintenance();
+  return true;
+}
+
+// A table may show what maintenance commands read. The table then has the first word, and the
+// maintenance commands the later ones.
+void VirtualDevice::SeedMaintenance() {
+  maintenance_.Reset();
+  for (const uint8_t command : MaintenanceUnit::kSeedCommands) {
+    const auto outcome = memory_.Execute(command, {}, 0);
+    if (outcome && outcome->return_code == kAccepted) maintenance_.Seed(command, outcome->payload);
+  }
+}
+
+void VirtualDevice::MirrorMaintenance() {
+  for (const uint8_t command : MaintenanceUnit::kSeedCommands) {
+    if (const auto bytes = maintenance_.Read(command, 0)) memory_.StoreReply(command, *bytes);
+  }
+}
+
+// The commands that every device knows, whatever its table says. Any payload will do.
+bool VirtualDevice::RunBuiltIn(const DeviceRequest& request, DeviceReply* reply,
+                               std::string* what) {
+  switch (request.code) {
+    case kavel::lidar::kCmdLiveness:
+    case kavel::lidar::kCmdLivenessOld:
+      *what = "liveness";
+      return true;
+    case kavel::lidar::kCmdRestart:
+      *what = "restart";
+      start_ = clock_();
+      maintenance_.Restart();
+      reply->aftermath = Aftermath::kRestart;
+      return true;
+    case kavel::lidar::kCmdFactoryReset:
+      *what = "reset";
+      memory_.Reset();
+      SeedMaintenance();
+      changed_ = true;
+      return true;
+    default:
+      return false;
+  }
+}
+
+bool VirtualDevice::RunTableCommand(const DeviceRequest& request, DeviceReply* reply,
+                                    std::string* what) {
+  auto outcome = memory_.Execute(request.code, request.payload, UpTimeSeconds());
+  if (!outcome) return false;
+  const bool is_read = !outcome->payload.empty();
+  reply->return_code = outcome->return_code;
+  reply->payload = std::move(outcome->payload);
+  if (outcome->fields == 0) {
+    *what = "unknown selector";
+  } else {
+    *what = (is_read ? "read of " : "write of ") + std::to_string(outcome->fields) +
+            (outcome->fields == 1 ? " variable" : " variables");
+  }
+  if (outcome->written) {
+    changed_ = true;
+    // A serial line does not depend on the network settings.
+    if (request.code == kNetworkSettings && !on_serial_line_) {
+      reply->aftermath = Aftermath::kHangUpUnanswered;
+    }
+  }
+  return true;
+}

@@ -1,0 +1,70 @@
+#pragma once
+
+#include <chrono>
+#include <functional>
+#include <memory>
+#include <string>
+
+#include "device/auth_guard.h"
+#include "device/maintenance_unit.h"
+#include "device/variable_memory.h"
+#include "faults/fault_modes.h"
+#include "variables/config_parser.h"
+#include "wire/message.h"
+
+/// What kind of device a virtual lidar is.
+struct DeviceProfile {
+  std::string model;
+  AuthConfig auth;
+  AuthKeys auth_keys;
+  bool auth_required = true;  ///< what the probe says, where the model authenticates at all
+  bool on_serial_line = false;
+};
+
+/// A lidar in software: takes requests, answers them, and remembers what was written. Knows nothing
+/// of sockets and frames. Used on one thread.
+class VirtualDevice {
+ public:
+  using Clock = std::function<std::chrono::steady_clock::time_point()>;
+
+  /// @param table loaded; shared, because the memory points into it.
+  /// @throws std::invalid_argument when the authentication table asks for the impossible.
+  VirtualDevice(std::shared_ptr<const ConfigParser> table, DeviceProfile profile,
+                Clock clock = std::chrono::steady_clock::now);
+
+  /// Carries one request out, the faults that strike before or during that included.
+  /// @param what gets a few words for the log: what the request was.
+  DeviceReply Answer(const DeviceRequest& request, AuthSession* session, FaultBox* faults,
+                     std::string* what);
+
+  /// Whole seconds since power-up or the last restart.
+  uint32_t UpTimeSeconds() const;
+
+  /// True once after anything was written or reset.
+  bool TakeChanged();
+
+  /// Sets a variable, by name or id, as if it had been written before.
+  /// @return false with a sentence in *error when there is none or the text does not fit.
+  bool Preset(const std::string& name, const std::string& text, std::string* error);
+
+  const std::string& model() const { return model_; }
+  const VariableMemory& memory() const { return memory_; }
+  const MaintenanceUnit& maintenance() const { return maintenance_; }
+
+ private:
+  DeviceReply CarryOut(const DeviceRequest& request, std::string* what);
+  bool RunBuiltIn(const DeviceRequest& request, DeviceReply* reply, std::string* what);
+  bool RunTableCommand(const DeviceRequest& request, DeviceReply* reply, std::string* what);
+  void SeedMaintenance();
+  void MirrorMaintenance();
+
+  std::shared_ptr<const ConfigParser> table_;
+  std::string model_;
+  bool on_serial_line_;
+  Clock clock_;
+  std::chrono::steady_clock::time_point start_;
+  VariableMemory memory_;
+  MaintenanceUnit maintenance_;
+  AuthGuard guard_;
+  bool changed_ = false;
+};

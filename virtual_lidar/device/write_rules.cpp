@@ -1,0 +1,81 @@
+#include "device/write_rules.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <cstring>
+#include <optional>
+#include <string>
+
+#include "CmxClient/big_endian.h"
+#include "CmxClient/fov_command.h"
+#include "device/value_encoder.h"
+
+namespace {
+
+using Bytes = std::vector<uint8_t>;
+
+// The number that stands on the wire; nothing for types that are none.
+std::optional<double> WireNumber(const std::string& type, const Bytes& bytes) {
+  if (bytes.size() > 8) return std::nullopt;
+  uint64_t raw = 0;
+  for (const uint8_t byte : bytes) raw = (raw << 8) | byte;
+  if (type == "float32" && bytes.size() == 4) {
+    const auto bits = static_cast<uint32_t>(raw);
+    float value = 0;
+    std::memcpy(&value, &bits, sizeof value);
+    return static_cast<double>(value);
+  }
+  if (type == "double" && bytes.size() == 8) {
+    double value = 0;
+    std::memcpy(&value, &raw, sizeof value);
+    return value;
+  }
+  if (type.rfind("uint", 0) == 0) return static_cast<double>(raw);
+  if (type.rfind("int", 0) == 0 && !bytes.empty()) {
+    const auto unused = static_cast<int>(64 - 8 * bytes.size());
+    return static_cast<double>(static_cast<int64_t>(raw << unused) >> unused);
+  }
+  return std::nullopt;
+}
+
+bool IsWithin(const VarInfo& var, double wire, float coefficient) {
+  const double scale = static_cast<double>(coefficient);
+  const double shown = wire * scale;
+  // The ends themselves may fall between two steps of the device.
+  const double slack = std::fabs(scale) / 2;
+  return shown >= var.range_min - slack && shown <= var.range_max + slack;
+}
+
+bool IsWithinRange(const VarInfo& var, double wire) {
+  if (var.range_min == 0 && var.range_max == 0) return true;
+  if (var.type == kSwitch && wire == 0) return true;
+  // A client that sends back what it read has the one scale, one that encodes anew the other.
+  return IsWithin(var, wire, var.coefficient) || IsWithin(var, wire, var.set_coefficient);
+}
+
+bool IsAnOption(const VarInfo& var, const Bytes& bytes) {
+  Bytes encoded;
+  std::string error;
+  return std::any_of(var.option_values.begin(), var.option_values.end(),
+                     [&](const std::string& option) {
+                       return EncodeValueText(var, option, &encoded, &error) && encoded == bytes;
+                     });
+}
+
+}  // namespace
+
+bool IsAcceptableValue(const VarInfo& var, const Bytes& bytes) {
+  const bool is_choice = var.type == kChoice || var.type == kTallChoice;
+  if (is_choice && !var.option_values.empty()) return IsAnOption(var, bytes);
+  const std::optional<double> wire = WireNumber(var.var_type, bytes);
+  return !wire || (std::isfinite(*wire) && IsWithinRange(var, *wire));
+}
+
+bool IsAcceptableFovTable(const Bytes& bytes) {
+  std::array<float, 10> degrees = {};
+  uint8_t mode = 0;
+  return kavel::lidar::ParseFovTable(bytes, &degrees, &mode) &&
+         std::all_of(degrees.begin(), degrees.end(),
+                     [](float angle) { return angle >= 0 && angle <= 360; });
+}

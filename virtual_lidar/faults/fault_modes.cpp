@@ -1,0 +1,154 @@
+#include "faults/fault_modes.h"
+
+#include <algorithm>
+#include <charconv>
+#include <utility>
+
+namespace {
+
+bool ReadNumber(const std::string& text, uint32_t* number) {
+  const bool hexadecimal = text.size() > 2 && text[0] == '0' && (text[1] == 'x' || text[1] == 'X');
+  const char* first = text.data() + (hexadecimal ? 2 : 0);
+  const char* last = text.data() + text.size();
+  const auto [end, fault] = std::from_chars(first, last, *number, hexadecimal ? 16 : 10);
+  return fault == std::errc() && end == last && first != last;
+}
+
+// Cuts "…<mark>tail" off the text; no mark leaves the text alone and gives no tail.
+std::optional<std::string> CutTail(std::string* text, char mark) {
+  const size_t at = text->find(mark);
+  if (at == std::string::npos) return std::nullopt;
+  std::string tail = text->substr(at + 1);
+  text->resize(at);
+  return tail;
+}
+
+const FaultMode* FindMode(const std::string& name) {
+  const auto& modes = FaultModes();
+  const auto found =
+      std::find_if(modes.begin(), modes.end(), [&](const FaultMode& m) { return name == m.name; });
+  return found == modes.end() ? nullptr : &*found;
+}
+
+bool Fail(std::string* error, std::string sentence) {
+  *error = std::move(sentence);
+  return false;
+}
+
+bool ReadArgument(const FaultMode& mode, const std::optional<std::string>& text, FaultOrder* order,
+                  std::string* error) {
+  const std::string name = mode.name;
+  if (*mode.argument == '\0') {
+    return !text || Fail(error, "fault \"" + name + "\" takes no argument");
+  }
+  if (!text)
+    return Fail(error, "fault \"" + name + "\" needs an argument: " + name + "=" + mode.argument);
+  if (!ReadNumber(*text, &order->argument) || order->argument < mode.argument_min ||
+      order->argument > mode.argument_max) {
+    return Fail(error, "the argument of fault \"" + name + "\" is a number from " +
+                           std::to_string(mode.argument_min) + " to " +
+                           std::to_string(mode.argument_max) + ", not \"" + *text + "\"");
+  }
+  return true;
+}
+
+}  // namespace
+
+const std::vector<FaultMode>& FaultModes() {
+  static const std::vector<FaultMode> modes = {
+      {Fault::kDrop, "drop", "", 0, 0, "carries the command out and never answers"},
+      {Fault::kDelay, "delay", "MS", 1, 600000, "answers MS milliseconds late"},
+      {Fault::kCorrupt, "corrupt", "", 0, 0,
+       "flips bits in the frame of the answer, so that it can no longer be recognised"},
+      {Fault::kTruncate, "truncate", "", 0, 0,
+       "sends only the first half of the answer and keeps the link open"},
+      {Fault::kSplit, "split", "", 0, 0, "sends the answer byte by byte, 2 ms apart"},
+      {Fault::kGarbage, "garbage", "", 0, 0, "sends eleven stray bytes in front of the answer"},
+      {Fault::kBabble, "babble", "", 0, 0,
+       "sends stray bytes without end in place of the answer, until the link is closed"},
+      {Fault::kWrongCommand, "wrong-command", "", 0, 0,
+       "answers with the next higher command code and return code 0"},
+      {Fault::kReturnCode, "return-code", "N", 1, 255,
+       "refuses with return code N and does nothing"},
+      {Fault::kCloseBeforeReply, "close-before-reply", "", 0, 0,
+       "carries the command out and closes the link in place of the answer"},
+      {Fault::kCloseMidReply, "close-mid-reply", "", 0, 0,
+       "closes the link after the first half of the answer"},
+      {Fault::kStale, "stale", "", 0, 0, "sends the answer twice, the second one uncalled for"},
+      {Fault::kHugeLength, "huge-length", "", 0, 0,
+       "announces far more payload than the answer holds"},
+      {Fault::kSilentAfter, "silent-after", "N", 0, 1000000,
+       "neither carries out nor answers anything after the first N requests"},
+      {Fault::kAuthShortProbe, "auth-short-probe", "", 0, 0,
+       "answers the authentication probe with too few bytes to hold the value"},
+      {Fault::kAuthShortChallenge, "auth-short-challenge", "", 0, 0,
+       "hands out a challenge that is only half as long as it has to be"},
+      {Fault::kAuthZeroChallenge, "auth-zero-challenge", "", 0, 0,
+       "hands out a challenge of zero bytes, which asks for no response"},
+      {Fault::kAuthRefuseResponse, "auth-refuse-response", "", 0, 0,
+       "refuses every authentication response, the right one too"},
+  };
+  return modes;
+}
+
+bool ParseFaultOrder(const std::string& text, FaultOrder* order, std::string* error) {
+  *order = FaultOrder();
+  std::string name = text;
+  // From the back, because "#" follows "@" follows "=".
+  const std::optional<std::string> times = CutTail(&name, '#');
+  const std::optional<std::string> command = CutTail(&name, '@');
+  const std::optional<std::string> argument = CutTail(&name, '=');
+
+  const FaultMode* mode = FindMode(name);
+  if (mode == nullptr) return Fail(error, "there is no fault named \"" + name + "\"");
+  order->fault = mode->fault;
+  if (!ReadArgument(*mode, argument, order, error)) return false;
+  if (mode->fault == Fault::kSilentAfter && (command || times)) {
+    return Fail(error,
+                "fault \"" + name + "\" counts all requests: it takes no @CMD and no #TIMES");
+  }
+
+  uint32_t number = 0;
+  if (command) {
+    if (!ReadNumber(*command, &number) || number > 0xFF) {
+      return Fail(error, "\"@" + *command + "\" is not a command code from 0 to 0xFF");
+    }
+    order->command = static_cast<uint8_t>(number);
+  }
+  if (times) {
+    if (!ReadNumber(*times, &number) || number == 0) {
+      return Fail(error, "\"#" + *times + "\" is not a number of times from 1 up");
+    }
+    order->times = number;
+  }
+  return true;
+}
+
+FaultBox::FaultBox(std::vector<FaultOrder> orders) : orders_(std::move(orders)) {}
+
+std::optional<uint32_t> FaultBox::Strike(Fault fault, uint8_t command) {
+  for (FaultOrder& order : orders_) {
+    if (order.fault != fault) continue;
+    if (order.command && *order.command != command) continue;
+    if (order.times) {
+      if (*order.times == 0) continue;
+      --*order.times;
+    }
+    struck_.emplace_back(FaultModes()[static_cast<size_t>(fault)].name);
+    return order.argument;
+  }
+  return std::nullopt;
+}
+
+bool FaultBox::CountRequestAndCheckSilence() {
+  ++requests_;
+  for (const FaultOrder& order : orders_) {
+    if (order.fault == Fault::kSilentAfter && requests_ > order.argument) {
+      struck_.emplace_back("silent-after");
+      return true;
+    }
+  }
+  return false;
+}
+
+std::vector<std::string> FaultBox::TakeStruck() { return std::exchange(struck_, {}); }

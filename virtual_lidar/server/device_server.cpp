@@ -1,0 +1,183 @@
+#include "server/device_server.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <system_error>
+#include <utility>
+
+#include "device/state_dump.h"
+#include "wire/cmx_codec.h"
+#include "wire/serial_codec.h"
+
+namespace {
+
+// More clients at a time than this are turned away.
+constexpr size_t kMaxClients = 64;
+constexpr std::chrono::milliseconds kRetryListening{100};
+
+std::string HexByte(uint8_t byte) {
+  char text[8] = "";
+  snprintf(text, sizeof text, "0x%02X", byte);
+  return text;
+}
+
+std::string ByteCount(size_t count) {
+  return std::to_string(count) + (count == 1 ? " byte" : " bytes");
+}
+
+}  // namespace
+
+struct DeviceServer::Client {
+  Client(DeviceServer* server, UniqueFd socket, const std::string& peer)
+      : fd(std::move(socket)),
+        link(server->loop_, server, fd.get(), fd.get(),
+             std::make_unique<CmxCodec>(server->setup_.protocol), peer) {}
+
+  UniqueFd fd;  // outlives the link that uses it
+  Link link;
+};
+
+DeviceServer::DeviceServer(EventLoop* loop, VirtualDevice* device, FaultBox* faults,
+                           const LineLog* log, ServerSetup setup)
+    : loop_(loop),
+      device_(device),
+      faults_(faults),
+      log_(log),
+      setup_(std::move(setup)),
+      listener_(loop, [this](UniqueFd socket, const std::string& peer) {
+        OnClient(std::move(socket), peer);
+      }) {}
+
+DeviceServer::~DeviceServer() = default;
+
+bool DeviceServer::Start(std::string* error) {
+  if (!setup_.dump_file.empty() && !WriteDump(*device_, setup_.dump_file, error)) return false;
+  try {
+    if (setup_.tcp_port) {
+      if (!listener_.Open(*setup_.tcp_port)) {
+        *error = listener_.error();
+        return false;
+      }
+      log_->Write("listening on 127.0.0.1:" + std::to_string(listener_.port()));
+    }
+    if (setup_.serial != ServerSetup::Serial::kNone) OpenSerial();
+    if (setup_.point_cloud) {
+      point_cloud_ = std::make_unique<PointCloudSender>(loop_, *setup_.point_cloud);
+    }
+  } catch (const std::system_error& failure) {
+    *error = failure.what();
+    return false;
+  }
+  return true;
+}
+
+std::vector<std::string> DeviceServer::SerialPortNames() const {
+  std::vector<std::string> names;
+  for (const auto* line : {line_.get(), answer_line_.get()}) {
+    if (line != nullptr) names.push_back(line->name());
+  }
+  return names;
+}
+
+void DeviceServer::Dump() {
+  std::string error;
+  if (!setup_.dump_file.empty() && !WriteDump(*device_, setup_.dump_file, &error)) {
+    log_->Write(error);
+  }
+}
+
+void DeviceServer::OnClient(UniqueFd socket, const std::string& peer) {
+  if (clients_.size() >= kMaxClients) {
+    log_->Write("turned away " + peer + ": too many clients");
+    return;
+  }
+  clients_.push_back(std::make_unique<Client>(this, std::move(socket), peer));
+}
+
+void DeviceServer::OpenSerial() {
+  serial_link_.reset();
+  line_ = std::make_unique<PseudoTerminal>(loop_, [this] { ResetSerialLink(); });
+  int answer_fd = line_->fd();
+  if (setup_.serial == ServerSetup::Serial::kPair) {
+    answer_line_ = std::make_unique<PseudoTerminal>(loop_, [] {});
+    answer_fd = answer_line_->fd();
+    log_->Write("serial port 485 " + line_->name());
+    log_->Write("serial port 232 " + answer_line_->name());
+  } else {
+    log_->Write("serial port " + line_->name());
+  }
+  LinkHost* const host = this;
+  serial_link_ = std::make_unique<Link>(loop_, host, line_->fd(), answer_fd,
+                                        std::make_unique<SerialCodec>(), line_->name());
+}
+
+void DeviceServer::ResetSerialLink() {
+  // A line that is about to be replaced still gets its last events.
+  if (serial_link_) serial_link_->Reset(std::make_unique<SerialCodec>());
+}
+
+ReplyPlan DeviceServer::OnRequest(Link& link, const DeviceRequest& request) {
+  if (away_) return {};
+  faults_->TakeStruck();
+  if (faults_->CountRequestAndCheckSilence()) {
+    LogRequest(link, request, "ignored", "no answer");
+    return {};
+  }
+  std::string what;
+  const DeviceReply reply = device_->Answer(request, link.auth(), faults_, &what);
+  // The dump is there before the client can have its answer.
+  if (device_->TakeChanged()) Dump();
+  const std::string outcome =
+      "return code " + std::to_string(reply.return_code) + ", " + ByteCount(reply.payload.size());
+  ReplyPlan plan = PlanReply(link.codec(), reply, faults_);
+  LogRequest(link, request, what, plan.steps.empty() ? "no answer" : outcome);
+  return plan;
+}
+
+void DeviceServer::LogRequest(const Link& link, const DeviceRequest& request,
+                              const std::string& what, const std::string& outcome) {
+  std::string line = "request " + HexByte(request.code) + " (" + ByteCount(request.payload.size()) +
+                     ") from " + link.name() + ": " + what + ", " + outcome;
+  const std::vector<std::string> struck = faults_->TakeStruck();
+  for (size_t i = 0; i < struck.size(); ++i) line += (i == 0 ? " [fault: " : ", ") + struck[i];
+  if (!struck.empty()) line += "]";
+  log_->Write(line);
+}
+
+void DeviceServer::OnHangUp(Link& link) {
+  // The link is still in use further up the stack.
+  loop_->After({}, [this, gone = &link] {
+    if (gone == serial_link_.get()) {
+      // What a client sees is an adapter that was pulled; the new one has another name.
+      OpenSerial();
+      return;
+    }
+    const auto found = std::find_if(clients_.begin(), clients_.end(),
+                                    [gone](const auto& client) { return &client->link == gone; });
+    if (found != clients_.end()) clients_.erase(found);
+  });
+}
+
+void DeviceServer::OnRestartDue() {
+  if (std::exchange(restart_pending_, true)) return;
+  loop_->After({}, [this] { BeginRestart(); });
+}
+
+void DeviceServer::BeginRestart() {
+  restart_pending_ = false;
+  away_ = true;
+  listener_.Close();
+  clients_.clear();
+  ResetSerialLink();
+  loop_->After(setup_.restart_time, [this] { EndRestart(); });
+}
+
+void DeviceServer::EndRestart() {
+  if (setup_.tcp_port && !listener_.Open(listener_.port())) {
+    // Somebody else has the port for the moment.
+    loop_->After(kRetryListening, [this] { EndRestart(); });
+    return;
+  }
+  away_ = false;
+  log_->Write("restarted");
+}

@@ -1,0 +1,179 @@
+#include "server/link.h"
+
+#include <poll.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
+#include <array>
+#include <cerrno>
+#include <utility>
+
+namespace {
+
+constexpr size_t kMaxWaitingBytes = size_t{256} * 1024;
+
+// A client that has gone must not end the process with a signal.
+ssize_t WriteSome(int fd, const uint8_t* data, size_t size) {
+  const ssize_t sent = send(fd, data, size, MSG_NOSIGNAL);
+  return sent < 0 && errno == ENOTSOCK ? write(fd, data, size) : sent;
+}
+
+size_t BytesOf(const ReplyPlan& plan) {
+  size_t bytes = 0;
+  for (const SendStep& step : plan.steps) bytes += step.bytes.size();
+  return bytes;
+}
+
+}  // namespace
+
+Link::Link(EventLoop* loop, LinkHost* host, int in_fd, int out_fd, std::unique_ptr<WireCodec> codec,
+           std::string name)
+    : loop_(loop),
+      host_(host),
+      in_fd_(in_fd),
+      out_fd_(out_fd),
+      codec_(std::move(codec)),
+      name_(std::move(name)) {
+  UpdateWatches();
+}
+
+Link::~Link() {
+  loop_->Cancel(timer_);
+  loop_->Unwatch(in_fd_);
+  loop_->Unwatch(out_fd_);
+}
+
+void Link::Reset(std::unique_ptr<WireCodec> codec) {
+  loop_->Cancel(timer_);
+  timer_ = 0;
+  codec_ = std::move(codec);
+  auth_ = AuthSession();
+  plans_.clear();
+  next_step_ = sent_of_step_ = waiting_bytes_ = 0;
+  waited_ = out_blocked_ = dead_ = false;
+  UpdateWatches();
+}
+
+void Link::UpdateWatches() {
+  if (dead_) return;
+  const short in = waiting_bytes_ < kMaxWaitingBytes ? POLLIN : 0;
+  const short out = out_blocked_ ? POLLOUT : 0;
+  const auto handler = [this](int fd) {
+    return [this, fd](short events) { OnEvents(fd, events); };
+  };
+  if (in_fd_ == out_fd_) {
+    loop_->Watch(in_fd_, static_cast<short>(in | out), handler(in_fd_));
+  } else {
+    loop_->Watch(in_fd_, in, handler(in_fd_));
+    loop_->Watch(out_fd_, out, handler(out_fd_));
+  }
+}
+
+void Link::OnEvents(int fd, short events) {
+  if ((events & POLLOUT) != 0 && fd == out_fd_) {
+    out_blocked_ = false;
+    SendWaiting();
+  }
+  // A hang-up is told apart from data by reading.
+  if (!dead_ && fd == in_fd_ && (events & (POLLIN | POLLHUP | POLLERR)) != 0) ReadRequests();
+  UpdateWatches();
+}
+
+void Link::ReadRequests() {
+  std::array<uint8_t, 16384> buffer;
+  const ssize_t got = read(in_fd_, buffer.data(), buffer.size());
+  if (got < 0 && (errno == EAGAIN || errno == EINTR)) return;
+  if (got <= 0) {
+    HangUp();
+    return;
+  }
+  const auto requests =
+      codec_->Feed(buffer.data(), static_cast<size_t>(got), EventLoop::Clock::now());
+  for (const DeviceRequest& request : requests) {
+    Enqueue(host_->OnRequest(*this, request));
+    if (dead_) return;
+  }
+}
+
+void Link::Enqueue(ReplyPlan plan) {
+  waiting_bytes_ += BytesOf(plan);
+  plans_.push_back(std::move(plan));
+  if (plans_.size() == 1) SendWaiting();
+}
+
+void Link::SendWaiting() {
+  while (!plans_.empty() && !dead_ && !out_blocked_ && timer_ == 0) {
+    ReplyPlan& plan = plans_.front();
+    if (next_step_ == plan.steps.size()) {
+      FinishPlan();
+      continue;
+    }
+    SendStep& step = plan.steps[next_step_];
+    if (!waited_ && step.wait.count() > 0) {
+      WaitFor(step.wait);
+      return;
+    }
+    if (!WriteStep(&step)) return;
+    waiting_bytes_ -= step.bytes.size();
+    ++next_step_;
+    sent_of_step_ = 0;
+    waited_ = false;
+    if (plan.repeat && next_step_ == plan.steps.size()) {
+      next_step_ = 0;
+      waiting_bytes_ += BytesOf(plan);
+    }
+  }
+}
+
+bool Link::WriteStep(SendStep* step) {
+  while (sent_of_step_ < step->bytes.size()) {
+    const ssize_t sent =
+        WriteSome(out_fd_, step->bytes.data() + sent_of_step_, step->bytes.size() - sent_of_step_);
+    if (sent > 0) {
+      sent_of_step_ += static_cast<size_t>(sent);
+    } else if (sent < 0 && errno == EINTR) {
+      continue;
+    } else if (sent < 0 && errno == EAGAIN) {
+      out_blocked_ = true;
+      UpdateWatches();
+      return false;
+    } else {
+      HangUp();
+      return false;
+    }
+  }
+  return true;
+}
+
+void Link::FinishPlan() {
+  const ReplyPlan::Ending ending = plans_.front().ending;
+  plans_.pop_front();
+  next_step_ = 0;
+  if (ending == ReplyPlan::Ending::kHangUp) HangUp();
+  if (ending == ReplyPlan::Ending::kRestart) host_->OnRestartDue();
+}
+
+void Link::WaitFor(std::chrono::milliseconds wait) {
+  timer_ = loop_->After(wait, [this] {
+    timer_ = 0;
+    waited_ = true;
+    SendWaiting();
+    UpdateWatches();
+  });
+}
+
+void Link::HangUp() {
+  if (dead_) return;
+  dead_ = true;
+  loop_->Cancel(timer_);
+  timer_ = 0;
+  loop_->Unwatch(in_fd_);
+  loop_->Unwatch(out_fd_);
+  bool restart = false;
+  for (const ReplyPlan& plan : plans_) {
+    restart = restart || plan.ending == ReplyPlan::Ending::kRestart;
+  }
+  plans_.clear();
+  if (restart) host_->OnRestartDue();
+  host_->OnHangUp(*this);
+}

@@ -1,0 +1,76 @@
+#pragma once
+
+#include <chrono>
+#include <cstdint>
+#include <deque>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "device/auth_guard.h"
+#include "faults/reply_plan.h"
+#include "server/event_loop.h"
+#include "wire/wire_codec.h"
+
+class Link;
+
+/// Who answers what comes in over a link.
+class LinkHost {
+ public:
+  virtual ~LinkHost() = default;
+  virtual ReplyPlan OnRequest(Link& link, const DeviceRequest& request) = 0;
+  /// The far end has gone, or a hang-up was planned. The link does nothing more; the host destroys
+  /// it or calls Reset, but not before this call returned.
+  virtual void OnHangUp(Link& link) = 0;
+  /// An answer that ends in a restart has left, or the link failed before it could.
+  virtual void OnRestartDue() = 0;
+};
+
+/// One client's connection: requests in by one descriptor, answers out by the same or another.
+/// Answers leave in the order of the requests. A client that sends without reading its answers is
+/// not read from once 256 KiB are waiting for it.
+class Link {
+ public:
+  /// The descriptors are non-blocking and stay the caller's; they must outlive the link.
+  Link(EventLoop* loop, LinkHost* host, int in_fd, int out_fd, std::unique_ptr<WireCodec> codec,
+       std::string name);
+  ~Link();
+  Link(const Link&) = delete;
+  Link& operator=(const Link&) = delete;
+
+  const WireCodec& codec() const { return *codec_; }
+  /// For the log: where the client is.
+  const std::string& name() const { return name_; }
+  AuthSession* auth() { return &auth_; }
+
+  /// Forgets half requests, waiting answers and the authentication, as for a new client.
+  void Reset(std::unique_ptr<WireCodec> codec);
+
+ private:
+  void UpdateWatches();
+  void OnEvents(int fd, short events);
+  void ReadRequests();
+  void Enqueue(ReplyPlan plan);
+  void SendWaiting();
+  bool WriteStep(SendStep* step);
+  void FinishPlan();
+  void WaitFor(std::chrono::milliseconds wait);
+  void HangUp();
+
+  EventLoop* loop_;
+  LinkHost* host_;
+  int in_fd_;
+  int out_fd_;
+  std::unique_ptr<WireCodec> codec_;
+  std::string name_;
+  AuthSession auth_;
+
+  std::deque<ReplyPlan> plans_;
+  size_t next_step_ = 0;      ///< in plans_.front()
+  size_t sent_of_step_ = 0;   ///< bytes of that step that have left
+  bool waited_ = false;       ///< that step's wait is over
+  bool out_blocked_ = false;  ///< the far end takes no more for now
+  size_t waiting_bytes_ = 0;
+  EventLoop::TimerId timer_ = 0;
+  bool dead_ = false;
+};

@@ -1,0 +1,64 @@
+#include "server/pseudo_terminal.h"
+
+#include <fcntl.h>
+#include <poll.h>
+#include <sys/inotify.h>
+#include <sys/ioctl.h>
+#include <termios.h>
+#include <unistd.h>
+
+#include <array>
+#include <cerrno>
+#include <cstdlib>
+#include <cstring>
+#include <system_error>
+#include <utility>
+
+namespace {
+
+[[noreturn]] void Throw(const char* what) {
+  throw std::system_error(errno, std::generic_category(), what);
+}
+
+}  // namespace
+
+PseudoTerminal::PseudoTerminal(EventLoop* loop, CloseHandler on_client_closed)
+    : loop_(loop),
+      on_client_closed_(std::move(on_client_closed)),
+      notify_(inotify_init1(IN_NONBLOCK | IN_CLOEXEC)) {
+  Open();
+  if (inotify_add_watch(notify_.get(), name_.c_str(), IN_CLOSE) < 0) Throw("cannot watch the port");
+  loop_->Watch(notify_.get(), POLLIN, [this](short) { OnFileEvents(); });
+}
+
+PseudoTerminal::~PseudoTerminal() { loop_->Unwatch(notify_.get()); }
+
+void PseudoTerminal::Open() {
+  device_end_ = UniqueFd(posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC | O_NONBLOCK));
+  std::array<char, 128> name = {};
+  if (!device_end_.valid() || grantpt(fd()) != 0 || unlockpt(fd()) != 0 ||
+      ptsname_r(fd(), name.data(), name.size()) != 0) {
+    Throw("cannot make a pseudo-terminal");
+  }
+  name_ = name.data();
+  client_end_ = UniqueFd(open(name_.c_str(), O_RDWR | O_NOCTTY | O_CLOEXEC));
+  termios line = {};
+  if (!client_end_.valid() || tcgetattr(client_end_.get(), &line) != 0) {
+    Throw("cannot open the port");
+  }
+  cfmakeraw(&line);
+  if (tcsetattr(client_end_.get(), TCSANOW, &line) != 0) Throw("cannot set the port to raw mode");
+}
+
+void PseudoTerminal::OnFileEvents() {
+  alignas(inotify_event) std::array<char, 4096> buffer;
+  bool closed = false;
+  while (read(notify_.get(), buffer.data(), buffer.size()) > 0) closed = true;
+  if (!closed) return;
+  // A client's claim to have the port for itself would outlive it here, because this end keeps the
+  // port open.
+  ioctl(client_end_.get(), TIOCNXCL);
+  // What it did not read is not for the next one.
+  tcflush(client_end_.get(), TCIFLUSH);
+  on_client_closed_();
+}

@@ -1,0 +1,41 @@
+#pragma once
+
+#include <functional>
+#include <string>
+
+#include "server/event_loop.h"
+#include "server/unique_fd.h"
+
+/// A serial port made of software: a pseudo-terminal in raw mode whose far end a client opens by
+/// name() as often as it likes.
+class PseudoTerminal {
+ public:
+  /// Called each time a client has closed the port.
+  using CloseHandler = std::function<void()>;
+
+  /// @throws std::system_error when the system gives no pseudo-terminal.
+  PseudoTerminal(EventLoop* loop, CloseHandler on_client_closed);
+  ~PseudoTerminal();
+  PseudoTerminal(const PseudoTerminal&) = delete;
+  PseudoTerminal& operator=(const PseudoTerminal&) = delete;
+
+  /// The path that a client opens, such as /dev/pts/3.
+  const std::string& name() const { return name_; }
+  /// The device's end, non-blocking; stays open as long as this object.
+  int fd() const { return device_end_.get(); }
+
+ private:
+  void Open();
+  void WatchForClients();
+  void OnFileEvents();
+
+  EventLoop* loop_;
+  CloseHandler on_client_closed_;
+  std::string name_;
+  /// Made first: events come in the order of descriptors, and that a client has gone must be known
+  /// before the next one's first request is read.
+  UniqueFd notify_;
+  UniqueFd device_end_;
+  /// Kept open so that the device's end sees no hang-up between two clients.
+  UniqueFd client_end_;
+};

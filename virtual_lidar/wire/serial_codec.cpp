@@ -1,0 +1,47 @@
+#include "wire/serial_codec.h"
+
+#include <utility>
+
+#include "CmxClient/ota_stream.h"
+#include "CmxClient/serial_frame.h"
+
+namespace {
+
+constexpr size_t kLengthOffset = kavel::lidar::kSerialPrefixSize;
+constexpr size_t kCommandOffset = kLengthOffset + 1;
+constexpr size_t kLongTail =
+    kavel::lidar::kSerialChecksumSize + kavel::lidar::kSerialTerminatorSize;
+
+}  // namespace
+
+std::vector<DeviceRequest> SerialCodec::Collect(const uint8_t* data, size_t size) {
+  stream_.Append(data, size);
+  std::vector<DeviceRequest> requests;
+  while (const auto frame = stream_.Next()) {
+    DeviceRequest request;
+    request.long_frame = kavel::lidar::IsOtaFrame(frame->bytes);
+    const bool sound =
+        request.long_frame
+            ? kavel::lidar::ParseOtaFrame(frame->bytes, &request.code, &request.payload)
+            : kavel::lidar::ParseSerialRequest(frame->bytes, &request.code, &request.payload);
+    if (sound) requests.push_back(std::move(request));
+  }
+  return requests;
+}
+
+std::vector<uint8_t> SerialCodec::Encode(const DeviceReply& reply) const {
+  if (reply.long_frame || reply.payload.size() > kavel::lidar::kSerialMaxPayload) {
+    return kavel::lidar::BuildOtaResponse(reply.code, reply.return_code, reply.payload);
+  }
+  return kavel::lidar::BuildSerialAnswer(reply.code, reply.return_code, reply.payload);
+}
+
+void SerialCodec::Damage(std::vector<uint8_t>* frame) const { (*frame)[kCommandOffset] ^= 0x5A; }
+
+void SerialCodec::OverstateLength(std::vector<uint8_t>* frame) const {
+  const bool long_frame = kavel::lidar::IsOtaFrame(*frame);
+  frame->resize(frame->size() - (long_frame ? kLongTail : kavel::lidar::kSerialTailSize));
+  (*frame)[kLengthOffset] = 0xFF;
+  kavel::lidar::AppendSerialTail(
+      *frame, long_frame ? kavel::lidar::kSerialTailFirmware : kavel::lidar::kSerialTailCommand);
+}
