@@ -23,7 +23,9 @@ TevronManager::TevronManager(bool flag, const std::string& table_path)
 TevronManager::~TevronManager() = default;
 
 void TevronManager::SetModulePV(const QString& model_name) {
-  if (model_name.isEmpty() || !lidarModelList().contains(QVariant(model_name))) return;
+  if (model_name.isEmpty() || !lidarModelList().contains(QVariant(model_name))) {
+    return;
+  }
   InitConfigFileParser(model_name);
   parts_->product_variant = model_name.toStdString();
   emit lidarModelListChanged();
@@ -32,7 +34,9 @@ void TevronManager::SetModulePV(const QString& model_name) {
 void TevronManager::InitConfigFileParser(const QString& model_name) {
   const std::string name = model_name.toStdString();
   // A connection belongs to the model that it was made for.
-  if (parts_->connecting || (parts_->state.connected && name != parts_->model->name)) Stop();
+  if (parts_->connecting || (parts_->state.connected && name != parts_->model->name)) {
+    Stop();
+  }
   emit lidarClearModel();
   parts_->TakeModel(LoadLidarModel(parts_->table_folder + "/" + name + ".csv"));
   parts_->settings.host_port = LoadHostPort(SettingsFilePath(), name).value_or("ANY");
@@ -58,21 +62,29 @@ void TevronManager::ReportFaults(const std::vector<std::string>& faults) {
         std::to_string(faults.size() - kMaxLines) + " more faults in the tables are not shown.",
         LogType::kError);
   }
-  if (!parts_->model->table->InTableOrder().empty()) return;
+  if (!parts_->model->table->InTableOrder().empty()) {
+    return;
+  }
   parts_->report.Error("No variables could be loaded for the model " + parts_->model->name + ". " +
                        (faults.empty() ? "Its table is empty." : faults.front()));
   // A message from before the screens existed is still there now: announce it once more.
   QMetaObject::invokeMethod(
       this,
       [this] {
-        if (!parts_->error_message.isEmpty()) emit errorMessageChanged();
+        if (!parts_->error_message.isEmpty()) {
+          emit errorMessageChanged();
+        }
       },
       Qt::QueuedConnection);
 }
 
 bool TevronManager::ConnectLidar() {
-  if (parts_->connecting) return false;
-  if (parts_->state.connected) Disconnect();
+  if (parts_->connecting) {
+    return false;
+  }
+  if (parts_->state.connected) {
+    Disconnect();
+  }
   StartAttempt();
   if (!SaveConnectionSettings(SettingsFilePath(), parts_->settings, parts_->model->name)) {
     parts_->report.LogLine(
@@ -107,11 +119,17 @@ std::shared_ptr<UserReport> TevronManager::ReportOfAttempt(int number) {
 }
 
 void TevronManager::EndAttempt(int number, const std::shared_ptr<Connection>& connection) {
-  if (number != parts_->attempt_number) return;
+  if (number != parts_->attempt_number) {
+    return;
+  }
   parts_->attempt.reset();
-  if (connection != nullptr) Adopt(connection);
+  if (connection != nullptr) {
+    Adopt(connection);
+  }
   // A handler of the signals may have ended this connection and begun another attempt.
-  if (number == parts_->attempt_number) parts_->connecting = false;
+  if (number == parts_->attempt_number) {
+    parts_->connecting = false;
+  }
 }
 
 void TevronManager::Adopt(const std::shared_ptr<Connection>& connection) {
@@ -128,8 +146,12 @@ void TevronManager::Adopt(const std::shared_ptr<Connection>& connection) {
   parts_->report.LogLine("Lidar connected", LogType::kInfo);
   UpdateUI();
   // A handler of the signals may have disconnected already.
-  if (parts_->connection != connection) return;
-  if (parts_->model->connect_type != kNetworkLink) StartReadingFacts();
+  if (parts_->connection != connection) {
+    return;
+  }
+  if (parts_->model->connect_type != kNetworkLink) {
+    StartReadingFacts();
+  }
   emit isConnectedChanged();
 }
 
@@ -139,7 +161,9 @@ void TevronManager::StartReadingFacts() {
     QMetaObject::invokeMethod(
         this,
         [this, number, facts] {
-          if (number == parts_->attempt_number) ShowFacts(facts);
+          if (number == parts_->attempt_number) {
+            ShowFacts(facts);
+          }
         },
         Qt::QueuedConnection);
   };
@@ -156,11 +180,15 @@ void TevronManager::ShowFacts(const DeviceFacts& facts) {
   // Only the first reading of a connection keeps the screens waiting, the later ones are quiet.
   const bool was_first = std::exchange(parts_->reading_facts, false);
   emit lumoLidarInfoChanged();
-  if (was_first) emit isGetPBLVersionChanged();
+  if (was_first) {
+    emit isGetPBLVersionChanged();
+  }
 }
 
 void TevronManager::LoseConnection(int number, const std::string& reason) {
-  if (number != parts_->attempt_number) return;
+  if (number != parts_->attempt_number) {
+    return;
+  }
   parts_->report.LogLine(reason, LogType::kError);
   parts_->report.Error(reason);
   Stop();
@@ -169,7 +197,9 @@ void TevronManager::LoseConnection(int number, const std::string& reason) {
 void TevronManager::Disconnect() {
   const bool was_reading_facts = std::exchange(parts_->reading_facts, false);
   parts_->EndConnection();
-  if (was_reading_facts) emit isGetPBLVersionChanged();
+  if (was_reading_facts) {
+    emit isGetPBLVersionChanged();
+  }
   emit lumoLidarInfoChanged();
   emit isConnectedChanged();
 }

@@ -12,8 +12,12 @@ void TevronManager::SendCommand(const QString& cmd_qs, const QString& payload_qs
                                                                   : CommandConsole::Family::kSerial;
   const CommandConsole::Outcome outcome =
       parts_->console.Send(sender.get(), parts_->state, family, cmd_qs, payload_qs);
-  if (outcome.attempted) emit sendCommandHistoryChanged();
-  if (outcome.success.empty()) return;
+  if (outcome.attempted) {
+    emit sendCommandHistoryChanged();
+  }
+  if (outcome.success.empty()) {
+    return;
+  }
   parts_->ReadFactsAfterRestart();
   UpdateUI();
   parts_->report.Success(outcome.success);
@@ -28,14 +32,18 @@ void TevronManager::SetLogBytesFlowStatus(bool flag) { parts_->byte_flow->SetOn(
 int TevronManager::Restart() {
   const std::shared_ptr<LidarModel> model = parts_->model;
   const int result = parts_->MaintenanceNow().Restart(*model->table);
-  if (result == 0) parts_->ReadFactsAfterRestart();
+  if (result == 0) {
+    parts_->ReadFactsAfterRestart();
+  }
   return result;
 }
 
 int TevronManager::Reset() {
   const std::shared_ptr<LidarModel> model = parts_->model;
   const int result = parts_->MaintenanceNow().Reset(*model->table);
-  if (result == 0) parts_->ReadFactsAfterRestart();
+  if (result == 0) {
+    parts_->ReadFactsAfterRestart();
+  }
   return result;
 }
 
@@ -48,15 +56,21 @@ QString TevronManager::getLidarPN() {
 }
 
 void TevronManager::LumoSetStandby(int standby) {
-  if (parts_->MaintenanceNow().WriteStandby(standby)) parts_->ReadFactsAgain();
+  if (parts_->MaintenanceNow().WriteStandby(standby)) {
+    parts_->ReadFactsAgain();
+  }
 }
 
 void TevronManager::LumoSetSpinRate(int spin_rate_rpm) {
-  if (parts_->MaintenanceNow().WriteSpinRate(spin_rate_rpm)) parts_->ReadFactsAgain();
+  if (parts_->MaintenanceNow().WriteSpinRate(spin_rate_rpm)) {
+    parts_->ReadFactsAgain();
+  }
 }
 
 void TevronManager::LumoSetReturnMode(int return_mode) {
-  if (parts_->MaintenanceNow().WriteReturnMode(return_mode)) parts_->ReadFactsAgain();
+  if (parts_->MaintenanceNow().WriteReturnMode(return_mode)) {
+    parts_->ReadFactsAgain();
+  }
 }
 
 QVariantList TevronManager::LumoGetLidarFunctionSafety() {
@@ -65,14 +79,18 @@ QVariantList TevronManager::LumoGetLidarFunctionSafety() {
 
 QString TevronManager::LumoGetBaudRate() {
   const std::optional<uint32_t> rate = parts_->MaintenanceNow().ReadBaudRate();
-  if (!rate) return {};
+  if (!rate) {
+    return {};
+  }
   setBaudRate(QString::number(*rate));
   return QString::number(*rate);
 }
 
 void TevronManager::LumoSetBaudRateFromUI(const QString& baudRateStr) {
   const std::optional<uint32_t> rate = parts_->MaintenanceNow().WriteBaudRate(baudRateStr);
-  if (!rate) return;
+  if (!rate) {
+    return;
+  }
   setBaudRate(QString::number(*rate));
   parts_->ReadFactsAgain();
 }
@@ -83,7 +101,9 @@ QVariantList TevronManager::LumoGetDestinationConfig(bool silent) {
 
 bool TevronManager::LumoSetDestinationIPandPort(const QString& ip, int port) {
   const bool is_set = parts_->MaintenanceNow().WriteDestination(ip, port);
-  if (is_set) parts_->ReadFactsAgain();
+  if (is_set) {
+    parts_->ReadFactsAgain();
+  }
   return is_set;
 }
 

@@ -16,16 +16,22 @@ void TevronManager::UpdateUI() {
 }
 
 void TevronManager::ShowFov() {
-  if (parts_->RebuildFov()) emit fovConfigChanged();
+  if (parts_->RebuildFov()) {
+    emit fovConfigChanged();
+  }
 }
 
 void TevronManager::setModuleIndexUse(int module) {
   parts_->page_in_use = module;
-  if (parts_->refresh != nullptr) parts_->refresh->SetView(parts_->ViewInUse());
+  if (parts_->refresh != nullptr) {
+    parts_->refresh->SetView(parts_->ViewInUse());
+  }
 }
 
 void TevronManager::ShowRefreshedPage() {
-  if (!parts_->state.connected) return;
+  if (!parts_->state.connected) {
+    return;
+  }
   parts_->edits->fov().StoreReadingOf(*parts_->model->table);
   ShowFov();
   parts_->RebuildMap();
@@ -33,7 +39,9 @@ void TevronManager::ShowRefreshedPage() {
 }
 
 void TevronManager::GetLidarModuleInfo(int module) {
-  if (!parts_->MayReadPage(module)) return;
+  if (!parts_->MayReadPage(module)) {
+    return;
+  }
   const std::shared_ptr<LidarModel> model = parts_->model;
   const std::shared_ptr<EditSession> edits = parts_->edits;
   const std::shared_ptr<kavel::lidar::CommandSender> sender = parts_->sender();
@@ -50,9 +58,13 @@ bool TevronManager::UpdateSingleVarInfo(const QString& qs_var_info, const QStrin
   const std::shared_ptr<LidarModel> model = parts_->model;
   const std::shared_ptr<kavel::lidar::CommandSender> sender = parts_->sender();
   const VarInfo* var = parts_->FindVariable(search_type, qs_var_info);
-  if (var == nullptr || sender == nullptr || model->connect_type != kNetworkLink) return false;
+  if (var == nullptr || sender == nullptr || model->connect_type != kNetworkLink) {
+    return false;
+  }
   PageReader reader(*sender, *model->table, parts_->state, parts_->report);
-  if (!reader.GetInfoFromLidar(*var)) return false;
+  if (!reader.GetInfoFromLidar(*var)) {
+    return false;
+  }
   parts_->edits->fov().StoreReadingOf(*model->table);
   ShowFov();
   UpdateUI();
@@ -61,20 +73,26 @@ bool TevronManager::UpdateSingleVarInfo(const QString& qs_var_info, const QStrin
 
 void TevronManager::SetText(int type, int level1, int level2, int level3, const QString& text) {
   const VarInfo* var = parts_->model->pages.At(level1, level2, level3);
-  if (var == nullptr) return;
+  if (var == nullptr) {
+    return;
+  }
   parts_->edits->SetText(type, *var, text.toStdString(), parts_->report);
   // Without a signal: whoever edits shows the text already, and reads the map again where it wants.
   parts_->ShowValueAt(*var, level1, level2, level3);
 }
 
 void TevronManager::SetMultiFovConfig(int index, const QString& fov) {
-  if (parts_->edits->SetFov(index, fov.toStdString(), parts_->report)) ShowFov();
+  if (parts_->edits->SetFov(index, fov.toStdString(), parts_->report)) {
+    ShowFov();
+  }
 }
 
 void TevronManager::ClearSetMap() {
   parts_->edits->Clear();
   ShowFov();
-  if (parts_->RebuildMap()) emit myMapChanged();
+  if (parts_->RebuildMap()) {
+    emit myMapChanged();
+  }
 }
 
 int TevronManager::getSetMapSize() { return static_cast<int>(parts_->edits->pending().size()); }
@@ -103,7 +121,9 @@ void TevronManager::Run(int module) {
   const std::shared_ptr<kavel::lidar::CommandSender> sender = parts_->sender();
   PageWriter writer({sender.get(), *model->table, model->pages, parts_->state, edits->pending(),
                      edits->fov(), parts_->report});
-  if (writer.Run(module)) UpdateUI();
+  if (writer.Run(module)) {
+    UpdateUI();
+  }
   ShowFov();
 }
 

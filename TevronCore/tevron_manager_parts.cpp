@@ -15,7 +15,9 @@ void ScreenReport::Success(const std::string& text) {
 
 void ScreenReport::LogLine(const std::string& text, LogType type) {
   emit manager_.sendLogMessage(QString::fromStdString(text), LogTypeName(type));
-  if (type == LogType::kByteFlow) emit manager_.sendCommandHistoryChanged();
+  if (type == LogType::kByteFlow) {
+    emit manager_.sendCommandHistoryChanged();
+  }
 }
 
 TevronManager::Parts::Parts(TevronManager& manager, bool auto_receive_flag,
@@ -38,11 +40,17 @@ std::shared_ptr<kavel::lidar::CommandSender> TevronManager::Parts::sender() cons
 
 const VarInfo* TevronManager::Parts::FindVariable(const QString& field, const QString& text) const {
   const ConfigParser& table = *model->table;
-  if (field == QLatin1String("var_name")) return table.FindByName(text.toStdString());
-  if (field == QLatin1String("var_id")) return table.Find(text.toStdString());
+  if (field == QLatin1String("var_name")) {
+    return table.FindByName(text.toStdString());
+  }
+  if (field == QLatin1String("var_id")) {
+    return table.Find(text.toStdString());
+  }
   for (const VarInfo* var : table.InTableOrder()) {
     const QVariantMap fields = VariableMap(*var, table.ValueOf(*var));
-    if (fields.contains(field) && fields.value(field).toString() == text) return var;
+    if (fields.contains(field) && fields.value(field).toString() == text) {
+      return var;
+    }
   }
   return nullptr;
 }
@@ -53,17 +61,25 @@ bool TevronManager::Parts::MayReadPage(int module) const {
 }
 
 void TevronManager::Parts::ReadFactsAgain() {
-  if (facts_reading != nullptr) facts_reading->Request();
+  if (facts_reading != nullptr) {
+    facts_reading->Request();
+  }
 }
 
 void TevronManager::Parts::ReadFactsAfterRestart() {
-  if (facts_reading != nullptr) facts_reading->RequestAfterRestart();
+  if (facts_reading != nullptr) {
+    facts_reading->RequestAfterRestart();
+  }
 }
 
 QString TevronManager::Parts::IdentityText(const char* name, const std::string& asked) const {
-  if (model->connect_type != kNetworkLink) return QString::fromStdString(asked);
+  if (model->connect_type != kNetworkLink) {
+    return QString::fromStdString(asked);
+  }
   const VarInfo* var = model->table->FindByName(name);
-  if (var == nullptr || !state.connected) return kUnread;
+  if (var == nullptr || !state.connected) {
+    return kUnread;
+  }
   const ConfigParser::Value value = model->table->ValueOf(*var);
   return value.has_bytes ? QString::fromStdString(value.text) : QString(kUnread);
 }
@@ -76,7 +92,9 @@ void TevronManager::Parts::TakeModel(std::shared_ptr<LidarModel> loaded) {
   page_rows = PageRows(model->pages);
   my_map = PagesAsVariants(*model->table, model->pages, &model->faults);
   RebuildFov();
-  if (refresh != nullptr) refresh->SetView(ViewInUse());
+  if (refresh != nullptr) {
+    refresh->SetView(ViewInUse());
+  }
 }
 
 bool TevronManager::Parts::RebuildMap() {
@@ -101,7 +119,9 @@ void TevronManager::Parts::ShowValueAt(const VarInfo& var, int level1, int level
 
 bool TevronManager::Parts::RebuildFov() {
   QVariantList texts;
-  for (const std::string& text : edits->fov().Texts()) texts.append(QString::fromStdString(text));
+  for (const std::string& text : edits->fov().Texts()) {
+    texts.append(QString::fromStdString(text));
+  }
   const bool changed = texts != fov_texts;
   fov_texts = std::move(texts);
   return changed;
@@ -113,7 +133,9 @@ void TevronManager::Parts::EndConnection() {
   connecting = false;
   attempt.reset();
   // Closing first wakes the refresh out of its exchange.
-  if (connection != nullptr) connection->Close();
+  if (connection != nullptr) {
+    connection->Close();
+  }
   refresh.reset();
   facts_reading.reset();
   connection.reset();

@@ -14,7 +14,9 @@ namespace {
 bool TakeNumber(const QString& text, int max, int32_t* value) {
   bool is_number = false;
   const int number = text.trimmed().toInt(&is_number, 10);
-  if (!is_number || number < 1 || number > max) return false;
+  if (!is_number || number < 1 || number > max) {
+    return false;
+  }
   *value = number;
   return true;
 }
@@ -23,12 +25,16 @@ bool TakeNumber(const QString& text, int max, int32_t* value) {
 
 void TevronManager::setErrorMsg(const QString& str) {
   parts_->error_message = str;
-  if (!str.isEmpty()) emit errorMessageChanged();
+  if (!str.isEmpty()) {
+    emit errorMessageChanged();
+  }
 }
 
 void TevronManager::setSuccessMsg(const QString& str) {
   parts_->success_message = str;
-  if (!str.isEmpty()) emit successMessageChanged();
+  if (!str.isEmpty()) {
+    emit successMessageChanged();
+  }
 }
 
 QString TevronManager::errorMessage() const { return parts_->error_message; }
@@ -58,7 +64,9 @@ int TevronManager::upgradeProgressTotalLen() const { return 0; }
 bool TevronManager::isDownloadLog() const { return parts_->state.downloading; }
 
 void TevronManager::setIsDownloadLog(bool running) {
-  if (parts_->state.downloading.exchange(running) != running) emit isDownloadLogChanged();
+  if (parts_->state.downloading.exchange(running) != running) {
+    emit isDownloadLogChanged();
+  }
 }
 
 int TevronManager::commandLogCnt() const { return parts_->byte_flow->CommandCount(); }
@@ -82,7 +90,9 @@ int TevronManager::monitorRecordDurationSec() const { return parts_->monitor_rec
 int TevronManager::monitorRecordIntervalSec() const { return parts_->monitor_record_interval_s; }
 
 void TevronManager::setMonitorAutoRefresh(bool on) {
-  if (std::exchange(parts_->monitor_auto_refresh, on) != on) emit monitorAutoRefreshChanged();
+  if (std::exchange(parts_->monitor_auto_refresh, on) != on) {
+    emit monitorAutoRefreshChanged();
+  }
 }
 
 void TevronManager::setMonitorRecordDurationSec(int seconds) {
@@ -120,7 +130,9 @@ bool TevronManager::enableCmxClientHostPortUi() const { return parts_->model->ho
 
 void TevronManager::TakeSetting(std::string* setting, const QString& text) {
   std::string value = text.trimmed().toStdString();
-  if (*setting == value) return;
+  if (*setting == value) {
+    return;
+  }
   *setting = std::move(value);
   emit initInfoChanged();
 }

@@ -28,7 +28,9 @@ int Complain(const std::string& sentence) {
 int OpenSignals() {
   sigset_t signals;
   sigemptyset(&signals);
-  for (const int signal : {SIGTERM, SIGINT, SIGUSR1}) sigaddset(&signals, signal);
+  for (const int signal : {SIGTERM, SIGINT, SIGUSR1}) {
+    sigaddset(&signals, signal);
+  }
   sigprocmask(SIG_BLOCK, &signals, nullptr);
   return signalfd(-1, &signals, SFD_NONBLOCK | SFD_CLOEXEC);
 }
@@ -37,7 +39,9 @@ void OnSignal(int fd, EventLoop* loop, DeviceServer* server) {
   signalfd_siginfo info = {};
   while (read(fd, &info, sizeof info) == static_cast<ssize_t>(sizeof info)) {
     server->Dump();
-    if (info.ssi_signo != SIGUSR1) loop->Stop();
+    if (info.ssi_signo != SIGUSR1) {
+      loop->Stop();
+    }
   }
 }
 
@@ -69,15 +73,21 @@ int Serve(const Options& options, int signals) {
   VirtualDevice device(LoadTable(table_path), MakeProfile(options));
   std::string error;
   for (const auto& [name, text] : options.presets) {
-    if (!device.Preset(name, text, &error)) return Complain(error);
+    if (!device.Preset(name, text, &error)) {
+      return Complain(error);
+    }
   }
   const LineLog log(STDOUT_FILENO);
-  for (const std::string& fault : device.memory().faults()) log.Write(fault);
+  for (const std::string& fault : device.memory().faults()) {
+    log.Write(fault);
+  }
   FaultBox faults(options.faults);
   EventLoop loop;
   DeviceServer server(&loop, &device, &faults, &log, options.server);
   loop.Watch(signals, POLLIN, [&](short) { OnSignal(signals, &loop, &server); });
-  if (!server.Start(&error)) return Complain(error);
+  if (!server.Start(&error)) {
+    return Complain(error);
+  }
   loop.Run();
   return 0;
 }
@@ -87,8 +97,12 @@ int Serve(const Options& options, int signals) {
 int main(int argc, char** argv) {
   int exit_code = 0;
   const auto options = ParseOptions(argc, argv, &exit_code);
-  if (!options) return exit_code;
-  if (options->check_tables) return CheckTables(options->config_folder, std::cout) == 0 ? 0 : 1;
+  if (!options) {
+    return exit_code;
+  }
+  if (options->check_tables) {
+    return CheckTables(options->config_folder, std::cout) == 0 ? 0 : 1;
+  }
   const int signals = OpenSignals();
   try {
     return Serve(*options, signals);

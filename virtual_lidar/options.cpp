@@ -14,7 +14,9 @@ std::string FaultHelp() {
   text << "Fault modes (--fault NAME[=ARG][@CMD][#TIMES], repeatable):\n";
   for (const FaultMode& mode : FaultModes()) {
     std::string name = mode.name;
-    if (*mode.argument != '\0') name += std::string("=") + mode.argument;
+    if (*mode.argument != '\0') {
+      name += std::string("=") + mode.argument;
+    }
     text << "  " << name << std::string(22 - std::min<size_t>(name.size(), 21), ' ')
          << mode.sentence << '\n';
   }
@@ -32,10 +34,14 @@ std::string FaultHelp() {
 
 // The folder that was asked for; by default ./Config, else the one beside the executable's folder.
 std::string ConfigFolder(const std::string& asked) {
-  if (!asked.empty()) return asked;
+  if (!asked.empty()) {
+    return asked;
+  }
   const std::filesystem::path here = "./Config";
   std::error_code ignored;
-  if (std::filesystem::is_directory(here, ignored)) return here.string();
+  if (std::filesystem::is_directory(here, ignored)) {
+    return here.string();
+  }
   const auto program = std::filesystem::read_symlink("/proc/self/exe", ignored);
   const auto beside = program.parent_path().parent_path() / "Config";
   return std::filesystem::is_directory(beside, ignored) ? beside.string() : here.string();
@@ -131,12 +137,16 @@ void MakeSense(const CommandLine& line, Options* options) {
   }
   ServerSetup& server = options->server;
   server.restart_time = std::chrono::milliseconds(line.restart_ms);
-  if (!line.serial || line.port_given) server.tcp_port = line.port;
+  if (!line.serial || line.port_given) {
+    server.tcp_port = line.port;
+  }
   if (line.serial) {
     server.serial =
         options->model == "Lumo" ? ServerSetup::Serial::kPair : ServerSetup::Serial::kOneLine;
   }
-  if (!line.udp.empty()) ParsePointCloudTarget(line.udp, &server.point_cloud.emplace(), &error);
+  if (!line.udp.empty()) {
+    ParsePointCloudTarget(line.udp, &server.point_cloud.emplace(), &error);
+  }
 }
 
 }  // namespace

@@ -21,7 +21,9 @@ using Faults = std::vector<std::string>;
 
 std::string Line(std::initializer_list<std::string_view> parts) {
   std::string line;
-  for (const std::string_view part : parts) line += part;
+  for (const std::string_view part : parts) {
+    line += part;
+  }
   return line;
 }
 
@@ -38,7 +40,9 @@ void CheckVariableTable(const std::string& path, Faults* faults) {
     faults->push_back(InFile(path, error.what()));
     return;
   }
-  for (const TableFault& fault : parser.Faults()) faults->push_back(fault.text);
+  for (const TableFault& fault : parser.Faults()) {
+    faults->push_back(fault.text);
+  }
   const VariableMemory memory(parser);
   faults->insert(faults->end(), memory.faults().begin(), memory.faults().end());
 }
@@ -72,7 +76,9 @@ std::string AuthFault(const AuthConfig& config, const AuthKeys& keys) {
   const bool mix = !keys.mix_c1.empty() && !keys.mix_c2.empty();
   const bool has_keys[] = {mix && !keys.maskword_1.empty(), mix && !keys.maskword_2.empty(),
                            !keys.aes256_key.empty(), !keys.aes128_key.empty()};
-  if (has_keys[config.algorithm_id - 1]) return "";
+  if (has_keys[config.algorithm_id - 1]) {
+    return "";
+  }
   return "the keys of algorithm " + algorithm + " are missing or malformed";
 }
 
@@ -98,12 +104,16 @@ int CheckTables(const std::string& config_folder, std::ostream& out) {
     models.insert(model);
     CheckVariableTable(Line({tables, "/", model, ".csv"}), &faults);
   }
-  if (models.empty()) faults.push_back(tables + ": no variable tables here");
+  if (models.empty()) {
+    faults.push_back(tables + ": no variable tables here");
+  }
 
   const std::string feature = config_folder + "/feature_config.csv";
   Guarded(feature, &faults, [&] {
     CheckModelColumn(feature, models, &faults);
-    for (const std::string& model : models) IsHostPortUiEnabled(feature, model);
+    for (const std::string& model : models) {
+      IsHostPortUiEnabled(feature, model);
+    }
   });
   const std::string auth = config_folder + "/auth_config.csv";
   std::vector<std::string> authenticating;
@@ -113,11 +123,15 @@ int CheckTables(const std::string& config_folder, std::ostream& out) {
     Guarded(auth, &faults, [&] {
       const AuthConfig config = LoadAuthConfig(auth, model);
       const std::string fault = config.enabled ? AuthFault(config, keys) : "";
-      if (!fault.empty()) faults.push_back(Line({auth, ": model \"", model, "\": ", fault}));
+      if (!fault.empty()) {
+        faults.push_back(Line({auth, ": model \"", model, "\": ", fault}));
+      }
     });
   }
 
-  for (const std::string& fault : faults) out << fault << '\n';
+  for (const std::string& fault : faults) {
+    out << fault << '\n';
+  }
   out << models.size() << " variable tables checked, " << faults.size()
       << (faults.size() == 1 ? " fault" : " faults") << std::endl;
   return static_cast<int>(faults.size());

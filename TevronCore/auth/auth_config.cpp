@@ -41,7 +41,9 @@ class Row {
 
   int32_t Decimal(const char* column) const {
     const std::optional<int32_t> value = WholeNumber(Trim(Cell(column)));
-    if (!value) Fail(column, "\"" + std::string(Cell(column)) + "\" is no decimal number");
+    if (!value) {
+      Fail(column, "\"" + std::string(Cell(column)) + "\" is no decimal number");
+    }
     return *value;
   }
 

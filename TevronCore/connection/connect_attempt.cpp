@@ -56,7 +56,9 @@ ConnectAttempt::~ConnectAttempt() {
 void ConnectAttempt::Cancel() {
   stop_.Raise();
   const std::lock_guard<std::mutex> lock(mutex_);
-  if (client_in_work_ != nullptr) client_in_work_->Shutdown();
+  if (client_in_work_ != nullptr) {
+    client_in_work_->Shutdown();
+  }
 }
 
 void ConnectAttempt::Run() {
@@ -90,17 +92,25 @@ std::shared_ptr<Connection> ConnectAttempt::Connect() {
 std::shared_ptr<Connection> ConnectAttempt::ConnectNetwork() {
   uint16_t host_port = 0;
   uint16_t command_port = 0;
-  if (!HostPort(&host_port)) return nullptr;
+  if (!HostPort(&host_port)) {
+    return nullptr;
+  }
   AnnounceTcpAttempt();
-  if (!CommandPort(&command_port)) return nullptr;
+  if (!CommandPort(&command_port)) {
+    return nullptr;
+  }
   const auto client = std::make_shared<CmxClient>(
       request_.settings.lidar_ip, command_port, request_.auto_receive, kPlainTcp, kProtocolVersion,
       "", "", "", kExchangeTimeoutMs, kExchangeTimeoutMs, kConnectTimeLimitS, host_port);
   client->SetStaleInput(request_.model->stale_input);
-  if (!KeepInterruptible(client)) return nullptr;
+  if (!KeepInterruptible(client)) {
+    return nullptr;
+  }
   if (!WaitUntilConnected(client)) {
     const std::string reason = client->ConnectFailure();
-    if (!reason.empty()) report_->LogLine(reason, LogType::kError);
+    if (!reason.empty()) {
+      report_->LogLine(reason, LogType::kError);
+    }
     report_->Error(kOpenFailed);
     return nullptr;
   }
@@ -108,9 +118,13 @@ std::shared_ptr<Connection> ConnectAttempt::ConnectNetwork() {
 }
 
 bool ConnectAttempt::HostPort(uint16_t* port) {
-  if (!request_.model->host_port_enabled) return true;
+  if (!request_.model->host_port_enabled) {
+    return true;
+  }
   std::string reason;
-  if (ParseHostPort(request_.settings.host_port, port, &reason)) return true;
+  if (ParseHostPort(request_.settings.host_port, port, &reason)) {
+    return true;
+  }
   report_->Error(reason);
   return false;
 }
@@ -119,14 +133,18 @@ bool ConnectAttempt::CommandPort(uint16_t* port) {
   const QString text = QString::fromStdString(request_.settings.command_port).trimmed();
   bool is_number = false;
   *port = text.toUShort(&is_number, 10);
-  if (is_number && *port != 0) return true;
+  if (is_number && *port != 0) {
+    return true;
+  }
   report_->Error("The command port \"" + request_.settings.command_port +
                  "\" is no number from 1 to 65535. Correct it and connect again.");
   return false;
 }
 
 bool ConnectAttempt::WaitUntilConnected(const ClientPtr& client) {
-  if (!request_.settings.lidar_ip.empty()) return client->WaitUntilConnected();
+  if (!request_.settings.lidar_ip.empty()) {
+    return client->WaitUntilConnected();
+  }
   const auto udp_port = static_cast<uint16_t>(request_.settings.udp_port);
   kavel::lidar::AddressFinder finder(udp_port, "", "", [this, client](const std::string& address) {
     report_->LogLine("Lidar address learned from its packets: " + address, LogType::kInfo);
@@ -159,16 +177,22 @@ std::shared_ptr<Connection> ConnectAttempt::ConnectSerialPair() {
   }
   const auto serial = std::make_shared<SerialClient>(request_port, answers);
   const ClientPtr client = ClientOver(serial);
-  if (!KeepInterruptible(client)) return nullptr;
+  if (!KeepInterruptible(client)) {
+    return nullptr;
+  }
   return Join(client, serial);
 }
 
 std::shared_ptr<Connection> ConnectAttempt::ConnectSerialCmx() {
   AnnounceTcpAttempt();
   const SerialPtr serial = OpenSerialCmx();
-  if (serial == nullptr) return nullptr;
+  if (serial == nullptr) {
+    return nullptr;
+  }
   const ClientPtr client = ClientOver(serial);
-  if (!KeepInterruptible(client)) return nullptr;
+  if (!KeepInterruptible(client)) {
+    return nullptr;
+  }
   return CheckAlive(Join(client, serial));
 }
 
@@ -178,7 +202,9 @@ ConnectAttempt::SerialPtr ConnectAttempt::OpenSerialCmx() {
                                      static_cast<uint32_t>(request_.settings.command_baud_rate_bps),
                                      kavel::lidar::kReceiveAnswers);
   line->SetLostHandler(handlers_.lost);
-  if (line->Open()) return std::make_shared<SerialClient>(line->port(), line);
+  if (line->Open()) {
+    return std::make_shared<SerialClient>(line->port(), line);
+  }
   report_->LogLine(line->LastError(), LogType::kError);
   // The words of the network, deliberately: one message for a command client that does not open.
   report_->Error(kOpenFailed);
@@ -203,7 +229,9 @@ std::shared_ptr<Connection> ConnectAttempt::Join(const ClientPtr& client, const 
     algorithm = CreateAuthAlgorithm(config.algorithm_id);
     const std::string warning = algorithm == nullptr ? MissingAlgorithm(config.algorithm_id)
                                                      : AuthKeyFileWarning(kAuthKeysPath);
-    if (!warning.empty()) report_->LogLine(warning, LogType::kWarning);
+    if (!warning.empty()) {
+      report_->LogLine(warning, LogType::kWarning);
+    }
   }
   const bool reply_prefix = request_.model->connect_type == kSerialCmx;
   const auto sender = std::make_shared<AuthorizedCmxClient>(
@@ -218,7 +246,9 @@ std::shared_ptr<Connection> ConnectAttempt::CheckAlive(std::shared_ptr<Connectio
   if (!connection->sender()->IsOpen()) {
     std::cout << "CmxClient haven't initialized\n" << std::flush;
   }
-  if (LidarAnswers(*connection->sender())) return connection;
+  if (LidarAnswers(*connection->sender())) {
+    return connection;
+  }
   // The missing first letter is part of the line.
   std::cout << "DEBUG: heckLidarConnection() == false\n" << std::flush;
   report_->Error("Lidar has No CMX reply.");

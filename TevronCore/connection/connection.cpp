@@ -14,7 +14,9 @@ Connection::~Connection() { Close(); }
 
 void Connection::Close() {
   client_->Shutdown();
-  if (serial_ != nullptr) serial_->Close();
+  if (serial_ != nullptr) {
+    serial_->Close();
+  }
 }
 
 void Connection::SetLogSink(const std::shared_ptr<kavel::lidar::LogSink>& sink) {

@@ -18,13 +18,17 @@ QString HostPortKey(const std::string& model) {
 }
 
 void ReadText(const QSettings& file, const char* key, std::string* value) {
-  if (file.contains(key)) *value = file.value(key).toString().toStdString();
+  if (file.contains(key)) {
+    *value = file.value(key).toString().toStdString();
+  }
 }
 
 void ReadNumber(const QSettings& file, const char* key, int32_t max, int32_t* value) {
   bool is_number = false;
   const int number = file.value(key).toInt(&is_number);
-  if (is_number && number >= 1 && number <= max) *value = number;
+  if (is_number && number >= 1 && number <= max) {
+    *value = number;
+  }
 }
 
 }  // namespace
@@ -36,7 +40,9 @@ QString SettingsFilePath() {
 
 ConnectionSettings LoadConnectionSettings(const QString& path) {
   const QSettings file(path, QSettings::IniFormat);
-  if (file.status() != QSettings::NoError) return {};
+  if (file.status() != QSettings::NoError) {
+    return {};
+  }
   ConnectionSettings settings;
   ReadText(file, kIpKey, &settings.lidar_ip);
   ReadText(file, kCommandPortKey, &settings.command_port);
@@ -51,7 +57,9 @@ ConnectionSettings LoadConnectionSettings(const QString& path) {
 std::optional<std::string> LoadHostPort(const QString& path, const std::string& model) {
   const QSettings file(path, QSettings::IniFormat);
   const QString key = HostPortKey(model);
-  if (file.status() != QSettings::NoError || !file.contains(key)) return std::nullopt;
+  if (file.status() != QSettings::NoError || !file.contains(key)) {
+    return std::nullopt;
+  }
   return file.value(key).toString().toStdString();
 }
 

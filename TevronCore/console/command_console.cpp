@@ -33,7 +33,9 @@ uint8_t ParseLowByte(const std::string& text) {
 
 uint8_t ParseCommand(std::string text) {
   const std::string start = text.substr(0, 2);
-  if (start == "0x" || start == "0X") text.erase(0, 2);
+  if (start == "0x" || start == "0X") {
+    text.erase(0, 2);
+  }
   return ParseLowByte(text);
 }
 
@@ -41,7 +43,9 @@ std::vector<uint8_t> ParsePayload(const std::string& text) {
   std::vector<uint8_t> bytes;
   std::istringstream tokens(text);
   for (std::string token; std::getline(tokens, token, ' ');) {
-    if (!token.empty()) bytes.push_back(ParseLowByte(token));
+    if (!token.empty()) {
+      bytes.push_back(ParseLowByte(token));
+    }
   }
   return bytes;
 }
@@ -104,14 +108,18 @@ std::string EffectOf(uint8_t command) {
 CommandConsole::Outcome CommandConsole::Send(kavel::lidar::CommandSender* sender,
                                              const LinkState& state, Family family,
                                              const QString& command, const QString& payload) {
-  if (sender == nullptr || !sender->IsOpen() || !state.MayRead()) return {};
+  if (sender == nullptr || !sender->IsOpen() || !state.MayRead()) {
+    return {};
+  }
   Outcome outcome;
   outcome.attempted = true;
   return_header_.clear();
   return_payload_.clear();
   const std::optional<Request> request =
       ParseRequest(family, command.toStdString(), payload.toStdString(), report_);
-  if (!request) return outcome;
+  if (!request) {
+    return outcome;
+  }
 
   std::vector<uint8_t> reply;
   const bool accepted = sender->QueryCommand(request->payload, reply, request->command, true) == 0;
@@ -123,7 +131,9 @@ CommandConsole::Outcome CommandConsole::Send(kavel::lidar::CommandSender* sender
   }
   ShowReply(reply);
   Remember(command, payload);
-  if (accepted) outcome.success = EffectOf(request->command);
+  if (accepted) {
+    outcome.success = EffectOf(request->command);
+  }
   return outcome;
 }
 
@@ -140,7 +150,9 @@ void CommandConsole::ShowReply(const std::vector<uint8_t>& reply) {
 
 void CommandConsole::Remember(const QString& command, const QString& payload) {
   history_.push_front({LocalTime(), command, payload});
-  if (history_.size() > kHistorySize) history_.pop_back();
+  if (history_.size() > kHistorySize) {
+    history_.pop_back();
+  }
 }
 
 QVariantList CommandConsole::History() const {

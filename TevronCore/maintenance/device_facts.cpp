@@ -39,8 +39,12 @@ QString UpTimeText(uint32_t seconds) {
 }  // namespace
 
 SerialModelKind SerialModelKindOf(const std::string& model) {
-  if (model.rfind("Lumo", 0) == 0) return SerialModelKind::kLumo;
-  if (model.rfind("Kiva", 0) == 0) return SerialModelKind::kKiva;
+  if (model.rfind("Lumo", 0) == 0) {
+    return SerialModelKind::kLumo;
+  }
+  if (model.rfind("Kiva", 0) == 0) {
+    return SerialModelKind::kKiva;
+  }
   return SerialModelKind::kNone;
 }
 

@@ -41,7 +41,9 @@ void FactsReading::Require(Due due) {
 void FactsReading::Run() {
   DeviceFacts facts;
   for (Due due = WaitForRequest(); due != Due::kNothing; due = WaitForRequest()) {
-    if (due == Due::kAfterRestart) WaitUntilBack();
+    if (due == Due::kAfterRestart) {
+      WaitUntilBack();
+    }
     facts = Maintenance({sender_.get(), state_, connect_type_}, *report_).ReadFacts(facts);
     done_(facts);
   }
@@ -57,7 +59,9 @@ void FactsReading::WaitUntilBack() {
   const auto patience_ends = std::chrono::steady_clock::now() + kRestartPatience;
   std::chrono::milliseconds pause = kRestartBegins;
   while (!StoppedWithin(pause) && std::chrono::steady_clock::now() < patience_ends) {
-    if (LidarAnswers(*sender_)) return;
+    if (LidarAnswers(*sender_)) {
+      return;
+    }
     pause = kRestartPoll;
   }
 }

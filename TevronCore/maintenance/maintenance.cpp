@@ -97,13 +97,17 @@ std::optional<uint32_t> Maintenance::ReadBaudRate() {
 }
 
 std::optional<uint32_t> Maintenance::WriteBaudRate(const QString& text) {
-  if (!IsReady(kSetBaudRate)) return std::nullopt;
+  if (!IsReady(kSetBaudRate)) {
+    return std::nullopt;
+  }
   const uint32_t rate = text.toUInt();
   if (rate == 0) {
     report_.Error("invalid baud rate value");
     return std::nullopt;
   }
-  if (!Conclude(kSetBaudRate, SetBaudRate(*link_.sender, rate))) return std::nullopt;
+  if (!Conclude(kSetBaudRate, SetBaudRate(*link_.sender, rate))) {
+    return std::nullopt;
+  }
   return rate;
 }
 
@@ -117,7 +121,9 @@ QVariantList Maintenance::ReadDestination(bool silent) {
 }
 
 bool Maintenance::WriteDestination(const QString& ip, int port) {
-  if (!IsReady(kSetDestination)) return false;
+  if (!IsReady(kSetDestination)) {
+    return false;
+  }
   return Conclude(kSetDestination, WithinField<uint16_t>(port, [&](uint16_t udp_port) {
                     return SetDestination(*link_.sender, {ip.toStdString(), udp_port});
                   }));
@@ -134,7 +140,9 @@ QVariantList Maintenance::ReadNet(bool silent) {
 
 bool Maintenance::WriteNet(const QString& ip, const QString& mask, const QString& gateway,
                            bool vlan, int vlan_id) {
-  if (!IsReady(kSetNet)) return false;
+  if (!IsReady(kSetNet)) {
+    return false;
+  }
   const int32_t result = WithinField<uint16_t>(vlan ? vlan_id : 0, [&](uint16_t id) {
     return SetNetConfig(*link_.sender,
                         {ip.toStdString(), mask.toStdString(), gateway.toStdString(), vlan, id});
@@ -144,21 +152,27 @@ bool Maintenance::WriteNet(const QString& ip, const QString& mask, const QString
 }
 
 bool Maintenance::WriteReturnMode(int return_mode) {
-  if (!IsReady(kSetReturnMode)) return false;
+  if (!IsReady(kSetReturnMode)) {
+    return false;
+  }
   return Conclude(kSetReturnMode, WithinField<uint8_t>(return_mode, [this](uint8_t mode) {
                     return SetReturnMode(*link_.sender, mode);
                   }));
 }
 
 bool Maintenance::WriteSpinRate(int spin_rate_rpm) {
-  if (!IsReady(kSetSpinRate)) return false;
+  if (!IsReady(kSetSpinRate)) {
+    return false;
+  }
   return Conclude(kSetSpinRate, WithinField<uint16_t>(spin_rate_rpm, [this](uint16_t rpm) {
                     return SetSpinRate(*link_.sender, rpm);
                   }));
 }
 
 bool Maintenance::WriteStandby(int standby) {
-  if (!IsReady(kSetStandby)) return false;
+  if (!IsReady(kSetStandby)) {
+    return false;
+  }
   return Conclude(kSetStandby, standby == 0 || standby == 1
                                    ? SetStandby(*link_.sender, standby == 1)
                                    : kBadArgument);
@@ -174,7 +188,9 @@ bool Maintenance::WriteImuRange(int angular_range_index, int accel_range_index) 
     report_.Error("Invalid acceleration range index");
     return false;
   }
-  if (!IsReady(kSetImuRange)) return false;
+  if (!IsReady(kSetImuRange)) {
+    return false;
+  }
   return Conclude(kSetImuRange,
                   SetImuRange(*link_.sender, static_cast<uint8_t>(angular_range_index),
                               static_cast<uint8_t>(accel_range_index)));
@@ -189,7 +205,9 @@ QVariantList Maintenance::ReadFunctionSafety() {
 }
 
 DeviceFacts Maintenance::ReadFacts(DeviceFacts facts) {
-  if (!IsReady(kReadSerialNumber)) return facts;
+  if (!IsReady(kReadSerialNumber)) {
+    return facts;
+  }
   std::string serial_number;
   std::string part_number;
   DeviceStatus status;
@@ -220,7 +238,9 @@ DeviceFacts Maintenance::ReadFacts(DeviceFacts facts) {
 }
 
 int32_t Maintenance::RestartKiva() {
-  if (!IsReady(kRestartKiva)) return kNotConnected;
+  if (!IsReady(kRestartKiva)) {
+    return kNotConnected;
+  }
   const int32_t result = RestartDevice(*link_.sender);
   if (Conclude(kRestartKiva, result)) {
     report_.LogLine("Kiva restart command sent", LogType::kInfo);
@@ -249,7 +269,9 @@ int32_t Maintenance::Send(const TableCommandTexts& texts, const ConfigParser& ta
     obstacle = texts.missing;
   }
   if (obstacle != nullptr) {
-    if (!silent) report_.Error(obstacle);
+    if (!silent) {
+      report_.Error(obstacle);
+    }
     return kNotConnected;
   }
 
@@ -259,7 +281,9 @@ int32_t Maintenance::Send(const TableCommandTexts& texts, const ConfigParser& ta
     route.prefix.insert(route.prefix.end(), var->set_payload.begin(), var->set_payload.end());
     std::vector<uint8_t> reply;
     if (link_.sender->QueryCommand(route.prefix, reply, route.code, false, &reason) == 0) {
-      if (!silent) report_.Success(texts.success);
+      if (!silent) {
+        report_.Success(texts.success);
+      }
       return 0;
     }
   } catch (const std::exception& e) {  // the table's command text is no code
@@ -274,7 +298,9 @@ bool Maintenance::IsReady(const MaintenanceTexts& texts, bool silent) {
   const bool wrong_link = texts.serial_only != nullptr && link_.connect_type != kSerialCmx;
   const bool ready = link_.state.connected && link_.sender != nullptr && !link_.state.upgrading;
   if (wrong_link || !ready) {
-    if (!silent) report_.Error(wrong_link ? texts.serial_only : texts.not_ready);
+    if (!silent) {
+      report_.Error(wrong_link ? texts.serial_only : texts.not_ready);
+    }
     return false;
   }
   return true;
@@ -290,7 +316,9 @@ bool Maintenance::Conclude(const MaintenanceTexts& texts, int32_t result, bool s
 }
 
 void Maintenance::Fail(const std::string& text, bool silent) {
-  if (!silent) report_.Error(text);
+  if (!silent) {
+    report_.Error(text);
+  }
   report_.LogLine(text, LogType::kError);
 }
 

@@ -50,7 +50,9 @@ void EditSession::DropEdits(const std::vector<const VarInfo*>& vars) {
   table_.DropEdits(vars);
   for (const VarInfo* var : vars) {
     pending_.erase(var->set_cmd);
-    if (var->set_cmd == kFovSetCommand) fov_.DropEdits();
+    if (var->set_cmd == kFovSetCommand) {
+      fov_.DropEdits();
+    }
   }
 }
 

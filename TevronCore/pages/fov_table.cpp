@@ -6,12 +6,16 @@
 
 FovTable::EditResult FovTable::Edit(int index, const std::string& text) {
   const auto position = static_cast<size_t>(index);
-  if (position >= kSize) return EditResult::kIgnored;
+  if (position >= kSize) {
+    return EditResult::kIgnored;
+  }
   bool is_number = false;
   const double degrees = QString::fromStdString(text).toDouble(&is_number);
   // Written so that "nan", which Qt takes for a number, fails as well.
   const bool in_range = degrees >= 0.0 && degrees <= kMaxDegrees;
-  if (!is_number || !in_range) return EditResult::kInvalid;
+  if (!is_number || !in_range) {
+    return EditResult::kInvalid;
+  }
   edits_[position] = static_cast<float>(degrees);
   edited_[position] = true;
   return EditResult::kStored;
@@ -34,7 +38,9 @@ void FovTable::DropEdits() { edited_.fill(false); }
 FovTable::Degrees FovTable::Shown() const {
   Degrees shown = reading_;
   for (size_t i = 0; i < kSize; ++i) {
-    if (edited_[i]) shown[i] = edits_[i];
+    if (edited_[i]) {
+      shown[i] = edits_[i];
+    }
   }
   return shown;
 }

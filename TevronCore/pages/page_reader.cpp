@@ -26,9 +26,13 @@ bool IsSilence(int32_t error) { return error < 0 && error != kavel::lidar::kAuth
 std::map<std::string, ReadGroup> GroupByReadCommand(const std::vector<const VarInfo*>& vars) {
   std::map<std::string, ReadGroup> groups;
   for (const VarInfo* var : vars) {
-    if (var->get_cmd.empty()) continue;
+    if (var->get_cmd.empty()) {
+      continue;
+    }
     ReadGroup& group = groups[ReadKey(*var)];
-    if (std::find(group.begin(), group.end(), var) == group.end()) group.push_back(var);
+    if (std::find(group.begin(), group.end(), var) == group.end()) {
+      group.push_back(var);
+    }
   }
   return groups;
 }
@@ -53,7 +57,9 @@ void PageReader::Read(const std::vector<const VarInfo*>& vars, const char* calle
 }
 
 ReadOutcome PageReader::GetInfoFromLidarWithSameCmd(const ReadGroup& group) {
-  if (!sender_.IsOpen() || !state_.MayRead()) return ReadOutcome::kNotSent;
+  if (!sender_.IsOpen() || !state_.MayRead()) {
+    return ReadOutcome::kNotSent;
+  }
   if (group.empty()) {
     qDebug().noquote() << kGroupRead << "(): ERROR with the input v_p_vars -- size == 0";
     return ReadOutcome::kNotSent;
@@ -93,7 +99,9 @@ ReadOutcome PageReader::GetInfoFromLidarWithSameCmd(const ReadGroup& group) {
 }
 
 bool PageReader::GetInfoFromLidar(const VarInfo& var) {
-  if (var.get_cmd.empty()) return false;
+  if (var.get_cmd.empty()) {
+    return false;
+  }
   try {
     return GetInfoFromLidarWithSameCmd({&var}) == ReadOutcome::kRead;
   } catch (const std::exception& e) {
@@ -136,7 +144,9 @@ bool PageReader::UpdateSingleVarFromOutput(const VarInfo& var, uint8_t cmd,
     return true;
   }
   KAVEL_LOG(kError, "%s", fault.c_str());
-  if (var.var_type != "raw") return false;
+  if (var.var_type != "raw") {
+    return false;
+  }
   // What cannot be shown is still carried unchanged in the payload of its set command.
   table_.StoreBytes(var, slice);
   return true;

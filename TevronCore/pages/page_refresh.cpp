@@ -28,7 +28,9 @@ void PageRefresh::UpdatePagesTimer() {
   int passes = 0;
   while (!stop_.WaitFor(kPassInterval)) {
     ++passes;
-    if (!state_.MayRead() || passes < kPassesPerRead) continue;
+    if (!state_.MayRead() || passes < kPassesPerRead) {
+      continue;
+    }
     passes = 0;
     ReadView();
   }
@@ -42,5 +44,7 @@ void PageRefresh::ReadView() {
   }
   PageReader reader(*sender_, *view.model->table, state_, report_);
   reader.Read(view.model->pages.VariablesOf(view.page), "TevronManager::updatePagesTimer");
-  if (!stop_.IsRaised()) on_refreshed_();
+  if (!stop_.IsRaised()) {
+    on_refreshed_();
+  }
 }

@@ -31,7 +31,9 @@ QDebug Debug() { return qDebug().noquote() << "TevronManager::Run"; }
 
 bool PageWriter::Run(int module) {
   const int page_count = parts_.pages.page_count();
-  if (page_count == 0 || !MayWrite() || module < 0 || module >= page_count) return false;
+  if (page_count == 0 || !MayWrite() || module < 0 || module >= page_count) {
+    return false;
+  }
   try {
     Gather(module);
     ReadPresentValues();
@@ -63,12 +65,16 @@ bool PageWriter::MayWrite() {
 void PageWriter::Gather(int module) {
   bool network_settings_pending = false;
   for (const VarInfo* row : parts_.pages.VariablesOf(module)) {
-    if (row->set_cmd.empty() || parts_.pending.erase(row->set_cmd) == 0) continue;
+    if (row->set_cmd.empty() || parts_.pending.erase(row->set_cmd) == 0) {
+      continue;
+    }
     command_ = row->set_cmd;
     names_ = builder_.ChangedNames(command_);
     builder_.Gather(command_);
     for (const VarInfo* var : parts_.table.WrittenBy(command_)) {
-      if (!var->get_cmd.empty()) to_read_.push_back(var);
+      if (!var->get_cmd.empty()) {
+        to_read_.push_back(var);
+      }
     }
     if (command_ == kNetworkCommand) {
       network_settings_pending = true;
@@ -76,7 +82,9 @@ void PageWriter::Gather(int module) {
       send_list_.push_back(command_);
     }
   }
-  if (network_settings_pending) send_list_.emplace_back(kNetworkCommand);
+  if (network_settings_pending) {
+    send_list_.emplace_back(kNetworkCommand);
+  }
   parts_.pending.clear();
 }
 
@@ -162,9 +170,13 @@ void PageWriter::ReportFailure(const std::string& reason) {
   parts_.report.LogLine("Set " + command_ + " Failed. " + names_ + " Detail: " +
                             (command_was_sent_ ? "Command was sent." : "No command was sent."),
                         LogType::kWarning);
-  if (applied_.empty()) return;
+  if (applied_.empty()) {
+    return;
+  }
   std::string list;
-  for (const std::string& set_cmd : applied_) list += (list.empty() ? "[" : ", [") + set_cmd + "]";
+  for (const std::string& set_cmd : applied_) {
+    list += (list.empty() ? "[" : ", [") + set_cmd + "]";
+  }
   parts_.report.LogLine("Already applied before the failure and still in force: " + list,
                         LogType::kWarning);
 }
@@ -173,7 +185,9 @@ void PageWriter::NameNextAddress() {
   const std::vector<const VarInfo*> vars = parts_.table.WrittenBy(kNetworkCommand);
   const auto address = std::find_if(vars.begin(), vars.end(),
                                     [](const VarInfo* var) { return var->var_type == "IP"; });
-  if (address == vars.end()) return;
+  if (address == vars.end()) {
+    return;
+  }
   parts_.report.LogLine("After its restart the lidar is reached at " +
                             parts_.table.ValueOf(**address).text +
                             ": use this address for the next connection.",

@@ -42,7 +42,9 @@ void PayloadBuilder::Gather(const std::string& set_cmd) {
     if (!set_only && value.edited && var->var_type == "raw") {
       throw std::runtime_error("Error with var type");
     }
-    if (set_only || value.edited) converted_[var] = Convert(*var, value.text);
+    if (set_only || value.edited) {
+      converted_[var] = Convert(*var, value.text);
+    }
   }
 }
 
@@ -54,22 +56,30 @@ SetCommand PayloadBuilder::Build(const std::string& set_cmd) const {
   command.names = ChangedNames(set_cmd);
   const bool is_long = !route.prefix.empty();
   command.payload = std::move(route.prefix);
-  if (is_long && !vars.empty()) Append(vars.front()->set_payload, &command.payload);
-  for (const VarInfo* var : vars) Append(BytesOf(*var), &command.payload);
+  if (is_long && !vars.empty()) {
+    Append(vars.front()->set_payload, &command.payload);
+  }
+  for (const VarInfo* var : vars) {
+    Append(BytesOf(*var), &command.payload);
+  }
   return command;
 }
 
 std::string PayloadBuilder::ChangedNames(const std::string& set_cmd) const {
   std::string names;
   for (const VarInfo* var : table_.WrittenBy(set_cmd)) {
-    if (table_.ValueOf(*var).edited) names += var->var_name + ", ";
+    if (table_.ValueOf(*var).edited) {
+      names += var->var_name + ", ";
+    }
   }
   return names;
 }
 
 std::vector<uint8_t> PayloadBuilder::BytesOf(const VarInfo& var) const {
   const auto converted = converted_.find(&var);
-  if (converted != converted_.end()) return converted->second;
+  if (converted != converted_.end()) {
+    return converted->second;
+  }
   ConfigParser::Value value = table_.ValueOf(var);
   if (!value.has_bytes) {
     throw std::runtime_error("Unknown error with this var: It has no current_val. var_name = " +

@@ -27,8 +27,12 @@ const std::regex& MacPattern() {
 
 /// The words of the debug log for a violation.
 const char* Tag(const std::string& suffix) {
-  if (suffix == kInvalidIp) return "has invalid IP format:";
-  if (suffix == kInvalidMac) return "has invalid MAC format:";
+  if (suffix == kInvalidIp) {
+    return "has invalid IP format:";
+  }
+  if (suffix == kInvalidMac) {
+    return "has invalid MAC format:";
+  }
   return ": detected that";
 }
 
@@ -51,8 +55,12 @@ int WholeNumberAtStart(const std::string& text) {
 float FloatAtStart(const std::string& text) {
   float value = 0;
   const Conversion outcome = ToFloat(text, &value);
-  if (outcome == Conversion::kOutOfRange) throw std::out_of_range("stof argument out of range");
-  if (outcome != Conversion::kDone) throw std::invalid_argument("invalid stof argument");
+  if (outcome == Conversion::kOutOfRange) {
+    throw std::out_of_range("stof argument out of range");
+  }
+  if (outcome != Conversion::kDone) {
+    throw std::invalid_argument("invalid stof argument");
+  }
   return value;
 }
 
@@ -63,7 +71,9 @@ void LogConversion(const char* function, const std::logic_error& e) {
 
 bool TruncatesInto(float value, int32_t min, int32_t max) {
   // Outside these bounds the conversion has no defined result, and no range reaches there.
-  if (!(value > -2147483904.0F && value < 2147483648.0F)) return false;
+  if (!(value > -2147483904.0F && value < 2147483648.0F)) {
+    return false;
+  }
   const auto whole = static_cast<int64_t>(value);
   return whole >= min && whole <= max;
 }
@@ -75,7 +85,9 @@ bool RangeCheck::CheckPage(const std::vector<const VarInfo*>& vars,
   constexpr char kFunction[] = "TevronManager::CheckModuleVarsWithinRange";
   bool all_within = true;
   for (const VarInfo* var : vars) {
-    if (var->check_enable == 0) continue;
+    if (var->check_enable == 0) {
+      continue;
+    }
     const std::string text = table_.ValueOf(*var).text;
     std::string suffix;
     try {
@@ -87,7 +99,9 @@ bool RangeCheck::CheckPage(const std::vector<const VarInfo*>& vars,
           LogType::kWarning);
       return false;
     }
-    if (suffix.empty()) continue;
+    if (suffix.empty()) {
+      continue;
+    }
     all_within = false;
     report_.LogLine("Detected that the user set " + var->var_name + suffix, LogType::kWarning);
     LogDebug(kFunction, Tag(suffix), var->var_name);
@@ -100,24 +114,38 @@ std::string RangeCheck::Violation(const VarInfo& var, const std::string& text) {
   if (var.var_type == "string" || var.var_type == "raw") {
     return static_cast<int64_t>(text.size()) > var.length_limit ? kOutOfRange : "";
   }
-  if (var.var_type == "IP") return std::regex_match(text, IpPattern()) ? "" : kInvalidIp;
-  if (var.var_type == "MAC") return std::regex_match(text, MacPattern()) ? "" : kInvalidMac;
-  if (var.range_min == 0 && var.range_max == 0) return "";
-  if (IsSwitchedOff(var, text)) return "";
+  if (var.var_type == "IP") {
+    return std::regex_match(text, IpPattern()) ? "" : kInvalidIp;
+  }
+  if (var.var_type == "MAC") {
+    return std::regex_match(text, MacPattern()) ? "" : kInvalidMac;
+  }
+  if (var.range_min == 0 && var.range_max == 0) {
+    return "";
+  }
+  if (IsSwitchedOff(var, text)) {
+    return "";
+  }
   const int value = WholeNumberAtStart(text);
   return value < var.range_min || value > var.range_max ? kOutOfRange : "";
 }
 
 bool RangeCheck::IsSwitchedOff(const VarInfo& var, const std::string& text) {
-  if (var.type == RowKind::kSwitch && text == "0") return true;
-  if (var.switch_var_id.empty()) return false;
+  if (var.type == RowKind::kSwitch && text == "0") {
+    return true;
+  }
+  if (var.switch_var_id.empty()) {
+    return false;
+  }
   const VarInfo* control = table_.Find(var.switch_var_id);
   return control != nullptr && table_.ValueOf(*control).text == "0";
 }
 
 bool RangeCheck::CheckVar(const VarInfo& var) {
   constexpr char kFunction[] = "TevronManager::CheckVarIsWithinRange";
-  if (var.var_type == "string" || var.range_min == 0 || var.range_max == 0) return true;
+  if (var.var_type == "string" || var.range_min == 0 || var.range_max == 0) {
+    return true;
+  }
   try {
     const float value = FloatAtStart(table_.ValueOf(var).text) * var.coefficient;
     return TruncatesInto(value, var.range_min, var.range_max);

@@ -23,8 +23,12 @@ std::string ModelNameOf(const std::string& table_path) {
 }  // namespace
 
 int ConnectTypeOf(const std::string& model) {
-  if (model == "Lumo") return kSerialPair;
-  if (model == "Lumo-CMX" || model == "Kiva-CMX") return kSerialCmx;
+  if (model == "Lumo") {
+    return kSerialPair;
+  }
+  if (model == "Lumo-CMX" || model == "Kiva-CMX") {
+    return kSerialCmx;
+  }
   return kNetworkLink;
 }
 
@@ -38,7 +42,9 @@ std::shared_ptr<LidarModel> LoadLidarModel(const std::string& table_path) {
   } catch (const std::exception& e) {
     model->faults.push_back(table_path + ": " + e.what());
   }
-  for (const TableFault& fault : model->table->Faults()) model->faults.push_back(fault.text);
+  for (const TableFault& fault : model->table->Faults()) {
+    model->faults.push_back(fault.text);
+  }
   model->pages = PageModel(*model->table);
 
   const std::string features = model->config_folder + "/feature_config.csv";

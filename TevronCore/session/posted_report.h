@@ -35,7 +35,9 @@ class PostedReport : public UserReport {
     QMetaObject::invokeMethod(
         &context_,
         [&target = target_, wanted = wanted_, call = std::move(call)] {
-          if (wanted()) call(target);
+          if (wanted()) {
+            call(target);
+          }
         },
         Qt::QueuedConnection);
   }

@@ -21,26 +21,34 @@ using Bytes = std::vector<uint8_t>;
 // answered another command.
 int32_t Ask(CommandSender& sender, uint8_t cmd, const Bytes& payload, Bytes* reply) {
   int32_t error = 0;
-  if (sender.QueryCommand(payload, *reply, cmd, false, &error) == 0) return 0;
+  if (sender.QueryCommand(payload, *reply, cmd, false, &error) == 0) {
+    return 0;
+  }
   return error == 0 ? kBadReply : error;
 }
 
 int32_t AskFor(CommandSender& sender, uint8_t cmd, size_t size, Bytes* reply) {
   const int32_t code = Ask(sender, cmd, {}, reply);
-  if (code != 0) return code;
+  if (code != 0) {
+    return code;
+  }
   return reply->size() == size ? 0 : kBadReply;
 }
 
 int32_t Tell(CommandSender& sender, uint8_t cmd, const Bytes& payload) {
   Bytes reply;
   const int32_t code = Ask(sender, cmd, payload, &reply);
-  if (code != 0) return code;
+  if (code != 0) {
+    return code;
+  }
   return reply.empty() ? 0 : kBadReply;
 }
 
 bool AppendIpv4(Bytes& payload, const std::string& text) {
   uint8_t octets[kIpv4Size];
-  if (!ParseDottedIpv4(text, octets)) return false;
+  if (!ParseDottedIpv4(text, octets)) {
+    return false;
+  }
   payload.insert(payload.end(), std::begin(octets), std::end(octets));
   return true;
 }
@@ -53,8 +61,12 @@ std::string PaddedText(const uint8_t* data, size_t size) {
 int32_t AskForText(CommandSender& sender, uint8_t cmd, size_t max_size, std::string* text) {
   Bytes reply;
   const int32_t code = Ask(sender, cmd, {}, &reply);
-  if (code != 0) return code;
-  if (reply.empty() || reply.size() > max_size) return kBadReply;
+  if (code != 0) {
+    return code;
+  }
+  if (reply.empty() || reply.size() > max_size) {
+    return kBadReply;
+  }
   *text = PaddedText(reply.data(), reply.size());
   return 0;
 }
@@ -76,12 +88,16 @@ int32_t RestartDevice(CommandSender& sender) { return Tell(sender, kCmdRestart, 
 int32_t GetBaudRate(CommandSender& sender, uint32_t* baud_rate_bps) {
   Bytes reply;
   const int32_t code = AskFor(sender, kCmdGetBaudRate, sizeof(uint32_t), &reply);
-  if (code == 0) *baud_rate_bps = ReadBigEndian32(reply.data());
+  if (code == 0) {
+    *baud_rate_bps = ReadBigEndian32(reply.data());
+  }
   return code;
 }
 
 int32_t SetBaudRate(CommandSender& sender, uint32_t baud_rate_bps) {
-  if (baud_rate_bps == 0) return kBadArgument;
+  if (baud_rate_bps == 0) {
+    return kBadArgument;
+  }
   Bytes payload;
   AppendBigEndian32(payload, baud_rate_bps);
   return Tell(sender, kCmdSetBaudRate, payload);
@@ -90,7 +106,9 @@ int32_t SetBaudRate(CommandSender& sender, uint32_t baud_rate_bps) {
 int32_t GetDestination(CommandSender& sender, Destination* destination) {
   Bytes reply;
   const int32_t code = AskFor(sender, kCmdGetDestination, kDestinationSize, &reply);
-  if (code != 0) return code;
+  if (code != 0) {
+    return code;
+  }
   destination->ip = DottedIpv4(reply.data());
   destination->port = ReadBigEndian16(reply.data() + kIpv4Size);
   return 0;
@@ -98,7 +116,9 @@ int32_t GetDestination(CommandSender& sender, Destination* destination) {
 
 int32_t SetDestination(CommandSender& sender, const Destination& destination) {
   Bytes payload;
-  if (!AppendIpv4(payload, destination.ip)) return kBadArgument;
+  if (!AppendIpv4(payload, destination.ip)) {
+    return kBadArgument;
+  }
   AppendBigEndian16(payload, destination.port);
   return Tell(sender, kCmdSetDestination, payload);
 }
@@ -106,7 +126,9 @@ int32_t SetDestination(CommandSender& sender, const Destination& destination) {
 int32_t GetNetConfig(CommandSender& sender, NetConfig* config) {
   Bytes reply;
   const int32_t code = AskFor(sender, kCmdGetNet, kNetConfigSize, &reply);
-  if (code != 0) return code;
+  if (code != 0) {
+    return code;
+  }
   const uint8_t* field = reply.data();
   config->ip = DottedIpv4(field);
   config->mask = DottedIpv4(field + kIpv4Size);
@@ -160,7 +182,9 @@ int32_t GetPartNumber(CommandSender& sender, std::string* number) {
 int32_t GetVersions(CommandSender& sender, DeviceVersions* versions) {
   Bytes reply;
   const int32_t code = AskFor(sender, kCmdGetVersions, 3 * kVersionTextSize, &reply);
-  if (code != 0) return code;
+  if (code != 0) {
+    return code;
+  }
   versions->firmware = PaddedText(reply.data(), kVersionTextSize);
   versions->fpga_a = PaddedText(reply.data() + kVersionTextSize, kVersionTextSize);
   versions->fpga_b = PaddedText(reply.data() + 2 * kVersionTextSize, kVersionTextSize);
@@ -170,8 +194,12 @@ int32_t GetVersions(CommandSender& sender, DeviceVersions* versions) {
 int32_t GetFunctionSafety(CommandSender& sender, std::vector<SafetyState>* states) {
   Bytes reply;
   const int32_t code = Ask(sender, kCmdGetFunctionSafety, {}, &reply);
-  if (code != 0) return code;
-  if (reply.empty() || reply.size() != 1 + reply[0] * kSafetyStateSize) return kBadReply;
+  if (code != 0) {
+    return code;
+  }
+  if (reply.empty() || reply.size() != 1 + reply[0] * kSafetyStateSize) {
+    return kBadReply;
+  }
   states->clear();
   for (size_t at = 1; at < reply.size(); at += kSafetyStateSize) {
     states->push_back({reply[at], reply[at + 1], ReadBigEndian16(reply.data() + at + 2)});
@@ -182,7 +210,9 @@ int32_t GetFunctionSafety(CommandSender& sender, std::vector<SafetyState>* state
 int32_t GetStatus(CommandSender& sender, DeviceStatus* status) {
   Bytes reply;
   const int32_t code = AskFor(sender, kCmdGetStatus, kStatusSize, &reply);
-  if (code != 0) return code;
+  if (code != 0) {
+    return code;
+  }
   status->return_mode = reply[0];
   status->spin_rate_rpm = ReadBigEndian16(reply.data() + 1);
   status->standby = reply[3] != 0;

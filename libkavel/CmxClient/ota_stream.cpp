@@ -25,11 +25,17 @@ void CloseFrame(std::vector<uint8_t>& frame, const std::vector<uint8_t>& payload
 // Checks everything around the counted bytes and returns how many of these there are; 0 when
 // anything does not fit.
 size_t CheckedCount(const std::vector<uint8_t>& block) {
-  if (block.size() <= kOtaUncounted || !IsOtaFrame(block)) return 0;
+  if (block.size() <= kOtaUncounted || !IsOtaFrame(block)) {
+    return 0;
+  }
   const size_t counted = ReadBigEndian16(block.data() + kOtaPrefixSize);
-  if (block.size() != counted + kOtaUncounted) return 0;
+  if (block.size() != counted + kOtaUncounted) {
+    return 0;
+  }
   const uint8_t* checksum = block.data() + kCountedOffset + counted;
-  if (checksum[4] != kSerialTerminator1 || checksum[5] != kSerialTerminator2) return 0;
+  if (checksum[4] != kSerialTerminator1 || checksum[5] != kSerialTerminator2) {
+    return 0;
+  }
   const uint32_t expected = SerialChecksum(block.data() + kOtaPrefixSize, counted + 2);
   return ReadBigEndian32(checksum) == expected ? counted : 0;
 }
@@ -48,7 +54,9 @@ bool IsOtaFrame(const std::vector<uint8_t>& block) {
 }
 
 std::vector<uint8_t> BuildOtaFrame(uint8_t cmd, const std::vector<uint8_t>& payload) {
-  if (payload.size() > kOtaMaxPayload) return {};
+  if (payload.size() > kOtaMaxPayload) {
+    return {};
+  }
   std::vector<uint8_t> frame = BeginFrame(payload.size() + 1);
   frame.push_back(cmd);
   CloseFrame(frame, payload);
@@ -57,7 +65,9 @@ std::vector<uint8_t> BuildOtaFrame(uint8_t cmd, const std::vector<uint8_t>& payl
 
 bool ParseOtaFrame(const std::vector<uint8_t>& block, uint8_t* cmd, std::vector<uint8_t>* payload) {
   const size_t counted = CheckedCount(block);
-  if (counted < 1) return false;
+  if (counted < 1) {
+    return false;
+  }
   *cmd = block[kCountedOffset];
   CopyPayload(block, kCountedOffset + 1, counted - 1, payload);
   return true;
@@ -65,7 +75,9 @@ bool ParseOtaFrame(const std::vector<uint8_t>& block, uint8_t* cmd, std::vector<
 
 std::vector<uint8_t> BuildOtaResponse(uint8_t cmd, uint8_t return_code,
                                       const std::vector<uint8_t>& payload) {
-  if (payload.size() > kOtaMaxPayload) return {};
+  if (payload.size() > kOtaMaxPayload) {
+    return {};
+  }
   std::vector<uint8_t> frame = BeginFrame(payload.size() + 2);
   frame.push_back(cmd);
   frame.push_back(return_code);
@@ -76,7 +88,9 @@ std::vector<uint8_t> BuildOtaResponse(uint8_t cmd, uint8_t return_code,
 bool ParseOtaResponse(const std::vector<uint8_t>& block, uint8_t* cmd, uint8_t* return_code,
                       std::vector<uint8_t>* payload) {
   const size_t counted = CheckedCount(block);
-  if (counted < 2) return false;
+  if (counted < 2) {
+    return false;
+  }
   *cmd = block[kCountedOffset];
   *return_code = block[kCountedOffset + 1];
   CopyPayload(block, kCountedOffset + 2, counted - 2, payload);

@@ -27,11 +27,15 @@ bool SerialClient::IsOpen() const {
 
 int32_t SerialClient::SendCommand(uint8_t cmd, const std::vector<uint8_t>& payload,
                                   std::vector<uint8_t>& result, uint32_t timeout_ms) {
-  if (payload.size() > kSerialMaxPayload) return kSerialNotReady;
+  if (payload.size() > kSerialMaxPayload) {
+    return kSerialNotReady;
+  }
   std::vector<uint8_t> block;
   const int32_t code =
       ExchangeBlock(BuildSerialFrame(cmd, payload), kSerialBlockSize, timeout_ms, block);
-  if (code != 0) return code;
+  if (code != 0) {
+    return code;
+  }
   return ParseSerialResponse(block, result) ? 0 : kSerialBadAnswer;
 }
 
@@ -39,7 +43,9 @@ int32_t SerialClient::SwitchMode(uint8_t mode, uint8_t sub_mode) {
   std::vector<uint8_t> inner;
   const int32_t code =
       SendCommand(kSwitchModeCommand, {mode, sub_mode}, inner, kSwitchModeTimeoutMs);
-  if (code != 0) return code;
+  if (code != 0) {
+    return code;
+  }
   if (inner.size() != kSwitchModeInnerSize || inner[1] != kSwitchModeCommand || inner[2] != mode) {
     return kSerialBadAnswer;
   }
@@ -49,11 +55,17 @@ int32_t SerialClient::SwitchMode(uint8_t mode, uint8_t sub_mode) {
 int32_t SerialClient::ExchangeBlock(const std::vector<uint8_t>& frame, size_t max_block,
                                     uint32_t timeout_ms, std::vector<uint8_t>& block) {
   const std::lock_guard<std::mutex> lock(mutex_);
-  if (!IsOpen()) return kSerialNotReady;
+  if (!IsOpen()) {
+    return kSerialNotReady;
+  }
   WriteToSink("SEND: ", frame);
   receiver_->SetReceiveMode(kModeEmptyBuffer);
-  if (!SendFrame(frame)) return kSerialNotReady;
-  if (receiver_->ReceiveBlock(block, max_block, timeout_ms) < 0) return kSerialNoAnswer;
+  if (!SendFrame(frame)) {
+    return kSerialNotReady;
+  }
+  if (receiver_->ReceiveBlock(block, max_block, timeout_ms) < 0) {
+    return kSerialNoAnswer;
+  }
   WriteToSink("RECV: ", block);
   return 0;
 }
@@ -66,13 +78,17 @@ bool SerialClient::SendFrame(const std::vector<uint8_t>& frame) {
 
 bool SerialClient::SetBaudRate(uint32_t baud_rate_bps) {
   const std::lock_guard<std::mutex> lock(mutex_);
-  if (!IsOpen()) return false;
+  if (!IsOpen()) {
+    return false;
+  }
   return send_port_->SetBaudRate(baud_rate_bps);
 }
 
 std::string SerialClient::LastError() const {
   std::string send_error = send_port_ != nullptr ? send_port_->LastError() : std::string();
-  if (!send_error.empty() || receiver_ == nullptr) return send_error;
+  if (!send_error.empty() || receiver_ == nullptr) {
+    return send_error;
+  }
   return receiver_->LastError();
 }
 
@@ -87,19 +103,29 @@ void SerialClient::WriteToSink(const char* tag, const std::vector<uint8_t>& byte
     const std::lock_guard<std::mutex> lock(sink_mutex_);
     sink = sink_;
   }
-  if (sink != nullptr) sink->WriteLine(tag + HexText(bytes));
+  if (sink != nullptr) {
+    sink->WriteLine(tag + HexText(bytes));
+  }
 }
 
 void SerialClient::Interrupt() {
   interrupted_ = true;
-  if (send_port_ != nullptr) send_port_->Interrupt();
-  if (receiver_ != nullptr) receiver_->Interrupt();
+  if (send_port_ != nullptr) {
+    send_port_->Interrupt();
+  }
+  if (receiver_ != nullptr) {
+    receiver_->Interrupt();
+  }
 }
 
 void SerialClient::Close() {
   Interrupt();
-  if (receiver_ != nullptr) receiver_->Close();
-  if (send_port_ != nullptr) send_port_->Close();
+  if (receiver_ != nullptr) {
+    receiver_->Close();
+  }
+  if (send_port_ != nullptr) {
+    send_port_->Close();
+  }
 }
 
 }  // namespace kavel::lidar

@@ -55,7 +55,9 @@ bool SerialCmxTransport::IsOpened() { return client_->IsOpen(); }
 int32_t SerialCmxTransport::Send(uint8_t* data, uint16_t length, int32_t /*flags*/) {
   answer_.clear();
   handed_out_ = 0;
-  if (!IsWholeCmxFrame(data, length)) return -1;
+  if (!IsWholeCmxFrame(data, length)) {
+    return -1;
+  }
   const std::vector<uint8_t> payload(data + kHeader.size, data + length);
   return Exchange(data[kHeader.command_at], payload) ? length : -1;
 }
@@ -69,13 +71,17 @@ bool SerialCmxTransport::Exchange(uint8_t cmd, const std::vector<uint8_t>& paylo
   const int32_t code =
       client_->ExchangeBlock(frame, kLongestAnswer, OrForever(receive_timeout_ms_), block);
   // A short request may have a long answer and the other way round.
-  if (code == 0) IsOtaFrame(block) ? KeepLongAnswer(block) : KeepShortAnswer(block);
+  if (code == 0) {
+    IsOtaFrame(block) ? KeepLongAnswer(block) : KeepShortAnswer(block);
+  }
   return code != kSerialNotReady;
 }
 
 void SerialCmxTransport::KeepShortAnswer(const std::vector<uint8_t>& block) {
   std::vector<uint8_t> inner;
-  if (!ParseSerialResponse(block, inner) || inner.size() < kInnerPayloadOffset) return;
+  if (!ParseSerialResponse(block, inner) || inner.size() < kInnerPayloadOffset) {
+    return;
+  }
   KeepAnswer(inner[1], inner[2], {inner.begin() + kInnerPayloadOffset, inner.end()});
 }
 
@@ -83,7 +89,9 @@ void SerialCmxTransport::KeepLongAnswer(const std::vector<uint8_t>& block) {
   uint8_t cmd = 0;
   uint8_t return_code = 0;
   std::vector<uint8_t> payload;
-  if (ParseOtaResponse(block, &cmd, &return_code, &payload)) KeepAnswer(cmd, return_code, payload);
+  if (ParseOtaResponse(block, &cmd, &return_code, &payload)) {
+    KeepAnswer(cmd, return_code, payload);
+  }
 }
 
 void SerialCmxTransport::KeepAnswer(uint8_t cmd, uint8_t return_code,
@@ -95,7 +103,9 @@ void SerialCmxTransport::KeepAnswer(uint8_t cmd, uint8_t return_code,
 
 int32_t SerialCmxTransport::Receive(uint8_t* buffer, uint32_t length, int32_t /*flags*/) {
   const size_t count = std::min<size_t>(answer_.size() - handed_out_, length);
-  if (count == 0) return -1;
+  if (count == 0) {
+    return -1;
+  }
   std::copy_n(answer_.data() + handed_out_, count, buffer);
   handed_out_ += count;
   return static_cast<int32_t>(count);

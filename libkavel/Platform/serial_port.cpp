@@ -39,7 +39,9 @@ void SerialPort::Close() {
     const std::lock_guard<std::mutex> lock(mutex_);
     handle.swap(handle_);
   }
-  if (handle != nullptr) Release(*handle);
+  if (handle != nullptr) {
+    Release(*handle);
+  }
 }
 
 // A handle that was closed meanwhile fails because of that, which is no news. The reason is there
@@ -47,7 +49,9 @@ void SerialPort::Close() {
 void SerialPort::Fail(const std::shared_ptr<Handle>& handle, const std::string& message) {
   {
     const std::lock_guard<std::mutex> lock(mutex_);
-    if (handle_ != handle) return;
+    if (handle_ != handle) {
+      return;
+    }
     last_error_ = message;
     handle_.reset();
   }

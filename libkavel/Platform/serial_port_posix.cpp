@@ -86,10 +86,14 @@ std::string ApplyRate(int fd, unsigned long request, termios2* line, const std::
       "Serial port " + path + " cannot run at " + std::to_string(baud_rate_bps) + " baud";
   const std::string advice = ". Choose another rate or another adapter.";
   // Rate 0 would hang the line up.
-  if (baud_rate_bps == 0) return prefix + advice;
+  if (baud_rate_bps == 0) {
+    return prefix + advice;
+  }
   SetRate(line, baud_rate_bps);
   termios2 applied{};
-  if (ioctl(fd, request, line) != 0 || !ReadLine(fd, &applied)) return prefix + advice;
+  if (ioctl(fd, request, line) != 0 || !ReadLine(fd, &applied)) {
+    return prefix + advice;
+  }
   const double error = static_cast<double>(applied.c_ospeed) / baud_rate_bps - 1.0;
   if (error > kLargestRateError || error < -kLargestRateError) {
     return prefix + " (the nearest is " + std::to_string(applied.c_ospeed) + ")" + advice;
@@ -100,7 +104,9 @@ std::string ApplyRate(int fd, unsigned long request, termios2* line, const std::
 }  // namespace
 
 std::string SerialDevicePath(const std::string& port_name) {
-  if (port_name.empty() || port_name.find('/') != std::string::npos) return port_name;
+  if (port_name.empty() || port_name.find('/') != std::string::npos) {
+    return port_name;
+  }
   return "/dev/" + port_name;
 }
 
@@ -136,15 +142,23 @@ SerialPort::Handle::Event SerialPort::Handle::Wait(short events, uint32_t timeou
     pollfd fds[] = {{port, events, 0}, {wake, POLLIN, 0}};
     const int wait_ms = static_cast<int>(std::clamp<int64_t>(left, 0, 60'000));
     const int ready = poll(fds, 2, wait_ms);
-    if (ready < 0 && errno != EINTR) return Event::kFailed;
-    if (ready > 0 && fds[1].revents != 0) return Event::kWoken;
+    if (ready < 0 && errno != EINTR) {
+      return Event::kFailed;
+    }
+    if (ready > 0 && fds[1].revents != 0) {
+      return Event::kWoken;
+    }
     // Errors and a hang-up count as readable: the read that follows tells which it is.
-    if (ready > 0 && (events & POLLIN) != 0) return Event::kReady;
+    if (ready > 0 && (events & POLLIN) != 0) {
+      return Event::kReady;
+    }
     if (ready > 0) {
       return (fds[0].revents & (POLLERR | POLLHUP | POLLNVAL)) != 0 ? Event::kFailed
                                                                     : Event::kReady;
     }
-    if (ready == 0 && left <= 60'000) return Event::kTimeout;
+    if (ready == 0 && left <= 60'000) {
+      return Event::kTimeout;
+    }
   }
 }
 
@@ -160,15 +174,23 @@ bool SerialPort::Open(const std::string& port_name, uint32_t baud_rate_bps) {
   }
   const std::string path = SerialDevicePath(port_name);
   const int fd = open(path.c_str(), O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC);
-  if (fd < 0) return Refuse(OpenFailure(path.empty() ? "\"\"" : path, errno));
+  if (fd < 0) {
+    return Refuse(OpenFailure(path.empty() ? "\"\"" : path, errno));
+  }
   const int wake = eventfd(0, EFD_NONBLOCK | EFD_CLOEXEC);
   const auto handle = std::make_shared<Handle>(fd, wake);
-  if (wake < 0) return Refuse(OpenFailure(path, errno));
+  if (wake < 0) {
+    return Refuse(OpenFailure(path, errno));
+  }
 
   // The terminal's own exclusive mode lets the superuser pass, the file lock does not.
   termios2 line{};
-  if (!ReadLine(fd, &line)) return Refuse(OpenFailure(path, errno));
-  if (flock(fd, LOCK_EX | LOCK_NB) != 0) return Refuse(OpenFailure(path, errno));
+  if (!ReadLine(fd, &line)) {
+    return Refuse(OpenFailure(path, errno));
+  }
+  if (flock(fd, LOCK_EX | LOCK_NB) != 0) {
+    return Refuse(OpenFailure(path, errno));
+  }
   ioctl(fd, TIOCEXCL);
 
   MakeRaw(&line);
@@ -187,10 +209,14 @@ bool SerialPort::Open(const std::string& port_name, uint32_t baud_rate_bps) {
 bool SerialPort::SetBaudRate(uint32_t baud_rate_bps) {
   const std::shared_ptr<Handle> handle = CurrentHandle();
   termios2 line{};
-  if (handle == nullptr || !ReadLine(handle->port, &line)) return false;
+  if (handle == nullptr || !ReadLine(handle->port, &line)) {
+    return false;
+  }
   const std::string fault =
       ApplyRate(handle->port, TCSETSW2, &line, SerialDevicePath(name()), baud_rate_bps);
-  if (!fault.empty()) return Refuse(fault);
+  if (!fault.empty()) {
+    return Refuse(fault);
+  }
   const std::lock_guard<std::mutex> lock(mutex_);
   baud_rate_bps_ = baud_rate_bps;
   return true;
@@ -207,18 +233,28 @@ void SerialPort::Release(Handle& handle) {
 
 int32_t SerialPort::Read(uint8_t* buffer, size_t size, uint32_t timeout_ms) {
   const std::shared_ptr<Handle> handle = CurrentHandle();
-  if (handle == nullptr) return -1;
+  if (handle == nullptr) {
+    return -1;
+  }
   const Clock::time_point deadline = Clock::now() + std::chrono::milliseconds(timeout_ms);
   for (;;) {
     const auto left = std::chrono::ceil<std::chrono::milliseconds>(deadline - Clock::now()).count();
     const Handle::Event event =
         handle->Wait(POLLIN, static_cast<uint32_t>(std::max<int64_t>(left, 0)));
-    if (event == Handle::Event::kTimeout) return 0;
-    if (event == Handle::Event::kWoken) return -1;
+    if (event == Handle::Event::kTimeout) {
+      return 0;
+    }
+    if (event == Handle::Event::kWoken) {
+      return -1;
+    }
     const ssize_t count = read(handle->port, buffer, std::min<size_t>(size, INT32_MAX));
-    if (count > 0) return static_cast<int32_t>(count);
+    if (count > 0) {
+      return static_cast<int32_t>(count);
+    }
     const int error = count == 0 ? EIO : errno;
-    if (error == EINTR || error == EAGAIN) continue;
+    if (error == EINTR || error == EAGAIN) {
+      continue;
+    }
     Fail(handle, LossMessage(name(), ErrorWords(error)));
     return -1;
   }
@@ -226,15 +262,25 @@ int32_t SerialPort::Read(uint8_t* buffer, size_t size, uint32_t timeout_ms) {
 
 int32_t SerialPort::Write(const uint8_t* data, size_t size, uint32_t timeout_ms) {
   const std::shared_ptr<Handle> handle = CurrentHandle();
-  if (handle == nullptr) return -1;
+  if (handle == nullptr) {
+    return -1;
+  }
   size_t written = 0;
   while (written < size) {
     const Handle::Event event = handle->Wait(POLLOUT, timeout_ms);
-    if (event == Handle::Event::kTimeout) break;
-    if (event == Handle::Event::kWoken) return -1;
+    if (event == Handle::Event::kTimeout) {
+      break;
+    }
+    if (event == Handle::Event::kWoken) {
+      return -1;
+    }
     const ssize_t count = write(handle->port, data + written, size - written);
-    if (count > 0) written += static_cast<size_t>(count);
-    if (count >= 0 || errno == EINTR || errno == EAGAIN) continue;
+    if (count > 0) {
+      written += static_cast<size_t>(count);
+    }
+    if (count >= 0 || errno == EINTR || errno == EAGAIN) {
+      continue;
+    }
     Fail(handle, LossMessage(name(), ErrorWords(errno)));
     return -1;
   }
@@ -248,7 +294,9 @@ bool SerialPort::PurgeInput() {
 
 void SerialPort::Interrupt() {
   const std::shared_ptr<Handle> handle = CurrentHandle();
-  if (handle != nullptr) handle->Wake();
+  if (handle != nullptr) {
+    handle->Wake();
+  }
 }
 
 }  // namespace kavel::lidar

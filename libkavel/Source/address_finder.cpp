@@ -21,7 +21,9 @@ AddressFinder::AddressFinder(uint16_t port, const std::string& local_ip,
 AddressFinder::~AddressFinder() { Stop(); }
 
 bool AddressFinder::Start() {
-  if (running_ || !source_.Open()) return false;
+  if (running_ || !source_.Open()) {
+    return false;
+  }
   bound_port_ = source_.BoundPort();
   running_ = true;
   thread_ = std::thread(&AddressFinder::Listen, this);
@@ -29,7 +31,9 @@ bool AddressFinder::Start() {
 }
 
 void AddressFinder::Stop() {
-  if (!running_) return;
+  if (!running_) {
+    return;
+  }
   running_ = false;
   thread_.join();
   source_.Close();
@@ -42,11 +46,15 @@ void AddressFinder::Listen() {
     const int32_t count = source_.Receive(packet, UdpPacket::kCapacity, 0, kWaitUs);
     if (count < 0) {
       // The first one only arms the wait.
-      if (++failures > 1) std::this_thread::sleep_for(kPauseAfterError);
+      if (++failures > 1) {
+        std::this_thread::sleep_for(kPauseAfterError);
+      }
       continue;
     }
     failures = 0;
-    if (packet.timed_out == 0) Count(packet.ip, static_cast<uint32_t>(count));
+    if (packet.timed_out == 0) {
+      Count(packet.ip, static_cast<uint32_t>(count));
+    }
   }
 }
 
@@ -65,7 +73,9 @@ void AddressFinder::Count(uint32_t ip, uint32_t size) {
     }
   }
   bytes_ += size;
-  if (packets_++ == 0 && on_first_) on_first_(address);
+  if (packets_++ == 0 && on_first_) {
+    on_first_(address);
+  }
 }
 
 std::vector<AddressFinder::Sender> AddressFinder::Senders() const {

@@ -22,7 +22,9 @@ constexpr size_t kVersionOffset = 7;
 constexpr uint64_t kBitTimesPerByte = 20;
 
 void PushBounded(std::deque<std::vector<uint8_t>>& queue, std::vector<uint8_t> item, size_t limit) {
-  if (queue.size() == limit) queue.pop_front();
+  if (queue.size() == limit) {
+    queue.pop_front();
+  }
   queue.push_back(std::move(item));
 }
 
@@ -39,7 +41,9 @@ SerialSource::~SerialSource() { Stop(); }
 
 bool SerialSource::Open() {
   const std::lock_guard<std::mutex> lifecycle(lifecycle_mutex_);
-  if (IsOpened()) return true;
+  if (IsOpened()) {
+    return true;
+  }
   StopLocked();
   if (receive_type_ != kReceiveAnswersAndPoints && receive_type_ != kReceiveAnswers) {
     const std::string reason = "not support receiveStype, open error";
@@ -51,7 +55,9 @@ bool SerialSource::Open() {
   const bool opened = port_->Open(port_name_, baud_rate_bps_);
   const std::lock_guard<std::mutex> lock(mutex_);
   last_error_ = port_->LastError();
-  if (!opened) return false;
+  if (!opened) {
+    return false;
+  }
   stream_.Clear();
   answers_.clear();
   points_.clear();
@@ -72,7 +78,9 @@ void SerialSource::Stop() {
 
 void SerialSource::StopLocked() {
   Interrupt();
-  if (thread_.joinable()) thread_.join();
+  if (thread_.joinable()) {
+    thread_.join();
+  }
   port_->Close();
 }
 
@@ -94,18 +102,26 @@ void SerialSource::ReceivedThread() {
   std::vector<uint8_t> buffer(kReadSize);
   for (;;) {
     const int32_t count = port_->Read(buffer.data(), buffer.size(), kIdleWaitMs);
-    if (count < 0) break;
-    if (count > 0) TakeBytes(buffer.data(), static_cast<size_t>(count));
+    if (count < 0) {
+      break;
+    }
+    if (count > 0) {
+      TakeBytes(buffer.data(), static_cast<size_t>(count));
+    }
   }
   bool lost = false;
   {
     const std::lock_guard<std::mutex> lock(mutex_);
     lost = running_ && !port_->IsOpen();
-    if (lost) last_error_ = port_->LastError();
+    if (lost) {
+      last_error_ = port_->LastError();
+    }
     running_ = false;
   }
   arrived_.notify_all();
-  if (lost && lost_handler_) lost_handler_(LastError());
+  if (lost && lost_handler_) {
+    lost_handler_(LastError());
+  }
 }
 
 void SerialSource::TakeBytes(const uint8_t* data, size_t size) {
@@ -113,7 +129,9 @@ void SerialSource::TakeBytes(const uint8_t* data, size_t size) {
     const std::lock_guard<std::mutex> lock(mutex_);
     counters_.bytes += size;
     stream_.Append(data, size);
-    while (std::optional<SerialStreamFrame> frame = stream_.Next()) SortFrame(*frame);
+    while (std::optional<SerialStreamFrame> frame = stream_.Next()) {
+      SortFrame(*frame);
+    }
   }
   arrived_.notify_all();
 }
@@ -139,7 +157,9 @@ void SerialSource::KeepPointCloud(const std::vector<uint8_t>& frame) {
     ++counters_.dropped_points;
     return;
   }
-  if (points_.size() == kMaxPoints) ++counters_.dropped_points;
+  if (points_.size() == kMaxPoints) {
+    ++counters_.dropped_points;
+  }
   const auto data = frame.begin() + kPointCloudDataOffset;
   const auto end = frame.end() - static_cast<std::ptrdiff_t>(kPointCloudTailSize);
   PushBounded(points_, std::vector<uint8_t>(data, end), kMaxPoints);
@@ -180,18 +200,28 @@ int32_t SerialSource::ReceiveBlock(std::vector<uint8_t>& block, size_t max_size,
                                             std::max<uint32_t>(port_->baud_rate_bps(), 1));
       extended = true;
     }
-    if (arrived_.wait_until(lock, deadline) == std::cv_status::timeout) break;
+    if (arrived_.wait_until(lock, deadline) == std::cv_status::timeout) {
+      break;
+    }
   }
-  if (!running_) return -1;
+  if (!running_) {
+    return -1;
+  }
   return TakeAnswer(block, max_size);
 }
 
 int32_t SerialSource::TakeAnswer(std::vector<uint8_t>& block, size_t max_size) {
-  if (answers_.empty()) SearchBehindBrokenFrame();
-  if (answers_.empty()) answers_.push_back(stream_.Rest());
+  if (answers_.empty()) {
+    SearchBehindBrokenFrame();
+  }
+  if (answers_.empty()) {
+    answers_.push_back(stream_.Rest());
+  }
   block = std::move(answers_.front());
   answers_.pop_front();
-  if (block.size() > max_size) block.resize(max_size);
+  if (block.size() > max_size) {
+    block.resize(max_size);
+  }
   return block.empty() ? -1 : static_cast<int32_t>(block.size());
 }
 
@@ -201,7 +231,9 @@ void SerialSource::SearchBehindBrokenFrame() {
   SerialStream search = stream_;
   while (search.GiveUp()) {
     std::optional<SerialStreamFrame> frame = search.Next();
-    if (!frame || frame->kind == SerialStreamFrame::Kind::kPointCloud) continue;
+    if (!frame || frame->kind == SerialStreamFrame::Kind::kPointCloud) {
+      continue;
+    }
     SortFrame(*frame);
     stream_ = std::move(search);
     return;
@@ -219,7 +251,9 @@ void SerialSource::SetReceiveMode(int mode) {
   {
     const std::lock_guard<std::mutex> lock(mutex_);
     EmptyBuffer();
-    if (mode == kModeEmptyBuffer) return;
+    if (mode == kModeEmptyBuffer) {
+      return;
+    }
     mode_ = mode;
     stream_.Clear();
     points_.clear();

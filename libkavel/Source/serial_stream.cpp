@@ -39,7 +39,9 @@ bool FirmwareChecksumFits(const std::vector<uint8_t>& frame) {
 
 bool CommandFits(const std::vector<uint8_t>& frame, SerialListener listener) {
   std::vector<uint8_t> content;
-  if (listener == SerialListener::kTool) return ParseSerialResponse(frame, content);
+  if (listener == SerialListener::kTool) {
+    return ParseSerialResponse(frame, content);
+  }
   uint8_t cmd = 0;
   return ParseSerialRequest(frame, &cmd, &content);
 }
@@ -47,7 +49,9 @@ bool CommandFits(const std::vector<uint8_t>& frame, SerialListener listener) {
 }  // namespace
 
 std::vector<uint8_t> BuildPointCloudFrame(const std::vector<uint8_t>& data) {
-  if (data.size() > kPointCloudMaxData) return {};
+  if (data.size() > kPointCloudMaxData) {
+    return {};
+  }
   std::vector<uint8_t> frame(std::begin(kPointCloudPrefix), std::end(kPointCloudPrefix));
   frame.push_back(kPointCloudMajor);
   frame.push_back(kPointCloudMinor);
@@ -63,7 +67,9 @@ void SerialStream::Append(const uint8_t* data, size_t size) {
     data += size - kMaxHeld;
     size = kMaxHeld;
   }
-  if (held() + size > kMaxHeld) Skip(held() + size - kMaxHeld);
+  if (held() + size > kMaxHeld) {
+    Skip(held() + size - kMaxHeld);
+  }
   if (begin_ > 0) {
     buffer_.erase(buffer_.begin(), buffer_.begin() + static_cast<std::ptrdiff_t>(begin_));
     begin_ = 0;
@@ -81,7 +87,9 @@ void SerialStream::Skip(size_t count) {
 SerialStream::Match SerialStream::MatchPrefix(size_t offset, Kind* kind) const {
   const size_t compared = std::min(held() - offset, kSerialPrefixSize);
   for (const KnownPrefix& prefix : kPrefixes) {
-    if (std::memcmp(Head() + offset, prefix.bytes, compared) != 0) continue;
+    if (std::memcmp(Head() + offset, prefix.bytes, compared) != 0) {
+      continue;
+    }
     *kind = prefix.kind;
     return compared == kSerialPrefixSize ? Match::kWhole : Match::kBegun;
   }
@@ -99,7 +107,9 @@ bool SerialStream::FindPrefix(Kind* kind) {
     }
     Skip(static_cast<size_t>(static_cast<const uint8_t*>(found) - Head()));
     const Match match = MatchPrefix(0, kind);
-    if (match != Match::kNone) return match == Match::kWhole;
+    if (match != Match::kNone) {
+      return match == Match::kWhole;
+    }
     Skip(1);
   }
   return false;
@@ -110,7 +120,9 @@ bool SerialStream::FindPrefix(Kind* kind) {
 std::optional<size_t> SerialStream::FrameSize(Kind kind) const {
   switch (kind) {
     case Kind::kCommand: {
-      if (held() < kSerialPrefixSize + 1) return std::nullopt;
+      if (held() < kSerialPrefixSize + 1) {
+        return std::nullopt;
+      }
       const size_t counted = Head()[kSerialPrefixSize];
       if (listener_ == SerialListener::kTool) {
         return kSerialPrefixSize + 2 + counted + kSerialTailSize;
@@ -118,12 +130,16 @@ std::optional<size_t> SerialStream::FrameSize(Kind kind) const {
       return counted == 0 ? 0 : kSerialPrefixSize + 1 + counted + kSerialTailSize;
     }
     case Kind::kLong: {
-      if (held() < kOtaPrefixSize + 2) return std::nullopt;
+      if (held() < kOtaPrefixSize + 2) {
+        return std::nullopt;
+      }
       const size_t counted = ReadBigEndian16(Head() + kOtaPrefixSize);
       return counted == 0 ? 0 : counted + kOtaUncounted;
     }
     case Kind::kPointCloud: {
-      if (held() < kPointCloudDataOffset) return std::nullopt;
+      if (held() < kPointCloudDataOffset) {
+        return std::nullopt;
+      }
       const size_t counted = ReadBigEndian16(Head() + kPointCloudLengthOffset);
       return counted > kPointCloudMaxData ? 0
                                           : kPointCloudDataOffset + counted + kPointCloudTailSize;
@@ -144,7 +160,9 @@ SerialStreamFrame SerialStream::CopyFrame(Kind kind, size_t size) const {
 bool SerialStream::PrefixInside(size_t size) const {
   Kind kind;
   for (size_t offset = 1; offset + kSerialPrefixSize <= size; ++offset) {
-    if (MatchPrefix(offset, &kind) == Match::kWhole) return true;
+    if (MatchPrefix(offset, &kind) == Match::kWhole) {
+      return true;
+    }
   }
   return false;
 }
@@ -153,7 +171,9 @@ std::optional<SerialStreamFrame> SerialStream::Next() {
   Kind kind = Kind::kCommand;
   while (FindPrefix(&kind)) {
     const std::optional<size_t> size = FrameSize(kind);
-    if (!size || *size > held()) return std::nullopt;
+    if (!size || *size > held()) {
+      return std::nullopt;
+    }
     // Looked at before anything is copied: noise may claim one long frame after the other.
     if (*size > 0 && IsTerminator(Head() + *size - kSerialTerminatorSize)) {
       SerialStreamFrame frame = CopyFrame(kind, *size);
@@ -175,19 +195,25 @@ bool SerialStream::HoldsPointCloud() const {
 
 std::vector<uint8_t> SerialStream::Rest() const {
   std::vector<uint8_t> rest = skipped_;
-  if (!HoldsPointCloud()) rest.insert(rest.end(), Head(), Head() + held());
+  if (!HoldsPointCloud()) {
+    rest.insert(rest.end(), Head(), Head() + held());
+  }
   return rest;
 }
 
 bool SerialStream::GiveUp() {
-  if (held() == 0) return false;
+  if (held() == 0) {
+    return false;
+  }
   Skip(1);
   return true;
 }
 
 size_t SerialStream::PendingLongFrame() const {
   Kind kind = Kind::kCommand;
-  if (held() == 0 || MatchPrefix(0, &kind) != Match::kWhole || kind != Kind::kLong) return 0;
+  if (held() == 0 || MatchPrefix(0, &kind) != Match::kWhole || kind != Kind::kLong) {
+    return 0;
+  }
   return FrameSize(kind).value_or(0);
 }
 
@@ -199,7 +225,9 @@ void SerialStream::Clear() {
 }
 
 void SerialStream::ClearToPointCloud() {
-  if (!HoldsPointCloud()) begin_ = buffer_.size();
+  if (!HoldsPointCloud()) {
+    begin_ = buffer_.size();
+  }
   skipped_.clear();
 }
 

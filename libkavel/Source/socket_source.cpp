@@ -54,12 +54,20 @@ bool SocketSource::Open() {
   }
   wait_before_read_ = 0;
   const bool configured = Configure();
-  if (configured && !Bind()) return false;
-  if (!SetNonBlocking(socket_, true)) KAVEL_LOG(kError, "non-block");
+  if (configured && !Bind()) {
+    return false;
+  }
+  if (!SetNonBlocking(socket_, true)) {
+    KAVEL_LOG(kError, "non-block");
+  }
   SetSocketOption(socket_, SOL_SOCKET, SO_RCVBUF, kWorkingReceiveBuffer);
-  if (!multicast_ip_.empty()) JoinGroup();
+  if (!multicast_ip_.empty()) {
+    JoinGroup();
+  }
   // An unbound socket would count as open and never receive anything.
-  if (!configured) ReleaseSocket();
+  if (!configured) {
+    ReleaseSocket();
+  }
   return configured;
 }
 
@@ -99,7 +107,9 @@ bool SocketSource::Bind() {
   }
   const int error = is_address ? LastSocketError() : EADDRNOTAVAIL;
   // Deliberate: these two are passed over in silence, and the source counts as open.
-  if (error == kSocketInProgress || error == kSocketWouldBlock) return true;
+  if (error == kSocketInProgress || error == kSocketWouldBlock) {
+    return true;
+  }
   ReleaseSocket();
   KAVEL_LOG(kError, "SocketSource::Open(), bind failed, errno: %d", error);
   return false;
@@ -119,10 +129,14 @@ void SocketSource::JoinGroup() {
 
 int32_t SocketSource::Receive(UdpPacket& packet, uint16_t length, int32_t flags, int32_t wait_us) {
   packet.timed_out = 0;
-  if (!IsOpened() && !Open()) return -1;
+  if (!IsOpened() && !Open()) {
+    return -1;
+  }
   if (wait_before_read_ == 0) {
     const int32_t count = ReadPacket(packet, length, flags);
-    if (count < 0) wait_before_read_ = 1;
+    if (count < 0) {
+      wait_before_read_ = 1;
+    }
     return count;
   }
   const int ready = WaitReadable(socket_, wait_us);
@@ -144,7 +158,9 @@ int32_t SocketSource::ReadPacket(UdpPacket& packet, uint16_t length, int32_t fla
   const auto room = static_cast<BufferSize>(std::min<size_t>(length, packet.data.size()));
   const auto count = recvfrom(socket_, reinterpret_cast<char*>(packet.data.data()), room, flags,
                               reinterpret_cast<sockaddr*>(&sender), &sender_size);
-  if (count < 0) return -1;
+  if (count < 0) {
+    return -1;
+  }
   packet.ip = sender.sin_addr.s_addr;
   packet.port = ntohs(sender.sin_port);
   return static_cast<int32_t>(count);
@@ -195,14 +211,18 @@ void SocketSource::Close() {
 }
 
 bool SocketSource::IsOpened() {
-  if (socket_ != kInvalidSocket) return true;
+  if (socket_ != kInvalidSocket) {
+    return true;
+  }
   KAVEL_LOG(kWarning, "SocketSource::IsOpened(), port %d, sock %d is not open", port_,
             LoggedHandle(socket_));
   return false;
 }
 
 void SocketSource::ReleaseSocket() {
-  if (socket_ == kInvalidSocket) return;
+  if (socket_ == kInvalidSocket) {
+    return;
+  }
   CloseSocket(socket_);
   StopSockets();
   socket_ = kInvalidSocket;

@@ -18,7 +18,9 @@ namespace {
 
 QQuickView* SceneView() {
   for (QWindow* window : QGuiApplication::allWindows()) {
-    if (auto* view = qobject_cast<QQuickView*>(window)) return view;
+    if (auto* view = qobject_cast<QQuickView*>(window)) {
+      return view;
+    }
   }
   return nullptr;
 }

@@ -24,7 +24,9 @@ class MessageRecorder {
   }
 
   static void Record(QtMsgType type, const QMessageLogContext&, const QString& text) {
-    if (type != QtDebugMsg && type != QtInfoMsg) Warnings() << text;
+    if (type != QtDebugMsg && type != QtInfoMsg) {
+      Warnings() << text;
+    }
   }
 
   QtMessageHandler previous_;

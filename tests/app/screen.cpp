@@ -30,10 +30,16 @@ std::string PrepareScene() {
 
 // Items of the scene and of its boxes alike hang below the window's content item.
 QQuickItem* FindBelow(QQuickItem* item, const QString& name) {
-  if (!item->isVisible()) return nullptr;
-  if (item->objectName() == name) return item;
+  if (!item->isVisible()) {
+    return nullptr;
+  }
+  if (item->objectName() == name) {
+    return item;
+  }
   for (QQuickItem* child : item->childItems()) {
-    if (QQuickItem* found = FindBelow(child, name)) return found;
+    if (QQuickItem* found = FindBelow(child, name)) {
+      return found;
+    }
   }
   return nullptr;
 }
@@ -87,7 +93,9 @@ void Screen::Key(int key, Qt::KeyboardModifiers modifiers) {
 void Screen::TypeInto(const QString& name, const QString& text) {
   Click(name);
   Key(Qt::Key_A, Qt::ControlModifier);
-  for (const QChar letter : text) QTest::keyClick(&view_, letter.toLatin1());
+  for (const QChar letter : text) {
+    QTest::keyClick(&view_, letter.toLatin1());
+  }
 }
 
 bool Screen::ConnectTo(quint16 port) {

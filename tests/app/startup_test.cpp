@@ -72,12 +72,18 @@ TEST(InstallRoot, IsTheFirstFolderThatHoldsTheFontOrElseTheParent) {
     const QString parent = QDir(folder.path()).canonicalPath();
     const QString exe_dir = parent + QStringLiteral("/bin");
     ASSERT_TRUE(QDir(parent).mkpath(exe_dir));
-    if (one.font_in_parent) Put(parent, "fonts/Roboto-Regular-14.ttf", "font");
-    if (one.font_beside_program) Put(exe_dir, "fonts/Roboto-Regular-14.ttf", "font");
+    if (one.font_in_parent) {
+      Put(parent, "fonts/Roboto-Regular-14.ttf", "font");
+    }
+    if (one.font_beside_program) {
+      Put(exe_dir, "fonts/Roboto-Regular-14.ttf", "font");
+    }
     const MessageRecorder messages;
     EXPECT_EQ(ResolveInstallRoot(exe_dir), one.root_is_parent ? parent : exe_dir);
     ASSERT_EQ(messages.warnings().size(), one.warnings);
-    if (one.warnings == 0) continue;
+    if (one.warnings == 0) {
+      continue;
+    }
     // The two bytes of the separator are no UTF-8, so the logger shows each as a replacement.
     const QString separator(2, QChar(QChar::ReplacementCharacter));
     EXPECT_EQ(messages.warnings().first(),
@@ -117,7 +123,9 @@ TEST(ModulePv, TakesTheFirstMatchingArgumentAfterTheProgram) {
   };
   for (auto one : cases) {
     std::vector<char*> argv;
-    for (std::string& argument : one.arguments) argv.push_back(argument.data());
+    for (std::string& argument : one.arguments) {
+      argv.push_back(argument.data());
+    }
     EXPECT_EQ(ModulePvArgument(static_cast<int>(argv.size()), argv.data()), one.model);
   }
 }

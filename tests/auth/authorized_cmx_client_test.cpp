@@ -179,7 +179,9 @@ TEST(AuthorizedCmxClient, NoOtherThreadComesBetweenHandshakeAndCommand) {
   client.Probe();
   const auto send = [&client](uint8_t cmd) {
     Bytes result;
-    for (int i = 0; i < 2000; ++i) client.QueryCommand({}, result, cmd, false);
+    for (int i = 0; i < 2000; ++i) {
+      client.QueryCommand({}, result, cmd, false);
+    }
   };
   std::thread plain(send, uint8_t{0x20});
   send(0x21);

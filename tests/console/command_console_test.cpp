@@ -99,7 +99,9 @@ TEST_F(Console, ShowsHeaderAndPayloadUpTo1024Bytes) {
 
 TEST_F(Console, RemembersTheLastTenAnsweredAsTypedNewestFirst) {
   lidar_.replies.assign(11, {0, {}});
-  for (int i = 1; i <= 12; ++i) Send(QString("0X%1").arg(i), "01  02");
+  for (int i = 1; i <= 12; ++i) {
+    Send(QString("0X%1").arg(i), "01  02");
+  }
   const QVariantList history = console_.History();
   ASSERT_EQ(history.size(), 10);
   EXPECT_EQ(history.first().toMap()["send_cmd_history"], "0X11");

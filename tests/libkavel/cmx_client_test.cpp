@@ -39,7 +39,9 @@ std::unique_ptr<CmxClient> Client(uint16_t port, const ClientOptions& options = 
 void EchoCommands(PeerConnection& peer) {
   while (true) {
     const Bytes header = peer.Read(8);
-    if (header.size() < 8) return;
+    if (header.size() < 8) {
+      return;
+    }
     Bytes answer = header;
     const Bytes payload = peer.Read(header[7]);
     answer.insert(answer.end(), payload.begin(), payload.end());
@@ -174,7 +176,9 @@ TEST(CmxClientSharing, ThreadsGetTheirOwnAnswersAndReasons) {
       }
     });
   }
-  for (auto& user : users) user.join();
+  for (auto& user : users) {
+    user.join();
+  }
 }
 
 TEST(CmxClientTrouble, ALidarThatAnswersLateIsUnderstoodNextTime) {

@@ -25,7 +25,9 @@ TEST(Crc32, AgreesWithTheDefinitionAroundTheEightBytesOfAStep) {
   };
   std::vector<uint8_t> bytes;
   for (const auto& each : cases) {
-    while (bytes.size() < each.size) bytes.push_back(static_cast<uint8_t>(bytes.size() * 37 + 11));
+    while (bytes.size() < each.size) {
+      bytes.push_back(static_cast<uint8_t>(bytes.size() * 37 + 11));
+    }
     EXPECT_EQ(Crc32Mpeg2(bytes.data(), each.size), each.mpeg2) << each.size;
     EXPECT_EQ(Crc32Ieee(bytes.data(), each.size), each.ieee) << each.size;
   }

@@ -92,7 +92,9 @@ TEST(DeviceCommands, ReadsTakeTheirRepliesApart) {
   DeviceVersions versions;
   Bytes texts(48, 0);
   texts[0] = 'F';
-  for (size_t i = 16; i < 32; ++i) texts[i] = 'A';
+  for (size_t i = 16; i < 32; ++i) {
+    texts[i] = 'A';
+  }
   ExpectRead([&](auto& s) { return GetVersions(s, &versions); }, 0x4D, texts);
   EXPECT_EQ(versions.firmware, "F");
   EXPECT_EQ(versions.fpga_a, std::string(16, 'A'));

@@ -63,7 +63,9 @@ TEST_F(LogFile, RotatesAndDropsTheOldest) {
 
 TEST_F(LogFile, WritesNumbersWithAPointInEveryLocale) {
   const GermanLocale locale;
-  if (!locale.works()) GTEST_SKIP() << "no German locale, and no localedef to make one";
+  if (!locale.works()) {
+    GTEST_SKIP() << "no German locale, and no localedef to make one";
+  }
   testing::LogLines log;
   KAVEL_LOG(kTrace, "exec time: %.1fms", 0.5);
   EXPECT_EQ(log.Count(kTrace, "exec time: 0.5ms"), 1);

@@ -32,26 +32,40 @@ bool BringLoopbackUp() {
 
 // Runs in the child; the result is its exit code.
 int ReceiveFromGroup() {
-  if (unshare(CLONE_NEWUSER | CLONE_NEWNET) != 0 || !BringLoopbackUp()) return kNotPermitted;
+  if (unshare(CLONE_NEWUSER | CLONE_NEWNET) != 0 || !BringLoopbackUp()) {
+    return kNotPermitted;
+  }
   testing::LogLines log;
   SocketSource source(0, "127.0.0.1", kGroup);
-  if (!source.Open()) return 1;
-  if (log.Count(kInfo, "Recive data from multicast ip address 239.1.2.3") != 1) return 2;
+  if (!source.Open()) {
+    return 1;
+  }
+  if (log.Count(kInfo, "Recive data from multicast ip address 239.1.2.3") != 1) {
+    return 2;
+  }
   SocketSource sender(0, "127.0.0.1", "");
-  if (!sender.Open()) return 3;
+  if (!sender.Open()) {
+    return 3;
+  }
   sender.SetPeer(inet_addr(kGroup), source.BoundPort());
   const uint8_t data[] = {1, 2, 3};
-  if (sender.Send(data, 3, 0) != 3) return 4;
+  if (sender.Send(data, 3, 0) != 3) {
+    return 4;
+  }
   UdpPacket packet;
   int32_t count = source.Receive(packet, 1500, 0, 0);
-  if (count < 0) count = source.Receive(packet, 1500, 0, 900'000);
+  if (count < 0) {
+    count = source.Receive(packet, 1500, 0, 900'000);
+  }
   return count == 3 && packet.ip == htonl(INADDR_LOOPBACK) ? 0 : 5;
 }
 
 TEST(SocketSource, ReceivesFromAGroup) {
   const pid_t child = fork();
   ASSERT_GE(child, 0);
-  if (child == 0) _exit(ReceiveFromGroup());
+  if (child == 0) {
+    _exit(ReceiveFromGroup());
+  }
   int status = 0;
   ASSERT_EQ(waitpid(child, &status, 0), child);
   ASSERT_TRUE(WIFEXITED(status));

@@ -14,7 +14,9 @@ class Certificates {
  public:
   Certificates() {
     std::string pattern = std::filesystem::temp_directory_path() / "kavel_tls_XXXXXX";
-    if (mkdtemp(pattern.data()) == nullptr) throw std::runtime_error("no temporary folder");
+    if (mkdtemp(pattern.data()) == nullptr) {
+      throw std::runtime_error("no temporary folder");
+    }
     folder_ = pattern;
     for (const std::string name : {"lidar", "other"}) {
       const std::string command =
@@ -47,8 +49,12 @@ class OpensslServer {
     output_ = popen(command.c_str(), "r");  // NOLINT(bugprone-command-processor)
     char line[200];
     while (output_ != nullptr && std::fgets(line, sizeof line, output_) != nullptr) {
-      if (process_ == 0) process_ = std::stoi(line);
-      if (std::sscanf(line, "ACCEPT 127.0.0.1:%d", &port_) == 1) return;
+      if (process_ == 0) {
+        process_ = std::stoi(line);
+      }
+      if (std::sscanf(line, "ACCEPT 127.0.0.1:%d", &port_) == 1) {
+        return;
+      }
     }
     throw std::runtime_error("openssl s_server did not start");
   }

@@ -43,13 +43,19 @@ class ScriptedTransport : public ClientBase {
 
   int32_t Receive(uint8_t* buffer, uint32_t length, int32_t) override {
     largest_receive = std::max<size_t>(largest_receive, length);
-    if (waiting.empty() && babble.empty()) return -1;
-    if (waiting.empty()) waiting.push_back(babble);
+    if (waiting.empty() && babble.empty()) {
+      return -1;
+    }
+    if (waiting.empty()) {
+      waiting.push_back(babble);
+    }
     Bytes& block = waiting.front();
     const size_t count = std::min<size_t>(block.size(), length);
     std::copy_n(block.begin(), count, buffer);
     block.erase(block.begin(), block.begin() + static_cast<std::ptrdiff_t>(count));
-    if (block.empty()) waiting.pop_front();
+    if (block.empty()) {
+      waiting.pop_front();
+    }
     return static_cast<int32_t>(count);
   }
 

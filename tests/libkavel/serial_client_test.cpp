@@ -140,7 +140,9 @@ TEST(SerialClient, InterruptEndsAWaitingExchange) {
   });
   Line line(device.path());
   std::thread other([&] {
-    while (!asked) std::this_thread::yield();
+    while (!asked) {
+      std::this_thread::yield();
+    }
     line.client.Interrupt();
   });
   Bytes inner;

@@ -31,7 +31,9 @@ Bytes EchoAnyLength(const Bytes& frame) {
   uint8_t cmd = 0;
   Bytes payload;
   EXPECT_TRUE(ParseSerialRequest(frame, &cmd, &payload) || ParseOtaFrame(frame, &cmd, &payload));
-  if (payload.size() > 254) return BuildOtaResponse(cmd, 0, payload);
+  if (payload.size() > 254) {
+    return BuildOtaResponse(cmd, 0, payload);
+  }
   return BuildSerialAnswer(cmd, 0, payload);
 }
 

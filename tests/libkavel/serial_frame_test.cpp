@@ -17,7 +17,9 @@ const Bytes kLongPrefix = {0x24, 0x4C, 0x44, 0x4F, 0x54, 0x41, 0x2C};
 
 Bytes Join(const std::vector<Bytes>& parts) {
   Bytes all;
-  for (const Bytes& part : parts) all.insert(all.end(), part.begin(), part.end());
+  for (const Bytes& part : parts) {
+    all.insert(all.end(), part.begin(), part.end());
+  }
   return all;
 }
 

@@ -24,7 +24,9 @@ void ExpectMessage(const SerialPort& port, const std::string& name, const std::s
 
 TEST(SerialPort, CarriesAllBytesBothWaysAtAnyRate) {
   Bytes every_byte(256);
-  for (size_t i = 0; i < every_byte.size(); ++i) every_byte[i] = static_cast<uint8_t>(i);
+  for (size_t i = 0; i < every_byte.size(); ++i) {
+    every_byte[i] = static_cast<uint8_t>(i);
+  }
   for (const uint32_t rate : {9600U, 115200U, 3000000U, 3125000U}) {
     PtyPair line;
     SerialPort port;

@@ -107,7 +107,9 @@ TEST(SerialSource, BoundsWhatNobodyFetches) {
   ASSERT_TRUE(WaitFor([&] { return source.GetCounters().points == kFrames; }));
   UdpPacket packet;
   uint64_t fetched = 0;
-  while (source.Receive(packet, 100, 0, 0) > 0) ++fetched;
+  while (source.Receive(packet, 100, 0, 0) > 0) {
+    ++fetched;
+  }
   EXPECT_EQ(fetched + source.GetCounters().dropped_points, kFrames);
   EXPECT_GT(source.GetCounters().dropped_points, 0U);
   EXPECT_EQ(packet.data[0] + 256 * packet.data[1], 699) << "the newest are kept";

@@ -29,7 +29,9 @@ void Feed(SerialStream& stream, const Bytes& bytes) { stream.Append(bytes.data()
 
 std::vector<SerialStreamFrame> All(SerialStream& stream) {
   std::vector<SerialStreamFrame> frames;
-  while (auto frame = stream.Next()) frames.push_back(std::move(*frame));
+  while (auto frame = stream.Next()) {
+    frames.push_back(std::move(*frame));
+  }
   return frames;
 }
 
@@ -44,7 +46,9 @@ TEST(SerialStream, FindsFramesSplitAnywhereAndJoinedWithNoise) {
     Feed(stream, {line.begin(), middle});
     std::vector<SerialStreamFrame> frames = All(stream);
     Feed(stream, {middle, line.end()});
-    for (SerialStreamFrame& frame : All(stream)) frames.push_back(std::move(frame));
+    for (SerialStreamFrame& frame : All(stream)) {
+      frames.push_back(std::move(frame));
+    }
 
     ASSERT_EQ(frames.size(), 4U) << "split at " << split;
     EXPECT_EQ(frames[0].bytes, answer);

@@ -29,7 +29,9 @@ bool TryOpen(TcpClient& client, uint16_t port, uint16_t host_port = 0,
 }
 
 void Echo(PeerConnection& peer) {
-  for (Bytes byte = peer.Read(1); !byte.empty(); byte = peer.Read(1)) peer.Send(byte);
+  for (Bytes byte = peer.Read(1); !byte.empty(); byte = peer.Read(1)) {
+    peer.Send(byte);
+  }
 }
 
 TEST(TcpClient, CarriesBytesBothWays) {

@@ -115,8 +115,12 @@ TEST_F(MaintenanceTest, ValuesThatDoNotFitAreNotSent) {
   EXPECT_FALSE(maintenance.WriteDestination("10.0.0.5", 65536));
   EXPECT_FALSE(maintenance.WriteDestination("10.0.0", 2368));
   EXPECT_FALSE(maintenance.WriteNet("10.0.0.2", "255.0.0.0", "10.0.0.1", true, 4096));
-  for (const int index : {6, -1}) EXPECT_FALSE(maintenance.WriteImuRange(index, 0));
-  for (const int index : {4, -1}) EXPECT_FALSE(maintenance.WriteImuRange(5, index));
+  for (const int index : {6, -1}) {
+    EXPECT_FALSE(maintenance.WriteImuRange(index, 0));
+  }
+  for (const int index : {4, -1}) {
+    EXPECT_FALSE(maintenance.WriteImuRange(5, index));
+  }
   EXPECT_EQ(report_.Take().size(), 16U) << "the link's six in the error box and in the log";
   EXPECT_TRUE(lidar_.sent.empty());
 }
@@ -124,7 +128,9 @@ TEST_F(MaintenanceTest, ValuesThatDoNotFitAreNotSent) {
 /// The value that the list shows under a name, or "(none)".
 QString ValueOf(const QVariantList& list, const QString& name) {
   for (const QVariant& entry : list) {
-    if (entry.toMap()["name"] == name) return entry.toMap()["value"].toString();
+    if (entry.toMap()["name"] == name) {
+      return entry.toMap()["value"].toString();
+    }
   }
   return "(none)";
 }

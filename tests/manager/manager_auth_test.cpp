@@ -43,7 +43,9 @@ class ManagerAuthTest : public ManagerFixture, public testing::WithParamInterfac
     static const QRegularExpression line("^\\w+=([0-9a-fA-F]+)$",
                                          QRegularExpression::MultilineOption);
     auto matches = line.globalMatch(install_.Read("auth_keys.ini"));
-    while (matches.hasNext()) keys << matches.next().captured(1).toLower();
+    while (matches.hasNext()) {
+      keys << matches.next().captured(1).toLower();
+    }
     return keys;
   }
 
@@ -72,7 +74,9 @@ TEST_P(ManagerAuthTest, WritesProtectedSettingsAndTellsNoKey) {
 
   told = told.toLower().remove(' ');
   ASSERT_EQ(6, Keys().size());
-  for (const QString& key : Keys()) EXPECT_FALSE(told.contains(key)) << key.toStdString();
+  for (const QString& key : Keys()) {
+    EXPECT_FALSE(told.contains(key)) << key.toStdString();
+  }
 }
 
 INSTANTIATE_TEST_SUITE_P(EveryAlgorithm, ManagerAuthTest, testing::Values(1, 2, 3, 4));

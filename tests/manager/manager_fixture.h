@@ -60,7 +60,9 @@ class ManagerFixture : public testing::Test {
       for (const QVariant& row : page.toList()) {
         const QVariantList cells = row.toList();
         const Place place{cells[2].toInt(), cells[3].toInt(), cells[4].toInt()};
-        if (Leaf(place).value("var_name").toString() == name) return place;
+        if (Leaf(place).value("var_name").toString() == name) {
+          return place;
+        }
       }
     }
     ADD_FAILURE() << "no row " << name.toStdString();

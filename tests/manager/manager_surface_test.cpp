@@ -99,15 +99,21 @@ QString Declaration(const QMetaMethod& method) {
 QString Declaration(const QMetaProperty& property) {
   EXPECT_TRUE(property.isReadable());
   QString text = QString("%1 %2").arg(property.typeName(), property.name());
-  if (property.isWritable()) text += " RW";
-  if (property.hasNotifySignal()) text += ' ' + property.notifySignal().name();
+  if (property.isWritable()) {
+    text += " RW";
+  }
+  if (property.hasNotifySignal()) {
+    text += ' ' + property.notifySignal().name();
+  }
   return text;
 }
 
 void ExpectRows(const char* want, const QStringList& got) {
   const QStringList rows = QString(want).split("; ");
   ASSERT_EQ(rows.size(), got.size());
-  for (int i = 0; i < rows.size(); ++i) EXPECT_EQ(rows[i], got[i]) << "index " << i;
+  for (int i = 0; i < rows.size(); ++i) {
+    EXPECT_EQ(rows[i], got[i]) << "index " << i;
+  }
 }
 
 TEST(ManagerSurface, DeclaresExactlyWhatTheScreensAddressInThatOrder) {

@@ -52,7 +52,9 @@ TEST_F(EditSessionTest, ASwitchComesBackWithItsLastValue) {
 }
 
 TEST_F(EditSessionTest, InputWithoutMeaningChangesNothingAndIsReported) {
-  for (const char* option : {"3", "-1", "first"}) Set(EditSession::kOptionInput, "Mode", option);
+  for (const char* option : {"3", "-1", "first"}) {
+    Set(EditSession::kOptionInput, "Mode", option);
+  }
   EXPECT_EQ("error: Mode: there is no option number \"3\".", report_.Take().front());
   Set(EditSession::kTextInput, "Reading", "2");
   Set(9, "Limit", "2");

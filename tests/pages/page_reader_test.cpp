@@ -26,7 +26,9 @@ class PageReaderTest : public testing::Test {
 
   ReadGroup Vars(const std::vector<std::string>& names) const {
     ReadGroup vars;
-    for (const std::string& name : names) vars.push_back(&fixture_[name]);
+    for (const std::string& name : names) {
+      vars.push_back(&fixture_[name]);
+    }
     return vars;
   }
 

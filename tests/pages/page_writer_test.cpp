@@ -108,7 +108,9 @@ TEST_F(PageWriterTest, AFailureInTheMiddleNamesWhatStaysApplied) {
 
 TEST_F(PageWriterTest, TheFieldOfViewKeepsTheAnglesThatWereNotEdited) {
   Bytes held = {0x02, 0x05};
-  for (int i = 0; i < 10; ++i) held.insert(held.end(), {0x3F, 0x80, 0x00, 0x00});  // 1.0
+  for (int i = 0; i < 10; ++i) {
+    held.insert(held.end(), {0x3F, 0x80, 0x00, 0x00});  // 1.0
+  }
   ASSERT_TRUE(edits_.SetFov(9, "1.5", report_));
   EXPECT_FALSE(Run());
   EXPECT_EQ((std::vector<Sent>{{0x2C, {}}}), lidar_.sent) << "nothing is laid over unknown angles";

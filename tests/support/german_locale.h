@@ -12,7 +12,9 @@
 class GermanLocale {
  public:
   GermanLocale() {
-    if (Load()) return;
+    if (Load()) {
+      return;
+    }
     std::filesystem::create_directories(folder_);
     const std::string command =
         "localedef -i de_DE -f UTF-8 '" + folder_ + "/" + kName + "' >/dev/null 2>&1";

@@ -27,7 +27,9 @@ class LogLines {
     const std::lock_guard<std::mutex> lock(mutex_);
     int count = 0;
     for (const auto& [line_level, line] : lines_) {
-      if (line_level == level && line.compare(0, text.size(), text) == 0) ++count;
+      if (line_level == level && line.compare(0, text.size(), text) == 0) {
+        ++count;
+      }
     }
     return count;
   }

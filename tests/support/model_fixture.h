@@ -14,7 +14,9 @@ class ModelFixture {
 
   const VarInfo& operator[](const std::string& name) const {
     const VarInfo* var = table.FindByName(name);
-    if (var == nullptr) throw std::runtime_error("no variable " + name);
+    if (var == nullptr) {
+      throw std::runtime_error("no variable " + name);
+    }
     return *var;
   }
   std::string Text(const std::string& name) const { return table.ValueOf((*this)[name]).text; }

@@ -12,7 +12,9 @@ namespace kavel::lidar::testing {
 namespace {
 
 void Require(bool condition, const char* what) {
-  if (condition) return;
+  if (condition) {
+    return;
+  }
   std::perror(what);
   std::abort();
 }
@@ -50,7 +52,9 @@ void PtyPair::Write(const std::vector<uint8_t>& bytes) const {
 
 std::vector<uint8_t> PtyPair::Read(int timeout_ms) const {
   pollfd waiting{master_, POLLIN, 0};
-  if (poll(&waiting, 1, timeout_ms) <= 0) return {};
+  if (poll(&waiting, 1, timeout_ms) <= 0) {
+    return {};
+  }
   std::vector<uint8_t> bytes(4096);
   const ssize_t count = read(master_, bytes.data(), bytes.size());
   bytes.resize(count > 0 ? static_cast<size_t>(count) : 0);
@@ -61,14 +65,18 @@ std::vector<uint8_t> PtyPair::ReadExactly(size_t count) const {
   std::vector<uint8_t> bytes;
   while (bytes.size() < count) {
     const std::vector<uint8_t> more = Read(5000);
-    if (more.empty()) break;
+    if (more.empty()) {
+      break;
+    }
     bytes.insert(bytes.end(), more.begin(), more.end());
   }
   return bytes;
 }
 
 void PtyPair::HangUp() {
-  if (master_ >= 0) close(master_);
+  if (master_ >= 0) {
+    close(master_);
+  }
   master_ = -1;
 }
 

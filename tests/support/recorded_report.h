@@ -22,7 +22,9 @@ class RecordedReport : public UserReport {
 
  private:
   void Record(const std::string& kind, const std::string& text) {
-    if (!text.empty()) lines_.push_back(kind + ": " + text);
+    if (!text.empty()) {
+      lines_.push_back(kind + ": " + text);
+    }
   }
 
   std::vector<std::string> lines_;

@@ -35,7 +35,9 @@ class ScriptedSender : public kavel::lidar::CommandSender {
       reply = replies.front();
       replies.pop_front();
     }
-    if (error != nullptr) *error = reply.error;
+    if (error != nullptr) {
+      *error = reply.error;
+    }
     if (with_header && reply.error >= 0) {
       result = {0x47, 0x74, cmd, static_cast<uint8_t>(reply.error)};
       kavel::lidar::AppendBigEndian32(result, static_cast<uint32_t>(reply.payload.size()));

@@ -46,7 +46,9 @@ void SerialDevice::Run() {
     stream.Append(bytes.data(), bytes.size());
     while (const auto frame = stream.Next()) {
       const std::vector<uint8_t> answer = AnswerTo(frame->bytes);
-      if (answer == kVanish) return line_.HangUp();
+      if (answer == kVanish) {
+        return line_.HangUp();
+      }
       line_.Write(answer);
     }
   }

@@ -52,7 +52,9 @@ Bytes PeerConnection::Read(size_t size) {
   size_t received = 0;
   while (received < size) {
     const ssize_t count = recv(socket_, bytes.data() + received, size - received, 0);
-    if (count < 1) break;
+    if (count < 1) {
+      break;
+    }
     received += static_cast<size_t>(count);
   }
   bytes.resize(received);
@@ -63,7 +65,9 @@ void PeerConnection::Send(const Bytes& bytes) {
   size_t sent = 0;
   while (sent < bytes.size()) {
     const ssize_t count = send(socket_, bytes.data() + sent, bytes.size() - sent, MSG_NOSIGNAL);
-    if (count < 1) return;
+    if (count < 1) {
+      return;
+    }
     sent += static_cast<size_t>(count);
   }
 }
@@ -108,13 +112,17 @@ SocketPeer::~SocketPeer() {
 void SocketPeer::Serve() {
   while (true) {
     const int socket = accept(listener_, nullptr, nullptr);
-    if (socket == -1) return;
+    if (socket == -1) {
+      return;
+    }
     const int on = 1;
     setsockopt(socket, IPPROTO_TCP, TCP_NODELAY, &on, sizeof on);
     {
       const std::lock_guard<std::mutex> lock(mutex_);
       connection_ = socket;
-      if (ending_) shutdown(socket, SHUT_RDWR);
+      if (ending_) {
+        shutdown(socket, SHUT_RDWR);
+      }
     }
     ++accepted_;
     PeerConnection connection(socket);

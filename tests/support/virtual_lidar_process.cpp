@@ -25,7 +25,9 @@ VirtualLidarProcess::VirtualLidarProcess(const QStringList& arguments, quint16 p
   all << "--config"
       << "./Config"
       << "--dump" << folder_.filePath("state.json");
-  if (!serial) all << "--port" << QString::number(port);
+  if (!serial) {
+    all << "--port" << QString::number(port);
+  }
   process_.setProcessChannelMode(QProcess::MergedChannels);
   process_.start(QStringLiteral(TEVRON_VIRTUAL_LIDAR), all);
   if (!ReadUntilReady(serial)) {
@@ -41,10 +43,16 @@ bool VirtualLidarProcess::ReadUntilReady(bool serial) {
   const QDeadlineTimer deadline(kReadyTimeoutMs);
   while (!deadline.hasExpired()) {
     const QString said = Output();
-    if (serial && !SerialPort().isEmpty()) return true;
+    if (serial && !SerialPort().isEmpty()) {
+      return true;
+    }
     port_ = FirstMatch("^listening on 127\\.0\\.0\\.1:(\\d+)$", said).toUShort();
-    if (port_ != 0) return true;
-    if (!process_.waitForReadyRead(static_cast<int>(deadline.remainingTime()))) return false;
+    if (port_ != 0) {
+      return true;
+    }
+    if (!process_.waitForReadyRead(static_cast<int>(deadline.remainingTime()))) {
+      return false;
+    }
   }
   return false;
 }
@@ -52,7 +60,9 @@ bool VirtualLidarProcess::ReadUntilReady(bool serial) {
 QString VirtualLidarProcess::SerialPort(const QString& kind) const {
   // The pair is announced request line first, so that the second name means that both are ready.
   const QString pair = FirstMatch("^serial port 232 (\\S+)$", output_);
-  if (pair.isEmpty()) return FirstMatch("^serial port (/\\S+)$", output_);
+  if (pair.isEmpty()) {
+    return FirstMatch("^serial port (/\\S+)$", output_);
+  }
   return kind == "232" ? pair : FirstMatch("^serial port 485 (\\S+)$", output_);
 }
 
@@ -63,7 +73,9 @@ QString VirtualLidarProcess::Output() {
 
 QJsonObject VirtualLidarProcess::Variable(const QString& name) const {
   QFile file(folder_.filePath("state.json"));
-  if (!file.open(QIODevice::ReadOnly)) return {};
+  if (!file.open(QIODevice::ReadOnly)) {
+    return {};
+  }
   const QJsonObject state = QJsonDocument::fromJson(file.readAll()).object();
   return state.value("variables").toObject().value(name).toObject();
 }
@@ -74,6 +86,8 @@ void VirtualLidarProcess::Kill() {
 }
 
 void VirtualLidarProcess::Freeze() {
-  if (process_.state() == QProcess::NotRunning) return;
+  if (process_.state() == QProcess::NotRunning) {
+    return;
+  }
   ::kill(static_cast<pid_t>(process_.processId()), SIGSTOP);
 }

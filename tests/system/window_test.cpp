@@ -131,8 +131,9 @@ class WindowTest : public testing::Test {
     constexpr int kAttemptMs = 2000;
     for (int i = 0; i < kAttempts; ++i) {
       Click(width_ - 171, 45);
-      if (WaitFor([&] { return lidar_->Output().contains("request 0x07"); }, kAttemptMs))
+      if (WaitFor([&] { return lidar_->Output().contains("request 0x07"); }, kAttemptMs)) {
         return true;
+      }
     }
     return false;
   }
@@ -162,7 +163,9 @@ TEST_F(WindowTest, WritesATypedValueToTheLidarAndLeavesASilentOneAtOnce) {
   XDoTool({"key", "Right", "Right"});
   ASSERT_TRUE(WaitFor([&] { return lidar_->Output().contains("request 0x11"); }));
   QStringList keys{"key"};
-  for (int field = 0; field < 9; ++field) keys << "Tab";
+  for (int field = 0; field < 9; ++field) {
+    keys << "Tab";
+  }
   XDoTool(keys);
   XDoTool({"key", "ctrl+a"});
   XDoTool({"type", "55"});

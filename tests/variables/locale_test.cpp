@@ -11,7 +11,9 @@ using LocaleTest = TableTest;
 
 TEST_F(LocaleTest, NumbersKeepTheirPoint) {
   const GermanLocale locale;
-  if (!locale.works()) GTEST_SKIP() << "no German locale, and no localedef to make one";
+  if (!locale.works()) {
+    GTEST_SKIP() << "no German locale, and no localedef to make one";
+  }
   EXPECT_EQ(CreateStrParser("int16")->Parse("2.5", 0.1F), (Bytes{0x00, 0x19}));
   EXPECT_EQ(CreateStrParser("double")->Parse("0.5", 1.0F), (Bytes{0x3F, 0xE0, 0, 0, 0, 0, 0, 0}));
   EXPECT_THROW(CreateStrParser("float32")->Parse("0,5", 1.0F), std::invalid_argument);

@@ -23,7 +23,9 @@ class TableTest : public testing::Test {
 
   const VarInfo& Var(const std::string& name) const {
     const VarInfo* var = parser_.FindByName(name);
-    if (var == nullptr) throw std::runtime_error("no variable " + name);
+    if (var == nullptr) {
+      throw std::runtime_error("no variable " + name);
+    }
     return *var;
   }
 

@@ -21,7 +21,9 @@ std::vector<DeviceRequest> Feed(WireCodec* codec, const Bytes& bytes, millisecon
 
 Bytes Joined(std::initializer_list<Bytes> parts) {
   Bytes all;
-  for (const Bytes& part : parts) all.insert(all.end(), part.begin(), part.end());
+  for (const Bytes& part : parts) {
+    all.insert(all.end(), part.begin(), part.end());
+  }
   return all;
 }
 

@@ -49,8 +49,9 @@ const std::map<Fault, Expected>& WireFaults() {
 TEST(FaultOnTheWire, SendsWhatTheCatalogueSaysAndHoldsWhatWasWritten) {
   for (const FaultMode& mode : FaultModes()) {
     SCOPED_TRACE(mode.name);
-    if (std::string(mode.name).rfind("auth-", 0) == 0 || mode.fault == Fault::kSilentAfter)
+    if (std::string(mode.name).rfind("auth-", 0) == 0 || mode.fault == Fault::kSilentAfter) {
       continue;
+    }
     ASSERT_EQ(WireFaults().count(mode.fault), 1U) << "a new fault needs an expectation";
     const Expected& expected = WireFaults().at(mode.fault);
 

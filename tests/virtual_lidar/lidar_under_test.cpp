@@ -32,8 +32,12 @@ LidarUnderTest::LidarUnderTest(Setup setup) : faults_(MakeFaults(setup.faults)) 
   log_reader_ = UniqueFd(pipe_ends[0]);
   log_writer_ = UniqueFd(pipe_ends[1]);
   log_ = std::make_unique<LineLog>(log_writer_.get());
-  if (setup.profile.model.empty()) setup.profile.model = "Test";
-  if (setup.server.serial == ServerSetup::Serial::kNone) setup.server.tcp_port = 0;
+  if (setup.profile.model.empty()) {
+    setup.profile.model = "Test";
+  }
+  if (setup.server.serial == ServerSetup::Serial::kNone) {
+    setup.server.tcp_port = 0;
+  }
   device_ = std::make_unique<VirtualDevice>(LoadTestTable(setup.rows), std::move(setup.profile));
   server_ =
       std::make_unique<DeviceServer>(&loop_, device_.get(), &faults_, log_.get(), setup.server);
@@ -62,9 +66,13 @@ bool LidarUnderTest::LogShows(const std::string& text) {
   std::array<char, 4096> buffer;
   while (logged_.find(text) == std::string::npos) {
     pollfd ready = {log_reader_.get(), POLLIN, 0};
-    if (poll(&ready, 1, kPatienceMs) != 1) return false;
+    if (poll(&ready, 1, kPatienceMs) != 1) {
+      return false;
+    }
     const ssize_t got = read(log_reader_.get(), buffer.data(), buffer.size());
-    if (got <= 0) return false;
+    if (got <= 0) {
+      return false;
+    }
     logged_.append(buffer.data(), static_cast<size_t>(got));
   }
   return true;

@@ -107,7 +107,9 @@ TEST(PointCloud, SendsNumberedPacketsOf1200Bytes) {
   for (int i = 0; i < 5; ++i) {
     // The first call on an idle source only arms the wait.
     int32_t size = receiver.Receive(packet, 1500, 0, 0);
-    if (size < 0) size = receiver.Receive(packet, 1500, 0, 5000000);
+    if (size < 0) {
+      size = receiver.Receive(packet, 1500, 0, 5000000);
+    }
     ASSERT_EQ(size, 1200);
     EXPECT_EQ(std::string(packet.data.begin(), packet.data.begin() + 4), "KPCL");
     const uint32_t number = kavel::lidar::ReadBigEndian32(packet.data.data() + 4);

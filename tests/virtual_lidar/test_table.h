@@ -12,7 +12,9 @@
 /// Coefficient, VarLen, GetCmdPayload, SetCmdPayload.
 inline std::shared_ptr<ConfigParser> LoadTestTable(const std::string& rows) {
   std::string folder = (std::filesystem::temp_directory_path() / "lidar-table-XXXXXX").string();
-  if (mkdtemp(folder.data()) == nullptr) std::abort();
+  if (mkdtemp(folder.data()) == nullptr) {
+    std::abort();
+  }
   const std::string path = folder + "/Test.csv";
   std::ofstream(path) << "GroupID,Index,Get,Set,VarName,Permission,VarType,DefaultValue,Options,"
                          "Coefficient,VarLen,GetCmdPayload,SetCmdPayload,SetIndex,Unit,"

@@ -61,7 +61,9 @@ TEST(ValueEncoder, GivesTheBytesThatTheClientShowsAsTheText) {
     EXPECT_TRUE(EncodeValueText(var, c.text, &bytes, &error)) << error;
     EXPECT_EQ(bytes, c.bytes);
     // A client shows these two in another way.
-    if (var.var_name == "IP" || var.var_name == "raw") continue;
+    if (var.var_name == "IP" || var.var_name == "raw") {
+      continue;
+    }
     std::string shown;
     EXPECT_TRUE(DecodeValue(var, bytes, &shown, &error)) << error;
     EXPECT_EQ(shown, c.text);

@@ -11,7 +11,9 @@ using Bytes = std::vector<uint8_t>;
 
 Bytes Held(const VariableMemory& memory, const std::string& name) {
   for (const auto& cell : memory.cells()) {
-    if (cell.var->var_name == name) return cell.value;
+    if (cell.var->var_name == name) {
+      return cell.value;
+    }
   }
   return {};
 }

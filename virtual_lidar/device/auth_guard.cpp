@@ -31,7 +31,9 @@ AuthGuard::AuthGuard(AuthConfig config, AuthKeys keys, bool required, bool reply
 
 std::optional<DeviceReply> AuthGuard::Answer(const DeviceRequest& request, AuthSession* session,
                                              FaultBox* faults) {
-  if (!config_.enabled) return std::nullopt;
+  if (!config_.enabled) {
+    return std::nullopt;
+  }
   DeviceReply reply;
   reply.code = request.code;
   // The tables write these codes wide; on the wire they are one byte.
@@ -48,13 +50,17 @@ std::optional<DeviceReply> AuthGuard::Answer(const DeviceRequest& request, AuthS
 }
 
 bool AuthGuard::Admit(uint8_t command, AuthSession* session) const {
-  if (!config_.enabled || !required_ || config_.protected_cmds.count(command) == 0) return true;
+  if (!config_.enabled || !required_ || config_.protected_cmds.count(command) == 0) {
+    return true;
+  }
   return std::exchange(session->authorised, false);
 }
 
 std::vector<uint8_t> AuthGuard::StartReply() {
   std::vector<uint8_t> payload;
-  if (reply_prefix_) kavel::lidar::AppendBigEndian32(payload, ++reply_count_);
+  if (reply_prefix_) {
+    kavel::lidar::AppendBigEndian32(payload, ++reply_count_);
+  }
   return payload;
 }
 
@@ -63,8 +69,12 @@ std::vector<uint8_t> AuthGuard::AnswerProbe(uint8_t command, FaultBox* faults) {
   const size_t value_at = payload.size() + static_cast<size_t>(config_.probe_offset);
   const size_t value_size = static_cast<size_t>(config_.probe_len);
   payload.resize(value_at + value_size);
-  if (required_) payload[config_.probe_little_endian ? value_at : value_at + value_size - 1] = 1;
-  if (faults->Strike(Fault::kAuthShortProbe, command)) payload.pop_back();
+  if (required_) {
+    payload[config_.probe_little_endian ? value_at : value_at + value_size - 1] = 1;
+  }
+  if (faults->Strike(Fault::kAuthShortProbe, command)) {
+    payload.pop_back();
+  }
   return payload;
 }
 

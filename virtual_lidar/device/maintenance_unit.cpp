@@ -35,7 +35,9 @@ Bytes PaddedText(const std::string& text, size_t size) {
 // Of a setter that takes one number of a fixed width.
 template <typename Number>
 uint8_t Store(Number* place, uint32_t value, uint32_t lowest, uint32_t highest) {
-  if (value < lowest || value > highest) return kBadValue;
+  if (value < lowest || value > highest) {
+    return kBadValue;
+  }
   *place = static_cast<Number>(value);
   return kAccepted;
 }
@@ -68,8 +70,12 @@ bool IsNetMask(uint32_t mask) {
 }  // namespace
 
 SerialFamily SerialFamilyOf(const std::string& model) {
-  if (model.rfind("Lumo", 0) == 0) return SerialFamily::kLumo;
-  if (model.rfind("Kiva", 0) == 0) return SerialFamily::kKiva;
+  if (model.rfind("Lumo", 0) == 0) {
+    return SerialFamily::kLumo;
+  }
+  if (model.rfind("Kiva", 0) == 0) {
+    return SerialFamily::kKiva;
+  }
   return SerialFamily::kNone;
 }
 
@@ -81,8 +87,12 @@ MaintenanceUnit::MaintenanceUnit(SerialFamily family, std::string serial_number,
 
 std::optional<DeviceReply> MaintenanceUnit::Answer(const DeviceRequest& request,
                                                    uint32_t up_time_s) {
-  if (!enabled()) return std::nullopt;
-  if (request.code == kSwitchMode) return SwitchMode(request);
+  if (!enabled()) {
+    return std::nullopt;
+  }
+  if (request.code == kSwitchMode) {
+    return SwitchMode(request);
+  }
   DeviceReply reply;
   reply.code = request.code;
   if (auto payload = Read(request.code, up_time_s)) {
@@ -94,14 +104,18 @@ std::optional<DeviceReply> MaintenanceUnit::Answer(const DeviceRequest& request,
     return reply;
   }
   const std::optional<uint8_t> return_code = Write(request.code, request.payload);
-  if (!return_code) return std::nullopt;
+  if (!return_code) {
+    return std::nullopt;
+  }
   reply.return_code = *return_code;
   return reply;
 }
 
 void MaintenanceUnit::Seed(uint8_t command, const Bytes& answer) {
   const auto now = Read(command, 0);
-  if (!now || now->size() != answer.size()) return;
+  if (!now || now->size() != answer.size()) {
+    return;
+  }
   switch (command) {
     case kavel::lidar::kCmdGetBaudRate:
       state_.baud_rate_bps = ReadBigEndian32(answer.data());
@@ -127,7 +141,9 @@ void MaintenanceUnit::Seed(uint8_t command, const Bytes& answer) {
 void MaintenanceUnit::Restart() { state_.mode = state_.sub_mode = 0; }
 
 std::optional<Bytes> MaintenanceUnit::Read(uint8_t command, uint32_t up_time_s) const {
-  if (!enabled()) return std::nullopt;
+  if (!enabled()) {
+    return std::nullopt;
+  }
   Bytes bytes;
   switch (command) {
     case kavel::lidar::kCmdGetBaudRate:
@@ -162,16 +178,24 @@ std::optional<Bytes> MaintenanceUnit::Read(uint8_t command, uint32_t up_time_s) 
 
 std::optional<uint8_t> MaintenanceUnit::Write(uint8_t command, const Bytes& payload) {
   const std::optional<size_t> size = SetterSize(command);
-  if (!size) return std::nullopt;
-  if (payload.size() != *size) return kBadLength;
+  if (!size) {
+    return std::nullopt;
+  }
+  if (payload.size() != *size) {
+    return kBadLength;
+  }
   // Settings are for work mode: in any other the device is busy with its firmware.
-  if (state_.mode != 0) return kNotAllowedNow;
+  if (state_.mode != 0) {
+    return kNotAllowedNow;
+  }
   switch (command) {
     case kavel::lidar::kCmdSetBaudRate:
       return Store(&state_.baud_rate_bps, ReadBigEndian32(payload.data()), kLowestBaud,
                    kHighestBaud);
     case kavel::lidar::kCmdSetDestination:
-      if (ReadBigEndian16(payload.data() + 4) == 0) return kBadValue;
+      if (ReadBigEndian16(payload.data() + 4) == 0) {
+        return kBadValue;
+      }
       state_.destination = payload;
       return kAccepted;
     case kavel::lidar::kCmdSetNet:
@@ -184,7 +208,9 @@ std::optional<uint8_t> MaintenanceUnit::Write(uint8_t command, const Bytes& payl
       return Store(&state_.spin_rate_rpm, ReadBigEndian16(payload.data()), kLowestSpinRpm,
                    kHighestSpinRpm);
     default:  // kCmdSetImuRange
-      if (payload[0] > kHighestAngularRange || payload[1] > kHighestAccelRange) return kBadValue;
+      if (payload[0] > kHighestAngularRange || payload[1] > kHighestAccelRange) {
+        return kBadValue;
+      }
       state_.angular_range_index = payload[0];
       state_.accel_range_index = payload[1];
       return kAccepted;

@@ -24,7 +24,9 @@ QJsonObject DumpVariable(const VariableMemory::Cell& cell, uint32_t up_time_s) {
   std::string text;
   std::string fault;
   // A type without a text form has its bytes alone.
-  if (DecodeValue(var, bytes, &text, &fault)) object["text"] = QString::fromStdString(text);
+  if (DecodeValue(var, bytes, &text, &fault)) {
+    object["text"] = QString::fromStdString(text);
+  }
   object["hex"] = QString::fromStdString(kavel::lidar::HexText(bytes));
   return object;
 }
@@ -77,8 +79,12 @@ bool WriteDump(const VirtualDevice& device, const std::string& path, std::string
   QSaveFile file(QString::fromStdString(path));
   if (file.open(QIODevice::WriteOnly)) {
     // A short write does not make commit() fail.
-    if (file.write(text) != text.size()) file.cancelWriting();
-    if (file.commit()) return true;
+    if (file.write(text) != text.size()) {
+      file.cancelWriting();
+    }
+    if (file.commit()) {
+      return true;
+    }
   }
   *error = "cannot write " + path + ": " + file.errorString().toStdString();
   return false;

@@ -18,11 +18,15 @@ using Bytes = std::vector<uint8_t>;
 // Numbers without regard to the locale; the whole text has to be one.
 template <typename Number, typename... Base>
 std::optional<Number> ReadNumber(std::string_view text, Base... base) {
-  if (!text.empty() && text.front() == '+') text.remove_prefix(1);
+  if (!text.empty() && text.front() == '+') {
+    text.remove_prefix(1);
+  }
   Number number = 0;
   const auto [end, fault] =
       std::from_chars(text.data(), text.data() + text.size(), number, base...);
-  if (fault != std::errc() || end != text.data() + text.size()) return std::nullopt;
+  if (fault != std::errc() || end != text.data() + text.size()) {
+    return std::nullopt;
+  }
   return number;
 }
 
@@ -43,10 +47,14 @@ struct IntegerShape {
 
 std::optional<IntegerShape> IntegerShapeOf(const std::string& type) {
   const bool is_signed = type.rfind("int", 0) == 0;
-  if (!is_signed && type.rfind("uint", 0) != 0) return std::nullopt;
+  if (!is_signed && type.rfind("uint", 0) != 0) {
+    return std::nullopt;
+  }
   const auto bits = ReadNumber<int>(std::string_view(type).substr(is_signed ? 3 : 4));
   const std::array<int, 4> known = {8, 16, 32, 64};
-  if (!bits || std::find(known.begin(), known.end(), *bits) == known.end()) return std::nullopt;
+  if (!bits || std::find(known.begin(), known.end(), *bits) == known.end()) {
+    return std::nullopt;
+  }
   return IntegerShape{static_cast<size_t>(*bits) / 8, is_signed};
 }
 
@@ -64,29 +72,39 @@ std::optional<uint64_t> ScaledInteger(const std::string& text, float coefficient
                             : wide >> (bits - 1) <= 1;
       return fits ? std::optional(wide) : std::nullopt;
     }
-    if (shape.is_signed) return std::nullopt;
+    if (shape.is_signed) {
+      return std::nullopt;
+    }
     const auto number = ReadNumber<uint64_t>(text);
     return number && bits == 64 ? number : std::nullopt;
   }
   const auto value = ReadNumber<double>(text);
-  if (!value) return std::nullopt;
+  if (!value) {
+    return std::nullopt;
+  }
   const double raw = std::nearbyint(*value / static_cast<double>(coefficient));
   const double lowest = shape.is_signed ? -std::ldexp(1.0, bits - 1) : 0.0;
   const double bound = std::ldexp(1.0, shape.is_signed ? bits - 1 : bits);
-  if (!(raw >= lowest && raw < bound)) return std::nullopt;
+  if (!(raw >= lowest && raw < bound)) {
+    return std::nullopt;
+  }
   return raw < 0 ? static_cast<uint64_t>(static_cast<int64_t>(raw)) : static_cast<uint64_t>(raw);
 }
 
 std::optional<Bytes> EncodeInteger(const VarInfo& var, const std::string& text,
                                    const IntegerShape& shape) {
   const auto raw = ScaledInteger(text, var.coefficient, shape);
-  if (!raw) return std::nullopt;
+  if (!raw) {
+    return std::nullopt;
+  }
   return BigEndian(*raw, shape.size);
 }
 
 std::optional<Bytes> EncodeReal(const VarInfo& var, const std::string& text) {
   const auto shown = ReadNumber<double>(text);
-  if (!shown || !std::isfinite(*shown)) return std::nullopt;
+  if (!shown || !std::isfinite(*shown)) {
+    return std::nullopt;
+  }
   const double value = *shown / static_cast<double>(var.coefficient);
   if (var.var_type == "double") {
     uint64_t bits = 0;
@@ -101,16 +119,22 @@ std::optional<Bytes> EncodeReal(const VarInfo& var, const std::string& text) {
 
 std::optional<Bytes> EncodeIp(const std::string& text) {
   Bytes bytes(4);
-  if (!kavel::lidar::ParseDottedIpv4(text, bytes.data())) return std::nullopt;
+  if (!kavel::lidar::ParseDottedIpv4(text, bytes.data())) {
+    return std::nullopt;
+  }
   return bytes;
 }
 
 std::optional<Bytes> EncodeMac(const std::string& text) {
   Bytes bytes;
-  if (text.size() != 17) return std::nullopt;
+  if (text.size() != 17) {
+    return std::nullopt;
+  }
   for (size_t at = 0; at < text.size(); at += 3) {
     const auto byte = ReadNumber<uint8_t>(std::string_view(text).substr(at, 2), 16);
-    if (!byte || (at + 2 < text.size() && text[at + 2] != ':')) return std::nullopt;
+    if (!byte || (at + 2 < text.size() && text[at + 2] != ':')) {
+      return std::nullopt;
+    }
     bytes.push_back(*byte);
   }
   return bytes;
@@ -120,12 +144,18 @@ std::optional<Bytes> HexPairs(const std::string& text) {
   std::string digits;
   std::copy_if(text.begin(), text.end(), std::back_inserter(digits),
                [](char c) { return c != ' '; });
-  if (digits.rfind("0x", 0) == 0 || digits.rfind("0X", 0) == 0) digits.erase(0, 2);
-  if (digits.size() % 2 != 0) return std::nullopt;
+  if (digits.rfind("0x", 0) == 0 || digits.rfind("0X", 0) == 0) {
+    digits.erase(0, 2);
+  }
+  if (digits.size() % 2 != 0) {
+    return std::nullopt;
+  }
   Bytes bytes;
   for (size_t at = 0; at < digits.size(); at += 2) {
     const auto byte = ReadNumber<uint8_t>(std::string_view(digits).substr(at, 2), 16);
-    if (!byte) return std::nullopt;
+    if (!byte) {
+      return std::nullopt;
+    }
     bytes.push_back(*byte);
   }
   return bytes;
@@ -135,7 +165,9 @@ Bytes TextBytes(const std::string& text) { return Bytes(text.begin(), text.end()
 
 // "1 h 0 min 1 s", any of the three left out, or a bare count of seconds.
 std::optional<uint64_t> Seconds(const std::string& text) {
-  if (const auto bare = ReadNumber<uint64_t>(text)) return bare;
+  if (const auto bare = ReadNumber<uint64_t>(text)) {
+    return bare;
+  }
   uint64_t seconds = 0;
   const char* at = text.data();
   const char* const end = at + text.size();
@@ -144,11 +176,17 @@ std::optional<uint64_t> Seconds(const std::string& text) {
     const auto [digits_end, fault] = std::from_chars(at, end, count);
     const std::string tail = std::string(" ") + unit;
     const std::string_view rest(digits_end, static_cast<size_t>(end - digits_end));
-    if (fault != std::errc() || rest.substr(0, tail.size()) != tail) continue;
-    if (count > std::numeric_limits<uint32_t>::max()) return std::nullopt;
+    if (fault != std::errc() || rest.substr(0, tail.size()) != tail) {
+      continue;
+    }
+    if (count > std::numeric_limits<uint32_t>::max()) {
+      return std::nullopt;
+    }
     seconds += count * factor;
     at = digits_end + tail.size();
-    if (at != end && *at == ' ') ++at;
+    if (at != end && *at == ' ') {
+      ++at;
+    }
   }
   return at == end ? std::optional(seconds) : std::nullopt;
 }
@@ -156,14 +194,18 @@ std::optional<uint64_t> Seconds(const std::string& text) {
 std::optional<Bytes> EncodeDuration(const VarInfo& var, const std::string& text) {
   const auto size = static_cast<size_t>(var.offset);
   const auto seconds = Seconds(text);
-  if (!seconds || (size < 8 && *seconds >> (8 * size) != 0)) return std::nullopt;
+  if (!seconds || (size < 8 && *seconds >> (8 * size) != 0)) {
+    return std::nullopt;
+  }
   return BigEndian(*seconds, size);
 }
 
 // Versions: some characters, then numbers separated by dots, whose widths in bytes are given.
 std::optional<Bytes> EncodeVersion(const std::string& text, size_t characters,
                                    const std::vector<size_t>& widths) {
-  if (text.size() < characters) return std::nullopt;
+  if (text.size() < characters) {
+    return std::nullopt;
+  }
   Bytes bytes(text.begin(), text.begin() + static_cast<std::ptrdiff_t>(characters));
   size_t at = characters;
   for (const size_t width : widths) {
@@ -179,27 +221,51 @@ std::optional<Bytes> EncodeVersion(const std::string& text, size_t characters,
     }
     const size_t dot = std::min(text.find('.', at), text.size());
     const auto number = ReadNumber<uint16_t>(std::string_view(text).substr(at, dot - at));
-    if (!number || *number >> (8 * width) != 0) return std::nullopt;
+    if (!number || *number >> (8 * width) != 0) {
+      return std::nullopt;
+    }
     const Bytes encoded = BigEndian(*number, width);
     bytes.insert(bytes.end(), encoded.begin(), encoded.end());
     at = dot + 1;
   }
-  if (at < text.size()) return std::nullopt;
+  if (at < text.size()) {
+    return std::nullopt;
+  }
   bytes.resize(16);
   return bytes;
 }
 
 std::optional<Bytes> Encode(const VarInfo& var, const std::string& text) {
-  if (var.var_name == "HWVER") return EncodeVersion(text, 9, {1, 1, 2, 2});
-  if (var.var_name == "SWVER_YMD") return EncodeVersion(text, 12, {1, 1, 1, 1});
-  if (var.var_name == "MAC") return EncodeMac(text);
-  if (const auto shape = IntegerShapeOf(var.var_type)) return EncodeInteger(var, text, *shape);
-  if (var.var_type == "float32" || var.var_type == "double") return EncodeReal(var, text);
-  if (var.var_type == "IP") return EncodeIp(text);
-  if (var.var_type == "MAC") return EncodeMac(text);
-  if (var.var_type == "DT") return EncodeDuration(var, text);
-  if (var.var_type == "raw") return HexPairs(text).value_or(TextBytes(text));
-  if (var.var_type == "string") return TextBytes(text);
+  if (var.var_name == "HWVER") {
+    return EncodeVersion(text, 9, {1, 1, 2, 2});
+  }
+  if (var.var_name == "SWVER_YMD") {
+    return EncodeVersion(text, 12, {1, 1, 1, 1});
+  }
+  if (var.var_name == "MAC") {
+    return EncodeMac(text);
+  }
+  if (const auto shape = IntegerShapeOf(var.var_type)) {
+    return EncodeInteger(var, text, *shape);
+  }
+  if (var.var_type == "float32" || var.var_type == "double") {
+    return EncodeReal(var, text);
+  }
+  if (var.var_type == "IP") {
+    return EncodeIp(text);
+  }
+  if (var.var_type == "MAC") {
+    return EncodeMac(text);
+  }
+  if (var.var_type == "DT") {
+    return EncodeDuration(var, text);
+  }
+  if (var.var_type == "raw") {
+    return HexPairs(text).value_or(TextBytes(text));
+  }
+  if (var.var_type == "string") {
+    return TextBytes(text);
+  }
   return std::nullopt;
 }
 
@@ -209,7 +275,9 @@ bool EncodeValueText(const VarInfo& var, const std::string& text, std::vector<ui
                      std::string* error) {
   const auto size = static_cast<size_t>(std::max(var.offset, 0));
   bytes->assign(size, 0);
-  if (text.empty()) return true;
+  if (text.empty()) {
+    return true;
+  }
   std::optional<Bytes> encoded = Encode(var, text);
   if (!encoded) {
     *error = "\"" + text + "\" is no value of type " + var.var_type;

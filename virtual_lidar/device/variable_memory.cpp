@@ -52,7 +52,9 @@ Bytes FullTurn() {
 
 // Nothing for a text that is no command; loading the table has reported it.
 std::optional<CommandRoute> RouteOf(const std::string& command) {
-  if (command.empty()) return std::nullopt;
+  if (command.empty()) {
+    return std::nullopt;
+  }
   try {
     return ParseCommandText(command);
   } catch (const std::logic_error&) {
@@ -89,9 +91,13 @@ void VariableMemory::AddCell(const ConfigParser& table, const VarInfo& var) {
   Cell cell;
   cell.var = &var;
   std::string error;
-  if (!EncodeValueText(var, var.default_val, &cell.factory, &error)) report("default " + error);
+  if (!EncodeValueText(var, var.default_val, &cell.factory, &error)) {
+    report("default " + error);
+  }
   if (IsFovTable(var) && !IsAcceptableFovTable(cell.factory)) {
-    if (!var.default_val.empty()) report("the default is no field-of-view table");
+    if (!var.default_val.empty()) {
+      report("the default is no field-of-view table");
+    }
     cell.factory = FullTurn();
   }
   cell.value = cell.factory;
@@ -102,13 +108,17 @@ void VariableMemory::AddCell(const ConfigParser& table, const VarInfo& var) {
 void VariableMemory::AddToWriteGroup(const VarInfo& var, size_t cell,
                                      std::map<std::string, size_t>* group_of) {
   const auto route = RouteOf(var.set_cmd);
-  if (!route) return;
+  if (!route) {
+    return;
+  }
   const auto [place, is_new] = group_of->emplace(var.set_cmd, writes_.size());
   if (is_new) {
     WriteGroup group;
     group.command = route->code;
     // Only a long command carries the fixed payload of its first variable.
-    if (!route->prefix.empty()) group.head = Joined(route->prefix, var.set_payload);
+    if (!route->prefix.empty()) {
+      group.head = Joined(route->prefix, var.set_payload);
+    }
     group.any_length = var.var_name == kSharedSecretKey;
     group.is_fov_table = IsFovTable(var);
     writes_.push_back(std::move(group));
@@ -130,11 +140,17 @@ std::optional<VariableMemory::Outcome> VariableMemory::Execute(uint8_t command,
     }
     return outcome;
   }
-  if (const WriteGroup* group = FindWriteGroup(command, payload)) return Write(*group, payload);
+  if (const WriteGroup* group = FindWriteGroup(command, payload)) {
+    return Write(*group, payload);
+  }
   // A long command is known by its text, which stands in the payload.
-  if (command == kLongCommandCode) return std::nullopt;
+  if (command == kLongCommandCode) {
+    return std::nullopt;
+  }
   const auto same_command = reads_.lower_bound({command, {}});
-  if (same_command == reads_.end() || same_command->first.first != command) return std::nullopt;
+  if (same_command == reads_.end() || same_command->first.first != command) {
+    return std::nullopt;
+  }
   Outcome refused;
   const bool right_length = same_command->first.second.size() == payload.size();
   refused.return_code = right_length ? kBadValue : kBadLength;
@@ -145,8 +161,12 @@ const VariableMemory::WriteGroup* VariableMemory::FindWriteGroup(uint8_t command
                                                                  const Bytes& payload) const {
   const WriteGroup* best = nullptr;
   for (const WriteGroup& group : writes_) {
-    if (group.command != command || !StartsWith(payload, group.head)) continue;
-    if (best == nullptr || group.head.size() > best->head.size()) best = &group;
+    if (group.command != command || !StartsWith(payload, group.head)) {
+      continue;
+    }
+    if (best == nullptr || group.head.size() > best->head.size()) {
+      best = &group;
+    }
   }
   return best;
 }
@@ -193,9 +213,13 @@ VariableMemory::Outcome VariableMemory::Write(const WriteGroup& group, const Byt
 
 bool VariableMemory::IsCheckedNow(const VarInfo& var,
                                   const std::map<size_t, Bytes>& incoming) const {
-  if (var.permission == 0) return false;
+  if (var.permission == 0) {
+    return false;
+  }
   const auto found = by_id_.find(var.switch_var_id);
-  if (found == by_id_.end()) return true;
+  if (found == by_id_.end()) {
+    return true;
+  }
   const auto sent = incoming.find(found->second);
   const Bytes& state = sent != incoming.end() ? sent->second : cells_[found->second].value;
   return std::any_of(state.begin(), state.end(), [](uint8_t byte) { return byte != 0; });
@@ -203,15 +227,23 @@ bool VariableMemory::IsCheckedNow(const VarInfo& var,
 
 void VariableMemory::StoreReply(uint8_t command, const Bytes& reply) {
   const auto read = reads_.find({command, {}});
-  if (read == reads_.end()) return;
+  if (read == reads_.end()) {
+    return;
+  }
   size_t size = 0;
-  for (const size_t cell : read->second) size += cells_[cell].value.size();
-  if (size != reply.size()) return;
+  for (const size_t cell : read->second) {
+    size += cells_[cell].value.size();
+  }
+  if (size != reply.size()) {
+    return;
+  }
   auto from = reply.begin();
   for (const size_t index : read->second) {
     Cell& cell = cells_[index];
     const auto to = from + static_cast<std::ptrdiff_t>(cell.value.size());
-    if (!cell.is_clock) cell.value.assign(from, to);
+    if (!cell.is_clock) {
+      cell.value.assign(from, to);
+    }
     from = to;
   }
 }
@@ -234,12 +266,16 @@ bool VariableMemory::Preset(const std::string& name, const std::string& text, st
 }
 
 void VariableMemory::Reset() {
-  for (Cell& cell : cells_) cell.value = cell.factory;
+  for (Cell& cell : cells_) {
+    cell.value = cell.factory;
+  }
 }
 
 Bytes VariableMemory::ValueNow(const Cell& cell, uint32_t up_time_s) {
   Bytes value = cell.value;
-  if (cell.is_clock) AddSeconds(&value, up_time_s);
+  if (cell.is_clock) {
+    AddSeconds(&value, up_time_s);
+  }
   return value;
 }
 
@@ -247,7 +283,9 @@ std::string VariableMemory::TextOf(const std::string& name) const {
   std::string text;
   std::string fault;
   for (const Cell& cell : cells_) {
-    if (cell.var->var_name == name) DecodeValue(*cell.var, cell.value, &text, &fault);
+    if (cell.var->var_name == name) {
+      DecodeValue(*cell.var, cell.value, &text, &fault);
+    }
   }
   return text;
 }

@@ -64,7 +64,9 @@ bool VirtualDevice::TakeChanged() { return std::exchange(changed_, false); }
 DeviceReply VirtualDevice::CarryOut(const DeviceRequest& request, std::string* what) {
   DeviceReply reply;
   reply.code = request.code;
-  if (RunBuiltIn(request, &reply, what)) return reply;
+  if (RunBuiltIn(request, &reply, what)) {
+    return reply;
+  }
   if (auto answer = maintenance_.Answer(request, UpTimeSeconds())) {
     *what = "maintenance";
     // Of the maintenance commands, exactly those that change something carry a payload.
@@ -74,14 +76,18 @@ DeviceReply VirtualDevice::CarryOut(const DeviceRequest& request, std::string* w
     }
     return std::move(*answer);
   }
-  if (RunTableCommand(request, &reply, what)) return reply;
+  if (RunTableCommand(request, &reply, what)) {
+    return reply;
+  }
   *what = "unknown";
   reply.return_code = kUnknownCommand;
   return reply;
 }
 
 bool VirtualDevice::Preset(const std::string& name, const std::string& text, std::string* error) {
-  if (!memory_.Preset(name, text, error)) return false;
+  if (!memory_.Preset(name, text, error)) {
+    return false;
+  }
   SeedMaintenance();
   return true;
 }
@@ -92,13 +98,17 @@ void VirtualDevice::SeedMaintenance() {
   maintenance_.Reset();
   for (const uint8_t command : MaintenanceUnit::kSeedCommands) {
     const auto outcome = memory_.Execute(command, {}, 0);
-    if (outcome && outcome->return_code == kAccepted) maintenance_.Seed(command, outcome->payload);
+    if (outcome && outcome->return_code == kAccepted) {
+      maintenance_.Seed(command, outcome->payload);
+    }
   }
 }
 
 void VirtualDevice::MirrorMaintenance() {
   for (const uint8_t command : MaintenanceUnit::kSeedCommands) {
-    if (const auto bytes = maintenance_.Read(command, 0)) memory_.StoreReply(command, *bytes);
+    if (const auto bytes = maintenance_.Read(command, 0)) {
+      memory_.StoreReply(command, *bytes);
+    }
   }
 }
 
@@ -130,7 +140,9 @@ bool VirtualDevice::RunBuiltIn(const DeviceRequest& request, DeviceReply* reply,
 bool VirtualDevice::RunTableCommand(const DeviceRequest& request, DeviceReply* reply,
                                     std::string* what) {
   auto outcome = memory_.Execute(request.code, request.payload, UpTimeSeconds());
-  if (!outcome) return false;
+  if (!outcome) {
+    return false;
+  }
   const bool is_read = !outcome->payload.empty();
   reply->return_code = outcome->return_code;
   reply->payload = std::move(outcome->payload);

@@ -17,9 +17,13 @@ using Bytes = std::vector<uint8_t>;
 
 // The number that stands on the wire; nothing for types that are none.
 std::optional<double> WireNumber(const std::string& type, const Bytes& bytes) {
-  if (bytes.size() > 8) return std::nullopt;
+  if (bytes.size() > 8) {
+    return std::nullopt;
+  }
   uint64_t raw = 0;
-  for (const uint8_t byte : bytes) raw = (raw << 8) | byte;
+  for (const uint8_t byte : bytes) {
+    raw = (raw << 8) | byte;
+  }
   if (type == "float32" && bytes.size() == 4) {
     const auto bits = static_cast<uint32_t>(raw);
     float value = 0;
@@ -31,7 +35,9 @@ std::optional<double> WireNumber(const std::string& type, const Bytes& bytes) {
     std::memcpy(&value, &raw, sizeof value);
     return value;
   }
-  if (type.rfind("uint", 0) == 0) return static_cast<double>(raw);
+  if (type.rfind("uint", 0) == 0) {
+    return static_cast<double>(raw);
+  }
   if (type.rfind("int", 0) == 0 && !bytes.empty()) {
     const auto unused = static_cast<int>(64 - 8 * bytes.size());
     return static_cast<double>(static_cast<int64_t>(raw << unused) >> unused);
@@ -48,8 +54,12 @@ bool IsWithin(const VarInfo& var, double wire, float coefficient) {
 }
 
 bool IsWithinRange(const VarInfo& var, double wire) {
-  if (var.range_min == 0 && var.range_max == 0) return true;
-  if (var.type == kSwitch && wire == 0) return true;
+  if (var.range_min == 0 && var.range_max == 0) {
+    return true;
+  }
+  if (var.type == kSwitch && wire == 0) {
+    return true;
+  }
   // A client that sends back what it read has the one scale, one that encodes anew the other.
   return IsWithin(var, wire, var.coefficient) || IsWithin(var, wire, var.set_coefficient);
 }
@@ -67,7 +77,9 @@ bool IsAnOption(const VarInfo& var, const Bytes& bytes) {
 
 bool IsAcceptableValue(const VarInfo& var, const Bytes& bytes) {
   const bool is_choice = var.type == kChoice || var.type == kTallChoice;
-  if (is_choice && !var.option_values.empty()) return IsAnOption(var, bytes);
+  if (is_choice && !var.option_values.empty()) {
+    return IsAnOption(var, bytes);
+  }
   const std::optional<double> wire = WireNumber(var.var_type, bytes);
   return !wire || (std::isfinite(*wire) && IsWithinRange(var, *wire));
 }

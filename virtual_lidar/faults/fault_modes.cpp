@@ -17,7 +17,9 @@ bool ReadNumber(const std::string& text, uint32_t* number) {
 // Cuts "…<mark>tail" off the text; no mark leaves the text alone and gives no tail.
 std::optional<std::string> CutTail(std::string* text, char mark) {
   const size_t at = text->find(mark);
-  if (at == std::string::npos) return std::nullopt;
+  if (at == std::string::npos) {
+    return std::nullopt;
+  }
   std::string tail = text->substr(at + 1);
   text->resize(at);
   return tail;
@@ -41,8 +43,9 @@ bool ReadArgument(const FaultMode& mode, const std::optional<std::string>& text,
   if (*mode.argument == '\0') {
     return !text || Fail(error, "fault \"" + name + "\" takes no argument");
   }
-  if (!text)
+  if (!text) {
     return Fail(error, "fault \"" + name + "\" needs an argument: " + name + "=" + mode.argument);
+  }
   if (!ReadNumber(*text, &order->argument) || order->argument < mode.argument_min ||
       order->argument > mode.argument_max) {
     return Fail(error, "the argument of fault \"" + name + "\" is a number from " +
@@ -100,9 +103,13 @@ bool ParseFaultOrder(const std::string& text, FaultOrder* order, std::string* er
   const std::optional<std::string> argument = CutTail(&name, '=');
 
   const FaultMode* mode = FindMode(name);
-  if (mode == nullptr) return Fail(error, "there is no fault named \"" + name + "\"");
+  if (mode == nullptr) {
+    return Fail(error, "there is no fault named \"" + name + "\"");
+  }
   order->fault = mode->fault;
-  if (!ReadArgument(*mode, argument, order, error)) return false;
+  if (!ReadArgument(*mode, argument, order, error)) {
+    return false;
+  }
   if (mode->fault == Fault::kSilentAfter && (command || times)) {
     return Fail(error,
                 "fault \"" + name + "\" counts all requests: it takes no @CMD and no #TIMES");
@@ -128,10 +135,16 @@ FaultBox::FaultBox(std::vector<FaultOrder> orders) : orders_(std::move(orders)) 
 
 std::optional<uint32_t> FaultBox::Strike(Fault fault, uint8_t command) {
   for (FaultOrder& order : orders_) {
-    if (order.fault != fault) continue;
-    if (order.command && *order.command != command) continue;
+    if (order.fault != fault) {
+      continue;
+    }
+    if (order.command && *order.command != command) {
+      continue;
+    }
     if (order.times) {
-      if (*order.times == 0) continue;
+      if (*order.times == 0) {
+        continue;
+      }
       --*order.times;
     }
     struck_.emplace_back(FaultModes()[static_cast<size_t>(fault)].name);

@@ -23,8 +23,12 @@ Bytes BendFrame(const WireCodec& codec, const DeviceReply& reply, FaultBox* faul
                 ReplyPlan::Ending* ending) {
   Bytes frame = codec.Encode(reply);
   const uint8_t command = reply.code;
-  if (faults->Strike(Fault::kHugeLength, command)) codec.OverstateLength(&frame);
-  if (faults->Strike(Fault::kCorrupt, command)) codec.Damage(&frame);
+  if (faults->Strike(Fault::kHugeLength, command)) {
+    codec.OverstateLength(&frame);
+  }
+  if (faults->Strike(Fault::kCorrupt, command)) {
+    codec.Damage(&frame);
+  }
   if (faults->Strike(Fault::kStale, command)) {
     const Bytes copy = frame;
     frame.insert(frame.end(), copy.begin(), copy.end());
@@ -47,24 +51,32 @@ Bytes BendFrame(const WireCodec& codec, const DeviceReply& reply, FaultBox* faul
 ReplyPlan PlanReply(const WireCodec& codec, DeviceReply reply, FaultBox* faults) {
   ReplyPlan plan;
   const uint8_t command = reply.code;
-  if (reply.aftermath == Aftermath::kRestart) plan.ending = ReplyPlan::Ending::kRestart;
+  if (reply.aftermath == Aftermath::kRestart) {
+    plan.ending = ReplyPlan::Ending::kRestart;
+  }
   if (reply.aftermath == Aftermath::kHangUpUnanswered ||
       faults->Strike(Fault::kCloseBeforeReply, command)) {
     plan.ending = ReplyPlan::Ending::kHangUp;
     return plan;
   }
-  if (faults->Strike(Fault::kDrop, command)) return plan;
+  if (faults->Strike(Fault::kDrop, command)) {
+    return plan;
+  }
   if (faults->Strike(Fault::kBabble, command)) {
     plan.steps.push_back({kBabbleGap, StrayBytes()});
     plan.repeat = true;
     return plan;
   }
 
-  if (faults->Strike(Fault::kWrongCommand, command)) ++reply.code;
+  if (faults->Strike(Fault::kWrongCommand, command)) {
+    ++reply.code;
+  }
   const Bytes frame = BendFrame(codec, reply, faults, &plan.ending);
   const std::chrono::milliseconds delay(faults->Strike(Fault::kDelay, command).value_or(0));
   if (faults->Strike(Fault::kSplit, command)) {
-    for (const uint8_t byte : frame) plan.steps.push_back({kByteGap, {byte}});
+    for (const uint8_t byte : frame) {
+      plan.steps.push_back({kByteGap, {byte}});
+    }
     plan.steps.front().wait += delay;
   } else {
     plan.steps.push_back({delay, frame});

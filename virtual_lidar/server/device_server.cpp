@@ -51,7 +51,9 @@ DeviceServer::DeviceServer(EventLoop* loop, VirtualDevice* device, FaultBox* fau
 DeviceServer::~DeviceServer() = default;
 
 bool DeviceServer::Start(std::string* error) {
-  if (!setup_.dump_file.empty() && !WriteDump(*device_, setup_.dump_file, error)) return false;
+  if (!setup_.dump_file.empty() && !WriteDump(*device_, setup_.dump_file, error)) {
+    return false;
+  }
   try {
     if (setup_.tcp_port) {
       if (!listener_.Open(*setup_.tcp_port)) {
@@ -60,7 +62,9 @@ bool DeviceServer::Start(std::string* error) {
       }
       log_->Write("listening on 127.0.0.1:" + std::to_string(listener_.port()));
     }
-    if (setup_.serial != ServerSetup::Serial::kNone) OpenSerial();
+    if (setup_.serial != ServerSetup::Serial::kNone) {
+      OpenSerial();
+    }
     if (setup_.point_cloud) {
       point_cloud_ = std::make_unique<PointCloudSender>(loop_, *setup_.point_cloud);
     }
@@ -74,7 +78,9 @@ bool DeviceServer::Start(std::string* error) {
 std::vector<std::string> DeviceServer::SerialPortNames() const {
   std::vector<std::string> names;
   for (const auto* line : {line_.get(), answer_line_.get()}) {
-    if (line != nullptr) names.push_back(line->name());
+    if (line != nullptr) {
+      names.push_back(line->name());
+    }
   }
   return names;
 }
@@ -113,11 +119,15 @@ void DeviceServer::OpenSerial() {
 
 void DeviceServer::ResetSerialLink() {
   // A line that is about to be replaced still gets its last events.
-  if (serial_link_) serial_link_->Reset(std::make_unique<SerialCodec>());
+  if (serial_link_) {
+    serial_link_->Reset(std::make_unique<SerialCodec>());
+  }
 }
 
 ReplyPlan DeviceServer::OnRequest(Link& link, const DeviceRequest& request) {
-  if (away_) return {};
+  if (away_) {
+    return {};
+  }
   faults_->TakeStruck();
   if (faults_->CountRequestAndCheckSilence()) {
     LogRequest(link, request, "ignored", "no answer");
@@ -126,7 +136,9 @@ ReplyPlan DeviceServer::OnRequest(Link& link, const DeviceRequest& request) {
   std::string what;
   const DeviceReply reply = device_->Answer(request, link.auth(), faults_, &what);
   // The dump is there before the client can have its answer.
-  if (device_->TakeChanged()) Dump();
+  if (device_->TakeChanged()) {
+    Dump();
+  }
   const std::string outcome =
       "return code " + std::to_string(reply.return_code) + ", " + ByteCount(reply.payload.size());
   ReplyPlan plan = PlanReply(link.codec(), reply, faults_);
@@ -139,8 +151,12 @@ void DeviceServer::LogRequest(const Link& link, const DeviceRequest& request,
   std::string line = "request " + HexByte(request.code) + " (" + ByteCount(request.payload.size()) +
                      ") from " + link.name() + ": " + what + ", " + outcome;
   const std::vector<std::string> struck = faults_->TakeStruck();
-  for (size_t i = 0; i < struck.size(); ++i) line += (i == 0 ? " [fault: " : ", ") + struck[i];
-  if (!struck.empty()) line += "]";
+  for (size_t i = 0; i < struck.size(); ++i) {
+    line += (i == 0 ? " [fault: " : ", ") + struck[i];
+  }
+  if (!struck.empty()) {
+    line += "]";
+  }
   log_->Write(line);
 }
 
@@ -154,12 +170,16 @@ void DeviceServer::OnHangUp(Link& link) {
     }
     const auto found = std::find_if(clients_.begin(), clients_.end(),
                                     [gone](const auto& client) { return &client->link == gone; });
-    if (found != clients_.end()) clients_.erase(found);
+    if (found != clients_.end()) {
+      clients_.erase(found);
+    }
   });
 }
 
 void DeviceServer::OnRestartDue() {
-  if (std::exchange(restart_pending_, true)) return;
+  if (std::exchange(restart_pending_, true)) {
+    return;
+  }
   loop_->After({}, [this] { BeginRestart(); });
 }
 

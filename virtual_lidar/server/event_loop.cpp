@@ -11,7 +11,9 @@
 #include <vector>
 
 EventLoop::EventLoop() : wake_(eventfd(0, EFD_NONBLOCK | EFD_CLOEXEC)) {
-  if (!wake_.valid()) throw std::system_error(errno, std::generic_category(), "eventfd");
+  if (!wake_.valid()) {
+    throw std::system_error(errno, std::generic_category(), "eventfd");
+  }
   Watch(wake_.get(), POLLIN, [this](short) { running_ = false; });
 }
 
@@ -30,22 +32,30 @@ EventLoop::TimerId EventLoop::After(Clock::duration delay, std::function<void()>
 void EventLoop::Cancel(TimerId id) {
   const auto found = std::find_if(timers_.begin(), timers_.end(),
                                   [id](const auto& entry) { return entry.first.second == id; });
-  if (found != timers_.end()) timers_.erase(found);
+  if (found != timers_.end()) {
+    timers_.erase(found);
+  }
 }
 
 void EventLoop::Run() {
   std::vector<pollfd> polled;
   while (running_) {
     polled.clear();
-    for (const auto& [fd, watcher] : watchers_) polled.push_back({fd, watcher.events, 0});
+    for (const auto& [fd, watcher] : watchers_) {
+      polled.push_back({fd, watcher.events, 0});
+    }
     if (poll(polled.data(), polled.size(), MillisecondsToNextTimer()) < 0 && errno != EINTR) {
       throw std::system_error(errno, std::generic_category(), "poll");
     }
     for (const pollfd& ready : polled) {
-      if (ready.revents == 0) continue;
+      if (ready.revents == 0) {
+        continue;
+      }
       // An earlier handler of this round may have unwatched it.
       const auto found = watchers_.find(ready.fd);
-      if (found == watchers_.end()) continue;
+      if (found == watchers_.end()) {
+        continue;
+      }
       const std::shared_ptr<FdHandler> handler = found->second.handler;
       (*handler)(ready.revents);
     }
@@ -60,7 +70,9 @@ void EventLoop::Stop() {
 }
 
 int EventLoop::MillisecondsToNextTimer() const {
-  if (timers_.empty()) return -1;
+  if (timers_.empty()) {
+    return -1;
+  }
   const auto left = timers_.begin()->first.first - Clock::now();
   const auto rounded_up = std::chrono::ceil<std::chrono::milliseconds>(left).count();
   return static_cast<int>(std::clamp<long long>(rounded_up, 0, 60000));
@@ -72,7 +84,9 @@ void EventLoop::RunDueTimers() {
   const TimerId first_new = next_timer_;
   while (!timers_.empty()) {
     const auto first = timers_.begin();
-    if (first->first.first > now || first->first.second >= first_new) break;
+    if (first->first.first > now || first->first.second >= first_new) {
+      break;
+    }
     const std::function<void()> action = std::move(first->second);
     timers_.erase(first);
     action();

@@ -20,7 +20,9 @@ ssize_t WriteSome(int fd, const uint8_t* data, size_t size) {
 
 size_t BytesOf(const ReplyPlan& plan) {
   size_t bytes = 0;
-  for (const SendStep& step : plan.steps) bytes += step.bytes.size();
+  for (const SendStep& step : plan.steps) {
+    bytes += step.bytes.size();
+  }
   return bytes;
 }
 
@@ -55,7 +57,9 @@ void Link::Reset(std::unique_ptr<WireCodec> codec) {
 }
 
 void Link::UpdateWatches() {
-  if (dead_) return;
+  if (dead_) {
+    return;
+  }
   const short in = waiting_bytes_ < kMaxWaitingBytes ? POLLIN : 0;
   const short out = out_blocked_ ? POLLOUT : 0;
   const auto handler = [this](int fd) {
@@ -75,14 +79,18 @@ void Link::OnEvents(int fd, short events) {
     SendWaiting();
   }
   // A hang-up is told apart from data by reading.
-  if (!dead_ && fd == in_fd_ && (events & (POLLIN | POLLHUP | POLLERR)) != 0) ReadRequests();
+  if (!dead_ && fd == in_fd_ && (events & (POLLIN | POLLHUP | POLLERR)) != 0) {
+    ReadRequests();
+  }
   UpdateWatches();
 }
 
 void Link::ReadRequests() {
   std::array<uint8_t, 16384> buffer;
   const ssize_t got = read(in_fd_, buffer.data(), buffer.size());
-  if (got < 0 && (errno == EAGAIN || errno == EINTR)) return;
+  if (got < 0 && (errno == EAGAIN || errno == EINTR)) {
+    return;
+  }
   if (got <= 0) {
     HangUp();
     return;
@@ -91,14 +99,18 @@ void Link::ReadRequests() {
       codec_->Feed(buffer.data(), static_cast<size_t>(got), EventLoop::Clock::now());
   for (const DeviceRequest& request : requests) {
     Enqueue(host_->OnRequest(*this, request));
-    if (dead_) return;
+    if (dead_) {
+      return;
+    }
   }
 }
 
 void Link::Enqueue(ReplyPlan plan) {
   waiting_bytes_ += BytesOf(plan);
   plans_.push_back(std::move(plan));
-  if (plans_.size() == 1) SendWaiting();
+  if (plans_.size() == 1) {
+    SendWaiting();
+  }
 }
 
 void Link::SendWaiting() {
@@ -113,7 +125,9 @@ void Link::SendWaiting() {
       WaitFor(step.wait);
       return;
     }
-    if (!WriteStep(&step)) return;
+    if (!WriteStep(&step)) {
+      return;
+    }
     waiting_bytes_ -= step.bytes.size();
     ++next_step_;
     sent_of_step_ = 0;
@@ -149,8 +163,12 @@ void Link::FinishPlan() {
   const ReplyPlan::Ending ending = plans_.front().ending;
   plans_.pop_front();
   next_step_ = 0;
-  if (ending == ReplyPlan::Ending::kHangUp) HangUp();
-  if (ending == ReplyPlan::Ending::kRestart) host_->OnRestartDue();
+  if (ending == ReplyPlan::Ending::kHangUp) {
+    HangUp();
+  }
+  if (ending == ReplyPlan::Ending::kRestart) {
+    host_->OnRestartDue();
+  }
 }
 
 void Link::WaitFor(std::chrono::milliseconds wait) {
@@ -163,7 +181,9 @@ void Link::WaitFor(std::chrono::milliseconds wait) {
 }
 
 void Link::HangUp() {
-  if (dead_) return;
+  if (dead_) {
+    return;
+  }
   dead_ = true;
   loop_->Cancel(timer_);
   timer_ = 0;
@@ -174,6 +194,8 @@ void Link::HangUp() {
     restart = restart || plan.ending == ReplyPlan::Ending::kRestart;
   }
   plans_.clear();
-  if (restart) host_->OnRestartDue();
+  if (restart) {
+    host_->OnRestartDue();
+  }
   host_->OnHangUp(*this);
 }

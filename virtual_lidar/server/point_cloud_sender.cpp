@@ -56,7 +56,9 @@ PointCloudSender::PointCloudSender(EventLoop* loop, const PointCloudTarget& targ
       target_(target),
       fd_(socket(AF_INET, SOCK_DGRAM | SOCK_NONBLOCK | SOCK_CLOEXEC, 0)),
       start_(EventLoop::Clock::now()) {
-  if (!fd_.valid()) throw std::system_error(errno, std::generic_category(), "no UDP socket");
+  if (!fd_.valid()) {
+    throw std::system_error(errno, std::generic_category(), "no UDP socket");
+  }
   SendDue();
 }
 
@@ -67,7 +69,9 @@ void PointCloudSender::SendDue() {
       std::chrono::duration_cast<microseconds>(EventLoop::Clock::now() - start_).count();
   const uint64_t due = 1 + static_cast<uint64_t>(elapsed) * target_.packets_per_second / 1000000;
   const uint64_t burst = std::min(due - std::min(due, sent_), kMaxBurst);
-  for (uint64_t i = 0; i < burst; ++i) SendOne();
+  for (uint64_t i = 0; i < burst; ++i) {
+    SendOne();
+  }
   sent_ = due;
   // Fast streams leave a bunch each millisecond, slow ones packet by packet.
   const microseconds pause(std::max<uint32_t>(1000, 1000000 / target_.packets_per_second));

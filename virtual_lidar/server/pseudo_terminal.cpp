@@ -27,7 +27,9 @@ PseudoTerminal::PseudoTerminal(EventLoop* loop, CloseHandler on_client_closed)
       on_client_closed_(std::move(on_client_closed)),
       notify_(inotify_init1(IN_NONBLOCK | IN_CLOEXEC)) {
   Open();
-  if (inotify_add_watch(notify_.get(), name_.c_str(), IN_CLOSE) < 0) Throw("cannot watch the port");
+  if (inotify_add_watch(notify_.get(), name_.c_str(), IN_CLOSE) < 0) {
+    Throw("cannot watch the port");
+  }
   loop_->Watch(notify_.get(), POLLIN, [this](short) { OnFileEvents(); });
 }
 
@@ -47,14 +49,20 @@ void PseudoTerminal::Open() {
     Throw("cannot open the port");
   }
   cfmakeraw(&line);
-  if (tcsetattr(client_end_.get(), TCSANOW, &line) != 0) Throw("cannot set the port to raw mode");
+  if (tcsetattr(client_end_.get(), TCSANOW, &line) != 0) {
+    Throw("cannot set the port to raw mode");
+  }
 }
 
 void PseudoTerminal::OnFileEvents() {
   alignas(inotify_event) std::array<char, 4096> buffer;
   bool closed = false;
-  while (read(notify_.get(), buffer.data(), buffer.size()) > 0) closed = true;
-  if (!closed) return;
+  while (read(notify_.get(), buffer.data(), buffer.size()) > 0) {
+    closed = true;
+  }
+  if (!closed) {
+    return;
+  }
   // A client's claim to have the port for itself would outlive it here, because this end keeps the
   // port open.
   ioctl(client_end_.get(), TIOCNXCL);

@@ -31,7 +31,9 @@ TcpListener::~TcpListener() { Close(); }
 bool TcpListener::Open(uint16_t port) {
   Close();
   fd_ = UniqueFd(socket(AF_INET, SOCK_STREAM | SOCK_NONBLOCK | SOCK_CLOEXEC, 0));
-  if (!fd_.valid()) return Fail("make a socket for", port);
+  if (!fd_.valid()) {
+    return Fail("make a socket for", port);
+  }
   const int on = 1;
   // Connections of the time before a restart may still linger on the port.
   setsockopt(fd_.get(), SOL_SOCKET, SO_REUSEADDR, &on, sizeof on);
@@ -50,7 +52,9 @@ bool TcpListener::Open(uint16_t port) {
 }
 
 void TcpListener::Close() {
-  if (!fd_.valid()) return;
+  if (!fd_.valid()) {
+    return;
+  }
   loop_->Unwatch(fd_.get());
   fd_ = UniqueFd();
 }
@@ -66,7 +70,9 @@ void TcpListener::Accept() {
   sockaddr_in address = {};
   socklen_t size = sizeof address;
   UniqueFd client(accept4(fd_.get(), Generic(&address), &size, SOCK_NONBLOCK | SOCK_CLOEXEC));
-  if (!client.valid()) return;  // it has gone again
+  if (!client.valid()) {
+    return;  // it has gone again
+  }
   const int on = 1;
   setsockopt(client.get(), IPPROTO_TCP, TCP_NODELAY, &on, sizeof on);
   on_client_(std::move(client), PeerName(address));

@@ -15,7 +15,9 @@ class UniqueFd {
     return *this;
   }
   ~UniqueFd() {
-    if (fd_ >= 0) close(fd_);
+    if (fd_ >= 0) {
+      close(fd_);
+    }
   }
 
   /// -1 when it owns none.

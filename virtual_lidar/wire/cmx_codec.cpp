@@ -18,7 +18,9 @@ std::vector<DeviceRequest> CmxCodec::Collect(const uint8_t* data, size_t size) {
   size_t done = 0;
   while (done < waiting_.size()) {
     const size_t taken = Take(waiting_.data() + done, waiting_.size() - done, &requests);
-    if (taken == 0) break;
+    if (taken == 0) {
+      break;
+    }
     done += taken;
   }
   waiting_.erase(waiting_.begin(), waiting_.begin() + static_cast<std::ptrdiff_t>(done));
@@ -33,10 +35,14 @@ size_t CmxCodec::Take(const uint8_t* data, size_t size,
     // The last byte may be the first half of an identifier.
     return data[size - 1] == identifier[0] ? size - 1 : size;
   }
-  if (start != data) return static_cast<size_t>(start - data);
+  if (start != data) {
+    return static_cast<size_t>(start - data);
+  }
 
   const size_t header = HeaderSize();
-  if (size < header) return 0;
+  if (size < header) {
+    return 0;
+  }
   DeviceRequest request;
   request.code = data[version_2_ ? 3 : 2];
   const uint32_t length = kavel::lidar::ReadBigEndian32(data + header - 4);
@@ -45,7 +51,9 @@ size_t CmxCodec::Take(const uint8_t* data, size_t size,
     requests->push_back(std::move(request));
     return header;
   }
-  if (size < header + length) return 0;
+  if (size < header + length) {
+    return 0;
+  }
   request.payload.assign(data + header, data + header + length);
   requests->push_back(std::move(request));
   return header + length;

@@ -24,7 +24,9 @@ std::vector<DeviceRequest> SerialCodec::Collect(const uint8_t* data, size_t size
         request.long_frame
             ? kavel::lidar::ParseOtaFrame(frame->bytes, &request.code, &request.payload)
             : kavel::lidar::ParseSerialRequest(frame->bytes, &request.code, &request.payload);
-    if (sound) requests.push_back(std::move(request));
+    if (sound) {
+      requests.push_back(std::move(request));
+    }
   }
   return requests;
 }

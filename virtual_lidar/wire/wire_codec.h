@@ -22,7 +22,9 @@ class WireCodec {
   /// to no frame are skipped. Never throws for bad input, and never holds more than the longest
   /// frame and what came with it.
   std::vector<DeviceRequest> Feed(const uint8_t* data, size_t size, TimePoint now) {
-    if (now - last_byte_ > kHalfFrameLife) Forget();
+    if (now - last_byte_ > kHalfFrameLife) {
+      Forget();
+    }
     last_byte_ = now;
     return Collect(data, size);
   }
