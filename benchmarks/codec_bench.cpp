@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "CmxClient/cmx_parser.h"
-#include "CmxClient/crc32.h"
+#include "Wire/crc32.h"
 
 namespace kavel::lidar {
 namespace {

@@ -15,7 +15,7 @@
 
 #include "CmxClient/cmx_client.h"
 #include "CmxClient/serial_cmx_transport.h"
-#include "CmxClient/serial_frame.h"
+#include "Wire/serial_frame.h"
 #include "support/pty_pair.h"
 
 namespace kavel::lidar {

@@ -4,8 +4,8 @@
 
 #include <utility>
 
-#include "CmxClient/big_endian.h"
-#include "CmxClient/crc32.h"
+#include "Wire/big_endian.h"
+#include "Wire/crc32.h"
 #include "auth/aes.h"
 #include "auth/session_key.h"
 #include "variables/number_text.h"

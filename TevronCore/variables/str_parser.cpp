@@ -9,7 +9,7 @@
 #include <stdexcept>
 #include <string_view>
 
-#include "CmxClient/big_endian.h"
+#include "Wire/big_endian.h"
 #include "variables/number_text.h"
 #include "variables/var_info.h"
 

@@ -3,7 +3,7 @@
 #include <QString>
 #include <cstring>
 
-#include "CmxClient/big_endian.h"
+#include "Wire/big_endian.h"
 #include "variables/number_text.h"
 
 namespace {

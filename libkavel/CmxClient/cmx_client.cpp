@@ -6,9 +6,9 @@
 #include <new>
 #include <utility>
 
-#include "CmxClient/big_endian.h"
 #include "CmxClient/hex_text.h"
 #include "Log/logger.h"
+#include "Wire/big_endian.h"
 
 namespace kavel::lidar {
 namespace {

@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <iostream>
 
-#include "CmxClient/big_endian.h"
-#include "CmxClient/crc32.h"
+#include "Wire/big_endian.h"
+#include "Wire/crc32.h"
 
 namespace kavel::lidar {
 

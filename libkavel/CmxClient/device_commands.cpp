@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <cstring>
 
-#include "CmxClient/big_endian.h"
 #include "Platform/ipv4_text.h"
+#include "Wire/big_endian.h"
 
 namespace kavel::lidar {
 namespace {

@@ -2,7 +2,7 @@
 
 #include <cstring>
 
-#include "CmxClient/big_endian.h"
+#include "Wire/big_endian.h"
 
 namespace kavel::lidar {
 namespace {

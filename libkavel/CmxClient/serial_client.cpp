@@ -3,7 +3,7 @@
 #include <utility>
 
 #include "CmxClient/hex_text.h"
-#include "CmxClient/serial_frame.h"
+#include "Wire/serial_frame.h"
 
 namespace kavel::lidar {
 namespace {

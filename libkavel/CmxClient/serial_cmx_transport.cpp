@@ -4,10 +4,10 @@
 #include <limits>
 #include <utility>
 
-#include "CmxClient/big_endian.h"
 #include "CmxClient/cmx_parser.h"
-#include "CmxClient/ota_stream.h"
-#include "CmxClient/serial_frame.h"
+#include "Wire/big_endian.h"
+#include "Wire/ota_stream.h"
+#include "Wire/serial_frame.h"
 
 namespace kavel::lidar {
 namespace {

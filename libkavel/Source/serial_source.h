@@ -12,8 +12,8 @@
 #include <vector>
 
 #include "Platform/serial_port.h"
-#include "Source/serial_stream.h"
 #include "Source/source.h"
+#include "Wire/serial_stream.h"
 
 namespace kavel::lidar {
 

@@ -5,7 +5,7 @@
 #include <cstdlib>
 #include <random>
 
-#include "CmxClient/crc32.h"
+#include "Wire/crc32.h"
 #include "auth/aes.h"
 #include "auth/session_key.h"
 #include "auth_test_support.h"

@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "CmxClient/hex_text.h"
-#include "CmxClient/serial_frame.h"
+#include "Wire/serial_frame.h"
 #include "support/serial_device.h"
 
 namespace kavel::lidar {

@@ -7,8 +7,8 @@
 #include <vector>
 
 #include "CmxClient/cmx_client.h"
-#include "CmxClient/ota_stream.h"
-#include "CmxClient/serial_frame.h"
+#include "Wire/ota_stream.h"
+#include "Wire/serial_frame.h"
 #include "support/serial_device.h"
 
 namespace kavel::lidar {

@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "CmxClient/ota_stream.h"
+#include "Wire/ota_stream.h"
 
 namespace kavel::lidar {
 namespace {

@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "CmxClient/serial_frame.h"
+#include "Wire/serial_frame.h"
 #include "support/log_lines.h"
 #include "support/pty_pair.h"
 #include "support/wait_for.h"

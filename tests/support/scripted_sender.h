@@ -4,8 +4,8 @@
 #include <deque>
 #include <vector>
 
-#include "CmxClient/big_endian.h"
 #include "CmxClient/command_sender.h"
+#include "Wire/big_endian.h"
 
 using Bytes = std::vector<uint8_t>;
 

@@ -2,7 +2,7 @@
 
 #include <utility>
 
-#include "Source/serial_stream.h"
+#include "Wire/serial_stream.h"
 
 namespace kavel::lidar::testing {
 

@@ -4,8 +4,8 @@
 #include <memory>
 #include <string>
 
-#include "CmxClient/ota_stream.h"
-#include "CmxClient/serial_frame.h"
+#include "Wire/ota_stream.h"
+#include "Wire/serial_frame.h"
 #include "wire/cmx_codec.h"
 #include "wire/serial_codec.h"
 

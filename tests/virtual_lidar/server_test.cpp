@@ -6,8 +6,8 @@
 #include <QTemporaryDir>
 #include <string>
 
-#include "CmxClient/big_endian.h"
 #include "Source/socket_source.h"
+#include "Wire/big_endian.h"
 #include "lidar_under_test.h"
 
 namespace {

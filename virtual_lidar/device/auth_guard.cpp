@@ -6,7 +6,7 @@
 #include <stdexcept>
 #include <utility>
 
-#include "CmxClient/big_endian.h"
+#include "Wire/big_endian.h"
 #include "auth/auth_algorithm.h"
 
 namespace {

@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <utility>
 
-#include "CmxClient/big_endian.h"
 #include "CmxClient/device_commands.h"
+#include "Wire/big_endian.h"
 
 namespace {
 

@@ -8,8 +8,8 @@
 #include <limits>
 #include <optional>
 
-#include "CmxClient/big_endian.h"
 #include "Platform/ipv4_text.h"
+#include "Wire/big_endian.h"
 
 namespace {
 

@@ -7,8 +7,8 @@
 #include <optional>
 #include <string>
 
-#include "CmxClient/big_endian.h"
 #include "CmxClient/fov_command.h"
+#include "Wire/big_endian.h"
 #include "device/value_encoder.h"
 
 namespace {

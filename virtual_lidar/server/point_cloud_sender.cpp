@@ -10,7 +10,7 @@
 #include <system_error>
 #include <vector>
 
-#include "CmxClient/big_endian.h"
+#include "Wire/big_endian.h"
 
 namespace {
 

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <utility>
 
-#include "CmxClient/big_endian.h"
+#include "Wire/big_endian.h"
 
 namespace {
 

@@ -2,8 +2,8 @@
 
 #include <utility>
 
-#include "CmxClient/ota_stream.h"
-#include "CmxClient/serial_frame.h"
+#include "Wire/ota_stream.h"
+#include "Wire/serial_frame.h"
 
 namespace {
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Source/serial_stream.h"
+#include "Wire/serial_stream.h"
 #include "wire/wire_codec.h"
 
 /// The frames of a serial line: "$LDCMD," with a one-byte length and "$LDOTA," with a 16-bit one.

@@ -1,9 +1,9 @@
-#include "CmxClient/ota_stream.h"
+#include "Wire/ota_stream.h"
 
 #include <algorithm>
 
-#include "CmxClient/big_endian.h"
-#include "CmxClient/serial_frame.h"
+#include "Wire/big_endian.h"
+#include "Wire/serial_frame.h"
 
 namespace kavel::lidar {
 namespace {

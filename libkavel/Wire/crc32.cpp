@@ -1,8 +1,8 @@
-#include "CmxClient/crc32.h"
+#include "Wire/crc32.h"
 
 #include <array>
 
-#include "CmxClient/big_endian.h"
+#include "Wire/big_endian.h"
 
 namespace kavel::lidar {
 namespace {

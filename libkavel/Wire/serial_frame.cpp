@@ -1,11 +1,11 @@
-#include "CmxClient/serial_frame.h"
+#include "Wire/serial_frame.h"
 
 #include <algorithm>
 #include <mutex>
 #include <random>
 
-#include "CmxClient/big_endian.h"
-#include "CmxClient/crc32.h"
+#include "Wire/big_endian.h"
+#include "Wire/crc32.h"
 
 namespace kavel::lidar {
 namespace {

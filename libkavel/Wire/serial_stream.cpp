@@ -1,11 +1,11 @@
-#include "Source/serial_stream.h"
+#include "Wire/serial_stream.h"
 
 #include <algorithm>
 #include <cstring>
 
-#include "CmxClient/big_endian.h"
-#include "CmxClient/ota_stream.h"
-#include "CmxClient/serial_frame.h"
+#include "Wire/big_endian.h"
+#include "Wire/ota_stream.h"
+#include "Wire/serial_frame.h"
 
 namespace kavel::lidar {
 namespace {
