@@ -73,10 +73,10 @@ int TevronManager::commandLogCnt() const { return parts_->byte_flow->CommandCoun
 QVariantList TevronManager::sendCommandHistory() const { return parts_->console.History(); }
 
 QVariantList TevronManager::lumoLidarInfo() const {
-  return InfoList(parts_->facts, SerialModelKindOf(parts_->model->name));
+  return InfoList(parts_->facts, parts_->model->family);
 }
 QVariantList TevronManager::lumoLidarVersionInfo() const {
-  return VersionList(parts_->facts, SerialModelKindOf(parts_->model->name));
+  return VersionList(parts_->facts, parts_->model->family);
 }
 bool TevronManager::isGetPBLVersion() const { return parts_->reading_facts; }
 

@@ -5,6 +5,8 @@
 #include <filesystem>
 #include <sstream>
 
+#include "variables/model_traits.h"
+
 namespace {
 
 constexpr uint16_t kDefaultPort = 9347;
@@ -141,8 +143,8 @@ void MakeSense(const CommandLine& line, Options* options) {
     server.tcp_port = line.port;
   }
   if (line.serial) {
-    server.serial =
-        options->model == "Lumo" ? ServerSetup::Serial::kPair : ServerSetup::Serial::kOneLine;
+    server.serial = TraitsOf(options->model).connect == kSerialPair ? ServerSetup::Serial::kPair
+                                                                    : ServerSetup::Serial::kOneLine;
   }
   if (!line.udp.empty()) {
     ParsePointCloudTarget(line.udp, &server.point_cloud.emplace(), &error);

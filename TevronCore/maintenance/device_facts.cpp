@@ -38,17 +38,7 @@ QString UpTimeText(uint32_t seconds) {
 
 }  // namespace
 
-SerialModelKind SerialModelKindOf(const std::string& model) {
-  if (model.rfind("Lumo", 0) == 0) {
-    return SerialModelKind::kLumo;
-  }
-  if (model.rfind("Kiva", 0) == 0) {
-    return SerialModelKind::kKiva;
-  }
-  return SerialModelKind::kNone;
-}
-
-QVariantList InfoList(const DeviceFacts& facts, SerialModelKind kind) {
+QVariantList InfoList(const DeviceFacts& facts, SerialFamily family) {
   QVariantList list;
   Append(&list, "Serial Number", facts.serial_number);
   Append(&list, "Part Number", facts.part_number);
@@ -60,7 +50,7 @@ QVariantList InfoList(const DeviceFacts& facts, SerialModelKind kind) {
   append("Return Mode", ReturnModeText(status.return_mode));
   append("Spin Rate", QString("%1 rpm").arg(status.spin_rate_rpm));
   append("Mode", status.standby ? "Standby" : "Working");
-  if (kind == SerialModelKind::kKiva) {
+  if (family == SerialFamily::kKiva) {
     append("IMU Angular Range Index", QString::number(status.angular_range_index));
     append("IMU Acceleration Range Index", QString::number(status.accel_range_index));
   }
@@ -68,14 +58,14 @@ QVariantList InfoList(const DeviceFacts& facts, SerialModelKind kind) {
   return list;
 }
 
-QVariantList VersionList(const DeviceFacts& facts, SerialModelKind kind) {
+QVariantList VersionList(const DeviceFacts& facts, SerialFamily family) {
   QVariantList list;
   Append(&list, "Firmware Version", facts.versions.firmware);
   Append(&list, "PBL Version", facts.pbl_version);
-  if (kind == SerialModelKind::kKiva) {
+  if (family == SerialFamily::kKiva) {
     Append(&list, "BMB FPGA Version", facts.versions.fpga_a);
     Append(&list, "TMB FPGA Version", facts.versions.fpga_b);
-  } else if (kind == SerialModelKind::kLumo) {
+  } else if (family == SerialFamily::kLumo) {
     Append(&list, "Junction Box Version", facts.versions.fpga_a);
   }
   return list;

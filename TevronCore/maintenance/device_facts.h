@@ -6,15 +6,10 @@
 #include <vector>
 
 #include "CmxClient/device_commands.h"
+#include "variables/model_traits.h"
 
 /// Shown for what has not been read.
 inline constexpr char kUnread[] = "xxxxxxxx";
-
-/// Families of serial-attached models.
-enum class SerialModelKind { kNone = 0, kLumo = 1, kKiva = 2 };
-
-/// By the beginning of the model's name.
-SerialModelKind SerialModelKindOf(const std::string& model);
 
 /// What a serial-attached lidar says about itself.
 struct DeviceFacts {
@@ -26,6 +21,6 @@ struct DeviceFacts {
 };
 
 /// The facts as the screens show them: maps of "name" and "value" (texts).
-QVariantList InfoList(const DeviceFacts& facts, SerialModelKind kind);
-QVariantList VersionList(const DeviceFacts& facts, SerialModelKind kind);
+QVariantList InfoList(const DeviceFacts& facts, SerialFamily family);
+QVariantList VersionList(const DeviceFacts& facts, SerialFamily family);
 QVariantList SafetyList(const std::vector<kavel::lidar::SafetyState>& states);

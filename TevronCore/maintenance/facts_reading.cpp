@@ -7,7 +7,7 @@
 #include "maintenance/maintenance.h"
 
 FactsReading::FactsReading(std::shared_ptr<kavel::lidar::CommandSender> sender,
-                           const LinkState& state, int connect_type,
+                           const LinkState& state, ConnectType connect_type,
                            std::shared_ptr<UserReport> report,
                            std::function<void(DeviceFacts)> done)
     : sender_(std::move(sender)),

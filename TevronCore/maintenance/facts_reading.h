@@ -27,7 +27,7 @@ class FactsReading {
   /// the reading thread after each reading, with what could not be read as it was before, and must
   /// not destroy the object.
   FactsReading(std::shared_ptr<kavel::lidar::CommandSender> sender, const LinkState& state,
-               int connect_type, std::shared_ptr<UserReport> report,
+               ConnectType connect_type, std::shared_ptr<UserReport> report,
                std::function<void(DeviceFacts)> done);
   /// Waits for the thread, whose exchange in progress has to be ended by whoever owns the sender.
   ~FactsReading();
@@ -51,7 +51,7 @@ class FactsReading {
 
   const std::shared_ptr<kavel::lidar::CommandSender> sender_;
   const LinkState& state_;
-  const int connect_type_;
+  const ConnectType connect_type_;
   const std::shared_ptr<UserReport> report_;
   const std::function<void(DeviceFacts)> done_;
   std::mutex mutex_;

@@ -6,7 +6,6 @@
 
 #include "CmxClient/cmx_client.h"
 #include "CmxClient/device_commands.h"
-#include "session/lidar_model.h"
 #include "variables/command_code.h"
 
 using namespace kavel::lidar;  // the device requests; this file is about little else

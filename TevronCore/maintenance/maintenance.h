@@ -19,7 +19,7 @@ struct TableCommandTexts;
 struct MaintenanceLink {
   kavel::lidar::CommandSender* sender;  ///< null without a connection
   const LinkState& state;
-  int connect_type;  ///< a ConnectType
+  ConnectType connect_type;
 };
 
 /// What is read from and set on a lidar besides its variables, one member an operation: a check

@@ -22,21 +22,13 @@ std::string ModelNameOf(const std::string& table_path) {
 
 }  // namespace
 
-int ConnectTypeOf(const std::string& model) {
-  if (model == "Lumo") {
-    return kSerialPair;
-  }
-  if (model == "Lumo-CMX" || model == "Kiva-CMX") {
-    return kSerialCmx;
-  }
-  return kNetworkLink;
-}
-
 std::shared_ptr<LidarModel> LoadLidarModel(const std::string& table_path) {
   auto model = std::make_shared<LidarModel>();
   model->name = ModelNameOf(table_path);
   model->config_folder = FolderOf(FolderOf(table_path));
-  model->connect_type = ConnectTypeOf(model->name);
+  const ModelTraits traits = TraitsOf(model->name);
+  model->connect_type = traits.connect;
+  model->family = traits.family;
   try {
     model->table->ExtractConfigInfo(table_path);
   } catch (const std::exception& e) {

@@ -46,7 +46,7 @@ class MaintenanceTest : public testing::Test {
  protected:
   MaintenanceTest() { state_.connected = true; }
 
-  Maintenance Over(int connect_type) {
+  Maintenance Over(ConnectType connect_type) {
     return Maintenance({&lidar_, state_, connect_type}, report_);
   }
   ScriptedSender lidar_;
@@ -149,16 +149,16 @@ TEST_F(MaintenanceTest, FactsAreShownUnderTheNamesOfTheModel) {
   const DeviceFacts facts = Over(kSerialPair).ReadFacts();
   EXPECT_EQ(report_.Take(),
             (Lines{"error: PN invalid after validation", "ERROR: PN invalid after validation"}));
-  const QVariantList info = InfoList(facts, SerialModelKind::kKiva);
+  const QVariantList info = InfoList(facts, SerialFamily::kKiva);
   EXPECT_EQ(ValueOf(info, "Serial Number"), "Kiva2600059");
   EXPECT_EQ(ValueOf(info, "Part Number"), "xxxxxxxx");
   EXPECT_EQ(ValueOf(info, "IMU Angular Range Index"), "3");
   EXPECT_EQ(ValueOf(info, "Up Time"), "1:00:01");
-  const QVariantList kiva = VersionList(facts, SerialModelKindOf("Kiva-CMX"));
+  const QVariantList kiva = VersionList(facts, TraitsOf("Kiva-CMX").family);
   EXPECT_EQ(ValueOf(kiva, "Firmware Version"), "1.4.2");
   EXPECT_EQ(ValueOf(kiva, "PBL Version"), "0.9");
   EXPECT_EQ(ValueOf(kiva, "BMB FPGA Version"), "A7");
-  EXPECT_EQ(ValueOf(VersionList(facts, SerialModelKindOf("Lumo")), "Junction Box Version"), "A7");
+  EXPECT_EQ(ValueOf(VersionList(facts, TraitsOf("Lumo").family), "Junction Box Version"), "A7");
 }
 
 TEST_F(MaintenanceTest, NamesTheSafetyFunctionsThatFailed) {

@@ -69,16 +69,6 @@ bool IsNetMask(uint32_t mask) {
 
 }  // namespace
 
-SerialFamily SerialFamilyOf(const std::string& model) {
-  if (model.rfind("Lumo", 0) == 0) {
-    return SerialFamily::kLumo;
-  }
-  if (model.rfind("Kiva", 0) == 0) {
-    return SerialFamily::kKiva;
-  }
-  return SerialFamily::kNone;
-}
-
 MaintenanceUnit::MaintenanceUnit(SerialFamily family, std::string serial_number,
                                  std::string part_number)
     : family_(family),

@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "variables/model_traits.h"
 #include "wire/message.h"
 
 /// What the maintenance commands 0x40 to 0x4F and the mode switch of the serial models read and
@@ -22,10 +23,6 @@ struct MaintenanceState {
   uint8_t mode = 0;  ///< of the mode switch: 0 is work
   uint8_t sub_mode = 0;
 };
-
-/// The family of a serial-attached model, by the beginning of its name.
-enum class SerialFamily { kNone, kLumo, kKiva };
-SerialFamily SerialFamilyOf(const std::string& model);
 
 /// Carries the maintenance commands out.
 class MaintenanceUnit {

@@ -24,7 +24,7 @@ VirtualDevice::VirtualDevice(std::shared_ptr<const ConfigParser> table, DevicePr
       clock_(std::move(clock)),
       start_(clock_()),
       memory_(*table_),
-      maintenance_(SerialFamilyOf(profile.model), NumberOr(memory_, "SN", "KV-2024-000042"),
+      maintenance_(TraitsOf(profile.model).family, NumberOr(memory_, "SN", "KV-2024-000042"),
                    NumberOr(memory_, "PN", "KV-L32-0001")),
       guard_(std::move(profile.auth), std::move(profile.auth_keys), profile.auth_required,
              profile.on_serial_line) {
