@@ -3,20 +3,11 @@
 #include <algorithm>
 #include <utility>
 
+#include "Wire/big_endian.h"
+
 namespace {
 
 constexpr std::size_t kRandomSize = 16;
-
-/// The bytes [position, position + length) as one number; the excess of a longer value is shifted
-/// out.
-uint64_t AssembleValue(const std::vector<uint8_t>& bytes, std::size_t position, std::size_t length,
-                       bool little_endian) {
-  uint64_t value = 0;
-  for (std::size_t i = 0; i < length; ++i) {
-    value = value << 8 | bytes[position + (little_endian ? length - 1 - i : i)];
-  }
-  return value;
-}
 
 }  // namespace
 
@@ -54,9 +45,10 @@ void AuthorizedCmxClient::Probe() {
     Log("AUTH: probe payload too short, treat as not-required");
     return;
   }
-  const uint64_t value =
-      AssembleValue(reply, static_cast<std::size_t>(position), static_cast<std::size_t>(length),
-                    config_.probe_little_endian);
+  const uint8_t* bytes = reply.data() + position;
+  const auto size = static_cast<std::size_t>(length);
+  const uint64_t value = config_.probe_little_endian ? kavel::lidar::ReadLittleEndian(bytes, size)
+                                                     : kavel::lidar::ReadBigEndian(bytes, size);
   auth_required_ = value == 1;
   Log("AUTH: probe value=" + std::to_string(value) +
       " required=" + (auth_required_ ? "true" : "false"));

@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "CmxClient/cmx_client.h"
+#include "CmxClient/stale_input.h"
 #include "variables/config_parser.h"
 #include "variables/model_traits.h"
 #include "variables/pages.h"

@@ -2,7 +2,7 @@
 
 #include <string>
 
-#include "CmxClient/cmx_client.h"
+#include "CmxClient/stale_input.h"
 
 // Features that the table "./Config/feature_config.csv" switches on per model. A row applies to the
 // model whose name its "Model" cell holds; cells are compared without surrounding white space.

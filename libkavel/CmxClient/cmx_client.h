@@ -14,18 +14,9 @@
 #include "CmxClient/cmx_parser.h"
 #include "CmxClient/command_sender.h"
 #include "CmxClient/log_sink.h"
+#include "CmxClient/stale_input.h"
 
 namespace kavel::lidar {
-
-/// How long to wait for bytes of an earlier exchange before a command leaves.
-enum class StaleInput {
-  /// Before every command, until 50 ms have passed in silence. At most 20 commands a second.
-  kAlways,
-  /// As `kAlways` after connecting, after an exchange that did not end cleanly (complete reply to
-  /// the command sent, nothing before it) and whenever a byte is found waiting; otherwise only what
-  /// is already there is looked at, without waiting.
-  kAfterTrouble,
-};
 
 /// Talks to one lidar with command frames over a byte transport.
 ///

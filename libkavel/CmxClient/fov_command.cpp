@@ -1,27 +1,11 @@
 #include "CmxClient/fov_command.h"
 
-#include <cstring>
-
 #include "Wire/big_endian.h"
 
 namespace kavel::lidar {
 namespace {
 
 constexpr size_t kFirstAngleAt = 2;
-
-static_assert(sizeof(float) == sizeof(uint32_t), "angles travel as IEEE 754 single precision");
-
-uint32_t BitsOf(float value) {
-  uint32_t bits = 0;
-  std::memcpy(&bits, &value, sizeof bits);
-  return bits;
-}
-
-float FloatOf(uint32_t bits) {
-  float value = 0;
-  std::memcpy(&value, &bits, sizeof value);
-  return value;
-}
 
 }  // namespace
 

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include "CmxClient/cmx_client.h"
 #include "support/model_fixture.h"
 #include "support/recorded_report.h"
 #include "support/scripted_sender.h"

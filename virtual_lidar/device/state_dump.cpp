@@ -9,6 +9,7 @@
 
 #include "CmxClient/hex_text.h"
 #include "Platform/ipv4_text.h"
+#include "Wire/big_endian.h"
 #include "variables/value_text.h"
 
 namespace {
@@ -36,7 +37,7 @@ QString Address(const std::vector<uint8_t>& bytes, size_t at) {
 }
 
 int Number16(const std::vector<uint8_t>& bytes, size_t at) {
-  return (bytes[at] << 8) | bytes[at + 1];
+  return kavel::lidar::ReadBigEndian16(bytes.data() + at);
 }
 
 QJsonObject DumpMaintenance(const MaintenanceState& state) {

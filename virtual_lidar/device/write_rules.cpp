@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
-#include <cstring>
 #include <optional>
 #include <string>
 
@@ -20,27 +19,18 @@ std::optional<double> WireNumber(const std::string& type, const Bytes& bytes) {
   if (bytes.size() > 8) {
     return std::nullopt;
   }
-  uint64_t raw = 0;
-  for (const uint8_t byte : bytes) {
-    raw = (raw << 8) | byte;
-  }
+  const uint64_t raw = kavel::lidar::ReadBigEndian(bytes.data(), bytes.size());
   if (type == "float32" && bytes.size() == 4) {
-    const auto bits = static_cast<uint32_t>(raw);
-    float value = 0;
-    std::memcpy(&value, &bits, sizeof value);
-    return static_cast<double>(value);
+    return static_cast<double>(kavel::lidar::FloatOf(static_cast<uint32_t>(raw)));
   }
   if (type == "double" && bytes.size() == 8) {
-    double value = 0;
-    std::memcpy(&value, &raw, sizeof value);
-    return value;
+    return kavel::lidar::DoubleOf(raw);
   }
   if (type.rfind("uint", 0) == 0) {
     return static_cast<double>(raw);
   }
   if (type.rfind("int", 0) == 0 && !bytes.empty()) {
-    const auto unused = static_cast<int>(64 - 8 * bytes.size());
-    return static_cast<double>(static_cast<int64_t>(raw << unused) >> unused);
+    return static_cast<double>(kavel::lidar::SignExtended(raw, bytes.size()));
   }
   return std::nullopt;
 }
