@@ -257,14 +257,8 @@ int32_t Maintenance::Reset(const ConfigParser& table, bool silent) {
 
 int32_t Maintenance::Send(const TableCommandTexts& texts, const ConfigParser& table, bool silent) {
   const VarInfo* const var = table.FindByName(texts.var_name);
-  const char* obstacle = nullptr;
-  if (!link_.state.connected || link_.sender == nullptr) {
-    obstacle = "Please connect to lidar first";
-  } else if (link_.state.upgrading) {
-    obstacle = "Please wait for the lidar to upgrade completely";
-  } else if (link_.state.downloading) {
-    obstacle = "Please wait for the operation log to download completely";
-  } else if (var == nullptr || var->set_cmd.empty()) {
+  const char* obstacle = link_.state.Obstacle(link_.sender);
+  if (obstacle == nullptr && (var == nullptr || var->set_cmd.empty())) {
     obstacle = texts.missing;
   }
   if (obstacle != nullptr) {
@@ -276,10 +270,9 @@ int32_t Maintenance::Send(const TableCommandTexts& texts, const ConfigParser& ta
 
   int32_t reason = 0;
   try {
-    CommandRoute route = ParseCommandText(var->set_cmd);
-    route.prefix.insert(route.prefix.end(), var->set_payload.begin(), var->set_payload.end());
+    const WireCommand command = WireCommandOf(var->set_cmd, var->set_payload);
     std::vector<uint8_t> reply;
-    if (link_.sender->QueryCommand(route.prefix, reply, route.code, false, &reason) == 0) {
+    if (link_.sender->QueryCommand(command.payload, reply, command.code, false, &reason) == 0) {
       if (!silent) {
         report_.Success(texts.success);
       }

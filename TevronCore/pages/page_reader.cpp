@@ -72,13 +72,11 @@ ReadOutcome PageReader::GetInfoFromLidarWithSameCmd(const ReadGroup& group) {
     return ReadOutcome::kNotSent;
   }
 
-  CommandRoute route = ParseCommandText(first.get_cmd);
-  std::vector<uint8_t> payload = std::move(route.prefix);
-  payload.insert(payload.end(), first.read_payload.begin(), first.read_payload.end());
+  const WireCommand read = WireCommandOf(first.get_cmd, first.read_payload);
   const QString command = QString::fromStdString(first.get_cmd);
   std::vector<uint8_t> reply;
   int32_t error = 0;
-  const int32_t result = sender_.QueryCommand(payload, reply, route.code, false, &error);
+  const int32_t result = sender_.QueryCommand(read.payload, reply, read.code, false, &error);
   if (result != 0) {
     qDebug().noquote() << kGroupRead << "FAILED, cmd sent =" << command
                        << "-- QueryCommand()'s ret =" << result;
@@ -93,7 +91,7 @@ ReadOutcome PageReader::GetInfoFromLidarWithSameCmd(const ReadGroup& group) {
   std::vector<uint8_t> slice;
   bool any_taken = false;
   for (const VarInfo* var : group) {
-    any_taken = UpdateSingleVarFromOutput(*var, route.code, reply, slice) || any_taken;
+    any_taken = UpdateSingleVarFromOutput(*var, read.code, reply, slice) || any_taken;
   }
   return any_taken ? ReadOutcome::kRead : ReadOutcome::kRefused;
 }

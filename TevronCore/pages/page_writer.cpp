@@ -47,19 +47,11 @@ bool PageWriter::Run(int module) {
 }
 
 bool PageWriter::MayWrite() {
-  if (parts_.sender == nullptr || !parts_.sender->IsOpen() || !parts_.state.connected) {
-    parts_.report.Error("Please connect to lidar first");
-    return false;
+  const char* const obstacle = parts_.state.Obstacle(parts_.sender);
+  if (obstacle != nullptr) {
+    parts_.report.Error(obstacle);
   }
-  if (parts_.state.upgrading) {
-    parts_.report.Error("Please wait for the lidar to upgrade completely");
-    return false;
-  }
-  if (parts_.state.downloading) {
-    parts_.report.Error("Please wait for the operation log to download completely");
-    return false;
-  }
-  return true;
+  return obstacle == nullptr;
 }
 
 void PageWriter::Gather(int module) {

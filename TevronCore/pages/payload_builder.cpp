@@ -49,16 +49,11 @@ void PayloadBuilder::Gather(const std::string& set_cmd) {
 }
 
 SetCommand PayloadBuilder::Build(const std::string& set_cmd) const {
-  CommandRoute route = ParseCommandText(set_cmd);
   const std::vector<const VarInfo*> vars = table_.WrittenBy(set_cmd);
-  SetCommand command;
-  command.code = route.code;
-  command.names = ChangedNames(set_cmd);
-  const bool is_long = !route.prefix.empty();
-  command.payload = std::move(route.prefix);
-  if (is_long && !vars.empty()) {
-    Append(vars.front()->set_payload, &command.payload);
-  }
+  const bool is_long = set_cmd.size() >= kLongCommandTextLength;
+  WireCommand wire = is_long && !vars.empty() ? WireCommandOf(set_cmd, vars.front()->set_payload)
+                                              : WireCommandOf(set_cmd);
+  SetCommand command{wire.code, std::move(wire.payload), ChangedNames(set_cmd)};
   for (const VarInfo* var : vars) {
     Append(BytesOf(*var), &command.payload);
   }

@@ -2,6 +2,8 @@
 
 #include <atomic>
 
+#include "CmxClient/command_sender.h"
+
 /// What keeps user actions, background reads and transfers out of each other's way. The manager
 /// sets the flags on its own thread together with the properties of the same meaning; workers only
 /// read them.
@@ -12,4 +14,16 @@ struct LinkState {
 
   /// Whether variables may be read now.
   bool MayRead() const { return connected && !upgrading && !downloading; }
+
+  /// Why nothing can be written over `sender` (null: none) now, as a sentence for the user; null
+  /// when it can.
+  const char* Obstacle(kavel::lidar::CommandSender* sender) const {
+    if (sender == nullptr || !sender->IsOpen() || !connected) {
+      return "Please connect to lidar first";
+    }
+    if (upgrading) {
+      return "Please wait for the lidar to upgrade completely";
+    }
+    return downloading ? "Please wait for the operation log to download completely" : nullptr;
+  }
 };

@@ -28,14 +28,23 @@ int32_t IntegerOf(const std::string& text) {
 
 }  // namespace
 
-CommandRoute ParseCommandText(const std::string& text) {
+WireCommand WireCommandOf(const std::string& text, const std::vector<uint8_t>& fixed_payload) {
   const int32_t value = IntegerOf(text);
   if (text.size() < kLongCommandTextLength) {
-    return {static_cast<uint8_t>(value), {}};
+    return {static_cast<uint8_t>(value), fixed_payload};
   }
-  std::optional<std::vector<uint8_t>> prefix = HexPairs(WithoutHexPrefix(text));
-  if (!prefix) {
+  std::optional<std::vector<uint8_t>> payload = HexPairs(WithoutHexPrefix(text));
+  if (!payload) {
     throw std::invalid_argument("invalid stoi argument");
   }
-  return {kLongCommandCode, std::move(*prefix)};
+  payload->insert(payload->end(), fixed_payload.begin(), fixed_payload.end());
+  return {kLongCommandCode, std::move(*payload)};
+}
+
+bool IsCommand(const std::string& text, uint8_t code) {
+  try {
+    return text.size() < kLongCommandTextLength && WireCommandOf(text).code == code;
+  } catch (const std::logic_error&) {
+    return false;
+  }
 }

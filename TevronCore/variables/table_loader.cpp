@@ -205,10 +205,10 @@ void TableLoader::ReadCommands(VarInfo* var) {
 void TableLoader::CheckCommandText(std::string_view column, const std::string& text) {
   const std::string cell = std::string(column) + ' ' + Quoted(text);
   try {
-    const CommandRoute route = ParseCommandText(text);
+    const WireCommand command = WireCommandOf(text);
     const bool is_short = text.size() < kLongCommandTextLength;
     size_t end = 0;  // of the number in the text: "0x2G" would be sent as 0x02
-    if (is_short && (std::stol(text, &end, 0) != long{route.code} || end != text.size())) {
+    if (is_short && (std::stol(text, &end, 0) != long{command.code} || end != text.size())) {
       Fault(cell + " is no command code from 0 to 255");
     }
   } catch (const std::exception& error) {

@@ -51,20 +51,19 @@ Bytes FullTurn() {
 }
 
 // Nothing for a text that is no command; loading the table has reported it.
-std::optional<CommandRoute> RouteOf(const std::string& command) {
+std::optional<WireCommand> WireCommandIn(const std::string& command, const Bytes& fixed_payload) {
   if (command.empty()) {
     return std::nullopt;
   }
   try {
-    return ParseCommandText(command);
+    return WireCommandOf(command, fixed_payload);
   } catch (const std::logic_error&) {
     return std::nullopt;
   }
 }
 
 bool IsFovTable(const VarInfo& var) {
-  const auto route = RouteOf(var.set_cmd);
-  return route && route->prefix.empty() && route->code == kavel::lidar::kFovCommand &&
+  return IsCommand(var.set_cmd, kavel::lidar::kFovCommand) &&
          var.offset == static_cast<int32_t>(kavel::lidar::kFovPayloadSize);
 }
 
@@ -76,8 +75,8 @@ VariableMemory::VariableMemory(const ConfigParser& table) {
     const size_t cell = cells_.size();
     AddCell(table, *var);
     by_id_[var->var_id] = cell;
-    if (const auto route = RouteOf(var->get_cmd)) {
-      reads_[{route->code, Joined(route->prefix, var->read_payload)}].push_back(cell);
+    if (auto read = WireCommandIn(var->get_cmd, var->read_payload)) {
+      reads_[{read->code, std::move(read->payload)}].push_back(cell);
     }
     AddToWriteGroup(*var, cell, &group_of);
   }
@@ -107,18 +106,17 @@ void VariableMemory::AddCell(const ConfigParser& table, const VarInfo& var) {
 
 void VariableMemory::AddToWriteGroup(const VarInfo& var, size_t cell,
                                      std::map<std::string, size_t>* group_of) {
-  const auto route = RouteOf(var.set_cmd);
-  if (!route) {
+  // Only a long command carries the fixed payload of its first variable.
+  const bool is_long = var.set_cmd.size() >= kLongCommandTextLength;
+  auto write = WireCommandIn(var.set_cmd, is_long ? var.set_payload : Bytes());
+  if (!write) {
     return;
   }
   const auto [place, is_new] = group_of->emplace(var.set_cmd, writes_.size());
   if (is_new) {
     WriteGroup group;
-    group.command = route->code;
-    // Only a long command carries the fixed payload of its first variable.
-    if (!route->prefix.empty()) {
-      group.head = Joined(route->prefix, var.set_payload);
-    }
+    group.command = write->code;
+    group.head = std::move(write->payload);
     group.any_length = var.var_name == kSharedSecretKey;
     group.is_fov_table = IsFovTable(var);
     writes_.push_back(std::move(group));
