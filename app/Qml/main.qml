@@ -1,6 +1,7 @@
 import QtQuick 2.15
 import QtQuick.Templates 2.15 as T
 import "theme"
+import "controls"
 import "assembly"
 
 // The whole window: the connection at the top, the pages of the lidar beside the command console,

@@ -1,4 +1,5 @@
 import QtQuick 2.15
+import "../controls"
 import "../theme"
 
 // What this program is, and which version of it runs. `details` adds lines such as the model in use.

@@ -1,6 +1,7 @@
 import QtQuick 2.15
 import QtQuick.Layouts 1.15
 import Tevron 1.0
+import "../controls"
 import "../theme"
 import "ValueHint.js" as ValueHint
 

@@ -1,5 +1,6 @@
 import QtQuick 2.15
 import QtQuick.Templates 2.15 as T
+import "../controls"
 import "../theme"
 
 // A choice from a list of texts. Give `model` and bind `chosenIndex`; `chosen` reports the user's

@@ -1,5 +1,6 @@
 import QtQuick 2.15
 import QtQuick.Templates 2.15 as T
+import "../controls"
 import "../theme"
 
 // An on/off switch that follows `value` and reports what the user wants; it never decides itself.

@@ -1,5 +1,6 @@
 import QtQuick 2.15
 import QtQuick.Templates 2.15 as T
+import "../controls"
 import "../theme"
 
 // A line of text that follows `value` until the user types, and reports what was typed.

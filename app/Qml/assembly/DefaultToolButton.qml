@@ -1,5 +1,6 @@
 import QtQuick 2.15
 import QtQuick.Templates 2.15 as T
+import "../controls"
 import "../theme"
 
 // A small flat button with an icon, a text or both. `icon.source` is an SVG, drawn in one colour; `label`

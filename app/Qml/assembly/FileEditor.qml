@@ -1,5 +1,6 @@
 import QtQuick 2.15
 import Qt.labs.platform 1.1 as Platform
+import "../controls"
 import "../theme"
 
 // The firmware attachment of a page: a file is chosen or dropped, and handed to the upgrade. Only

@@ -1,5 +1,6 @@
 import QtQuick 2.15
 import QtQuick.Templates 2.15 as T
+import "../controls"
 import "../theme"
 
 // The gear button with what can be done to the lidar as a whole. Both are asked about first, by

@@ -1,6 +1,7 @@
 import QtQuick 2.15
 import QtQuick.Layouts 1.15
 import QtQuick.Templates 2.15 as T
+import "../controls"
 import "../theme"
 
 // The command console: a command and a payload in hexadecimal, the reply, and the last commands.

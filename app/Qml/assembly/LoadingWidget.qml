@@ -1,4 +1,5 @@
 import QtQuick 2.15
+import "../controls"
 import "../theme"
 
 // Shows that something is going on: a turning arc, or a bar where the progress is known.

@@ -1,6 +1,7 @@
 import QtQuick 2.15
 import QtQuick.Templates 2.15 as T
 import Tevron 1.0
+import "../controls"
 import "../theme"
 
 // The log: tagged lines, which stay at the end until scrolled up, with filters by tag and text.

@@ -2,6 +2,7 @@ import QtQuick 2.15
 import QtQuick.Layouts 1.15
 import QtQuick.Templates 2.15 as T
 import QtQuick.Window 2.15
+import "../controls"
 import "../theme"
 import "ValueHint.js" as ValueHint
 

@@ -1,4 +1,5 @@
 import QtQuick 2.15
+import "../controls"
 import "../theme"
 
 // The working mode of a serial-attached lidar: return mode, spin rate, standby and, where the model

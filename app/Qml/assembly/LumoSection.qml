@@ -1,4 +1,5 @@
 import QtQuick 2.15
+import "../controls"
 import "../theme"
 
 // One group of the serial screen: a heading, its controls, and a plain sentence in their place when

@@ -1,4 +1,5 @@
 import QtQuick 2.15
+import "../controls"
 import "../theme"
 
 // A question or a warning. Set title, message and advice, or call ask(); `accepted` and `rejected`

@@ -1,6 +1,7 @@
 import QtQuick 2.15
 import QtQuick.Window 2.15
 import QtQuick.Templates 2.15 as T
+import "../controls"
 import "../theme"
 
 // One page of the lidar's variables with its rows and, below them, Save and Cancel.

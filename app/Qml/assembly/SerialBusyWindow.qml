@@ -1,4 +1,5 @@
 import QtQuick 2.15
+import "../controls"
 
 // One box that tells when the serial line is busy, and then that it is free again.
 // Both sentences are worded as meant.

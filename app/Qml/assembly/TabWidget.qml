@@ -1,5 +1,6 @@
 import QtQuick 2.15
 import QtQuick.Templates 2.15 as T
+import "../controls"
 import "../theme"
 
 // A row of tabs that scrolls when the window is too narrow for all of them. Left, Right, Home and

@@ -1,6 +1,7 @@
 import QtQuick 2.15
 import QtTest 1.15
 import "qrc:/Qml/assembly"
+import "qrc:/Qml/controls"
 
 TestCase {
     id: testCase
