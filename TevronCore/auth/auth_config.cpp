@@ -1,9 +1,7 @@
 #include "auth/auth_config.h"
 
-#include <charconv>
 #include <optional>
 #include <string_view>
-#include <system_error>
 
 #include "auth/auth_algorithm.h"
 #include "variables/csv_table.h"
@@ -50,19 +48,15 @@ class Row {
  private:
   /// A hexadecimal code, "0x" allowed; `if_empty` is the reason given when there are no digits.
   uint32_t Code(const char* column, std::string_view text, const char* if_empty) const {
-    text = Trim(text);
-    if (text.substr(0, 2) == "0x" || text.substr(0, 2) == "0X") {
-      text.remove_prefix(2);
-    }
+    text = WithoutHexPrefix(Trim(text));
     if (text.empty()) {
       Fail(column, if_empty);
     }
-    uint32_t code = 0;
-    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), code, 16);
-    if (error != std::errc() || end != text.data() + text.size()) {
+    const auto code = WholeNumber<uint32_t>(text, 16);
+    if (!code) {
       Fail(column, "\"" + std::string(text) + "\" is no hexadecimal command code");
     }
-    return code;
+    return *code;
   }
 
   [[noreturn]] void Fail(const char* column, const std::string& reason) const {

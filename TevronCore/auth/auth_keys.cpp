@@ -68,9 +68,7 @@ int DigitValue(char digit) {
 /// `size` bytes from at least `least_digits` hexadecimal digits, right-aligned; empty when the text
 /// is anything else.
 SecretBytes ParseHex(std::string_view text, std::size_t size, std::size_t least_digits) {
-  if (text.size() > 1 && text[0] == '0' && (text[1] == 'x' || text[1] == 'X')) {
-    text.remove_prefix(2);
-  }
+  text = WithoutHexPrefix(text);
   if (text.size() < least_digits || text.size() > 2 * size) {
     return {};
   }

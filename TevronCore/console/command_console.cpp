@@ -12,6 +12,7 @@
 
 #include "CmxClient/device_commands.h"
 #include "CmxClient/hex_text.h"
+#include "variables/number_text.h"
 
 using kavel::lidar::HexText;
 
@@ -31,12 +32,8 @@ uint8_t ParseLowByte(const std::string& text) {
   return static_cast<uint8_t>(number);
 }
 
-uint8_t ParseCommand(std::string text) {
-  const std::string start = text.substr(0, 2);
-  if (start == "0x" || start == "0X") {
-    text.erase(0, 2);
-  }
-  return ParseLowByte(text);
+uint8_t ParseCommand(const std::string& text) {
+  return ParseLowByte(std::string(WithoutHexPrefix(text)));
 }
 
 std::vector<uint8_t> ParsePayload(const std::string& text) {

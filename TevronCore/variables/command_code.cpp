@@ -7,6 +7,7 @@
 #include <stdexcept>
 
 #include "variables/hex_cell.h"
+#include "variables/number_text.h"
 
 namespace {
 

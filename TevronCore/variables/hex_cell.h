@@ -5,9 +5,6 @@
 #include <string_view>
 #include <vector>
 
-/// The text without a leading "0x" or "0X".
-std::string_view WithoutHexPrefix(std::string_view text);
-
 /// Reads hexadecimal digits two at a time, in either letter case; a single digit at the end is a
 /// byte of its own. Nothing when any other character stands in the text.
 std::optional<std::vector<uint8_t>> HexPairs(std::string_view text);

@@ -3,8 +3,6 @@
 #include <locale.h>
 
 #include <cerrno>
-#include <charconv>
-#include <cmath>
 #include <cstdlib>
 
 namespace {
@@ -40,16 +38,6 @@ Conversion Convert(const std::string& text, Number (*convert)(const char*, char*
   return Conversion::kDone;
 }
 
-template <typename Number>
-std::optional<Number> WholeText(std::string_view text) {
-  Number value{};
-  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
-  if (error != std::errc() || end != text.data() + text.size()) {
-    return std::nullopt;
-  }
-  return value;
-}
-
 }  // namespace
 
 std::string_view Trim(std::string_view text) {
@@ -61,11 +49,9 @@ std::string_view Trim(std::string_view text) {
   return text.substr(first, text.find_last_not_of(kWhite) - first + 1);
 }
 
-std::optional<int32_t> WholeNumber(std::string_view text) { return WholeText<int32_t>(text); }
-
-std::optional<float> DecimalNumber(std::string_view text) {
-  const std::optional<float> value = WholeText<float>(text);
-  return value && std::isfinite(*value) ? value : std::nullopt;
+std::string_view WithoutHexPrefix(std::string_view text) {
+  const bool prefixed = text.substr(0, 2) == "0x" || text.substr(0, 2) == "0X";
+  return prefixed ? text.substr(2) : text;
 }
 
 Conversion ToFloat(const std::string& text, float* value) {
@@ -93,5 +79,5 @@ double AsWritten(float value) {
   if (value == 1.0F || !std::isfinite(value)) {
     return static_cast<double>(value);
   }
-  return WholeText<double>(ShortText(value)).value_or(static_cast<double>(value));
+  return DecimalNumber<double>(ShortText(value)).value_or(static_cast<double>(value));
 }

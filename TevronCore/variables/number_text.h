@@ -1,5 +1,7 @@
 #pragma once
 
+#include <charconv>
+#include <cmath>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -11,11 +13,27 @@
 /// The text without blanks, tabs, carriage returns and line feeds at its ends.
 std::string_view Trim(std::string_view text);
 
-/// A decimal whole number and nothing else ("-40", "12"); nothing when it does not fit.
-std::optional<int32_t> WholeNumber(std::string_view text);
+/// The text without a leading "0x" or "0X".
+std::string_view WithoutHexPrefix(std::string_view text);
+
+/// A whole number and nothing else ("-40", "12", in base 16 "2a"; no prefix, no "+"); nothing when
+/// it does not fit.
+template <typename Integer = int32_t>
+std::optional<Integer> WholeNumber(std::string_view text, int base = 10) {
+  Integer value = 0;
+  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value, base);
+  return error == std::errc() && end == text.data() + text.size() ? std::optional(value)
+                                                                  : std::nullopt;
+}
 
 /// A finite decimal number and nothing else ("0.01", "1e-3").
-std::optional<float> DecimalNumber(std::string_view text);
+template <typename Real = float>
+std::optional<Real> DecimalNumber(std::string_view text) {
+  Real value = 0;
+  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
+  const bool is_number = error == std::errc() && end == text.data() + text.size();
+  return is_number && std::isfinite(value) ? std::optional(value) : std::nullopt;
+}
 
 /// Outcome of ToFloat and ToDouble; named after the exceptions of std::stof.
 enum class Conversion { kDone, kInvalidArgument, kOutOfRange };

@@ -10,24 +10,15 @@
 
 #include "Platform/ipv4_text.h"
 #include "Wire/big_endian.h"
+#include "variables/hex_cell.h"
+#include "variables/number_text.h"
 
 namespace {
 
 using Bytes = std::vector<uint8_t>;
 
-// Numbers without regard to the locale; the whole text has to be one.
-template <typename Number, typename... Base>
-std::optional<Number> ReadNumber(std::string_view text, Base... base) {
-  if (!text.empty() && text.front() == '+') {
-    text.remove_prefix(1);
-  }
-  Number number = 0;
-  const auto [end, fault] =
-      std::from_chars(text.data(), text.data() + text.size(), number, base...);
-  if (fault != std::errc() || end != text.data() + text.size()) {
-    return std::nullopt;
-  }
-  return number;
+std::string_view WithoutPlus(std::string_view text) {
+  return !text.empty() && text.front() == '+' ? text.substr(1) : text;
 }
 
 Bytes BigEndian(uint64_t value, size_t size) {
@@ -50,7 +41,7 @@ std::optional<IntegerShape> IntegerShapeOf(const std::string& type) {
   if (!is_signed && type.rfind("uint", 0) != 0) {
     return std::nullopt;
   }
-  const auto bits = ReadNumber<int>(std::string_view(type).substr(is_signed ? 3 : 4));
+  const auto bits = WholeNumber(std::string_view(type).substr(is_signed ? 3 : 4));
   const std::array<int, 4> known = {8, 16, 32, 64};
   if (!bits || std::find(known.begin(), known.end(), *bits) == known.end()) {
     return std::nullopt;
@@ -64,7 +55,7 @@ std::optional<uint64_t> ScaledInteger(const std::string& text, float coefficient
   const int bits = static_cast<int>(shape.size * 8);
   if (coefficient == 1.0F) {
     const int unused = 64 - bits;
-    if (const auto number = ReadNumber<int64_t>(text);
+    if (const auto number = WholeNumber<int64_t>(WithoutPlus(text));
         number && (shape.is_signed || *number >= 0)) {
       const auto wide = static_cast<uint64_t>(*number);
       const bool fits = shape.is_signed
@@ -75,10 +66,10 @@ std::optional<uint64_t> ScaledInteger(const std::string& text, float coefficient
     if (shape.is_signed) {
       return std::nullopt;
     }
-    const auto number = ReadNumber<uint64_t>(text);
+    const auto number = WholeNumber<uint64_t>(WithoutPlus(text));
     return number && bits == 64 ? number : std::nullopt;
   }
-  const auto value = ReadNumber<double>(text);
+  const auto value = DecimalNumber<double>(WithoutPlus(text));
   if (!value) {
     return std::nullopt;
   }
@@ -101,8 +92,8 @@ std::optional<Bytes> EncodeInteger(const VarInfo& var, const std::string& text,
 }
 
 std::optional<Bytes> EncodeReal(const VarInfo& var, const std::string& text) {
-  const auto shown = ReadNumber<double>(text);
-  if (!shown || !std::isfinite(*shown)) {
+  const auto shown = DecimalNumber<double>(WithoutPlus(text));
+  if (!shown) {
     return std::nullopt;
   }
   const double value = *shown / static_cast<double>(var.coefficient);
@@ -131,7 +122,7 @@ std::optional<Bytes> EncodeMac(const std::string& text) {
     return std::nullopt;
   }
   for (size_t at = 0; at < text.size(); at += 3) {
-    const auto byte = ReadNumber<uint8_t>(std::string_view(text).substr(at, 2), 16);
+    const auto byte = WholeNumber<uint8_t>(std::string_view(text).substr(at, 2), 16);
     if (!byte || (at + 2 < text.size() && text[at + 2] != ':')) {
       return std::nullopt;
     }
@@ -140,32 +131,21 @@ std::optional<Bytes> EncodeMac(const std::string& text) {
   return bytes;
 }
 
-std::optional<Bytes> HexPairs(const std::string& text) {
+// Hexadecimal pairs with or without a prefix and blanks, else the characters themselves.
+Bytes RawBytes(const std::string& text) {
   std::string digits;
   std::copy_if(text.begin(), text.end(), std::back_inserter(digits),
                [](char c) { return c != ' '; });
-  if (digits.rfind("0x", 0) == 0 || digits.rfind("0X", 0) == 0) {
-    digits.erase(0, 2);
+  std::optional<Bytes> pairs;
+  if (digits.size() % 2 == 0) {
+    pairs = HexPairs(WithoutHexPrefix(digits));
   }
-  if (digits.size() % 2 != 0) {
-    return std::nullopt;
-  }
-  Bytes bytes;
-  for (size_t at = 0; at < digits.size(); at += 2) {
-    const auto byte = ReadNumber<uint8_t>(std::string_view(digits).substr(at, 2), 16);
-    if (!byte) {
-      return std::nullopt;
-    }
-    bytes.push_back(*byte);
-  }
-  return bytes;
+  return pairs ? std::move(*pairs) : Bytes(text.begin(), text.end());
 }
-
-Bytes TextBytes(const std::string& text) { return Bytes(text.begin(), text.end()); }
 
 // "1 h 0 min 1 s", any of the three left out, or a bare count of seconds.
 std::optional<uint64_t> Seconds(const std::string& text) {
-  if (const auto bare = ReadNumber<uint64_t>(text)) {
+  if (const auto bare = WholeNumber<uint64_t>(WithoutPlus(text))) {
     return bare;
   }
   uint64_t seconds = 0;
@@ -214,13 +194,8 @@ std::optional<Bytes> EncodeVersion(const std::string& text, size_t characters,
       bytes.insert(bytes.end(), width, 0);
       continue;
     }
-    // Trailing numbers may be left out.
-    if (at >= text.size()) {
-      bytes.insert(bytes.end(), width, 0);
-      continue;
-    }
     const size_t dot = std::min(text.find('.', at), text.size());
-    const auto number = ReadNumber<uint16_t>(std::string_view(text).substr(at, dot - at));
+    const auto number = WholeNumber<uint16_t>(std::string_view(text).substr(at, dot - at));
     if (!number || *number >> (8 * width) != 0) {
       return std::nullopt;
     }
@@ -261,10 +236,10 @@ std::optional<Bytes> Encode(const VarInfo& var, const std::string& text) {
     return EncodeDuration(var, text);
   }
   if (var.var_type == "raw") {
-    return HexPairs(text).value_or(TextBytes(text));
+    return RawBytes(text);
   }
   if (var.var_type == "string") {
-    return TextBytes(text);
+    return Bytes(text.begin(), text.end());
   }
   return std::nullopt;
 }

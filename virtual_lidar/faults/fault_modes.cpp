@@ -1,17 +1,17 @@
 #include "faults/fault_modes.h"
 
 #include <algorithm>
-#include <charconv>
 #include <utility>
+
+#include "variables/number_text.h"
 
 namespace {
 
 bool ReadNumber(const std::string& text, uint32_t* number) {
-  const bool hexadecimal = text.size() > 2 && text[0] == '0' && (text[1] == 'x' || text[1] == 'X');
-  const char* first = text.data() + (hexadecimal ? 2 : 0);
-  const char* last = text.data() + text.size();
-  const auto [end, fault] = std::from_chars(first, last, *number, hexadecimal ? 16 : 10);
-  return fault == std::errc() && end == last && first != last;
+  const std::string_view digits = WithoutHexPrefix(text);
+  const auto value = WholeNumber<uint32_t>(digits, digits.size() == text.size() ? 10 : 16);
+  *number = value.value_or(0);
+  return value.has_value();
 }
 
 // Cuts "…<mark>tail" off the text; no mark leaves the text alone and gives no tail.

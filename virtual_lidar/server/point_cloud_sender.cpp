@@ -6,11 +6,11 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <charconv>
 #include <system_error>
 #include <vector>
 
 #include "Wire/big_endian.h"
+#include "variables/number_text.h"
 
 namespace {
 
@@ -22,9 +22,8 @@ constexpr size_t kChannels = 16;
 constexpr uint64_t kMaxBurst = 1000;
 
 bool ReadNumber(const std::string& text, uint32_t lowest, uint32_t highest, uint32_t* number) {
-  const char* last = text.data() + text.size();
-  const auto [end, fault] = std::from_chars(text.data(), last, *number);
-  return fault == std::errc() && end == last && *number >= lowest && *number <= highest;
+  *number = WholeNumber<uint32_t>(text).value_or(0);
+  return *number >= lowest && *number <= highest;
 }
 
 }  // namespace
