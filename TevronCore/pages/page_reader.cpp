@@ -142,7 +142,7 @@ bool PageReader::UpdateSingleVarFromOutput(const VarInfo& var, uint8_t cmd,
     return true;
   }
   KAVEL_LOG(kError, "%s", fault.c_str());
-  if (var.var_type != "raw") {
+  if (var.value_type->kind != ValueKind::kRaw) {
     return false;
   }
   // What cannot be shown is still carried unchanged in the payload of its set command.

@@ -175,8 +175,9 @@ void PageWriter::ReportFailure(const std::string& reason) {
 
 void PageWriter::NameNextAddress() {
   const std::vector<const VarInfo*> vars = parts_.table.WrittenBy(kNetworkCommand);
-  const auto address = std::find_if(vars.begin(), vars.end(),
-                                    [](const VarInfo* var) { return var->var_type == "IP"; });
+  const auto address = std::find_if(vars.begin(), vars.end(), [](const VarInfo* var) {
+    return var->value_type->kind == ValueKind::kAddress;
+  });
   if (address == vars.end()) {
     return;
   }

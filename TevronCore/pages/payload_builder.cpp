@@ -31,15 +31,16 @@ std::vector<uint8_t> Convert(const VarInfo& var, const std::string& text) {
 void PayloadBuilder::Gather(const std::string& set_cmd) {
   for (const VarInfo* var : table_.WrittenBy(set_cmd)) {
     const bool set_only = var->get_cmd.empty();
+    const bool is_raw = var->value_type->kind == ValueKind::kRaw;
     const ConfigParser::Value value = table_.ValueOf(*var);
-    if (set_only && var->var_type != "raw") {
+    if (set_only && !is_raw) {
       throw std::runtime_error(
           "There are undefined cases in the csv config file where there is a line with 'set' and "
           "no 'get', but the var_type is not 'raw'.");
     }
     // A "raw" value has no text to convert: its parser yields nothing, which would leave a hole in
     // a payload that the lidar expects to be full.
-    if (!set_only && value.edited && var->var_type == "raw") {
+    if (!set_only && value.edited && is_raw) {
       throw std::runtime_error("Error with var type");
     }
     if (set_only || value.edited) {

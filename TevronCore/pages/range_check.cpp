@@ -111,14 +111,16 @@ bool RangeCheck::CheckPage(const std::vector<const VarInfo*>& vars,
 }
 
 std::string RangeCheck::Violation(const VarInfo& var, const std::string& text) {
-  if (var.var_type == "string" || var.var_type == "raw") {
-    return static_cast<int64_t>(text.size()) > var.length_limit ? kOutOfRange : "";
-  }
-  if (var.var_type == "IP") {
-    return std::regex_match(text, IpPattern()) ? "" : kInvalidIp;
-  }
-  if (var.var_type == "MAC") {
-    return std::regex_match(text, MacPattern()) ? "" : kInvalidMac;
+  switch (var.value_type->kind) {
+    case ValueKind::kText:
+    case ValueKind::kRaw:
+      return static_cast<int64_t>(text.size()) > var.length_limit ? kOutOfRange : "";
+    case ValueKind::kAddress:
+      return std::regex_match(text, IpPattern()) ? "" : kInvalidIp;
+    case ValueKind::kMac:
+      return std::regex_match(text, MacPattern()) ? "" : kInvalidMac;
+    default:
+      break;
   }
   if (var.range_min == 0 && var.range_max == 0) {
     return "";
@@ -143,7 +145,7 @@ bool RangeCheck::IsSwitchedOff(const VarInfo& var, const std::string& text) {
 
 bool RangeCheck::CheckVar(const VarInfo& var) {
   constexpr char kFunction[] = "TevronManager::CheckVarIsWithinRange";
-  if (var.var_type == "string" || var.range_min == 0 || var.range_max == 0) {
+  if (var.value_type->kind == ValueKind::kText || var.range_min == 0 || var.range_max == 0) {
     return true;
   }
   try {

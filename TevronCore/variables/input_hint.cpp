@@ -7,16 +7,16 @@
 namespace {
 
 // What the encoder of these types lets through; see UnsignedBound there.
-bool TakesOnlyZero(const VarInfo& var) {
-  return var.var_type == "uint32" || var.var_type == "uint64";
+bool TakesOnlyZero(const ValueType& type) {
+  return type.kind == ValueKind::kInteger && !type.is_signed && type.size >= 4;
 }
 
 // How the type's own range looks after scaling, in words.
 std::string TypeRange(const VarInfo& var) {
-  const bool is_unsigned = var.var_type.front() == 'u';
-  const int32_t bytes = NaturalLength(var.var_type);
+  const bool is_unsigned = !var.value_type->is_signed;
+  const int32_t bytes = var.value_type->size;
   const float scale = var.set_coefficient;
-  if (TakesOnlyZero(var)) {
+  if (TakesOnlyZero(*var.value_type)) {
     return scale == 1.0F ? "Only 0 can be saved: " + var.var_type + " takes no other value."
                          : "Only values from 0 up to, not including, " + ShortText(scale) +
                                " can be saved, and are stored as 0.";
@@ -37,7 +37,7 @@ std::string TypeRange(const VarInfo& var) {
 }
 
 std::string Format(const VarInfo& var) {
-  if (!TakesOnlyZero(var)) {
+  if (!TakesOnlyZero(*var.value_type)) {
     if (var.type == kChoice || var.type == kTallChoice) {
       return "Choose one of the entries.";
     }
@@ -45,16 +45,16 @@ std::string Format(const VarInfo& var) {
       return "Switch: 0 is off.";
     }
   }
-  if (var.var_type == "IP") {
-    return "IPv4 address, such as 192.168.1.201.";
+  switch (var.value_type->kind) {
+    case ValueKind::kAddress:
+      return "IPv4 address, such as 192.168.1.201.";
+    case ValueKind::kMac:
+      return "MAC address, such as 00:1A:2B:3C:4D:5E.";
+    case ValueKind::kInteger:
+      return TypeRange(var);
+    default:
+      return "Number with \".\" as decimal point.";
   }
-  if (var.var_type == "MAC") {
-    return "MAC address, such as 00:1A:2B:3C:4D:5E.";
-  }
-  if (IsIntegerType(var.var_type)) {
-    return TypeRange(var);
-  }
-  return "Number with \".\" as decimal point.";
 }
 
 std::string Refusal(const VarInfo& var) {

@@ -26,18 +26,17 @@ std::vector<std::string_view> Split(std::string_view text, char separator) {
 std::string Quoted(std::string_view text) { return '"' + std::string(text) + '"'; }
 
 // Whether a number of the device can be this value at all.
-bool IsOfType(int64_t value, std::string_view integer_type) {
-  const bool is_unsigned = integer_type.front() == 'u';
-  const int value_bits = 8 * NaturalLength(integer_type) - (is_unsigned ? 0 : 1);
+bool IsOfType(int64_t value, const ValueType& type) {
+  const int value_bits = 8 * type.size - (type.is_signed ? 1 : 0);
   const int64_t highest =
       value_bits > 32 ? std::numeric_limits<int64_t>::max() : (int64_t{1} << value_bits) - 1;
-  return value <= highest && value >= (is_unsigned ? 0 : -highest - 1);
+  return value <= highest && value >= (type.is_signed ? -highest - 1 : 0);
 }
 
 // Values of a control that is not text are compared as texts, so they have to be whole numbers as
 // the device sends them.
 std::string CheckPlainInteger(const VarInfo& var, const char* control) {
-  if (!IsIntegerType(var.var_type)) {
+  if (var.value_type->kind != ValueKind::kInteger) {
     return std::string("a ") + control + " needs an integer VarType, not " + Quoted(var.var_type);
   }
   if (var.coefficient != 1.0F || var.set_coefficient != 1.0F) {
@@ -59,7 +58,7 @@ std::string ReadRange(std::string_view text, VarInfo* var) {
   if (*low == 0 && *high == 0) {
     return "Options " + Quoted(text) + " would not limit anything";
   }
-  if (!IsIntegerType(var->var_type) && var->var_type != "float32" && var->var_type != "double") {
+  if (!var->value_type->is_number()) {
     return "a range needs a numeric VarType, not " + Quoted(var->var_type);
   }
   var->range_min = *low;
@@ -118,7 +117,7 @@ std::string ReadChoice(std::string_view text, std::string_view descriptions, Row
     if (!value) {
       return "Options: " + Quoted(values[i]) + " is no 32-bit whole number";
     }
-    if (!IsOfType(*value, var->var_type)) {
+    if (!IsOfType(*value, *var->value_type)) {
       return "Options: " + Quoted(values[i]) + " does not fit " + var->var_type;
     }
     if (!var->varname_value_to_option.emplace(std::to_string(*value), labels[i]).second) {

@@ -11,7 +11,7 @@
 
 #include "Wire/big_endian.h"
 #include "variables/number_text.h"
-#include "variables/var_info.h"
+#include "variables/value_type.h"
 
 namespace {
 
@@ -171,27 +171,29 @@ std::vector<uint8_t> RawParser::Parse(const std::string& /*text*/, float /*coeff
 }
 
 std::unique_ptr<StrParser> CreateStrParser(const std::string& var_type) {
-  if (IsIntegerType(var_type)) {
-    const auto length = static_cast<uint64_t>(NaturalLength(var_type));
-    if (var_type.front() == 'u') {
+  const ValueType& type = ValueTypeOf(var_type);
+  const auto length = static_cast<uint64_t>(type.size);
+  switch (type.kind) {
+    case ValueKind::kInteger:
+      if (type.is_signed) {
+        return std::make_unique<IntParser>(length);
+      }
       return std::make_unique<UintParser>(length);
-    }
-    return std::make_unique<IntParser>(length);
-  }
-  if (var_type == "float32") {
-    return std::make_unique<FloatParser>();
-  }
-  if (var_type == "double") {
-    return std::make_unique<DoubleParser>();
-  }
-  if (var_type == "IP") {
-    return std::make_unique<IPv4Parser>();
-  }
-  if (var_type == "MAC") {
-    return std::make_unique<MacParser>();
-  }
-  if (var_type == "raw") {
-    return std::make_unique<RawParser>();
+    case ValueKind::kReal:
+      if (length == sizeof(float)) {
+        return std::make_unique<FloatParser>();
+      }
+      return std::make_unique<DoubleParser>();
+    case ValueKind::kAddress:
+      return std::make_unique<IPv4Parser>();
+    case ValueKind::kMac:
+      return std::make_unique<MacParser>();
+    case ValueKind::kRaw:
+      return std::make_unique<RawParser>();
+    case ValueKind::kText:
+    case ValueKind::kDuration:
+    case ValueKind::kUnknown:
+      break;
   }
   std::cout << "DEBUG(): not support the format is " << var_type << std::endl;
   return nullptr;

@@ -121,7 +121,7 @@ bool TableLoader::ReadCells(VarInfo* var) {
   var->var_id = var->group_id + '-' + Text(kIndex);
   var->index = ReadNumber(kIndex, "Index");
   var->var_name = Cell(kVarName);
-  var->var_type = Cell(kVarType);
+  SetValueType(Cell(kVarType), var);
   ReadCommands(var);
   if (!ReadLength(var)) {
     return false;
@@ -137,7 +137,8 @@ bool TableLoader::ReadCells(VarInfo* var) {
   var->default_val = Cell(kDefaultValue);
   var->function_module = Cell(kFunctionModule);
   var->timer_update = ReadNumber(kTimerUpdate, "TimerUpdate") != 0;
-  if (var->var_type == "string" || var->var_type == "raw") {
+  const ValueKind kind = var->value_type->kind;
+  if (kind == ValueKind::kText || kind == ValueKind::kRaw) {
     var->length_limit = var->offset;
   }
   const std::string reason = ReadOptions(Cell(kOptions), Cell(kOptionDescription), var);
@@ -151,7 +152,7 @@ bool TableLoader::ReadCells(VarInfo* var) {
 // A row without a usable length has no place for what follows it in its payloads, so these cannot
 // be used at all: reading would show, and writing would store, other variables' bytes.
 bool TableLoader::ReadLength(VarInfo* var) {
-  const int32_t natural = NaturalLength(var->var_type);
+  const int32_t natural = var->value_type->size;
   const std::string_view cell = Trim(Cell(kVarLen));
   if (cell.empty()) {
     var->offset = natural == 0 ? 1 : natural;
@@ -220,10 +221,10 @@ void TableLoader::CheckCells(const VarInfo& var) {
   if (var.var_name.empty()) {
     Fault("VarName is empty");
   }
-  if (!IsKnownType(var.var_type)) {
+  if (var.value_type->kind == ValueKind::kUnknown) {
     Fault("VarType " + Quoted(var.var_type) + " is unknown");
   }
-  if (var.get_cmd.empty() && !var.set_cmd.empty() && var.var_type != "raw") {
+  if (var.get_cmd.empty() && !var.set_cmd.empty() && var.value_type->kind != ValueKind::kRaw) {
     Fault("a variable with Set and without Get has to be raw");
   }
   const bool has_values = var.type == kChoice || var.type == kTallChoice;

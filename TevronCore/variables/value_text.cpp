@@ -101,18 +101,18 @@ int64_t SignExtended(uint64_t value, size_t size) {
 
 std::string IntegerText(const VarInfo& var, const Bytes& slice, size_t size) {
   const uint64_t value = BigEndian(slice, size);
-  const bool is_unsigned = var.var_type.front() == 'u';
+  const bool is_signed = var.value_type->is_signed;
   if (var.coefficient == 1.0F) {
-    return is_unsigned ? std::to_string(value) : std::to_string(SignExtended(value, size));
+    return is_signed ? std::to_string(SignExtended(value, size)) : std::to_string(value);
   }
   const double number =
-      is_unsigned ? static_cast<double>(value) : static_cast<double>(SignExtended(value, size));
+      is_signed ? static_cast<double>(SignExtended(value, size)) : static_cast<double>(value);
   return FixedText(number * AsWritten(var.coefficient));
 }
 
 std::string RealText(const VarInfo& var, const Bytes& slice) {
   double number = 0;
-  if (var.var_type == "double") {
+  if (var.value_type->size == sizeof(double)) {
     const uint64_t bits = kavel::lidar::ReadBigEndian64(slice.data());
     std::memcpy(&number, &bits, sizeof(number));
   } else {
@@ -125,12 +125,13 @@ std::string RealText(const VarInfo& var, const Bytes& slice) {
 }
 
 bool DecodeNumber(const VarInfo& var, const Bytes& slice, std::string* text, std::string* fault) {
-  const auto size = static_cast<size_t>(NaturalLength(var.var_type));
+  const auto size = static_cast<size_t>(var.value_type->size);
   if (slice.size() < size) {
     return Fail(fault, var.var_type + " size is less than " + std::to_string(size) +
                            ", please check your config file");
   }
-  *text = IsIntegerType(var.var_type) ? IntegerText(var, slice, size) : RealText(var, slice);
+  *text = var.value_type->kind == ValueKind::kInteger ? IntegerText(var, slice, size)
+                                                      : RealText(var, slice);
   return true;
 }
 
@@ -160,21 +161,22 @@ bool DecodeValue(const VarInfo& var, const std::vector<uint8_t>& slice, std::str
   if (var.var_name == "SWVER_YMD") {
     return DecodeSoftwareVersion(slice, text, fault);
   }
-  if (var.var_type == "string") {
-    *text = Characters(slice.data(), slice.size());
-    return true;
-  }
-  if (IsIntegerType(var.var_type) || var.var_type == "float32" || var.var_type == "double") {
-    return DecodeNumber(var, slice, text, fault);
-  }
-  if (var.var_type == "DT") {
-    return DecodeDuration(slice, text, fault);
-  }
-  if (var.var_type == "IP") {
-    return DecodeAddress(slice, text, fault);
-  }
-  if (var.var_type == "MAC") {
-    return DecodeMac(slice, text, fault);
+  switch (var.value_type->kind) {
+    case ValueKind::kText:
+      *text = Characters(slice.data(), slice.size());
+      return true;
+    case ValueKind::kInteger:
+    case ValueKind::kReal:
+      return DecodeNumber(var, slice, text, fault);
+    case ValueKind::kDuration:
+      return DecodeDuration(slice, text, fault);
+    case ValueKind::kAddress:
+      return DecodeAddress(slice, text, fault);
+    case ValueKind::kMac:
+      return DecodeMac(slice, text, fault);
+    case ValueKind::kRaw:
+    case ValueKind::kUnknown:
+      break;
   }
   return Fail(fault, "var_type not support: " + var.var_type);
 }

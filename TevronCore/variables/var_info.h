@@ -7,6 +7,8 @@
 #include <string_view>
 #include <vector>
 
+#include "variables/value_type.h"
+
 /// Kind of control that a page shows for a variable; the number is what the screens compare.
 enum RowKind : int32_t {
   kReadOnlyText = 0,
@@ -32,7 +34,7 @@ struct VarInfo {
   int32_t index = 0;          ///< "Index" as a number.
   std::string get_cmd;        ///< Read command as written in the table; empty: cannot be read.
   std::string set_cmd;        ///< Write command as written in the table; empty: cannot be written.
-  std::string var_type;       ///< Value type name: selects parser and decoding.
+  std::string var_type;       ///< Value type name as written in the table.
   std::string var_name;       ///< Shown to the user; unique in the table.
   std::string unit_suffix;    ///< " (" + unit + ")", empty without a unit.
   int32_t get_start_pos = 0;  ///< First byte of the value in the reply to get_cmd.
@@ -51,10 +53,11 @@ struct VarInfo {
   int32_t type = kReadOnlyText;                                ///< A RowKind.
   bool hidden = false;  ///< Carried in payloads, never shown.
 
-  std::string unit;                        ///< "Unit" cell.
-  std::string group_id;                    ///< "GroupID" cell.
-  std::string function_module;             ///< Page that shows the variable; empty: none.
-  std::vector<std::string> option_values;  ///< options as texts.
+  const ValueType* value_type = &ValueTypeOf({});  ///< What var_type names; never null.
+  std::string unit;                                ///< "Unit" cell.
+  std::string group_id;                            ///< "GroupID" cell.
+  std::string function_module;                     ///< Page that shows the variable; empty: none.
+  std::vector<std::string> option_values;          ///< options as texts.
   std::vector<std::string> option_labels;  ///< Labels of option_values; a switch may have none.
   int32_t check_enable = 0;                ///< 1: takes part in the range check before saving.
   int32_t length_limit = 0;                ///< Longest text of a "string" or "raw" value, in bytes.
@@ -70,20 +73,13 @@ struct VarInfo {
   size_t table_position = 0;          ///< Place among the variables of its table, from 0.
 };
 
+/// Sets var_type and what it names.
+void SetValueType(std::string_view name, VarInfo* var);
+
 /// Whether a row of the screens may change the value at all: the user is permitted to, some command
 /// writes it, and its type has a text form that can be encoded ("string", "raw" and "DT" have
 /// none).
 bool CanBeChanged(const VarInfo& var);
-
-/// Length in bytes of a value of this type: 1, 2, 4, 8 for the integers, 4 for "float32" and "IP",
-/// 6 for "MAC", 8 for "double"; 0 for types without a length of their own.
-int32_t NaturalLength(std::string_view var_type);
-
-/// Whether the type is one of the fifteen that tables may name.
-bool IsKnownType(std::string_view var_type);
-
-/// Whether the type is one of "int8" to "int64" and "uint8" to "uint64".
-bool IsIntegerType(std::string_view var_type);
 
 /// State of a switch that shows this text: "0" exactly when the text is "0", else "1".
 std::string SwitchIndexOf(const std::string& text);

@@ -8,7 +8,7 @@ namespace {
 
 VarInfo Variable(const std::string& type, int32_t permission = 1) {
   VarInfo var;
-  var.var_type = type;
+  SetValueType(type, &var);
   var.permission = permission;
   var.set_cmd = "0x12";
   return var;

@@ -9,7 +9,7 @@ using Bytes = std::vector<uint8_t>;
 std::string Decode(const std::string& type, const std::string& name, float coefficient,
                    const Bytes& slice) {
   VarInfo var;
-  var.var_type = type;
+  SetValueType(type, &var);
   var.var_name = name;
   var.coefficient = coefficient;
   std::string text = "untouched";

@@ -15,7 +15,7 @@ using Bytes = std::vector<uint8_t>;
 VarInfo Variable(const std::string& name, size_t size, float coefficient) {
   VarInfo var;
   var.var_name = name;
-  var.var_type = name == "HWVER" || name == "SWVER_YMD" ? "raw" : name;
+  SetValueType(name == "HWVER" || name == "SWVER_YMD" ? "raw" : name, &var);
   var.offset = static_cast<int32_t>(size);
   var.coefficient = coefficient;
   return var;

@@ -1,7 +1,6 @@
 #include "device/value_encoder.h"
 
 #include <algorithm>
-#include <array>
 #include <charconv>
 #include <cmath>
 #include <cstring>
@@ -31,39 +30,20 @@ Bytes BigEndian(uint64_t value, size_t size) {
   return bytes;
 }
 
-struct IntegerShape {
-  size_t size;
-  bool is_signed;
-};
-
-std::optional<IntegerShape> IntegerShapeOf(const std::string& type) {
-  const bool is_signed = type.rfind("int", 0) == 0;
-  if (!is_signed && type.rfind("uint", 0) != 0) {
-    return std::nullopt;
-  }
-  const auto bits = WholeNumber(std::string_view(type).substr(is_signed ? 3 : 4));
-  const std::array<int, 4> known = {8, 16, 32, 64};
-  if (!bits || std::find(known.begin(), known.end(), *bits) == known.end()) {
-    return std::nullopt;
-  }
-  return IntegerShape{static_cast<size_t>(*bits) / 8, is_signed};
-}
-
 // Exact up to the full width when nothing scales the value.
 std::optional<uint64_t> ScaledInteger(const std::string& text, float coefficient,
-                                      const IntegerShape& shape) {
-  const int bits = static_cast<int>(shape.size * 8);
+                                      const ValueType& type) {
+  const int bits = 8 * type.size;
   if (coefficient == 1.0F) {
     const int unused = 64 - bits;
     if (const auto number = WholeNumber<int64_t>(WithoutPlus(text));
-        number && (shape.is_signed || *number >= 0)) {
+        number && (type.is_signed || *number >= 0)) {
       const auto wide = static_cast<uint64_t>(*number);
-      const bool fits = shape.is_signed
-                            ? (static_cast<int64_t>(wide << unused) >> unused) == *number
-                            : wide >> (bits - 1) <= 1;
+      const bool fits = type.is_signed ? (static_cast<int64_t>(wide << unused) >> unused) == *number
+                                       : wide >> (bits - 1) <= 1;
       return fits ? std::optional(wide) : std::nullopt;
     }
-    if (shape.is_signed) {
+    if (type.is_signed) {
       return std::nullopt;
     }
     const auto number = WholeNumber<uint64_t>(WithoutPlus(text));
@@ -74,21 +54,20 @@ std::optional<uint64_t> ScaledInteger(const std::string& text, float coefficient
     return std::nullopt;
   }
   const double raw = std::nearbyint(*value / static_cast<double>(coefficient));
-  const double lowest = shape.is_signed ? -std::ldexp(1.0, bits - 1) : 0.0;
-  const double bound = std::ldexp(1.0, shape.is_signed ? bits - 1 : bits);
+  const double lowest = type.is_signed ? -std::ldexp(1.0, bits - 1) : 0.0;
+  const double bound = std::ldexp(1.0, type.is_signed ? bits - 1 : bits);
   if (!(raw >= lowest && raw < bound)) {
     return std::nullopt;
   }
   return raw < 0 ? static_cast<uint64_t>(static_cast<int64_t>(raw)) : static_cast<uint64_t>(raw);
 }
 
-std::optional<Bytes> EncodeInteger(const VarInfo& var, const std::string& text,
-                                   const IntegerShape& shape) {
-  const auto raw = ScaledInteger(text, var.coefficient, shape);
+std::optional<Bytes> EncodeInteger(const VarInfo& var, const std::string& text) {
+  const auto raw = ScaledInteger(text, var.coefficient, *var.value_type);
   if (!raw) {
     return std::nullopt;
   }
-  return BigEndian(*raw, shape.size);
+  return BigEndian(*raw, static_cast<size_t>(var.value_type->size));
 }
 
 std::optional<Bytes> EncodeReal(const VarInfo& var, const std::string& text) {
@@ -97,7 +76,7 @@ std::optional<Bytes> EncodeReal(const VarInfo& var, const std::string& text) {
     return std::nullopt;
   }
   const double value = *shown / static_cast<double>(var.coefficient);
-  if (var.var_type == "double") {
+  if (var.value_type->size == sizeof(double)) {
     uint64_t bits = 0;
     std::memcpy(&bits, &value, sizeof bits);
     return BigEndian(bits, sizeof bits);
@@ -220,26 +199,23 @@ std::optional<Bytes> Encode(const VarInfo& var, const std::string& text) {
   if (var.var_name == "MAC") {
     return EncodeMac(text);
   }
-  if (const auto shape = IntegerShapeOf(var.var_type)) {
-    return EncodeInteger(var, text, *shape);
-  }
-  if (var.var_type == "float32" || var.var_type == "double") {
-    return EncodeReal(var, text);
-  }
-  if (var.var_type == "IP") {
-    return EncodeIp(text);
-  }
-  if (var.var_type == "MAC") {
-    return EncodeMac(text);
-  }
-  if (var.var_type == "DT") {
-    return EncodeDuration(var, text);
-  }
-  if (var.var_type == "raw") {
-    return RawBytes(text);
-  }
-  if (var.var_type == "string") {
-    return Bytes(text.begin(), text.end());
+  switch (var.value_type->kind) {
+    case ValueKind::kInteger:
+      return EncodeInteger(var, text);
+    case ValueKind::kReal:
+      return EncodeReal(var, text);
+    case ValueKind::kAddress:
+      return EncodeIp(text);
+    case ValueKind::kMac:
+      return EncodeMac(text);
+    case ValueKind::kDuration:
+      return EncodeDuration(var, text);
+    case ValueKind::kRaw:
+      return RawBytes(text);
+    case ValueKind::kText:
+      return Bytes(text.begin(), text.end());
+    case ValueKind::kUnknown:
+      break;
   }
   return std::nullopt;
 }

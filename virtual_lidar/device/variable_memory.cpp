@@ -39,7 +39,7 @@ void AddSeconds(Bytes* number, uint32_t seconds) {
 Bytes FullTurn() {
   Bytes bytes = {0, kavel::lidar::kFovPairs};
   VarInfo angle;
-  angle.var_type = "float32";
+  SetValueType("float32", &angle);
   angle.offset = 4;
   Bytes encoded;
   std::string error;
@@ -100,7 +100,7 @@ void VariableMemory::AddCell(const ConfigParser& table, const VarInfo& var) {
     cell.factory = FullTurn();
   }
   cell.value = cell.factory;
-  cell.is_clock = var.var_type == "DT" && var.set_cmd.empty();
+  cell.is_clock = var.value_type->kind == ValueKind::kDuration && var.set_cmd.empty();
   cells_.push_back(std::move(cell));
 }
 

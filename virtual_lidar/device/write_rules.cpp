@@ -15,24 +15,21 @@ namespace {
 using Bytes = std::vector<uint8_t>;
 
 // The number that stands on the wire; nothing for types that are none.
-std::optional<double> WireNumber(const std::string& type, const Bytes& bytes) {
-  if (bytes.size() > 8) {
+std::optional<double> WireNumber(const ValueType& type, const Bytes& bytes) {
+  if (!type.is_number() || bytes.empty() || bytes.size() > 8) {
     return std::nullopt;
   }
   const uint64_t raw = kavel::lidar::ReadBigEndian(bytes.data(), bytes.size());
-  if (type == "float32" && bytes.size() == 4) {
-    return static_cast<double>(kavel::lidar::FloatOf(static_cast<uint32_t>(raw)));
+  if (type.kind == ValueKind::kReal) {
+    if (bytes.size() != static_cast<size_t>(type.size)) {
+      return std::nullopt;
+    }
+    return type.size == sizeof(double)
+               ? kavel::lidar::DoubleOf(raw)
+               : static_cast<double>(kavel::lidar::FloatOf(static_cast<uint32_t>(raw)));
   }
-  if (type == "double" && bytes.size() == 8) {
-    return kavel::lidar::DoubleOf(raw);
-  }
-  if (type.rfind("uint", 0) == 0) {
-    return static_cast<double>(raw);
-  }
-  if (type.rfind("int", 0) == 0 && !bytes.empty()) {
-    return static_cast<double>(kavel::lidar::SignExtended(raw, bytes.size()));
-  }
-  return std::nullopt;
+  return type.is_signed ? static_cast<double>(kavel::lidar::SignExtended(raw, bytes.size()))
+                        : static_cast<double>(raw);
 }
 
 bool IsWithin(const VarInfo& var, double wire, float coefficient) {
@@ -70,7 +67,7 @@ bool IsAcceptableValue(const VarInfo& var, const Bytes& bytes) {
   if (is_choice && !var.option_values.empty()) {
     return IsAnOption(var, bytes);
   }
-  const std::optional<double> wire = WireNumber(var.var_type, bytes);
+  const std::optional<double> wire = WireNumber(*var.value_type, bytes);
   return !wire || (std::isfinite(*wire) && IsWithinRange(var, *wire));
 }
 
