@@ -1,3 +1,4 @@
+#include <fcntl.h>
 #include <poll.h>
 #include <signal.h>
 #include <sys/signalfd.h>
@@ -22,6 +23,17 @@ constexpr int kUsageError = 2;
 int Complain(const std::string& sentence) {
   std::cerr << "virtual_lidar: " << sentence << std::endl;
   return kUsageError;
+}
+
+// Whoever read the log may go, or never have been there: the device lives on.
+void OutliveTheReader() {
+  signal(SIGPIPE, SIG_IGN);
+  // The next descriptor to be opened would take the place of a closed one, and get the log.
+  for (const int fd : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
+    if (fcntl(fd, F_GETFD) < 0) {
+      open("/dev/null", O_RDWR);
+    }
+  }
 }
 
 // Signals arrive as events of the loop, so that none interrupts anything half done.
@@ -60,7 +72,6 @@ DeviceProfile MakeProfile(const Options& options) {
   }
   profile.auth_keys = LoadAuthKeys(options.config_folder + "/auth_keys.ini");
   profile.auth_required = options.auth_required;
-  profile.on_serial_line = options.server.serial != ServerSetup::Serial::kNone;
   return profile;
 }
 
@@ -103,6 +114,7 @@ int main(int argc, char** argv) {
   if (options->check_tables) {
     return CheckTables(options->config_folder, std::cout) == 0 ? 0 : 1;
   }
+  OutliveTheReader();
   const int signals = OpenSignals();
   try {
     return Serve(*options, signals);

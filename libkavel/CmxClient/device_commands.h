@@ -39,13 +39,6 @@ inline constexpr uint8_t kCmdGetVersions = 0x4D;
 inline constexpr uint8_t kCmdGetFunctionSafety = 0x4E;
 inline constexpr uint8_t kCmdGetStatus = 0x4F;
 
-/// Return codes of a device that refuses a maintenance request.
-inline constexpr uint8_t kDeviceUnknownCommand = 1;
-inline constexpr uint8_t kDeviceBadLength = 2;
-inline constexpr uint8_t kDeviceOutOfRange = 3;
-inline constexpr uint8_t kDeviceNotAllowedNow = 4;
-inline constexpr uint8_t kDeviceNotAuthenticated = 5;
-
 /// Serial and part numbers have at most this many printable ASCII characters.
 inline constexpr size_t kNumberTextSize = 32;
 inline constexpr size_t kVersionTextSize = 16;

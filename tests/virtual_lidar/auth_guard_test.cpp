@@ -29,18 +29,20 @@ AuthConfig Config() {
 
 // One client's dealings with a device that holds the keys of the current directory's Config.
 struct Dealings {
-  explicit Dealings(const AuthConfig& config, bool required = true, bool reply_prefix = false)
-      : guard(config, LoadAuthKeys(kAuthKeysPath), required, reply_prefix) {}
+  explicit Dealings(const AuthConfig& config, bool required = true, bool on_serial_line = false)
+      : guard(config, LoadAuthKeys(kAuthKeysPath), required), serial_line(on_serial_line) {}
 
   DeviceReply Ask(uint8_t code, const Bytes& payload = {}) {
     DeviceRequest request;
     request.code = code;
     request.payload = payload;
+    request.serial_line = serial_line;
     return guard.Answer(request, &session, &faults).value_or(DeviceReply());
   }
   bool Admits(uint8_t command) { return guard.Admit(command, &session); }
 
   AuthGuard guard;
+  bool serial_line;
   AuthSession session;
   FaultBox faults;
 };

@@ -17,8 +17,10 @@ class Maintenance : public testing::Test {
 
   std::chrono::steady_clock::time_point now_;
   // A table may show what maintenance commands read, and then gives the first value.
-  VirtualDevice device_{LoadTestTable("1,1,0x40,,Baud,0,uint32,3000000,,,4,,\n"), Kiva(),
-                        [this] { return now_; }};
+  VirtualDevice device_{LoadTestTable("1,1,0x40,,Baud,0,uint32,3000000,,,4,,\n"
+                                      "1,2,,0x50,SN,1,uint8,7,,,1,,\n"
+                                      "1,3,0x02,,Up-time,0,DT,0 h 0 min 5 s,,,4,,\n"),
+                        Kiva(), [this] { return now_; }};
 };
 
 TEST_F(Maintenance, TakesSettingsWithinTheirLimitsOnly) {
@@ -60,6 +62,24 @@ TEST_F(Maintenance, TakesSettingsWithinTheirLimitsOnly) {
   EXPECT_EQ(Ask(0x4F).payload, (Bytes{0, 0x04, 0xB0, 1, 5, 3, 1, 2, 3, 4}));
   Ask(0x25);
   EXPECT_EQ(Ask(0x40).payload, (Bytes{0x00, 0x2D, 0xC6, 0xC0})) << "after a reset";
+}
+
+TEST_F(Maintenance, TellsTheNumbersThatTheTableHolds) {
+  std::string error;
+  EXPECT_EQ(Ask(0x4B).payload[0], '7');
+  EXPECT_TRUE(device_.Preset("SN", "8", &error)) << error;
+  EXPECT_EQ(Ask(0x4B).payload[0], '8');
+  EXPECT_EQ(Ask(0x50, {9}).return_code, kAccepted);
+  EXPECT_EQ(Ask(0x4B).payload[0], '9');
+}
+
+TEST_F(Maintenance, UpTimeCountsAndARestartBeginsItAnew) {
+  EXPECT_EQ(device_.UpTimeSeconds(), 0U);
+  now_ += std::chrono::milliseconds(3999);
+  EXPECT_EQ(Ask(0x02).payload, (Bytes{0, 0, 0, 8})) << "5 s in the table and 3 s since";
+  Ask(0x10);
+  now_ += std::chrono::seconds(1);
+  EXPECT_EQ(Ask(0x02).payload, (Bytes{0, 0, 0, 6}));
 }
 
 TEST_F(Maintenance, SwitchesModesAndRefusesSettingsMeanwhile) {

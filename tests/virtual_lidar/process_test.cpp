@@ -65,6 +65,22 @@ TEST(Process, DumpsOnOneSignalAndEndsOnTwoOthers) {
   }
 }
 
+TEST(Process, OutlivesTheReaderOfItsLog) {
+  QTemporaryDir folder;
+  QProcess lidar;
+  QProcess reader;
+  lidar.setWorkingDirectory(SOURCE_FOLDER);
+  lidar.setStandardOutputProcess(&reader);
+  lidar.start(VIRTUAL_LIDAR_PROGRAM, {"--port", "0", "--dump", folder.filePath("state.json")});
+  reader.start("head", {"-n", "1"});
+  ASSERT_TRUE(reader.waitForFinished(kPatienceMs));
+  ASSERT_TRUE(folder.remove());
+  // That the last dump cannot be written is a line that nobody reads.
+  lidar.terminate();
+  ASSERT_TRUE(lidar.waitForFinished(kPatienceMs));
+  EXPECT_EQ(lidar.exitStatus(), QProcess::NormalExit);
+}
+
 TEST(Process, RefusesACommandLineThatMakesNoSense) {
   const std::pair<QStringList, const char*> cases[] = {
       {{"--fault", "dorp"}, "there is no fault named \"dorp\""},

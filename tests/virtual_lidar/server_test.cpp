@@ -53,20 +53,9 @@ TEST(Server, RestartAnswersDropsEveryLinkAndComesBackOnItsPort) {
   EXPECT_TRUE(bystander.Ended());
   EXPECT_TRUE(lidar.LogShows("restarted"));
   RawClient again(lidar.port());
-  again.Send({0x47, 0x74, 0x30, 0, 0, 0, 0, 0});
+  again.Send(kReadSpeed);
   EXPECT_EQ(again.Receive(11), (Bytes{0x47, 0x74, 0x30, 0, 0, 0, 0, 3, 0x04, 0xB0, 5}))
       << "settings survive";
-}
-
-TEST(Device, UpTimeCountsAndARestartBeginsItAnew) {
-  std::chrono::steady_clock::time_point now;
-  VirtualDevice device(LoadTestTable(kSmallTable), DeviceProfile(), [&] { return now; });
-  EXPECT_EQ(device.UpTimeSeconds(), 0U);
-  now += std::chrono::milliseconds(3999);
-  EXPECT_EQ(Ask(&device, 0x02).payload, (Bytes{0, 0, 0, 8})) << "5 s in the table and 3 s since";
-  Ask(&device, 0x10);
-  now += std::chrono::seconds(1);
-  EXPECT_EQ(Ask(&device, 0x02).payload, (Bytes{0, 0, 0, 6}));
 }
 
 TEST(Server, DumpIsWholeAndThereBeforeTheAnswer) {

@@ -19,13 +19,12 @@ struct AuthSession {
 /// the protected commands. Lies in any step when a fault says so.
 class AuthGuard {
  public:
-  /// @param required    what the probe answers; when false every command passes.
-  /// @param reply_prefix the answers to probe and challenge begin with a 4-byte counter, as on
-  ///                     serial lines.
-  AuthGuard(AuthConfig config, AuthKeys keys, bool required, bool reply_prefix);
+  /// @param required what the probe answers; when false every command passes.
+  AuthGuard(AuthConfig config, AuthKeys keys, bool required);
 
   /// Answers a probe, a challenge or a response request; nothing when the request is none of them
-  /// or the model does not authenticate.
+  /// or the model does not authenticate. On a serial line the answers to probe and challenge begin
+  /// with a 4-byte counter.
   std::optional<DeviceReply> Answer(const DeviceRequest& request, AuthSession* session,
                                     FaultBox* faults);
 
@@ -33,14 +32,14 @@ class AuthGuard {
   bool Admit(uint8_t command, AuthSession* session) const;
 
  private:
-  std::vector<uint8_t> StartReply();
-  std::vector<uint8_t> AnswerProbe(uint8_t command, FaultBox* faults);
-  std::vector<uint8_t> AnswerChallenge(uint8_t command, AuthSession* session, FaultBox* faults);
+  std::vector<uint8_t> StartReply(const DeviceRequest& request);
+  std::vector<uint8_t> AnswerProbe(const DeviceRequest& request, FaultBox* faults);
+  std::vector<uint8_t> AnswerChallenge(const DeviceRequest& request, AuthSession* session,
+                                       FaultBox* faults);
   uint8_t CheckResponse(const DeviceRequest& request, AuthSession* session, FaultBox* faults);
 
   AuthConfig config_;
   AuthKeys keys_;
   bool required_;
-  bool reply_prefix_;
   uint32_t reply_count_ = 0;
 };

@@ -69,11 +69,10 @@ bool IsNetMask(uint32_t mask) {
 
 }  // namespace
 
-MaintenanceUnit::MaintenanceUnit(SerialFamily family, std::string serial_number,
-                                 std::string part_number)
-    : family_(family),
-      serial_number_(std::move(serial_number)),
-      part_number_(std::move(part_number)) {}
+void MaintenanceUnit::SetNumbers(std::string serial_number, std::string part_number) {
+  serial_number_ = std::move(serial_number);
+  part_number_ = std::move(part_number);
+}
 
 std::optional<DeviceReply> MaintenanceUnit::Answer(const DeviceRequest& request,
                                                    uint32_t up_time_s) {

@@ -28,7 +28,10 @@ struct MaintenanceState {
 class MaintenanceUnit {
  public:
   /// @param family kNone gives a device that knows none of these commands.
-  MaintenanceUnit(SerialFamily family, std::string serial_number, std::string part_number);
+  explicit MaintenanceUnit(SerialFamily family) : family_(family) {}
+
+  /// What the device answers when it is asked who it is.
+  void SetNumbers(std::string serial_number, std::string part_number);
 
   /// Answers a maintenance command or a mode switch; nothing for any other.
   std::optional<DeviceReply> Answer(const DeviceRequest& request, uint32_t up_time_s);

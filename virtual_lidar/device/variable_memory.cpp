@@ -277,13 +277,13 @@ Bytes VariableMemory::ValueNow(const Cell& cell, uint32_t up_time_s) {
   return value;
 }
 
-std::string VariableMemory::TextOf(const std::string& name) const {
+std::optional<std::string> VariableMemory::TextOf(const std::string& name) const {
   std::string text;
   std::string fault;
   for (const Cell& cell : cells_) {
-    if (cell.var->var_name == name) {
-      DecodeValue(*cell.var, cell.value, &text, &fault);
+    if (cell.var->var_name == name && DecodeValue(*cell.var, cell.value, &text, &fault)) {
+      return text;
     }
   }
-  return text;
+  return std::nullopt;
 }

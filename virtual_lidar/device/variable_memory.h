@@ -54,8 +54,8 @@ class VariableMemory {
   const std::vector<Cell>& cells() const { return cells_; }
   /// What a read of the cell gives now.
   static Bytes ValueNow(const Cell& cell, uint32_t up_time_s);
-  /// Text of a variable named so, as a client would show it; empty when there is none.
-  std::string TextOf(const std::string& name) const;
+  /// Text of the variable named so, as a client would show it; nothing when there is none.
+  std::optional<std::string> TextOf(const std::string& name) const;
   const std::vector<std::string>& faults() const { return faults_; }
 
  private:

@@ -9,25 +9,17 @@ namespace {
 // Network settings of the tables. A device drops the link as soon as it has taken them.
 constexpr uint8_t kNetworkSettings = 0x21;
 
-std::string NumberOr(const VariableMemory& memory, const char* name, const char* otherwise) {
-  const std::string text = memory.TextOf(name);
-  return kavel::lidar::IsValidNumber(text) ? text : otherwise;
-}
-
 }  // namespace
 
 VirtualDevice::VirtualDevice(std::shared_ptr<const ConfigParser> table, DeviceProfile profile,
                              Clock clock)
     : table_(std::move(table)),
       model_(profile.model),
-      on_serial_line_(profile.on_serial_line),
       clock_(std::move(clock)),
       start_(clock_()),
       memory_(*table_),
-      maintenance_(TraitsOf(profile.model).family, NumberOr(memory_, "SN", "KV-2024-000042"),
-                   NumberOr(memory_, "PN", "KV-L32-0001")),
-      guard_(std::move(profile.auth), std::move(profile.auth_keys), profile.auth_required,
-             profile.on_serial_line) {
+      maintenance_(TraitsOf(profile.model).family),
+      guard_(std::move(profile.auth), std::move(profile.auth_keys), profile.auth_required) {
   SeedMaintenance();
 }
 
@@ -92,10 +84,11 @@ bool VirtualDevice::Preset(const std::string& name, const std::string& text, std
   return true;
 }
 
-// A table may show what maintenance commands read. The table then has the first word, and the
-// maintenance commands the later ones.
+// What a table shows and what maintenance commands read is one and the same: each follows the
+// other.
 void VirtualDevice::SeedMaintenance() {
-  maintenance_.Reset();
+  maintenance_.SetNumbers(memory_.TextOf("SN").value_or("KV-2024-000042"),
+                          memory_.TextOf("PN").value_or("KV-L32-0001"));
   for (const uint8_t command : MaintenanceUnit::kSeedCommands) {
     const auto outcome = memory_.Execute(command, {}, 0);
     if (outcome && outcome->return_code == kAccepted) {
@@ -129,6 +122,7 @@ bool VirtualDevice::RunBuiltIn(const DeviceRequest& request, DeviceReply* reply,
     case kavel::lidar::kCmdFactoryReset:
       *what = "reset";
       memory_.Reset();
+      maintenance_.Reset();
       SeedMaintenance();
       changed_ = true;
       return true;
@@ -154,8 +148,9 @@ bool VirtualDevice::RunTableCommand(const DeviceRequest& request, DeviceReply* r
   }
   if (outcome->written) {
     changed_ = true;
+    SeedMaintenance();
     // A serial line does not depend on the network settings.
-    if (request.code == kNetworkSettings && !on_serial_line_) {
+    if (request.code == kNetworkSettings && !request.serial_line) {
       reply->aftermath = Aftermath::kHangUpUnanswered;
     }
   }

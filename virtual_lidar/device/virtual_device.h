@@ -18,7 +18,6 @@ struct DeviceProfile {
   AuthConfig auth;
   AuthKeys auth_keys;
   bool auth_required = true;  ///< what the probe says, where the model authenticates at all
-  bool on_serial_line = false;
 };
 
 /// A lidar in software: takes requests, answers them, and remembers what was written. Knows nothing
@@ -60,7 +59,6 @@ class VirtualDevice {
 
   std::shared_ptr<const ConfigParser> table_;
   std::string model_;
-  bool on_serial_line_;
   Clock clock_;
   std::chrono::steady_clock::time_point start_;
   VariableMemory memory_;

@@ -26,7 +26,6 @@ class PseudoTerminal {
 
  private:
   void Open();
-  void WatchForClients();
   void OnFileEvents();
 
   EventLoop* loop_;

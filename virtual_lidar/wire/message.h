@@ -3,24 +3,26 @@
 #include <cstdint>
 #include <vector>
 
+#include "Wire/return_code.h"
+
+using kavel::lidar::kAccepted;
+using kavel::lidar::kAuthenticationRequired;
+using kavel::lidar::kBadLength;
+using kavel::lidar::kBadValue;
+using kavel::lidar::kNotAllowedNow;
+using kavel::lidar::kUnknownCommand;
+
 /// One command as it arrived, whatever frame carried it.
 struct DeviceRequest {
   uint8_t code = 0;
   std::vector<uint8_t> payload;
+  /// The bytes on the wire, for a line that echoes.
+  std::vector<uint8_t> frame;
+  bool serial_line = false;
   /// It came in a frame with a 16-bit length (serial lines only); the answer travels the same way.
   bool long_frame = false;
   /// The frame announced more bytes than the device takes; the payload is empty.
   bool oversized = false;
-};
-
-/// Return codes of a refusal; 0 is success.
-enum ReturnCode : uint8_t {
-  kAccepted = 0,
-  kUnknownCommand = 1,
-  kBadLength = 2,
-  kBadValue = 3,
-  kNotAllowedNow = 4,
-  kAuthenticationRequired = 5,
 };
 
 /// What happens to the link once a request has been dealt with.

@@ -9,6 +9,8 @@ namespace {
 
 constexpr size_t kLengthOffset = kavel::lidar::kSerialPrefixSize;
 constexpr size_t kCommandOffset = kLengthOffset + 1;
+constexpr size_t kPayloadOffset = kCommandOffset + 2;  // behind command and return code
+constexpr size_t kLongPayloadOffset = kPayloadOffset + 1;
 constexpr size_t kLongTail =
     kavel::lidar::kSerialChecksumSize + kavel::lidar::kSerialTerminatorSize;
 
@@ -25,6 +27,8 @@ std::vector<DeviceRequest> SerialCodec::Collect(const uint8_t* data, size_t size
             ? kavel::lidar::ParseOtaFrame(frame->bytes, &request.code, &request.payload)
             : kavel::lidar::ParseSerialRequest(frame->bytes, &request.code, &request.payload);
     if (sound) {
+      request.serial_line = true;
+      request.frame = frame->bytes;
       requests.push_back(std::move(request));
     }
   }
@@ -36,6 +40,10 @@ std::vector<uint8_t> SerialCodec::Encode(const DeviceReply& reply) const {
     return kavel::lidar::BuildOtaResponse(reply.code, reply.return_code, reply.payload);
   }
   return kavel::lidar::BuildSerialAnswer(reply.code, reply.return_code, reply.payload);
+}
+
+size_t SerialCodec::HeaderSize(const std::vector<uint8_t>& frame) const {
+  return kavel::lidar::IsOtaFrame(frame) ? kLongPayloadOffset : kPayloadOffset;
 }
 
 void SerialCodec::Damage(std::vector<uint8_t>* frame) const { (*frame)[kCommandOffset] ^= 0x5A; }
