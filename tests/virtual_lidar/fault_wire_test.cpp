@@ -21,18 +21,21 @@ Bytes operator+(Bytes left, const Bytes& right) {
 
 struct Expected {
   std::string order;
-  Bytes on_wire;  // what comes back for a write and a liveness request behind it
+  Bytes on_wire;  // what comes back for the request and a liveness request behind it
   bool closes = false;
   bool carried_out = true;
+  Bytes request = kSetSpeed;
 };
 
 const std::map<Fault, Expected>& WireFaults() {
   static const std::map<Fault, Expected> faults = {
       {Fault::kDrop, {"drop", kLiveness}},
       {Fault::kDelay, {"delay=30", kSetReply + kLiveness}},
+      {Fault::kLate, {"late=30", kSetReply + kLiveness}},
       {Fault::kCorrupt, {"corrupt", Bytes{0x47, 0x2E, 0x31, 0, 0, 0, 0, 0} + kLiveness}},
       {Fault::kTruncate, {"truncate", kHalf + kLiveness}},
       {Fault::kSplit, {"split", kSetReply + kLiveness}},
+      {Fault::kDrip, {"drip=1", kReading + kLiveness, false, false, kReadSpeed}},
       {Fault::kGarbage, {"garbage", kStray + kSetReply + kLiveness}},
       {Fault::kBabble, {"babble", kStray + kStray + kStray}},
       {Fault::kWrongCommand, {"wrong-command", Bytes{0x47, 0x74, 0x32, 0, 0, 0, 0, 0} + kLiveness}},
@@ -41,6 +44,8 @@ const std::map<Fault, Expected>& WireFaults() {
       {Fault::kCloseBeforeReply, {"close-before-reply", {}, true}},
       {Fault::kCloseMidReply, {"close-mid-reply", kHalf, true}},
       {Fault::kStale, {"stale", kSetReply + kSetReply + kLiveness}},
+      {Fault::kTwice, {"twice", kSetReply + kSetReply + kLiveness}},
+      {Fault::kEcho, {"echo", kSetSpeed + kSetReply + kLiveness}},
       {Fault::kHugeLength, {"huge-length", Bytes{0x47, 0x74, 0x31, 0, 0x7F, 0, 0, 0} + kLiveness}},
   };
   return faults;
@@ -56,10 +61,10 @@ TEST(FaultOnTheWire, SendsWhatTheCatalogueSaysAndHoldsWhatWasWritten) {
     const Expected& expected = WireFaults().at(mode.fault);
 
     LidarUnderTest::Setup setup;
-    setup.faults = {expected.order + "@0x31"};
+    setup.faults = {expected.order + "@" + std::to_string(expected.request[2])};
     LidarUnderTest lidar(std::move(setup));
     RawClient client(lidar.port());
-    client.Send(kSetSpeed + kLiveness);
+    client.Send(expected.request + kLiveness);
     EXPECT_EQ(client.Receive(expected.on_wire.size()), expected.on_wire);
     if (expected.closes) {
       EXPECT_TRUE(client.Ended());
@@ -67,6 +72,36 @@ TEST(FaultOnTheWire, SendsWhatTheCatalogueSaysAndHoldsWhatWasWritten) {
     EXPECT_TRUE(lidar.LogShows(std::string("[fault: ") + mode.name + "]"));
     EXPECT_EQ(lidar.Held("Speed"),
               expected.carried_out ? (Bytes{0x04, 0xB0}) : (Bytes{0x02, 0x58}));
+  }
+}
+
+TEST(FaultOnTheWire, TakesTheTimeAskedFor) {
+  using std::chrono::milliseconds;
+  const struct {
+    const char* fault;
+    Bytes ask;
+    Bytes answer;
+    milliseconds least;
+    milliseconds most = std::chrono::hours(1);
+  } cases[] = {
+      {"delay=50", kLiveness + kLiveness, kLiveness + kLiveness, milliseconds(100)},
+      {"late=400", kLiveness + kLiveness + kLiveness, kLiveness + kLiveness + kLiveness,
+       milliseconds(400), milliseconds(1200)},
+      {"drip=50", kReadSpeed, kReading, milliseconds(150)},
+      {"twice", kLiveness, kLiveness + kLiveness, milliseconds(20)},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.fault);
+    LidarUnderTest::Setup setup;
+    setup.faults = {c.fault};
+    LidarUnderTest lidar(std::move(setup));
+    RawClient client(lidar.port());
+    const auto start = std::chrono::steady_clock::now();
+    client.Send(c.ask);
+    EXPECT_EQ(client.Receive(c.answer.size()), c.answer);
+    const auto taken = std::chrono::steady_clock::now() - start;
+    EXPECT_GE(taken, c.least);
+    EXPECT_LT(taken, c.most);
   }
 }
 

@@ -16,6 +16,9 @@ using Bytes = std::vector<uint8_t>;
 inline const Bytes kLiveness = {0x47, 0x74, 0x07, 0, 0, 0, 0, 0};
 inline const Bytes kSetSpeed = {0x47, 0x74, 0x31, 0, 0, 0, 0, 3, 0x04, 0xB0, 0x05};
 inline const Bytes kSetReply = {0x47, 0x74, 0x31, 0, 0, 0, 0, 0};
+/// Asks for both, and what the table's defaults answer.
+inline const Bytes kReadSpeed = {0x47, 0x74, 0x30, 0, 0, 0, 0, 0};
+inline const Bytes kReading = {0x47, 0x74, 0x30, 0, 0, 0, 0, 3, 0x02, 0x58, 0xFD};
 
 /// A running virtual lidar with its own thread, reachable on the real wire.
 class LidarUnderTest {

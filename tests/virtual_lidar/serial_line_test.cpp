@@ -16,7 +16,6 @@ LidarUnderTest::Setup OnSerialLine(std::vector<std::string> faults = {}) {
   setup.faults = std::move(faults);
   setup.server.serial = ServerSetup::Serial::kOneLine;
   setup.profile.model = "Kiva-CMX";
-  setup.profile.on_serial_line = true;
   return setup;
 }
 
@@ -29,15 +28,20 @@ std::shared_ptr<SerialClient> OpenLine(const LidarUnderTest& lidar) {
 }
 
 TEST(SerialLine, AnswersAfterEachReopeningOfThePort) {
-  LidarUnderTest lidar(OnSerialLine());
+  auto setup = OnSerialLine();
+  setup.server.tcp_port = 0;
+  LidarUnderTest lidar(std::move(setup));
   for (int round = 0; round < 3; ++round) {
     const auto client = OpenLine(lidar);
     Bytes inner;
     ASSERT_EQ(client->SendCommand(0x30, {}, inner, kPatienceMs), 0) << "round " << round;
     EXPECT_EQ(inner, (Bytes{4, 0x30, 0, 0x02, 0x58, 0xFD}));
-    // Network settings do not cut a serial line.
+    // Network settings do not cut a serial line, but they do cut a network.
     EXPECT_EQ(client->SendCommand(0x21, {10, 0, 0, 2}, inner, kPatienceMs), 0);
     EXPECT_EQ(client->SwitchMode(0, 0), 0);
+    const RawClient on_network(lidar.port());
+    on_network.Send({0x47, 0x74, 0x21, 0, 0, 0, 0, 4, 10, 0, 0, 3});
+    EXPECT_TRUE(on_network.Ended());
   }
 }
 
@@ -47,6 +51,8 @@ TEST(SerialLine, FaultsStrikeHereToo) {
       {"huge-length#1", kavel::lidar::kSerialBadAnswer},
       {"truncate#1", kavel::lidar::kSerialBadAnswer},
       {"drop#1", kavel::lidar::kSerialNoAnswer},
+      {"echo#1", 0},
+      {"drip=1#1", 0},
   };
   for (const auto& [fault, expected] : cases) {
     SCOPED_TRACE(fault);

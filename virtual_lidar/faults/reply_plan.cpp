@@ -6,9 +6,12 @@
 namespace {
 
 using Bytes = std::vector<uint8_t>;
+using std::chrono::milliseconds;
 
-constexpr std::chrono::milliseconds kByteGap{2};
-constexpr std::chrono::milliseconds kBabbleGap{5};
+constexpr milliseconds kByteGap{2};
+constexpr milliseconds kBabbleGap{5};
+// Long enough for a client to have taken the first copy and asked for something else.
+constexpr milliseconds kSecondCopyGap{20};
 
 // Holds no frame identifier of any version and no '$'.
 Bytes StrayBytes() {
@@ -46,9 +49,29 @@ Bytes BendFrame(const WireCodec& codec, const DeviceReply& reply, FaultBox* faul
   return frame;
 }
 
-}  // namespace
+// The pieces in which a frame leaves.
+void CutIntoSteps(const WireCodec& codec, uint8_t command, const Bytes& frame, FaultBox* faults,
+                  std::vector<SendStep>* steps) {
+  size_t whole = frame.size();
+  milliseconds gap = kByteGap;
+  if (faults->Strike(Fault::kSplit, command)) {
+    whole = 0;
+  } else if (const size_t header = codec.HeaderSize(frame); header < frame.size()) {
+    if (const auto drip_ms = faults->Strike(Fault::kDrip, command)) {
+      whole = header;
+      gap = milliseconds(*drip_ms);
+    }
+  }
+  const auto rest = frame.begin() + static_cast<std::ptrdiff_t>(whole);
+  if (whole > 0) {
+    steps->push_back({milliseconds(0), Bytes(frame.begin(), rest)});
+  }
+  for (auto byte = rest; byte != frame.end(); ++byte) {
+    steps->push_back({gap, {*byte}});
+  }
+}
 
-ReplyPlan PlanReply(const WireCodec& codec, DeviceReply reply, FaultBox* faults) {
+ReplyPlan PlanAnswer(const WireCodec& codec, DeviceReply reply, FaultBox* faults) {
   ReplyPlan plan;
   const uint8_t command = reply.code;
   if (reply.aftermath == Aftermath::kRestart) {
@@ -72,14 +95,23 @@ ReplyPlan PlanReply(const WireCodec& codec, DeviceReply reply, FaultBox* faults)
     ++reply.code;
   }
   const Bytes frame = BendFrame(codec, reply, faults, &plan.ending);
-  const std::chrono::milliseconds delay(faults->Strike(Fault::kDelay, command).value_or(0));
-  if (faults->Strike(Fault::kSplit, command)) {
-    for (const uint8_t byte : frame) {
-      plan.steps.push_back({kByteGap, {byte}});
-    }
-    plan.steps.front().wait += delay;
-  } else {
-    plan.steps.push_back({delay, frame});
+  CutIntoSteps(codec, command, frame, faults, &plan.steps);
+  plan.steps.front().wait += milliseconds(faults->Strike(Fault::kDelay, command).value_or(0));
+  plan.steps.front().not_before = milliseconds(faults->Strike(Fault::kLate, command).value_or(0));
+  if (faults->Strike(Fault::kTwice, command)) {
+    plan.steps.push_back({kSecondCopyGap, frame});
+  }
+  return plan;
+}
+
+}  // namespace
+
+ReplyPlan PlanReply(const WireCodec& codec, const DeviceRequest& request, DeviceReply reply,
+                    FaultBox* faults) {
+  ReplyPlan plan = PlanAnswer(codec, std::move(reply), faults);
+  plan.answers = !plan.steps.empty();
+  if (faults->Strike(Fault::kEcho, request.code)) {
+    plan.steps.insert(plan.steps.begin(), {milliseconds(0), request.frame});
   }
   return plan;
 }

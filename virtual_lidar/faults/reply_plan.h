@@ -8,10 +8,11 @@
 #include "wire/message.h"
 #include "wire/wire_codec.h"
 
-/// Bytes that leave in one piece, after a wait behind the piece before.
+/// Bytes that leave in one piece.
 struct SendStep {
-  std::chrono::milliseconds wait{0};
+  std::chrono::milliseconds wait{0};  ///< behind the piece before
   std::vector<uint8_t> bytes;
+  std::chrono::milliseconds not_before{0};  ///< since the request came
 };
 
 /// How one answer leaves: the pieces, and what happens behind the last of them.
@@ -19,11 +20,14 @@ struct ReplyPlan {
   enum class Ending { kStayOpen, kHangUp, kRestart };
 
   std::vector<SendStep> steps;
-  /// Start again with the first step, without end.
+  /// Some of the steps belong to an answer, be it a broken one.
+  bool answers = false;
+  /// The last step again and again, without end.
   bool repeat = false;
   Ending ending = Ending::kStayOpen;
 };
 
-/// Frames an answer and bends it as the faults in force ask. Faults that act on the same thing do
-/// not add up: one that keeps the answer back outranks one that changes it.
-ReplyPlan PlanReply(const WireCodec& codec, DeviceReply reply, FaultBox* faults);
+/// Frames the answer to a request and bends it as the faults in force ask. Faults that act on the
+/// same thing do not add up: one that keeps the answer back outranks one that changes it.
+ReplyPlan PlanReply(const WireCodec& codec, const DeviceRequest& request, DeviceReply reply,
+                    FaultBox* faults);

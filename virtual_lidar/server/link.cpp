@@ -4,6 +4,7 @@
 #include <sys/socket.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <utility>
@@ -50,7 +51,7 @@ void Link::Reset(std::unique_ptr<WireCodec> codec) {
   timer_ = 0;
   codec_ = std::move(codec);
   auth_ = AuthSession();
-  plans_.clear();
+  answers_.clear();
   next_step_ = sent_of_step_ = waiting_bytes_ = 0;
   waited_ = out_blocked_ = dead_ = false;
   UpdateWatches();
@@ -95,37 +96,35 @@ void Link::ReadRequests() {
     HangUp();
     return;
   }
-  const auto requests =
-      codec_->Feed(buffer.data(), static_cast<size_t>(got), EventLoop::Clock::now());
-  for (const DeviceRequest& request : requests) {
-    Enqueue(host_->OnRequest(*this, request));
+  const auto now = EventLoop::Clock::now();
+  for (const DeviceRequest& request : codec_->Feed(buffer.data(), static_cast<size_t>(got), now)) {
+    Enqueue({host_->OnRequest(*this, request), now});
     if (dead_) {
       return;
     }
   }
 }
 
-void Link::Enqueue(ReplyPlan plan) {
-  waiting_bytes_ += BytesOf(plan);
-  plans_.push_back(std::move(plan));
-  if (plans_.size() == 1) {
+void Link::Enqueue(Answer answer) {
+  waiting_bytes_ += BytesOf(answer.plan);
+  answers_.push_back(std::move(answer));
+  if (answers_.size() == 1) {
     SendWaiting();
   }
 }
 
 void Link::SendWaiting() {
-  while (!plans_.empty() && !dead_ && !out_blocked_ && timer_ == 0) {
-    ReplyPlan& plan = plans_.front();
+  while (!answers_.empty() && !dead_ && !out_blocked_ && timer_ == 0) {
+    const auto& [plan, arrived] = answers_.front();
     if (next_step_ == plan.steps.size()) {
       FinishPlan();
       continue;
     }
-    SendStep& step = plan.steps[next_step_];
-    if (!waited_ && step.wait.count() > 0) {
-      WaitFor(step.wait);
+    const SendStep& step = plan.steps[next_step_];
+    if (!waited_ && !WaitFor(step, arrived)) {
       return;
     }
-    if (!WriteStep(&step)) {
+    if (!WriteStep(step)) {
       return;
     }
     waiting_bytes_ -= step.bytes.size();
@@ -133,16 +132,16 @@ void Link::SendWaiting() {
     sent_of_step_ = 0;
     waited_ = false;
     if (plan.repeat && next_step_ == plan.steps.size()) {
-      next_step_ = 0;
-      waiting_bytes_ += BytesOf(plan);
+      --next_step_;
+      waiting_bytes_ += step.bytes.size();
     }
   }
 }
 
-bool Link::WriteStep(SendStep* step) {
-  while (sent_of_step_ < step->bytes.size()) {
+bool Link::WriteStep(const SendStep& step) {
+  while (sent_of_step_ < step.bytes.size()) {
     const ssize_t sent =
-        WriteSome(out_fd_, step->bytes.data() + sent_of_step_, step->bytes.size() - sent_of_step_);
+        WriteSome(out_fd_, step.bytes.data() + sent_of_step_, step.bytes.size() - sent_of_step_);
     if (sent > 0) {
       sent_of_step_ += static_cast<size_t>(sent);
     } else if (sent < 0 && errno == EINTR) {
@@ -160,8 +159,8 @@ bool Link::WriteStep(SendStep* step) {
 }
 
 void Link::FinishPlan() {
-  const ReplyPlan::Ending ending = plans_.front().ending;
-  plans_.pop_front();
+  const ReplyPlan::Ending ending = answers_.front().plan.ending;
+  answers_.pop_front();
   next_step_ = 0;
   if (ending == ReplyPlan::Ending::kHangUp) {
     HangUp();
@@ -171,13 +170,19 @@ void Link::FinishPlan() {
   }
 }
 
-void Link::WaitFor(std::chrono::milliseconds wait) {
-  timer_ = loop_->After(wait, [this] {
+bool Link::WaitFor(const SendStep& step, EventLoop::Clock::time_point arrived) {
+  const auto now = EventLoop::Clock::now();
+  const auto due = std::max(now + step.wait, arrived + step.not_before);
+  if (due <= now) {
+    return true;
+  }
+  timer_ = loop_->After(due - now, [this] {
     timer_ = 0;
     waited_ = true;
     SendWaiting();
     UpdateWatches();
   });
+  return false;
 }
 
 void Link::HangUp() {
@@ -190,10 +195,10 @@ void Link::HangUp() {
   loop_->Unwatch(in_fd_);
   loop_->Unwatch(out_fd_);
   bool restart = false;
-  for (const ReplyPlan& plan : plans_) {
-    restart = restart || plan.ending == ReplyPlan::Ending::kRestart;
+  for (const Answer& answer : answers_) {
+    restart = restart || answer.plan.ending == ReplyPlan::Ending::kRestart;
   }
-  plans_.clear();
+  answers_.clear();
   if (restart) {
     host_->OnRestartDue();
   }

@@ -47,14 +47,21 @@ class Link {
   void Reset(std::unique_ptr<WireCodec> codec);
 
  private:
+  struct Answer {
+    ReplyPlan plan;
+    EventLoop::Clock::time_point arrived;  ///< when its request had come
+  };
+
   void UpdateWatches();
   void OnEvents(int fd, short events);
   void ReadRequests();
-  void Enqueue(ReplyPlan plan);
+  void Enqueue(Answer answer);
   void SendWaiting();
-  bool WriteStep(SendStep* step);
+  /// False when the far end takes no more for now, or has gone.
+  bool WriteStep(const SendStep& step);
   void FinishPlan();
-  void WaitFor(std::chrono::milliseconds wait);
+  /// True when the step may leave now; otherwise its time has been set.
+  bool WaitFor(const SendStep& step, EventLoop::Clock::time_point arrived);
   void HangUp();
 
   EventLoop* loop_;
@@ -65,8 +72,8 @@ class Link {
   std::string name_;
   AuthSession auth_;
 
-  std::deque<ReplyPlan> plans_;
-  size_t next_step_ = 0;      ///< in plans_.front()
+  std::deque<Answer> answers_;
+  size_t next_step_ = 0;      ///< of answers_.front()
   size_t sent_of_step_ = 0;   ///< bytes of that step that have left
   bool waited_ = false;       ///< that step's wait is over
   bool out_blocked_ = false;  ///< the far end takes no more for now

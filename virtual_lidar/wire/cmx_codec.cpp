@@ -55,6 +55,7 @@ size_t CmxCodec::Take(const uint8_t* data, size_t size,
     return 0;
   }
   request.payload.assign(data + header, data + header + length);
+  request.frame.assign(data, data + header + length);
   requests->push_back(std::move(request));
   return header + length;
 }

@@ -15,6 +15,7 @@ class CmxCodec : public WireCodec {
   explicit CmxCodec(int version) : version_2_(version == 2) {}
 
   std::vector<uint8_t> Encode(const DeviceReply& reply) const override;
+  size_t HeaderSize(const std::vector<uint8_t>&) const override { return HeaderSize(); }
   void Damage(std::vector<uint8_t>* frame) const override;
   void OverstateLength(std::vector<uint8_t>* frame) const override;
 
