@@ -2,7 +2,7 @@
 
 #include <algorithm>
 #include <chrono>
-#include <cstring>
+#include <utility>
 
 #include "Log/logger.h"
 
@@ -60,7 +60,8 @@ int FinishConnecting(SocketHandle socket, int64_t timeout_us,
   return kSocketInProgress;
 }
 
-bool BindLocalPort(SocketHandle socket, uint16_t host_port) {
+// 0, or why the port cannot be bound.
+int BindLocalPort(SocketHandle socket, uint16_t host_port) {
   if (!SetSocketOption(socket, SOL_SOCKET, SO_REUSEADDR, 1)) {
     KAVEL_LOG(kError, "setsockopt SO_REUSEADDR failed, WSAGetLastError:%d", LastSocketError());
   }
@@ -71,7 +72,8 @@ bool BindLocalPort(SocketHandle socket, uint16_t host_port) {
   local.sin_family = AF_INET;
   local.sin_addr.s_addr = htonl(INADDR_ANY);
   local.sin_port = htons(host_port);
-  return bind(socket, reinterpret_cast<const sockaddr*>(&local), sizeof local) == 0;
+  const auto* generic = reinterpret_cast<const sockaddr*>(&local);
+  return bind(socket, generic, sizeof local) == 0 ? 0 : LastSocketError();
 }
 
 std::string BindFailureText(uint16_t host_port, int error) {
@@ -83,155 +85,91 @@ std::string BindFailureText(uint16_t host_port, int error) {
          ". Choose another host port or \"ANY\".";
 }
 
+// A port may be bound by several, but only one of them can be connected to one lidar.
+int LocalPortFault(const StreamRequest& request, const ConnectResult& result) {
+  const bool is_taken = request.host_port != 0 && result.stage == ConnectStage::kStart &&
+                        result.error == kSocketAddressTaken;
+  return is_taken ? kSocketAddressInUse : result.bind_error;
+}
+
+void LogTry(const StreamRequest& request, const ConnectResult& result) {
+  const unsigned port = request.port;
+  const unsigned host_port = request.host_port;
+  if (result.bind_error != 0 && result.stage != ConnectStage::kBind) {
+    KAVEL_LOG(kError, "Failed to bind local port, system will auto assign one");
+  }
+  switch (result.stage) {
+    case ConnectStage::kSockets:
+      KAVEL_LOG(kError, "Initilize winsock error !");
+      break;
+    case ConnectStage::kBind:
+      KAVEL_LOG(kError, "Failed to bind local port %u, WSAGetLastError:%d", host_port,
+                result.error);
+      break;
+    case ConnectStage::kAddress:
+      KAVEL_LOG(kError, "TryOpen inet_pton error:%s", request.ip.c_str());
+      break;
+    case ConnectStage::kStart:
+      KAVEL_LOG(kError, "socket Connection error.");
+      break;
+    case ConnectStage::kDone:
+      KAVEL_LOG(kInfo, "TryOpen succeed, IP %s port %u", request.ip.c_str(), port);
+      break;
+    default:
+      break;
+  }
+}
+
 }  // namespace
 
 bool IsPending(int error) { return error == kSocketInProgress || error == kSocketWouldBlock; }
 
-SocketHandle CreateStream() {
-  const SocketHandle socket = CreateSocket(SOCK_STREAM, IPPROTO_TCP);
-  if (socket != kInvalidSocket) {
-    // Without it a frame waits up to 40 ms for the acknowledgement of the one before.
-    SetSocketOption(socket, IPPROTO_TCP, TCP_NODELAY, 1);
-  }
-  return socket;
-}
-
-int ConnectWithin(SocketHandle socket, const sockaddr_in& address, int64_t timeout_us,
-                  const std::atomic<bool>* interrupted) {
-  int error = StartConnecting(socket, address);
-  if (error == 0 || IsPending(error)) {
-    error = FinishConnecting(socket, timeout_us, interrupted);
-  }
-  SetNonBlocking(socket, false);
-  return error;
-}
-
-SocketHandle TryConnect(uint16_t host_port, const std::string& ip, uint16_t port,
-                        uint32_t timeout_s, BindFailure on_bind_failure,
-                        const std::atomic<bool>* interrupted, std::string* failure) {
-  if (!StartSockets()) {
-    KAVEL_LOG(kError, "Initilize winsock error !");
-    return kInvalidSocket;
-  }
-  const SocketHandle socket = CreateStream();
-  const auto give_up = [socket] {
-    CloseSocket(socket);
-    StopSockets();
-    return kInvalidSocket;
+ConnectResult Connect(const StreamRequest& request, const std::atomic<bool>* interrupted) {
+  ConnectResult result;
+  const auto end_at = [&result](ConnectStage stage, int error) {
+    result.stage = stage;
+    result.error = error;
+    return std::move(result);
   };
-  if (socket == kInvalidSocket) {
-    return give_up();
-  }
-  if (host_port != 0 && !BindLocalPort(socket, host_port)) {
+  UniqueSocket socket(SOCK_STREAM, IPPROTO_TCP);
+  if (!socket) {
     const int error = LastSocketError();
-    if (failure != nullptr) {
-      *failure = BindFailureText(host_port, error);
+    return end_at(socket.started() ? ConnectStage::kCreate : ConnectStage::kSockets, error);
+  }
+  // Without it a frame waits up to 40 ms for the acknowledgement of the one before.
+  SetSocketOption(socket.handle(), IPPROTO_TCP, TCP_NODELAY, 1);
+  if (request.host_port != 0) {
+    result.bind_error = BindLocalPort(socket.handle(), request.host_port);
+    if (result.bind_error != 0 && request.needs_host_port) {
+      return end_at(ConnectStage::kBind, result.bind_error);
     }
-    if (on_bind_failure == BindFailure::kEndsAttempt) {
-      KAVEL_LOG(kError, "Failed to bind local port %u, WSAGetLastError:%d", unsigned{host_port},
-                error);
-      return give_up();
-    }
-    KAVEL_LOG(kError, "Failed to bind local port, system will auto assign one");
   }
   sockaddr_in address{};
-  if (!MakeAddress(ip, port, &address)) {
-    const SocketHandle none = give_up();
-    KAVEL_LOG(kError, "TryOpen inet_pton error:%s", ip.c_str());
-    return none;
+  if (!MakeAddress(request.ip, request.port, &address)) {
+    return end_at(ConnectStage::kAddress, 0);
   }
-  const int start_error = StartConnecting(socket, address);
+  const int start_error = StartConnecting(socket.handle(), address);
   if (start_error != 0 && !IsPending(start_error)) {
-    KAVEL_LOG(kError, "socket Connection error.");
-    // A port may be bound by several, but only one of them can be connected to one lidar.
-    if (host_port != 0 && start_error == kSocketAddressTaken && failure != nullptr) {
-      *failure = BindFailureText(host_port, kSocketAddressInUse);
-    }
-    return give_up();
+    return end_at(ConnectStage::kStart, start_error);
   }
-  if (FinishConnecting(socket, int64_t{timeout_s} * 1000000, interrupted) != 0) {
-    return give_up();
+  const int error = FinishConnecting(socket.handle(), request.timeout_us, interrupted);
+  if (error != 0) {
+    return end_at(ConnectStage::kConnect, error);
   }
-  KAVEL_LOG(kInfo, "TryOpen succeed, IP %s port %u", ip.c_str(), unsigned{port});
-  SetNonBlocking(socket, false);
-  return socket;
+  SetNonBlocking(socket.handle(), false);
+  result.socket = std::move(socket);
+  return result;
 }
 
-StreamSocket::~StreamSocket() { Close(); }
-
-bool StreamSocket::Adopt(SocketHandle socket) {
-  Close();
-  const std::lock_guard<std::mutex> lock(mutex_);
-  handle_ = socket;
-  ApplyTimeouts();
-  GrowReceiveBuffer();
-  if (!interrupted_) {
-    return true;
+UniqueSocket TryConnect(const StreamRequest& request, const std::atomic<bool>* interrupted,
+                        std::string* failure) {
+  ConnectResult result = Connect(request, interrupted);
+  LogTry(request, result);
+  if (failure != nullptr) {
+    const int fault = LocalPortFault(request, result);
+    *failure = fault != 0 ? BindFailureText(request.host_port, fault) : "";
   }
-  CloseSocket(handle_);
-  StopSockets();
-  handle_ = kInvalidSocket;
-  return false;
+  return std::move(result.socket);
 }
-
-void StreamSocket::ApplyTimeouts() {
-  SetReceiveTimeoutMs(handle_, recv_timeout_ms_);
-  SetSendTimeoutMs(handle_, send_timeout_ms_);
-}
-
-void StreamSocket::Close() {
-  const std::lock_guard<std::mutex> lock(mutex_);
-  if (IsConnected()) {
-    CloseSocket(handle_);
-    StopSockets();
-    handle_ = kInvalidSocket;
-  }
-}
-
-void StreamSocket::Interrupt() {
-  const std::lock_guard<std::mutex> lock(mutex_);
-  interrupted_ = true;
-  if (IsConnected()) {
-    ShutdownSocket(handle_);
-  }
-}
-
-int32_t StreamSocket::SetTimeout(uint32_t recv_ms, uint32_t send_ms) {
-  if (!IsConnected()) {
-    KAVEL_LOG(kWarning, "TcpClient not open");
-    return -1;
-  }
-  recv_timeout_ms_ = recv_ms;
-  send_timeout_ms_ = send_ms;
-  const int result = SetReceiveTimeoutMs(handle_, recv_ms);
-  return result != 0 ? result : SetSendTimeoutMs(handle_, send_ms);
-}
-
-bool StreamSocket::SetReceiveTimeout(uint32_t ms) {
-  if (!IsConnected()) {
-    KAVEL_LOG(kWarning, "TcpClient not open");
-    return false;
-  }
-  return SetReceiveTimeoutMs(handle_, ms) == 0;
-}
-
-void StreamSocket::SetReceiveBufferSize(uint32_t bytes) {
-  if (!IsConnected()) {
-    KAVEL_LOG(kWarning, "TcpClient not open");
-    return;
-  }
-  receive_buffer_size_ = bytes;
-  GrowReceiveBuffer();
-}
-
-void StreamSocket::GrowReceiveBuffer() {
-  int current = 0;
-  const auto wanted = static_cast<int>(std::min<uint32_t>(receive_buffer_size_, INT32_MAX));
-  if (GetSocketOption(handle_, SOL_SOCKET, SO_RCVBUF, &current) && current < wanted) {
-    SetSocketOption(handle_, SOL_SOCKET, SO_RCVBUF, wanted);
-  }
-}
-
-bool StreamSocket::IsConnected() const { return handle_ != kInvalidSocket; }
 
 }  // namespace kavel::lidar

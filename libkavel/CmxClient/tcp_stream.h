@@ -2,79 +2,50 @@
 
 #include <atomic>
 #include <cstdint>
-#include <mutex>
 #include <string>
 
 #include "Platform/socket.h"
 
-/// What the plain and the encrypted transport have in common: making a TCP connection, and owning
-/// it in a way that another thread can interrupt.
+/// Making a TCP connection.
 namespace kavel::lidar {
 
-/// Whether an attempt goes on from any local port when the wanted one cannot be bound.
-enum class BindFailure { kEndsAttempt, kTakesAnyPort };
+struct StreamRequest {
+  std::string ip;  ///< dotted IPv4
+  uint16_t port = 0;
+  uint16_t host_port = 0;       ///< the local port to connect from, 0 for any
+  bool needs_host_port = true;  ///< whether the attempt ends when that port cannot be bound
+  int64_t timeout_us = 0;       ///< for connecting
+};
 
-/// A socket for a TCP stream that sends small frames at once; `kInvalidSocket` when there is none.
-/// To be called after `StartSockets`.
-SocketHandle CreateStream();
+/// How far an attempt got.
+enum class ConnectStage {
+  kSockets,  ///< the system's sockets did not start
+  kCreate,   ///< no socket
+  kBind,     ///< the local port cannot be bound
+  kAddress,  ///< `ip` is no address
+  kStart,    ///< the system refused to try
+  kConnect,  ///< nobody accepted
+  kDone,
+};
+
+struct ConnectResult {
+  UniqueSocket socket;  ///< connected, blocking, sends small frames at once; none before `kDone`
+  ConnectStage stage = ConnectStage::kDone;
+  int error = 0;       ///< why it ended there; `kSocketInProgress`: the time was up
+  int bind_error = 0;  ///< why the local port was not bound, 0 when it was or when any will do
+};
+
+/// One attempt, ended soon once `*interrupted` (may be null) is set. A connection from a local port
+/// that was asked for ends with a reset, which leaves that port free. Logs nothing but options of
+/// that port which could not be set.
+ConnectResult Connect(const StreamRequest& request, const std::atomic<bool>* interrupted);
+
+/// The same with the log lines that both transports write. `*failure` (may be null) is a sentence
+/// for the user when the local port was the cause, else "".
+UniqueSocket TryConnect(const StreamRequest& request, const std::atomic<bool>* interrupted,
+                        std::string* failure);
 
 /// True for the errors of an attempt to connect that is still under way.
 bool IsPending(int error);
-
-/// Connects a blocking socket, as the system's own blocking call does, but gives up after
-/// `timeout_us` or, soon, once `*interrupted` (may be null) is set. Returns 0, or why not:
-/// `kSocketInProgress` when the time was up. The socket is blocking afterwards.
-int ConnectWithin(SocketHandle socket, const sockaddr_in& address, int64_t timeout_us,
-                  const std::atomic<bool>* interrupted);
-
-/// One whole attempt: a new stream, bound to the local port `host_port` unless that is 0, connected
-/// to `ip` and `port` within `timeout_s` seconds. Returns the connected socket, which the caller
-/// closes (with `StopSockets` after it), or `kInvalidSocket` after logging why. `*failure` (may be
-/// null) is then a sentence for the user when the local port was the cause.
-SocketHandle TryConnect(uint16_t host_port, const std::string& ip, uint16_t port,
-                        uint32_t timeout_s, BindFailure on_bind_failure,
-                        const std::atomic<bool>* interrupted, std::string* failure);
-
-/// Owns a transport's socket. One thread uses it; any thread may interrupt it.
-class StreamSocket {
- public:
-  StreamSocket() = default;
-  ~StreamSocket();
-  StreamSocket(const StreamSocket&) = delete;
-  StreamSocket& operator=(const StreamSocket&) = delete;
-
-  /// Takes over a connected socket and gives it the stored time-outs and receive buffer size.
-  /// False, with the socket closed, after an interruption.
-  bool Adopt(SocketHandle socket);
-
-  void Close();
-
-  /// Ends the connection for good, see `ClientBase::Interrupt`.
-  void Interrupt();
-
-  /// Gives the connection the stored time-outs again, after somebody set others for a moment.
-  void ApplyTimeouts();
-
-  SocketHandle handle() const { return handle_; }
-  const std::atomic<bool>& interrupted() const { return interrupted_; }
-
-  /// See `ClientBase`; without a connection they log that and fail.
-  int32_t SetTimeout(uint32_t recv_ms, uint32_t send_ms);
-  bool SetReceiveTimeout(uint32_t ms);
-  void SetReceiveBufferSize(uint32_t bytes);
-
- private:
-  bool IsConnected() const;
-  void GrowReceiveBuffer();
-
-  /// Held while the handle changes and while an interruption uses it, so that an interruption never
-  /// hits a handle that the system has given to somebody else.
-  std::mutex mutex_;
-  SocketHandle handle_ = kInvalidSocket;
-  std::atomic<bool> interrupted_{false};
-  uint32_t receive_buffer_size_ = 4096;
-  uint32_t recv_timeout_ms_ = 500;
-  uint32_t send_timeout_ms_ = 500;
-};
 
 }  // namespace kavel::lidar

@@ -3,6 +3,7 @@
 #include <openssl/err.h>
 #include <openssl/ssl.h>
 
+#include <algorithm>
 #include <cerrno>
 
 #include "Log/logger.h"
@@ -14,6 +15,12 @@ bool Fail(const char* what) {
   KAVEL_LOG(kError, "%s", what);
   ERR_clear_error();
   return false;
+}
+
+std::chrono::steady_clock::time_point DeadlineAfter(uint32_t limit_ms) {
+  constexpr std::chrono::hours kForEver{10'000};
+  const auto now = std::chrono::steady_clock::now();
+  return limit_ms == 0 ? now + kForEver : now + std::chrono::milliseconds(limit_ms);
 }
 
 }  // namespace
@@ -34,6 +41,8 @@ bool TlsSession::InitContext(const std::string& cert, const std::string& private
   if (!context_) {
     return Fail("create SSL_CTX failed");
   }
+  // What is no answer must not keep a read busy beyond its limit.
+  SSL_CTX_clear_mode(context_.get(), SSL_MODE_AUTO_RETRY);
   if (!ca.empty()) {
     KAVEL_LOG(kInfo, "ca path: %s", ca.c_str());
     if (SSL_CTX_load_verify_locations(context_.get(), ca.c_str(), nullptr) != 1) {
@@ -57,14 +66,38 @@ bool TlsSession::InitContext(const std::string& cert, const std::string& private
   return true;
 }
 
-bool TlsSession::Connect(SocketHandle socket) {
+// Repeats an operation until it is done, has failed or the time is up. Its result, below 1 when it
+// was not done.
+template <typename Step>
+int TlsSession::Run(Clock::time_point deadline, Step step) {
   const BrokenPipeGuard guard;
+  while (true) {
+    ERR_clear_error();
+    errno = 0;
+    const int result = step(session_.get());
+    const int wish = SSL_get_error(session_.get(), result);
+    const auto left =
+        std::chrono::duration_cast<std::chrono::microseconds>(deadline - Clock::now()).count();
+    if (result > 0 || left <= 0 || (wish != SSL_ERROR_WANT_READ && wish != SSL_ERROR_WANT_WRITE)) {
+      return result;
+    }
+    const int ready =
+        wish == SSL_ERROR_WANT_READ ? WaitReadable(socket_, left) : WaitWritable(socket_, left);
+    if (ready < 1) {
+      return result;
+    }
+  }
+}
+
+bool TlsSession::Connect(SocketHandle socket, uint32_t limit_ms) {
   session_.reset(context_ ? SSL_new(context_.get()) : nullptr);
   if (!session_) {
     return Fail("create ssl failed");
   }
+  socket_ = socket;
+  SetNonBlocking(socket, true);
   SSL_set_fd(session_.get(), static_cast<int>(socket));
-  if (SSL_connect(session_.get()) != 1) {
+  if (Run(DeadlineAfter(limit_ms), SSL_connect) != 1) {
     return Fail("connect ssl failed");
   }
   if (SSL_get_verify_result(session_.get()) != X509_V_OK) {
@@ -73,41 +106,31 @@ bool TlsSession::Connect(SocketHandle socket) {
   return true;
 }
 
-int32_t TlsSession::Write(const uint8_t* data, uint16_t length) {
+int32_t TlsSession::Write(const uint8_t* data, uint16_t length, uint32_t limit_ms) {
   if (!session_) {
     return -1;
   }
-  const BrokenPipeGuard guard;
-  ERR_clear_error();
-  const int written = SSL_write(session_.get(), data, length);
+  const int written = Run(DeadlineAfter(limit_ms),
+                          [&](ssl_st* session) { return SSL_write(session, data, length); });
   return written > 0 ? written : -1;
 }
 
-int32_t TlsSession::ReadExactly(uint8_t* buffer, uint32_t length) {
+int32_t TlsSession::ReadExactly(uint8_t* buffer, uint32_t length, uint32_t limit_ms) {
   if (!session_) {
     return -1;
   }
-  const BrokenPipeGuard guard;
+  const auto deadline = DeadlineAfter(limit_ms);
   uint32_t total = 0;
   while (total < length) {
-    ERR_clear_error();
-    errno = 0;
-    const int read = SSL_read(session_.get(), buffer + total, static_cast<int>(length - total));
-    if (read == 0) {
-      break;
-    }
-    if (read < 0 && errno == EINTR) {
-      continue;
-    }
-    if (read < 0) {
+    const int read = Run(deadline, [&](ssl_st* session) {
+      const uint32_t missing = std::min<uint32_t>(length - total, INT32_MAX);
+      return SSL_read(session, buffer + total, static_cast<int>(missing));
+    });
+    if (read < 1) {
       Fail("ssl receive failed");
       return -1;
     }
     total += static_cast<uint32_t>(read);
-  }
-  if (total < length) {
-    Fail("ssl receive failed");
-    return -1;
   }
   return static_cast<int32_t>(total);
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <cstdint>
 #include <memory>
 #include <string>
@@ -11,8 +12,9 @@ struct ssl_st;
 
 namespace kavel::lidar {
 
-/// The TLS steps over a connected socket, which stays the caller's. One thread at a time. Every
-/// step logs what failed. Writing to a broken connection raises no signal.
+/// The TLS steps over a connected socket, which stays the caller's and is made non-blocking. One
+/// thread at a time. Every step logs what failed and has one limit, 0 for none, however many
+/// records it takes. Writing to a broken connection raises no signal.
 class TlsSession {
  public:
   TlsSession();
@@ -27,13 +29,13 @@ class TlsSession {
 
   /// Handshake. True once the peer's certificate has been verified; without a `ca` that holds its
   /// issuer that fails. Needs a context.
-  bool Connect(SocketHandle socket);
+  bool Connect(SocketHandle socket, uint32_t limit_ms);
 
   /// Count written, -1 for none.
-  int32_t Write(const uint8_t* data, uint16_t length);
+  int32_t Write(const uint8_t* data, uint16_t length, uint32_t limit_ms);
 
   /// Waits for exactly `length` bytes: `length`, or -1 when fewer came (time-out, end, error).
-  int32_t ReadExactly(uint8_t* buffer, uint32_t length);
+  int32_t ReadExactly(uint8_t* buffer, uint32_t length, uint32_t limit_ms);
 
   /// Tells the peer, if there is a session, and frees session and context. To be called before the
   /// socket is closed.
@@ -45,6 +47,12 @@ class TlsSession {
     void operator()(ssl_st* session) const;
   };
 
+  using Clock = std::chrono::steady_clock;
+
+  template <typename Step>
+  int Run(Clock::time_point deadline, Step step);
+
+  SocketHandle socket_ = kInvalidSocket;
   std::unique_ptr<ssl_ctx_st, Free> context_;
   std::unique_ptr<ssl_st, Free> session_;
 };

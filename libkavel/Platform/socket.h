@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <string>
+#include <utility>
 
 #ifdef _WIN32
 #include <winsock2.h>
@@ -61,6 +62,8 @@ bool SetNonBlocking(SocketHandle socket, bool non_blocking);
 /// 0 waits for ever. Returns what the system's call returned: 0, or -1 on failure.
 int SetReceiveTimeoutMs(SocketHandle socket, uint32_t ms);
 int SetSendTimeoutMs(SocketHandle socket, uint32_t ms);
+uint32_t ReceiveTimeoutMs(SocketHandle socket);
+uint32_t SendTimeoutMs(SocketHandle socket);
 
 /// Options whose value is an int.
 bool SetSocketOption(SocketHandle socket, int level, int name, int value);
@@ -89,6 +92,61 @@ int WaitWritable(SocketHandle socket, int64_t timeout_us);
 
 /// An IPv4 address in dotted text and a port in host order; false when the text is no address.
 bool MakeAddress(const std::string& ip, uint16_t port, sockaddr_in* address);
+
+/// A socket that is closed with its owner.
+class UniqueSocket {
+ public:
+  /// None.
+  UniqueSocket() = default;
+
+  /// Starts the system's sockets and makes one. On failure there is none, and `LastSocketError`
+  /// tells why.
+  UniqueSocket(int type, int protocol) : started_(StartSockets()) {
+    if (started_) {
+      handle_ = CreateSocket(type, protocol);
+    }
+  }
+
+  /// Takes over what `Release` gave away.
+  static UniqueSocket Owning(SocketHandle handle) {
+    UniqueSocket socket;
+    socket.handle_ = handle;
+    socket.started_ = handle != kInvalidSocket;
+    return socket;
+  }
+
+  ~UniqueSocket() { Reset(); }
+  UniqueSocket(UniqueSocket&& other) noexcept
+      : handle_(std::exchange(other.handle_, kInvalidSocket)),
+        started_(std::exchange(other.started_, false)) {}
+  UniqueSocket& operator=(UniqueSocket&& other) noexcept {
+    std::swap(handle_, other.handle_);
+    std::swap(started_, other.started_);
+    return *this;
+  }
+
+  explicit operator bool() const { return handle_ != kInvalidSocket; }
+  SocketHandle handle() const { return handle_; }
+  /// Whether the system's sockets could be started.
+  bool started() const { return started_; }
+
+  void Reset() {
+    CloseSocket(std::exchange(handle_, kInvalidSocket));
+    if (std::exchange(started_, false)) {
+      StopSockets();
+    }
+  }
+
+  /// Gives the handle away: who takes it closes it, with `StopSockets` after it.
+  SocketHandle Release() {
+    started_ = false;
+    return std::exchange(handle_, kInvalidSocket);
+  }
+
+ private:
+  SocketHandle handle_ = kInvalidSocket;
+  bool started_ = false;
+};
 
 /// While it lives, a write to a broken connection does not end the program. For writes that happen
 /// inside other libraries; `SendBytes` does not need it. To be destroyed on the thread that made

@@ -21,6 +21,13 @@ int SetTimeoutOption(SocketHandle socket, int name, uint32_t ms) {
   return setsockopt(socket, SOL_SOCKET, name, &time, sizeof time);
 }
 
+uint32_t TimeoutOption(SocketHandle socket, int name) {
+  timeval time{};
+  socklen_t size = sizeof time;
+  getsockopt(socket, SOL_SOCKET, name, &time, &size);
+  return static_cast<uint32_t>(time.tv_sec * 1000 + time.tv_usec / 1000);
+}
+
 // A signal must not stretch the wait, so every round starts from what is left of the time.
 int WaitFor(SocketHandle socket, short events, int64_t timeout_us) {
   using Clock = std::chrono::steady_clock;
@@ -93,6 +100,10 @@ int SetReceiveTimeoutMs(SocketHandle socket, uint32_t ms) {
 int SetSendTimeoutMs(SocketHandle socket, uint32_t ms) {
   return SetTimeoutOption(socket, SO_SNDTIMEO, ms);
 }
+
+uint32_t ReceiveTimeoutMs(SocketHandle socket) { return TimeoutOption(socket, SO_RCVTIMEO); }
+
+uint32_t SendTimeoutMs(SocketHandle socket) { return TimeoutOption(socket, SO_SNDTIMEO); }
 
 bool SetSocketOption(SocketHandle socket, int level, int name, int value) {
   return setsockopt(socket, level, name, &value, sizeof value) == 0;

@@ -11,6 +11,13 @@ int SetTimeoutOption(SocketHandle socket, int name, uint32_t ms) {
   return setsockopt(socket, SOL_SOCKET, name, reinterpret_cast<const char*>(&time), sizeof time);
 }
 
+uint32_t TimeoutOption(SocketHandle socket, int name) {
+  DWORD time = 0;
+  int size = sizeof time;
+  getsockopt(socket, SOL_SOCKET, name, reinterpret_cast<char*>(&time), &size);
+  return time;
+}
+
 timeval TimeOf(int64_t us) {
   timeval time{};
   time.tv_sec = static_cast<long>(us / 1000000);
@@ -63,6 +70,10 @@ int SetReceiveTimeoutMs(SocketHandle socket, uint32_t ms) {
 int SetSendTimeoutMs(SocketHandle socket, uint32_t ms) {
   return SetTimeoutOption(socket, SO_SNDTIMEO, ms);
 }
+
+uint32_t ReceiveTimeoutMs(SocketHandle socket) { return TimeoutOption(socket, SO_RCVTIMEO); }
+
+uint32_t SendTimeoutMs(SocketHandle socket) { return TimeoutOption(socket, SO_SNDTIMEO); }
 
 bool SetSocketOption(SocketHandle socket, int level, int name, int value) {
   return setsockopt(socket, level, name, reinterpret_cast<const char*>(&value), sizeof value) == 0;
