@@ -1,27 +1,12 @@
 #include "udp_watch.h"
 
-#include <cstring>
 #include <utility>
 
-#include "Source/socket_source.h"
+#include "Platform/ipv4_text.h"
 
 namespace {
 
 constexpr int kUpdateTimeMs = 250;
-constexpr int32_t kWaitForPacketUs = 100000;
-constexpr uint16_t kLargestPacket = 1500;
-constexpr int kMostFailuresInARow = 3;
-
-QString AddressText(uint32_t ip_network_order, uint16_t port) {
-  uint8_t bytes[4];
-  std::memcpy(bytes, &ip_network_order, sizeof bytes);
-  return QStringLiteral("%1.%2.%3.%4:%5")
-      .arg(bytes[0])
-      .arg(bytes[1])
-      .arg(bytes[2])
-      .arg(bytes[3])
-      .arg(port);
-}
 
 }  // namespace
 
@@ -34,7 +19,12 @@ UdpWatch::UdpWatch(QObject* parent)
 UdpWatch::~UdpWatch() { Stop(); }
 
 QString UdpWatch::sender() const {
-  return shown_.packets == 0 ? QString() : AddressText(shown_.ip, shown_.port);
+  if (shown_.packets == 0) {
+    return {};
+  }
+  const auto* octets = reinterpret_cast<const uint8_t*>(&shown_.ip);
+  return QString::fromStdString(kavel::lidar::DottedIpv4(octets)) + ':' +
+         QString::number(shown_.port);
 }
 
 bool UdpWatch::Start(const QString& port_text) {
@@ -45,20 +35,21 @@ bool UdpWatch::Start(const QString& port_text) {
     SetSummary(tr("The UDP port has to be a number from 1 to 65535."));
     return false;
   }
-  auto source = std::make_unique<kavel::lidar::SocketSource>(static_cast<uint16_t>(port), "", "");
-  if (!source->Open()) {
+  using kavel::lidar::PacketListener;
+  PacketListener::Handlers handlers;
+  handlers.on_broken = [this] { broken_ = true; };
+  auto listener =
+      std::make_unique<PacketListener>(static_cast<uint16_t>(port), "", "", std::move(handlers));
+  broken_ = false;
+  if (!listener->Start()) {
     SetSummary(tr("UDP port %1 cannot be opened. Another program may be using it.").arg(port));
     return false;
   }
-  source_ = std::move(source);
-  arrivals_ = {};
+  listener_ = std::move(listener);
   shown_ = {};
   packets_before_.fill(0);
   packets_per_second_ = 0;
   port_text_ = QString::number(port);
-  stopping_ = false;
-  broken_ = false;
-  receiver_ = std::thread(&UdpWatch::Receive, this);
   update_timer_.start();
   SetSummary(tr("Waiting for packets on UDP port %1.").arg(port_text_));
   return true;
@@ -69,30 +60,9 @@ void UdpWatch::Stop() {
     return;
   }
   update_timer_.stop();
-  stopping_ = true;
-  receiver_.join();
-  source_->Close();
-  source_.reset();
+  listener_.reset();
   packets_per_second_ = 0;
   SetSummary(tr("Not watching for point-cloud packets."));
-}
-
-void UdpWatch::Receive() {
-  kavel::lidar::UdpPacket packet;
-  int failures_in_a_row = 0;
-  while (!stopping_ && !broken_) {
-    const int32_t received = source_->Receive(packet, kLargestPacket, 0, kWaitForPacketUs);
-    if (received > 0) {
-      const std::lock_guard<std::mutex> lock(arrivals_mutex_);
-      ++arrivals_.packets;
-      arrivals_.bytes += static_cast<uint64_t>(received);
-      arrivals_.ip = packet.ip;
-      arrivals_.port = packet.port;
-    }
-    // One refusal before every wait is the source's way; more of them mean a dead socket.
-    failures_in_a_row = received < 0 ? failures_in_a_row + 1 : 0;
-    broken_ = failures_in_a_row == kMostFailuresInARow;
-  }
 }
 
 void UdpWatch::ShowArrivals() {
@@ -101,10 +71,7 @@ void UdpWatch::ShowArrivals() {
     SetSummary(tr("Receiving on UDP port %1 failed; the watch has ended.").arg(port_text_));
     return;
   }
-  {
-    const std::lock_guard<std::mutex> lock(arrivals_mutex_);
-    shown_ = arrivals_;
-  }
+  shown_ = listener_->totals();
   uint64_t& a_second_ago = packets_before_[updates_++ % packets_before_.size()];
   packets_per_second_ = shown_.packets - a_second_ago;
   a_second_ago = shown_.packets;

@@ -8,16 +8,12 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
-#include <mutex>
-#include <thread>
 
-namespace kavel::lidar {
-class SocketSource;
-}
+#include "Source/packet_listener.h"
 
 /// Tells whether point-cloud packets arrive on a UDP port, and from whom. Nothing is bound before
 /// Start. The properties change at most four times a second, on the GUI thread; packets are
-/// received and counted on a thread of its own, which Stop and the destructor end.
+/// received and counted on a thread of their own, which Stop and the destructor end.
 class UdpWatch : public QObject {
   Q_OBJECT
   Q_PROPERTY(bool running READ running NOTIFY changed)
@@ -34,7 +30,7 @@ class UdpWatch : public QObject {
   explicit UdpWatch(QObject* parent = nullptr);
   ~UdpWatch() override;
 
-  bool running() const { return receiver_.joinable(); }
+  bool running() const { return listener_ != nullptr; }
   const QString& summary() const { return summary_; }
   QString sender() const;
   double packet_count() const { return static_cast<double>(shown_.packets); }
@@ -50,24 +46,12 @@ class UdpWatch : public QObject {
   void changed();
 
  private:
-  struct Arrivals {
-    uint64_t packets = 0;
-    uint64_t bytes = 0;
-    uint32_t ip = 0;    ///< last sender, network byte order
-    uint16_t port = 0;  ///< last sender
-  };
-
-  void Receive();
   void ShowArrivals();
   void SetSummary(const QString& text);
 
-  std::unique_ptr<kavel::lidar::SocketSource> source_;
-  std::thread receiver_;
-  std::atomic<bool> stopping_{false};
   std::atomic<bool> broken_{false};
-  std::mutex arrivals_mutex_;
-  Arrivals arrivals_;
-  Arrivals shown_;
+  std::unique_ptr<kavel::lidar::PacketListener> listener_;
+  kavel::lidar::PacketListener::Totals shown_;
   std::array<uint64_t, 4> packets_before_{};  ///< at the last four updates: one second
   size_t updates_ = 0;
   uint64_t packets_per_second_ = 0;

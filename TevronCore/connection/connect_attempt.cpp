@@ -7,7 +7,7 @@
 #include <utility>
 
 #include "CmxClient/serial_cmx_transport.h"
-#include "Source/address_finder.h"
+#include "Source/packet_listener.h"
 #include "auth/auth_config.h"
 #include "auth/auth_keys.h"
 #include "auth/authorized_cmx_client.h"
@@ -146,11 +146,18 @@ bool ConnectAttempt::WaitUntilConnected(const ClientPtr& client) {
     return client->WaitUntilConnected();
   }
   const auto udp_port = static_cast<uint16_t>(request_.settings.udp_port);
-  kavel::lidar::AddressFinder finder(udp_port, "", "", [this, client](const std::string& address) {
+  kavel::lidar::PacketListener::Handlers handlers;
+  handlers.on_first = [this, client](const std::string& address) {
     report_->LogLine("Lidar address learned from its packets: " + address, LogType::kInfo);
     client->SetLidarIp(address);
-  });
-  if (!finder.Start()) {
+  };
+  handlers.on_broken = [this, udp_port] {
+    report_->LogLine("Receiving on UDP port " + std::to_string(udp_port) +
+                         " failed, so the lidar's address cannot be learned. Enter the address.",
+                     LogType::kWarning);
+  };
+  kavel::lidar::PacketListener listener(udp_port, "", "", std::move(handlers));
+  if (!listener.Start()) {
     report_->LogLine("UDP port " + std::to_string(udp_port) +
                          " cannot be opened, so the lidar's address cannot be learned. Close the "
                          "program that uses the port, or enter the address.",

@@ -39,17 +39,12 @@ SocketSource::SocketSource(uint16_t port, const std::string& local_ip,
                            const std::string& multicast_ip)
     : port_(port), multicast_ip_(multicast_ip), local_ip_(local_ip) {}
 
-SocketSource::~SocketSource() { ReleaseSocket(); }
-
 bool SocketSource::Open() {
-  ReleaseSocket();
-  if (!StartSockets()) {
+  socket_ = UniqueSocket(SOCK_DGRAM, IPPROTO_UDP);
+  if (!socket_.started()) {
     KAVEL_LOG(kError, "Initilize winsock error !");
-    return false;
   }
-  socket_ = CreateSocket(SOCK_DGRAM, IPPROTO_UDP);
-  if (socket_ == kInvalidSocket) {
-    StopSockets();
+  if (!socket_) {
     return false;
   }
   wait_before_read_ = 0;
@@ -57,26 +52,26 @@ bool SocketSource::Open() {
   if (configured && !Bind()) {
     return false;
   }
-  if (!SetNonBlocking(socket_, true)) {
+  if (!SetNonBlocking(socket_.handle(), true)) {
     KAVEL_LOG(kError, "non-block");
   }
-  SetSocketOption(socket_, SOL_SOCKET, SO_RCVBUF, kWorkingReceiveBuffer);
+  SetSocketOption(socket_.handle(), SOL_SOCKET, SO_RCVBUF, kWorkingReceiveBuffer);
   if (!multicast_ip_.empty()) {
     JoinGroup();
   }
   // An unbound socket would count as open and never receive anything.
   if (!configured) {
-    ReleaseSocket();
+    socket_.Reset();
   }
   return configured;
 }
 
 bool SocketSource::Configure() {
-  const bool reusable = SetSocketOption(socket_, SOL_SOCKET, SO_REUSEADDR, 1);
+  const bool reusable = SetSocketOption(socket_.handle(), SOL_SOCKET, SO_REUSEADDR, 1);
   const int reuse_error = LastSocketError();
-  SetSocketOption(socket_, SOL_SOCKET, SO_RCVBUF, kLargestReceiveBuffer);
+  SetSocketOption(socket_.handle(), SOL_SOCKET, SO_RCVBUF, kLargestReceiveBuffer);
   int granted = 0;
-  if (!GetSocketOption(socket_, SOL_SOCKET, SO_RCVBUF, &granted)) {
+  if (!GetSocketOption(socket_.handle(), SOL_SOCKET, SO_RCVBUF, &granted)) {
     const int error = LastSocketError();
     KAVEL_LOG(kWarning, "getsockopt error=%d(%s)!!!", error, SocketErrorText(error).c_str());
   }
@@ -85,7 +80,7 @@ bool SocketSource::Configure() {
     KAVEL_LOG(kError, "setsockopt SO_REUSEADDR failed, errno:%d", reuse_error);
     return false;
   }
-  if (SetReceiveTimeoutMs(socket_, kReceiveTimeoutMs) != 0) {
+  if (SetReceiveTimeoutMs(socket_.handle(), kReceiveTimeoutMs) != 0) {
     KAVEL_LOG(kError, "setsockopt SO_RCVTIMEO failed, errno:%d", LastSocketError());
     return false;
   }
@@ -101,8 +96,8 @@ bool SocketSource::Bind() {
   // Some systems would bind to the broadcast address and then receive nothing else.
   const bool is_address = address.sin_addr.s_addr != INADDR_NONE;
   if (is_address &&
-      bind(socket_, reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0) {
-    KAVEL_LOG(kInfo, "SocketSource::Open succeed, sock:%d", LoggedHandle(socket_));
+      bind(socket_.handle(), reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0) {
+    KAVEL_LOG(kInfo, "SocketSource::Open succeed, sock:%d", LoggedHandle(socket_.handle()));
     return true;
   }
   const int error = is_address ? LastSocketError() : EADDRNOTAVAIL;
@@ -110,7 +105,7 @@ bool SocketSource::Bind() {
   if (error == kSocketInProgress || error == kSocketWouldBlock) {
     return true;
   }
-  ReleaseSocket();
+  socket_.Reset();
   KAVEL_LOG(kError, "SocketSource::Open(), bind failed, errno: %d", error);
   return false;
 }
@@ -119,8 +114,8 @@ void SocketSource::JoinGroup() {
   ip_mreq request{};
   request.imr_multiaddr = ReadAddress(multicast_ip_);
   request.imr_interface = ReadAddress(local_ip_);
-  if (setsockopt(socket_, IPPROTO_IP, IP_ADD_MEMBERSHIP, reinterpret_cast<const char*>(&request),
-                 sizeof request) == 0) {
+  if (setsockopt(socket_.handle(), IPPROTO_IP, IP_ADD_MEMBERSHIP,
+                 reinterpret_cast<const char*>(&request), sizeof request) == 0) {
     KAVEL_LOG(kInfo, "Recive data from multicast ip address %s", multicast_ip_.c_str());
   } else {
     KAVEL_LOG(kError, "Multicast IP error, set correct multicast ip address or keep it empty");
@@ -139,7 +134,7 @@ int32_t SocketSource::Receive(UdpPacket& packet, uint16_t length, int32_t flags,
     }
     return count;
   }
-  const int ready = WaitReadable(socket_, wait_us);
+  const int ready = WaitReadable(socket_.handle(), wait_us);
   if (ready > 0) {
     wait_before_read_ = 0;
     return ReadPacket(packet, length, flags);
@@ -156,8 +151,8 @@ int32_t SocketSource::ReadPacket(UdpPacket& packet, uint16_t length, int32_t fla
   sockaddr_in sender{};
   socklen_t sender_size = sizeof sender;
   const auto room = static_cast<BufferSize>(std::min<size_t>(length, packet.data.size()));
-  const auto count = recvfrom(socket_, reinterpret_cast<char*>(packet.data.data()), room, flags,
-                              reinterpret_cast<sockaddr*>(&sender), &sender_size);
+  const auto count = recvfrom(socket_.handle(), reinterpret_cast<char*>(packet.data.data()), room,
+                              flags, reinterpret_cast<sockaddr*>(&sender), &sender_size);
   if (count < 0) {
     return -1;
   }
@@ -167,9 +162,9 @@ int32_t SocketSource::ReadPacket(UdpPacket& packet, uint16_t length, int32_t fla
 }
 
 int32_t SocketSource::Send(const uint8_t* data, uint16_t length, int32_t flags) {
-  if (socket_ == kInvalidSocket) {
+  if (!socket_) {
     KAVEL_LOG(kError, "SocketSource::Send, port %d, sock %d is not open", port_,
-              LoggedHandle(socket_));
+              LoggedHandle(socket_.handle()));
     return -1;
   }
   if (!has_peer_) {
@@ -180,7 +175,7 @@ int32_t SocketSource::Send(const uint8_t* data, uint16_t length, int32_t flags) 
   peer.sin_family = AF_INET;
   peer.sin_port = htons(peer_port_);
   peer.sin_addr.s_addr = peer_ip_;
-  const auto count = sendto(socket_, reinterpret_cast<const char*>(data), length, flags,
+  const auto count = sendto(socket_.handle(), reinterpret_cast<const char*>(data), length, flags,
                             reinterpret_cast<const sockaddr*>(&peer), sizeof peer);
   if (count < 0) {
     KAVEL_LOG(kError, "SocketSource::Send, errno:%d", LastSocketError());
@@ -198,8 +193,8 @@ void SocketSource::SetPeer(uint32_t ip, uint16_t port) {
 uint16_t SocketSource::BoundPort() const {
   sockaddr_in address{};
   socklen_t size = sizeof address;
-  if (socket_ == kInvalidSocket ||
-      getsockname(socket_, reinterpret_cast<sockaddr*>(&address), &size) != 0) {
+  if (!socket_ ||
+      getsockname(socket_.handle(), reinterpret_cast<sockaddr*>(&address), &size) != 0) {
     return 0;
   }
   return ntohs(address.sin_port);
@@ -207,25 +202,16 @@ uint16_t SocketSource::BoundPort() const {
 
 void SocketSource::Close() {
   KAVEL_LOG(kInfo, "SocketSource::Close()");
-  ReleaseSocket();
+  socket_.Reset();
 }
 
 bool SocketSource::IsOpened() {
-  if (socket_ != kInvalidSocket) {
+  if (socket_) {
     return true;
   }
   KAVEL_LOG(kWarning, "SocketSource::IsOpened(), port %d, sock %d is not open", port_,
-            LoggedHandle(socket_));
+            LoggedHandle(socket_.handle()));
   return false;
-}
-
-void SocketSource::ReleaseSocket() {
-  if (socket_ == kInvalidSocket) {
-    return;
-  }
-  CloseSocket(socket_);
-  StopSockets();
-  socket_ = kInvalidSocket;
 }
 
 }  // namespace kavel::lidar

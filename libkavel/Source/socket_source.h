@@ -15,7 +15,6 @@ class SocketSource : public Source {
   /// Stores the values and opens nothing. `port` in host order, 0 for any free port; an empty
   /// `local_ip` is any interface; an empty `multicast_ip` is no group.
   SocketSource(uint16_t port, const std::string& local_ip, const std::string& multicast_ip);
-  ~SocketSource() override;
 
   /// Creates and binds the socket, non-blocking and with the largest receive buffer that the system
   /// grants, and joins the group. A group that cannot be joined is logged and is no failure:
@@ -44,10 +43,9 @@ class SocketSource : public Source {
   bool Bind();
   void JoinGroup();
   int32_t ReadPacket(UdpPacket& packet, uint16_t length, int32_t flags);
-  void ReleaseSocket();
 
   uint16_t port_;
-  SocketHandle socket_ = kInvalidSocket;
+  UniqueSocket socket_;
   uint8_t wait_before_read_ = 0;
   std::string multicast_ip_;
   uint32_t peer_ip_ = 0;
