@@ -3,6 +3,7 @@
 #include <QString>
 #include <cstring>
 
+#include "Platform/ipv4_text.h"
 #include "Wire/big_endian.h"
 #include "variables/number_text.h"
 
@@ -53,8 +54,7 @@ bool DecodeAddress(const Bytes& slice, std::string* text, std::string* fault) {
   if (slice.size() < kAddressSize) {
     return Fail(fault, "IP address size is less than 4, please check your config file");
   }
-  *text = std::to_string(slice[0]) + '.' + std::to_string(slice[1]) + '.' +
-          std::to_string(slice[2]) + '.' + std::to_string(slice[3]);
+  *text = kavel::lidar::DottedIpv4(slice.data());
   return true;
 }
 

@@ -1,6 +1,5 @@
 #include "server/tcp_listener.h"
 
-#include <arpa/inet.h>
 #include <netinet/in.h>
 #include <netinet/tcp.h>
 #include <poll.h>
@@ -11,14 +10,15 @@
 #include <system_error>
 #include <utility>
 
+#include "Platform/ipv4_text.h"
+
 namespace {
 
 sockaddr* Generic(sockaddr_in* address) { return reinterpret_cast<sockaddr*>(address); }
 
 std::string PeerName(const sockaddr_in& address) {
-  char text[INET_ADDRSTRLEN] = "";
-  inet_ntop(AF_INET, &address.sin_addr, text, sizeof text);
-  return std::string(text) + ":" + std::to_string(ntohs(address.sin_port));
+  const auto* octets = reinterpret_cast<const uint8_t*>(&address.sin_addr);
+  return kavel::lidar::DottedIpv4(octets) + ":" + std::to_string(ntohs(address.sin_port));
 }
 
 }  // namespace
