@@ -8,10 +8,6 @@
 #include <string>
 #include <vector>
 
-class Connection;
-class UserReport;
-struct DeviceFacts;
-
 /// The one object behind all screens. It owns the parts that do the work (settings, variable table,
 /// connection, page refresh), starts them, and turns what they report into properties and signals;
 /// it decides nothing about a lidar itself.
@@ -241,15 +237,8 @@ class TevronManager : public QObject {
  private:
   struct Parts;
 
-  void StartAttempt();
-  void EndAttempt(int number, const std::shared_ptr<Connection>& connection);
-  void Adopt(const std::shared_ptr<Connection>& connection);
-  void LoseConnection(int number, const std::string& reason);
-  void Disconnect();
-  std::shared_ptr<UserReport> ReportOfAttempt(int number);
-  void StartReadingFacts();
-  void ShowFacts(const DeviceFacts& facts);
   void ShowRefreshedPage();
+  void ShowPage(int page);
   void ShowFov();
   void ReportFaults(const std::vector<std::string>& faults);
   void TakeSetting(std::string* setting, const QString& text);

@@ -7,18 +7,19 @@
 #include "tevron_manager_parts.h"
 
 void TevronManager::SendCommand(const QString& cmd_qs, const QString& payload_qs) {
-  const std::shared_ptr<kavel::lidar::CommandSender> sender = parts_->sender();
-  const auto family = parts_->model->connect_type == kNetworkLink ? CommandConsole::Family::kCmx
-                                                                  : CommandConsole::Family::kSerial;
+  const std::shared_ptr<kavel::lidar::CommandSender> sender = parts_->session.sender();
+  const auto family = parts_->model()->connect_type == kNetworkLink
+                          ? CommandConsole::Family::kCmx
+                          : CommandConsole::Family::kSerial;
   const CommandConsole::Outcome outcome =
-      parts_->console.Send(sender.get(), parts_->state, family, cmd_qs, payload_qs);
+      parts_->console.Send(sender.get(), parts_->session.state(), family, cmd_qs, payload_qs);
   if (outcome.attempted) {
     emit sendCommandHistoryChanged();
   }
   if (outcome.success.empty()) {
     return;
   }
-  parts_->ReadFactsAfterRestart();
+  parts_->session.ReadFactsAfterRestart();
   UpdateUI();
   parts_->report.Success(outcome.success);
 }
@@ -30,46 +31,44 @@ QString TevronManager::getSendCmxCommandReturnPayload() { return parts_->console
 void TevronManager::SetLogBytesFlowStatus(bool flag) { parts_->byte_flow->SetOn(flag); }
 
 int TevronManager::Restart() {
-  const std::shared_ptr<LidarModel> model = parts_->model;
+  const std::shared_ptr<LidarModel> model = parts_->model();
   const int result = parts_->MaintenanceNow().Restart(*model->table);
   if (result == 0) {
-    parts_->ReadFactsAfterRestart();
+    parts_->session.ReadFactsAfterRestart();
   }
   return result;
 }
 
 int TevronManager::Reset() {
-  const std::shared_ptr<LidarModel> model = parts_->model;
+  const std::shared_ptr<LidarModel> model = parts_->model();
   const int result = parts_->MaintenanceNow().Reset(*model->table);
   if (result == 0) {
-    parts_->ReadFactsAfterRestart();
+    parts_->session.ReadFactsAfterRestart();
   }
   return result;
 }
 
 QString TevronManager::getLidarSN() {
-  return parts_->IdentityText("SN", parts_->facts.serial_number);
+  return QString::fromStdString(parts_->session.SerialNumber());
 }
 
-QString TevronManager::getLidarPN() {
-  return parts_->IdentityText("PN", parts_->facts.part_number);
-}
+QString TevronManager::getLidarPN() { return QString::fromStdString(parts_->session.PartNumber()); }
 
 void TevronManager::LumoSetStandby(int standby) {
   if (parts_->MaintenanceNow().WriteStandby(standby)) {
-    parts_->ReadFactsAgain();
+    parts_->session.ReadFactsAgain();
   }
 }
 
 void TevronManager::LumoSetSpinRate(int spin_rate_rpm) {
   if (parts_->MaintenanceNow().WriteSpinRate(spin_rate_rpm)) {
-    parts_->ReadFactsAgain();
+    parts_->session.ReadFactsAgain();
   }
 }
 
 void TevronManager::LumoSetReturnMode(int return_mode) {
   if (parts_->MaintenanceNow().WriteReturnMode(return_mode)) {
-    parts_->ReadFactsAgain();
+    parts_->session.ReadFactsAgain();
   }
 }
 
@@ -92,7 +91,7 @@ void TevronManager::LumoSetBaudRateFromUI(const QString& baudRateStr) {
     return;
   }
   setBaudRate(QString::number(*rate));
-  parts_->ReadFactsAgain();
+  parts_->session.ReadFactsAgain();
 }
 
 QVariantList TevronManager::LumoGetDestinationConfig(bool silent) {
@@ -102,7 +101,7 @@ QVariantList TevronManager::LumoGetDestinationConfig(bool silent) {
 bool TevronManager::LumoSetDestinationIPandPort(const QString& ip, int port) {
   const bool is_set = parts_->MaintenanceNow().WriteDestination(ip, port);
   if (is_set) {
-    parts_->ReadFactsAgain();
+    parts_->session.ReadFactsAgain();
   }
   return is_set;
 }
@@ -118,7 +117,7 @@ bool TevronManager::LumoSetNet(const QString& ip, const QString& mask, const QSt
 
 void TevronManager::KivaSetIMURange(int angularRangeIndex, int accelRangeIndex) {
   if (parts_->MaintenanceNow().WriteImuRange(angularRangeIndex, accelRangeIndex)) {
-    parts_->ReadFactsAgain();
+    parts_->session.ReadFactsAgain();
   }
 }
 

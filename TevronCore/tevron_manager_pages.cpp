@@ -11,74 +11,70 @@
 #include "tevron_manager_parts.h"
 
 void TevronManager::UpdateUI() {
-  parts_->RebuildMap();
+  parts_->pages.Update();
   emit myMapChanged();
 }
 
 void TevronManager::ShowFov() {
-  if (parts_->RebuildFov()) {
+  if (parts_->pages.UpdateFov(parts_->edits->fov())) {
     emit fovConfigChanged();
   }
 }
 
-void TevronManager::setModuleIndexUse(int module) {
-  parts_->page_in_use = module;
-  if (parts_->refresh != nullptr) {
-    parts_->refresh->SetView(parts_->ViewInUse());
-  }
+void TevronManager::ShowPage(int page) {
+  ShowFov();
+  parts_->pages.UpdatePage(page);
+  emit myMapChanged();
 }
 
+void TevronManager::setModuleIndexUse(int module) { parts_->session.SetPageInView(module); }
+
 void TevronManager::ShowRefreshedPage() {
-  if (!parts_->state.connected) {
-    return;
-  }
-  parts_->edits->fov().StoreReadingOf(*parts_->model->table);
+  parts_->edits->fov().StoreReadingOf(*parts_->model()->table);
   ShowFov();
-  parts_->RebuildMap();
+  parts_->pages.UpdatePage(parts_->session.page_in_view());
   emit myTimerMapChanged();
 }
 
 void TevronManager::GetLidarModuleInfo(int module) {
-  if (!parts_->MayReadPage(module)) {
+  const std::shared_ptr<LidarModel> model = parts_->model();
+  if (!parts_->session.MayReadPages() || module < 0 || module >= model->pages.page_count()) {
     return;
   }
-  const std::shared_ptr<LidarModel> model = parts_->model;
   const std::shared_ptr<EditSession> edits = parts_->edits;
-  const std::shared_ptr<kavel::lidar::CommandSender> sender = parts_->sender();
+  const std::shared_ptr<kavel::lidar::CommandSender> sender = parts_->session.sender();
   const std::vector<const VarInfo*> vars = model->pages.VariablesOf(module);
   edits->DropEdits(vars);
-  PageReader reader(*sender, *model->table, parts_->state, parts_->report);
+  PageReader reader(*sender, *model->table, parts_->session.state(), parts_->report);
   reader.Read(vars, "TevronManager::GetLidarModuleInfo");
   edits->fov().StoreReadingOf(*model->table);
-  ShowFov();
-  UpdateUI();
+  ShowPage(module);
 }
 
 bool TevronManager::UpdateSingleVarInfo(const QString& qs_var_info, const QString& search_type) {
-  const std::shared_ptr<LidarModel> model = parts_->model;
-  const std::shared_ptr<kavel::lidar::CommandSender> sender = parts_->sender();
+  const std::shared_ptr<LidarModel> model = parts_->model();
+  const std::shared_ptr<kavel::lidar::CommandSender> sender = parts_->session.sender();
   const VarInfo* var = parts_->FindVariable(search_type, qs_var_info);
   if (var == nullptr || sender == nullptr || model->connect_type != kNetworkLink) {
     return false;
   }
-  PageReader reader(*sender, *model->table, parts_->state, parts_->report);
+  PageReader reader(*sender, *model->table, parts_->session.state(), parts_->report);
   if (!reader.GetInfoFromLidar(*var)) {
     return false;
   }
   parts_->edits->fov().StoreReadingOf(*model->table);
-  ShowFov();
-  UpdateUI();
+  ShowPage(model->pages.PositionOf(*var).level1);
   return true;
 }
 
 void TevronManager::SetText(int type, int level1, int level2, int level3, const QString& text) {
-  const VarInfo* var = parts_->model->pages.At(level1, level2, level3);
+  const VarInfo* var = parts_->model()->pages.At(level1, level2, level3);
   if (var == nullptr) {
     return;
   }
   parts_->edits->SetText(type, *var, text.toStdString(), parts_->report);
   // Without a signal: whoever edits shows the text already, and reads the map again where it wants.
-  parts_->ShowValueAt(*var, level1, level2, level3);
+  parts_->pages.UpdatePage(level1);
 }
 
 void TevronManager::SetMultiFovConfig(int index, const QString& fov) {
@@ -90,7 +86,7 @@ void TevronManager::SetMultiFovConfig(int index, const QString& fov) {
 void TevronManager::ClearSetMap() {
   parts_->edits->Clear();
   ShowFov();
-  if (parts_->RebuildMap()) {
+  if (parts_->pages.Update()) {
     emit myMapChanged();
   }
 }
@@ -98,7 +94,7 @@ void TevronManager::ClearSetMap() {
 int TevronManager::getSetMapSize() { return static_cast<int>(parts_->edits->pending().size()); }
 
 bool TevronManager::CheckModuleVarsWithinRange(int module) {
-  const std::shared_ptr<LidarModel> model = parts_->model;
+  const std::shared_ptr<LidarModel> model = parts_->model();
   RangeCheck check(*model->table, parts_->report);
   return check.CheckPage(model->pages.VariablesOf(module), [this](const std::string& var_name) {
     emit someVarOutOfRange(QString::fromStdString(var_name));
@@ -106,7 +102,7 @@ bool TevronManager::CheckModuleVarsWithinRange(int module) {
 }
 
 bool TevronManager::CheckVarIsWithinRange(const QString& qs_var_info, const QString& search_type) {
-  const std::shared_ptr<LidarModel> model = parts_->model;
+  const std::shared_ptr<LidarModel> model = parts_->model();
   const VarInfo* var = parts_->FindVariable(search_type, qs_var_info);
   if (var == nullptr) {
     qDebug().noquote() << " Can't find this var info for range check. var_info =" << qs_var_info;
@@ -116,11 +112,11 @@ bool TevronManager::CheckVarIsWithinRange(const QString& qs_var_info, const QStr
 }
 
 void TevronManager::Run(int module) {
-  const std::shared_ptr<LidarModel> model = parts_->model;
+  const std::shared_ptr<LidarModel> model = parts_->model();
   const std::shared_ptr<EditSession> edits = parts_->edits;
-  const std::shared_ptr<kavel::lidar::CommandSender> sender = parts_->sender();
-  PageWriter writer({sender.get(), *model->table, model->pages, parts_->state, edits->pending(),
-                     edits->fov(), parts_->report});
+  const std::shared_ptr<kavel::lidar::CommandSender> sender = parts_->session.sender();
+  PageWriter writer({sender.get(), *model->table, model->pages, parts_->session.state(),
+                     edits->pending(), edits->fov(), parts_->report});
   if (writer.Run(module)) {
     UpdateUI();
   }
@@ -128,10 +124,10 @@ void TevronManager::Run(int module) {
 }
 
 bool TevronManager::CheckVarExistsInConfigFileByName(const QString& qs_var_info) {
-  return parts_->model->table->FindByName(qs_var_info.toStdString()) != nullptr;
+  return parts_->model()->table->FindByName(qs_var_info.toStdString()) != nullptr;
 }
 
 bool TevronManager::isTimerUpdate(int i, int j, int k) {
-  const VarInfo* var = parts_->model->pages.At(i, j, k);
+  const VarInfo* var = parts_->model()->pages.At(i, j, k);
   return var != nullptr && var->timer_update;
 }

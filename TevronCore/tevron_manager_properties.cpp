@@ -40,11 +40,11 @@ void TevronManager::setSuccessMsg(const QString& str) {
 QString TevronManager::errorMessage() const { return parts_->error_message; }
 QString TevronManager::successMessage() const { return parts_->success_message; }
 
-QVariantList TevronManager::myMap() const { return parts_->my_map; }
-QVariantList TevronManager::level1List() const { return parts_->page_names; }
-QVariantList TevronManager::level2List() const { return parts_->page_rows; }
-QVariantList TevronManager::fovList() const { return parts_->fov_texts; }
-int TevronManager::monitorModuleIndex() const { return parts_->model->pages.monitor_page(); }
+QVariantList TevronManager::myMap() const { return parts_->pages.map(); }
+QVariantList TevronManager::level1List() const { return parts_->pages.names(); }
+QVariantList TevronManager::level2List() const { return parts_->pages.rows(); }
+QVariantList TevronManager::fovList() const { return parts_->pages.fov_texts(); }
+int TevronManager::monitorModuleIndex() const { return parts_->model()->pages.monitor_page(); }
 
 QVariantList TevronManager::lidarModelList() const {
   QVariantList models;
@@ -56,15 +56,15 @@ QVariantList TevronManager::lidarModelList() const {
 
 QString TevronManager::getPVNowName() { return QString::fromStdString(parts_->product_variant); }
 
-bool TevronManager::isConnected() const { return parts_->state.connected; }
-int TevronManager::connectType() const { return parts_->model->connect_type; }
-bool TevronManager::isUpgrading() const { return parts_->state.upgrading; }
+bool TevronManager::isConnected() const { return parts_->session.state().connected; }
+int TevronManager::connectType() const { return parts_->model()->connect_type; }
+bool TevronManager::isUpgrading() const { return parts_->session.state().upgrading; }
 int TevronManager::upgradeProgress() const { return 0; }
 int TevronManager::upgradeProgressTotalLen() const { return 0; }
-bool TevronManager::isDownloadLog() const { return parts_->state.downloading; }
+bool TevronManager::isDownloadLog() const { return parts_->session.state().downloading; }
 
 void TevronManager::setIsDownloadLog(bool running) {
-  if (parts_->state.downloading.exchange(running) != running) {
+  if (parts_->session.state().downloading.exchange(running) != running) {
     emit isDownloadLogChanged();
   }
 }
@@ -73,12 +73,12 @@ int TevronManager::commandLogCnt() const { return parts_->byte_flow->CommandCoun
 QVariantList TevronManager::sendCommandHistory() const { return parts_->console.History(); }
 
 QVariantList TevronManager::lumoLidarInfo() const {
-  return InfoList(parts_->facts, parts_->model->family);
+  return InfoList(parts_->session.facts(), parts_->model()->family);
 }
 QVariantList TevronManager::lumoLidarVersionInfo() const {
-  return VersionList(parts_->facts, parts_->model->family);
+  return VersionList(parts_->session.facts(), parts_->model()->family);
 }
-bool TevronManager::isGetPBLVersion() const { return parts_->reading_facts; }
+bool TevronManager::isGetPBLVersion() const { return parts_->session.reading_facts(); }
 
 QVariantList TevronManager::logRepeaterModel() const { return {}; }
 QVariantList TevronManager::monitorHwVersionList() const { return {}; }
@@ -126,7 +126,7 @@ QString TevronManager::udpPort() const { return QString::number(parts_->settings
 QString TevronManager::baudRate() const {
   return QString::number(parts_->settings.point_cloud_baud_rate_bps);
 }
-bool TevronManager::enableCmxClientHostPortUi() const { return parts_->model->host_port_enabled; }
+bool TevronManager::enableCmxClientHostPortUi() const { return parts_->model()->host_port_enabled; }
 
 void TevronManager::TakeSetting(std::string* setting, const QString& text) {
   std::string value = text.trimmed().toStdString();

@@ -5,11 +5,11 @@
 #include "pages/page_reader.h"
 
 PageRefresh::PageRefresh(std::shared_ptr<kavel::lidar::CommandSender> sender,
-                         const LinkState& state, UserReport& report, View view,
+                         const LinkState& state, std::shared_ptr<UserReport> report, View view,
                          std::function<void()> on_refreshed)
     : sender_(std::move(sender)),
       state_(state),
-      report_(report),
+      report_(std::move(report)),
       on_refreshed_(std::move(on_refreshed)),
       view_(std::move(view)),
       thread_([this] { UpdatePagesTimer(); }) {}
@@ -42,7 +42,7 @@ void PageRefresh::ReadView() {
     const std::lock_guard<std::mutex> lock(mutex_);
     view = view_;
   }
-  PageReader reader(*sender_, *view.model->table, state_, report_);
+  PageReader reader(*sender_, *view.model->table, state_, *report_);
   reader.Read(view.model->pages.VariablesOf(view.page), "TevronManager::updatePagesTimer");
   if (!stop_.IsRaised()) {
     on_refreshed_();

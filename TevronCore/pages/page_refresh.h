@@ -25,10 +25,10 @@ class PageRefresh {
   /// A pass reads only when this many have gone by since the last read: every 3 s.
   static constexpr int kPassesPerRead = 30;
 
-  /// Starts at once. `state` and `report` have to outlive the object; `on_refreshed` is called on
-  /// the refreshing thread after a page was read and must not destroy the object.
+  /// Starts at once. `state` has to outlive the object; `on_refreshed` is called on the refreshing
+  /// thread after a page was read and must not destroy the object.
   PageRefresh(std::shared_ptr<kavel::lidar::CommandSender> sender, const LinkState& state,
-              UserReport& report, View view, std::function<void()> on_refreshed);
+              std::shared_ptr<UserReport> report, View view, std::function<void()> on_refreshed);
   /// Waits for the thread, whose exchange in progress has to be ended by whoever owns the sender.
   ~PageRefresh();
   PageRefresh(const PageRefresh&) = delete;
@@ -43,7 +43,7 @@ class PageRefresh {
 
   const std::shared_ptr<kavel::lidar::CommandSender> sender_;
   const LinkState& state_;
-  UserReport& report_;
+  const std::shared_ptr<UserReport> report_;
   const std::function<void()> on_refreshed_;
   std::mutex mutex_;
   View view_;  ///< guarded by mutex_

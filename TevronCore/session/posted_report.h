@@ -1,48 +1,43 @@
 #pragma once
 
-#include <QMetaObject>
-#include <QObject>
 #include <functional>
 #include <memory>
 #include <string>
 #include <utility>
 
 #include "CmxClient/log_sink.h"
+#include "session/post.h"
 #include "session/user_report.h"
 
-/// Hands a worker's reports over to the thread of `context`, in order and without waiting. A report
-/// that is no longer `wanted` when it arrives there is dropped.
+/// Hands a worker's reports over to the owner's thread. A report that is no longer `wanted` when it
+/// arrives there is dropped.
 class PostedReport : public UserReport {
  public:
-  /// `context` and `target` have to outlive this object; `wanted` is called on the thread of
-  /// `context`.
-  PostedReport(QObject& context, UserReport& target, std::function<bool()> wanted)
-      : context_(context), target_(target), wanted_(std::move(wanted)) {}
+  /// `target` has to outlive what was posted; `wanted` is called on the owner's thread.
+  PostedReport(Post post, UserReport& target, std::function<bool()> wanted)
+      : post_(std::move(post)), target_(target), wanted_(std::move(wanted)) {}
 
   void Error(const std::string& text) override {
-    Post([text](UserReport& target) { target.Error(text); });
+    Hand([text](UserReport& target) { target.Error(text); });
   }
   void Success(const std::string& text) override {
-    Post([text](UserReport& target) { target.Success(text); });
+    Hand([text](UserReport& target) { target.Success(text); });
   }
   void LogLine(const std::string& text, LogType type) override {
-    Post([text, type](UserReport& target) { target.LogLine(text, type); });
+    Hand([text, type](UserReport& target) { target.LogLine(text, type); });
   }
 
  private:
   template <typename Call>
-  void Post(Call call) {
-    QMetaObject::invokeMethod(
-        &context_,
-        [&target = target_, wanted = wanted_, call = std::move(call)] {
-          if (wanted()) {
-            call(target);
-          }
-        },
-        Qt::QueuedConnection);
+  void Hand(Call call) {
+    post_([&target = target_, wanted = wanted_, call = std::move(call)] {
+      if (wanted()) {
+        call(target);
+      }
+    });
   }
 
-  QObject& context_;
+  const Post post_;
   UserReport& target_;
   const std::function<bool()> wanted_;
 };

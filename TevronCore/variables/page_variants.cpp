@@ -27,7 +27,7 @@ int OptionIndex(const VarInfo& var, const std::string& value) {
   return -1;
 }
 
-void AddOptions(const VarInfo& var, const std::string& value, QVariantMap* map) {
+void AddOptions(const VarInfo& var, QVariantMap* map) {
   QVariantMap labels;
   for (const auto& [option, label] : var.varname_value_to_option) {
     labels.insert(Text(option), Text(label));
@@ -35,11 +35,17 @@ void AddOptions(const VarInfo& var, const std::string& value, QVariantMap* map) 
   map->insert("option_num", var.option_num);
   map->insert("options", Texts(var.option_labels));
   map->insert("option_values", Texts(var.option_values));
-  map->insert("option_index", OptionIndex(var, value));
   map->insert("varname_value_to_option", labels);
 }
 
 }  // namespace
+
+void InsertValue(const VarInfo& var, const ConfigParser::Value& value, QVariantMap* map) {
+  map->insert("current_val", Text(value.text));
+  map->insert("switch_index", var.type == kSwitch ? Text(SwitchIndexOf(value.text)) : QString());
+  map->insert("option_index", OptionIndex(var, value.text));
+  map->insert("edited", value.edited);
+}
 
 QVariantMap VariableMap(const VarInfo& var, const ConfigParser::Value& value) {
   QVariantMap map;
@@ -54,11 +60,9 @@ QVariantMap VariableMap(const VarInfo& var, const ConfigParser::Value& value) {
   map.insert("offset", var.offset);
   map.insert("permission", var.permission);
   map.insert("default_val", Text(var.default_val));
-  map.insert("current_val", Text(value.text));
-  map.insert("switch_index", var.type == kSwitch ? Text(SwitchIndexOf(value.text)) : QString());
   map.insert("visible", var.visible);
   map.insert("type", var.type);
-  AddOptions(var, value.text, &map);
+  AddOptions(var, &map);
 
   map.insert("unit", Text(var.unit));
   map.insert("unit_suffix", Text(var.unit_suffix));
@@ -67,12 +71,12 @@ QVariantMap VariableMap(const VarInfo& var, const ConfigParser::Value& value) {
   map.insert("length_limit", var.length_limit);
   map.insert("switch_var_id", Text(var.switch_var_id));
   map.insert("check_enable", var.check_enable);
-  map.insert("edited", value.edited);
   map.insert("editable", CanBeChanged(var));
   map.insert("timer_update", var.timer_update);
   map.insert("hint", Text(InputHint(var)));
   map.insert("group_id", Text(var.group_id));
   map.insert("page", Text(var.function_module));
+  InsertValue(var, value, &map);
   return map;
 }
 

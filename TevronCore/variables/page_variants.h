@@ -33,3 +33,6 @@ QVariantList PageRows(const PageModel& pages);
 /// "check_enable" (number), "edited", "editable", "timer_update" (booleans), "hint" (see
 /// InputHint), "group_id", "page", "page_description".
 QVariantMap VariableMap(const VarInfo& var, const ConfigParser::Value& value);
+
+/// Those of the fields that depend on the value.
+void InsertValue(const VarInfo& var, const ConfigParser::Value& value, QVariantMap* map);

@@ -1,0 +1,200 @@
+#include "lidar_session.h"
+
+#include <exception>
+#include <iostream>
+#include <utility>
+
+#include "session/posted_report.h"
+
+LidarSession::LidarSession(SetUp set_up)
+    : set_up_(std::move(set_up)), model_(std::make_shared<LidarModel>()) {}
+
+LidarSession::~LidarSession() { End(); }
+
+std::function<bool()> LidarSession::Current() const {
+  return [then = *number_, number = std::weak_ptr<const int>(number_)] {
+    const std::shared_ptr<const int> now = number.lock();
+    return now != nullptr && *now == then;
+  };
+}
+
+template <typename... Args>
+std::function<void(Args...)> LidarSession::Later(void (LidarSession::*handler)(Args...)) {
+  return [this, handler, post = set_up_.post, is_current = Current()](Args... args) {
+    post([=] {
+      if (is_current()) {
+        (this->*handler)(args...);
+      }
+    });
+  };
+}
+
+std::shared_ptr<UserReport> LidarSession::ReportOfNow() const {
+  return std::make_shared<PostedReport>(set_up_.post, set_up_.report, Current());
+}
+
+void LidarSession::SetModel(std::shared_ptr<LidarModel> model) {
+  model_ = std::move(model);
+  SetPageInView(0);
+}
+
+void LidarSession::SetPageInView(int page) {
+  page_in_view_ = page;
+  if (refresh_ != nullptr) {
+    refresh_->SetView({model_, page});
+  }
+}
+
+bool LidarSession::Connect(const ConnectionSettings& settings) {
+  if (connecting_) {
+    return false;
+  }
+  if (state_.connected) {
+    Disconnect();
+  }
+  ++*number_;
+  connecting_ = true;
+  const std::shared_ptr<UserReport> report = ReportOfNow();
+  const ConnectRequest request{settings, model_, set_up_.auto_receive, set_up_.byte_flow,
+                               std::make_shared<ReportSink>(report, LogType::kCmx)};
+  attempt_ = std::make_unique<ConnectAttempt>(
+      request, report,
+      ConnectAttempt::Handlers{Later(&LidarSession::EndAttempt), Later(&LidarSession::Lose)});
+  return true;
+}
+
+void LidarSession::EndAttempt(std::shared_ptr<Connection> connection) {
+  const std::function<bool()> is_current = Current();
+  attempt_.reset();
+  if (connection != nullptr) {
+    Adopt(std::move(connection));
+  }
+  if (is_current()) {
+    connecting_ = false;
+  }
+}
+
+// A handler may end this connection, and begin another, at every step.
+void LidarSession::Adopt(std::shared_ptr<Connection> connection) {
+  const std::function<bool()> is_current = Current();
+  connection_ = std::move(connection);
+  model_->table->ForgetBytes();
+  if (model_->connect_type == kNetworkLink) {
+    refresh_ = std::make_unique<PageRefresh>(connection_->sender(), state_, ReportOfNow(),
+                                             PageRefresh::View{model_, page_in_view_},
+                                             Later(&LidarSession::ShowPage));
+  }
+  state_.connected = true;
+  set_up_.report.LogLine("Lidar connected", LogType::kInfo);
+  set_up_.handlers.adopted();
+  if (is_current() && model_->connect_type != kNetworkLink) {
+    StartReadingFacts();
+  }
+  if (is_current()) {
+    set_up_.handlers.state_changed();
+  }
+}
+
+void LidarSession::ShowPage() { set_up_.handlers.page_read(); }
+
+void LidarSession::StartReadingFacts() {
+  facts_reading_ =
+      std::make_unique<FactsReading>(connection_->sender(), state_, model_->connect_type,
+                                     ReportOfNow(), Later(&LidarSession::TakeFacts));
+  facts_reading_->Request();
+  reading_facts_ = true;
+  set_up_.handlers.reading_facts_changed();
+}
+
+void LidarSession::TakeFacts(DeviceFacts facts) {
+  facts_ = std::move(facts);
+  // Only the first reading of a connection keeps the user waiting, the later ones are quiet.
+  const bool was_first = std::exchange(reading_facts_, false);
+  set_up_.handlers.facts_changed();
+  if (was_first) {
+    set_up_.handlers.reading_facts_changed();
+  }
+}
+
+void LidarSession::Lose(std::string reason) {
+  set_up_.report.LogLine(reason, LogType::kError);
+  set_up_.report.Error(reason);
+  Stop();
+}
+
+void LidarSession::Stop() {
+  try {
+    Disconnect();
+    // The line for connect type 2 is meant: the port is freed and the screens are told as for the
+    // others, but the log says otherwise.
+    const bool is_known = model_->connect_type != kSerialCmx;
+    set_up_.report.LogLine(is_known ? "Lidar disconnected" : "connect type is not support",
+                           LogType::kInfo);
+  } catch (const std::exception&) {
+    std::cout << "stop error\n" << std::flush;
+  }
+}
+
+void LidarSession::Disconnect() {
+  const bool was_reading_facts = reading_facts_;
+  End();
+  if (was_reading_facts) {
+    set_up_.handlers.reading_facts_changed();
+  }
+  set_up_.handlers.facts_changed();
+  set_up_.handlers.state_changed();
+}
+
+void LidarSession::End() {
+  ++*number_;
+  state_.connected = false;
+  connecting_ = false;
+  attempt_.reset();
+  // Closing first wakes the workers out of their exchange.
+  if (connection_ != nullptr) {
+    connection_->Close();
+  }
+  refresh_.reset();
+  facts_reading_.reset();
+  connection_.reset();
+  facts_ = {};
+  reading_facts_ = false;
+}
+
+bool LidarSession::CheckLink() {
+  const std::shared_ptr<kavel::lidar::CommandSender> to_lidar = sender();
+  return to_lidar != nullptr && to_lidar->IsOpen() && LidarAnswers(*to_lidar);
+}
+
+std::shared_ptr<kavel::lidar::CommandSender> LidarSession::sender() const {
+  return connection_ == nullptr ? nullptr : connection_->sender();
+}
+
+bool LidarSession::MayReadPages() const {
+  return model_->connect_type == kNetworkLink && connection_ != nullptr && sender()->IsOpen() &&
+         state_.MayRead();
+}
+
+void LidarSession::ReadFactsAgain() {
+  if (facts_reading_ != nullptr) {
+    facts_reading_->Request();
+  }
+}
+
+void LidarSession::ReadFactsAfterRestart() {
+  if (facts_reading_ != nullptr) {
+    facts_reading_->RequestAfterRestart();
+  }
+}
+
+std::string LidarSession::Identity(const char* name, const std::string& asked) const {
+  if (model_->connect_type != kNetworkLink) {
+    return asked;
+  }
+  const VarInfo* var = model_->table->FindByName(name);
+  if (var == nullptr || !state_.connected) {
+    return kUnread;
+  }
+  ConfigParser::Value value = model_->table->ValueOf(*var);
+  return value.has_bytes ? std::move(value.text) : kUnread;
+}

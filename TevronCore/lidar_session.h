@@ -1,0 +1,125 @@
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <string>
+
+#include "CmxClient/command_sender.h"
+#include "CmxClient/log_sink.h"
+#include "connection/connect_attempt.h"
+#include "connection/connection.h"
+#include "connection/connection_settings.h"
+#include "maintenance/device_facts.h"
+#include "maintenance/facts_reading.h"
+#include "pages/page_refresh.h"
+#include "session/lidar_model.h"
+#include "session/link_state.h"
+#include "session/post.h"
+#include "session/user_report.h"
+
+/// One lidar from connecting to it until it is let go or lost: the attempt, the connection, the
+/// reading of the page in view and of what the lidar says about itself. Needs no screen; the
+/// manager builds it, and so can any other program.
+///
+/// All members are for the owner's thread, on which every handler runs as well. What a worker says
+/// reaches the owner through the Post of the set-up, and is dropped there when the connection that
+/// it speaks of has ended since.
+class LidarSession {
+ public:
+  /// What the owner is told. A handler may end the connection and begin another, and must not
+  /// destroy the session. Each has to be set.
+  struct Handlers {
+    std::function<void()> adopted;        ///< a lidar was connected; no value of it is known yet
+    std::function<void()> page_read;      ///< the values of the page in view may have changed
+    std::function<void()> state_changed;  ///< state().connected
+    std::function<void()> facts_changed;
+    std::function<void()> reading_facts_changed;
+  };
+  struct SetUp {
+    Post post;
+    UserReport& report;        ///< has to outlive the session and what was posted
+    bool auto_receive = true;  ///< handed to the network client
+    std::shared_ptr<kavel::lidar::LogSink> byte_flow;  ///< gets the bytes of every exchange
+    Handlers handlers;
+  };
+
+  explicit LidarSession(SetUp set_up);
+  /// Ends everything without a word, at most 1.5 s later whatever the lidar does.
+  ~LidarSession();
+  LidarSession(const LidarSession&) = delete;
+  LidarSession& operator=(const LidarSession&) = delete;
+
+  /// What is connected next; page 0 is in view. A connection or an attempt belongs to the model
+  /// that it was made for: end it first, unless the new model has the same name.
+  void SetModel(std::shared_ptr<LidarModel> model);
+  const std::shared_ptr<LidarModel>& model() const { return model_; }
+
+  /// Starts an attempt, which ends a connection that there is. False while one is running.
+  bool Connect(const ConnectionSettings& settings);
+  bool connecting() const { return connecting_; }
+
+  /// Ends attempt and connection in any state, and says so in the log.
+  void Stop();
+
+  /// One exchange, or two: true when the lidar answers.
+  bool CheckLink();
+
+  /// Where commands go; null without a connection.
+  std::shared_ptr<kavel::lidar::CommandSender> sender() const;
+  LinkState& state() { return state_; }
+  const LinkState& state() const { return state_; }
+
+  /// Whether variables may be read now.
+  bool MayReadPages() const;
+  /// The page that is read again every 3 s.
+  void SetPageInView(int page);
+  int page_in_view() const { return page_in_view_; }
+
+  /// What a serial-attached lidar says about itself; unread without a connection.
+  const DeviceFacts& facts() const { return facts_; }
+  /// Whether the first reading of this connection's facts is running.
+  bool reading_facts() const { return reading_facts_; }
+  /// Read anew after a command that may have changed them. Over the network, where the pages show
+  /// everything, they do nothing.
+  void ReadFactsAgain();
+  void ReadFactsAfterRestart();
+
+  /// The serial or part number, kUnread while it is unknown. That of a network model is the
+  /// variable "SN" or "PN".
+  std::string SerialNumber() const { return Identity("SN", facts_.serial_number); }
+  std::string PartNumber() const { return Identity("PN", facts_.part_number); }
+
+ private:
+  /// Tells whether the connection or attempt of the moment of the call is still the current one.
+  std::function<bool()> Current() const;
+  /// `handler` as something that a worker may call: it runs on the owner's thread, if the
+  /// connection that is current now still is then.
+  template <typename... Args>
+  std::function<void(Args...)> Later(void (LidarSession::*handler)(Args...));
+  std::shared_ptr<UserReport> ReportOfNow() const;
+
+  void EndAttempt(std::shared_ptr<Connection> connection);
+  void Adopt(std::shared_ptr<Connection> connection);
+  void StartReadingFacts();
+  void TakeFacts(DeviceFacts facts);
+  void ShowPage();
+  void Lose(std::string reason);
+  void Disconnect();
+  void End();
+  std::string Identity(const char* name, const std::string& asked) const;
+
+  const SetUp set_up_;
+  /// Counts the attempts and their ends. Shared with what is posted, which may outlive the session.
+  const std::shared_ptr<int> number_ = std::make_shared<int>(0);
+  std::shared_ptr<LidarModel> model_;
+  int page_in_view_ = 0;
+  LinkState state_;
+  DeviceFacts facts_;
+  bool reading_facts_ = false;
+  bool connecting_ = false;
+  // Destroyed from the last to the first: the threads are gone before what they use.
+  std::shared_ptr<Connection> connection_;
+  std::unique_ptr<PageRefresh> refresh_;
+  std::unique_ptr<FactsReading> facts_reading_;
+  std::unique_ptr<ConnectAttempt> attempt_;
+};
