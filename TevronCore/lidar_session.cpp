@@ -87,11 +87,16 @@ void LidarSession::Adopt(std::shared_ptr<Connection> connection) {
   state_.connected = true;
   set_up_.report.LogLine("Lidar connected", LogType::kInfo);
   set_up_.handlers.adopted();
+  if (!is_current()) {
+    return;
+  }
+  // A serial pair is no longer connecting when it is announced; the others are until the end.
+  if (model_->connect_type == kSerialPair) {
+    connecting_ = false;
+  }
+  set_up_.handlers.state_changed();
   if (is_current() && model_->connect_type != kNetworkLink) {
     StartReadingFacts();
-  }
-  if (is_current()) {
-    set_up_.handlers.state_changed();
   }
 }
 

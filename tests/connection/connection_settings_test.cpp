@@ -18,6 +18,8 @@ TEST_F(ConnectionSettingsTest, AreKeptButForTheUdpPort) {
   EXPECT_TRUE(SettingsFilePath().endsWith("/CorvanViewDataFiles/RecvSettings.ini"));
   ConnectionSettings settings;
   settings.lidar_ip = "10.0.0.7";
+  settings.command_port = "9400";
+  settings.point_cloud_baud_rate_bps = 1;
   settings.serial_port_485 = "COM3";
   settings.serial_port_232 = "COM4";
   settings.udp_port = 4000;
@@ -27,6 +29,9 @@ TEST_F(ConnectionSettingsTest, AreKeptButForTheUdpPort) {
   EXPECT_FALSE(QSettings(path_, QSettings::IniFormat).contains("udp_port"));
   const ConnectionSettings read = LoadConnectionSettings(path_);
   EXPECT_EQ("10.0.0.7", read.lidar_ip);
+  EXPECT_EQ("9400", read.command_port);
+  EXPECT_EQ(1, read.point_cloud_baud_rate_bps);
+  EXPECT_EQ(2368, read.udp_port);
   EXPECT_EQ("COM3", read.serial_port_485);
   EXPECT_EQ("COM4", read.serial_port_232);
   EXPECT_EQ("5555", LoadHostPort(path_, "Osprey"));

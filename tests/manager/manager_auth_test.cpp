@@ -83,32 +83,27 @@ INSTANTIATE_TEST_SUITE_P(EveryAlgorithm, ManagerAuthTest, testing::Values(1, 2, 
 
 class ManagerRefusedTest : public ManagerFixture {
  protected:
-  void SaveScan(const VirtualLidarProcess& lidar) {
+  /// Saves a protected setting of a lidar that has this fault, and waits for the line that says why
+  /// it was not taken.
+  void ExpectRefused(const QStringList& fault, const QString& line) {
+    manager_->InitConfigFileParser("Osprey");
+    const VirtualLidarProcess lidar(QStringList{"--model", "Osprey"} + fault);
     ASSERT_TRUE(ConnectTo(lidar));
     OpenPage("Weather");
     Edit("Rain Filter", "4");
     Save("Weather");
+    EXPECT_EQ(1, TakeErrors().filter("Set Failed: 0x57 SET Rain Filter, ").size());
+    EXPECT_EQ("2", lidar.Variable("Rain Filter")["text"].toString());
+    ASSERT_TRUE(WaitFor([this, line] { return LogLines(line).size() == 1; })) << line.toStdString();
   }
 };
 
-TEST_F(ManagerRefusedTest, ARefusedHandshakeIsAFailedWrite) {
-  manager_->InitConfigFileParser("Osprey");
-  const VirtualLidarProcess lidar({"--model", "Osprey", "--fault", "auth-refuse-response"});
-  SaveScan(lidar);
-  EXPECT_EQ(1, TakeErrors().filter("Set Failed: 0x57 SET Rain Filter, ").size());
-  ASSERT_TRUE(WaitFor([this] { return LogLines("CMX: AUTH: response rejected").size() == 1; }));
-  EXPECT_EQ("2", lidar.Variable("Rain Filter")["text"].toString());
-}
-
-TEST_F(ManagerRefusedTest, AMissingKeyIsToldAndProtectedCommandsStayUnsent) {
+TEST_F(ManagerRefusedTest, ARefusedHandshakeAndAMissingKeyAreFailedWrites) {
+  ExpectRefused({"--fault", "auth-refuse-response"}, "CMX: AUTH: response rejected");
+  manager_->Stop();
   install_.Write("auth_keys.ini", "[keys]\ndemo=true\n");
-  manager_->InitConfigFileParser("Osprey");
-  const VirtualLidarProcess lidar({"--model", "Osprey"});
-  SaveScan(lidar);
-  EXPECT_EQ(1, TakeErrors().filter("Set Failed: ").size());
+  ExpectRefused({}, "CMX: AUTH: unavailable, reject protected cmd");
   EXPECT_EQ(1, LogLines("WARNING: Authentication algorithm 3 ").filter("auth_keys.ini").size());
-  ASSERT_TRUE(WaitFor(
-      [this] { return !LogLines("CMX: AUTH: unavailable, reject protected cmd").isEmpty(); }));
 }
 
 }  // namespace

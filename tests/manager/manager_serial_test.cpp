@@ -56,7 +56,14 @@ INSTANTIATE_TEST_SUITE_P(Models, ManagerOneLineTest, testing::Values("Lumo-CMX",
 
 TEST_F(ManagerSerialTest, APairOfPortsConnectsAndTheConsoleWorks) {
   const VirtualLidarProcess lidar({"--model", "Lumo", "--serial"});
+  QStringList order;
+  QObject::connect(manager_.get(), &TevronManager::isConnectedChanged, [this, &order] {
+    order << (manager_->GetIsConnectingLidar() ? "connecting" : "connected") << log_.last();
+  });
+  QObject::connect(manager_.get(), &TevronManager::isGetPBLVersionChanged,
+                   [this, &order] { order << (manager_->isGetPBLVersion() ? "reading" : "read"); });
   ASSERT_TRUE(ConnectSerial("Lumo", lidar));
+  EXPECT_EQ(order, (QStringList{"connected", "INFO: Lidar connected", "reading", "read"}));
   EXPECT_EQ(1, manager_->connectType());
   manager_->SendCommand("4B", "");
   EXPECT_FALSE(manager_->getSendCmxCommandReturnPayload().isEmpty());
@@ -104,18 +111,6 @@ TEST_F(ManagerSerialTest, DisconnectingWhileTheLidarIdentifiesItselfIsNoFailure)
   QCoreApplication::processEvents();  // what the reading thread said at its end
   EXPECT_EQ(QStringList(), TakeErrors());
   EXPECT_FALSE(manager_->isGetPBLVersion());
-}
-
-TEST_F(ManagerSerialTest, ASilentLineEndsInTime) {
-  VirtualLidarProcess lidar({"--model", "Kiva-CMX", "--serial"});
-  ASSERT_TRUE(ConnectSerial("Kiva-CMX", lidar));
-  lidar.Freeze();
-  EXPECT_FALSE(manager_->CheckLidarConnection());
-  manager_->Stop();
-  EXPECT_FALSE(Connect());
-  EXPECT_EQ(QStringList("Lidar has No CMX reply."), TakeErrors());
-  ASSERT_TRUE(manager_->ConnectLidar());
-  manager_.reset();
 }
 
 }  // namespace
