@@ -5,12 +5,14 @@
 #include "clipboard.h"
 #include "log_filter.h"
 #include "log_lines.h"
+#include "page_rows.h"
 #include "serial_port_list.h"
 #include "udp_watch.h"
 
 void RegisterScreenTypes() {
   qmlRegisterType<LogLines>("Tevron", 1, 0, "LogLines");
   qmlRegisterType<LogFilter>("Tevron", 1, 0, "LogFilter");
+  qmlRegisterType<PageRows>("Tevron", 1, 0, "PageRows");
   qmlRegisterType<Clipboard>("Tevron", 1, 0, "Clipboard");
   qmlRegisterType<SerialPortList>("Tevron", 1, 0, "SerialPortList");
   qmlRegisterType<UdpWatch>("Tevron", 1, 0, "UdpWatch");

@@ -40,7 +40,6 @@ class FakeManager : public QObject {
   Q_INVOKABLE bool CheckModuleVarsWithinRange(int module) {
     return Note({"CheckModuleVarsWithinRange", module});
   }
-  Q_INVOKABLE bool isTimerUpdate(int, int, int level3) { return level3 == 0; }
   Q_INVOKABLE QString getLidarPN() { return pn; }
   Q_INVOKABLE QString getLidarSN() { return sn; }
   Q_INVOKABLE void setErrorMsg(const QString& text) { Note({"setErrorMsg", text}); }

@@ -8,28 +8,26 @@ FocusScope {
     property var row
     readonly property var leaf: row.leaf
 
-    function show() {
-        box.chosenIndex = leaf.option_index;
-        box.revert();
-    }
-
     implicitHeight: Theme.controlHeight
 
     DefaultComboBox {
         id: box
 
-        objectName: "choice_" + editor.row.level1 + "_" + editor.row.level2 + "_" + editor.row.level3
+        objectName: "choice_" + editor.row.place
         width: Theme.fieldWidth
         anchors.verticalCenter: parent.verticalCenter
         focus: true
         enabled: editor.row.editable
         model: editor.leaf.options
+        chosenIndex: editor.leaf.option_index
         displayText: currentIndex < 0 ? editor.leaf.current_val : currentText
         pending: editor.row.pending
         label: editor.row.caption
         hint: editor.leaf.hint || ""
-        onChosen: editor.row.edit(3, String(index))
-        Component.onCompleted: editor.show()
+        onChosen: {
+            editor.row.edit(3, String(index));
+            revert();
+        }
     }
 
     RowNote {

@@ -41,6 +41,11 @@ FocusScope {
         row.edited();
     }
 
+    Connections {
+        target: panel.manager
+        function onMyMapChanged() { panel.show(); }
+    }
+
     implicitHeight: grid.implicitHeight
 
     Grid {

@@ -1,13 +1,11 @@
 import QtQuick 2.15
 import "../controls"
 import "../theme"
-import "ValueHint.js" as ValueHint
 
 // One row of a page: the caption, the editor of the row's kind, and a note at the end of the line.
 //
-// The row keeps its own copy of the variable it shows, `leaf`, and takes a new one only when it is
-// told to. So a page refresh leaves a field alone that the user is typing in, and no row is ever
-// rebuilt for a new value.
+// caption, kind, level1 to 3, leaf and startsGroup are the roles of the page's model. A new value
+// changes `leaf` and never rebuilds the row; a field that the user is typing in keeps its text.
 FocusScope {
     id: row
 
@@ -20,58 +18,46 @@ FocusScope {
     readonly property string fovCommand: "0x22"
 
     property var manager
-    property string caption: ""
-    property int kind: 0
-    property int level1: -1
-    property int level2: -1
-    property int level3: -1
-    property var leaf: null
+    required property string caption
+    required property int kind
+    required property int level1
+    required property int level2
+    required property int level3
+    required property var leaf
+    required property bool startsGroup
 
-    readonly property bool isFov: leaf !== null && Number(leaf.set_cmd) === Number(fovCommand)
-    readonly property bool editable: leaf !== null && leaf.permission !== 0
-    readonly property bool pending: leaf !== null && leaf.edited === true
-    readonly property bool followsTimer: manager.isTimerUpdate(level1, level2, level3)
-    readonly property Item editor: loader.item
-
-    property bool startsGroup: false
+    readonly property bool isFov: Number(leaf.set_cmd) === Number(fovCommand)
+    readonly property bool editable: leaf.permission !== 0
+    readonly property bool pending: leaf.edited === true
+    readonly property string place: level1 + "_" + level2 + "_" + level3
 
     // The row's editor got the keyboard, and should be in view.
     signal entered()
     // The user changed the value.
     signal edited()
 
-    // Shows `freshLeaf`, except in a field that is being typed in.
-    function take(freshLeaf) {
-        leaf = freshLeaf;
-        if (editor === null && (leaf !== null || kind === kindFile || kind === kindMonitor))
-            loader.setSource(editorFor(kind), { row: row });
-        else if (editor && editor.show)
-            editor.show();
-    }
-
     // Records what the user changed; `type` is 1 for a text, 2 for a switch, 3 for a choice.
     function edit(type, text) {
         manager.SetText(type, level1, level2, level3, text);
-        take(manager.myMap[level1][level2][level3]);
         edited();
     }
 
     // Records what is typed and not yet confirmed with Enter.
     function commit() {
-        if (editor && editor.commit)
-            editor.commit();
+        if (loader.item && loader.item.commit)
+            loader.item.commit();
     }
 
-    function editorFor(kindOfRow) {
+    function editorFile() {
         if (isFov)
             return "FovPanel.qml";
-        switch (kindOfRow) {
+        switch (kind) {
         case kindSwitch: return "SwitchEditor.qml";
         case kindChoice:
         case kindTallChoice: return "ChoiceEditor.qml";
         case kindFile: return "FileEditor.qml";
         case kindMonitor: return "MonitorEditor.qml";
-        default: return "TextEditor.qml";
+        default: return leaf.current_val === undefined ? "" : "TextEditor.qml";
         }
     }
 
@@ -83,6 +69,7 @@ FocusScope {
     implicitHeight: lineHeight + groupGap
 
     onActiveFocusChanged: if (activeFocus) entered()
+    Component.onCompleted: loader.setSource(editorFile(), { row: row })
 
     Rectangle {
         anchors.left: parent.left
@@ -110,8 +97,8 @@ FocusScope {
 
         HoverHandler { id: captionHover }
         DefaultToolTip {
-            wanted: captionHover.hovered && row.leaf !== null
-            text: row.leaf && row.leaf.hint ? row.leaf.hint : row.caption
+            wanted: captionHover.hovered
+            text: row.leaf.hint || row.caption
         }
     }
 

@@ -1,6 +1,7 @@
 import QtQuick 2.15
 import QtQuick.Window 2.15
 import QtQuick.Templates 2.15 as T
+import Tevron 1.0
 import "../controls"
 import "../theme"
 
@@ -17,6 +18,7 @@ FocusScope {
     property var manager
     property int tab: 0
     property string title: ""
+    readonly property int kindFile: 4
     readonly property bool hasEdits: pendingCommands > 0 || typing
     // A field of the page holds text that was not confirmed yet.
     readonly property bool typing: {
@@ -24,54 +26,14 @@ FocusScope {
         return activeFocus && item !== null && item.typing === true && item.text !== item.value;
     }
     property int pendingCommands: 0
+    property bool holdsUpgrade: false
 
     signal refused(string reason)
     signal confirmationWanted(var names)
 
-    // The rows of the page: [caption, kind, level1, level2, level3].
-    property var rows: []
-    property var values: []
-    readonly property bool holdsUpgrade: rows.some(row => row[1] === 4)
-    readonly property string description: {
-        const first = rows.length > 0 ? valueAt(rows[0][2], rows[0][3], rows[0][4]) : null;
-        return first !== null && first.page_description ? first.page_description : "";
-    }
-
-    // Builds the rows anew: another page, another model, or another monitor table.
-    function rebuild() {
-        values = manager.myMap;
-        const pages = manager.level2List;
-        rows = tab >= 0 && tab < pages.length ? pages[tab] : [];
-        list.positionViewAtBeginning();
-        countPending();
-    }
-
-    function valueAt(level1, level2, level3) {
-        const groups = values[level1];
-        const group = groups === undefined ? undefined : groups[level2];
-        return group === undefined || group[level3] === undefined ? null : group[level3];
-    }
-
-    // The rows that are made already, in no particular order.
-    function liveRows() {
-        const found = [];
-        const items = list.contentItem.children;
-        for (let i = 0; i < items.length; ++i) {
-            if (items[i].take !== undefined)
-                found.push(items[i]);
-        }
-        return found;
-    }
-
-    // Brings the values into the rows that are there already; `timerOnly` leaves alone those that
-    // only a reading of the page renews.
-    function takeValues(timerOnly) {
-        values = manager.myMap;
-        liveRows().forEach(row => {
-            const leaf = valueAt(row.level1, row.level2, row.level3);
-            if (leaf !== null && (!timerOnly || row.followsTimer))
-                row.take(leaf);
-        });
+    // Brings the rows up to date that show something else.
+    function takeValues() {
+        rows.TakeAll();
         countPending();
     }
 
@@ -79,15 +41,16 @@ FocusScope {
         pendingCommands = manager.getSetMapSize();
     }
 
-    // Hands over what is typed in a field that still has the keyboard.
+    // Hands over what is typed in the field that still has the keyboard.
     function commitTyping() {
-        liveRows().forEach(row => row.commit());
+        if (list.currentItem !== null)
+            list.currentItem.commit();
     }
 
     function cancel() {
         page.forceActiveFocus();
         manager.GetLidarModuleInfo(tab);
-        takeValues(false);
+        takeValues();
     }
 
     function save() {
@@ -113,18 +76,29 @@ FocusScope {
     function write() {
         manager.Run(tab);
         manager.GetLidarModuleInfo(tab);
-        takeValues(false);
+        takeValues();
     }
-
-    onTabChanged: rebuild()
-    Component.onCompleted: rebuild()
 
     Connections {
         target: page.manager
-        function onMyMapChanged() { page.takeValues(false); }
-        function onMyTimerMapChanged() { page.takeValues(true); }
-        function onMonitorContentChanged() { page.rebuild(); }
-        function onLidarModelChanged() { page.rebuild(); }
+        function onMyMapChanged() { page.takeValues(); }
+        function onMyTimerMapChanged() {
+            rows.TakeTimed();
+            page.countPending();
+        }
+        function onMonitorContentChanged() { rows.Rebuild(); }
+        function onLidarModelChanged() { rows.Rebuild(); }
+    }
+
+    PageRows {
+        id: rows
+
+        manager: page.manager
+        page: page.tab
+        onRebuilt: {
+            page.holdsUpgrade = HasKind(page.kindFile);
+            page.countPending();
+        }
     }
 
     Connections {
@@ -145,7 +119,7 @@ FocusScope {
         anchors.top: parent.top
         anchors.margins: Theme.gapWide
         text: page.title
-        description: page.description
+        description: rows.description
     }
 
     ListView {
@@ -159,35 +133,36 @@ FocusScope {
         anchors.bottom: saveBar.visible ? saveBar.top : parent.bottom
         clip: true
         focus: true
-        model: page.rows
+        model: rows
         boundsBehavior: Flickable.StopAtBounds
-        // The rows outside the window are made while it is idle and kept, so that a field keeps
-        // the keyboard and what is typed in it when it scrolls out of sight.
-        cacheBuffer: Theme.rowHeight * 200
+        // The row that has the keyboard is the current one, which is kept when it scrolls out of
+        // sight: what is being typed in it stays.
+        currentIndex: -1
+        highlightFollowsCurrentItem: false
+        // Tab walks through the rows that exist, so there are some beyond the edges.
+        cacheBuffer: Theme.rowHeight * 40
         keyNavigationEnabled: false
         T.ScrollBar.vertical: DefaultScrollBar {}
 
         delegate: PageRow {
             required property int index
-            required property var modelData
 
             width: list.width
             manager: page.manager
-            caption: modelData[0]
-            kind: modelData[1]
-            level1: modelData[2]
-            level2: modelData[3]
-            level3: modelData[4]
-            startsGroup: index > 0 && page.rows[index - 1][3] !== level2
-            onEntered: list.positionViewAtIndex(index, ListView.Contain)
-            onEdited: page.countPending()
-            Component.onCompleted: take(page.valueAt(level1, level2, level3))
+            onEntered: {
+                list.currentIndex = index;
+                list.positionViewAtIndex(index, ListView.Contain);
+            }
+            onEdited: {
+                rows.TakeRow(index);
+                page.countPending();
+            }
         }
     }
 
     EmptyNote {
         anchors.centerIn: list
-        visible: page.rows.length === 0
+        visible: rows.count === 0
         text: qsTr("This model has no values to show. Choose another model, or check its table.")
     }
 
@@ -197,7 +172,7 @@ FocusScope {
         anchors.left: parent.left
         anchors.right: parent.right
         anchors.bottom: parent.bottom
-        visible: !page.holdsUpgrade && page.rows.length > 0
+        visible: !page.holdsUpgrade && rows.count > 0
         hasEdits: page.hasEdits
         onSaveClicked: page.save()
         onCancelClicked: page.cancel()

@@ -10,20 +10,17 @@ FocusScope {
     property var row
     readonly property var leaf: row.leaf
     readonly property bool on: leaf.switch_index !== "0"
-    readonly property string suffix: row.level1 + "_" + row.level2 + "_" + row.level3
 
-    function show() {
-        toggle.checked = on;
-        if (!field.typing)
-            field.revert();
+    // Hands over what the user typed. The field shows what came of it.
+    function handOver() {
+        field.typing = false;
+        row.edit(1, field.text);
+        field.revert();
     }
 
     function commit() {
-        if (!field.typing)
-            return;
-        field.typing = false;
-        if (field.text !== field.value)
-            row.edit(1, field.text);
+        if (field.typing && field.text !== field.value)
+            handOver();
     }
 
     // Switching on needs the lidar, which holds the value to come back to; switching off always
@@ -32,11 +29,10 @@ FocusScope {
         if (row.manager.IsConnected)
             row.edit(2, wanted ? "1" : "0");
         if (!wanted) {
-            field.typing = false;
-            row.edit(1, "0");
             field.text = "0";
+            handOver();
         }
-        show();
+        toggle.checked = on;
     }
 
     implicitHeight: Theme.controlHeight
@@ -44,7 +40,7 @@ FocusScope {
     DefaultSwitch {
         id: toggle
 
-        objectName: "switch_" + editor.suffix
+        objectName: "switch_" + editor.row.place
         anchors.verticalCenter: parent.verticalCenter
         focus: true
         enabled: editor.row.editable
@@ -58,7 +54,7 @@ FocusScope {
     DefaultTextField {
         id: field
 
-        objectName: "field_" + editor.suffix
+        objectName: "field_" + editor.row.place
         anchors.left: toggle.right
         anchors.leftMargin: Theme.gapWide
         anchors.verticalCenter: parent.verticalCenter
@@ -69,7 +65,7 @@ FocusScope {
         problem: pending && toggle.checked ? ValueHint.problem(editor.leaf, text) : ""
         hint: editor.leaf.hint || ""
         label: editor.row.caption
-        onCommitted: editor.row.edit(1, text)
+        onCommitted: editor.handOver()
     }
 
     RowNote {

@@ -9,18 +9,16 @@ FocusScope {
     property var row
     readonly property var leaf: row.leaf
 
-    // Shows the variable's present text, unless the user is in the middle of typing another.
-    function show() {
-        if (!field.typing)
-            field.revert();
+    // Hands over what the user typed. The field shows what came of it.
+    function handOver() {
+        field.typing = false;
+        row.edit(1, field.text);
+        field.revert();
     }
 
     function commit() {
-        if (!field.typing)
-            return;
-        field.typing = false;
-        if (field.text !== field.value)
-            row.edit(1, field.text);
+        if (field.typing && field.text !== field.value)
+            handOver();
     }
 
     implicitHeight: Theme.controlHeight
@@ -28,7 +26,7 @@ FocusScope {
     DefaultTextField {
         id: field
 
-        objectName: "field_" + editor.row.level1 + "_" + editor.row.level2 + "_" + editor.row.level3
+        objectName: "field_" + editor.row.place
         width: Theme.fieldWidth
         anchors.verticalCenter: parent.verticalCenter
         focus: true
@@ -38,7 +36,7 @@ FocusScope {
         problem: pending ? ValueHint.problem(editor.leaf, text) : ""
         hint: editor.leaf.hint || ""
         label: editor.row.caption
-        onCommitted: editor.row.edit(1, text)
+        onCommitted: editor.handOver()
     }
 
     RowNote {

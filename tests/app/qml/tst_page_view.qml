@@ -41,7 +41,7 @@ TestCase {
     function init() {
         refusals = [];
         manager = managerComponent.createObject(test);
-        leaves = [leaf("uint16", "10"), leaf("uint16", "20"),
+        leaves = [leaf("uint16", "10", { "timer_update": true }), leaf("uint16", "20"),
                   leaf("string", "fixed", { "permission": 0 }), leaf("uint16", "3"),
                   leaf("uint8", "1"), leaf("uint8", "1"), leaf("uint8", "7"),
                   leaf("raw", "", { "set_cmd": "0x22" })];
@@ -78,9 +78,8 @@ TestCase {
         compare(editor("choice_0_0_5").currentText, "Last");
         compare(editor("field_0_0_6").text, "7");
         compare(editor("fov_3").text, "3");
-        compare(page.rows.length, 8);
-        const tall = page.liveRows().find(row => row.caption === "Tall");
-        compare(tall.height, 80);
+        compare(editor("pageRows").count, 8);
+        compare(editor("pageRows").itemAtIndex(5).height, 80);
     }
 
     function items(below, wanted) {
@@ -174,6 +173,22 @@ TestCase {
         compare(manager.calls, []);
     }
 
+    function test_typing_survives_scrolling_out_of_sight() {
+        const many = Array.from({ length: 300 }, (unused, i) => ["Row " + i, 1, 0, 0, 1]);
+        manager.level2List = [[["Typed", 1, 0, 0, 0]].concat(many)];
+        tryVerify(() => editor("field_0_0_0") !== null);
+        type("field_0_0_0", "4");
+        const list = editor("pageRows");
+        list.positionViewAtEnd();
+        tryVerify(() => list.itemAtIndex(300) !== null);
+        list.positionViewAtBeginning();
+        compare(editor("field_0_0_0").text, "4");
+        verify(page.hasEdits);
+        keyClick(Qt.Key_2);
+        keyClick(Qt.Key_Return);
+        compare(manager.calls, [["SetText", 1, 0, 0, 0, "42"]]);
+    }
+
     function test_save_has_its_guards_and_takes_what_is_still_being_typed() {
         manager["IsConnected"] = false;
         mouseClick(editor("saveButton"));
@@ -196,7 +211,7 @@ TestCase {
         manager.level2List = [[["Firmware", 4, 0, 0, 6]]];
         tryVerify(() => editor("attachFile") !== null);
         compare(editor("saveButton").visible, false);
-        const attachment = page.liveRows()[0].editor;
+        const attachment = editor("attachFile").parent;
         attachment.attach("file:///tmp/update.zip");
         attachment.attach("file:///tmp/update.patch");
         compare(manager.calls,

@@ -1,0 +1,126 @@
+#include "page_rows.h"
+
+#include <algorithm>
+
+namespace {
+
+// What stands at `place` of a list, or nothing.
+QVariant At(const QVariantList& list, int place) {
+  return place >= 0 && place < list.size() ? list.at(place) : QVariant();
+}
+
+QVariantList ListOf(const QObject* manager, const char* property) {
+  return manager == nullptr ? QVariantList() : manager->property(property).toList();
+}
+
+}  // namespace
+
+int PageRows::rowCount(const QModelIndex& parent) const { return parent.isValid() ? 0 : count(); }
+
+QVariant PageRows::data(const QModelIndex& index, int role) const {
+  if (!checkIndex(index, CheckIndexOption::IndexIsValid | CheckIndexOption::ParentIsInvalid)) {
+    return {};
+  }
+  const Row& row = rows_[static_cast<size_t>(index.row())];
+  switch (role) {
+    case kCaptionRole:
+      return row.caption;
+    case kKindRole:
+      return row.kind;
+    case kLevel1Role:
+      return row.level1;
+    case kLevel2Role:
+      return row.level2;
+    case kLevel3Role:
+      return row.level3;
+    case kLeafRole:
+      return row.leaf;
+    case kStartsGroupRole:
+      return row.starts_group;
+    default:
+      return {};
+  }
+}
+
+QHash<int, QByteArray> PageRows::roleNames() const {
+  return {{kCaptionRole, "caption"},        {kKindRole, "kind"},     {kLevel1Role, "level1"},
+          {kLevel2Role, "level2"},          {kLevel3Role, "level3"}, {kLeafRole, "leaf"},
+          {kStartsGroupRole, "startsGroup"}};
+}
+
+void PageRows::SetManager(QObject* manager) {
+  if (manager_ != manager) {
+    manager_ = manager;
+    emit managerChanged();
+    Rebuild();
+  }
+}
+
+void PageRows::SetPage(int page) {
+  if (page_ != page) {
+    page_ = page;
+    emit pageChanged();
+    Rebuild();
+  }
+}
+
+QString PageRows::description() const {
+  return rows_.empty() ? QString() : rows_.front().leaf.value("page_description").toString();
+}
+
+void PageRows::Rebuild() {
+  const QVariantList map = ListOf(manager_, "myMap");
+  beginResetModel();
+  rows_.clear();
+  for (const QVariant& entry : At(ListOf(manager_, "level2List"), page_).toList()) {
+    const QVariantList cells = entry.toList();
+    Row row{At(cells, 0).toString(),
+            At(cells, 1).toInt(),
+            At(cells, 2).toInt(),
+            At(cells, 3).toInt(),
+            At(cells, 4).toInt(),
+            false,
+            QVariantMap()};
+    row.starts_group = !rows_.empty() && rows_.back().level2 != row.level2;
+    row.leaf = LeafOf(map, row);
+    rows_.push_back(row);
+  }
+  endResetModel();
+  emit rebuilt();
+}
+
+void PageRows::TakeAll() {
+  const QVariantList map = ListOf(manager_, "myMap");
+  for (int row = 0; row < count(); ++row) {
+    Take(row, map);
+  }
+}
+
+void PageRows::TakeTimed() {
+  const QVariantList map = ListOf(manager_, "myMap");
+  for (int row = 0; row < count(); ++row) {
+    if (rows_[static_cast<size_t>(row)].leaf.value("timer_update").toBool()) {
+      Take(row, map);
+    }
+  }
+}
+
+void PageRows::TakeRow(int row) { Take(row, ListOf(manager_, "myMap")); }
+
+bool PageRows::HasKind(int kind) const {
+  return std::any_of(rows_.begin(), rows_.end(),
+                     [kind](const Row& row) { return row.kind == kind; });
+}
+
+QVariantMap PageRows::LeafOf(const QVariantList& map, const Row& row) const {
+  return At(At(At(map, row.level1).toList(), row.level2).toList(), row.level3).toMap();
+}
+
+void PageRows::Take(int row, const QVariantList& map) {
+  Row& shown = rows_[static_cast<size_t>(row)];
+  QVariantMap leaf = LeafOf(map, shown);
+  if (leaf != shown.leaf) {
+    shown.leaf = std::move(leaf);
+    emit dataChanged(index(row), index(row), {kLeafRole});
+  }
+}

@@ -1,0 +1,78 @@
+#pragma once
+
+#include <QAbstractListModel>
+#include <QObject>
+#include <QPointer>
+#include <QString>
+#include <QVariantMap>
+#include <vector>
+
+/// The rows of one page, with the variable that each of them shows. They are taken from the
+/// manager's "level2List" and "myMap" when that is asked for, and only rows whose variable differs
+/// from what they show announce a change. GUI thread only.
+class PageRows : public QAbstractListModel {
+  Q_OBJECT
+  /// The object with the two properties; may be null, and there are no rows then.
+  Q_PROPERTY(QObject* manager READ manager WRITE SetManager NOTIFY managerChanged)
+  /// Which page, from 0; there are no rows for a page that does not exist.
+  Q_PROPERTY(int page READ page WRITE SetPage NOTIFY pageChanged)
+  Q_PROPERTY(int count READ count NOTIFY rebuilt)
+  /// The line under the page's title; empty without one.
+  Q_PROPERTY(QString description READ description NOTIFY rebuilt)
+
+ public:
+  enum Role {
+    kCaptionRole = Qt::UserRole + 1,  ///< "caption"
+    kKindRole,                        ///< "kind": the row kind, see the manager's level2List
+    kLevel1Role,                      ///< "level1", "level2", "level3": the place in myMap
+    kLevel2Role,
+    kLevel3Role,
+    kLeafRole,         ///< "leaf": the fields of the variable; empty where myMap has no such place
+    kStartsGroupRole,  ///< "startsGroup": the first row of its group, but for the page's first
+  };
+
+  using QAbstractListModel::QAbstractListModel;
+
+  int rowCount(const QModelIndex& parent = {}) const override;
+  QVariant data(const QModelIndex& index, int role) const override;
+  QHash<int, QByteArray> roleNames() const override;
+
+  QObject* manager() const { return manager_; }
+  void SetManager(QObject* manager);
+  int page() const { return page_; }
+  void SetPage(int page);
+  int count() const { return static_cast<int>(rows_.size()); }
+  QString description() const;
+
+  /// Builds the rows anew: for another page, model or monitor table.
+  Q_INVOKABLE void Rebuild();
+  /// Takes the variables of all rows.
+  Q_INVOKABLE void TakeAll();
+  /// Takes the variables that the periodic refresh renews; the others wait for TakeAll.
+  Q_INVOKABLE void TakeTimed();
+  /// Takes the variable of row `row`, which has to exist.
+  Q_INVOKABLE void TakeRow(int row);
+  /// Whether a row of this kind is on the page.
+  Q_INVOKABLE bool HasKind(int kind) const;
+
+ signals:
+  void managerChanged();
+  void pageChanged();
+  void rebuilt();
+
+ private:
+  struct Row {
+    QString caption;
+    int kind;
+    int level1, level2, level3;
+    bool starts_group;
+    QVariantMap leaf;
+  };
+
+  QVariantMap LeafOf(const QVariantList& map, const Row& row) const;
+  void Take(int row, const QVariantList& map);
+
+  QPointer<QObject> manager_;
+  int page_ = 0;
+  std::vector<Row> rows_;
+};

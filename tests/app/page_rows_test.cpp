@@ -1,0 +1,65 @@
+#include "page_rows.h"
+
+#include <gtest/gtest.h>
+
+#include <QAbstractItemModelTester>
+#include <QSignalSpy>
+
+namespace {
+
+QVariantMap Leaf(const char* value, bool timed) {
+  return {{"current_val", value}, {"timer_update", timed}};
+}
+
+QVariantList Group(const QVariantList& leaves) { return {QVariant(leaves)}; }
+
+// A page of two groups: a timed row and a plain one, and a second plain one.
+QVariantList Map(const char* timed, const char* plain, const char* other) {
+  const QVariantList first = {Leaf(timed, true), Leaf(plain, false)};
+  const QVariantList groups = {QVariant(first), QVariant(Group({Leaf(other, false)})[0])};
+  return {QVariant(groups)};
+}
+
+TEST(PageRowsTest, AnnouncesTheRowsThatDiffer) {
+  QObject manager;
+  const QVariantList rows_of_page = {
+      QVariantList{"Timed", 1, 0, 0, 0}, QVariantList{"Plain", 1, 0, 0, 1},
+      QVariantList{"Other", 4, 0, 1, 0}, QVariantList{"Nowhere", 1, 0, 7, 7}};
+  manager.setProperty("level2List", QVariantList{QVariant(rows_of_page)});
+  manager.setProperty("myMap", Map("1", "2", "3"));
+  PageRows rows;
+  const QAbstractItemModelTester tester(&rows,
+                                        QAbstractItemModelTester::FailureReportingMode::Fatal);
+  rows.SetManager(&manager);
+  ASSERT_EQ(rows.count(), 4);
+  QString starts;
+  for (int row = 0; row < rows.count(); ++row) {
+    starts += rows.index(row).data(PageRows::kStartsGroupRole).toBool() ? 'x' : '.';
+  }
+  EXPECT_EQ(starts, "..xx");
+  EXPECT_TRUE(rows.HasKind(4));
+
+  QSignalSpy changed(&rows, &QAbstractItemModel::dataChanged);
+  const auto changed_rows = [&] {
+    QString text;
+    for (const QVariantList& arguments : changed) {
+      text += QString::number(arguments[0].toModelIndex().row());
+    }
+    changed.clear();
+    return text;
+  };
+  manager.setProperty("myMap", Map("10", "20", "3"));
+  rows.TakeTimed();
+  EXPECT_EQ(changed_rows(), "0");
+  rows.TakeAll();
+  EXPECT_EQ(changed_rows(), "1");
+  rows.TakeAll();
+  EXPECT_EQ(changed_rows(), "");
+  EXPECT_EQ(rows.index(1).data(PageRows::kLeafRole).toMap().value("current_val"), "20");
+
+  rows.SetPage(1);
+  EXPECT_EQ(rows.count(), 0);
+  EXPECT_EQ(rows.description(), "");
+}
+
+}  // namespace
