@@ -1,0 +1,66 @@
+import QtQuick 2.15
+import QtTest 1.15
+import "qrc:/Qml/assembly"
+
+// The controls that follow a source and report what the user wants.
+TestCase {
+    id: testCase
+
+    name: "Controls"
+    when: windowShown
+    visible: true
+    width: 400
+    height: 300
+
+    Component { id: field; DefaultTextField { value: "600" } }
+    Component { id: toggle; DefaultSwitch { value: true } }
+    Component { id: box; DefaultComboBox { model: ["Strongest", "Last", "Dual"]; chosenIndex: 1 } }
+    Component { id: tabs; TabWidget { width: 400; titles: ["Overview", "Scan"] } }
+    SignalSpy { id: wish }
+
+    function make(component, signalName) {
+        const control = createTemporaryObject(component, testCase);
+        wish.target = null;
+        wish.signalName = signalName;
+        wish.target = control;
+        wish.clear();
+        return control;
+    }
+
+    function test_a_fresh_value_does_not_disturb_typing() {
+        const control = make(field, "committed");
+        control.forceActiveFocus();
+        keyClick(Qt.Key_7);
+        control.value = "601";
+        compare(control.text, "7");
+        keyClick(Qt.Key_Escape);
+        compare(control.text, "601");
+        compare(wish.count, 0);
+        keyClick(Qt.Key_7);
+        keyClick(Qt.Key_Return);
+        compare(wish.count, 1);
+        control.value = "602";
+        compare(control.text, "602");
+    }
+
+    // Each by its keys: what it reports, and what it shows when the source holds something else.
+    function test_the_user_is_reported_and_the_source_is_followed_data() {
+        return [{ tag: "switch", component: toggle, signalName: "switched", key: Qt.Key_Space,
+                  reported: false, source: "value", value: false, shown: "checked" },
+                { tag: "choice", component: box, signalName: "chosen", key: Qt.Key_Down,
+                  reported: 2, source: "chosenIndex", value: 0, shown: "currentIndex" },
+                { tag: "tabs", component: tabs, signalName: "selected", key: Qt.Key_End,
+                  reported: 1, source: "currentIndex", value: 0, shown: "currentIndex" }];
+    }
+
+    function test_the_user_is_reported_and_the_source_is_followed(data) {
+        const control = make(data.component, data.signalName);
+        control.forceActiveFocus(Qt.TabFocusReason);
+        keyClick(data.key);
+        compare(wish.count, 1);
+        compare(wish.signalArguments[0][0], data.reported);
+        control[data.source] = data.value;
+        compare(control[data.shown], data.value);
+        compare(wish.count, 1);
+    }
+}
