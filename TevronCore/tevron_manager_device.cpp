@@ -73,7 +73,7 @@ void TevronManager::LumoSetReturnMode(int return_mode) {
 }
 
 QVariantList TevronManager::LumoGetLidarFunctionSafety() {
-  return parts_->MaintenanceNow().ReadFunctionSafety();
+  return SafetyList(parts_->MaintenanceNow().ReadFunctionSafety());
 }
 
 QString TevronManager::LumoGetBaudRate() {
@@ -95,7 +95,8 @@ void TevronManager::LumoSetBaudRateFromUI(const QString& baudRateStr) {
 }
 
 QVariantList TevronManager::LumoGetDestinationConfig(bool silent) {
-  return parts_->MaintenanceNow().ReadDestination(silent);
+  const auto held = parts_->MaintenanceNow().ReadDestination(silent);
+  return held ? AsList(*held) : QVariantList();
 }
 
 bool TevronManager::LumoSetDestinationIPandPort(const QString& ip, int port) {
@@ -107,7 +108,8 @@ bool TevronManager::LumoSetDestinationIPandPort(const QString& ip, int port) {
 }
 
 QVariantList TevronManager::LumoGetNetConfig(bool silent) {
-  return parts_->MaintenanceNow().ReadNet(silent);
+  const auto held = parts_->MaintenanceNow().ReadNet(silent);
+  return held ? AsList(*held) : QVariantList();
 }
 
 bool TevronManager::LumoSetNet(const QString& ip, const QString& mask, const QString& gateway,

@@ -8,15 +8,22 @@ using kavel::lidar::SafetyState;
 
 namespace {
 
-void Append(QVariantList* list, const QString& name, const QString& value) {
-  list->append(QVariantMap{{"name", name}, {"value", value}});
+/// One fact that the lidar told.
+QVariantMap Read(const QString& key, const QString& name, const QVariant& raw,
+                 const QString& value) {
+  return {{"key", key}, {"name", name}, {"raw", raw}, {"value", value}, {"state", "read"}};
 }
 
-void Append(QVariantList* list, const QString& name, const std::string& value) {
-  Append(list, name, QString::fromStdString(value));
+QVariantMap Unread(const char* key, const char* name) {
+  return {{"key", key}, {"name", name}, {"value", kUnread}, {"state", "unread"}};
 }
 
-QString ReturnModeText(uint8_t mode) {
+QVariantMap TextFact(const char* key, const char* name, const std::string& text) {
+  const QString value = QString::fromStdString(text);
+  return text == kUnread ? Unread(key, name) : Read(key, name, value, value);
+}
+
+QString ReturnModeText(unsigned mode) {
   switch (mode) {
     case 0:
       return "Strongest";
@@ -29,7 +36,13 @@ QString ReturnModeText(uint8_t mode) {
   }
 }
 
-QString UpTimeText(uint32_t seconds) {
+QString SpinRateText(unsigned rpm) { return QString("%1 rpm").arg(rpm); }
+
+QString StandbyText(unsigned standby) { return standby != 0 ? "Standby" : "Working"; }
+
+QString NumberText(unsigned number) { return QString::number(number); }
+
+QString UpTimeText(unsigned seconds) {
   return QString("%1:%2:%3")
       .arg(seconds / 3600)
       .arg(seconds / 60 % 60, 2, 10, QChar('0'))
@@ -40,33 +53,39 @@ QString UpTimeText(uint32_t seconds) {
 
 QVariantList InfoList(const DeviceFacts& facts, SerialFamily family) {
   QVariantList list;
-  Append(&list, "Serial Number", facts.serial_number);
-  Append(&list, "Part Number", facts.part_number);
-  const bool read = facts.status.has_value();
-  const DeviceStatus status = facts.status.value_or(DeviceStatus());
-  const auto append = [&list, read](const QString& name, const QString& value) {
-    Append(&list, name, read ? value : QString(kUnread));
+  list.append(TextFact("serial_number", "Serial Number", facts.serial_number));
+  list.append(TextFact("part_number", "Part Number", facts.part_number));
+  const auto append = [&](const char* key, const char* name, auto DeviceStatus::*member,
+                          QString (*text)(unsigned)) {
+    if (facts.status) {
+      const unsigned raw = (*facts.status).*member;
+      list.append(Read(key, name, raw, text(raw)));
+    } else {
+      list.append(Unread(key, name));
+    }
   };
-  append("Return Mode", ReturnModeText(status.return_mode));
-  append("Spin Rate", QString("%1 rpm").arg(status.spin_rate_rpm));
-  append("Mode", status.standby ? "Standby" : "Working");
+  append("return_mode", "Return Mode", &DeviceStatus::return_mode, ReturnModeText);
+  append("spin_rate", "Spin Rate", &DeviceStatus::spin_rate_rpm, SpinRateText);
+  append("standby", "Mode", &DeviceStatus::standby, StandbyText);
   if (family == SerialFamily::kKiva) {
-    append("IMU Angular Range Index", QString::number(status.angular_range_index));
-    append("IMU Acceleration Range Index", QString::number(status.accel_range_index));
+    append("angular_range", "IMU Angular Range Index", &DeviceStatus::angular_range_index,
+           NumberText);
+    append("accel_range", "IMU Acceleration Range Index", &DeviceStatus::accel_range_index,
+           NumberText);
   }
-  append("Up Time", UpTimeText(status.up_time_s));
+  append("up_time", "Up Time", &DeviceStatus::up_time_s, UpTimeText);
   return list;
 }
 
 QVariantList VersionList(const DeviceFacts& facts, SerialFamily family) {
   QVariantList list;
-  Append(&list, "Firmware Version", facts.versions.firmware);
-  Append(&list, "PBL Version", facts.pbl_version);
+  list.append(TextFact("firmware", "Firmware Version", facts.versions.firmware));
+  list.append(TextFact("pbl", "PBL Version", facts.pbl_version));
   if (family == SerialFamily::kKiva) {
-    Append(&list, "BMB FPGA Version", facts.versions.fpga_a);
-    Append(&list, "TMB FPGA Version", facts.versions.fpga_b);
+    list.append(TextFact("fpga_bottom", "BMB FPGA Version", facts.versions.fpga_a));
+    list.append(TextFact("fpga_top", "TMB FPGA Version", facts.versions.fpga_b));
   } else if (family == SerialFamily::kLumo) {
-    Append(&list, "Junction Box Version", facts.versions.fpga_a);
+    list.append(TextFact("junction_box", "Junction Box Version", facts.versions.fpga_a));
   }
   return list;
 }
@@ -78,7 +97,17 @@ QVariantList SafetyList(const std::vector<SafetyState>& states) {
     if (state.fault_code != 0) {
       text += QString(", fault code 0x%1").arg(state.fault_code, 4, 16, QChar('0'));
     }
-    Append(&list, QString("Safety function %1").arg(state.id), text);
+    list.append(Read(QString("safety_%1").arg(state.id),
+                     QString("Safety function %1").arg(state.id), unsigned{state.state}, text));
   }
   return list;
+}
+
+QVariantList AsList(const kavel::lidar::Destination& destination) {
+  return {QString::fromStdString(destination.ip), int{destination.port}};
+}
+
+QVariantList AsList(const kavel::lidar::NetConfig& net) {
+  return {QString::fromStdString(net.ip), QString::fromStdString(net.mask),
+          QString::fromStdString(net.gateway), net.vlan ? 1 : 0, int{net.vlan_id}};
 }

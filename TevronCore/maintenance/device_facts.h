@@ -20,7 +20,14 @@ struct DeviceFacts {
   std::optional<kavel::lidar::DeviceStatus> status;
 };
 
-/// The facts as the screens show them: maps of "name" and "value" (texts).
+/// The facts as the screens show them, one map each: "name" and "value" are texts to show, "key"
+/// names the fact to the program, "raw" is the number or text that the lidar told, and "state" is
+/// "read", or "unread" for what it has not told; then "value" is kUnread and "raw" is missing.
 QVariantList InfoList(const DeviceFacts& facts, SerialFamily family);
 QVariantList VersionList(const DeviceFacts& facts, SerialFamily family);
 QVariantList SafetyList(const std::vector<kavel::lidar::SafetyState>& states);
+
+/// IP address (text) and UDP port.
+QVariantList AsList(const kavel::lidar::Destination& destination);
+/// Address, mask and gateway (texts), VLAN flag (0 or 1) and VLAN identifier.
+QVariantList AsList(const kavel::lidar::NetConfig& net);

@@ -18,11 +18,7 @@ FactsReading::FactsReading(std::shared_ptr<kavel::lidar::CommandSender> sender,
       thread_([this] { Run(); }) {}
 
 FactsReading::~FactsReading() {
-  {
-    const std::lock_guard<std::mutex> lock(mutex_);
-    stopped_ = true;
-  }
-  changed_.notify_all();
+  stop_.Raise();
   thread_.join();
 }
 
@@ -31,16 +27,18 @@ void FactsReading::Request() { Require(Due::kNow); }
 void FactsReading::RequestAfterRestart() { Require(Due::kAfterRestart); }
 
 void FactsReading::Require(Due due) {
-  {
-    const std::lock_guard<std::mutex> lock(mutex_);
-    due_ = std::max(due_, due);  // a reading after the restart serves every other request too
-  }
-  changed_.notify_all();
+  // A reading after the restart serves every other request too.
+  stop_.Tell([this, due] { due_ = std::max(due_, due); });
 }
 
 void FactsReading::Run() {
   DeviceFacts facts;
-  for (Due due = WaitForRequest(); due != Due::kNothing; due = WaitForRequest()) {
+  Due due = Due::kNothing;
+  const auto is_due = [this, &due] {
+    due = std::exchange(due_, Due::kNothing);
+    return due != Due::kNothing;
+  };
+  while (!stop_.WaitUntil(is_due)) {
     if (due == Due::kAfterRestart) {
       WaitUntilBack();
     }
@@ -49,24 +47,13 @@ void FactsReading::Run() {
   }
 }
 
-FactsReading::Due FactsReading::WaitForRequest() {
-  std::unique_lock<std::mutex> lock(mutex_);
-  changed_.wait(lock, [this] { return stopped_ || due_ != Due::kNothing; });
-  return stopped_ ? Due::kNothing : std::exchange(due_, Due::kNothing);
-}
-
 void FactsReading::WaitUntilBack() {
   const auto patience_ends = std::chrono::steady_clock::now() + kRestartPatience;
   std::chrono::milliseconds pause = kRestartBegins;
-  while (!StoppedWithin(pause) && std::chrono::steady_clock::now() < patience_ends) {
+  while (!stop_.WaitFor(pause) && std::chrono::steady_clock::now() < patience_ends) {
     if (LidarAnswers(*sender_)) {
       return;
     }
     pause = kRestartPoll;
   }
-}
-
-bool FactsReading::StoppedWithin(std::chrono::milliseconds duration) {
-  std::unique_lock<std::mutex> lock(mutex_);
-  return changed_.wait_for(lock, duration, [this] { return stopped_; });
 }

@@ -1,15 +1,14 @@
 #pragma once
 
 #include <chrono>
-#include <condition_variable>
 #include <functional>
 #include <memory>
-#include <mutex>
 #include <thread>
 
 #include "CmxClient/command_sender.h"
 #include "maintenance/device_facts.h"
 #include "session/link_state.h"
+#include "session/stop_signal.h"
 #include "session/user_report.h"
 
 /// Reads on request what a serial-attached lidar says about itself, on a thread of its own: over a
@@ -45,18 +44,14 @@ class FactsReading {
 
   void Require(Due due);
   void Run();
-  Due WaitForRequest();
   void WaitUntilBack();
-  bool StoppedWithin(std::chrono::milliseconds duration);
 
   const std::shared_ptr<kavel::lidar::CommandSender> sender_;
   const LinkState& state_;
   const ConnectType connect_type_;
   const std::shared_ptr<UserReport> report_;
   const std::function<void(DeviceFacts)> done_;
-  std::mutex mutex_;
-  std::condition_variable changed_;
-  Due due_ = Due::kNothing;  ///< guarded by mutex_
-  bool stopped_ = false;     ///< guarded by mutex_
+  StopSignal stop_;
+  Due due_ = Due::kNothing;  ///< what stop_ tells
   std::thread thread_;
 };

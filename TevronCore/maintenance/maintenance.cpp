@@ -1,7 +1,6 @@
 #include "maintenance/maintenance.h"
 
 #include <exception>
-#include <functional>
 #include <limits>
 
 #include "CmxClient/cmx_client.h"
@@ -87,94 +86,79 @@ int32_t WithinField(int value, Set set) {
 
 }  // namespace
 
+template <typename Exchange>
+bool Maintenance::Run(const MaintenanceTexts& texts, Exchange exchange, bool silent) {
+  return IsReady(texts, silent) && Conclude(texts, exchange(*link_.sender), silent);
+}
+
 std::optional<uint32_t> Maintenance::ReadBaudRate() {
   uint32_t rate = 0;
-  if (!IsReady(kGetBaudRate) || !Conclude(kGetBaudRate, GetBaudRate(*link_.sender, &rate))) {
-    return std::nullopt;
-  }
-  return rate;
+  const auto get = [&](CommandSender& lidar) { return GetBaudRate(lidar, &rate); };
+  return Run(kGetBaudRate, get) ? std::optional(rate) : std::nullopt;
 }
 
 std::optional<uint32_t> Maintenance::WriteBaudRate(const QString& text) {
-  if (!IsReady(kSetBaudRate)) {
-    return std::nullopt;
-  }
   const uint32_t rate = text.toUInt();
   if (rate == 0) {
-    report_.Error("invalid baud rate value");
+    if (IsReady(kSetBaudRate)) {
+      report_.Error("invalid baud rate value");
+    }
     return std::nullopt;
   }
-  if (!Conclude(kSetBaudRate, SetBaudRate(*link_.sender, rate))) {
-    return std::nullopt;
-  }
-  return rate;
+  const auto set = [&](CommandSender& lidar) { return SetBaudRate(lidar, rate); };
+  return Run(kSetBaudRate, set) ? std::optional(rate) : std::nullopt;
 }
 
-QVariantList Maintenance::ReadDestination(bool silent) {
+std::optional<Destination> Maintenance::ReadDestination(bool silent) {
   Destination held;
-  if (!IsReady(kGetDestination, silent) ||
-      !Conclude(kGetDestination, GetDestination(*link_.sender, &held), silent)) {
-    return {};
-  }
-  return {QString::fromStdString(held.ip), int{held.port}};
+  const auto get = [&](CommandSender& lidar) { return GetDestination(lidar, &held); };
+  return Run(kGetDestination, get, silent) ? std::optional(held) : std::nullopt;
 }
 
 bool Maintenance::WriteDestination(const QString& ip, int port) {
-  if (!IsReady(kSetDestination)) {
-    return false;
-  }
-  return Conclude(kSetDestination, WithinField<uint16_t>(port, [&](uint16_t udp_port) {
-                    return SetDestination(*link_.sender, {ip.toStdString(), udp_port});
-                  }));
+  return Run(kSetDestination, [&](CommandSender& lidar) {
+    return WithinField<uint16_t>(port, [&](uint16_t udp_port) {
+      return SetDestination(lidar, {ip.toStdString(), udp_port});
+    });
+  });
 }
 
-QVariantList Maintenance::ReadNet(bool silent) {
+std::optional<NetConfig> Maintenance::ReadNet(bool silent) {
   NetConfig held;
-  if (!IsReady(kGetNet, silent) || !Conclude(kGetNet, GetNetConfig(*link_.sender, &held), silent)) {
-    return {};
-  }
-  return {QString::fromStdString(held.ip), QString::fromStdString(held.mask),
-          QString::fromStdString(held.gateway), held.vlan ? 1 : 0, int{held.vlan_id}};
+  const auto get = [&](CommandSender& lidar) { return GetNetConfig(lidar, &held); };
+  return Run(kGetNet, get, silent) ? std::optional(held) : std::nullopt;
 }
 
 bool Maintenance::WriteNet(const QString& ip, const QString& mask, const QString& gateway,
                            bool vlan, int vlan_id) {
-  if (!IsReady(kSetNet)) {
-    return false;
-  }
-  const int32_t result = WithinField<uint16_t>(vlan ? vlan_id : 0, [&](uint16_t id) {
-    return SetNetConfig(*link_.sender,
-                        {ip.toStdString(), mask.toStdString(), gateway.toStdString(), vlan, id});
+  return Run(kSetNet, [&](CommandSender& lidar) {
+    const int32_t result = WithinField<uint16_t>(vlan ? vlan_id : 0, [&](uint16_t id) {
+      return SetNetConfig(lidar,
+                          {ip.toStdString(), mask.toStdString(), gateway.toStdString(), vlan, id});
+    });
+    // Meant: a lidar that has taken new network settings drops the link instead of answering.
+    return result == kNoReply ? 0 : result;
   });
-  // Meant: a lidar that has taken new network settings drops the link instead of answering.
-  return Conclude(kSetNet, result == kNoReply ? 0 : result);
 }
 
 bool Maintenance::WriteReturnMode(int return_mode) {
-  if (!IsReady(kSetReturnMode)) {
-    return false;
-  }
-  return Conclude(kSetReturnMode, WithinField<uint8_t>(return_mode, [this](uint8_t mode) {
-                    return SetReturnMode(*link_.sender, mode);
-                  }));
+  return Run(kSetReturnMode, [&](CommandSender& lidar) {
+    return WithinField<uint8_t>(return_mode,
+                                [&](uint8_t mode) { return SetReturnMode(lidar, mode); });
+  });
 }
 
 bool Maintenance::WriteSpinRate(int spin_rate_rpm) {
-  if (!IsReady(kSetSpinRate)) {
-    return false;
-  }
-  return Conclude(kSetSpinRate, WithinField<uint16_t>(spin_rate_rpm, [this](uint16_t rpm) {
-                    return SetSpinRate(*link_.sender, rpm);
-                  }));
+  return Run(kSetSpinRate, [&](CommandSender& lidar) {
+    return WithinField<uint16_t>(spin_rate_rpm,
+                                 [&](uint16_t rpm) { return SetSpinRate(lidar, rpm); });
+  });
 }
 
 bool Maintenance::WriteStandby(int standby) {
-  if (!IsReady(kSetStandby)) {
-    return false;
-  }
-  return Conclude(kSetStandby, standby == 0 || standby == 1
-                                   ? SetStandby(*link_.sender, standby == 1)
-                                   : kBadArgument);
+  return Run(kSetStandby, [&](CommandSender& lidar) {
+    return standby == 0 || standby == 1 ? SetStandby(lidar, standby == 1) : kBadArgument;
+  });
 }
 
 bool Maintenance::WriteImuRange(int angular_range_index, int accel_range_index) {
@@ -187,61 +171,51 @@ bool Maintenance::WriteImuRange(int angular_range_index, int accel_range_index) 
     report_.Error("Invalid acceleration range index");
     return false;
   }
-  if (!IsReady(kSetImuRange)) {
-    return false;
-  }
-  return Conclude(kSetImuRange,
-                  SetImuRange(*link_.sender, static_cast<uint8_t>(angular_range_index),
-                              static_cast<uint8_t>(accel_range_index)));
+  return Run(kSetImuRange, [&](CommandSender& lidar) {
+    return SetImuRange(lidar, static_cast<uint8_t>(angular_range_index),
+                       static_cast<uint8_t>(accel_range_index));
+  });
 }
 
-QVariantList Maintenance::ReadFunctionSafety() {
+std::vector<SafetyState> Maintenance::ReadFunctionSafety() {
   std::vector<SafetyState> states;
-  if (!IsReady(kReadSafety) || !Conclude(kReadSafety, GetFunctionSafety(*link_.sender, &states))) {
-    return {};
-  }
-  return SafetyList(states);
+  Run(kReadSafety, [&](CommandSender& lidar) { return GetFunctionSafety(lidar, &states); });
+  return states;
 }
 
 DeviceFacts Maintenance::ReadFacts(DeviceFacts facts) {
   if (!IsReady(kReadSerialNumber)) {
     return facts;
   }
-  std::string serial_number;
-  std::string part_number;
-  DeviceStatus status;
-  struct Step {
-    const MaintenanceTexts& texts;
-    std::function<int32_t()> exchange;
-    std::function<void()> keep;
-  };
-  const Step steps[] = {
-      {kReadSerialNumber, [&] { return GetSerialNumber(*link_.sender, &serial_number); },
-       [&] { KeepValid(serial_number, "SN invalid after validation", &facts.serial_number); }},
-      {kReadPartNumber, [&] { return GetPartNumber(*link_.sender, &part_number); },
-       [&] { KeepValid(part_number, "PN invalid after validation", &facts.part_number); }},
-      {kReadVersions, [&] { return GetVersions(*link_.sender, &facts.versions); }, [] {}},
-      {kReadPblVersion, [&] { return GetPblVersion(*link_.sender, &facts.pbl_version); }, [] {}},
-      {kReadStatus, [&] { return GetStatus(*link_.sender, &status); },
-       [&] { facts.status = status; }},
-  };
-  for (const Step& step : steps) {
-    const int32_t result = step.exchange();
-    if (Conclude(step.texts, result)) {
-      step.keep();
-    } else if (result == kNoReply) {
-      break;
+  CommandSender& lidar = *link_.sender;
+  bool is_silent = false;
+  const auto read = [&](const MaintenanceTexts& texts, auto get, auto* fact) {
+    if (is_silent) {
+      return false;
     }
+    const int32_t result = get(lidar, fact);
+    is_silent = result == kNoReply;
+    return Conclude(texts, result);
+  };
+  std::string number;
+  if (read(kReadSerialNumber, GetSerialNumber, &number)) {
+    KeepValid(number, "SN invalid after validation", &facts.serial_number);
+  }
+  if (read(kReadPartNumber, GetPartNumber, &number)) {
+    KeepValid(number, "PN invalid after validation", &facts.part_number);
+  }
+  read(kReadVersions, GetVersions, &facts.versions);
+  read(kReadPblVersion, GetPblVersion, &facts.pbl_version);
+  DeviceStatus status;
+  if (read(kReadStatus, GetStatus, &status)) {
+    facts.status = status;
   }
   return facts;
 }
 
 int32_t Maintenance::RestartKiva() {
-  if (!IsReady(kRestartKiva)) {
-    return kNotConnected;
-  }
-  const int32_t result = RestartDevice(*link_.sender);
-  if (Conclude(kRestartKiva, result)) {
+  int32_t result = kNotConnected;
+  if (Run(kRestartKiva, [&](CommandSender& lidar) { return result = RestartDevice(lidar); })) {
     report_.LogLine("Kiva restart command sent", LogType::kInfo);
   }
   return result;
@@ -299,12 +273,12 @@ bool Maintenance::IsReady(const MaintenanceTexts& texts, bool silent) {
 }
 
 bool Maintenance::Conclude(const MaintenanceTexts& texts, int32_t result, bool silent) {
-  if (result == 0) {
+  if (result != 0) {
+    Fail(texts.failure + CmxClient::ErrorText(result), silent);
+  } else if (*texts.success != '\0') {
     report_.Success(texts.success);
-    return true;
   }
-  Fail(texts.failure + CmxClient::ErrorText(result), silent);
-  return false;
+  return result == 0;
 }
 
 void Maintenance::Fail(const std::string& text, bool silent) {

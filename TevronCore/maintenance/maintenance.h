@@ -1,12 +1,13 @@
 #pragma once
 
 #include <QString>
-#include <QVariantList>
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "CmxClient/command_sender.h"
+#include "CmxClient/device_commands.h"
 #include "maintenance/device_facts.h"
 #include "session/link_state.h"
 #include "session/user_report.h"
@@ -37,12 +38,12 @@ class Maintenance {
   /// Sets it from decimal text: the new rate, or nothing on failure.
   std::optional<uint32_t> WriteBaudRate(const QString& text);
 
-  /// IP address (text) and UDP port (number) that the point cloud is sent to; empty on failure.
-  QVariantList ReadDestination(bool silent = false);
+  /// Where the point cloud is sent; nothing on failure.
+  std::optional<kavel::lidar::Destination> ReadDestination(bool silent = false);
   bool WriteDestination(const QString& ip, int port);
 
-  /// Address, mask and gateway (texts), VLAN flag (0 or 1) and VLAN identifier; empty on failure.
-  QVariantList ReadNet(bool silent = false);
+  /// Nothing on failure.
+  std::optional<kavel::lidar::NetConfig> ReadNet(bool silent = false);
   /// The identifier counts only with the flag. A lidar that drops the link instead of answering has
   /// taken the settings: that is a success.
   bool WriteNet(const QString& ip, const QString& mask, const QString& gateway, bool vlan,
@@ -54,8 +55,8 @@ class Maintenance {
   /// Indices 0 to 5 and 0 to 3.
   bool WriteImuRange(int angular_range_index, int accel_range_index);
 
-  /// The safety functions as maps of "name" and "value"; empty on failure.
-  QVariantList ReadFunctionSafety();
+  /// What each safety function reports; empty on failure.
+  std::vector<kavel::lidar::SafetyState> ReadFunctionSafety();
 
   /// What the lidar says about itself. What cannot be read, and a number that is not 1 to 32
   /// printable characters, stays as in `facts`; once the lidar is silent the rest is not asked for.
@@ -70,6 +71,10 @@ class Maintenance {
   int32_t Reset(const ConfigParser& table, bool silent = false);
 
  private:
+  /// Runs `exchange`, which is handed the sender and gives 0 or the reason of its failure, if the
+  /// operation is possible now. True when it was and the lidar did it.
+  template <typename Exchange>
+  bool Run(const MaintenanceTexts& texts, Exchange exchange, bool silent = false);
   bool IsReady(const MaintenanceTexts& texts, bool silent = false);
   bool Conclude(const MaintenanceTexts& texts, int32_t result, bool silent = false);
   void Fail(const std::string& text, bool silent = false);

@@ -9,15 +9,30 @@
 class StopSignal {
  public:
   void Raise() {
-    {
-      const std::lock_guard<std::mutex> lock(mutex_);
-      raised_ = true;
-    }
-    changed_.notify_all();
+    Tell([this] { raised_ = true; });
   }
 
   bool IsRaised() const {
     const std::lock_guard<std::mutex> lock(mutex_);
+    return raised_;
+  }
+
+  /// Changes what the worker waits for in WaitUntil.
+  template <typename Change>
+  void Tell(Change change) {
+    {
+      const std::lock_guard<std::mutex> lock(mutex_);
+      change();
+    }
+    changed_.notify_all();
+  }
+
+  /// Sleeps until `is_told`, which is asked under the lock that Tell holds, or until raised. True
+  /// when raised.
+  template <typename Told>
+  bool WaitUntil(Told is_told) {
+    std::unique_lock<std::mutex> lock(mutex_);
+    changed_.wait(lock, [&] { return raised_ || is_told(); });
     return raised_;
   }
 

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <QVariantMap>
+#include <algorithm>
 #include <functional>
 
 #include "support/model_fixture.h"
@@ -12,6 +13,7 @@
 namespace {
 
 using Lines = std::vector<std::string>;
+using M = Maintenance;
 using Sent = ScriptedSender::Sent;
 
 const Bytes kNetBytes = {192, 168, 1, 201, 255, 255, 255, 0, 192, 168, 1, 1, 1, 0x0F, 0xFF};
@@ -19,61 +21,55 @@ const Bytes kNetBytes = {192, 168, 1, 201, 255, 255, 255, 0, 192, 168, 1, 1, 1, 
 struct Operation {
   Sent sent;
   bool serial_only;
-  std::function<void(Maintenance&)> run;
+  std::function<void(M&)> run;
 };
 
-std::vector<Operation> Operations() {
-  using M = Maintenance;
-  return {
-      {{0x40, {}}, true, [](M& m) { m.ReadBaudRate(); }},
-      {{0x41, {0, 0x2F, 0xAF, 0x08}}, true, [](M& m) { m.WriteBaudRate("3125000"); }},
-      {{0x42, {}}, true, [](M& m) { m.ReadDestination(); }},
-      {{0x43, {10, 0, 0, 5, 255, 255}}, true, [](M& m) { m.WriteDestination("10.0.0.5", 65535); }},
-      {{0x44, {}}, true, [](M& m) { m.ReadNet(); }},
-      {{0x45, kNetBytes},
-       true,
-       [](M& m) { m.WriteNet("192.168.1.201", "255.255.255.0", "192.168.1.1", true, 4095); }},
-      {{0x46, {2}}, false, [](M& m) { m.WriteReturnMode(2); }},
-      {{0x47, {0x04, 0xB0}}, false, [](M& m) { m.WriteSpinRate(1200); }},
-      {{0x48, {1}}, false, [](M& m) { m.WriteStandby(1); }},
-      {{0x49, {5, 3}}, true, [](M& m) { m.WriteImuRange(5, 3); }},
-      {{0x4E, {}}, false, [](M& m) { m.ReadFunctionSafety(); }},
-      {{0x10, {}}, false, [](M& m) { m.RestartKiva(); }},
-  };
-}
+const Operation kOperations[] = {
+    {{0x40, {}}, true, [](M& m) { m.ReadBaudRate(); }},
+    {{0x41, {0, 0x2F, 0xAF, 0x08}}, true, [](M& m) { m.WriteBaudRate("3125000"); }},
+    {{0x42, {}}, true, [](M& m) { m.ReadDestination(); }},
+    {{0x43, {10, 0, 0, 5, 255, 255}}, true, [](M& m) { m.WriteDestination("10.0.0.5", 65535); }},
+    {{0x44, {}}, true, [](M& m) { m.ReadNet(); }},
+    {{0x45, kNetBytes},
+     true,
+     [](M& m) { m.WriteNet("192.168.1.201", "255.255.255.0", "192.168.1.1", true, 4095); }},
+    {{0x46, {2}}, false, [](M& m) { m.WriteReturnMode(2); }},
+    {{0x47, {0x04, 0xB0}}, false, [](M& m) { m.WriteSpinRate(1200); }},
+    {{0x48, {1}}, false, [](M& m) { m.WriteStandby(1); }},
+    {{0x49, {5, 3}}, true, [](M& m) { m.WriteImuRange(5, 3); }},
+    {{0x4E, {}}, false, [](M& m) { m.ReadFunctionSafety(); }},
+    {{0x10, {}}, false, [](M& m) { m.RestartKiva(); }},
+};
 
 class MaintenanceTest : public testing::Test {
  protected:
   MaintenanceTest() { state_.connected = true; }
 
-  Maintenance Over(ConnectType connect_type) {
-    return Maintenance({&lidar_, state_, connect_type}, report_);
-  }
+  M Over(ConnectType connect_type) { return M({&lidar_, state_, connect_type}, report_); }
   ScriptedSender lidar_;
   LinkState state_;
   RecordedReport report_;
+  M serial_ = Over(kSerialCmx);
 };
 
 TEST_F(MaintenanceTest, GuardsComeBeforeTheWireAndARefusalIsShownAndLogged) {
-  Maintenance serial = Over(kSerialCmx);
-  Maintenance pair = Over(kSerialPair);
-  for (const Operation& operation : Operations()) {
+  M pair = Over(kSerialPair);
+  for (const Operation& operation : kOperations) {
     lidar_.sent.clear();
     state_.connected = false;
-    operation.run(serial);
+    operation.run(serial_);
     const Lines not_ready = report_.Take();
     ASSERT_EQ(not_ready.size(), 1U);
     operation.run(pair);
     EXPECT_EQ(report_.Take() != not_ready, operation.serial_only) << not_ready[0];
-    state_.connected = true;
-    state_.upgrading = true;
-    operation.run(serial);
+    state_.connected = state_.upgrading = true;
+    operation.run(serial_);
     EXPECT_EQ(report_.Take(), not_ready);
     state_.upgrading = false;
     EXPECT_TRUE(lidar_.sent.empty());
 
     lidar_.replies = {{3, {}}};
-    operation.run(serial);
+    operation.run(serial_);
     EXPECT_EQ(lidar_.sent, std::vector<Sent>{operation.sent});
     const Lines refusal = report_.Take();
     ASSERT_EQ(refusal.size(), 2U);
@@ -84,52 +80,52 @@ TEST_F(MaintenanceTest, GuardsComeBeforeTheWireAndARefusalIsShownAndLogged) {
 
 TEST_F(MaintenanceTest, HandsOutWhatTheLidarHolds) {
   lidar_.replies = {{0, {0, 1, 0xC2, 0}}, {0, {10, 0, 0, 5, 0x09, 0x40}}, {0, kNetBytes}, {3, {}}};
-  Maintenance maintenance = Over(kSerialCmx);
-  EXPECT_EQ(maintenance.ReadBaudRate(), 115200U);
-  EXPECT_EQ(maintenance.ReadDestination(), (QVariantList{"10.0.0.5", 2368}));
-  EXPECT_EQ(maintenance.ReadNet(),
+  EXPECT_EQ(serial_.ReadBaudRate(), 115200U);
+  EXPECT_EQ(AsList(serial_.ReadDestination().value()), (QVariantList{"10.0.0.5", 2368}));
+  EXPECT_EQ(AsList(serial_.ReadNet().value()),
             (QVariantList{"192.168.1.201", "255.255.255.0", "192.168.1.1", 1, 4095}));
-  EXPECT_TRUE(maintenance.ReadNet(true).isEmpty());
+  EXPECT_FALSE(serial_.ReadNet(true));
   EXPECT_EQ(report_.Take(), Lines{"ERROR: get net config error, ret:lidar return code 3"})
       << "silence keeps it out of the error box";
 }
 
 TEST_F(MaintenanceTest, NetworkSettingsCountAsTakenWhenTheLinkDrops) {
   lidar_.replies = {{kavel::lidar::kNoReply, {}}, {kavel::lidar::kReplyBrokeOff, {}}};
-  Maintenance maintenance = Over(kSerialCmx);
-  EXPECT_TRUE(maintenance.WriteNet("10.0.0.2", "255.0.0.0", "10.0.0.1", false, 7));
+  EXPECT_TRUE(serial_.WriteNet("10.0.0.2", "255.0.0.0", "10.0.0.1", false, 7));
   EXPECT_EQ(lidar_.sent[0].payload, (Bytes{10, 0, 0, 2, 255, 0, 0, 0, 10, 0, 0, 1, 0, 0, 0}))
       << "no identifier without the flag";
-  EXPECT_FALSE(maintenance.WriteNet("10.0.0.2", "255.0.0.0", "10.0.0.1", false, 7));
+  EXPECT_FALSE(serial_.WriteNet("10.0.0.2", "255.0.0.0", "10.0.0.1", false, 7));
 }
 
 TEST_F(MaintenanceTest, ValuesThatDoNotFitAreNotSent) {
-  Maintenance maintenance = Over(kSerialCmx);
   for (const char* text : {"", "fast", "0", "-1", "4294967296", "0x10"}) {
-    EXPECT_EQ(maintenance.WriteBaudRate(text), std::nullopt);
+    EXPECT_EQ(serial_.WriteBaudRate(text), std::nullopt);
     EXPECT_EQ(report_.Take(), Lines{"error: invalid baud rate value"}) << text;
   }
-  EXPECT_FALSE(maintenance.WriteReturnMode(256));
-  EXPECT_FALSE(maintenance.WriteSpinRate(-1));
-  EXPECT_FALSE(maintenance.WriteStandby(2));
-  EXPECT_FALSE(maintenance.WriteDestination("10.0.0.5", 65536));
-  EXPECT_FALSE(maintenance.WriteDestination("10.0.0", 2368));
-  EXPECT_FALSE(maintenance.WriteNet("10.0.0.2", "255.0.0.0", "10.0.0.1", true, 4096));
-  for (const int index : {6, -1}) {
-    EXPECT_FALSE(maintenance.WriteImuRange(index, 0));
-  }
-  for (const int index : {4, -1}) {
-    EXPECT_FALSE(maintenance.WriteImuRange(5, index));
-  }
+  const bool any_done[] = {serial_.WriteReturnMode(256),
+                           serial_.WriteSpinRate(-1),
+                           serial_.WriteStandby(2),
+                           serial_.WriteDestination("10.0.0.5", 65536),
+                           serial_.WriteDestination("10.0.0", 2368),
+                           serial_.WriteNet("10.0.0.2", "255.0.0.0", "10.0.0.1", true, 4096),
+                           serial_.WriteImuRange(6, 0),
+                           serial_.WriteImuRange(-1, 0),
+                           serial_.WriteImuRange(5, 4),
+                           serial_.WriteImuRange(5, -1)};
+  EXPECT_EQ(std::count(std::begin(any_done), std::end(any_done), true), 0);
   EXPECT_EQ(report_.Take().size(), 16U) << "the link's six in the error box and in the log";
   EXPECT_TRUE(lidar_.sent.empty());
 }
 
-/// The value that the list shows under a name, or "(none)".
-QString ValueOf(const QVariantList& list, const QString& name) {
+/// The fact shown under a name: its key, what it shows, and its raw value.
+std::string Fact(const QVariantList& list, const char* name) {
   for (const QVariant& entry : list) {
-    if (entry.toMap()["name"] == name) {
-      return entry.toMap()["value"].toString();
+    const QVariantMap fact = entry.toMap();
+    if (fact["name"] == name) {
+      EXPECT_EQ(fact["state"] == "read", fact.contains("raw")) << name;
+      return (fact["key"].toString() + '|' + fact["value"].toString() + '|' +
+              fact["raw"].toString())
+          .toStdString();
     }
   }
   return "(none)";
@@ -145,27 +141,29 @@ TEST_F(MaintenanceTest, FactsAreShownUnderTheNamesOfTheModel) {
                     {0, Text("Kiva\tD32", 32)},
                     {0, Text("1.4.2" + std::string(11, '\0') + "A7" + std::string(14, '\0'), 48)},
                     {0, Text("0.9", 16)},
-                    {0, {2, 0x04, 0xB0, 1, 3, 2, 0, 0, 0x0E, 0x11}}};
+                    {0, {2, 0x04, 0xB0, 1, 3, 2, 0, 0, 0x0E, 0x11}},
+                    {0, {2, 1, 0, 0, 0, 4, 2, 0x01, 0x2F}}};
   const DeviceFacts facts = Over(kSerialPair).ReadFacts();
   EXPECT_EQ(report_.Take(),
             (Lines{"error: PN invalid after validation", "ERROR: PN invalid after validation"}));
   const QVariantList info = InfoList(facts, SerialFamily::kKiva);
-  EXPECT_EQ(ValueOf(info, "Serial Number"), "Kiva2600059");
-  EXPECT_EQ(ValueOf(info, "Part Number"), "xxxxxxxx");
-  EXPECT_EQ(ValueOf(info, "IMU Angular Range Index"), "3");
-  EXPECT_EQ(ValueOf(info, "Up Time"), "1:00:01");
+  EXPECT_EQ(Fact(info, "Serial Number"), "serial_number|Kiva2600059|Kiva2600059");
+  EXPECT_EQ(Fact(info, "Part Number"), "part_number|xxxxxxxx|");
+  EXPECT_EQ(Fact(info, "Return Mode"), "return_mode|Strongest and last|2");
+  EXPECT_EQ(Fact(info, "Spin Rate"), "spin_rate|1200 rpm|1200");
+  EXPECT_EQ(Fact(info, "Mode"), "standby|Standby|1");
+  EXPECT_EQ(Fact(info, "IMU Angular Range Index"), "angular_range|3|3");
+  EXPECT_EQ(Fact(info, "Up Time"), "up_time|1:00:01|3601");
+  EXPECT_EQ(Fact(InfoList({}, SerialFamily::kLumo), "Mode"), "standby|xxxxxxxx|");
   const QVariantList kiva = VersionList(facts, TraitsOf("Kiva-CMX").family);
-  EXPECT_EQ(ValueOf(kiva, "Firmware Version"), "1.4.2");
-  EXPECT_EQ(ValueOf(kiva, "PBL Version"), "0.9");
-  EXPECT_EQ(ValueOf(kiva, "BMB FPGA Version"), "A7");
-  EXPECT_EQ(ValueOf(VersionList(facts, TraitsOf("Lumo").family), "Junction Box Version"), "A7");
-}
-
-TEST_F(MaintenanceTest, NamesTheSafetyFunctionsThatFailed) {
-  lidar_.replies = {{0, {2, 1, 0, 0, 0, 4, 2, 0x01, 0x2F}}};
-  const QVariantList list = Over(kSerialCmx).ReadFunctionSafety();
-  EXPECT_EQ(ValueOf(list, "Safety function 1"), "OK");
-  EXPECT_EQ(ValueOf(list, "Safety function 4"), "State 2, fault code 0x012f");
+  EXPECT_EQ(Fact(kiva, "Firmware Version"), "firmware|1.4.2|1.4.2");
+  EXPECT_EQ(Fact(kiva, "PBL Version"), "pbl|0.9|0.9");
+  EXPECT_EQ(Fact(kiva, "BMB FPGA Version"), "fpga_bottom|A7|A7");
+  EXPECT_EQ(Fact(VersionList(facts, TraitsOf("Lumo").family), "Junction Box Version"),
+            "junction_box|A7|A7");
+  const QVariantList safety = SafetyList(serial_.ReadFunctionSafety());
+  EXPECT_EQ(Fact(safety, "Safety function 1"), "safety_1|OK|0");
+  EXPECT_EQ(Fact(safety, "Safety function 4"), "safety_4|State 2, fault code 0x012f|2");
 }
 
 TEST_F(MaintenanceTest, RestartAndResetSendWhatTheTableNames) {
@@ -173,14 +171,14 @@ TEST_F(MaintenanceTest, RestartAndResetSendWhatTheTableNames) {
   lidar_.replies = {{0, {}}, {4, {}}, {4, {}}};
   EXPECT_EQ(Over(kNetworkLink).Restart(fixture.table), 0);
   EXPECT_EQ(Over(kSerialPair).Restart(fixture.table, true), 4);
-  EXPECT_EQ(Over(kSerialCmx).Restart(fixture.table), 4);
+  EXPECT_EQ(serial_.Restart(fixture.table), 4);
   EXPECT_EQ(lidar_.sent, std::vector<Sent>(3, {0xFF, {0x01, 0x10, 0xAA}}));
   const std::string failure = "restart error, ret:lidar return code 4";
   EXPECT_EQ(report_.Take(), (Lines{"success: Lidar restart.", "ERROR: " + failure,
                                    "error: " + failure, "ERROR: " + failure}));
-  EXPECT_NE(Over(kNetworkLink).Reset(fixture.table), 0);
+  EXPECT_NE(serial_.Reset(fixture.table), 0);
   state_.downloading = true;
-  EXPECT_NE(Over(kNetworkLink).Restart(fixture.table), 0);
+  EXPECT_NE(serial_.Restart(fixture.table), 0);
   EXPECT_EQ(lidar_.sent.size(), 3U);
 }
 

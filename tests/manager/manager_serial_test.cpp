@@ -14,8 +14,12 @@ class ManagerSerialTest : public ManagerFixture {
 
   /// Waits until the lidar's information shows `value` under `name`.
   bool Shows(const QString& name, const QString& value) {
-    const QVariant wanted = QVariantMap{{"name", name}, {"value", value}};
-    return WaitFor([this, wanted] { return manager_->lumoLidarInfo().contains(wanted); });
+    return WaitFor([&] {
+      const QVariantList info = manager_->lumoLidarInfo();
+      return std::any_of(info.begin(), info.end(), [&](const QVariant& fact) {
+        return fact.toMap()["name"] == name && fact.toMap()["value"] == value;
+      });
+    });
   }
 };
 
