@@ -3,6 +3,7 @@
 #include <QtQml>
 
 #include "clipboard.h"
+#include "input_rules.h"
 #include "log_filter.h"
 #include "log_lines.h"
 #include "page_rows.h"
@@ -14,6 +15,8 @@ void RegisterScreenTypes() {
   qmlRegisterType<LogFilter>("Tevron", 1, 0, "LogFilter");
   qmlRegisterType<PageRows>("Tevron", 1, 0, "PageRows");
   qmlRegisterType<Clipboard>("Tevron", 1, 0, "Clipboard");
+  qmlRegisterSingletonType<InputRules>("Tevron", 1, 0, "InputRules",
+                                       [](QQmlEngine*, QJSEngine*) { return new InputRules; });
   qmlRegisterType<SerialPortList>("Tevron", 1, 0, "SerialPortList");
   qmlRegisterType<UdpWatch>("Tevron", 1, 0, "UdpWatch");
 }

@@ -130,10 +130,7 @@ bool ConnectAttempt::HostPort(uint16_t* port) {
 }
 
 bool ConnectAttempt::CommandPort(uint16_t* port) {
-  const QString text = QString::fromStdString(request_.settings.command_port).trimmed();
-  bool is_number = false;
-  *port = text.toUShort(&is_number, 10);
-  if (is_number && *port != 0) {
+  if (ParsePort(request_.settings.command_port, port)) {
     return true;
   }
   report_->Error("The command port \"" + request_.settings.command_port +

@@ -1,5 +1,6 @@
 #include "variables/host_port.h"
 
+#include <QString>
 #include <algorithm>
 #include <cstdlib>
 
@@ -18,6 +19,16 @@ bool IsAny(std::string_view text) {
 }
 
 }  // namespace
+
+bool ParsePort(const std::string& text, uint16_t* port) {
+  bool is_number = false;
+  const uint16_t number = QString::fromStdString(text).trimmed().toUShort(&is_number, 10);
+  if (!is_number || number == 0) {
+    return false;
+  }
+  *port = number;
+  return true;
+}
 
 bool ParseHostPort(const std::string& text, uint16_t* port, std::string* error) {
   const auto fail = [error](const char* message) {

@@ -54,6 +54,7 @@ TEST(SerialScreenTest, ReadsAndSetsOverOneLine) {
   screen.Click("connectButton");
   EXPECT_FALSE(screen.connected());
   EXPECT_EQ(screen.LampColor(), QColor("red"));
+  EXPECT_EQ(screen.Text("destinationIp"), "") << "nothing is known of the next lidar";
 }
 
 TEST(SerialScreenTest, SaysWhatAPairOfPortsCannotDo) {

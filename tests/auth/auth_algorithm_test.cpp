@@ -1,7 +1,5 @@
 #include "auth/auth_algorithm.h"
 
-#include <gtest/gtest.h>
-
 #include <array>
 #include <random>
 

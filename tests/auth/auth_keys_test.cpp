@@ -1,7 +1,5 @@
 #include "auth/auth_keys.h"
 
-#include <gtest/gtest.h>
-
 #include <set>
 
 #include "auth/auth_algorithm.h"

@@ -6,7 +6,8 @@
 
 #include "CmxClient/command_sender.h"
 #include "Wire/big_endian.h"
-#include "support/bytes.h"
+
+using Bytes = std::vector<uint8_t>;
 
 /// A lidar that answers each command with the next scripted reply, and with silence when there is
 /// none left. Remembers what was sent.

@@ -4,9 +4,9 @@
 
 #include <stdexcept>
 
-#include "support/bytes.h"
-
 namespace {
+
+using Bytes = std::vector<uint8_t>;
 
 TEST(CommandCode, ShortTextsAreCodesAndLongOnesTravelAsBytes) {
   const std::pair<const char*, uint8_t> codes[] = {

@@ -4,7 +4,7 @@
 
 #include <filesystem>
 
-#include "support/table_fixture.h"
+#include "variables/table_file.h"
 
 namespace {
 

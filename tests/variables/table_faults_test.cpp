@@ -1,4 +1,4 @@
-#include "support/table_fixture.h"
+#include "variables/table_test.h"
 
 namespace {
 

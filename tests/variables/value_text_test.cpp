@@ -2,9 +2,9 @@
 
 #include <gtest/gtest.h>
 
-#include "support/bytes.h"
-
 namespace {
+
+using Bytes = std::vector<uint8_t>;
 
 std::string Decode(const std::string& type, const std::string& name, float coefficient,
                    const Bytes& slice) {

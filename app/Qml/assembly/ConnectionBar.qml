@@ -3,7 +3,6 @@ import QtQuick.Layouts 1.15
 import Tevron 1.0
 import "../controls"
 import "../theme"
-import "ValueHint.js" as ValueHint
 
 // The bar at the top: which model, reached how, and the button that connects.
 //
@@ -27,18 +26,6 @@ FocusScope {
     signal restartWanted()
     signal resetWanted()
     signal aboutWanted()
-
-    function hostPortProblem(text) {
-        const trimmed = text.trim();
-        if (trimmed.length === 0)
-            return "Host port is empty";
-        if (trimmed.toUpperCase() === "ANY")
-            return "";
-        if (!/^[+-]?\d+$/.test(trimmed))
-            return "Host port must be ANY or an integer";
-        return ValueHint.isWholeNumber(trimmed, 1024, 65535)
-             ? "" : "Host port must be in [1024, 65535]";
-    }
 
     implicitHeight: Theme.topBarHeight
 
@@ -88,7 +75,7 @@ FocusScope {
                 width: Theme.addressFieldWidth
                 enabled: !bar.open
                 value: bar.manager.ip_address
-                problem: ValueHint.isAddress(text) ? "" : qsTr("An address like 192.168.1.201")
+                problem: InputRules.AddressProblem(text)
                 label: parent.caption
                 hint: qsTr("Address of the lidar on the network")
                 onCommitted: bar.manager.ip_address = text
@@ -104,8 +91,7 @@ FocusScope {
                 width: Theme.numberFieldWidth
                 enabled: !bar.open
                 value: bar.manager.port
-                problem: ValueHint.isWholeNumber(text, 1, 65535) ? ""
-                                                                 : qsTr("A number from 1 to 65535")
+                problem: InputRules.PortProblem(text)
                 label: qsTr("Command port")
                 hint: qsTr("TCP port on which the lidar takes commands, 1 to 65535")
                 onCommitted: bar.manager.port = text
@@ -121,7 +107,7 @@ FocusScope {
                 width: Theme.numberFieldWidth
                 enabled: !bar.open
                 value: bar.manager.cmxClientHostPort
-                problem: bar.hostPortProblem(text)
+                problem: InputRules.HostPortProblem(text)
                 label: parent.caption
                 hint: qsTr("Local TCP port of the connection: ANY, or 1024 to 65535")
                 onCommitted: bar.manager.cmxClientHostPort = text
@@ -168,7 +154,7 @@ FocusScope {
                 enabled: !bar.open
                 value: bar.manager.baud_rate
                 unit: "Bd"
-                problem: ValueHint.isWholeNumber(text, 1, 4294967295) ? "" : qsTr("A whole number")
+                problem: InputRules.NumberProblem(text, 1, 2147483647)
                 label: parent.caption
                 hint: qsTr("Baud rate of the UART port, on which the point cloud arrives")
                 onCommitted: {

@@ -1,10 +1,7 @@
 import QtQuick 2.15
 import QtQuick.Layouts 1.15
-import QtQuick.Templates 2.15 as T
-import QtQuick.Window 2.15
 import "../controls"
 import "../theme"
-import "ValueHint.js" as ValueHint
 
 // The screen of the lidars on a serial line, which have no pages: what they are, and the few things
 // that can be read from them and set.
@@ -18,10 +15,7 @@ FocusScope {
     property var manager
     property string modelName: ""
 
-    readonly property bool kiva: modelName.indexOf("Kiva") === 0
     readonly property bool cmxSerial: manager.connectType === 2
-    readonly property var baudRates: ["9600", "115200", "230400", "460800", "921600", "1000000",
-                                      "2000000", "3000000", "3125000"]
     // What is being done right now, as a sentence; empty when nothing is.
     property string activity: ""
     readonly property bool waiting: activity.length > 0 || manager.isGetPBLVersion
@@ -41,43 +35,32 @@ FocusScope {
         start.start();
     }
 
-    function readNet(silent) {
-        const held = manager.LumoGetNetConfig(silent);
-        if (held.length < 5)
-            return;
-        network.ip = held[0];
-        network.mask = held[1];
-        network.gateway = held[2];
-        network.vlan = Number(held[3]) !== 0;
-        network.vlanId = Number(held[4]);
-        network.show();
+    // A reading that failed leaves what is shown as it is.
+    function show(section, held) {
+        if (held.length > 0)
+            section.take(held);
     }
 
-    function readDestination(silent) {
-        const held = manager.LumoGetDestinationConfig(silent);
-        if (held.length < 2)
-            return;
-        destination.ip = held[0];
-        destination.port = String(held[1]);
-        destinationIp.revert();
-        destinationPort.revert();
-    }
-
-    function readAll() {
+    // What another lidar told says nothing about this one.
+    function startOver() {
+        network.take([]);
+        destination.take([]);
+        baudRate.take("");
+        safety.entries = [];
         if (manager.IsConnected && cmxSerial) {
             run(qsTr("Reading the lidar's settings…"), () => {
-                readNet(true);
-                readDestination(true);
+                show(network, manager.LumoGetNetConfig(true));
+                show(destination, manager.LumoGetDestinationConfig(true));
             });
         }
     }
 
-    Component.onCompleted: readAll()
+    Component.onCompleted: startOver()
 
     Connections {
         target: screen.manager
-        function onIsConnectedChanged() { screen.readAll(); }
-        function onIsGetPBLVersionChanged() { screen.readAll(); }
+        function onIsConnectedChanged() { screen.startOver(); }
+        function onIsGetPBLVersionChanged() { screen.startOver(); }
     }
 
     Timer {
@@ -121,34 +104,13 @@ FocusScope {
         }
     }
 
-    Flickable {
-        id: flick
-
-        readonly property Item focused: Window.activeFocusItem
-
-        // Brings the control that got the keyboard into view.
-        onFocusedChanged: {
-            let ancestor = focused;
-            while (ancestor && ancestor !== grid)
-                ancestor = ancestor.parent;
-            if (!ancestor)
-                return;
-            const top = focused.mapToItem(grid, 0, 0).y;
-            const lowest = top + focused.height + Theme.gapWide - height;
-            contentY = Math.max(lowest, Math.min(contentY, Math.max(0, top - Theme.gapWide)));
-        }
-
-        objectName: "serialPanels"
+    ScrollArea {
         anchors.left: parent.left
         anchors.right: parent.right
         anchors.top: heading.bottom
         anchors.topMargin: Theme.gap
         anchors.bottom: parent.bottom
-        clip: true
-        contentWidth: width
         contentHeight: grid.implicitHeight + Theme.gapWide
-        boundsBehavior: Flickable.StopAtBounds
-        T.ScrollBar.vertical: DefaultScrollBar {}
 
         GridLayout {
             id: grid
@@ -160,9 +122,6 @@ FocusScope {
             rowSpacing: Theme.gapWide
 
             LumoSection {
-                Layout.fillWidth: true
-                Layout.fillHeight: true
-                Layout.preferredWidth: Theme.serialPanelWidth
                 title: qsTr("Information")
                 LumoFacts {
                     objectName: "lidarInfo"
@@ -172,9 +131,6 @@ FocusScope {
             }
 
             LumoSection {
-                Layout.fillWidth: true
-                Layout.fillHeight: true
-                Layout.preferredWidth: Theme.serialPanelWidth
                 title: qsTr("Versions")
                 LumoFacts {
                     objectName: "lidarVersions"
@@ -186,28 +142,17 @@ FocusScope {
             LumoNetwork {
                 id: network
 
-                Layout.fillWidth: true
-                Layout.fillHeight: true
-                Layout.preferredWidth: Theme.serialPanelWidth
                 obstacle: screen.notByCmx
-                onReadWanted: screen.run(qsTr("Reading the network settings…"),
-                                         () => screen.readNet(false))
+                onReadWanted: screen.run(qsTr("Reading the network settings…"), () =>
+                    screen.show(network, screen.manager.LumoGetNetConfig(false)))
                 onSetWanted: screen.run(qsTr("Setting the network…"), () =>
                     screen.manager.LumoSetNet(ip, mask, gateway, vlanFlag, vlanId))
             }
 
             LumoOperation {
-                Layout.fillWidth: true
-                Layout.fillHeight: true
-                Layout.preferredWidth: Theme.serialPanelWidth
                 obstacle: screen.notReady
                 facts: screen.manager.LumoLidarInfo
-                hasImu: screen.kiva && screen.cmxSerial
-                returnModes: [qsTr("Strongest"), qsTr("Last"), qsTr("Strongest and last")]
-                spinRates: [300, 600, 900, 1200]
-                angularRanges: ["±125 °/s", "±250 °/s", "±500 °/s", "±1000 °/s", "±2000 °/s",
-                                "±4000 °/s"]
-                accelRanges: ["±2 g", "±4 g", "±8 g", "±16 g"]
+                imuReachable: screen.cmxSerial
                 onReturnModeWanted: screen.run(qsTr("Setting the return mode…"), () =>
                     screen.manager.LumoSetReturnMode(mode))
                 onSpinRateWanted: screen.run(qsTr("Setting the spin rate…"), () =>
@@ -218,129 +163,34 @@ FocusScope {
                     screen.manager.KivaSetIMURange(angular, accel))
             }
 
-            LumoSection {
+            LumoDestination {
                 id: destination
 
-                property string ip: ""
-                property string port: ""
-
-                Layout.fillWidth: true
-                Layout.fillHeight: true
-                Layout.preferredWidth: Theme.serialPanelWidth
-                title: qsTr("Point-cloud destination")
                 obstacle: screen.notByCmx
-
-                LumoField {
-                    caption: qsTr("IP address")
-                    DefaultTextField {
-                        id: destinationIp
-
-                        objectName: "destinationIp"
-                        value: destination.ip
-                        problem: text.length === 0 || ValueHint.isAddress(text)
-                                 ? "" : qsTr("An address like 192.168.1.201")
-                        label: qsTr("Address to which the lidar sends its points")
-                        hint: label
-                    }
-                }
-                LumoField {
-                    caption: qsTr("UDP port")
-                    DefaultTextField {
-                        id: destinationPort
-
-                        objectName: "destinationPort"
-                        value: destination.port
-                        problem: text.length === 0 || ValueHint.isWholeNumber(text, 1, 65535)
-                                 ? "" : qsTr("A number from 1 to 65535")
-                        label: qsTr("UDP port to which the lidar sends its points")
-                        hint: label
-                    }
-                }
-                Row {
-                    spacing: Theme.gap
-                    DefaultButton {
-                        objectName: "destinationRead"
-                        text: qsTr("Read")
-                        hint: qsTr("Read the destination from the lidar")
-                        onClicked: screen.run(qsTr("Reading the destination…"),
-                                              () => screen.readDestination(false))
-                    }
-                    DefaultButton {
-                        objectName: "destinationSet"
-                        text: qsTr("Set")
-                        enabled: ValueHint.isAddress(destinationIp.text)
-                                 && ValueHint.isWholeNumber(destinationPort.text, 1, 65535)
-                        hint: qsTr("Write the destination to the lidar")
-                        onClicked: screen.run(qsTr("Setting the destination…"), () =>
-                            screen.manager.LumoSetDestinationIPandPort(destinationIp.text,
-                                                                       Number(destinationPort.text)))
-                    }
-                }
+                onReadWanted: screen.run(qsTr("Reading the destination…"), () =>
+                    screen.show(destination, screen.manager.LumoGetDestinationConfig(false)))
+                onSetWanted: screen.run(qsTr("Setting the destination…"), () =>
+                    screen.manager.LumoSetDestinationIPandPort(ip, port))
             }
 
-            LumoSection {
-                Layout.fillWidth: true
-                Layout.fillHeight: true
-                Layout.preferredWidth: Theme.serialPanelWidth
-                title: qsTr("Baud rate")
+            LumoBaudRate {
+                id: baudRate
+
                 obstacle: screen.notByCmx
-
-                LumoField {
-                    caption: qsTr("Point-cloud rate")
-                    DefaultComboBox {
-                        id: baudRate
-
-                        objectName: "baudRate"
-                        width: Theme.serialChoiceWidth
-                        model: screen.baudRates
-                        chosenIndex: screen.baudRates.indexOf(screen.manager.baud_rate)
-                        displayText: currentIndex < 0 ? screen.manager.baud_rate : currentText
-                        label: qsTr("Baud rate of the point cloud")
-                        hint: label
-                    }
-                }
-                Row {
-                    spacing: Theme.gap
-                    DefaultButton {
-                        objectName: "baudRead"
-                        text: qsTr("Read")
-                        hint: qsTr("Read the baud rate from the lidar")
-                        onClicked: screen.run(qsTr("Reading the baud rate…"), () => {
-                            baudRate.chosenIndex =
-                                screen.baudRates.indexOf(screen.manager.LumoGetBaudRate());
-                        })
-                    }
-                    DefaultButton {
-                        objectName: "baudSet"
-                        text: qsTr("Set")
-                        enabled: baudRate.currentIndex >= 0
-                        hint: qsTr("Write the baud rate to the lidar")
-                        onClicked: screen.run(qsTr("Setting the baud rate…"), () =>
-                            screen.manager.LumoSetBaudRateFromUI(baudRate.currentText))
-                    }
-                }
+                onReadWanted: screen.run(qsTr("Reading the baud rate…"), () =>
+                    screen.show(baudRate, screen.manager.LumoGetBaudRate()))
+                onSetWanted: screen.run(qsTr("Setting the baud rate…"), () =>
+                    screen.manager.LumoSetBaudRateFromUI(rate))
             }
 
-            LumoSection {
-                Layout.fillWidth: true
+            LumoSafety {
+                id: safety
+
                 Layout.columnSpan: grid.columns
-                title: qsTr("Function safety")
+                Layout.fillHeight: false
                 obstacle: screen.notReady
-
-                DefaultButton {
-                    objectName: "safetyRead"
-                    text: qsTr("Read")
-                    hint: qsTr("Read the state of every safety function")
-                    onClicked: screen.run(qsTr("Reading the safety functions…"), () => {
-                        safety.entries = screen.manager.LumoGetLidarFunctionSafety();
-                    })
-                }
-                LumoFacts {
-                    id: safety
-
-                    objectName: "safetyStates"
-                    width: parent.width
-                }
+                onReadWanted: screen.run(qsTr("Reading the safety functions…"), () =>
+                    safety.entries = screen.manager.LumoGetLidarFunctionSafety())
             }
         }
     }

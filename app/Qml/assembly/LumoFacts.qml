@@ -6,7 +6,7 @@ import "../theme"
 Column {
     id: facts
 
-    // Maps with "name" and "value".
+    // Maps with "name", "value" and "state".
     property var entries: []
 
     spacing: Theme.gapTiny
@@ -27,12 +27,12 @@ Column {
             }
             Text {
                 width: parent.width / 2 - parent.spacing
-                text: modelData.value
+                text: modelData.state === "read" ? modelData.value : "—"
                 font: Theme.bodyFont
                 color: Theme.textColor
                 elide: Text.ElideRight
                 Accessible.role: Accessible.StaticText
-                Accessible.name: modelData.name + ": " + modelData.value
+                Accessible.name: modelData.name + ": " + text
             }
         }
     }

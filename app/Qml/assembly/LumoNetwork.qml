@@ -1,33 +1,30 @@
 import QtQuick 2.15
-import "../controls"
+import Tevron 1.0
 import "../theme"
-import "ValueHint.js" as ValueHint
 
 // The network settings of a serial-attached lidar, with its VLAN.
 LumoSection {
     id: section
 
-    property string ip: ""
-    property string mask: ""
-    property string gateway: ""
-    property bool vlan: false
-    property int vlanId: 0
+    // Address, mask, gateway, VLAN flag and VLAN identifier that the lidar holds; empty when it has
+    // not been asked.
+    property var held: []
+    readonly property bool known: held.length > 4
+    readonly property var fields: [ipField, maskField, gatewayField, vlanField]
 
     signal readWanted()
     signal setWanted(string ip, string mask, string gateway, int vlanFlag, int vlanId)
 
     // Shows what the lidar holds, over whatever was typed.
-    function show() {
-        for (const field of [ipField, maskField, gatewayField, vlanField])
+    function take(net) {
+        held = net;
+        for (const field of fields)
             field.revert();
-        vlanSwitch.checked = vlan;
+        vlanSwitch.checked = vlanSwitch.value;
     }
 
-    readonly property bool valid: ipField.problem === "" && maskField.problem === ""
-                                  && gatewayField.problem === "" && vlanField.problem === ""
-
     function addressProblem(text) {
-        return text.length === 0 || ValueHint.isAddress(text) ? "" : qsTr("An address like 192.168.1.201");
+        return text.length > 0 ? InputRules.AddressProblem(text) : "";
     }
 
     title: qsTr("Network")
@@ -38,7 +35,7 @@ LumoSection {
             id: ipField
 
             objectName: "netIp"
-            value: section.ip
+            value: section.known ? section.held[0] : ""
             problem: section.addressProblem(text)
             label: qsTr("IP address of the lidar")
             hint: label
@@ -50,7 +47,7 @@ LumoSection {
             id: maskField
 
             objectName: "netMask"
-            value: section.mask
+            value: section.known ? section.held[1] : ""
             problem: section.addressProblem(text)
             label: qsTr("Subnet mask of the lidar")
             hint: label
@@ -62,7 +59,7 @@ LumoSection {
             id: gatewayField
 
             objectName: "netGateway"
-            value: section.gateway
+            value: section.known ? section.held[2] : ""
             problem: section.addressProblem(text)
             label: qsTr("Gateway of the lidar")
             hint: label
@@ -74,7 +71,7 @@ LumoSection {
             id: vlanSwitch
 
             objectName: "netVlan"
-            value: section.vlan
+            value: section.known && section.held[3] !== 0
             label: qsTr("Use a VLAN")
             hint: label
         }
@@ -84,27 +81,20 @@ LumoSection {
             objectName: "netVlanId"
             width: Theme.numberFieldWidth
             enabled: vlanSwitch.checked
-            value: String(section.vlanId)
-            problem: ValueHint.isWholeNumber(text, 0, 4095) ? "" : qsTr("0 to 4095")
+            value: section.known ? String(section.held[4]) : ""
+            problem: enabled ? InputRules.NumberProblem(text, 0, 4095) : ""
             label: qsTr("VLAN identifier, 0 to 4095")
             hint: label
         }
     }
-    Row {
-        spacing: Theme.gap
-        DefaultButton {
-            objectName: "netRead"
-            text: qsTr("Read")
-            hint: qsTr("Read the network settings from the lidar")
-            onClicked: section.readWanted()
-        }
-        DefaultButton {
-            objectName: "netSet"
-            text: qsTr("Set")
-            enabled: section.valid && ipField.text.length > 0
-            hint: qsTr("Write the network settings; they count after a restart")
-            onClicked: section.setWanted(ipField.text, maskField.text, gatewayField.text,
-                                         vlanSwitch.checked ? 1 : 0, Number(vlanField.text))
-        }
+    LumoReadSet {
+        prefix: "net"
+        what: qsTr("the network settings")
+        complete: section.fields.every(field => field.problem === "")
+                  && ipField.text.length > 0 && maskField.text.length > 0
+                  && gatewayField.text.length > 0
+        onReadWanted: section.readWanted()
+        onSetWanted: section.setWanted(ipField.text, maskField.text, gatewayField.text,
+                                       vlanSwitch.checked ? 1 : 0, Number(vlanField.text))
     }
 }

@@ -7,28 +7,31 @@ import "../theme"
 LumoSection {
     id: section
 
-    // What the lidar said about itself, maps with "name" and "value".
+    // What the lidar said about itself, maps with "key", "raw" and "state".
     property var facts: []
-    property bool hasImu: false
-    property var returnModes: []
-    property var spinRates: []
-    property var angularRanges: []
-    property var accelRanges: []
+    // Whether the motion sensor can be reached here; only some models have one and tell its ranges.
+    property bool imuReachable: false
+    readonly property bool hasImu: imuReachable && facts.some(fact => fact.key === "angular_range")
+    readonly property var returnModes: [qsTr("Strongest"), qsTr("Last"), qsTr("Strongest and last")]
+    readonly property var spinRates: [300, 600, 900, 1200]
+    readonly property var angularRanges: ["±125 °/s", "±250 °/s", "±500 °/s", "±1000 °/s",
+                                          "±2000 °/s", "±4000 °/s"]
+    readonly property var accelRanges: ["±2 g", "±4 g", "±8 g", "±16 g"]
 
     signal returnModeWanted(int mode)
     signal spinRateWanted(int rpm)
     signal standbyWanted(int standby)
     signal imuRangeWanted(int angular, int accel)
 
-    // The text of one fact; empty when the lidar did not tell it.
-    function fact(name) {
-        const found = facts.find(entry => entry.name === name);
-        return found === undefined ? "" : found.value;
+    // The number that the lidar told under `key`; -1 when it did not.
+    function raw(key) {
+        const fact = facts.find(entry => entry.key === key);
+        return fact !== undefined && fact.state === "read" ? fact.raw : -1;
     }
 
-    // The index that a fact holds; -1 for one that is no number.
-    function indexFact(name) {
-        return /^\d+$/.test(fact(name)) ? Number(fact(name)) : -1;
+    // The same as an index into `list`.
+    function index(key, list) {
+        return raw(key) < list.length ? raw(key) : -1;
     }
 
     title: qsTr("Operation")
@@ -41,7 +44,7 @@ LumoSection {
             objectName: "returnMode"
             width: Theme.serialChoiceWidth
             model: section.returnModes
-            chosenIndex: section.returnModes.indexOf(section.fact("Return Mode"))
+            chosenIndex: section.index("return_mode", model)
             label: qsTr("Which echoes the lidar reports")
             hint: label
         }
@@ -61,7 +64,7 @@ LumoSection {
             objectName: "spinRate"
             width: Theme.serialChoiceWidth
             model: section.spinRates.map(rpm => qsTr("%1 rpm").arg(rpm))
-            chosenIndex: section.spinRates.map(rpm => rpm + " rpm").indexOf(section.fact("Spin Rate"))
+            chosenIndex: section.spinRates.indexOf(section.raw("spin_rate"))
             label: qsTr("Turns of the lidar per minute")
             hint: label
         }
@@ -81,7 +84,7 @@ LumoSection {
             objectName: "standby"
             width: Theme.serialChoiceWidth
             model: [qsTr("Working"), qsTr("Standby")]
-            chosenIndex: ["Working", "Standby"].indexOf(section.fact("Mode"))
+            chosenIndex: section.index("standby", model)
             label: qsTr("Whether the lidar measures or rests")
             hint: label
         }
@@ -102,7 +105,7 @@ LumoSection {
             objectName: "imuAngular"
             width: Theme.serialChoiceWidth
             model: section.angularRanges
-            chosenIndex: section.indexFact("IMU Angular Range Index")
+            chosenIndex: section.index("angular_range", model)
             label: qsTr("Angular range of the motion sensor")
             hint: label
         }
@@ -116,7 +119,7 @@ LumoSection {
             objectName: "imuAccel"
             width: Theme.serialChoiceWidth
             model: section.accelRanges
-            chosenIndex: section.indexFact("IMU Acceleration Range Index")
+            chosenIndex: section.index("accel_range", model)
             label: qsTr("Acceleration range of the motion sensor")
             hint: label
         }

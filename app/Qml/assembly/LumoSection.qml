@@ -1,4 +1,5 @@
 import QtQuick 2.15
+import QtQuick.Layouts 1.15
 import "../controls"
 import "../theme"
 
@@ -12,6 +13,9 @@ Panel {
     property string obstacle: ""
     default property alias controls: column.data
 
+    Layout.fillWidth: true
+    Layout.fillHeight: true
+    Layout.preferredWidth: Theme.serialPanelWidth
     implicitHeight: body.implicitHeight + 2 * padding
 
     content: Column {

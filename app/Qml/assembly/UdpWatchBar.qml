@@ -2,7 +2,6 @@ import QtQuick 2.15
 import QtQuick.Layouts 1.15
 import Tevron 1.0
 import "../theme"
-import "ValueHint.js" as ValueHint
 
 // The line at the bottom that tells, when asked, whether point-cloud packets arrive and from whom.
 //
@@ -44,7 +43,7 @@ FocusScope {
             Layout.preferredWidth: Theme.numberFieldWidth
             enabled: !watch.running
             value: bar.port
-            problem: ValueHint.isWholeNumber(text, 1, 65535) ? "" : qsTr("A number from 1 to 65535")
+            problem: InputRules.PortProblem(text)
             label: qsTr("UDP port of the point cloud")
             hint: qsTr("UDP port to which the lidar sends its points, 1 to 65535")
             onCommitted: {

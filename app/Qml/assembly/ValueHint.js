@@ -35,13 +35,3 @@ function numberProblem(leaf, text) {
     var value = parseInt(text, 10);
     return value >= low && value <= high ? "" : qsTr("Outside %1 to %2").arg(low).arg(high);
 }
-
-// True for the dotted form of an IPv4 address.
-function isAddress(text) {
-    return ipPattern.test(text);
-}
-
-// True for a whole number from `low` to `high`, written in decimal digits only.
-function isWholeNumber(text, low, high) {
-    return /^\d+$/.test(text) && Number(text) >= low && Number(text) <= high;
-}

@@ -1,0 +1,22 @@
+#pragma once
+
+#include <QObject>
+#include <QString>
+
+/// What the program will say to a text while it is still being typed, from the rules that decide
+/// later: each member gives the problem in a few words, and nothing for a text that will be taken.
+class InputRules : public QObject {
+  Q_OBJECT
+
+ public:
+  using QObject::QObject;
+
+  /// A dotted IPv4 address.
+  Q_INVOKABLE static QString AddressProblem(const QString& text);
+  /// A port of the lidar.
+  Q_INVOKABLE static QString PortProblem(const QString& text);
+  /// The local port of the command client.
+  Q_INVOKABLE static QString HostPortProblem(const QString& text);
+  /// A whole number from `lowest` to `highest`.
+  Q_INVOKABLE static QString NumberProblem(const QString& text, int lowest, int highest);
+};
