@@ -81,7 +81,7 @@ struct Line {
       : device(AnswerFrame),
         source(std::make_shared<SerialSource>(device.line.path(), kBaudRate, kReceiveAnswers)) {
     source->Open();
-    client = std::make_shared<SerialClient>(source->port(), source);
+    client = std::make_shared<SerialClient>(source, source);
   }
   Device device;
   std::shared_ptr<SerialSource> source;

@@ -17,7 +17,6 @@ namespace {
 
 using kavel::lidar::CmxClient;
 using kavel::lidar::SerialClient;
-using kavel::lidar::SerialPort;
 using kavel::lidar::SerialSource;
 
 constexpr uint32_t kPlainTcp = 0;
@@ -165,10 +164,12 @@ bool ConnectAttempt::WaitUntilConnected(const ClientPtr& client) {
 
 std::shared_ptr<Connection> ConnectAttempt::ConnectSerialPair() {
   const ConnectionSettings& settings = request_.settings;
-  const auto request_port = std::make_shared<SerialPort>();
-  if (!request_port->Open(settings.serial_port_485,
-                          static_cast<uint32_t>(settings.command_baud_rate_bps))) {
-    ReportSerialFailure("RS485", request_port->LastError());
+  const auto requests = std::make_shared<SerialSource>(
+      settings.serial_port_485, static_cast<uint32_t>(settings.command_baud_rate_bps),
+      kavel::lidar::kReceiveAnswers);
+  requests->SetLostHandler(handlers_.lost);
+  if (!requests->Open()) {
+    ReportSerialFailure("RS485", requests->LastError());
     return nullptr;
   }
   const auto answers = std::make_shared<SerialSource>(
@@ -179,7 +180,7 @@ std::shared_ptr<Connection> ConnectAttempt::ConnectSerialPair() {
     ReportSerialFailure("UART", answers->LastError());
     return nullptr;
   }
-  const auto serial = std::make_shared<SerialClient>(request_port, answers);
+  const auto serial = std::make_shared<SerialClient>(requests, answers);
   const ClientPtr client = ClientOver(serial);
   if (!KeepInterruptible(client)) {
     return nullptr;
@@ -207,7 +208,7 @@ ConnectAttempt::SerialPtr ConnectAttempt::OpenSerialCmx() {
                                      kavel::lidar::kReceiveAnswers);
   line->SetLostHandler(handlers_.lost);
   if (line->Open()) {
-    return std::make_shared<SerialClient>(line->port(), line);
+    return std::make_shared<SerialClient>(line, line);
   }
   report_->LogLine(line->LastError(), LogType::kError);
   // The words of the network, deliberately: one message for a command client that does not open.

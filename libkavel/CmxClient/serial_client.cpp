@@ -14,15 +14,15 @@ constexpr size_t kSwitchModeInnerSize = 5;
 
 }  // namespace
 
-SerialClient::SerialClient(std::shared_ptr<SerialPort> send_port,
-                           std::shared_ptr<SerialSource> receiver)
-    : send_port_(std::move(send_port)), receiver_(std::move(receiver)) {}
+SerialClient::SerialClient(std::shared_ptr<SerialSource> requests,
+                           std::shared_ptr<SerialSource> answers)
+    : requests_(std::move(requests)), answers_(std::move(answers)) {}
 
 SerialClient::~SerialClient() { Close(); }
 
 bool SerialClient::IsOpen() const {
-  return !interrupted_ && send_port_ != nullptr && send_port_->IsOpen() && receiver_ != nullptr &&
-         receiver_->IsOpened();
+  return !interrupted_ && requests_ != nullptr && requests_->IsOpened() && answers_ != nullptr &&
+         answers_->IsOpened();
 }
 
 int32_t SerialClient::SendCommand(uint8_t cmd, const std::vector<uint8_t>& payload,
@@ -59,11 +59,11 @@ int32_t SerialClient::ExchangeBlock(const std::vector<uint8_t>& frame, size_t ma
     return kSerialNotReady;
   }
   WriteToSink("SEND: ", frame);
-  receiver_->SetReceiveMode(kModeEmptyBuffer);
+  answers_->SetReceiveMode(kModeEmptyBuffer);
   if (!SendFrame(frame)) {
     return kSerialNotReady;
   }
-  if (receiver_->ReceiveBlock(block, max_block, timeout_ms) < 0) {
+  if (answers_->ReceiveBlock(block, max_block, timeout_ms) < 0) {
     return kSerialNoAnswer;
   }
   WriteToSink("RECV: ", block);
@@ -72,24 +72,17 @@ int32_t SerialClient::ExchangeBlock(const std::vector<uint8_t>& frame, size_t ma
 
 // A frame that was cut short can have no answer, so it counts as not sent.
 bool SerialClient::SendFrame(const std::vector<uint8_t>& frame) {
-  const int32_t sent = send_port_->Write(frame.data(), frame.size(), send_timeout_ms_);
+  const int32_t sent = requests_->port()->Write(frame.data(), frame.size(), send_timeout_ms_);
   return sent >= 0 && static_cast<size_t>(sent) == frame.size();
 }
 
-bool SerialClient::SetBaudRate(uint32_t baud_rate_bps) {
-  const std::lock_guard<std::mutex> lock(mutex_);
-  if (!IsOpen()) {
-    return false;
-  }
-  return send_port_->SetBaudRate(baud_rate_bps);
-}
-
 std::string SerialClient::LastError() const {
-  std::string send_error = send_port_ != nullptr ? send_port_->LastError() : std::string();
-  if (!send_error.empty() || receiver_ == nullptr) {
-    return send_error;
+  for (const auto& line : {requests_, answers_}) {
+    if (line != nullptr && !line->LastError().empty()) {
+      return line->LastError();
+    }
   }
-  return receiver_->LastError();
+  return {};
 }
 
 void SerialClient::SetLogSink(std::shared_ptr<LogSink> sink) {
@@ -110,21 +103,19 @@ void SerialClient::WriteToSink(const char* tag, const std::vector<uint8_t>& byte
 
 void SerialClient::Interrupt() {
   interrupted_ = true;
-  if (send_port_ != nullptr) {
-    send_port_->Interrupt();
-  }
-  if (receiver_ != nullptr) {
-    receiver_->Interrupt();
+  for (const auto& line : {requests_, answers_}) {
+    if (line != nullptr) {
+      line->Interrupt();
+    }
   }
 }
 
 void SerialClient::Close() {
   Interrupt();
-  if (receiver_ != nullptr) {
-    receiver_->Close();
-  }
-  if (send_port_ != nullptr) {
-    send_port_->Close();
+  for (const auto& line : {requests_, answers_}) {
+    if (line != nullptr) {
+      line->Close();
+    }
   }
 }
 

@@ -9,7 +9,6 @@
 #include <vector>
 
 #include "CmxClient/log_sink.h"
-#include "Platform/serial_port.h"
 #include "Source/serial_source.h"
 
 namespace kavel::lidar {
@@ -22,20 +21,20 @@ inline constexpr int32_t kSerialNoAnswer = -3;   ///< nothing came within the ti
 /// The longest block that an exchange of "$LDCMD," frames receives.
 inline constexpr size_t kSerialBlockSize = 1500;
 
-/// Request and answer over a serial line. Requests leave by one port and answers arrive through a
-/// receiver, which may stand on the same port or on another one.
+/// Request and answer over serial lines: requests leave by one, answers arrive by the same or by
+/// another one. A line that only sends is read, too, which is how its loss is noticed.
 ///
 /// Thread-safe: one mutex serialises whole exchanges. Nothing throws.
 class SerialClient {
  public:
   /// Both already open, or the client is never ready.
-  SerialClient(std::shared_ptr<SerialPort> send_port, std::shared_ptr<SerialSource> receiver);
-  /// Closes both sides.
+  SerialClient(std::shared_ptr<SerialSource> requests, std::shared_ptr<SerialSource> answers);
+  /// Closes both lines.
   ~SerialClient();
   SerialClient(const SerialClient&) = delete;
   SerialClient& operator=(const SerialClient&) = delete;
 
-  /// Both sides exist, are open and were not interrupted.
+  /// Both lines exist, are open and were not interrupted.
   bool IsOpen() const;
 
   /// Sends a "$LDCMD," request and waits up to `timeout_ms` for its answer. Returns 0 with the
@@ -58,9 +57,6 @@ class SerialClient {
   /// Longest wait for the port to take bytes, without progress; 500 ms at first.
   void SetSendTimeout(uint32_t timeout_ms) { send_timeout_ms_ = timeout_ms; }
 
-  /// Changes the rate of the sending port, between exchanges.
-  bool SetBaudRate(uint32_t baud_rate_bps);
-
   /// Where the "SEND: " and "RECV: " lines go; null for nowhere. Takes effect between exchanges.
   void SetLogSink(std::shared_ptr<LogSink> sink);
 
@@ -76,8 +72,8 @@ class SerialClient {
   bool SendFrame(const std::vector<uint8_t>& frame);
   void WriteToSink(const char* tag, const std::vector<uint8_t>& bytes);
 
-  const std::shared_ptr<SerialPort> send_port_;
-  const std::shared_ptr<SerialSource> receiver_;
+  const std::shared_ptr<SerialSource> requests_;
+  const std::shared_ptr<SerialSource> answers_;
   std::mutex mutex_;
   std::mutex sink_mutex_;
   std::shared_ptr<LogSink> sink_;

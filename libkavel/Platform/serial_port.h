@@ -31,8 +31,6 @@ class SerialPort {
   /// a sentence that names the port and says what to do. A port that was open is closed first.
   bool Open(const std::string& port_name, uint32_t baud_rate_bps);
 
-  /// Changes the rate of the open port, after everything written has left.
-  bool SetBaudRate(uint32_t baud_rate_bps);
   uint32_t baud_rate_bps() const;
 
   /// Frees the port at once; calls that are blocked in it return. Harmless on a closed port.

@@ -80,8 +80,7 @@ void SetRate(termios2* line, uint32_t baud_rate_bps) {
 }
 
 // Empty when the line runs at the rate asked for, else what is wrong.
-std::string ApplyRate(int fd, unsigned long request, termios2* line, const std::string& path,
-                      uint32_t baud_rate_bps) {
+std::string ApplyRate(int fd, termios2* line, const std::string& path, uint32_t baud_rate_bps) {
   const std::string prefix =
       "Serial port " + path + " cannot run at " + std::to_string(baud_rate_bps) + " baud";
   const std::string advice = ". Choose another rate or another adapter.";
@@ -91,7 +90,7 @@ std::string ApplyRate(int fd, unsigned long request, termios2* line, const std::
   }
   SetRate(line, baud_rate_bps);
   termios2 applied{};
-  if (ioctl(fd, request, line) != 0 || !ReadLine(fd, &applied)) {
+  if (ioctl(fd, TCSETS2, line) != 0 || !ReadLine(fd, &applied)) {
     return prefix + advice;
   }
   const double error = static_cast<double>(applied.c_ospeed) / baud_rate_bps - 1.0;
@@ -194,7 +193,7 @@ bool SerialPort::Open(const std::string& port_name, uint32_t baud_rate_bps) {
   ioctl(fd, TIOCEXCL);
 
   MakeRaw(&line);
-  const std::string fault = ApplyRate(fd, TCSETS2, &line, path, baud_rate_bps);
+  const std::string fault = ApplyRate(fd, &line, path, baud_rate_bps);
   if (!fault.empty()) {
     ioctl(fd, TIOCNXCL);
     return Refuse(fault);
@@ -202,22 +201,6 @@ bool SerialPort::Open(const std::string& port_name, uint32_t baud_rate_bps) {
   ioctl(fd, TCFLSH, TCIFLUSH);
   const std::lock_guard<std::mutex> lock(mutex_);
   handle_ = handle;
-  baud_rate_bps_ = baud_rate_bps;
-  return true;
-}
-
-bool SerialPort::SetBaudRate(uint32_t baud_rate_bps) {
-  const std::shared_ptr<Handle> handle = CurrentHandle();
-  termios2 line{};
-  if (handle == nullptr || !ReadLine(handle->port, &line)) {
-    return false;
-  }
-  const std::string fault =
-      ApplyRate(handle->port, TCSETSW2, &line, SerialDevicePath(name()), baud_rate_bps);
-  if (!fault.empty()) {
-    return Refuse(fault);
-  }
-  const std::lock_guard<std::mutex> lock(mutex_);
   baud_rate_bps_ = baud_rate_bps;
   return true;
 }

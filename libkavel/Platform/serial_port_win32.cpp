@@ -31,7 +31,9 @@ std::string LossMessage(const std::string& name, DWORD error) {
 bool ApplyRate(HANDLE port, uint32_t baud_rate_bps) {
   DCB line{};
   line.DCBlength = sizeof line;
-  if (baud_rate_bps == 0 || !GetCommState(port, &line)) return false;
+  if (baud_rate_bps == 0 || !GetCommState(port, &line)) {
+    return false;
+  }
   line.BaudRate = baud_rate_bps;
   line.ByteSize = 8;
   line.Parity = NOPARITY;
@@ -87,12 +89,20 @@ struct SerialPort::Handle {
     Result result = Result::kDone;
     if (!started) {
       *error = GetLastError();
-      if (*error != ERROR_IO_PENDING) return Result::kFailed;
+      if (*error != ERROR_IO_PENDING) {
+        return Result::kFailed;
+      }
       const HANDLE events[] = {wake, call->hEvent};
       const DWORD signalled = WaitForMultipleObjects(2, events, FALSE, timeout_ms);
-      if (signalled != WAIT_OBJECT_0 + 1) CancelIoEx(port, call);
-      if (signalled == WAIT_OBJECT_0) result = Result::kWoken;
-      if (signalled == WAIT_TIMEOUT) result = Result::kTimeout;
+      if (signalled != WAIT_OBJECT_0 + 1) {
+        CancelIoEx(port, call);
+      }
+      if (signalled == WAIT_OBJECT_0) {
+        result = Result::kWoken;
+      }
+      if (signalled == WAIT_TIMEOUT) {
+        result = Result::kTimeout;
+      }
     }
     if (GetOverlappedResult(port, call, count, TRUE)) {
       return result == Result::kTimeout && *count > 0 ? Result::kDone : result;
@@ -134,25 +144,19 @@ bool SerialPort::Open(const std::string& port_name, uint32_t baud_rate_bps) {
   }
   const HANDLE port = CreateFileA(SerialDevicePath(port_name).c_str(), GENERIC_READ | GENERIC_WRITE,
                                   0, nullptr, OPEN_EXISTING, FILE_FLAG_OVERLAPPED, nullptr);
-  if (port == INVALID_HANDLE_VALUE) return Refuse(OpenFailure(port_name, GetLastError()));
+  if (port == INVALID_HANDLE_VALUE) {
+    return Refuse(OpenFailure(port_name, GetLastError()));
+  }
   const auto handle = std::make_shared<Handle>(port);
   if (!ApplyTimeouts(port)) {
     return Refuse(port_name + " is not a serial port. Choose another port.");
   }
-  if (!ApplyRate(port, baud_rate_bps)) return Refuse(RateFailure(port_name, baud_rate_bps));
+  if (!ApplyRate(port, baud_rate_bps)) {
+    return Refuse(RateFailure(port_name, baud_rate_bps));
+  }
   PurgeComm(port, PURGE_RXCLEAR);
   const std::lock_guard<std::mutex> lock(mutex_);
   handle_ = handle;
-  baud_rate_bps_ = baud_rate_bps;
-  return true;
-}
-
-bool SerialPort::SetBaudRate(uint32_t baud_rate_bps) {
-  const std::shared_ptr<Handle> handle = CurrentHandle();
-  if (handle == nullptr) return false;
-  FlushFileBuffers(handle->port);
-  if (!ApplyRate(handle->port, baud_rate_bps)) return Refuse(RateFailure(name(), baud_rate_bps));
-  const std::lock_guard<std::mutex> lock(mutex_);
   baud_rate_bps_ = baud_rate_bps;
   return true;
 }
@@ -164,7 +168,9 @@ void SerialPort::Release(Handle& handle) {
 
 int32_t SerialPort::Read(uint8_t* buffer, size_t size, uint32_t timeout_ms) {
   const std::shared_ptr<Handle> handle = CurrentHandle();
-  if (handle == nullptr || WaitForSingleObject(handle->wake, 0) == WAIT_OBJECT_0) return -1;
+  if (handle == nullptr || WaitForSingleObject(handle->wake, 0) == WAIT_OBJECT_0) {
+    return -1;
+  }
   OverlappedCall call;
   const DWORD wanted = static_cast<DWORD>(std::min<size_t>(size, INT32_MAX));
   const bool started = ReadFile(handle->port, buffer, wanted, nullptr, call.get()) != 0;
@@ -185,7 +191,9 @@ int32_t SerialPort::Read(uint8_t* buffer, size_t size, uint32_t timeout_ms) {
 
 int32_t SerialPort::Write(const uint8_t* data, size_t size, uint32_t timeout_ms) {
   const std::shared_ptr<Handle> handle = CurrentHandle();
-  if (handle == nullptr || WaitForSingleObject(handle->wake, 0) == WAIT_OBJECT_0) return -1;
+  if (handle == nullptr || WaitForSingleObject(handle->wake, 0) == WAIT_OBJECT_0) {
+    return -1;
+  }
   size_t written = 0;
   while (written < size) {
     OverlappedCall call;
@@ -194,12 +202,16 @@ int32_t SerialPort::Write(const uint8_t* data, size_t size, uint32_t timeout_ms)
     DWORD count = 0;
     DWORD error = 0;
     const Handle::Result result = handle->Finish(started, call.get(), timeout_ms, &count, &error);
-    if (result == Handle::Result::kWoken) return -1;
+    if (result == Handle::Result::kWoken) {
+      return -1;
+    }
     if (result == Handle::Result::kFailed) {
       Fail(handle, LossMessage(name(), error));
       return -1;
     }
-    if (count == 0) break;
+    if (count == 0) {
+      break;
+    }
     written += count;
   }
   return static_cast<int32_t>(written);
@@ -212,7 +224,9 @@ bool SerialPort::PurgeInput() {
 
 void SerialPort::Interrupt() {
   const std::shared_ptr<Handle> handle = CurrentHandle();
-  if (handle != nullptr) SetEvent(handle->wake);
+  if (handle != nullptr) {
+    SetEvent(handle->wake);
+  }
 }
 
 }  // namespace kavel::lidar

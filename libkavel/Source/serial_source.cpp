@@ -49,15 +49,13 @@ bool SerialSource::Open() {
     const std::string reason = "not support receiveStype, open error";
     KAVEL_LOG(kError, "%s", reason.c_str());
     const std::lock_guard<std::mutex> lock(mutex_);
-    last_error_ = reason;
+    refusal_ = reason;
     return false;
   }
-  const bool opened = port_->Open(port_name_, baud_rate_bps_);
+  if (!port_->Open(port_name_, baud_rate_bps_)) {
+    return false;
+  }
   const std::lock_guard<std::mutex> lock(mutex_);
-  last_error_ = port_->LastError();
-  if (!opened) {
-    return false;
-  }
   stream_.Clear();
   answers_.clear();
   points_.clear();
@@ -112,11 +110,7 @@ void SerialSource::ReceivedThread() {
   bool lost = false;
   {
     const std::lock_guard<std::mutex> lock(mutex_);
-    lost = running_ && !port_->IsOpen();
-    if (lost) {
-      last_error_ = port_->LastError();
-    }
-    running_ = false;
+    lost = std::exchange(running_, false) && !port_->IsOpen();
   }
   arrived_.notify_all();
   if (lost && lost_handler_) {
@@ -280,7 +274,7 @@ SerialSource::Counters SerialSource::GetCounters() const {
 
 std::string SerialSource::LastError() const {
   const std::lock_guard<std::mutex> lock(mutex_);
-  return last_error_;
+  return refusal_.empty() ? port_->LastError() : refusal_;
 }
 
 }  // namespace kavel::lidar

@@ -83,8 +83,9 @@ class SerialSource : public Source {
   void SetLostHandler(std::function<void(const std::string& reason)> handler);
 
   Counters GetCounters() const;
+  /// Why the port did not open or was lost, as a sentence for the user; "" while nothing failed.
   std::string LastError() const;
-  /// The port below, for the sending side of a line that is used in both directions.
+  /// The port below, for sending with another time-out than `Send` has.
   std::shared_ptr<SerialPort> port() const { return port_; }
 
  private:
@@ -112,7 +113,7 @@ class SerialSource : public Source {
   std::deque<std::vector<uint8_t>> answers_;
   std::deque<std::vector<uint8_t>> points_;
   Counters counters_;
-  std::string last_error_;
+  std::string refusal_;  ///< why the source cannot work with any port
   int mode_ = kModePointCloud;
   bool running_ = false;
 };

@@ -27,7 +27,7 @@ struct Line {
   explicit Line(const std::string& path, int receive_type = kReceiveAnswers)
       : source(std::make_shared<SerialSource>(path, 115200, receive_type)),
         opened(source->Open()),
-        client(source->port(), source) {}
+        client(source, source) {}
 
   std::shared_ptr<SerialSource> source;
   bool opened;
@@ -123,7 +123,7 @@ TEST(SerialClient, EndsTheExchangeWhenThePortVanishes) {
   std::string reason;  // written on the source's thread, read once that has ended
   source->SetLostHandler([&](const std::string& text) { reason += text; });
   ASSERT_TRUE(source->Open());
-  SerialClient client(source->port(), source);
+  SerialClient client(source, source);
   Bytes inner;
   EXPECT_EQ(client.SendCommand(1, {}, inner, 3'600'000), -3);
   EXPECT_NE(client.LastError().find(device.path()), std::string::npos) << client.LastError();
@@ -164,9 +164,9 @@ TEST(SerialClient, ReceivesOnAnotherPortAmidThePointCloudForSeveralThreads) {
   });
   auto source = std::make_shared<SerialSource>(uart.path(), 3125000, kReceiveAnswersAndPoints);
   ASSERT_TRUE(source->Open());
-  auto send_port = std::make_shared<SerialPort>();
-  ASSERT_TRUE(send_port->Open(rs485.path(), 115200));
-  SerialClient client(send_port, source);
+  auto requests = std::make_shared<SerialSource>(rs485.path(), 115200, kReceiveAnswers);
+  ASSERT_TRUE(requests->Open());
+  SerialClient client(requests, source);
   const auto use = [&](uint8_t cmd) {
     for (uint8_t i = 0; i < 5; ++i) {
       Bytes inner;

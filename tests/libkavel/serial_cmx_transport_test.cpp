@@ -22,8 +22,7 @@ constexpr uint32_t kPatienceMs = 5000;
 std::shared_ptr<SerialCmxTransport> TransportTo(const std::string& path) {
   auto source = std::make_shared<SerialSource>(path, 3125000, kReceiveAnswers);
   EXPECT_TRUE(source->Open()) << source->LastError();
-  return std::make_shared<SerialCmxTransport>(
-      std::make_shared<SerialClient>(source->port(), source));
+  return std::make_shared<SerialCmxTransport>(std::make_shared<SerialClient>(source, source));
 }
 
 // Answers any request with its own payload, in the frame that its length needs.

@@ -1,6 +1,9 @@
 #include "manager_fixture.h"
+#include "support/pty_pair.h"
 
 namespace {
+
+using kavel::lidar::testing::PtyPair;
 
 class ManagerSerialTest : public ManagerFixture {
  protected:
@@ -102,6 +105,21 @@ TEST_F(ManagerSerialTest, ALineThatVanishesDisconnectsWithAReason) {
   lidar.Kill();
   ASSERT_TRUE(WaitFor([this] { return !manager_->isConnected(); }));
   EXPECT_EQ(1, TakeErrors().filter(lidar.SerialPort()).size());
+}
+
+TEST_F(ManagerSerialTest, APairOfPortsEndsWhenEitherVanishes) {
+  for (const bool request_line : {true, false}) {
+    PtyPair lines[2];
+    manager_->InitConfigFileParser("Lumo");
+    manager_->setSerialPort485(QString::fromStdString(lines[0].path()));
+    manager_->setSerialPort232(QString::fromStdString(lines[1].path()));
+    ASSERT_TRUE(Connect());
+    TakeErrors();
+    PtyPair& vanishing = lines[request_line ? 0 : 1];
+    vanishing.HangUp();
+    ASSERT_TRUE(WaitFor([this] { return !manager_->isConnected(); }));
+    EXPECT_EQ(1, TakeErrors().filter(QString::fromStdString(vanishing.path())).size());
+  }
 }
 
 TEST_F(ManagerSerialTest, DisconnectingWhileTheLidarIdentifiesItselfIsNoFailure) {

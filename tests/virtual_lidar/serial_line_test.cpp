@@ -24,7 +24,7 @@ std::shared_ptr<SerialClient> OpenLine(const LidarUnderTest& lidar) {
   auto source = std::make_shared<kavel::lidar::SerialSource>(lidar.serial_ports().at(0), 115200,
                                                              kavel::lidar::kReceiveAnswers);
   EXPECT_TRUE(source->Open()) << source->LastError();
-  return std::make_shared<SerialClient>(source->port(), source);
+  return std::make_shared<SerialClient>(source, source);
 }
 
 TEST(SerialLine, AnswersAfterEachReopeningOfThePort) {
