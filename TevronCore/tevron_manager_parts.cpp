@@ -44,9 +44,13 @@ TevronManager::Parts::Parts(TevronManager& manager, bool auto_receive,
       posted(std::make_shared<PostedReport>(PostTo(manager), report, [] { return true; })),
       byte_flow(std::make_shared<ByteFlowSink>(*posted)),
       console(report),
-      settings(LoadConnectionSettings(SettingsFilePath())),
       session({PostTo(manager), report, auto_receive, byte_flow, HandlersOf(manager)}) {
   TakeModel(session.model());
+  std::string fault;
+  settings = LoadConnectionSettings(SettingsFilePath(), &fault);
+  if (!fault.empty()) {
+    posted->LogLine(fault, LogType::kWarning);
+  }
 }
 
 void TevronManager::Parts::TakeModel(const std::shared_ptr<LidarModel>& loaded) {

@@ -3,6 +3,9 @@
 #include <QSettings>
 #include <QStandardPaths>
 #include <limits>
+#include <memory>
+
+#include "connection/plain_ini.h"
 
 namespace {
 
@@ -15,6 +18,15 @@ constexpr char kUdpPortKey[] = "udp_port";
 
 QString HostPortKey(const std::string& model) {
   return QStringLiteral("cmx_client_host_port/%1").arg(QString::fromStdString(model));
+}
+
+/// The file, or null when it cannot be used.
+std::unique_ptr<QSettings> OpenSettings(const QString& path) {
+  if (!IsPlainIniFile(path)) {
+    return nullptr;
+  }
+  auto file = std::make_unique<QSettings>(path, PlainIniFormat());
+  return file->status() == QSettings::NoError ? std::move(file) : nullptr;
 }
 
 void ReadText(const QSettings& file, const char* key, std::string* value) {
@@ -38,11 +50,14 @@ QString SettingsFilePath() {
          QStringLiteral("/CorvanViewDataFiles/RecvSettings.ini");
 }
 
-ConnectionSettings LoadConnectionSettings(const QString& path) {
-  const QSettings file(path, QSettings::IniFormat);
-  if (file.status() != QSettings::NoError) {
+ConnectionSettings LoadConnectionSettings(const QString& path, std::string* fault) {
+  const std::unique_ptr<QSettings> opened = OpenSettings(path);
+  if (opened == nullptr) {
+    *fault = "The settings file " + path.toStdString() +
+             " is not used: it is no regular file of at most 64 KiB that holds settings.";
     return {};
   }
+  const QSettings& file = *opened;
   ConnectionSettings settings;
   ReadText(file, kIpKey, &settings.lidar_ip);
   ReadText(file, kCommandPortKey, &settings.command_port);
@@ -55,17 +70,21 @@ ConnectionSettings LoadConnectionSettings(const QString& path) {
 }
 
 std::optional<std::string> LoadHostPort(const QString& path, const std::string& model) {
-  const QSettings file(path, QSettings::IniFormat);
+  const std::unique_ptr<QSettings> file = OpenSettings(path);
   const QString key = HostPortKey(model);
-  if (file.status() != QSettings::NoError || !file.contains(key)) {
+  if (file == nullptr || !file->contains(key)) {
     return std::nullopt;
   }
-  return file.value(key).toString().toStdString();
+  return file->value(key).toString().toStdString();
 }
 
 bool SaveConnectionSettings(const QString& path, const ConnectionSettings& settings,
                             const std::string& model) {
-  QSettings file(path, QSettings::IniFormat);
+  const std::unique_ptr<QSettings> opened = OpenSettings(path);
+  if (opened == nullptr) {
+    return false;
+  }
+  QSettings& file = *opened;
   file.setValue(kIpKey, QString::fromStdString(settings.lidar_ip));
   file.setValue(kCommandPortKey, QString::fromStdString(settings.command_port));
   file.setValue(kRs485Key, QString::fromStdString(settings.serial_port_485));

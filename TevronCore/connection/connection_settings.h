@@ -20,9 +20,10 @@ struct ConnectionSettings {
 /// "RecvSettings.ini" in the tool's folder among the user's documents.
 QString SettingsFilePath();
 
-/// The settings of the file. A key that is absent or no possible number leaves its default; a file
-/// that cannot be read leaves all of them. The host port is not among them: it belongs to a model.
-ConnectionSettings LoadConnectionSettings(const QString& path);
+/// The settings of the file. A key that is absent, no plain text or no possible number leaves its
+/// default; a file that cannot be used leaves all of them, and *fault says why (it is left alone
+/// otherwise). The host port is not among them: it belongs to a model.
+ConnectionSettings LoadConnectionSettings(const QString& path, std::string* fault);
 
 /// The host port last used with `model`, or nothing.
 std::optional<std::string> LoadHostPort(const QString& path, const std::string& model);

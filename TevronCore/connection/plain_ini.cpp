@@ -1,0 +1,119 @@
+#include "connection/plain_ini.h"
+
+#include <QFileInfo>
+#include <QIODevice>
+#include <optional>
+
+namespace {
+
+constexpr char kTopSection[] = "General";
+constexpr int kEscapeDigits = 4;
+constexpr char kHexDigits[] = "0123456789abcdefABCDEF";
+
+/// The character that stands at *at behind a backslash, with the digits of "x1F4".
+QChar TakeEscape(const QString& text, int* at) {
+  const QChar c = text[(*at)++];
+  if (c == 'x') {
+    const int begin = *at;
+    while (*at < text.size() && *at - begin < kEscapeDigits &&
+           QString(kHexDigits).contains(text[*at])) {
+      ++*at;
+    }
+    return QChar(text.mid(begin, *at - begin).toUShort(nullptr, 16));
+  }
+  return c == 'n' ? QChar('\n') : c == 'r' ? QChar('\r') : c == 't' ? QChar('\t') : c;
+}
+
+/// The one text that a value is, or nothing.
+std::optional<QString> TextOf(const QString& value) {
+  QString text;
+  bool is_quoted = false;
+  for (int at = 0; at < value.size();) {
+    const QChar c = value[at++];
+    if (c == '"') {
+      is_quoted = !is_quoted;
+    } else if (c == '\\' && at < value.size()) {
+      text += TakeEscape(value, &at);
+    } else if (c == ',' && !is_quoted) {
+      return std::nullopt;
+    } else {
+      text += c;
+    }
+  }
+  if (!text.startsWith('@')) {
+    return text;
+  }
+  return text.startsWith("@@") ? std::optional(text.mid(1)) : std::nullopt;
+}
+
+QString ValueOf(const QString& text) {
+  QString value = text.startsWith('@') ? "@" : "";
+  for (const QChar c : text) {
+    if (c == '"' || c == '\\') {
+      value += '\\';
+    }
+    value += c.unicode() >= ' ' && c.unicode() <= '~'
+                 ? QString(c)
+                 : QString("\\x%1").arg(c.unicode(), kEscapeDigits, 16, QChar('0'));
+  }
+  return '"' + value + '"';
+}
+
+QString KeyOf(const QByteArray& escaped) {
+  return QString::fromUtf8(QByteArray::fromPercentEncoding(escaped.trimmed())).replace('\\', '/');
+}
+
+bool Read(QIODevice& file, QSettings::SettingsMap& map) {
+  const QByteArray content = file.read(kMaxPlainIniSize + 1);
+  if (content.size() > kMaxPlainIniSize) {
+    return false;
+  }
+  QString section;
+  for (const QByteArray& whole_line : content.split('\n')) {
+    const QByteArray line = whole_line.trimmed();
+    if (line.isEmpty() || line.startsWith(';')) {
+      continue;
+    }
+    const int equals = line.indexOf('=');
+    if (line.startsWith('[')) {
+      if (!line.endsWith(']')) {
+        return false;
+      }
+      const QString name = KeyOf(line.mid(1, line.size() - 2));
+      section = name.compare(kTopSection, Qt::CaseInsensitive) == 0 ? "" : name + '/';
+    } else if (equals < 0) {
+      return false;
+    } else if (const auto text = TextOf(QString::fromLatin1(line.mid(equals + 1).trimmed()))) {
+      map.insert(section + KeyOf(line.left(equals)), *text);
+    }
+  }
+  return true;
+}
+
+bool Write(QIODevice& file, const QSettings::SettingsMap& map) {
+  QMap<QString, QByteArray> sections;
+  for (auto entry = map.begin(); entry != map.end(); ++entry) {
+    const bool is_top = !entry.key().contains('/');
+    const QString name = entry.key().section('/', -1);
+    sections[is_top ? kTopSection : entry.key().section('/', 0, -2)] +=
+        name.toUtf8().toPercentEncoding() + '=' + ValueOf(entry.value().toString()).toLatin1() +
+        '\n';
+  }
+  QByteArray content;
+  for (auto section = sections.begin(); section != sections.end(); ++section) {
+    content += '[' + section.key().toUtf8().toPercentEncoding("/") + "]\n" + section.value() + '\n';
+  }
+  return file.write(content) == content.size();
+}
+
+}  // namespace
+
+QSettings::Format PlainIniFormat() {
+  static const QSettings::Format format = QSettings::registerFormat("ini", Read, Write);
+  return format;
+}
+
+bool IsPlainIniFile(const QString& path) {
+  const QFileInfo file(path);
+  return !file.exists() || (file.isFile() && file.size() <= kMaxPlainIniSize);
+}
