@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <charconv>
 #include <cmath>
-#include <cstring>
 #include <limits>
 #include <optional>
 
@@ -21,12 +20,9 @@ std::string_view WithoutPlus(std::string_view text) {
 }
 
 Bytes BigEndian(uint64_t value, size_t size) {
-  Bytes bytes;
-  kavel::lidar::AppendBigEndian64(bytes, value);
-  if (size <= bytes.size()) {
-    return Bytes(bytes.end() - static_cast<std::ptrdiff_t>(size), bytes.end());
-  }
-  bytes.insert(bytes.begin(), size - bytes.size(), 0);
+  const size_t counted = std::min(size, sizeof value);
+  Bytes bytes(size - counted);
+  kavel::lidar::AppendBigEndian(bytes, value, counted);
   return bytes;
 }
 
@@ -76,15 +72,9 @@ std::optional<Bytes> EncodeReal(const VarInfo& var, const std::string& text) {
     return std::nullopt;
   }
   const double value = *shown / static_cast<double>(var.coefficient);
-  if (var.value_type->size == sizeof(double)) {
-    uint64_t bits = 0;
-    std::memcpy(&bits, &value, sizeof bits);
-    return BigEndian(bits, sizeof bits);
-  }
-  const auto single = static_cast<float>(value);
-  uint32_t bits = 0;
-  std::memcpy(&bits, &single, sizeof bits);
-  return BigEndian(bits, sizeof bits);
+  return var.value_type->size == sizeof(double)
+             ? BigEndian(kavel::lidar::BitsOf(value), sizeof(double))
+             : BigEndian(kavel::lidar::BitsOf(static_cast<float>(value)), sizeof(float));
 }
 
 std::optional<Bytes> EncodeIp(const std::string& text) {

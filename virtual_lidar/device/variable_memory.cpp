@@ -4,6 +4,7 @@
 #include <stdexcept>
 
 #include "CmxClient/fov_command.h"
+#include "Wire/big_endian.h"
 #include "device/value_encoder.h"
 #include "device/write_rules.h"
 #include "variables/command_code.h"
@@ -23,16 +24,6 @@ bool StartsWith(const Bytes& bytes, const Bytes& head) {
 Bytes Joined(Bytes head, const Bytes& tail) {
   head.insert(head.end(), tail.begin(), tail.end());
   return head;
-}
-
-// Adds to a big-endian number of any width.
-void AddSeconds(Bytes* number, uint32_t seconds) {
-  uint64_t carry = seconds;
-  for (auto byte = number->rbegin(); byte != number->rend() && carry != 0; ++byte) {
-    carry += *byte;
-    *byte = static_cast<uint8_t>(carry);
-    carry >>= 8;
-  }
 }
 
 // A field of view that covers the full turn, for a table that gives no default.
@@ -272,7 +263,10 @@ void VariableMemory::Reset() {
 Bytes VariableMemory::ValueNow(const Cell& cell, uint32_t up_time_s) {
   Bytes value = cell.value;
   if (cell.is_clock) {
-    AddSeconds(&value, up_time_s);
+    const uint64_t seconds = kavel::lidar::ReadBigEndian(value.data(), value.size()) + up_time_s;
+    const size_t counted = std::min(value.size(), sizeof seconds);
+    value.resize(value.size() - counted);
+    kavel::lidar::AppendBigEndian(value, seconds, counted);
   }
   return value;
 }

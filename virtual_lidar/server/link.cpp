@@ -19,8 +19,9 @@ ssize_t WriteSome(int fd, const uint8_t* data, size_t size) {
   return sent < 0 && errno == ENOTSOCK ? write(fd, data, size) : sent;
 }
 
+// An answer that never leaves has to wait its turn as well.
 size_t BytesOf(const ReplyPlan& plan) {
-  size_t bytes = 0;
+  size_t bytes = sizeof plan;
   for (const SendStep& step : plan.steps) {
     bytes += step.bytes.size();
   }
@@ -160,6 +161,7 @@ bool Link::WriteStep(const SendStep& step) {
 
 void Link::FinishPlan() {
   const ReplyPlan::Ending ending = answers_.front().plan.ending;
+  waiting_bytes_ -= sizeof(ReplyPlan);
   answers_.pop_front();
   next_step_ = 0;
   if (ending == ReplyPlan::Ending::kHangUp) {

@@ -1,14 +1,16 @@
 #include "server/point_cloud_sender.h"
 
-#include <arpa/inet.h>
+#include <netinet/in.h>
 #include <sys/socket.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
+#include <cstring>
 #include <system_error>
 #include <vector>
 
+#include "Platform/ipv4_text.h"
 #include "Wire/big_endian.h"
 #include "variables/number_text.h"
 
@@ -34,7 +36,7 @@ bool ParsePointCloudTarget(const std::string& text, PointCloudTarget* target, st
   uint32_t port = 0;
   *target = PointCloudTarget();
   if (colon == std::string::npos ||
-      inet_pton(AF_INET, text.substr(0, colon).c_str(), &target->address) != 1 ||
+      !kavel::lidar::ParseDottedIpv4(text.substr(0, colon), target->address.data()) ||
       !ReadNumber(text.substr(colon + 1, at == std::string::npos ? at : at - colon - 1), 1, 65535,
                   &port)) {
     *error = "\"" + text + "\" is not an address like 127.0.0.1:2368";
@@ -96,7 +98,7 @@ void PointCloudSender::SendOne() {
   sockaddr_in to = {};
   to.sin_family = AF_INET;
   to.sin_port = htons(target_.port);
-  to.sin_addr = target_.address;
+  std::memcpy(&to.sin_addr, target_.address.data(), target_.address.size());
   sendto(fd_.get(), packet.data(), packet.size(), 0, reinterpret_cast<const sockaddr*>(&to),
          sizeof to);
 }

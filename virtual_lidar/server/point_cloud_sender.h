@@ -1,7 +1,6 @@
 #pragma once
 
-#include <netinet/in.h>
-
+#include <array>
 #include <cstdint>
 #include <string>
 
@@ -13,7 +12,7 @@ struct PointCloudTarget {
   static constexpr uint32_t kDefaultRate = 100;
   static constexpr uint32_t kMaxRate = 200000;
 
-  in_addr address = {};
+  std::array<uint8_t, 4> address = {};  ///< in network order
   uint16_t port = 0;
   uint32_t packets_per_second = kDefaultRate;
 };
