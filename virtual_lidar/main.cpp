@@ -4,17 +4,21 @@
 #include <sys/signalfd.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cstdio>
 #include <exception>
 #include <filesystem>
 #include <iostream>
 #include <memory>
+#include <string>
+#include <vector>
 
 #include "device/virtual_device.h"
 #include "options.h"
 #include "server/device_server.h"
 #include "server/event_loop.h"
 #include "table_check.h"
+#include "variables/model_list.h"
 
 namespace {
 
@@ -75,13 +79,25 @@ DeviceProfile MakeProfile(const Options& options) {
   return profile;
 }
 
-int Serve(const Options& options, int signals) {
-  const std::string table_path = options.config_folder + "/varID/" + options.model + ".csv";
-  if (!std::filesystem::is_regular_file(table_path)) {
-    return Complain("there is no table " + table_path + " for model \"" + options.model +
-                    "\"; name another model with --model or the tables' folder with --config");
+// " Lumo, Orca, Osprey"
+std::string Listed(const std::vector<std::string>& names) {
+  std::string text;
+  for (const std::string& name : names) {
+    text += (text.empty() ? " " : ", ") + name;
   }
-  VirtualDevice device(LoadTable(table_path), MakeProfile(options));
+  return text;
+}
+
+int Serve(const Options& options, int signals) {
+  const std::string tables = options.config_folder + "/varID";
+  const std::vector<std::string> models = ListModels(tables);
+  if (models.empty()) {
+    return Complain("there are no tables in " + tables + "; name their folder with --config");
+  }
+  if (std::find(models.begin(), models.end(), options.model) == models.end()) {
+    return Complain("there is no model \"" + options.model + "\"; there are" + Listed(models));
+  }
+  VirtualDevice device(LoadTable(tables + "/" + options.model + ".csv"), MakeProfile(options));
   std::string error;
   for (const auto& [name, text] : options.presets) {
     if (!device.Preset(name, text, &error)) {

@@ -25,9 +25,10 @@ std::string FaultHelp() {
   text << "@CMD limits a fault to one command code, #TIMES to that many times (not "
           "silent-after).\n\n"
           "Examples:\n"
-          "  virtual_lidar                                an Orca on 127.0.0.1:9347\n"
-          "  virtual_lidar --model Kiva-CMX --serial      names the port to connect to\n"
-          "  virtual_lidar --port 0 --fault delay=2000@0x20 --fault 'drop@0x12#1'\n"
+          "  virtual_lidar                                  an Orca on 127.0.0.1:9347\n"
+          "  virtual_lidar --model Kiva-CMX                 names the serial port to connect to\n"
+          "  virtual_lidar --port 0 --fault 'drop@0x12#1'   loses the answer to its first write\n"
+          "  virtual_lidar --fault late=700@0x11            answers when nobody waits any more\n"
           "  virtual_lidar --set 'Spin Rate=1200' --dump state.json\n"
           "  virtual_lidar --check-tables --config ./Config\n\n"
           "Signals: SIGUSR1 writes the dump file anew; SIGTERM and SIGINT end at once.";
@@ -81,13 +82,16 @@ struct CommandLine {
 };
 
 void DeclareWhereToAnswer(CLI::App* app, CommandLine* line, Options* options) {
-  app->add_option("--model", options->model, "Model; its table is varID/MODEL.csv")
+  app->option_defaults()->group("Which device, and where it answers");
+  app->add_option("--model", options->model,
+                  "Model, by the name of its table; another name lists the models")
       ->type_name("MODEL")
       ->capture_default_str();
   app->add_option("--config", line->config,
                   "Folder of the tables (./Config, else ../Config beside bin/)")
       ->type_name("DIR");
-  app->add_option("--port", line->port, "TCP port on 127.0.0.1; 0 lets the system pick")
+  app->add_option("--port", line->port,
+                  "TCP port on 127.0.0.1; 0, or 9347 in use, lets the system pick")
       ->type_name("N")
       ->capture_default_str();
   app->add_option("--protocol", options->server.protocol,
@@ -96,13 +100,14 @@ void DeclareWhereToAnswer(CLI::App* app, CommandLine* line, Options* options) {
       ->check(CLI::Range(1, 2).description(""))
       ->capture_default_str();
   app->add_flag("--serial", line->serial,
-                "Answer on a pseudo-terminal instead (a pair for Lumo); with --port, on both");
+                "Answer on a pseudo-terminal, as serial models do anyway; with --port, on both");
   app->add_option("--udp", line->udp, "Send a point cloud of 1,200-byte packets to IP:PORT[@RATE]")
       ->type_name("IP:PORT[@RATE]")
       ->check(CLI::Validator(CheckTarget, ""));
 }
 
 void DeclareHowToBehave(CLI::App* app, CommandLine* line, Options* options) {
+  app->option_defaults()->group("What it holds and how it behaves");
   app->add_option("--set", line->presets,
                   "Give a variable another value to start with, by name or id")
       ->type_name("NAME=VALUE")
@@ -139,12 +144,15 @@ void MakeSense(const CommandLine& line, Options* options) {
   }
   ServerSetup& server = options->server;
   server.restart_time = std::chrono::milliseconds(line.restart_ms);
-  if (!line.serial || line.port_given) {
-    server.tcp_port = line.port;
+  const ConnectType connect = TraitsOf(options->model).connect;
+  const bool serial = line.serial || connect != kNetworkLink;
+  if (serial) {
+    server.serial =
+        connect == kSerialPair ? ServerSetup::Serial::kPair : ServerSetup::Serial::kOneLine;
   }
-  if (line.serial) {
-    server.serial = TraitsOf(options->model).connect == kSerialPair ? ServerSetup::Serial::kPair
-                                                                    : ServerSetup::Serial::kOneLine;
+  if (!serial || line.port_given) {
+    server.tcp_port = line.port;
+    server.other_port_will_do = !line.port_given;
   }
   if (!line.udp.empty()) {
     ParsePointCloudTarget(line.udp, &server.point_cloud.emplace(), &error);
@@ -157,9 +165,13 @@ std::optional<Options> ParseOptions(int argc, char** argv, int* exit_code) {
   Options options;
   CommandLine line;
   CLI::App app(
-      "A lidar in software: answers on the real wire as a device of the chosen model does.");
+      "A lidar in software: answers on the real wire as a device of the chosen model does, over "
+      "TCP\n"
+      "or a serial port that it makes, as the model is reached. It prints where, then a line for\n"
+      "each request.");
   app.name("virtual_lidar");
   app.footer(FaultHelp());
+  app.set_help_flag("-h,--help", "Print this and end");
   app.get_formatter()->column_width(28);
   DeclareWhereToAnswer(&app, &line, &options);
   DeclareHowToBehave(&app, &line, &options);

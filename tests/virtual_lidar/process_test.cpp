@@ -81,12 +81,24 @@ TEST(Process, OutlivesTheReaderOfItsLog) {
   EXPECT_EQ(lidar.exitStatus(), QProcess::NormalExit);
 }
 
+TEST(Process, AnswersWhereItsModelDoes) {
+  for (const auto& [model, line] : {std::pair{"Lumo", "serial port 232 /dev/"},
+                                    {"Lumo-CMX", "serial port /dev/"},
+                                    {"Kiva-CMX", "serial port /dev/"}}) {
+    Program program({"--model", model});
+    EXPECT_TRUE(program.Prints(line)) << program.output();
+    program.Signal(SIGTERM);
+    EXPECT_EQ(program.ExitCode(), 0);
+  }
+}
+
 TEST(Process, RefusesACommandLineThatMakesNoSense) {
   const std::pair<QStringList, const char*> cases[] = {
       {{"--fault", "dorp"}, "there is no fault named \"dorp\""},
       {{"--set", "Speed"}, "NAME=VALUE"},
       {{"--set", "Nobody=1"}, "no variable \"Nobody\""},
-      {{"--model", "Nowhere"}, "varID/Nowhere.csv"},
+      {{"--model", "Nowhere"}, "\"Nowhere\"; there are Kiva-CMX, Lumo, Lumo-CMX, Orca, Osprey"},
+      {{"--config", "/nonexistent"}, "there are no tables in /nonexistent/varID"},
       {{"--protocol", "3"}, "--protocol: "},
       {{"--udp", "127.0.0.1:1@0"}, "--udp: "},
       {{"--dump", "/nonexistent/state.json"}, "cannot write /nonexistent/state.json: "},

@@ -56,14 +56,16 @@ bool DeviceServer::Start(std::string* error) {
   }
   try {
     if (setup_.tcp_port) {
-      if (!listener_.Open(*setup_.tcp_port)) {
+      if (!listener_.Open(*setup_.tcp_port) && !(setup_.other_port_will_do && listener_.Open(0))) {
         *error = listener_.error();
         return false;
       }
-      log_->Write("listening on 127.0.0.1:" + std::to_string(listener_.port()));
     }
     if (setup_.serial != ServerSetup::Serial::kNone) {
       OpenSerial();
+    }
+    if (setup_.tcp_port) {
+      log_->Write("listening on 127.0.0.1:" + std::to_string(listener_.port()));
     }
     if (setup_.point_cloud) {
       point_cloud_ = std::make_unique<PointCloudSender>(loop_, *setup_.point_cloud);

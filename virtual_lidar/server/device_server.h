@@ -21,6 +21,7 @@ struct ServerSetup {
   enum class Serial { kNone, kOneLine, kPair };
 
   std::optional<uint16_t> tcp_port;  ///< on 127.0.0.1; 0 lets the system pick
+  bool other_port_will_do = false;   ///< should that one be in use
   int protocol = 1;                  ///< version of the CMX frames over TCP: 1 or 2
   Serial serial = Serial::kNone;     ///< kPair: requests by one port, answers by the other
   std::optional<PointCloudTarget> point_cloud;
@@ -36,9 +37,9 @@ class DeviceServer : private LinkHost {
                ServerSetup setup);
   ~DeviceServer() override;
 
-  /// Writes the first dump, opens what the setup asks for, and logs one line for each: "listening
-  /// on 127.0.0.1:PORT", "serial port NAME" ("serial port 485 NAME" and "serial port 232 NAME" for
-  /// a pair).
+  /// Writes the first dump, opens what the setup asks for, and logs one line for each: "serial port
+  /// NAME" ("serial port 485 NAME" and "serial port 232 NAME" for a pair), then "listening on
+  /// 127.0.0.1:PORT".
   /// @return false with a sentence in *error when something cannot be had.
   bool Start(std::string* error);
 
