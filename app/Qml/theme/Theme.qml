@@ -49,7 +49,6 @@ QtObject {
     readonly property int fieldPadding: 3 * grid
     readonly property int gap: 2 * grid
     readonly property int gapWide: 4 * grid
-    readonly property int gapSection: 6 * grid
     readonly property int radius: grid
     readonly property int radiusSmall: grid / 2
 
