@@ -12,11 +12,8 @@ FocusScope {
 
     readonly property var manager: tevron_manager
     readonly property string programName: "Tevron"
-    readonly property bool network: manager.connectType === 0
     property string modelName: ""
-    property int currentTab: 0
     property bool bytesFlow: false
-    property var successes: []
 
     objectName: "mainScreen"
     implicitWidth: Theme.windowWidth
@@ -29,67 +26,17 @@ FocusScope {
         manager.InitConfigFileParser(name);
     }
 
-    // Edits belong to the page they were made on: another page starts without any.
-    function selectTab(tab) {
-        manager.ClearSetMap();
-        manager.setModuleIndexUse(tab);
-        manager.GetLidarModuleInfo(tab);
-        currentTab = tab;
-    }
-
-    function showTabs() {
-        tabs.titles = manager.level1List;
-    }
-
-    function rebuild() {
-        showTabs();
-        tabs.currentIndex = 0;
-        currentTab = 0;
-        manager.setModuleIndexUse(0);
-    }
-
-    function showError() {
-        const text = manager.errorMessage;
-        if (text === "") {
-            console.log("errorMessageChanged: no message");
-            return;
-        }
-        logWindow.append(text, "ERROR");
-        errorBox.show(text);
-        manager.setErrorMsg("");
-    }
-
-    function showSuccess() {
-        const text = manager.successMessage;
-        if (text === "") {
-            console.log("successMessageChanged: no message");
-            return;
-        }
-        logWindow.append(text, "SUCCESS");
-        successes = successes.concat([text]);
-        Qt.callLater(showSuccesses);
-        manager.setSuccessMsg("");
-    }
-
-    // What one action of the user brought, in one box: saving a page reports every command.
-    function showSuccesses() {
-        const text = successes.join("\n");
-        successBox.show(text, text.indexOf("restart the lidar") < 0 ? ""
-            : qsTr("The page shows what the lidar holds now. The gear button restarts it."));
-        successes = [];
-    }
-
     function sendCommand(command, payload) {
         if (manager.IsConnected)
             manager.SendCommand(command, payload);
         else
-            errorBox.show(qsTr("Please connect to lidar first"));
+            messages.refuse(qsTr("Please connect to lidar first"));
     }
 
     function confirmed(purpose) {
         switch (purpose) {
         case "save":
-            page.write();
+            pages.write();
             break;
         case "restart":
             manager.Restart();
@@ -100,34 +47,11 @@ FocusScope {
         }
     }
 
-    function askRestart() {
-        question.ask("restart", qsTr("Restart the lidar?"),
-                     qsTr("The lidar restarts and does not measure until it is up again."),
-                     qsTr("The connection may be lost; press Connect once the lidar is back."),
-                     qsTr("Restart"));
-    }
-
-    function askReset() {
-        question.ask("reset", qsTr("Reset to factory settings?"),
-                     qsTr("Every setting on the lidar goes back to its factory value."),
-                     qsTr("This cannot be undone. The address may change; press Connect again then."),
-                     qsTr("Reset"));
-    }
-
-    Component.onCompleted: {
-        modelName = manager.getPVNowName() !== "" ? manager.getPVNowName() : "Orca";
-        rebuild();
-    }
+    Component.onCompleted: modelName = manager.getPVNowName() || "Orca"
 
     Connections {
         target: window.manager
-        function onErrorMessageChanged() { window.showError(); }
-        function onSuccessMessageChanged() { window.showSuccess(); }
         function onSendLogMessage(msg, type) { logWindow.append(msg, type); }
-        function onLidarModelChanged() { window.rebuild(); }
-        function onLidarClearModel() { tabs.titles = []; }
-        function onLidarShowModel() { window.showTabs(); }
-        function onIsGetPBLVersionChanged() { serialBox.tell(window.manager.isGetPBLVersion); }
     }
 
     LinkControl {
@@ -135,12 +59,9 @@ FocusScope {
 
         manager: window.manager
         modelName: window.modelName
-        tab: window.currentTab
-        onRefused: errorBox.show(reason)
-        onWarned: {
-            logWindow.append(text, "WARNING");
-            question.warn(qsTr("Check the lidar's model"), text, "");
-        }
+        tab: pages.currentTab
+        onRefused: messages.refuse(reason)
+        onWarned: messages.warnAboutModel(text)
     }
 
     Rectangle {
@@ -160,9 +81,9 @@ FocusScope {
         connecting: link.connecting
         onModelChosen: window.chooseModel(name)
         onConnectClicked: link.toggle()
-        onRestartWanted: window.askRestart()
-        onResetWanted: window.askReset()
-        onAboutWanted: aboutBox.open()
+        onRestartWanted: messages.askRestart()
+        onResetWanted: messages.askReset()
+        onAboutWanted: messages.showAbout()
     }
 
     T.SplitView {
@@ -179,51 +100,16 @@ FocusScope {
             orientation: Qt.Horizontal
             handle: SplitHandle {}
 
-            Item {
+            PageArea {
+                id: pages
+
                 T.SplitView.fillWidth: true
                 T.SplitView.minimumWidth: Theme.serialPanelWidth
-
-                TabWidget {
-                    id: tabs
-
-                    objectName: "pageTabs"
-                    anchors.left: parent.left
-                    anchors.right: parent.right
-                    anchors.leftMargin: Theme.gap
-                    anchors.rightMargin: Theme.gap
-                    visible: window.network
-                    marked: page.hasEdits ? [window.currentTab] : []
-                    onSelected: window.selectTab(index)
-                }
-
-                PageView {
-                    id: page
-
-                    objectName: "pageView"
-                    anchors.top: tabs.bottom
-                    anchors.left: parent.left
-                    anchors.right: parent.right
-                    anchors.bottom: parent.bottom
-                    visible: window.network
-                    manager: window.manager
-                    tab: window.currentTab
-                    title: tabs.titles.length > window.currentTab ? tabs.titles[window.currentTab] : ""
-                    onRefused: errorBox.show(reason)
-                    onConfirmationWanted: question.ask("save", qsTr("Values out of range"),
-                        qsTr("These values are out of range or badly written:\n%1").arg(names.join("\n")),
-                        qsTr("The lidar may refuse them. Continue writes them all the same; Cancel goes back to the page."),
-                        qsTr("Continue"))
-                }
-
-                Loader {
-                    anchors.fill: parent
-                    active: !window.network
-                    sourceComponent: Lumo {
-                        manager: window.manager
-                        modelName: window.modelName
-                        onRestartWanted: window.askRestart()
-                    }
-                }
+                manager: window.manager
+                modelName: window.modelName
+                onRefused: messages.refuse(reason)
+                onConfirmationWanted: messages.askSave(names)
+                onRestartWanted: messages.askRestart()
             }
 
             GetCmdWidget {
@@ -263,18 +149,13 @@ FocusScope {
         onPortEntered: window.manager.udpPort = text
     }
 
-    ErrorInfoWindow { id: errorBox }
-    SuccessInfoWindow { id: successBox }
-    SerialBusyWindow { id: serialBox }
-    MessageWindow {
-        id: question
+    Messages {
+        id: messages
 
-        onAccepted: window.confirmed(purpose)
-    }
-    AboutWindow {
-        id: aboutBox
-
-        applicationName: window.programName
-        details: [qsTr("Model in use: %1").arg(window.modelName)]
+        manager: window.manager
+        programName: window.programName
+        modelName: window.modelName
+        onLogged: logWindow.append(text, tag)
+        onConfirmed: window.confirmed(purpose)
     }
 }

@@ -50,82 +50,22 @@ FocusScope {
 
         objectName: "logFilter"
         lines: lines
-        text: search.text
+        text: tools.filterText
     }
     Clipboard { id: clipboard }
 
-    Row {
+    LogTools {
         id: tools
 
         anchors.left: parent.left
         anchors.right: parent.right
         anchors.top: parent.top
-        anchors.leftMargin: Theme.gapWide
-        anchors.rightMargin: Theme.gapWide
-        height: Theme.controlHeight + Theme.gap
-        spacing: Theme.gap
-
-        Text {
-            anchors.verticalCenter: parent.verticalCenter
-            rightPadding: Theme.gap
-            text: qsTr("Log")
-            font: Theme.titleFont
-            color: Theme.textColor
-        }
-
-        Repeater {
-            model: log.tags
-
-            DefaultCheckBox {
-                anchors.verticalCenter: parent.verticalCenter
-                objectName: "logTag_" + modelData
-                text: modelData
-                font: Theme.captionFont
-                checked: true
-                hint: qsTr("Show the lines tagged [%1]").arg(modelData)
-                onToggled: log.showTag(modelData, checked)
-            }
-        }
-    }
-
-    Row {
-        anchors.right: parent.right
-        anchors.rightMargin: Theme.gapWide
-        anchors.verticalCenter: tools.verticalCenter
-        spacing: Theme.gap
-
-        DefaultSwitch {
-            objectName: "bytesFlowSwitch"
-            anchors.verticalCenter: parent.verticalCenter
-            text: qsTr("Raw bytes")
-            value: log.bytesFlow
-            hint: qsTr("Log the bytes of every exchange with the lidar")
-            onSwitched: log.bytesFlowSwitched(on)
-        }
-        DefaultTextField {
-            id: search
-
-            objectName: "logSearch"
-            anchors.verticalCenter: parent.verticalCenter
-            width: Theme.fieldWidth
-            placeholderText: qsTr("Filter text")
-            label: qsTr("Show only lines that contain this text")
-            hint: label
-        }
-        DefaultToolButton {
-            objectName: "logCopy"
-            anchors.verticalCenter: parent.verticalCenter
-            text: qsTr("Copy")
-            hint: qsTr("Copy the lines shown to the clipboard (Ctrl+C)")
-            onClicked: log.copy()
-        }
-        DefaultToolButton {
-            objectName: "logClear"
-            anchors.verticalCenter: parent.verticalCenter
-            text: qsTr("Clear")
-            hint: qsTr("Empty the log")
-            onClicked: lines.Clear()
-        }
+        tags: log.tags
+        bytesFlow: log.bytesFlow
+        onTagSwitched: log.showTag(tag, shown)
+        onBytesFlowSwitched: log.bytesFlowSwitched(on)
+        onCopyWanted: log.copy()
+        onClearWanted: lines.Clear()
     }
 
     Rectangle {

@@ -1,0 +1,89 @@
+import QtQuick 2.15
+import "../theme"
+
+// What the lidar shows of itself: over the network its pages, one a tab; over a serial line the
+// panels of its model.
+Item {
+    id: area
+
+    property var manager
+    property string modelName: ""
+    property int currentTab: 0
+    readonly property bool network: manager.connectType === 0
+
+    signal refused(string reason)
+    signal confirmationWanted(var names)
+    signal restartWanted()
+
+    // Writes the edits of the page in view, whatever their values.
+    function write() {
+        page.write();
+    }
+
+    // Edits belong to the page they were made on: another page starts without any.
+    function selectTab(tab) {
+        manager.ClearSetMap();
+        manager.setModuleIndexUse(tab);
+        manager.GetLidarModuleInfo(tab);
+        currentTab = tab;
+    }
+
+    function showTabs() {
+        tabs.titles = manager.level1List;
+    }
+
+    function rebuild() {
+        showTabs();
+        tabs.currentIndex = 0;
+        currentTab = 0;
+        manager.setModuleIndexUse(0);
+    }
+
+    Component.onCompleted: rebuild()
+
+    Connections {
+        target: area.manager
+        function onLidarModelChanged() { area.rebuild(); }
+        function onLidarClearModel() { tabs.titles = []; }
+        function onLidarShowModel() { area.showTabs(); }
+    }
+
+    TabWidget {
+        id: tabs
+
+        objectName: "pageTabs"
+        anchors.left: parent.left
+        anchors.right: parent.right
+        anchors.leftMargin: Theme.gap
+        anchors.rightMargin: Theme.gap
+        visible: area.network
+        marked: page.hasEdits ? [area.currentTab] : []
+        onSelected: area.selectTab(index)
+    }
+
+    PageView {
+        id: page
+
+        objectName: "pageView"
+        anchors.top: tabs.bottom
+        anchors.left: parent.left
+        anchors.right: parent.right
+        anchors.bottom: parent.bottom
+        visible: area.network
+        manager: area.manager
+        tab: area.currentTab
+        title: tabs.titles.length > area.currentTab ? tabs.titles[area.currentTab] : ""
+        onRefused: area.refused(reason)
+        onConfirmationWanted: area.confirmationWanted(names)
+    }
+
+    Loader {
+        anchors.fill: parent
+        active: !area.network
+        sourceComponent: Lumo {
+            manager: area.manager
+            modelName: area.modelName
+            onRestartWanted: area.restartWanted()
+        }
+    }
+}
