@@ -1,6 +1,8 @@
 # shellcheck shell=bash
 # Sourced by the scripts beside it.
 
+# shellcheck disable=SC2034  # for the scripts that take file names
+caller=$PWD
 top=$(cd "$(dirname "${BASH_SOURCE[0]}")/../.." && pwd)
 cd "$top" || exit 1
 

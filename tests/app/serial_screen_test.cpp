@@ -29,7 +29,7 @@ void Connect(Screen* screen) {
 
 TEST(SerialScreenTest, ReadsAndSetsOverOneLine) {
   Screen screen("Kiva-CMX");
-  const VirtualLidarProcess lidar({"--model", "Kiva-CMX", "--serial"});
+  const VirtualLidarProcess lidar({"--model", "Kiva-CMX"});
   EXPECT_EQ(screen.Find("gearButton"), nullptr);
   EXPECT_EQ(screen.Find("pageRows"), nullptr);
   EXPECT_EQ(screen.Find("port232"), nullptr);
@@ -59,7 +59,7 @@ TEST(SerialScreenTest, ReadsAndSetsOverOneLine) {
 
 TEST(SerialScreenTest, SaysWhatAPairOfPortsCannotDo) {
   Screen screen("Lumo");
-  const VirtualLidarProcess lidar({"--model", "Lumo", "--serial"});
+  const VirtualLidarProcess lidar({"--model", "Lumo"});
   screen.TypeInto("port485_field", lidar.SerialPort("485"));
   screen.TypeInto("port232_field", lidar.SerialPort("232"));
   Connect(&screen);

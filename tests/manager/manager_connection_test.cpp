@@ -149,7 +149,7 @@ TEST_F(ManagerConnectionTest, EndsInTimeInEveryState) {
   EXPECT_TRUE(EndsInTime());
 
   Recreate();
-  VirtualLidarProcess line({"--model", "Kiva-CMX", "--serial"});
+  VirtualLidarProcess line({"--model", "Kiva-CMX"});
   manager_->InitConfigFileParser("Kiva-CMX");
   manager_->setSerialPort485(line.SerialPort());
   ASSERT_TRUE(Connect());

@@ -31,7 +31,7 @@ class ManagerOneLineTest : public ManagerSerialTest,
 
 TEST_P(ManagerOneLineTest, ConnectsIdentifiesSetsAndLeavesThePortFree) {
   const QString model = GetParam();
-  VirtualLidarProcess lidar({"--model", model, "--serial"});
+  VirtualLidarProcess lidar({"--model", model});
   for (int i = 0; i < 2; ++i) {
     ASSERT_TRUE(ConnectSerial(model, lidar));
     EXPECT_EQ(2, manager_->connectType());
@@ -62,7 +62,7 @@ TEST_P(ManagerOneLineTest, ConnectsIdentifiesSetsAndLeavesThePortFree) {
 INSTANTIATE_TEST_SUITE_P(Models, ManagerOneLineTest, testing::Values("Lumo-CMX", "Kiva-CMX"));
 
 TEST_F(ManagerSerialTest, APairOfPortsConnectsAndTheConsoleWorks) {
-  const VirtualLidarProcess lidar({"--model", "Lumo", "--serial"});
+  const VirtualLidarProcess lidar({"--model", "Lumo"});
   QStringList order;
   QObject::connect(manager_.get(), &TevronManager::isConnectedChanged, [this, &order] {
     order << (manager_->GetIsConnectingLidar() ? "connecting" : "connected") << log_.last();
@@ -84,7 +84,7 @@ TEST_F(ManagerSerialTest, PortsThatDoNotOpenAreNamed) {
   EXPECT_EQ(QStringList("Connection Failed. Please check your RS485 serial port."), TakeErrors());
   EXPECT_EQ(1, LogLines("ERROR: ").filter("/dev/no-such-port").size());
 
-  const VirtualLidarProcess lidar({"--model", "Lumo", "--serial"});
+  const VirtualLidarProcess lidar({"--model", "Lumo"});
   manager_->setSerialPort485(lidar.SerialPort("485"));
   manager_->setSerialPort232("/dev/no-such-port");
   EXPECT_FALSE(Connect());
@@ -100,7 +100,7 @@ TEST_F(ManagerSerialTest, PortsThatDoNotOpenAreNamed) {
 }
 
 TEST_F(ManagerSerialTest, ALineThatVanishesDisconnectsWithAReason) {
-  VirtualLidarProcess lidar({"--model", "Kiva-CMX", "--serial"});
+  VirtualLidarProcess lidar({"--model", "Kiva-CMX"});
   ASSERT_TRUE(ConnectSerial("Kiva-CMX", lidar));
   lidar.Kill();
   ASSERT_TRUE(WaitFor([this] { return !manager_->isConnected(); }));
@@ -123,8 +123,7 @@ TEST_F(ManagerSerialTest, APairOfPortsEndsWhenEitherVanishes) {
 }
 
 TEST_F(ManagerSerialTest, DisconnectingWhileTheLidarIdentifiesItselfIsNoFailure) {
-  const VirtualLidarProcess lidar(
-      {"--model", "Kiva-CMX", "--serial", "--fault", "delay=60000@0x4B"});
+  const VirtualLidarProcess lidar({"--model", "Kiva-CMX", "--fault", "delay=60000@0x4B"});
   manager_->InitConfigFileParser("Kiva-CMX");
   manager_->setSerialPort485(lidar.SerialPort());
   ASSERT_TRUE(Connect());

@@ -20,17 +20,13 @@ QString FirstMatch(const QString& pattern, const QString& text) {
 }  // namespace
 
 VirtualLidarProcess::VirtualLidarProcess(const QStringList& arguments, quint16 port) {
-  const bool serial = arguments.contains("--serial");
   QStringList all = arguments;
   all << "--config"
       << "./Config"
-      << "--dump" << folder_.filePath("state.json");
-  if (!serial) {
-    all << "--port" << QString::number(port);
-  }
+      << "--dump" << folder_.filePath("state.json") << "--port" << QString::number(port);
   process_.setProcessChannelMode(QProcess::MergedChannels);
   process_.start(QStringLiteral(TEVRON_VIRTUAL_LIDAR), all);
-  if (!ReadUntilReady(serial)) {
+  if (!ReadUntilReady()) {
     const QString said = Output();
     Kill();
     throw std::runtime_error("the virtual lidar is not ready: " + said.toStdString());
@@ -39,14 +35,11 @@ VirtualLidarProcess::VirtualLidarProcess(const QStringList& arguments, quint16 p
 
 VirtualLidarProcess::~VirtualLidarProcess() { Kill(); }
 
-bool VirtualLidarProcess::ReadUntilReady(bool serial) {
+bool VirtualLidarProcess::ReadUntilReady() {
   const QDeadlineTimer deadline(kReadyTimeoutMs);
   while (!deadline.hasExpired()) {
-    const QString said = Output();
-    if (serial && !SerialPort().isEmpty()) {
-      return true;
-    }
-    port_ = FirstMatch("^listening on 127\\.0\\.0\\.1:(\\d+)$", said).toUShort();
+    // Its last line before the first request.
+    port_ = FirstMatch("^listening on 127\\.0\\.0\\.1:(\\d+)$", Output()).toUShort();
     if (port_ != 0) {
       return true;
     }
@@ -58,7 +51,6 @@ bool VirtualLidarProcess::ReadUntilReady(bool serial) {
 }
 
 QString VirtualLidarProcess::SerialPort(const QString& kind) const {
-  // The pair is announced request line first, so that the second name means that both are ready.
   const QString pair = FirstMatch("^serial port 232 (\\S+)$", output_);
   if (pair.isEmpty()) {
     return FirstMatch("^serial port (/\\S+)$", output_);

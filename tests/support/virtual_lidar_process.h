@@ -17,7 +17,7 @@ class VirtualLidarProcess {
   VirtualLidarProcess(const VirtualLidarProcess&) = delete;
   VirtualLidarProcess& operator=(const VirtualLidarProcess&) = delete;
 
-  /// The TCP port on 127.0.0.1; 0 when it answers on a serial line.
+  /// The TCP port on 127.0.0.1.
   quint16 port() const { return port_; }
   /// The serial line, or the one of the pair that is called `kind` ("485" or "232").
   QString SerialPort(const QString& kind = QString()) const;
@@ -33,7 +33,7 @@ class VirtualLidarProcess {
   void Freeze();
 
  private:
-  bool ReadUntilReady(bool serial);
+  bool ReadUntilReady();
 
   QTemporaryDir folder_;
   QProcess process_;
