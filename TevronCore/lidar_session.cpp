@@ -182,7 +182,7 @@ bool LidarSession::MayReadPages() const {
 
 void LidarSession::ReadFactsAgain() {
   if (facts_reading_ != nullptr) {
-    facts_reading_->Request();
+    facts_reading_->RequestQuietly();
   }
 }
 

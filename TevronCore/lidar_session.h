@@ -79,8 +79,9 @@ class LidarSession {
   const DeviceFacts& facts() const { return facts_; }
   /// Whether the first reading of this connection's facts is running.
   bool reading_facts() const { return reading_facts_; }
-  /// Read anew after a command that may have changed them. Over the network, where the pages show
-  /// everything, they do nothing.
+  /// Read anew after a command that may have changed them: quietly, that is with failures in the
+  /// log alone, and after a restart, whose failure the user has to hear of. Over the network, where
+  /// the pages show everything, they do nothing.
   void ReadFactsAgain();
   void ReadFactsAfterRestart();
 

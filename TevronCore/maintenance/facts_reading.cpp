@@ -24,10 +24,12 @@ FactsReading::~FactsReading() {
 
 void FactsReading::Request() { Require(Due::kNow); }
 
+void FactsReading::RequestQuietly() { Require(Due::kQuietly); }
+
 void FactsReading::RequestAfterRestart() { Require(Due::kAfterRestart); }
 
 void FactsReading::Require(Due due) {
-  // A reading after the restart serves every other request too.
+  // A later reading, and one that is heard, serves every other request too.
   stop_.Tell([this, due] { due_ = std::max(due_, due); });
 }
 
@@ -42,7 +44,8 @@ void FactsReading::Run() {
     if (due == Due::kAfterRestart) {
       WaitUntilBack();
     }
-    facts = Maintenance({sender_.get(), state_, connect_type_}, *report_).ReadFacts(facts);
+    facts = Maintenance({sender_.get(), state_, connect_type_}, *report_)
+                .ReadFacts(facts, due == Due::kQuietly);
     done_(facts);
   }
 }

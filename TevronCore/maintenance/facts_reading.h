@@ -36,11 +36,13 @@ class FactsReading {
   /// Reads as soon as the reading in progress, if any, is over. Requests that come meanwhile are
   /// answered by one reading.
   void Request();
-  /// The same once the lidar is back from a restart that has just been ordered.
+  /// The same, but failures go to the log alone: the user has asked for something else.
+  void RequestQuietly();
+  /// As Request, once the lidar is back from a restart that has just been ordered.
   void RequestAfterRestart();
 
  private:
-  enum class Due { kNothing, kNow, kAfterRestart };
+  enum class Due { kNothing, kQuietly, kNow, kAfterRestart };
 
   void Require(Due due);
   void Run();

@@ -105,6 +105,8 @@ std::optional<uint32_t> Maintenance::WriteBaudRate(const QString& text) {
     }
     return std::nullopt;
   }
+  // Meant: the open line keeps its rate. The new one is that of the point cloud's line, after the
+  // lidar's next restart.
   const auto set = [&](CommandSender& lidar) { return SetBaudRate(lidar, rate); };
   return Run(kSetBaudRate, set) ? std::optional(rate) : std::nullopt;
 }
@@ -183,8 +185,8 @@ std::vector<SafetyState> Maintenance::ReadFunctionSafety() {
   return states;
 }
 
-DeviceFacts Maintenance::ReadFacts(DeviceFacts facts) {
-  if (!IsReady(kReadSerialNumber)) {
+DeviceFacts Maintenance::ReadFacts(DeviceFacts facts, bool silent) {
+  if (!IsReady(kReadSerialNumber, silent)) {
     return facts;
   }
   CommandSender& lidar = *link_.sender;
@@ -195,14 +197,14 @@ DeviceFacts Maintenance::ReadFacts(DeviceFacts facts) {
     }
     const int32_t result = get(lidar, fact);
     is_silent = result == kNoReply;
-    return Conclude(texts, result);
+    return Conclude(texts, result, silent);
   };
   std::string number;
   if (read(kReadSerialNumber, GetSerialNumber, &number)) {
-    KeepValid(number, "SN invalid after validation", &facts.serial_number);
+    KeepValid(number, "SN invalid after validation", silent, &facts.serial_number);
   }
   if (read(kReadPartNumber, GetPartNumber, &number)) {
-    KeepValid(number, "PN invalid after validation", &facts.part_number);
+    KeepValid(number, "PN invalid after validation", silent, &facts.part_number);
   }
   read(kReadVersions, GetVersions, &facts.versions);
   read(kReadPblVersion, GetPblVersion, &facts.pbl_version);
@@ -288,10 +290,11 @@ void Maintenance::Fail(const std::string& text, bool silent) {
   report_.LogLine(text, LogType::kError);
 }
 
-void Maintenance::KeepValid(const std::string& number, const char* if_invalid, std::string* kept) {
+void Maintenance::KeepValid(const std::string& number, const char* if_invalid, bool silent,
+                            std::string* kept) {
   if (IsValidNumber(number)) {
     *kept = number;
   } else {
-    Fail(if_invalid, false);
+    Fail(if_invalid, silent);
   }
 }

@@ -60,7 +60,7 @@ class Maintenance {
 
   /// What the lidar says about itself. What cannot be read, and a number that is not 1 to 32
   /// printable characters, stays as in `facts`; once the lidar is silent the rest is not asked for.
-  DeviceFacts ReadFacts(DeviceFacts facts = {});
+  DeviceFacts ReadFacts(DeviceFacts facts = {}, bool silent = false);
 
   /// Restarts a Kiva after an upgrade: 0 when it acknowledged.
   int32_t RestartKiva();
@@ -78,7 +78,7 @@ class Maintenance {
   bool IsReady(const MaintenanceTexts& texts, bool silent = false);
   bool Conclude(const MaintenanceTexts& texts, int32_t result, bool silent = false);
   void Fail(const std::string& text, bool silent = false);
-  void KeepValid(const std::string& number, const char* if_invalid, std::string* kept);
+  void KeepValid(const std::string& number, const char* if_invalid, bool silent, std::string* kept);
   int32_t Send(const TableCommandTexts& texts, const ConfigParser& table, bool silent);
 
   const MaintenanceLink link_;

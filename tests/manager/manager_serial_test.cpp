@@ -122,6 +122,20 @@ TEST_F(ManagerSerialTest, APairOfPortsEndsWhenEitherVanishes) {
   }
 }
 
+TEST_F(ManagerSerialTest, OnlyTheFirstReadingOfTheFactsIsHeard) {
+  const VirtualLidarProcess lidar(
+      {"--model", "Lumo-CMX", "--serial", "--fault", "return-code=4@0x4F"});
+  ASSERT_TRUE(ConnectSerial("Lumo-CMX", lidar));
+  const QString failure = "get status error, ret:lidar return code 4";
+  EXPECT_EQ(TakeErrors(), QStringList(failure));
+  // A screen that does not clear the message sees what becomes of it.
+  QObject::disconnect(manager_.get(), &TevronManager::successMessageChanged, nullptr, nullptr);
+  manager_->LumoSetSpinRate(900);
+  ASSERT_TRUE(WaitFor([&] { return LogLines("ERROR: " + failure).size() == 2; }));
+  EXPECT_EQ(TakeErrors(), QStringList());
+  EXPECT_EQ(manager_->successMessage(), "set spin rate successful");
+}
+
 TEST_F(ManagerSerialTest, DisconnectingWhileTheLidarIdentifiesItselfIsNoFailure) {
   const VirtualLidarProcess lidar({"--model", "Kiva-CMX", "--fault", "delay=60000@0x4B"});
   manager_->InitConfigFileParser("Kiva-CMX");

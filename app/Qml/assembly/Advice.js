@@ -3,9 +3,9 @@
 // What to do next after each kind of failure, by a piece of its message. The first that fits counts.
 const byMessage = [
     ["Please connect to lidar first",
-     qsTr("Enter the lidar's address at the top and press Connect.")],
+     qsTr("Say at the top how the lidar is reached and press Connect.")],
     ["not connected",
-     qsTr("Enter the lidar's address at the top and press Connect; then try again.")],
+     qsTr("Say at the top how the lidar is reached and press Connect; then try again.")],
     ["Connection Failed",
      qsTr("Check power and cable, and that nothing else holds the connection; then press Connect.")],
     ["TCP connection failed",

@@ -35,19 +35,21 @@ FocusScope {
         start.start();
     }
 
-    // A reading that failed leaves what is shown as it is.
+    // Shows in `section` what was read; a reading that failed leaves what is shown as it is.
     function show(section, held) {
         if (held.length > 0)
             section.take(held);
     }
 
-    // What another lidar told says nothing about this one.
-    function startOver() {
-        network.take([]);
-        destination.take([]);
-        baudRate.take("");
-        safety.entries = [];
-        if (manager.IsConnected && cmxSerial) {
+    // What one lidar told says nothing about the next.
+    function forget() {
+        for (const section of [network, destination, baudRate, safety])
+            section.take([]);
+    }
+
+    // After the facts: two readers at once would only wait for each other.
+    function readSettings() {
+        if (manager.IsConnected && cmxSerial && !manager.isGetPBLVersion) {
             run(qsTr("Reading the lidar's settings…"), () => {
                 show(network, manager.LumoGetNetConfig(true));
                 show(destination, manager.LumoGetDestinationConfig(true));
@@ -55,12 +57,12 @@ FocusScope {
         }
     }
 
-    Component.onCompleted: startOver()
+    Component.onCompleted: readSettings()
 
     Connections {
         target: screen.manager
-        function onIsConnectedChanged() { screen.startOver(); }
-        function onIsGetPBLVersionChanged() { screen.startOver(); }
+        function onIsConnectedChanged() { screen.forget(); }
+        function onIsGetPBLVersionChanged() { screen.readSettings(); }
     }
 
     Timer {
@@ -178,7 +180,7 @@ FocusScope {
 
                 obstacle: screen.notByCmx
                 onReadWanted: screen.run(qsTr("Reading the baud rate…"), () =>
-                    screen.show(baudRate, screen.manager.LumoGetBaudRate()))
+                    screen.show(baudRate, [screen.manager.LumoGetBaudRate()].filter(rate => rate)))
                 onSetWanted: screen.run(qsTr("Setting the baud rate…"), () =>
                     screen.manager.LumoSetBaudRateFromUI(rate))
             }
@@ -190,7 +192,7 @@ FocusScope {
                 Layout.fillHeight: false
                 obstacle: screen.notReady
                 onReadWanted: screen.run(qsTr("Reading the safety functions…"), () =>
-                    safety.entries = screen.manager.LumoGetLidarFunctionSafety())
+                    screen.show(safety, screen.manager.LumoGetLidarFunctionSafety()))
             }
         }
     }

@@ -13,9 +13,9 @@ LumoSection {
     signal readWanted()
     signal setWanted(string rate)
 
-    // Shows what the lidar holds, over whatever was chosen.
+    // Shows what the lidar holds, a list of one or no rate, over whatever was chosen.
     function take(held) {
-        rate = held;
+        rate = held.length > 0 ? held[0] : "";
         choice.revert();
     }
 
@@ -30,7 +30,7 @@ LumoSection {
             width: Theme.serialChoiceWidth
             model: section.rates
             chosenIndex: section.rates.indexOf(section.rate)
-            displayText: currentIndex < 0 ? section.rate : currentText
+            displayText: currentIndex >= 0 ? currentText : section.rate.length > 0 ? section.rate : "—"
             label: qsTr("Baud rate of the point cloud")
             hint: label
         }

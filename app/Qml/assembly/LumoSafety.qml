@@ -5,10 +5,12 @@ import "../controls"
 LumoSection {
     id: section
 
-    // Maps as LumoFacts shows them; empty when the lidar has not been asked.
-    property alias entries: states.entries
-
     signal readWanted()
+
+    // Shows what the lidar told, maps as for LumoFacts.
+    function take(told) {
+        states.entries = told;
+    }
 
     title: qsTr("Function safety")
 
