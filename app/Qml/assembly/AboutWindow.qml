@@ -1,6 +1,5 @@
 import QtQuick 2.15
 import "../controls"
-import "../theme"
 
 // What this program is, and which version of it runs. `details` adds lines such as the model in use.
 DialogFrame {
@@ -21,12 +20,9 @@ DialogFrame {
     extra: Repeater {
         model: [qsTr("Version %1").arg(about.version)].concat(about.details)
 
-        Text {
+        PlainText {
             width: parent.width
             text: modelData
-            textFormat: Text.PlainText
-            font: Theme.bodyFont
-            color: Theme.textColor
             wrapMode: Text.Wrap
             Accessible.role: Accessible.StaticText
             Accessible.name: text

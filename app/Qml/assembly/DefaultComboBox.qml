@@ -56,7 +56,7 @@ T.ComboBox {
 
         Accessible.name: text
 
-        contentItem: Text {
+        contentItem: PlainText {
             text: entry.text
             font: entry.font
             color: entry.highlighted ? Theme.accentTextColor : Theme.textColor
@@ -76,7 +76,7 @@ T.ComboBox {
         color: control.enabled ? Theme.quietTextColor : Theme.disabledTextColor
     }
 
-    contentItem: Text {
+    contentItem: PlainText {
         text: control.displayText
         font: control.font
         color: control.enabled ? Theme.textColor : Theme.disabledTextColor

@@ -72,7 +72,7 @@ T.Switch {
         }
     }
 
-    contentItem: Text {
+    contentItem: PlainText {
         leftPadding: control.indicator.width + control.spacing
         text: control.text
         font: control.font

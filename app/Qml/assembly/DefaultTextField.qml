@@ -78,7 +78,7 @@ T.TextField {
         FocusRing { shown: field.activeFocus }
     }
 
-    Text {
+    PlainText {
         anchors.verticalCenter: parent.verticalCenter
         anchors.left: parent.left
         anchors.leftMargin: field.leftPadding
@@ -90,7 +90,7 @@ T.TextField {
         elide: Text.ElideRight
     }
 
-    Text {
+    PlainText {
         id: unitText
 
         anchors.verticalCenter: parent.verticalCenter

@@ -44,7 +44,7 @@ T.ToolButton {
                 source: control.icon.source
                 color: control.ink
             }
-            Text {
+            PlainText {
                 anchors.verticalCenter: parent.verticalCenter
                 visible: text.length > 0
                 text: control.text

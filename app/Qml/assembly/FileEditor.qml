@@ -32,7 +32,7 @@ FocusScope {
         onClicked: dialog.open()
     }
 
-    Text {
+    PlainText {
         anchors.left: button.right
         anchors.leftMargin: Theme.gapWide
         anchors.right: parent.right

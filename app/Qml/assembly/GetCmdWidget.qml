@@ -108,10 +108,9 @@ FocusScope {
             text: widget.replyPayload
         }
 
-        Text {
+        PlainText {
             text: qsTr("History")
             font: Theme.boldFont
-            color: Theme.textColor
         }
 
         ListView {

@@ -1,4 +1,5 @@
 import QtQuick 2.15
+import "../controls"
 import "../theme"
 
 // Vertical bars, one for each value, drawn from plain rectangles so that every renderer shows them.
@@ -49,14 +50,13 @@ Item {
                        / histogram.values.length
                 height: bars.height
 
-                Text {
+                PlainText {
                     id: number
 
                     anchors.bottom: body.top
                     anchors.horizontalCenter: parent.horizontalCenter
                     text: modelData + histogram.unit
                     font: Theme.captionFont
-                    color: Theme.textColor
                 }
                 Rectangle {
                     id: body
@@ -71,7 +71,7 @@ Item {
                     radius: Theme.radiusSmall
                     color: Theme.accentColor
                 }
-                Text {
+                PlainText {
                     id: captionText
 
                     anchors.bottom: parent.bottom

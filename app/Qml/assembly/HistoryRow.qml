@@ -1,4 +1,5 @@
 import QtQuick 2.15
+import "../controls"
 import "../theme"
 
 // One entry of the command history: a click puts it into the fields; it can be sent again and
@@ -33,14 +34,13 @@ Item {
         onClicked: entry.recalled()
     }
 
-    Text {
+    PlainText {
         anchors.left: parent.left
         anchors.leftMargin: Theme.gap
         anchors.right: buttons.left
         anchors.verticalCenter: parent.verticalCenter
         text: entry.time.substring(entry.time.indexOf(" ") + 1) + "  " + entry.text
         font: Theme.codeFont
-        color: Theme.textColor
         elide: Text.ElideRight
     }
 

@@ -43,11 +43,10 @@ Item {
             }
         }
 
-        Text {
+        PlainText {
             anchors.verticalCenter: parent.verticalCenter
             visible: text.length > 0
             text: loading.text
-            font: Theme.bodyFont
             color: Theme.quietTextColor
         }
 
@@ -71,12 +70,10 @@ Item {
             }
         }
 
-        Text {
+        PlainText {
             anchors.verticalCenter: parent.verticalCenter
             visible: loading.determinate
             text: qsTr("%1 %").arg(Math.round(loading.progress * 100))
-            font: Theme.bodyFont
-            color: Theme.textColor
         }
     }
 }

@@ -23,12 +23,11 @@ FocusScope {
         anchors.verticalCenter: parent.verticalCenter
         spacing: Theme.gap
 
-        Text {
+        PlainText {
             anchors.verticalCenter: parent.verticalCenter
             rightPadding: Theme.gap
             text: qsTr("Log")
             font: Theme.titleFont
-            color: Theme.textColor
         }
 
         Repeater {

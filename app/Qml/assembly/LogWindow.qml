@@ -118,13 +118,12 @@ FocusScope {
             event.accepted = true;
         }
 
-        delegate: Text {
+        delegate: PlainText {
             x: Theme.gapWide
             width: ListView.view.width - 2 * Theme.gapWide
             text: "[" + model.tag + "] " + model.text
             font: Theme.codeFont
             color: log.colorOf(model.tag)
-            textFormat: Text.PlainText
             wrapMode: Text.WrapAtWordBoundaryOrAnywhere
             Accessible.role: Accessible.ListItem
             Accessible.name: text

@@ -82,7 +82,7 @@ FocusScope {
         color: Theme.outlineColor
     }
 
-    Text {
+    PlainText {
         id: captionText
 
         anchors.left: parent.left
@@ -91,7 +91,6 @@ FocusScope {
         anchors.verticalCenterOffset: row.groupGap / 2
         width: Theme.captionWidth
         text: row.caption
-        font: Theme.bodyFont
         color: row.pending ? Theme.pendingColor : Theme.textColor
         elide: Text.ElideRight
 

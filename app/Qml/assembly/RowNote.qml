@@ -1,9 +1,10 @@
 import QtQuick 2.15
+import "../controls"
 import "../theme"
 
 // The note at the end of a row: what is wrong with its value, else that it is not saved yet, else
 // what the value has to look like.
-Text {
+PlainText {
     property string problem: ""
     property string hint: ""
     property bool pending: false

@@ -21,7 +21,7 @@ FocusScope {
         color: Theme.outlineColor
     }
 
-    Text {
+    PlainText {
         anchors.left: parent.left
         anchors.leftMargin: Theme.gapWide
         anchors.right: buttons.left

@@ -85,7 +85,7 @@ FocusScope {
             Accessible.name: text
             Accessible.selected: current
 
-            contentItem: Text {
+            contentItem: PlainText {
                 id: caption
 
                 text: tab.text

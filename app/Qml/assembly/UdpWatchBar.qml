@@ -1,6 +1,7 @@
 import QtQuick 2.15
 import QtQuick.Layouts 1.15
 import Tevron 1.0
+import "../controls"
 import "../theme"
 
 // The line at the bottom that tells, when asked, whether point-cloud packets arrive and from whom.
@@ -32,7 +33,7 @@ FocusScope {
         anchors.rightMargin: Theme.gapWide
         spacing: Theme.gap
 
-        Text {
+        PlainText {
             text: qsTr("Point cloud on UDP port")
             font: Theme.captionFont
             color: Theme.quietTextColor
@@ -60,7 +61,7 @@ FocusScope {
             onClicked: watch.running ? watch.Stop() : watch.Start(bar.port)
         }
 
-        Text {
+        PlainText {
             objectName: "udpSummary"
             Layout.fillWidth: true
             text: watch.summary
@@ -71,7 +72,7 @@ FocusScope {
             Accessible.name: text
         }
 
-        Text {
+        PlainText {
             visible: watch.packetCount > 0
             text: qsTr("%1 packets so far").arg(watch.packetCount)
             font: Theme.captionFont

@@ -24,7 +24,7 @@ T.Button {
     Keys.onReturnPressed: clicked()
     Keys.onEnterPressed: clicked()
 
-    contentItem: Text {
+    contentItem: PlainText {
         text: control.text
         font: control.font
         horizontalAlignment: Text.AlignHCenter

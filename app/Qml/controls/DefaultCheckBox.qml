@@ -39,7 +39,7 @@ T.CheckBox {
         border.width: Theme.hairline
         border.color: control.hovered ? Theme.outlineHoverColor : Theme.outlineColor
 
-        Text {
+        PlainText {
             anchors.centerIn: parent
             visible: control.checked
             text: "\u2713"
@@ -50,7 +50,7 @@ T.CheckBox {
         FocusRing { shown: control.visualFocus }
     }
 
-    contentItem: Text {
+    contentItem: PlainText {
         leftPadding: control.indicator.width + control.spacing
         text: control.text
         font: control.font

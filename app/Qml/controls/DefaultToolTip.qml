@@ -19,10 +19,9 @@ T.ToolTip {
     font: Theme.captionFont
     closePolicy: T.Popup.CloseOnEscape | T.Popup.CloseOnPressOutsideParent
 
-    contentItem: Text {
+    contentItem: PlainText {
         text: tip.text
         font: tip.font
-        color: Theme.textColor
         wrapMode: Text.Wrap
     }
 

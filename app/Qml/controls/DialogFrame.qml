@@ -76,7 +76,7 @@ T.Dialog {
             source: frame.iconSource
             color: frame.tone
         }
-        Text {
+        PlainText {
             anchors.verticalCenter: parent.verticalCenter
             anchors.left: headerIcon.right
             anchors.right: parent.right
@@ -84,7 +84,6 @@ T.Dialog {
             anchors.rightMargin: Theme.gapWide
             text: frame.title
             font: Theme.titleFont
-            color: Theme.textColor
             elide: Text.ElideRight
             Accessible.role: Accessible.Heading
             Accessible.name: text
@@ -105,25 +104,20 @@ T.Dialog {
             width: frame.availableWidth
             spacing: Theme.gapWide
 
-            Text {
+            PlainText {
                 objectName: "dialogMessage"
                 width: parent.width
                 visible: text.length > 0
                 text: frame.message
-                textFormat: Text.PlainText
-                font: Theme.bodyFont
-                color: Theme.textColor
                 wrapMode: Text.Wrap
                 Accessible.role: Accessible.AlertMessage
                 Accessible.name: text
             }
-            Text {
+            PlainText {
                 objectName: "dialogAdvice"
                 width: parent.width
                 visible: text.length > 0
                 text: frame.advice
-                textFormat: Text.PlainText
-                font: Theme.bodyFont
                 color: Theme.quietTextColor
                 wrapMode: Text.Wrap
                 Accessible.role: Accessible.StaticText

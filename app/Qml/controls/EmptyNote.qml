@@ -2,8 +2,7 @@ import QtQuick 2.15
 import "../theme"
 
 // A quiet sentence where there is nothing else to show.
-Text {
-    font: Theme.bodyFont
+PlainText {
     color: Theme.quietTextColor
     horizontalAlignment: Text.AlignHCenter
     wrapMode: Text.Wrap

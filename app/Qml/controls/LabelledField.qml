@@ -9,7 +9,7 @@ Column {
 
     spacing: 0
 
-    Text {
+    PlainText {
         text: labelled.caption
         font: Theme.captionFont
         color: Theme.quietTextColor

@@ -19,7 +19,7 @@ T.ItemDelegate {
     Keys.onReturnPressed: clicked()
     Keys.onEnterPressed: clicked()
 
-    contentItem: Text {
+    contentItem: PlainText {
         text: entry.text
         font: entry.font
         color: entry.highlighted ? Theme.accentTextColor : Theme.textColor

@@ -49,7 +49,7 @@ FocusScope {
         }
     }
 
-    Text {
+    PlainText {
         anchors.left: parent.left
         anchors.leftMargin: Theme.gap
         anchors.top: parent.top

@@ -10,17 +10,16 @@ Column {
 
     spacing: Theme.gapTiny
 
-    Text {
+    PlainText {
         width: parent.width
         text: section.text
         font: Theme.titleFont
-        color: Theme.textColor
         elide: Text.ElideRight
         Accessible.role: Accessible.Heading
         Accessible.name: text
     }
 
-    Text {
+    PlainText {
         width: parent.width
         visible: text.length > 0
         text: section.description

@@ -28,10 +28,8 @@ Row {
         border.color: Theme.trenchColor
     }
 
-    Text {
+    PlainText {
         anchors.verticalCenter: parent.verticalCenter
         text: lamp.text
-        font: Theme.bodyFont
-        color: Theme.textColor
     }
 }
