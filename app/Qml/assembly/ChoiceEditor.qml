@@ -19,11 +19,13 @@ FocusScope {
         focus: true
         enabled: editor.row.editable
         model: editor.leaf.options
-        chosenIndex: editor.leaf.option_index
-        displayText: currentIndex < 0 ? editor.leaf.current_val : currentText
+        chosenIndex: editor.row.unread ? -1 : editor.leaf.option_index
+        stale: editor.row.stale
+        displayText: editor.row.unread ? Theme.unreadText
+                   : currentIndex < 0 ? editor.leaf.current_val : currentText
         pending: editor.row.pending
         label: editor.row.caption
-        hint: editor.leaf.hint || ""
+        hint: editor.row.hint
         onChosen: {
             editor.row.edit(3, String(index));
             revert();
@@ -35,7 +37,6 @@ FocusScope {
         anchors.leftMargin: Theme.gapWide
         anchors.right: parent.right
         anchors.verticalCenter: parent.verticalCenter
-        hint: editor.leaf.hint || ""
-        pending: editor.row.pending
+        row: editor.row
     }
 }

@@ -8,6 +8,7 @@ import "../theme"
 //
 // chosenIndex    the entry that the source holds; -1: none
 // pending        changed here and not saved yet
+// stale          nothing says that the source still holds its entry
 // hint, label    tooltip, and the name that assistive technology reads
 // chosen(index)  the user picked another entry
 T.ComboBox {
@@ -15,6 +16,7 @@ T.ComboBox {
 
     property int chosenIndex: -1
     property bool pending: false
+    property bool stale: false
     property string hint: ""
     property string label: ""
 
@@ -79,7 +81,7 @@ T.ComboBox {
     contentItem: PlainText {
         text: control.displayText
         font: control.font
-        color: control.enabled ? Theme.textColor : Theme.disabledTextColor
+        color: control.enabled && !control.stale ? Theme.textColor : Theme.disabledTextColor
         verticalAlignment: Text.AlignVCenter
         elide: Text.ElideRight
     }

@@ -6,6 +6,7 @@ import "../theme"
 // An on/off switch that follows `value` and reports what the user wants; it never decides itself.
 //
 // value         the state that the source holds
+// unknown       nobody knows the state: the switch stands in the middle
 // pending       changed here and not saved yet
 // hint, label   tooltip, and the name that assistive technology reads
 // switched(on)  the user moved it
@@ -13,6 +14,7 @@ T.Switch {
     id: control
 
     property bool value: false
+    property bool unknown: false
     property bool pending: false
     property string hint: ""
     property string label: ""
@@ -50,12 +52,13 @@ T.Switch {
         implicitHeight: 5 * Theme.grid
         radius: height / 2
         color: !control.enabled ? Theme.windowColor
-             : control.checked ? Theme.accentColor : Theme.controlColor
+             : control.checked && !control.unknown ? Theme.accentColor : Theme.controlColor
         border.width: Theme.hairline
         border.color: control.hovered ? Theme.outlineHoverColor : Theme.outlineColor
 
         Rectangle {
-            x: control.checked ? parent.width - width - inset : inset
+            x: control.unknown ? (parent.width - width) / 2
+             : control.checked ? parent.width - width - inset : inset
             y: inset
             readonly property int inset: Theme.radiusSmall
             width: parent.height - 2 * inset

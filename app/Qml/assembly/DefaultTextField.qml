@@ -8,6 +8,7 @@ import "../theme"
 // value    what the source of the field holds; shown whenever it changes, unless the user is in the
 //          middle of typing something else
 // pending  the text was changed here and is not saved yet: marked at the left edge
+// stale    nothing says that the source still holds its value
 // problem  what is wrong with the text, or empty; shown as a red outline and in the tooltip
 // hint     the tooltip: unit, range, format
 // unit     a short suffix shown inside the field
@@ -18,6 +19,7 @@ T.TextField {
 
     property string value: ""
     property bool pending: false
+    property bool stale: false
     property string problem: ""
     property string hint: ""
     property string unit: ""
@@ -57,7 +59,7 @@ T.TextField {
     hoverEnabled: true
     font: Theme.bodyFont
     // A value that cannot be changed is still there to be read.
-    color: enabled ? Theme.textColor : Theme.quietTextColor
+    color: stale ? Theme.disabledTextColor : enabled ? Theme.textColor : Theme.quietTextColor
     selectionColor: Theme.selectionColor
     selectedTextColor: Theme.textColor
     placeholderTextColor: Theme.quietTextColor

@@ -65,11 +65,15 @@ FocusScope {
                 // over again when the keyboard leaves.
                 property string handedOver: ""
 
+                readonly property bool changed: panel.editedFields.indexOf(index) >= 0
+
                 objectName: "fov_" + index
                 width: Theme.fieldWidth / 2
                 focus: index === 0
-                value: panel.manager.FovList[index]
-                pending: panel.editedFields.indexOf(index) >= 0 || (typing && text !== value)
+                value: panel.row.unread && !changed ? "" : panel.manager.FovList[index]
+                placeholderText: panel.row.unread ? Theme.unreadText : ""
+                stale: panel.row.stale && !changed
+                pending: changed || (typing && text !== value)
                 problem: pending ? panel.problemWith(text) : ""
                 unit: "°"
                 hint: qsTr("Angle %1 of pair %2, 0 to 360 degrees").arg(index % 2 + 1)

@@ -29,7 +29,36 @@ FocusScope {
     readonly property bool isFov: Number(leaf.set_cmd) === Number(fovCommand)
     readonly property bool editable: leaf.permission !== 0
     readonly property bool pending: leaf.edited === true
+    // What the value is worth: "unread", "read", "edited", "written" or "differs".
+    readonly property string worth: leaf.state || "read"
+    readonly property bool unread: worth === "unread"
+    // Nothing says that the lidar still holds it.
+    readonly property bool stale: !manager.IsConnected && worth !== "edited"
     readonly property string place: level1 + "_" + level2 + "_" + level3
+
+    // What has to be said about the value, in a sentence; empty for an ordinary reading.
+    readonly property string news: {
+        switch (worth) {
+        case "unread":
+            return manager.IsConnected ? qsTr("Not read.") : "";
+        case "written":
+            return qsTr("Written, not read back.");
+        case "differs":
+            return stale ? qsTr("At %1 the lidar held %2; %3 was written.").arg(leaf.read_at)
+                                .arg(label(leaf.current_val)).arg(label(leaf.wanted))
+                         : qsTr("The lidar holds %1; %2 was written.").arg(label(leaf.current_val))
+                                .arg(label(leaf.wanted));
+        default:
+            return stale && leaf.read_at ? qsTr("Read at %1.").arg(leaf.read_at) : "";
+        }
+    }
+    readonly property string hint: (news + " " + (leaf.hint || "")).trim()
+
+    // How the row's editor writes a value: a choice has a word for it.
+    function label(value) {
+        const labels = leaf.varname_value_to_option;
+        return labels && labels[value] ? labels[value] : value;
+    }
 
     // The row's editor got the keyboard, and should be in view.
     signal entered()
@@ -97,7 +126,7 @@ FocusScope {
         HoverHandler { id: captionHover }
         DefaultToolTip {
             wanted: captionHover.hovered
-            text: row.leaf.hint || row.caption
+            text: row.hint || row.caption
         }
     }
 

@@ -2,19 +2,20 @@ import QtQuick 2.15
 import "../controls"
 import "../theme"
 
-// The note at the end of a row: what is wrong with its value, else that it is not saved yet, else
-// what the value has to look like.
+// The note at the end of a row: what is wrong with its text, else that it is not saved yet, else what
+// has to be said about the value, else what it has to look like.
 PlainText {
+    property var row
     property string problem: ""
-    property string hint: ""
-    property bool pending: false
+    property bool pending: row.pending
 
+    objectName: "note_" + row.place
     text: problem.length > 0 ? problem
-        : pending ? qsTr("Edited, not saved") + (hint.length > 0 ? " · " + hint : "")
-        : hint
+        : pending ? (qsTr("Edited, not saved. ") + (row.leaf.hint || "")).trim()
+        : row.news.length > 0 ? row.news : row.hint
     font: Theme.captionFont
     color: problem.length > 0 ? Theme.errorColor
-         : pending ? Theme.pendingColor : Theme.quietTextColor
+         : pending || row.worth === "differs" ? Theme.pendingColor : Theme.quietTextColor
     elide: Text.ElideRight
     Accessible.ignored: true
 }

@@ -45,9 +45,10 @@ FocusScope {
         focus: true
         enabled: editor.row.editable
         value: editor.on
+        unknown: editor.row.unread
         pending: editor.row.pending
         label: editor.row.caption
-        hint: editor.leaf.hint || ""
+        hint: editor.row.hint
         onSwitched: editor.switchTo(on)
     }
 
@@ -60,10 +61,12 @@ FocusScope {
         anchors.verticalCenter: parent.verticalCenter
         width: Theme.fieldWidth - toggle.width - Theme.gapWide
         enabled: editor.row.editable && toggle.checked
-        value: editor.leaf.current_val
+        value: editor.row.unread ? "" : editor.leaf.current_val
+        placeholderText: editor.row.unread ? Theme.unreadText : ""
+        stale: editor.row.stale
         pending: editor.row.pending || (typing && text !== value)
         problem: pending && toggle.checked ? ValueHint.problem(editor.leaf, text) : ""
-        hint: editor.leaf.hint || ""
+        hint: editor.row.hint
         label: editor.row.caption
         onCommitted: editor.handOver()
     }
@@ -73,8 +76,8 @@ FocusScope {
         anchors.leftMargin: Theme.gapWide
         anchors.right: parent.right
         anchors.verticalCenter: parent.verticalCenter
+        row: editor.row
         problem: field.problem
-        hint: field.hint
         pending: field.pending
     }
 }

@@ -31,10 +31,12 @@ FocusScope {
         anchors.verticalCenter: parent.verticalCenter
         focus: true
         enabled: editor.row.editable
-        value: editor.leaf.current_val
+        value: editor.row.unread ? "" : editor.leaf.current_val
+        placeholderText: editor.row.unread ? Theme.unreadText : ""
+        stale: editor.row.stale
         pending: editor.row.pending || (typing && text !== value)
         problem: pending ? ValueHint.problem(editor.leaf, text) : ""
-        hint: editor.leaf.hint || ""
+        hint: editor.row.hint
         label: editor.row.caption
         onCommitted: editor.handOver()
     }
@@ -44,8 +46,8 @@ FocusScope {
         anchors.leftMargin: Theme.gapWide
         anchors.right: parent.right
         anchors.verticalCenter: parent.verticalCenter
+        row: editor.row
         problem: field.problem
-        hint: field.hint
         pending: field.pending
     }
 }

@@ -83,6 +83,9 @@ QtObject {
     readonly property int rowHeight: 35
     readonly property int tallRowHeight: 80
 
+    // What stands where a value would, as long as the lidar has not told it.
+    readonly property string unreadText: "\u2014"
+
     readonly property string fontFamily: Qt.application.font.family
     readonly property string monospaceFamily: "monospace"
     readonly property int captionSize: 12

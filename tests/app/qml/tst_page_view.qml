@@ -141,6 +141,33 @@ TestCase {
         compare(manager.calls, data.on);
     }
 
+    function test_a_value_shows_what_it_is_worth_data() {
+        const late = { "connected": false, "text": "20" };
+        return [{ "tag": "unread", "text": "", "note": "Not read." },
+                { "tag": "read", "text": "20", "note": "Allowed: 0 to 100" },
+                { "tag": "written", "text": "20", "note": "Written, not read back." },
+                { "tag": "differs", "text": "20", "note": "The lidar holds 20; 80 was written." },
+                Object.assign({ "tag": "read, then lost", "note": "Read at 19:04." }, late),
+                Object.assign({ "tag": "differs, then lost",
+                                "note": "At 19:04 the lidar held 20; 80 was written." }, late)];
+    }
+
+    function test_a_value_shows_what_it_is_worth(data) {
+        manager["IsConnected"] = data.connected !== false;
+        for (const [key, value] of [["state", data.tag.split(",")[0]], ["wanted", "80"],
+                                    ["read_at", "19:04"]])
+            put(1, key, value);
+        manager.myMapChanged();
+        const field = editor("field_0_0_1");
+        compare(field.text, data.text);
+        compare(field.placeholderText, data.text === "" ? "—" : "");
+        compare(editor("note_0_0_1").text, data.note);
+        verify(field.hint.endsWith("Allowed: 0 to 100"), "the format is still told");
+        type("field_0_0_1", "42");
+        keyClick(Qt.Key_Return);
+        compare(manager.calls, [["SetText", 1, 0, 0, 1, "42"]]);
+    }
+
     function test_typing_is_judged_while_it_goes_on() {
         for (const [text, good] of [["100", true], ["101", false], ["x", false], ["", false]]) {
             type("field_0_0_1", text + "5");
