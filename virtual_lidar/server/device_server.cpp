@@ -126,6 +126,17 @@ void DeviceServer::ResetSerialLink() {
   }
 }
 
+void DeviceServer::BeforeRequests(Link& link) {
+  if (&link != serial_link_.get()) {
+    return;
+  }
+  for (auto* line : {line_.get(), answer_line_.get()}) {
+    if (line != nullptr) {
+      line->NoticeClosing();
+    }
+  }
+}
+
 ReplyPlan DeviceServer::OnRequest(Link& link, const DeviceRequest& request) {
   if (away_) {
     return {};

@@ -55,6 +55,7 @@ class DeviceServer : private LinkHost {
   // One TCP connection: its link, and the descriptor that closes behind it.
   struct Client;
 
+  void BeforeRequests(Link& link) override;
   ReplyPlan OnRequest(Link& link, const DeviceRequest& request) override;
   void OnHangUp(Link& link) override;
   void OnRestartDue() override;

@@ -97,6 +97,7 @@ void Link::ReadRequests() {
     HangUp();
     return;
   }
+  host_->BeforeRequests(*this);
   const auto now = EventLoop::Clock::now();
   for (const DeviceRequest& request : codec_->Feed(buffer.data(), static_cast<size_t>(got), now)) {
     Enqueue({host_->OnRequest(*this, request), now});

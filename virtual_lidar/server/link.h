@@ -18,6 +18,9 @@ class Link;
 class LinkHost {
  public:
   virtual ~LinkHost() = default;
+  /// Bytes were read and not yet looked at. News of the line that is older than they are has to be
+  /// dealt with now; the host may call Reset.
+  virtual void BeforeRequests(Link& link) = 0;
   virtual ReplyPlan OnRequest(Link& link, const DeviceRequest& request) = 0;
   /// The far end has gone, or a hang-up was planned. The link does nothing more; the host destroys
   /// it or calls Reset, but not before this call returned.

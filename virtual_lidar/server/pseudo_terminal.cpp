@@ -30,7 +30,7 @@ PseudoTerminal::PseudoTerminal(EventLoop* loop, CloseHandler on_client_closed)
   if (inotify_add_watch(notify_.get(), name_.c_str(), IN_CLOSE) < 0) {
     Throw("cannot watch the port");
   }
-  loop_->Watch(notify_.get(), POLLIN, [this](short) { OnFileEvents(); });
+  loop_->Watch(notify_.get(), POLLIN, [this](short) { NoticeClosing(); });
 }
 
 PseudoTerminal::~PseudoTerminal() { loop_->Unwatch(notify_.get()); }
@@ -54,7 +54,7 @@ void PseudoTerminal::Open() {
   }
 }
 
-void PseudoTerminal::OnFileEvents() {
+void PseudoTerminal::NoticeClosing() {
   alignas(inotify_event) std::array<char, 4096> buffer;
   bool closed = false;
   while (read(notify_.get(), buffer.data(), buffer.size()) > 0) {

@@ -24,15 +24,18 @@ class PseudoTerminal {
   /// The device's end, non-blocking; stays open as long as this object.
   int fd() const { return device_end_.get(); }
 
+  /// Calls the handler when a client has closed the port and that was not noticed yet. Poll may
+  /// tell of the next client's first bytes without telling of the closing before them; whoever has
+  /// read bytes calls this before looking at them, or their answer is thrown away with what the
+  /// client before left unread.
+  void NoticeClosing();
+
  private:
   void Open();
-  void OnFileEvents();
 
   EventLoop* loop_;
   CloseHandler on_client_closed_;
   std::string name_;
-  /// Made first: events come in the order of descriptors, and that a client has gone must be known
-  /// before the next one's first request is read.
   UniqueFd notify_;
   UniqueFd device_end_;
   /// Kept open so that the device's end sees no hang-up between two clients.
