@@ -1,5 +1,7 @@
 #include "auth/auth_algorithm.h"
 
+#include <gtest/gtest.h>
+
 #include <array>
 #include <random>
 

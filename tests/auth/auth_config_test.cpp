@@ -1,5 +1,7 @@
 #include "auth/auth_config.h"
 
+#include <gtest/gtest.h>
+
 #include "auth_test_support.h"
 
 namespace {

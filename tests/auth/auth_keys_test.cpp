@@ -1,5 +1,7 @@
 #include "auth/auth_keys.h"
 
+#include <gtest/gtest.h>
+
 #include <set>
 
 #include "auth/auth_algorithm.h"

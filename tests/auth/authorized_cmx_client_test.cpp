@@ -1,9 +1,12 @@
 #include "auth/authorized_cmx_client.h"
 
+#include <gtest/gtest.h>
+
 #include <atomic>
 #include <thread>
 
 #include "auth_test_support.h"
+#include "support/scripted_sender.h"
 
 namespace {
 

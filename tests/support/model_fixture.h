@@ -4,7 +4,7 @@
 #include <string>
 
 #include "session/lidar_model.h"
-#include "variables/table_file.h"
+#include "support/table_fixture.h"
 
 /// A model made from table rows, with the test's short way to its variables.
 class ModelFixture {
@@ -12,13 +12,7 @@ class ModelFixture {
   explicit ModelFixture(const std::string& rows)
       : file_(kTableHeader + rows), model(LoadLidarModel(file_.path())), table(*model->table) {}
 
-  const VarInfo& operator[](const std::string& name) const {
-    const VarInfo* var = table.FindByName(name);
-    if (var == nullptr) {
-      throw std::runtime_error("no variable " + name);
-    }
-    return *var;
-  }
+  const VarInfo& operator[](const std::string& name) const { return FindVar(table, name); }
   std::string Text(const std::string& name) const { return table.ValueOf((*this)[name]).text; }
 
  private:

@@ -6,8 +6,7 @@
 
 #include "CmxClient/command_sender.h"
 #include "Wire/big_endian.h"
-
-using Bytes = std::vector<uint8_t>;
+#include "support/bytes.h"
 
 /// A lidar that answers each command with the next scripted reply, and with silence when there is
 /// none left. Remembers what was sent.

@@ -4,9 +4,9 @@
 
 #include <stdexcept>
 
-namespace {
+#include "support/bytes.h"
 
-using Bytes = std::vector<uint8_t>;
+namespace {
 
 TEST(CommandCode, ShortTextsAreCodesAndLongOnesTravelAsBytes) {
   const std::pair<const char*, uint8_t> codes[] = {

@@ -3,11 +3,11 @@
 #include <atomic>
 #include <thread>
 
-#include "variables/table_test.h"
+#include "support/bytes.h"
+#include "support/table_fixture.h"
 
 namespace {
 
-using Bytes = std::vector<uint8_t>;
 using ConfigParserTest = TableTest;
 
 TEST_F(ConfigParserTest, FillsARecordFromEveryColumn) {

@@ -4,7 +4,7 @@
 
 #include <filesystem>
 
-#include "variables/table_file.h"
+#include "support/table_fixture.h"
 
 namespace {
 

@@ -4,8 +4,8 @@
 
 #include <filesystem>
 
+#include "support/table_fixture.h"
 #include "variables/model_list.h"
-#include "variables/table_file.h"
 
 namespace {
 

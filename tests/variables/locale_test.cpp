@@ -1,11 +1,10 @@
+#include "support/bytes.h"
 #include "support/german_locale.h"
+#include "support/table_fixture.h"
 #include "variables/str_parser.h"
-#include "variables/table_test.h"
 #include "variables/value_text.h"
 
 namespace {
-
-using Bytes = std::vector<uint8_t>;
 
 using LocaleTest = TableTest;
 

@@ -2,8 +2,8 @@
 
 #include <QStringList>
 
+#include "support/table_fixture.h"
 #include "variables/page_variants.h"
-#include "variables/table_test.h"
 
 namespace {
 

@@ -1,4 +1,4 @@
-#include "variables/table_test.h"
+#include "support/table_fixture.h"
 
 namespace {
 

@@ -2,9 +2,9 @@
 
 #include <gtest/gtest.h>
 
-namespace {
+#include "support/bytes.h"
 
-using Bytes = std::vector<uint8_t>;
+namespace {
 
 std::string Decode(const std::string& type, const std::string& name, float coefficient,
                    const Bytes& slice) {

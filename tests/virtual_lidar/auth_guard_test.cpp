@@ -7,10 +7,9 @@
 #include <vector>
 
 #include "auth/auth_algorithm.h"
+#include "support/bytes.h"
 
 namespace {
-
-using Bytes = std::vector<uint8_t>;
 
 constexpr uint8_t kProbe = 0xDF;
 constexpr uint8_t kChallenge = 0x66;

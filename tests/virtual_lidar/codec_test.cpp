@@ -1,30 +1,21 @@
 #include <gtest/gtest.h>
 
-#include <initializer_list>
 #include <memory>
 #include <string>
 
 #include "Wire/ota_stream.h"
 #include "Wire/serial_frame.h"
+#include "support/bytes.h"
 #include "wire/cmx_codec.h"
 #include "wire/serial_codec.h"
 
 namespace {
 
-using Bytes = std::vector<uint8_t>;
 using std::chrono::milliseconds;
 
 std::vector<DeviceRequest> Feed(WireCodec* codec, const Bytes& bytes, milliseconds at = {}) {
   static const WireCodec::TimePoint start = WireCodec::TimePoint() + std::chrono::hours(1);
   return codec->Feed(bytes.data(), bytes.size(), start + at);
-}
-
-Bytes Joined(std::initializer_list<Bytes> parts) {
-  Bytes all;
-  for (const Bytes& part : parts) {
-    all.insert(all.end(), part.begin(), part.end());
-  }
-  return all;
 }
 
 template <typename Codec, typename... Arguments>
@@ -39,7 +30,7 @@ void ExpectFound(const Bytes& request, Arguments... arguments) {
   EXPECT_EQ(found[0].payload, (Bytes{1, 2}));
 
   const Bytes noise = {0x47, '$', 'L', 0x57, 0x00, 0xFF, 0x47};
-  EXPECT_EQ(Feed(&codec, Joined({noise, request, request, noise, request})).size(), 3U);
+  EXPECT_EQ(Feed(&codec, noise + request + request + noise + request).size(), 3U);
 
   // In time, late bytes belong to the frame that has begun; after that it is given up.
   const Bytes half(request.begin(), request.end() - 1);
@@ -58,8 +49,8 @@ TEST(Codec, FindsRequestsSplitJoinedLateAndAmidNoise) {
 
 TEST(Codec, RefusesAnAbsurdLengthAndReadsOn) {
   CmxCodec codec(1);
-  const auto found = Feed(&codec, Joined({{0x47, 0x74, 0x2A, 0, 0x7F, 0xFF, 0xFF, 0xFF},
-                                          {0x47, 0x74, 0x07, 0, 0, 0, 0, 0}}));
+  const auto found = Feed(&codec, Bytes{0x47, 0x74, 0x2A, 0, 0x7F, 0xFF, 0xFF, 0xFF} +
+                                      Bytes{0x47, 0x74, 0x07, 0, 0, 0, 0, 0});
   ASSERT_EQ(found.size(), 2U);
   EXPECT_TRUE(found[0].oversized);
   EXPECT_TRUE(found[0].payload.empty());
@@ -71,7 +62,7 @@ TEST(Codec, IgnoresASerialRequestWithAWrongChecksum) {
   SerialCodec codec;
   Bytes broken = kavel::lidar::BuildSerialFrame(0x2A, {1, 2});
   broken[9] ^= 0x01;
-  const auto found = Feed(&codec, Joined({broken, kavel::lidar::BuildSerialFrame(0x07, {})}));
+  const auto found = Feed(&codec, broken + kavel::lidar::BuildSerialFrame(0x07, {}));
   ASSERT_EQ(found.size(), 1U);
   EXPECT_EQ(found[0].code, 0x07);
 }

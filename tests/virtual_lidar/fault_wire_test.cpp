@@ -14,11 +14,6 @@ namespace {
 const Bytes kHalf = {0x47, 0x74, 0x31, 0};
 const Bytes kStray = {'s', 't', 'r', 'a', 'y', ' ', 'b', 'y', 't', 'e', 's'};
 
-Bytes operator+(Bytes left, const Bytes& right) {
-  left.insert(left.end(), right.begin(), right.end());
-  return left;
-}
-
 struct Expected {
   std::string order;
   Bytes on_wire;  // what comes back for the request and a liveness request behind it

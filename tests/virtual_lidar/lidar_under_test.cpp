@@ -38,7 +38,7 @@ LidarUnderTest::LidarUnderTest(Setup setup) : faults_(MakeFaults(setup.faults)) 
   if (setup.server.serial == ServerSetup::Serial::kNone) {
     setup.server.tcp_port = 0;
   }
-  device_ = std::make_unique<VirtualDevice>(LoadTestTable(setup.rows), std::move(setup.profile));
+  device_ = std::make_unique<VirtualDevice>(LoadRows(setup.rows), std::move(setup.profile));
   server_ =
       std::make_unique<DeviceServer>(&loop_, device_.get(), &faults_, log_.get(), setup.server);
   std::string error;

@@ -7,9 +7,16 @@
 #include <vector>
 
 #include "server/device_server.h"
-#include "test_table.h"
+#include "support/bytes.h"
+#include "support/table_fixture.h"
 
-using Bytes = std::vector<uint8_t>;
+/// What most tests of a whole device use: two settings read by 0x30 and written by 0x31, network
+/// settings, and an up-time.
+inline constexpr char kSmallTable[] =
+    "1,1,0x30,0x31,,Speed,1,uint16,600,300..1200,,,,,2\n"
+    "1,2,0x30,0x31,,Level,1,int8,-3,,,,,,1\n"
+    "2,1,0x20,0x21,,Address,1,IP,192.168.1.201,,,,,,4\n"
+    "3,1,0x02,,,Up-time,0,DT,0 h 0 min 5 s,,,,,,4\n";
 
 /// Requests of protocol 1: liveness, whose answer looks like itself, and new values for Speed and
 /// Level, answered by kSetReply.

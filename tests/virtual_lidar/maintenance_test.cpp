@@ -17,9 +17,9 @@ class Maintenance : public testing::Test {
 
   std::chrono::steady_clock::time_point now_;
   // A table may show what maintenance commands read, and then gives the first value.
-  VirtualDevice device_{LoadTestTable("1,1,0x40,,Baud,0,uint32,3000000,,,4,,\n"
-                                      "1,2,,0x50,SN,1,uint8,7,,,1,,\n"
-                                      "1,3,0x02,,Up-time,0,DT,0 h 0 min 5 s,,,4,,\n"),
+  VirtualDevice device_{LoadRows("1,1,0x40,,,Baud,0,uint32,3000000,,,,,,4\n"
+                                 "1,2,,0x50,,SN,1,uint8,7,,,,,,1\n"
+                                 "1,3,0x02,,,Up-time,0,DT,0 h 0 min 5 s,,,,,,4\n"),
                         Kiva(), [this] { return now_; }};
 };
 

@@ -63,7 +63,7 @@ TEST(Server, DumpIsWholeAndThereBeforeTheAnswer) {
   const QString path = folder.filePath("state.json");
   LidarUnderTest::Setup setup;
   setup.server.dump_file = path.toStdString();
-  setup.rows += "5,1,,0x44,Shared Secret Key,1,raw,,,,16,,\n";
+  setup.rows += "5,1,,0x44,,Shared Secret Key,1,raw,,,,,,,16\n";
   LidarUnderTest lidar(std::move(setup));
   const auto dumped = [&](const char* name) {
     QFile file(path);

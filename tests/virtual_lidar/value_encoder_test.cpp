@@ -5,11 +5,10 @@
 #include <string>
 #include <vector>
 
+#include "support/bytes.h"
 #include "variables/value_text.h"
 
 namespace {
-
-using Bytes = std::vector<uint8_t>;
 
 // A variable that has its name from its type; some raw ones have a text form that goes by the name.
 VarInfo Variable(const std::string& name, size_t size, float coefficient) {

@@ -2,12 +2,11 @@
 
 #include <gtest/gtest.h>
 
-#include "test_table.h"
+#include "support/bytes.h"
+#include "support/table_fixture.h"
 #include "wire/message.h"
 
 namespace {
-
-using Bytes = std::vector<uint8_t>;
 
 Bytes Held(const VariableMemory& memory, const std::string& name) {
   for (const auto& cell : memory.cells()) {
@@ -24,11 +23,11 @@ int ReturnCode(VariableMemory* memory, uint8_t command, const Bytes& payload) {
 }
 
 TEST(VariableMemory, ReadsGroupsByCommandAndPayloadInTableOrder) {
-  const auto table = LoadTestTable(
-      "2,1,0x32,,First,0,uint8,1,,,1,0x0001,\n"
-      "1,1,0x32,,Other,0,uint8,9,,,1,0x0002,\n"
-      "1,2,0x32,,Second,0,uint16,515,,,2,0x0001,\n"
-      "3,1,0x5A0101,,Far,0,uint8,7,,,1,0x0003,\n");
+  const auto table = LoadRows(
+      "2,1,0x32,,,First,0,uint8,1,,,,,,1,,,0x0001\n"
+      "1,1,0x32,,,Other,0,uint8,9,,,,,,1,,,0x0002\n"
+      "1,2,0x32,,,Second,0,uint16,515,,,,,,2,,,0x0001\n"
+      "3,1,0x5A0101,,,Far,0,uint8,7,,,,,,1,,,0x0003\n");
   VariableMemory memory(*table);
   EXPECT_TRUE(memory.faults().empty());
   EXPECT_EQ(memory.Execute(0x32, {0, 1}, 0)->payload, (Bytes{1, 2, 3}));
@@ -41,11 +40,11 @@ TEST(VariableMemory, ReadsGroupsByCommandAndPayloadInTableOrder) {
 }
 
 TEST(VariableMemory, WritesAllFieldsOfACommandOrNone) {
-  const auto table = LoadTestTable(
-      "1,1,0x30,0x31,Speed,1,uint16,600,300..1200,,2,,\n"
-      "1,2,0x30,0x31,Fixed,0,uint8,5,,,1,,\n"
-      "1,3,0x30,0x31,Choice,1,uint8,1,1|3,,1,,\n"
-      "1,4,,0x5A0102,Far,1,uint8,0,0..9,,1,,0xA0\n");
+  const auto table = LoadRows(
+      "1,1,0x30,0x31,,Speed,1,uint16,600,300..1200,,,,,2\n"
+      "1,2,0x30,0x31,,Fixed,0,uint8,5,,,,,,1\n"
+      "1,3,0x30,0x31,,Choice,1,uint8,1,1|3,,,,,1\n"
+      "1,4,,0x5A0102,,Far,1,uint8,0,0..9,,,,,1,,,,0xA0\n");
   VariableMemory memory(*table);
   EXPECT_EQ(ReturnCode(&memory, 0x31, {0x04, 0xB0, 99, 3}), kAccepted);
   EXPECT_EQ(ReturnCode(&memory, 0x31, {0x01, 0x2C, 5, 2}), kBadValue);
@@ -61,14 +60,14 @@ TEST(VariableMemory, WritesAllFieldsOfACommandOrNone) {
 }
 
 TEST(VariableMemory, ChecksValuesAsTheTableSays) {
-  const auto table = LoadTestTable(
-      "1,1,,0x40,Scaled,1,int16,0,-100..100,0.25,2,,\n"
-      "2,1,,0x41,Gate,1,uint8,0,switch,,1,,\n"
-      "2,2,,0x41,Gated,1,uint8,10,10..20@2-1,,1,,\n"
-      "3,1,,0x42,Heater,1,uint8,0,switch:10..90,,1,,\n"
-      "4,1,,0x43,Power,1,float32,1,0..5,,4,,\n"
-      "5,1,,0x44,Shared Secret Key,1,raw,,,,16,,\n"
-      "6,1,0x2C,0x22,FOV Table,1,raw,,,,42,,\n");
+  const auto table = LoadRows(
+      "1,1,,0x40,,Scaled,1,int16,0,-100..100,,0.25,,,2\n"
+      "2,1,,0x41,,Gate,1,uint8,0,switch,,,,,1\n"
+      "2,2,,0x41,,Gated,1,uint8,10,10..20@2-1,,,,,1\n"
+      "3,1,,0x42,,Heater,1,uint8,0,switch:10..90,,,,,1\n"
+      "4,1,,0x43,,Power,1,float32,1,0..5,,,,,4\n"
+      "5,1,,0x44,,Shared Secret Key,1,raw,,,,,,,16\n"
+      "6,1,0x2C,0x22,,FOV Table,1,raw,,,,,,,42\n");
   VariableMemory memory(*table);
   const struct {
     uint8_t command;

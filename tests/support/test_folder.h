@@ -1,0 +1,33 @@
+#pragma once
+
+#include <stdlib.h>
+
+#include <filesystem>
+#include <fstream>
+#include <stdexcept>
+#include <string>
+
+/// A folder that goes with its object.
+class TestFolder {
+ public:
+  TestFolder() : path_((std::filesystem::temp_directory_path() / "tevron_XXXXXX").string()) {
+    if (mkdtemp(path_.data()) == nullptr) {
+      throw std::runtime_error("cannot make " + path_);
+    }
+  }
+  ~TestFolder() { std::filesystem::remove_all(path_); }
+  TestFolder(const TestFolder&) = delete;
+  TestFolder& operator=(const TestFolder&) = delete;
+
+  const std::string& path() const { return path_; }
+  /// Writes a file below it and returns the file's path.
+  std::string Write(const std::string& name, const std::string& content) const {
+    const std::filesystem::path file = std::filesystem::path(path_) / name;
+    std::filesystem::create_directories(file.parent_path());
+    std::ofstream(file, std::ios::binary) << content;
+    return file.string();
+  }
+
+ private:
+  std::string path_;
+};
