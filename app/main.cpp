@@ -30,7 +30,7 @@ int main(int argc, char** argv) {
 
   QCoreApplication::setOrganizationName(QStringLiteral("KavelTech"));
   QCoreApplication::setOrganizationDomain(QStringLiteral("kaveltech.example"));
-  QCoreApplication::setApplicationVersion(QStringLiteral("1.0.1"));
+  QCoreApplication::setApplicationVersion(QStringLiteral(TEVRON_VERSION));
   StartDeviceLog();
 
   const QIcon icon = ApplicationIcon(root);

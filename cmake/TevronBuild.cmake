@@ -1,5 +1,6 @@
 # What every target of the project is compiled and linked with. The flags travel on one interface
-# target, so that another project that includes this one with add_subdirectory keeps its own.
+# target, so that another project that includes this one with add_subdirectory keeps its own. Whether
+# a warning of its compiler stops its build is that project's choice, too.
 
 set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
 
@@ -11,7 +12,8 @@ endif()
 add_library(tevron_build_flags INTERFACE)
 target_compile_features(tevron_build_flags INTERFACE cxx_std_17)
 target_compile_options(tevron_build_flags INTERFACE
-  -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Werror
+  -Wall -Wextra -Wpedantic -Wshadow -Wconversion
+  $<$<BOOL:${PROJECT_IS_TOP_LEVEL}>:-Werror>
   -fPIC -fstack-protector-strong
   $<$<NOT:$<CONFIG:Debug>>:-U_FORTIFY_SOURCE -D_FORTIFY_SOURCE=2>)
 target_compile_definitions(tevron_build_flags INTERFACE _GLIBCXX_ASSERTIONS)

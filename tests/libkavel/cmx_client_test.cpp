@@ -36,7 +36,7 @@ std::unique_ptr<CmxClient> Client(uint16_t port, const ClientOptions& options = 
 }
 
 // Answers every version 1 command with its own payload.
-void EchoCommands(PeerConnection& peer) {
+void EchoCommands(TcpEnd& peer) {
   while (true) {
     const Bytes header = peer.Read(8);
     if (header.size() < 8) {
@@ -49,7 +49,7 @@ void EchoCommands(PeerConnection& peer) {
   }
 }
 
-void TakeCommandsInSilence(PeerConnection& peer) { peer.WaitForEnd(); }
+void TakeCommandsInSilence(TcpEnd& peer) { peer.WaitForEnd(); }
 
 // Ends a client and fails when that takes longer than it may in any state.
 void EndInTime(std::unique_ptr<CmxClient> client) {
@@ -154,7 +154,7 @@ TEST(CmxClientShutdown, EndsATransfer) {
 
 TEST(CmxClientSharing, ThreadsGetTheirOwnAnswersAndReasons) {
   // Refuses every command with the command itself.
-  SocketPeer peer([](PeerConnection& connection) {
+  SocketPeer peer([](TcpEnd& connection) {
     for (Bytes frame = connection.Read(8); frame.size() == 8; frame = connection.Read(8)) {
       frame[3] = frame[2];
       connection.Send(frame);
@@ -184,7 +184,7 @@ TEST(CmxClientSharing, ThreadsGetTheirOwnAnswersAndReasons) {
 TEST(CmxClientTrouble, ALidarThatAnswersLateIsUnderstoodNextTime) {
   std::atomic<bool> timed_out{false};
   std::atomic<bool> answered{false};
-  SocketPeer peer([&](PeerConnection& connection) {
+  SocketPeer peer([&](TcpEnd& connection) {
     const Bytes late = connection.Read(9);
     WaitFor([&] { return timed_out || connection.Ended(); });
     connection.Send(late);
@@ -206,7 +206,7 @@ TEST(CmxClientTrouble, ALidarThatAnswersLateIsUnderstoodNextTime) {
 }
 
 TEST(CmxClientTrouble, ALidarThatDripsAndThenVanishes) {
-  SocketPeer peer([](PeerConnection& connection) {
+  SocketPeer peer([](TcpEnd& connection) {
     connection.Read(8);
     connection.Send({0, 0, 0x47, 0x74, 7, 0, 0, 0, 0, 5});
     connection.Drip({1, 2, 3, 4, 5});

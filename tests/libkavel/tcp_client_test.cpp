@@ -28,7 +28,7 @@ bool TryOpen(TcpClient& client, uint16_t port, uint16_t host_port = 0,
   return client.TryOpen(host_port, ip, port, false, "", "", "", 1);
 }
 
-void Echo(PeerConnection& peer) {
+void Echo(TcpEnd& peer) {
   for (Bytes byte = peer.Read(1); !byte.empty(); byte = peer.Read(1)) {
     peer.Send(byte);
   }
@@ -58,7 +58,7 @@ TEST(TcpClient, CarriesBytesBothWays) {
 
 TEST(TcpClient, ReportsAPeerThatCloses) {
   LogLines log;
-  SocketPeer peer([](PeerConnection&) {});
+  SocketPeer peer([](TcpEnd&) {});
   TcpClient client;
   ASSERT_TRUE(TryOpen(client, peer.port()));
   Bytes buffer(8);
@@ -121,7 +121,7 @@ TEST(TcpClient, AHostPortIsUsedAndFreeAgainAtOnce) {
 TEST(TcpClient, AHostPortInUseIsNamed) {
   LogLines log;
   SocketPeer peer(Echo);
-  SocketPeer other([](PeerConnection&) {});
+  SocketPeer other([](TcpEnd&) {});
   const std::string port = std::to_string(other.port());
   TcpClient client;
   EXPECT_FALSE(TryOpen(client, peer.port(), other.port()));

@@ -100,8 +100,8 @@ TEST_F(TlsTest, NamesTheFileThatIsWrong) {
 }
 
 TEST_F(TlsTest, SurvivesPeersThatAreNoTlsServers) {
-  SocketPeer closing([](PeerConnection& peer) { peer.Reset(); });
-  SocketPeer silent([](PeerConnection& peer) { peer.WaitForEnd(); });
+  SocketPeer closing([](TcpEnd& peer) { peer.Reset(); });
+  SocketPeer silent([](TcpEnd& peer) { peer.WaitForEnd(); });
   ASSERT_TRUE(client.InitSslClient("", "", ""));
   EXPECT_FALSE(StartTls(closing.port()));
   EXPECT_EQ(log.Count(kError, "connect ssl failed"), 1);
@@ -114,7 +114,7 @@ TEST_F(TlsTest, SurvivesPeersThatAreNoTlsServers) {
 
 TEST_F(TlsTest, GivesUpAConnectionThatWasMade) {
   std::atomic<int> ended{0};
-  SocketPeer peer([&](PeerConnection& connection) {
+  SocketPeer peer([&](TcpEnd& connection) {
     connection.WaitForEnd();
     ++ended;
   });

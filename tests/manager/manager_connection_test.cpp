@@ -1,34 +1,27 @@
 #include <QDir>
 #include <QSignalSpy>
-#include <QTcpServer>
 #include <QUdpSocket>
 #include <chrono>
 
 #include "manager_fixture.h"
+#include "support/socket_peer.h"
 
 namespace {
 
+using kavel::lidar::testing::SocketPeer;
+using kavel::lidar::testing::TcpEnd;
+using kavel::lidar::testing::UnusedPort;
 using std::chrono::seconds;
 using std::chrono::steady_clock;
 
 /// Threads of this process.
 uint ThreadCount() { return QDir("/proc/self/task").count(); }
 
-/// A lidar that accepts the connection and never says a word.
-class MuteLidar {
- public:
-  MuteLidar() { server_.listen(QHostAddress::LocalHost); }
-  QString port() const { return QString::number(server_.serverPort()); }
-
- private:
-  QTcpServer server_;
-};
-
 class ManagerConnectionTest : public ManagerFixture {
  protected:
   void PointAtMute() {
     manager_->setIpAddress("127.0.0.1");
-    manager_->setPort(mute_.port());
+    manager_->setPort(QString::number(mute_.port()));
   }
   /// Destroys the manager and tells whether that was quick.
   bool EndsInTime() {
@@ -37,7 +30,8 @@ class ManagerConnectionTest : public ManagerFixture {
     return steady_clock::now() - start < seconds(5);
   }
 
-  const MuteLidar mute_;
+  /// Accepts the connection and never says a word.
+  const SocketPeer mute_{[](TcpEnd& lidar) { lidar.WaitForEnd(); }};
 };
 
 TEST_F(ManagerConnectionTest, ConnectsReadsLosesTheLinkAndComesBack) {
@@ -93,7 +87,7 @@ TEST_F(ManagerConnectionTest, TellsWhyItDidNotConnect) {
   EXPECT_FALSE(ConnectTo(unwilling));
   EXPECT_EQ(QStringList("Lidar has No CMX reply."), TakeErrors());
 
-  manager_->setPort(MuteLidar().port());  // nobody listens there any more
+  manager_->setPort(QString::number(UnusedPort()));  // nobody listens there any more
   EXPECT_FALSE(Connect());
   EXPECT_EQ(QStringList("TCP connection failed."), TakeErrors());
 

@@ -24,7 +24,7 @@ class ScriptedSender : public kavel::lidar::CommandSender {
     }
   };
 
-  bool IsOpen() override { return open; }
+  bool IsOpen() override { return true; }
   using CommandSender::QueryCommand;
   int32_t QueryCommand(const Bytes& payload, Bytes& result, uint8_t cmd, bool with_header,
                        int32_t* error) override {
@@ -49,5 +49,4 @@ class ScriptedSender : public kavel::lidar::CommandSender {
 
   std::deque<Reply> replies;
   std::vector<Sent> sent;
-  bool open = true;
 };

@@ -7,13 +7,16 @@
 #include <sys/socket.h>
 #include <unistd.h>
 
+#include <cerrno>
 #include <stdexcept>
+#include <string>
 #include <utility>
 
 namespace kavel::lidar::testing {
 namespace {
 
 constexpr int kDripPauseMs = 2;
+constexpr time_t kPatienceS = 5;
 
 sockaddr_in Loopback(uint16_t port) {
   sockaddr_in address{};
@@ -47,7 +50,20 @@ int StartConnecting(uint16_t port) {
 
 }  // namespace
 
-Bytes PeerConnection::Read(size_t size) {
+TcpEnd TcpEnd::To(uint16_t port) {
+  const int client = socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
+  const timeval patience = {kPatienceS, 0};
+  setsockopt(client, SOL_SOCKET, SO_RCVTIMEO, &patience, sizeof patience);
+  const sockaddr_in address = Loopback(port);
+  if (connect(client, reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0) {
+    throw std::runtime_error("cannot connect to port " + std::to_string(port));
+  }
+  return TcpEnd(client);
+}
+
+TcpEnd::~TcpEnd() { close(socket_); }
+
+Bytes TcpEnd::Read(size_t size) {
   Bytes bytes(size);
   size_t received = 0;
   while (received < size) {
@@ -61,7 +77,7 @@ Bytes PeerConnection::Read(size_t size) {
   return bytes;
 }
 
-void PeerConnection::Send(const Bytes& bytes) {
+void TcpEnd::Send(const Bytes& bytes) {
   size_t sent = 0;
   while (sent < bytes.size()) {
     const ssize_t count = send(socket_, bytes.data() + sent, bytes.size() - sent, MSG_NOSIGNAL);
@@ -72,7 +88,7 @@ void PeerConnection::Send(const Bytes& bytes) {
   }
 }
 
-void PeerConnection::Drip(const Bytes& bytes) {
+void TcpEnd::Drip(const Bytes& bytes) {
   for (const uint8_t byte : bytes) {
     Send({byte});
     pollfd entry{socket_, 0, 0};
@@ -80,17 +96,23 @@ void PeerConnection::Drip(const Bytes& bytes) {
   }
 }
 
-void PeerConnection::WaitForEnd() {
+void TcpEnd::WaitForEnd() {
   while (!Read(1).empty()) {
   }
 }
 
-void PeerConnection::Reset() {
+bool TcpEnd::EndsHere() {
+  uint8_t byte = 0;
+  const ssize_t count = recv(socket_, &byte, 1, 0);
+  return count == 0 || (count < 0 && errno == ECONNRESET);
+}
+
+void TcpEnd::Reset() {
   const linger reset{1, 0};
   setsockopt(socket_, SOL_SOCKET, SO_LINGER, &reset, sizeof reset);
 }
 
-bool PeerConnection::Ended() {
+bool TcpEnd::Ended() {
   pollfd entry{socket_, POLLRDHUP, 0};
   return poll(&entry, 1, 0) > 0;
 }
@@ -124,12 +146,10 @@ void SocketPeer::Serve() {
         shutdown(socket, SHUT_RDWR);
       }
     }
-    ++accepted_;
-    PeerConnection connection(socket);
+    TcpEnd connection(socket);
     script_(connection);
     const std::lock_guard<std::mutex> lock(mutex_);
     connection_ = -1;
-    close(socket);
   }
 }
 

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <atomic>
 #include <cstddef>
 #include <cstdint>
 #include <functional>
@@ -8,27 +7,34 @@
 #include <thread>
 #include <vector>
 
-/// The far end of TCP connections, for tests. Everything is on 127.0.0.1 and on ports that the
-/// system chooses.
+#include "support/bytes.h"
+
+/// TCP connections for tests. Everything is on 127.0.0.1 and on ports that the system chooses.
 namespace kavel::lidar::testing {
 
-using Bytes = std::vector<uint8_t>;
-
-/// One accepted connection, in the hands of a script. Every wait ends when the client goes away or
-/// the test is over.
-class PeerConnection {
+/// One end of a connection, in the hands of a test.
+class TcpEnd {
  public:
-  explicit PeerConnection(int socket) : socket_(socket) {}
+  /// Takes over an accepted connection. Every wait ends when the far end goes away or the listening
+  /// peer does.
+  explicit TcpEnd(int socket) : socket_(socket) {}
+  /// Connects to a port of this machine. No wait for bytes lasts longer than five seconds.
+  static TcpEnd To(uint16_t port);
+  ~TcpEnd();
+  TcpEnd(const TcpEnd&) = delete;
+  TcpEnd& operator=(const TcpEnd&) = delete;
 
-  /// The next `size` bytes; fewer when the connection ended.
+  /// The next `size` bytes; fewer when the connection ended or time was up.
   Bytes Read(size_t size);
   void Send(const Bytes& bytes);
   /// Byte for byte, with a moment between them.
   void Drip(const Bytes& bytes);
   void WaitForEnd();
-  /// The client sees a reset instead of an orderly end.
+  /// Waits for the end; false when bytes come before it, or nothing does.
+  bool EndsHere();
+  /// The far end sees a reset instead of an orderly end.
   void Reset();
-  /// True once the client has gone or the test is over.
+  /// True once the far end has gone or the listening peer has.
   bool Ended();
 
  private:
@@ -38,7 +44,7 @@ class PeerConnection {
 /// Accepts one connection after another and runs the script over each.
 class SocketPeer {
  public:
-  using Script = std::function<void(PeerConnection&)>;
+  using Script = std::function<void(TcpEnd&)>;
 
   explicit SocketPeer(Script script);
   ~SocketPeer();
@@ -46,7 +52,6 @@ class SocketPeer {
   SocketPeer& operator=(const SocketPeer&) = delete;
 
   uint16_t port() const { return port_; }
-  int accepted() const { return accepted_; }
 
  private:
   void Serve();
@@ -54,7 +59,6 @@ class SocketPeer {
   Script script_;
   uint16_t port_ = 0;
   int listener_;
-  std::atomic<int> accepted_{0};
   std::mutex mutex_;
   int connection_ = -1;  // guarded by mutex_
   bool ending_ = false;  // guarded by mutex_

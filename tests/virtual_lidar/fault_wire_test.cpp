@@ -58,11 +58,11 @@ TEST(FaultOnTheWire, SendsWhatTheCatalogueSaysAndHoldsWhatWasWritten) {
     LidarUnderTest::Setup setup;
     setup.faults = {expected.order + "@" + std::to_string(expected.request[2])};
     LidarUnderTest lidar(std::move(setup));
-    RawClient client(lidar.port());
+    TcpEnd client = TcpEnd::To(lidar.port());
     client.Send(expected.request + kLiveness);
-    EXPECT_EQ(client.Receive(expected.on_wire.size()), expected.on_wire);
+    EXPECT_EQ(client.Read(expected.on_wire.size()), expected.on_wire);
     if (expected.closes) {
-      EXPECT_TRUE(client.Ended());
+      EXPECT_TRUE(client.EndsHere());
     }
     EXPECT_TRUE(lidar.LogShows(std::string("[fault: ") + mode.name + "]"));
     EXPECT_EQ(lidar.Held("Speed"),
@@ -90,10 +90,10 @@ TEST(FaultOnTheWire, TakesTheTimeAskedFor) {
     LidarUnderTest::Setup setup;
     setup.faults = {c.fault};
     LidarUnderTest lidar(std::move(setup));
-    RawClient client(lidar.port());
+    TcpEnd client = TcpEnd::To(lidar.port());
     const auto start = std::chrono::steady_clock::now();
     client.Send(c.ask);
-    EXPECT_EQ(client.Receive(c.answer.size()), c.answer);
+    EXPECT_EQ(client.Read(c.answer.size()), c.answer);
     const auto taken = std::chrono::steady_clock::now() - start;
     EXPECT_GE(taken, c.least);
     EXPECT_LT(taken, c.most);
@@ -104,13 +104,13 @@ TEST(FaultOnTheWire, FallsSilentAfterTheFirstRequests) {
   LidarUnderTest::Setup setup;
   setup.faults = {"silent-after=2"};
   auto lidar = std::make_unique<LidarUnderTest>(std::move(setup));
-  RawClient client(lidar->port());
+  TcpEnd client = TcpEnd::To(lidar->port());
   client.Send(kLiveness + kLiveness + kSetSpeed);
   EXPECT_TRUE(lidar->LogShows("request 0x31 (3 bytes)"));
   EXPECT_TRUE(lidar->LogShows("[fault: silent-after]"));
   EXPECT_EQ(lidar->Held("Speed"), (Bytes{0x02, 0x58}));
   lidar.reset();
-  EXPECT_EQ(client.Receive(24), kLiveness + kLiveness) << "nothing more until the link is gone";
+  EXPECT_EQ(client.Read(24), kLiveness + kLiveness) << "nothing more until the link is gone";
 }
 
 }  // namespace

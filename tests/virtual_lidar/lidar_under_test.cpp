@@ -1,14 +1,11 @@
 #include "lidar_under_test.h"
 
-#include <arpa/inet.h>
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <poll.h>
-#include <sys/socket.h>
 
 #include <algorithm>
 #include <array>
-#include <cerrno>
 #include <utility>
 
 namespace {
@@ -76,34 +73,6 @@ bool LidarUnderTest::LogShows(const std::string& text) {
     logged_.append(buffer.data(), static_cast<size_t>(got));
   }
   return true;
-}
-
-RawClient::RawClient(uint16_t port) : fd_(socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0)) {
-  const timeval patience = {kPatienceMs / 1000, 0};
-  setsockopt(fd_.get(), SOL_SOCKET, SO_RCVTIMEO, &patience, sizeof patience);
-  sockaddr_in address = {};
-  address.sin_family = AF_INET;
-  address.sin_port = htons(port);
-  address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-  EXPECT_EQ(connect(fd_.get(), reinterpret_cast<sockaddr*>(&address), sizeof address), 0);
-}
-
-void RawClient::Send(const Bytes& bytes) const {
-  EXPECT_EQ(send(fd_.get(), bytes.data(), bytes.size(), MSG_NOSIGNAL),
-            static_cast<ssize_t>(bytes.size()));
-}
-
-Bytes RawClient::Receive(size_t count) const {
-  Bytes received(count);
-  const ssize_t got = recv(fd_.get(), received.data(), count, MSG_WAITALL);
-  received.resize(static_cast<size_t>(std::max<ssize_t>(got, 0)));
-  return received;
-}
-
-bool RawClient::Ended() const {
-  char byte = 0;
-  const ssize_t got = recv(fd_.get(), &byte, 1, 0);
-  return got == 0 || (got < 0 && errno == ECONNRESET);
 }
 
 DeviceReply Ask(VirtualDevice* device, uint8_t code, const Bytes& payload) {

@@ -18,6 +18,8 @@ inline constexpr char kSmallTable[] =
     "2,1,0x20,0x21,,Address,1,IP,192.168.1.201,,,,,,4\n"
     "3,1,0x02,,,Up-time,0,DT,0 h 0 min 5 s,,,,,,4\n";
 
+using kavel::lidar::testing::TcpEnd;
+
 /// Requests of protocol 1: liveness, whose answer looks like itself, and new values for Speed and
 /// Level, answered by kSetReply.
 inline const Bytes kLiveness = {0x47, 0x74, 0x07, 0, 0, 0, 0, 0};
@@ -63,22 +65,6 @@ class LidarUnderTest {
   std::vector<std::string> serial_ports_;
   std::thread thread_;
   std::string logged_;
-};
-
-/// A TCP client that sends and receives bytes and knows nothing of frames. No wait for bytes lasts
-/// longer than five seconds.
-class RawClient {
- public:
-  explicit RawClient(uint16_t port);
-
-  void Send(const Bytes& bytes) const;
-  /// The next `count` bytes; fewer when the link was closed or time is up.
-  Bytes Receive(size_t count) const;
-  /// Whether the link is closed now, with nothing left to receive.
-  bool Ended() const;
-
- private:
-  UniqueFd fd_;
 };
 
 /// Puts one request to a device as its first client; no fault strikes.

@@ -39,9 +39,9 @@ TEST(SerialLine, AnswersAfterEachReopeningOfThePort) {
     // Network settings do not cut a serial line, but they do cut a network.
     EXPECT_EQ(client->SendCommand(0x21, {10, 0, 0, 2}, inner, kPatienceMs), 0);
     EXPECT_EQ(client->SwitchMode(0, 0), 0);
-    const RawClient on_network(lidar.port());
+    TcpEnd on_network = TcpEnd::To(lidar.port());
     on_network.Send({0x47, 0x74, 0x21, 0, 0, 0, 0, 4, 10, 0, 0, 3});
-    EXPECT_TRUE(on_network.Ended());
+    EXPECT_TRUE(on_network.EndsHere());
   }
 }
 

@@ -16,45 +16,45 @@ TEST(Server, SpeaksTheSecondProtocolToo) {
   LidarUnderTest::Setup setup;
   setup.server.protocol = 2;
   LidarUnderTest lidar(std::move(setup));
-  RawClient client(lidar.port());
+  TcpEnd client = TcpEnd::To(lidar.port());
   client.Send({0x57, 0x75, 1, 0x30, 0, 0, 0, 0, 0, 0, 0, 0});
   const Bytes reading = {0x57, 0x75, 1, 0x30, 0, 0, 0, 0, 0, 0, 0, 3, 0x02, 0x58, 0xFD};
-  EXPECT_EQ(client.Receive(15), reading);
+  EXPECT_EQ(client.Read(15), reading);
 }
 
 TEST(Server, ServesOthersWhileOneIsStuckOrGone) {
   LidarUnderTest lidar({});
-  RawClient stuck(lidar.port());
+  TcpEnd stuck = TcpEnd::To(lidar.port());
   stuck.Send({0x47, 0x74, 0x31, 0, 0, 0, 0, 200, 1, 2, 3});
-  RawClient flooding(lidar.port());
+  TcpEnd flooding = TcpEnd::To(lidar.port());
   flooding.Send(Bytes(300000, 0x47));
-  { const RawClient leaving(lidar.port()); }
+  { const TcpEnd leaving = TcpEnd::To(lidar.port()); }
   for (int i = 0; i < 20; ++i) {
-    RawClient next(lidar.port());
+    TcpEnd next = TcpEnd::To(lidar.port());
     next.Send(kLiveness);
-    EXPECT_EQ(next.Receive(8), kLiveness);
+    EXPECT_EQ(next.Read(8), kLiveness);
   }
   flooding.Send(kLiveness);
-  EXPECT_EQ(flooding.Receive(8), kLiveness) << "found behind the garbage";
+  EXPECT_EQ(flooding.Read(8), kLiveness) << "found behind the garbage";
 }
 
 TEST(Server, RestartAnswersDropsEveryLinkAndComesBackOnItsPort) {
   LidarUnderTest::Setup setup;
   setup.server.restart_time = std::chrono::milliseconds(20);
   LidarUnderTest lidar(std::move(setup));
-  RawClient bystander(lidar.port());
+  TcpEnd bystander = TcpEnd::To(lidar.port());
   bystander.Send(kLiveness);
-  EXPECT_EQ(bystander.Receive(8), kLiveness);
-  RawClient client(lidar.port());
+  EXPECT_EQ(bystander.Read(8), kLiveness);
+  TcpEnd client = TcpEnd::To(lidar.port());
   client.Send(kSetSpeed);
   client.Send({0x47, 0x74, 0x10, 0, 0, 0, 0, 0});
-  EXPECT_EQ(client.Receive(16).size(), 16U);
-  EXPECT_TRUE(client.Ended());
-  EXPECT_TRUE(bystander.Ended());
+  EXPECT_EQ(client.Read(16).size(), 16U);
+  EXPECT_TRUE(client.EndsHere());
+  EXPECT_TRUE(bystander.EndsHere());
   EXPECT_TRUE(lidar.LogShows("restarted"));
-  RawClient again(lidar.port());
+  TcpEnd again = TcpEnd::To(lidar.port());
   again.Send(kReadSpeed);
-  EXPECT_EQ(again.Receive(11), (Bytes{0x47, 0x74, 0x30, 0, 0, 0, 0, 3, 0x04, 0xB0, 5}))
+  EXPECT_EQ(again.Read(11), (Bytes{0x47, 0x74, 0x30, 0, 0, 0, 0, 3, 0x04, 0xB0, 5}))
       << "settings survive";
 }
 
@@ -71,15 +71,15 @@ TEST(Server, DumpIsWholeAndThereBeforeTheAnswer) {
     return QJsonDocument::fromJson(file.readAll())["variables"][name].toObject();
   };
   EXPECT_EQ(dumped("Level"), (QJsonObject{{"id", "1-2"}, {"text", "-3"}, {"hex", "fd"}}));
-  RawClient client(lidar.port());
+  TcpEnd client = TcpEnd::To(lidar.port());
   client.Send(kSetSpeed);
-  EXPECT_EQ(client.Receive(8), kSetReply);
+  EXPECT_EQ(client.Read(8), kSetReply);
   EXPECT_EQ(dumped("Speed"), (QJsonObject{{"id", "1-1"}, {"text", "1200"}, {"hex", "04 b0"}}));
   client.Send({0x47, 0x74, 0x44, 0, 0, 0, 0, 2, 0xAA, 0xBB});
-  EXPECT_EQ(client.Receive(8).size(), 8U);
+  EXPECT_EQ(client.Read(8).size(), 8U);
   EXPECT_EQ(dumped("Shared Secret Key"), (QJsonObject{{"id", "5-1"}, {"bytes", 2}}));
   client.Send({0x47, 0x74, 0x25, 0, 0, 0, 0, 0});
-  EXPECT_EQ(client.Receive(8).size(), 8U);
+  EXPECT_EQ(client.Read(8).size(), 8U);
   EXPECT_EQ(dumped("Speed")["text"].toString(), "600") << "after a reset";
 }
 
