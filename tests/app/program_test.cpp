@@ -3,14 +3,12 @@
 #include <gtest/gtest.h>
 
 #include <QFile>
-#include <QProcess>
 #include <QProcessEnvironment>
-#include <QStringList>
 #include <QTemporaryDir>
 
-namespace {
+#include "support/child_process.h"
 
-constexpr int kPatienceMs = 30000;
+namespace {
 
 TEST(ProgramTest, SettlesTheScaleFirstAndGoesOnWithoutAnyOfItsData) {
   const QTemporaryDir root;
@@ -18,27 +16,22 @@ TEST(ProgramTest, SettlesTheScaleFirstAndGoesOnWithoutAnyOfItsData) {
   ASSERT_TRUE(QFile::copy(TEVRON_TEST_ROOT "/bin/tevron", copy));
   QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
   environment.remove("DISPLAY");
-  QProcess program;
-  program.setProcessEnvironment(environment);
-  program.setProcessChannelMode(QProcess::MergedChannels);
-  program.setWorkingDirectory("/");
-  program.start(copy, QStringList());
-  QByteArray output;
+  ChildProcess program;
+  program.SetEnvironment(environment);
+  program.SetFolder("/");
+  program.Start(copy);
   int said_before = -1;
   // The platform that draws nowhere says the last of them of the window once that is there.
   for (const char* message : {"main dpi= 1 scale= 1", "[Tevron] applicationDirPath:",
                               "[Tevron] Font file missing: Roboto-Bold absolutePath:",
                               "[Tevron] Font file missing: Roboto-Regular absolutePath:",
                               "[Tevron] Window icon missing absolutePath:", "propagateSizeHints"}) {
-    while (!output.contains(message) && program.waitForReadyRead(kPatienceMs)) {
-      output += program.readAll();
-    }
-    EXPECT_GT(output.indexOf(message), said_before) << message << "\n" << output.toStdString();
-    said_before = output.indexOf(message);
+    program.Prints(message);
+    EXPECT_GT(program.Output().indexOf(message), said_before) << message << "\n"
+                                                              << program.Output().toStdString();
+    said_before = program.Output().indexOf(message);
   }
-  EXPECT_EQ(program.state(), QProcess::Running);
-  program.kill();
-  program.waitForFinished(kPatienceMs);
+  EXPECT_TRUE(program.Runs());
 }
 
 }  // namespace

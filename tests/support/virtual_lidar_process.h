@@ -1,10 +1,11 @@
 #pragma once
 
 #include <QJsonObject>
-#include <QProcess>
 #include <QString>
 #include <QStringList>
 #include <QTemporaryDir>
+
+#include "support/child_process.h"
 
 /// The virtual lidar as a process of its own, on a port of the system's choice and with the tables
 /// under "./Config". It is ended with the object.
@@ -13,9 +14,6 @@ class VirtualLidarProcess {
   /// Starts it and waits until it is ready. `arguments` as on its command line, "--port" and
   /// "--dump" excepted. Throws std::runtime_error with what it said when it does not become ready.
   explicit VirtualLidarProcess(const QStringList& arguments = {}, quint16 port = 0);
-  ~VirtualLidarProcess();
-  VirtualLidarProcess(const VirtualLidarProcess&) = delete;
-  VirtualLidarProcess& operator=(const VirtualLidarProcess&) = delete;
 
   /// The TCP port on 127.0.0.1.
   quint16 port() const { return port_; }
@@ -23,20 +21,18 @@ class VirtualLidarProcess {
   QString SerialPort(const QString& kind = QString()) const;
 
   /// Everything printed so far.
-  QString Output();
+  QString Output() { return process_.Output(); }
   /// What it holds for the variable `name`: {"id", "text", "hex"}.
   QJsonObject Variable(const QString& name) const;
 
   /// Ends it at once, as a lidar that loses its power.
-  void Kill();
+  void Kill() { process_.Kill(); }
   /// Makes it fall silent for good, with its links left open.
-  void Freeze();
+  void Freeze() { process_.Signal(SIGSTOP); }
 
  private:
-  bool ReadUntilReady();
-
   QTemporaryDir folder_;
-  QProcess process_;
-  QString output_;
+  ChildProcess process_;
+  QString announced_;
   quint16 port_ = 0;
 };

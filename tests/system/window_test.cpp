@@ -5,13 +5,13 @@
 
 #include <QDir>
 #include <QFile>
-#include <QProcess>
 #include <QRegularExpression>
 #include <QStandardPaths>
 #include <QTemporaryDir>
 #include <QTest>
 #include <functional>
 
+#include "support/child_process.h"
 #include "support/virtual_lidar_process.h"
 
 // Last, because its macros take names like None and Bool away.
@@ -39,19 +39,6 @@ void AskWindowToClose(const QString& display_name, unsigned long window) {
   XCloseDisplay(display);
 }
 
-// A process that is ended with the object.
-class Child {
- public:
-  ~Child() {
-    process_.kill();
-    process_.waitForFinished();
-  }
-  QProcess* operator->() { return &process_; }
-
- private:
-  QProcess process_;
-};
-
 class WindowTest : public testing::Test {
  protected:
   void SetUp() override {
@@ -68,14 +55,10 @@ class WindowTest : public testing::Test {
   }
 
   void StartScreen() {
-    screen_->start("Xvfb", {"-displayfd", "1", "-screen", "0", "1400x900x24", "-nolisten", "tcp"});
-    QByteArray number;
-    ASSERT_TRUE(WaitFor([&] {
-      screen_->waitForReadyRead(100);
-      number += screen_->readAllStandardOutput();
-      return number.endsWith('\n');
-    }));
-    environment_.insert("DISPLAY", ":" + QString::fromLatin1(number.trimmed()));
+    screen_.Start("Xvfb", {"-displayfd", "1", "-screen", "0", "1400x900x24", "-nolisten", "tcp"});
+    const QRegularExpression number("^(\\d+)$", QRegularExpression::MultilineOption);
+    ASSERT_TRUE(WaitFor([&] { return number.match(screen_.Output()).hasMatch(); }));
+    environment_.insert("DISPLAY", ":" + number.match(screen_.Output()).captured(1));
   }
 
   void StartProgram() {
@@ -93,13 +76,12 @@ class WindowTest : public testing::Test {
     // The screen's plug-in is unloaded before a sanitizer looks for leaks, so that what it keeps
     // cannot be told from ours; the other tests look for ours.
     environment_.insert("ASAN_OPTIONS", "detect_leaks=0");
-    program_->setProcessEnvironment(environment_);
-    program_->setProcessChannelMode(QProcess::ForwardedChannels);
-    program_->start(TEVRON_PROGRAM, QStringList());
+    program_.SetEnvironment(environment_);
+    program_.Start(TEVRON_PROGRAM);
     window_ = XDoTool({"search", "--sync", "--onlyvisible", "--name", "^Tevron$"})
                   .trimmed()
                   .section('\n', -1);
-    ASSERT_FALSE(window_.isEmpty()) << "the window did not open";
+    ASSERT_FALSE(window_.isEmpty()) << program_.Output().toStdString();
     const QString geometry = XDoTool({"getwindowgeometry", "--shell", window_});
     width_ = Number("WIDTH", geometry);
     left_ = Number("X", geometry);
@@ -107,11 +89,11 @@ class WindowTest : public testing::Test {
   }
 
   QString XDoTool(const QStringList& arguments) const {
-    QProcess tool;
-    tool.setProcessEnvironment(environment_);
-    tool.start("xdotool", arguments);
-    tool.waitForFinished(kWaitMs);
-    return QString::fromLocal8Bit(tool.readAllStandardOutput());
+    ChildProcess tool;
+    tool.SetEnvironment(environment_);
+    tool.Start("xdotool", arguments);
+    EXPECT_EQ(tool.ExitCode(), 0) << tool.Output().toStdString();
+    return tool.Output();
   }
 
   static int Number(const QString& name, const QString& geometry) {
@@ -142,11 +124,11 @@ class WindowTest : public testing::Test {
     return lidar_->Variable(variable).value("text").toString();
   }
 
-  Child screen_;
+  ChildProcess screen_;
   std::unique_ptr<VirtualLidarProcess> lidar_;
   QTemporaryDir home_;
   QProcessEnvironment environment_ = QProcessEnvironment::systemEnvironment();
-  Child program_;
+  ChildProcess program_;
   QString window_;
   int width_ = 0;
   int left_ = 0;
@@ -175,9 +157,7 @@ TEST_F(WindowTest, WritesATypedValueToTheLidarAndLeavesASilentOneAtOnce) {
 
   lidar_->Freeze();
   AskWindowToClose(environment_.value("DISPLAY"), window_.toULong());
-  ASSERT_TRUE(program_->waitForFinished(kWaitMs));
-  EXPECT_EQ(program_->exitStatus(), QProcess::NormalExit);
-  EXPECT_EQ(program_->exitCode(), 0);
+  EXPECT_EQ(program_.ExitCode(), 0) << program_.Output().toStdString();
 }
 
 }  // namespace

@@ -5,41 +5,23 @@
 
 #include <QDir>
 #include <QFile>
-#include <QProcess>
 #include <QTemporaryDir>
 #include <string>
 
+#include "support/child_process.h"
 #include "support/wait_for.h"
 
 namespace {
 
 constexpr int kPatienceMs = 20000;
 
-class Program {
+// The program finds the tables below the current directory.
+class Program : public ChildProcess {
  public:
   explicit Program(const QStringList& arguments, const QString& folder = SOURCE_FOLDER) {
-    process_.setWorkingDirectory(folder);
-    process_.setProcessChannelMode(QProcess::MergedChannels);
-    process_.start(VIRTUAL_LIDAR_PROGRAM, arguments);
+    SetFolder(folder);
+    Start(VIRTUAL_LIDAR_PROGRAM, arguments);
   }
-
-  bool Prints(const char* text) {
-    while (!output_.contains(text) && process_.waitForReadyRead(kPatienceMs)) {
-      output_ += process_.readAll();
-    }
-    return output_.contains(text);
-  }
-  void Signal(int number) { kill(static_cast<pid_t>(process_.processId()), number); }
-  int ExitCode() {
-    EXPECT_TRUE(process_.waitForFinished(kPatienceMs));
-    output_ += process_.readAll();
-    return process_.exitStatus() == QProcess::NormalExit ? process_.exitCode() : -1;
-  }
-  std::string output() const { return output_.toStdString(); }
-
- private:
-  QProcess process_;
-  QByteArray output_;
 };
 
 void Write(const QString& name, const QByteArray& content) {
@@ -53,7 +35,7 @@ TEST(Process, DumpsOnOneSignalAndEndsOnTwoOthers) {
     const QTemporaryDir folder;
     const QString path = folder.filePath("state.json");
     Program program({"--port", "0", "--dump", path, "--set", "Spin Rate=1200"});
-    ASSERT_TRUE(program.Prints("listening on 127.0.0.1:")) << program.output();
+    ASSERT_TRUE(program.Prints("listening on 127.0.0.1:")) << program.Output().toStdString();
     ASSERT_TRUE(QFile::remove(path));
     program.Signal(SIGUSR1);
     EXPECT_TRUE(kavel::lidar::testing::WaitFor([&] { return QFile::exists(path); }));
@@ -86,7 +68,7 @@ TEST(Process, AnswersWhereItsModelDoes) {
                                     {"Lumo-CMX", "serial port /dev/"},
                                     {"Kiva-CMX", "serial port /dev/"}}) {
     Program program({"--model", model});
-    EXPECT_TRUE(program.Prints(line)) << program.output();
+    EXPECT_TRUE(program.Prints(line)) << program.Output().toStdString();
     program.Signal(SIGTERM);
     EXPECT_EQ(program.ExitCode(), 0);
   }
@@ -106,13 +88,13 @@ TEST(Process, RefusesACommandLineThatMakesNoSense) {
   for (const auto& [arguments, text] : cases) {
     Program program(QStringList{"--port", "0"} + arguments);
     EXPECT_GT(program.ExitCode(), 0);
-    EXPECT_NE(program.output().find(text), std::string::npos) << program.output();
+    EXPECT_TRUE(program.Output().contains(text)) << program.Output().toStdString();
   }
 }
 
 TEST(Process, ChecksTheTables) {
   Program good({"--check-tables"});
-  EXPECT_EQ(good.ExitCode(), 0) << good.output();
+  EXPECT_EQ(good.ExitCode(), 0) << good.Output().toStdString();
 
   const QTemporaryDir folder;
   const QString config = folder.filePath("Config/");
@@ -133,7 +115,7 @@ TEST(Process, ChecksTheTables) {
   for (const char* text : {"Bad.csv, line 2: \"Wide\": default \"256\"", "Short.csv",
                            "\n./Config/feature_config.csv: No such file", "auth_config.csv, line 2",
                            "model \"Nobody\" has no variable table"}) {
-    EXPECT_NE(bad.output().find(text), std::string::npos) << text << " in\n" << bad.output();
+    EXPECT_TRUE(bad.Output().contains(text)) << text << " in\n" << bad.Output().toStdString();
   }
 }
 
