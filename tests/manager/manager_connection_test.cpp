@@ -1,5 +1,6 @@
 #include <QDir>
 #include <QSignalSpy>
+#include <QTcpServer>
 #include <QUdpSocket>
 #include <chrono>
 

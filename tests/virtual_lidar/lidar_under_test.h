@@ -8,6 +8,7 @@
 
 #include "server/device_server.h"
 #include "support/bytes.h"
+#include "support/socket_peer.h"
 #include "support/table_fixture.h"
 
 /// What most tests of a whole device use: two settings read by 0x30 and written by 0x31, network
