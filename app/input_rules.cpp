@@ -5,6 +5,7 @@
 
 #include "Platform/ipv4_text.h"
 #include "variables/host_port.h"
+#include "variables/input_problem.h"
 
 QString InputRules::AddressProblem(const QString& text) {
   uint8_t octets[4];
@@ -23,6 +24,15 @@ QString InputRules::HostPortProblem(const QString& text) {
   std::string problem;
   ParseHostPort(text.toStdString(), &port, &problem);
   return QString::fromStdString(problem);
+}
+
+QString InputRules::ValueProblem(const QVariantMap& leaf, const QString& text) {
+  if (leaf["permission"].toInt() == 0) {
+    return {};
+  }
+  const ValueType& type = ValueTypeOf(leaf["var_type"].toString().toStdString());
+  return QString::fromStdString(
+      InputProblem(type, leaf["range_min"].toInt(), leaf["range_max"].toInt(), text.toStdString()));
 }
 
 QString InputRules::NumberProblem(const QString& text, int lowest, int highest) {

@@ -2,6 +2,7 @@
 
 #include <QObject>
 #include <QString>
+#include <QVariantMap>
 
 /// What the program will say to a text while it is still being typed, from the rules that decide
 /// later: each member gives the problem in a few words, and nothing for a text that will be taken.
@@ -17,6 +18,8 @@ class InputRules : public QObject {
   Q_INVOKABLE static QString PortProblem(const QString& text);
   /// The local port of the command client.
   Q_INVOKABLE static QString HostPortProblem(const QString& text);
+  /// A value of the variable that the map describes, a leaf of the manager's myMap.
+  Q_INVOKABLE static QString ValueProblem(const QVariantMap& leaf, const QString& text);
   /// A whole number from `lowest` to `highest`.
   Q_INVOKABLE static QString NumberProblem(const QString& text, int lowest, int highest);
 };

@@ -3,9 +3,9 @@
 #include <QDebug>
 #include <cstdint>
 #include <limits>
-#include <regex>
 #include <stdexcept>
 
+#include "variables/input_problem.h"
 #include "variables/number_text.h"
 
 namespace {
@@ -13,17 +13,6 @@ namespace {
 constexpr char kOutOfRange[] = " is out of range";
 constexpr char kInvalidIp[] = " has invalid IP format";
 constexpr char kInvalidMac[] = " has invalid MAC format";
-
-const std::regex& IpPattern() {
-  static const std::regex pattern(
-      R"(^((25[0-5]|2[0-4][0-9]|[01]?[0-9][0-9]?)\.){3}(25[0-5]|2[0-4][0-9]|[01]?[0-9][0-9]?)$)");
-  return pattern;
-}
-
-const std::regex& MacPattern() {
-  static const std::regex pattern("^([0-9A-Fa-f]{2}[:]){5}([0-9A-Fa-f]{2})$");
-  return pattern;
-}
 
 /// The words of the debug log for a violation.
 const char* Tag(const std::string& suffix) {
@@ -116,9 +105,9 @@ std::string RangeCheck::Violation(const VarInfo& var, const std::string& text) {
     case ValueKind::kRaw:
       return static_cast<int64_t>(text.size()) > var.length_limit ? kOutOfRange : "";
     case ValueKind::kAddress:
-      return std::regex_match(text, IpPattern()) ? "" : kInvalidIp;
+      return IsAddressText(text) ? "" : kInvalidIp;
     case ValueKind::kMac:
-      return std::regex_match(text, MacPattern()) ? "" : kInvalidMac;
+      return IsMacText(text) ? "" : kInvalidMac;
     default:
       break;
   }

@@ -1,6 +1,6 @@
 import QtQuick 2.15
+import Tevron 1.0
 import "../theme"
-import "ValueHint.js" as ValueHint
 
 // The editor of a value that can be switched off: a switch, and a text field for the value while it
 // is on.
@@ -65,7 +65,7 @@ FocusScope {
         placeholderText: editor.row.unread ? Theme.unreadText : ""
         stale: editor.row.stale
         pending: editor.row.pending || (typing && text !== value)
-        problem: pending && toggle.checked ? ValueHint.problem(editor.leaf, text) : ""
+        problem: pending && toggle.checked ? InputRules.ValueProblem(editor.leaf, text) : ""
         hint: editor.row.hint
         label: editor.row.caption
         onCommitted: editor.handOver()

@@ -1,6 +1,6 @@
 import QtQuick 2.15
+import Tevron 1.0
 import "../theme"
-import "ValueHint.js" as ValueHint
 
 // The editor of a plain value: a text field, and beside it what the value has to look like.
 FocusScope {
@@ -35,7 +35,7 @@ FocusScope {
         placeholderText: editor.row.unread ? Theme.unreadText : ""
         stale: editor.row.stale
         pending: editor.row.pending || (typing && text !== value)
-        problem: pending ? ValueHint.problem(editor.leaf, text) : ""
+        problem: pending ? InputRules.ValueProblem(editor.leaf, text) : ""
         hint: editor.row.hint
         label: editor.row.caption
         onCommitted: editor.handOver()
