@@ -30,7 +30,8 @@ LumoSection {
             width: Theme.serialChoiceWidth
             model: section.rates
             chosenIndex: section.rates.indexOf(section.rate)
-            displayText: currentIndex >= 0 ? currentText : section.rate.length > 0 ? section.rate : "—"
+            displayText: currentIndex >= 0 ? currentText : section.rate.length > 0 ? section.rate
+                                                                                   : Theme.unreadText
             label: qsTr("Baud rate of the point cloud")
             hint: label
         }

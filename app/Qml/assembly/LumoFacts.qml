@@ -2,7 +2,7 @@ import QtQuick 2.15
 import "../controls"
 import "../theme"
 
-// Names and values in two columns, for reading only.
+// Names and values in two columns, for reading and copying.
 Column {
     id: facts
 
@@ -18,19 +18,24 @@ Column {
             width: facts.width
             spacing: Theme.gap
 
-            Text {
+            PlainText {
                 width: parent.width / 2
                 text: modelData.name
-                font: Theme.bodyFont
                 color: Theme.quietTextColor
                 elide: Text.ElideRight
             }
-            Text {
+            // For copying: a serial number is what people ask for by mail.
+            TextEdit {
                 width: parent.width / 2 - parent.spacing
-                text: modelData.state === "read" ? modelData.value : "—"
+                text: modelData.state === "read" ? modelData.value : Theme.unreadText
+                textFormat: TextEdit.PlainText
                 font: Theme.bodyFont
                 color: Theme.textColor
-                elide: Text.ElideRight
+                selectionColor: Theme.selectionColor
+                selectedTextColor: Theme.textColor
+                readOnly: true
+                selectByMouse: true
+                clip: true
                 Accessible.role: Accessible.StaticText
                 Accessible.name: modelData.name + ": " + text
             }

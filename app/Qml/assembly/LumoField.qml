@@ -1,4 +1,5 @@
 import QtQuick 2.15
+import "../controls"
 import "../theme"
 
 // A caption and, beside it, the control that belongs to it.
@@ -9,12 +10,11 @@ Row {
 
     spacing: Theme.gap
 
-    Text {
+    PlainText {
         height: Theme.controlHeight
         width: Theme.serialCaptionWidth
         verticalAlignment: Text.AlignVCenter
         text: line.caption
-        font: Theme.bodyFont
         color: line.enabled ? Theme.textColor : Theme.disabledTextColor
         elide: Text.ElideRight
     }
