@@ -49,7 +49,7 @@ std::optional<uint64_t> ScaledInteger(const std::string& text, float coefficient
   if (!value) {
     return std::nullopt;
   }
-  const double raw = std::nearbyint(*value / static_cast<double>(coefficient));
+  const double raw = std::nearbyint(*value / AsWritten(coefficient));
   const double lowest = type.is_signed ? -std::ldexp(1.0, bits - 1) : 0.0;
   const double bound = std::ldexp(1.0, type.is_signed ? bits - 1 : bits);
   if (!(raw >= lowest && raw < bound)) {
@@ -71,7 +71,7 @@ std::optional<Bytes> EncodeReal(const VarInfo& var, const std::string& text) {
   if (!shown) {
     return std::nullopt;
   }
-  const double value = *shown / static_cast<double>(var.coefficient);
+  const double value = *shown / AsWritten(var.coefficient);
   return var.value_type->size == sizeof(double)
              ? BigEndian(kavel::lidar::BitsOf(value), sizeof(double))
              : BigEndian(kavel::lidar::BitsOf(static_cast<float>(value)), sizeof(float));
@@ -128,7 +128,7 @@ std::optional<uint64_t> Seconds(const std::string& text) {
     if (fault != std::errc() || rest.substr(0, tail.size()) != tail) {
       continue;
     }
-    if (count > std::numeric_limits<uint32_t>::max()) {
+    if (count > (std::numeric_limits<uint64_t>::max() - seconds) / factor) {
       return std::nullopt;
     }
     seconds += count * factor;
