@@ -54,7 +54,9 @@ SocketHandle CreateSocket(int type, int protocol);
 /// Ignores `kInvalidSocket`.
 void CloseSocket(SocketHandle socket);
 
-/// Ends both directions: whatever waits on the socket, on any thread, returns. The handle stays.
+/// Whatever waits on the socket, on any thread, returns. The handle stays. The peer is told that
+/// nothing follows, except after `SetAbortiveClose`: an orderly end would hold the local port, so
+/// there the peer hears of it when the socket is closed, and a send ends with its time-out.
 void ShutdownSocket(SocketHandle socket);
 
 bool SetNonBlocking(SocketHandle socket, bool non_blocking);

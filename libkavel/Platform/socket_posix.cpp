@@ -28,6 +28,13 @@ uint32_t TimeoutOption(SocketHandle socket, int name) {
   return static_cast<uint32_t>(time.tv_sec * 1000 + time.tv_usec / 1000);
 }
 
+bool ClosesAbortively(SocketHandle socket) {
+  linger setting{};
+  socklen_t size = sizeof setting;
+  return getsockopt(socket, SOL_SOCKET, SO_LINGER, &setting, &size) == 0 &&
+         setting.l_onoff != 0 && setting.l_linger == 0;
+}
+
 // A signal must not stretch the wait, so every round starts from what is left of the time.
 int WaitFor(SocketHandle socket, short events, int64_t timeout_us) {
   using Clock = std::chrono::steady_clock;
@@ -83,7 +90,9 @@ void CloseSocket(SocketHandle socket) {
   }
 }
 
-void ShutdownSocket(SocketHandle socket) { shutdown(socket, SHUT_RDWR); }
+void ShutdownSocket(SocketHandle socket) {
+  shutdown(socket, ClosesAbortively(socket) ? SHUT_RD : SHUT_RDWR);
+}
 
 bool SetNonBlocking(SocketHandle socket, bool non_blocking) {
   const int flags = fcntl(socket, F_GETFL, 0);

@@ -18,6 +18,13 @@ uint32_t TimeoutOption(SocketHandle socket, int name) {
   return time;
 }
 
+bool ClosesAbortively(SocketHandle socket) {
+  linger setting{};
+  int size = sizeof setting;
+  return getsockopt(socket, SOL_SOCKET, SO_LINGER, reinterpret_cast<char*>(&setting), &size) == 0 &&
+         setting.l_onoff != 0 && setting.l_linger == 0;
+}
+
 timeval TimeOf(int64_t us) {
   timeval time{};
   time.tv_sec = static_cast<long>(us / 1000000);
@@ -56,7 +63,9 @@ void CloseSocket(SocketHandle socket) {
   }
 }
 
-void ShutdownSocket(SocketHandle socket) { shutdown(socket, SD_BOTH); }
+void ShutdownSocket(SocketHandle socket) {
+  shutdown(socket, ClosesAbortively(socket) ? SD_RECEIVE : SD_BOTH);
+}
 
 bool SetNonBlocking(SocketHandle socket, bool non_blocking) {
   u_long mode = non_blocking ? 1 : 0;

@@ -96,9 +96,13 @@ void TcpEnd::Drip(const Bytes& bytes) {
   }
 }
 
-void TcpEnd::WaitForEnd() {
-  while (!Read(1).empty()) {
+bool TcpEnd::WaitForEnd() {
+  uint8_t byte = 0;
+  ssize_t count = 1;
+  while (count > 0) {
+    count = recv(socket_, &byte, 1, 0);
   }
+  return count == -1 && errno == ECONNRESET;
 }
 
 bool TcpEnd::EndsHere() {

@@ -29,7 +29,8 @@ class TcpEnd {
   void Send(const Bytes& bytes);
   /// Byte for byte, with a moment between them.
   void Drip(const Bytes& bytes);
-  void WaitForEnd();
+  /// True when the far end ended the connection with a reset, false for an orderly end.
+  bool WaitForEnd();
   /// Waits for the end; false when bytes come before it, or nothing does.
   bool EndsHere();
   /// The far end sees a reset instead of an orderly end.
