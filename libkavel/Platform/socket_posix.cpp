@@ -31,8 +31,8 @@ uint32_t TimeoutOption(SocketHandle socket, int name) {
 bool ClosesAbortively(SocketHandle socket) {
   linger setting{};
   socklen_t size = sizeof setting;
-  return getsockopt(socket, SOL_SOCKET, SO_LINGER, &setting, &size) == 0 &&
-         setting.l_onoff != 0 && setting.l_linger == 0;
+  return getsockopt(socket, SOL_SOCKET, SO_LINGER, &setting, &size) == 0 && setting.l_onoff != 0 &&
+         setting.l_linger == 0;
 }
 
 // A signal must not stretch the wait, so every round starts from what is left of the time.

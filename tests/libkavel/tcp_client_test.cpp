@@ -47,11 +47,10 @@ TEST(TcpClient, CarriesBytesBothWays) {
 
   Bytes bytes = {1, 2, 3};
   EXPECT_EQ(client.Send(bytes.data(), 3, 0), 3);
-  for (const uint8_t expected : Bytes{1, 2, 3}) {
-    uint8_t byte = 0;
+  for (uint8_t& byte : bytes) {
     ASSERT_EQ(client.Receive(&byte, 1, 0), 1);
-    EXPECT_EQ(byte, expected);
   }
+  EXPECT_EQ(bytes, (Bytes{1, 2, 3}));
   EXPECT_EQ(client.Receive(bytes.data(), 3, ClientBase::kPoll), -1);
   EXPECT_EQ(client.SetTimeout(10, 10), 0);
   EXPECT_EQ(client.Receive(bytes.data(), 3, 0), -1);
@@ -123,8 +122,7 @@ TEST(TcpClient, AHostPortIsUsedAndFreeAgainAtOnce) {
     // The system lets a second program bind it, too, and refuses only the connection.
     TcpClient second;
     EXPECT_FALSE(TryOpen(second, peer.port(), host_port));
-    EXPECT_NE(second.OpenFailure().find(std::to_string(host_port) + " is in use"),
-              std::string::npos);
+    EXPECT_NE(second.OpenFailure().find(" is in use"), std::string::npos);
     EXPECT_EQ(client.SetTimeout(0, 0), 0);
     uint8_t byte = 0;
     auto waiting = std::async(std::launch::async, [&] { return client.Receive(&byte, 1, 0); });
@@ -139,19 +137,16 @@ TEST(TcpClient, AHostPortIsUsedAndFreeAgainAtOnce) {
 TEST(TcpClient, AHostPortInUseIsNamed) {
   LogLines log;
   SocketPeer peer(Echo);
-  SocketPeer other([](TcpEnd&) {});
+  SocketPeer other(Echo);
   const std::string port = std::to_string(other.port());
   TcpClient client;
   EXPECT_FALSE(TryOpen(client, peer.port(), other.port()));
-  EXPECT_EQ(log.Count(kError, "Failed to bind local port " + port +
-                                  ", WSAGetLastError:" + std::to_string(EADDRINUSE)),
-            1);
+  EXPECT_EQ(log.Count(kError, "Failed to bind local port " + port + ", WSAGetLastError:98"), 1);
   EXPECT_NE(client.OpenFailure().find(port + " is in use"), std::string::npos);
-
-  const int socket = tcp_try_open(other.port(), kHere.c_str(), peer.port(), 1);
-  EXPECT_NE(socket, -1) << "takes any other port";
+  const auto any_other =
+      UniqueSocket::Owning(tcp_try_open(other.port(), kHere.c_str(), peer.port(), 1));
+  EXPECT_TRUE(any_other);
   EXPECT_EQ(log.Count(kError, "Failed to bind local port, system will auto assign one"), 1);
-  CloseSocket(socket);
 }
 
 }  // namespace

@@ -108,7 +108,6 @@ TEST_F(TlsTest, SurvivesPeersThatAreNoTlsServers) {
   auto handshake = std::async(std::launch::async, [&] { return StartTls(silent.port()); });
   client.Interrupt();
   EXPECT_FALSE(handshake.get());
-
   // A record that never ends: each byte arrives in time, all of them together do not.
   SocketPeer dripping([](TcpEnd& peer) {
     peer.Send({0x16, 0x03, 0x03, 0x40, 0x00});
