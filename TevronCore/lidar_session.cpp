@@ -78,7 +78,7 @@ void LidarSession::EndAttempt(std::shared_ptr<Connection> connection) {
 void LidarSession::Adopt(std::shared_ptr<Connection> connection) {
   const std::function<bool()> is_current = Current();
   connection_ = std::move(connection);
-  model_->table->ForgetBytes();
+  model_->table->ForgetReadings();
   if (model_->connect_type == kNetworkLink) {
     refresh_ = std::make_unique<PageRefresh>(connection_->sender(), state_, ReportOfNow(),
                                              PageRefresh::View{model_, page_in_view_},

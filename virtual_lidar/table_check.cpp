@@ -55,7 +55,7 @@ std::vector<std::string> CheckModelColumn(const std::string& path,
   for (const CsvFault& fault : table.faults()) {
     faults->push_back(Line({path, ", line ", std::to_string(fault.line), ": ", fault.reason}));
   }
-  const size_t column = table.Column("Model");
+  const size_t column = table.header().Column("Model");
   for (size_t row = 0; row < table.row_count(); ++row) {
     const std::string model(table.Cell(row, column));
     named.push_back(model);

@@ -16,7 +16,7 @@ class Row {
       : table_(table), row_(row), path_(path) {}
 
   std::string_view Cell(const char* column) const {
-    return table_.Cell(row_, table_.Column(column));
+    return table_.Cell(row_, table_.header().Column(column));
   }
 
   uint32_t Command(const char* column) const {
@@ -87,8 +87,8 @@ AuthConfig ReadEnabledRow(const Row& row) {
 
 AuthConfig LoadAuthConfig(const std::string& table, const std::string& model) {
   const CsvTable csv(table);
-  const std::size_t model_column = csv.Column("Model");
-  const std::size_t enable_column = csv.Column("Enable");
+  const std::size_t model_column = csv.header().Column("Model");
+  const std::size_t enable_column = csv.header().Column("Enable");
   for (std::size_t i = 0; i < csv.row_count(); ++i) {
     // Meant: these two cells count as they stand, blanks included.
     if (csv.Cell(i, model_column) == model) {

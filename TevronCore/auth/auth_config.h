@@ -37,6 +37,6 @@ class AuthConfigError : public std::invalid_argument {
 /// enabled ("Enable" is anything but "1") nothing else is read. Throws AuthConfigError with the
 /// text "empty auth cmd" for a command cell without digits, "empty hex byte" for an item of
 /// "ProtectedCmds" without digits, and a plain reason for a cell that is no number and for a broken
-/// row that might have been the model's; the exceptions of CsvTable for a missing file or column.
+/// row that might have been the model's; the exceptions of CsvReader for a missing file or column.
 /// Any thread.
 AuthConfig LoadAuthConfig(const std::string& table, const std::string& model);

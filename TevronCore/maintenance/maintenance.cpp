@@ -246,7 +246,7 @@ int32_t Maintenance::Send(const TableCommandTexts& texts, const ConfigParser& ta
 
   int32_t reason = 0;
   try {
-    const WireCommand command = WireCommandOf(var->set_cmd, var->set_payload);
+    const WireCommand command = WireCommandOf(var->set_cmd, var->write->fixed_payload);
     std::vector<uint8_t> reply;
     if (link_.sender->QueryCommand(command.payload, reply, command.code, false, &reason) == 0) {
       if (!silent) {

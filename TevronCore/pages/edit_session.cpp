@@ -19,11 +19,11 @@ void EditSession::SetText(int kind, const VarInfo& var, const std::string& text,
     case kOptionInput: {
       bool is_number = false;
       const uint option = QString::fromStdString(text).toUInt(&is_number);
-      if (!is_number || option >= var.option_values.size()) {
+      if (!is_number || option >= var.options.size()) {
         report.Error(var.var_name + ": there is no option number \"" + text + "\".");
         return;
       }
-      SetValue(var, var.option_values[option]);
+      SetValue(var, std::to_string(var.options[option].value));
       return;
     }
     default:

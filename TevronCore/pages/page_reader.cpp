@@ -16,8 +16,6 @@ using kavel::lidar::kError;
 constexpr char kGroupRead[] = "TevronManager::GetInfoFromLidarWithSameCmd";
 constexpr int kMaxUnansweredInARow = 2;
 
-std::string ReadKey(const VarInfo& var) { return var.get_cmd + var.read_payload_text; }
-
 /// A refusal by the authentication gate says nothing about the next, perhaps unprotected, command.
 bool IsSilence(int32_t error) { return error < 0 && error != kavel::lidar::kAuthRefused; }
 
@@ -29,7 +27,7 @@ std::map<std::string, ReadGroup> GroupByReadCommand(const std::vector<const VarI
     if (var->get_cmd.empty()) {
       continue;
     }
-    ReadGroup& group = groups[ReadKey(*var)];
+    ReadGroup& group = groups[var->read->name];
     if (std::find(group.begin(), group.end(), var) == group.end()) {
       group.push_back(var);
     }
@@ -66,13 +64,13 @@ ReadOutcome PageReader::GetInfoFromLidarWithSameCmd(const ReadGroup& group) {
   }
   const VarInfo& first = *group.front();
   if (std::any_of(group.begin(), group.end(),
-                  [&first](const VarInfo* var) { return var->get_cmd != first.get_cmd; })) {
+                  [&first](const VarInfo* var) { return var->read != first.read; })) {
     qDebug().noquote() << kGroupRead
                        << "(): ERROR with the input v_p_vars -- They must use the same get cmd.";
     return ReadOutcome::kNotSent;
   }
 
-  const WireCommand read = WireCommandOf(first.get_cmd, first.read_payload);
+  const WireCommand read = WireCommandOf(first.get_cmd, first.read->fixed_payload);
   const QString command = QString::fromStdString(first.get_cmd);
   std::vector<uint8_t> reply;
   int32_t error = 0;
@@ -120,14 +118,13 @@ bool PageReader::UpdateSingleVarFromOutput(const VarInfo& var, uint8_t cmd,
     KAVEL_LOG(kError, "TevronManager::updateSingleVarFromOutput(): Error with the input var_info");
     return false;
   }
-  int32_t position = 0;
-  int32_t length = 0;
-  if (!table_.GetVarPosOffset(var.get_cmd, var.var_id, var.offset, position, length)) {
+  const auto position = table_.PositionOf(var.get_cmd, var, var.offset);
+  if (!position) {
     KAVEL_LOG(kError, "get <start_pos, offset> failed!");
     return false;
   }
   kavel::lidar::Cmx_1_0_parser codec;
-  if (!codec.CmxStreamDecode(cmd, 0, output, position, length, slice)) {
+  if (!codec.CmxStreamDecode(cmd, 0, output, position->start, position->length, slice)) {
     KAVEL_LOG(kError, "get var pos offset failed!");
     return false;
   }

@@ -30,6 +30,9 @@ std::vector<uint8_t> Convert(const VarInfo& var, const std::string& text) {
 
 void PayloadBuilder::Gather(const std::string& set_cmd) {
   for (const VarInfo* var : table_.WrittenBy(set_cmd)) {
+    if (!var->write->obstacle.empty()) {
+      throw std::runtime_error(var->write->obstacle);
+    }
     const bool set_only = var->get_cmd.empty();
     const bool is_raw = var->value_type->kind == ValueKind::kRaw;
     const ConfigParser::Value value = table_.ValueOf(*var);
@@ -52,8 +55,9 @@ void PayloadBuilder::Gather(const std::string& set_cmd) {
 SetCommand PayloadBuilder::Build(const std::string& set_cmd) const {
   const std::vector<const VarInfo*> vars = table_.WrittenBy(set_cmd);
   const bool is_long = set_cmd.size() >= kLongCommandTextLength;
-  WireCommand wire = is_long && !vars.empty() ? WireCommandOf(set_cmd, vars.front()->set_payload)
-                                              : WireCommandOf(set_cmd);
+  WireCommand wire = is_long && !vars.empty()
+                         ? WireCommandOf(set_cmd, vars.front()->write->fixed_payload)
+                         : WireCommandOf(set_cmd);
   SetCommand command{wire.code, std::move(wire.payload), ChangedNames(set_cmd)};
   for (const VarInfo* var : vars) {
     Append(BytesOf(*var), &command.payload);

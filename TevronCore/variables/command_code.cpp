@@ -42,6 +42,16 @@ WireCommand WireCommandOf(const std::string& text, const std::vector<uint8_t>& f
   return {kLongCommandCode, std::move(*payload)};
 }
 
+std::string CommandKey(const std::string& text) {
+  try {
+    const WireCommand command = WireCommandOf(text);
+    std::string key(1, static_cast<char>(command.code));
+    return key.append(command.payload.begin(), command.payload.end());
+  } catch (const std::logic_error&) {
+    return "no command: " + text;
+  }
+}
+
 bool IsCommand(const std::string& text, uint8_t code) {
   try {
     return text.size() < kLongCommandTextLength && WireCommandOf(text).code == code;

@@ -25,6 +25,10 @@ constexpr size_t kLongCommandTextLength = 5;
 /// integer.
 WireCommand WireCommandOf(const std::string& text, const std::vector<uint8_t>& fixed_payload = {});
 
+/// The same key for all texts that travel as one command, as "0x22" and "34" do. A text that is no
+/// command has a key of its own.
+std::string CommandKey(const std::string& text);
+
 /// Whether `text` is a short command with this code, however the code is written: "0x22", "0X22"
 /// and "34" are one command. False for a text that is no command.
 bool IsCommand(const std::string& text, uint8_t code);

@@ -3,7 +3,7 @@
 #include <iostream>
 #include <utility>
 
-#include "variables/table_loader.h"
+#include "variables/command_code.h"
 
 namespace {
 
@@ -13,81 +13,112 @@ void Report(const std::string& text) {
 
 }  // namespace
 
-void ConfigParser::ExtractConfigInfo(const std::string& path) {
-  Clear();
-  path_ = path;
-  try {
-    TableLoader(this).Load();
-  } catch (...) {
-    Clear();
-    throw;
+const char* TextOf(ValueState state) {
+  switch (state) {
+    case ValueState::kNotRead:
+      return "unread";
+    case ValueState::kRead:
+      return "read";
+    case ValueState::kEdited:
+      return "edited";
+    case ValueState::kWritten:
+      return "written";
+    case ValueState::kDiffers:
+      return "differs";
   }
+  return "";
 }
 
-void ConfigParser::Clear() {
-  const std::lock_guard lock(values_mutex_);
-  in_table_order_.clear();
-  by_id_.clear();
-  by_name_.clear();
-  commands_.clear();
-  directives_.clear();
-  faults_.clear();
-  records_.clear();
-  storage_.clear();
+ConfigParser::ConfigParser(LoadedTable table) : table_(std::move(table)) { StartAnew(); }
+
+void ConfigParser::ExtractConfigInfo(const std::string& path) {
+  table_ = LoadedTable();
+  table_.path = path;
+  StartAnew();
+  table_ = LoadTable(path);
+  StartAnew();
+}
+
+void ConfigParser::StartAnew() {
+  live_.clear();
+  live_.resize(table_.rows.size());
+}
+
+std::optional<ConfigParser::Position> ConfigParser::PositionOf(const std::string& cmd,
+                                                               const VarInfo& var,
+                                                               int32_t wanted_length) const {
+  const std::string key = CommandKey(cmd);
+  const bool is_set = table_.writes.count(key) != 0;
+  if (!is_set && table_.reads.count(key) == 0) {
+    return std::nullopt;
+  }
+  if (var.var_name == kSharedSecretKey) {
+    return Position{0, wanted_length};
+  }
+  return Position{is_set ? var.set_start_pos : var.get_start_pos, var.offset};
 }
 
 bool ConfigParser::GetVarPosOffset(const std::string& cmd, const std::string& var_id,
                                    int32_t length, int32_t& pos, int32_t& len) {
-  const auto found = by_id_.find(var_id);
-  if (found == by_id_.end()) {
+  const VarInfo* var = Find(var_id);
+  if (var == nullptr) {
     Report("(): ERROR. This var_id does not exist. Detail: var_id = " + var_id +
-           ", file_path = " + path_);
+           ", file_path = " + path());
     return false;
   }
-  VarInfo& var = found->second->info;
-  if (var.get_cmd.empty() && var.set_cmd.empty()) {
-    Report("(): this var not supported. var_name = " + var.var_name);
+  if (var->get_cmd.empty() && var->set_cmd.empty()) {
+    Report("(): this var not supported. var_name = " + var->var_name);
     return false;
   }
-  const auto usage = commands_.find(cmd);
-  if (usage == commands_.end()) {
+  const std::optional<Position> position = PositionOf(cmd, *var, length);
+  if (!position) {
     Report("(): don't have this command");
     return false;
   }
-  if (var.var_name == kSharedSecretKey) {  // as long as the authentication algorithm wants it
-    var.set_start_pos = 0;
-    var.offset = length;
-    pos = 0;
-    len = length;
-    return true;
+  pos = position->start;
+  len = position->length;
+  if (var->var_name == kSharedSecretKey) {  // as long as the authentication algorithm wants it
+    Own(*var).set_start_pos = pos;
+    Own(*var).offset = len;
   }
-  pos = usage->second.is_set ? var.set_start_pos : var.get_start_pos;
-  len = var.offset;
   return true;
 }
 
 const VarInfo* ConfigParser::Find(const std::string& var_id) const {
-  const auto found = by_id_.find(var_id);
-  return found == by_id_.end() ? nullptr : &found->second->info;
+  const uint32_t position = table_.by_id.Find(table_.rows, var_id);
+  return position == VarIndex::kNone ? nullptr : &table_.rows[position];
 }
 
 const VarInfo* ConfigParser::FindByName(const std::string& var_name) const {
-  const auto found = by_name_.find(var_name);
-  return found == by_name_.end() ? nullptr : &found->second->info;
+  const uint32_t position = table_.by_name.Find(table_.rows, var_name);
+  return position == VarIndex::kNone ? nullptr : &table_.rows[position];
 }
 
-std::vector<const VarInfo*> ConfigParser::WrittenBy(const std::string& set_cmd) const {
-  const auto usage = commands_.find(set_cmd);
-  return usage == commands_.end() ? std::vector<const VarInfo*>() : usage->second.written;
+const std::vector<const VarInfo*>& ConfigParser::WrittenBy(const std::string& set_cmd) const {
+  static const std::vector<const VarInfo*> kNothing;
+  const auto found = table_.writes.find(CommandKey(set_cmd));
+  return found == table_.writes.end() ? kNothing : found->second->fields;
 }
 
-ConfigParser::Value ConfigParser::CopyValue(const Record& record) {
-  return {record.info.current_val, record.bytes, record.has_bytes, record.edited};
+ConfigParser::Value ConfigParser::CopyValue(const VarInfo& var) const {
+  Value value;
+  value.text = var.current_val;
+  if (const Live* live = live_[var.table_position].get(); live != nullptr) {
+    value.bytes = live->bytes;
+    value.has_bytes = live->has_bytes;
+    value.edited = live->edited;
+    value.state = live->edited ? ValueState::kEdited : live->state;
+    value.read_at = live->read_at;
+    if (live->state == ValueState::kDiffers) {
+      value.wanted = live->written_text;
+    }
+  }
+  return value;
 }
 
 ConfigParser::Value ConfigParser::ValueOf(const VarInfo& var) const {
   const std::lock_guard lock(values_mutex_);
-  return CopyValue(RecordOf(var));
+  return CopyValue(var);
 }
 
 std::vector<ConfigParser::Value> ConfigParser::ValuesOf(
@@ -96,70 +127,113 @@ std::vector<ConfigParser::Value> ConfigParser::ValuesOf(
   values.reserve(vars.size());
   const std::lock_guard lock(values_mutex_);
   for (const VarInfo* var : vars) {
-    values.push_back(CopyValue(RecordOf(*var)));
+    values.push_back(CopyValue(*var));
   }
   return values;
 }
 
-void ConfigParser::Show(Record& record, std::string text) {
-  if (record.info.type == kSwitch) {
-    record.info.switch_index = SwitchIndexOf(text);
-    if (record.info.switch_index != "0") {
-      record.last_on = text;
-    }
+ConfigParser::Live& ConfigParser::LiveOf(const VarInfo& var) {
+  std::unique_ptr<Live>& live = live_[var.table_position];
+  if (live == nullptr) {
+    live = std::make_unique<Live>();
+    live->reading = var.default_val;
   }
-  record.info.current_val = std::move(text);
+  return *live;
+}
+
+void ConfigParser::Show(const VarInfo& var, Live* live, std::string text) {
+  if (var.type == kSwitch && SwitchIndexOf(text) != "0") {
+    live->last_on = text;
+  }
+  Own(var).current_val = std::move(text);
+}
+
+void ConfigParser::Compare(Live* live, std::vector<uint8_t> bytes) {
+  const bool differs = !live->written.empty() && live->written != bytes;
+  live->state = differs ? ValueState::kDiffers : ValueState::kRead;
+  if (!differs) {
+    live->written.clear();
+  }
+  live->bytes = std::move(bytes);
+  live->has_bytes = true;
+  live->read_at = std::chrono::system_clock::now();
+}
+
+void ConfigParser::ForgetReadings() {
+  const std::lock_guard lock(values_mutex_);
+  for (const VarInfo* var : table_.variables) {
+    Live* live = live_[var->table_position].get();
+    if (live == nullptr) {
+      continue;
+    }
+    Live fresh;
+    fresh.reading = var->default_val;
+    fresh.edited = live->edited;
+    if (!fresh.edited) {
+      Show(*var, &fresh, fresh.reading);
+    }
+    *live = std::move(fresh);
+  }
 }
 
 void ConfigParser::StoreReading(const VarInfo& var, std::string text, std::vector<uint8_t> bytes) {
   const std::lock_guard lock(values_mutex_);
-  Record& record = RecordOf(var);
-  record.bytes = std::move(bytes);
-  record.has_bytes = true;
-  record.reading = text;
-  if (!record.edited) {
-    Show(record, std::move(text));
+  Live& live = LiveOf(var);
+  Compare(&live, std::move(bytes));
+  live.reading = text;
+  if (!live.edited) {
+    Show(var, &live, std::move(text));
   }
 }
 
 void ConfigParser::StoreBytes(const VarInfo& var, std::vector<uint8_t> bytes) {
   const std::lock_guard lock(values_mutex_);
-  Record& record = RecordOf(var);
-  record.bytes = std::move(bytes);
-  record.has_bytes = true;
+  Compare(&LiveOf(var), std::move(bytes));
 }
 
-void ConfigParser::ForgetBytes() {
+void ConfigParser::StoreWritten(const VarInfo& var, const std::string& text,
+                                std::vector<uint8_t> bytes) {
   const std::lock_guard lock(values_mutex_);
-  for (Record* record : records_) {
-    record->bytes.clear();
-    record->has_bytes = false;
+  Live& live = LiveOf(var);
+  live.state = ValueState::kWritten;
+  live.reading = text;
+  live.written_text = text;
+  live.written = bytes;
+  live.bytes = std::move(bytes);
+  live.has_bytes = true;
+  if (live.edited && var.current_val == text) {
+    live.edited = false;
+  }
+  if (!live.edited) {
+    Show(var, &live, text);
   }
 }
 
 void ConfigParser::Edit(const VarInfo& var, std::string text) {
   const std::lock_guard lock(values_mutex_);
-  Record& record = RecordOf(var);
-  record.edited = true;
-  Show(record, std::move(text));
+  Live& live = LiveOf(var);
+  live.edited = true;
+  Show(var, &live, std::move(text));
 }
 
 void ConfigParser::DropEdits(const std::vector<const VarInfo*>& vars) {
   const std::lock_guard lock(values_mutex_);
   for (const VarInfo* var : vars) {
-    Record& record = RecordOf(*var);
-    if (record.edited) {
-      record.edited = false;
-      Show(record, record.reading);
+    Live* live = live_[var->table_position].get();
+    if (live != nullptr && live->edited) {
+      live->edited = false;
+      Show(*var, live, live->reading);
     }
   }
 }
 
 std::string ConfigParser::SwitchOnText(const VarInfo& var) const {
   const std::lock_guard lock(values_mutex_);
-  const Record& record = RecordOf(var);
-  if (!record.last_on.empty()) {
-    return record.last_on;
+  const Live* live = live_[var.table_position].get();
+  const std::string& last =
+      live != nullptr && !live->last_on.empty() ? live->last_on : var.default_val;
+  if (!last.empty() && SwitchIndexOf(last) != "0") {
+    return last;
   }
-  return record.info.range_min != 0 ? std::to_string(record.info.range_min) : "1";
+  return var.range_min != 0 ? std::to_string(var.range_min) : "1";
 }

@@ -1,59 +1,72 @@
 #pragma once
 
-#include <cstddef>
+#include <chrono>
 #include <cstdint>
-#include <deque>
+#include <memory>
 #include <mutex>
+#include <optional>
 #include <string>
-#include <string_view>
-#include <unordered_map>
 #include <vector>
 
+#include "variables/field_group.h"
+#include "variables/table_loader.h"
 #include "variables/var_info.h"
 
-/// Something wrong in a table. `text` is complete: file, line and reason.
-struct TableFault {
-  size_t line = 0;  ///< 1-based line of the file; 0 when the fault is the whole file's.
-  std::string text;
+/// What the text of a value is worth.
+enum class ValueState {
+  kNotRead,  ///< this connection's lidar has not told it
+  kRead,     ///< the lidar's
+  kEdited,   ///< the user's, not saved
+  kWritten,  ///< accepted by the lidar and not read back since
+  kDiffers,  ///< read back, and not what was written
 };
 
-/// The variables of one model: loads "./Config/varID/<model>.csv" and keeps every variable's value.
+/// "unread", "read", "edited", "written" or "differs".
+const char* TextOf(ValueState state);
+
+/// The variables of one model, with the value of each.
 ///
-/// The shape (which variables exist, their order, commands, positions) is fixed by
-/// ExtractConfigInfo and may then be read on any thread, Find and GetVarPosOffset excepted, which
-/// are for one thread. The values are guarded by one lock inside and may be used on any thread.
-/// Pointers and references to VarInfo live until the next ExtractConfigInfo or the end of the
-/// parser: share the parser by std::shared_ptr and load another model into another parser.
+/// The shape (which variables exist, their order, commands, places) is what LoadTable gave and may
+/// be read on any thread. The values are guarded by one lock inside and may be used on any thread.
+/// Pointers and references to VarInfo live as long as the parser, or until the next
+/// ExtractConfigInfo: share the parser by std::shared_ptr and load another model into another one.
 class ConfigParser {
  public:
-  /// Longest value that a row may describe, in bytes: more than any payload of a lidar carries.
-  static constexpr int32_t kMaxValueLength = 10240;
-
-  /// Rows that a table may have; a record takes about 1 KB.
-  static constexpr size_t kMaxRows = 200000;
-
   /// A consistent copy of one variable's value.
   struct Value {
     std::string text;            ///< What the user sees: the edit if there is one.
-    std::vector<uint8_t> bytes;  ///< What the device last answered.
-    bool has_bytes = false;      ///< Whether bytes ever came.
+    std::vector<uint8_t> bytes;  ///< What the lidar last told or accepted.
+    bool has_bytes = false;      ///< Whether it did since the connection began.
     bool edited = false;         ///< The text is the user's and has not been saved.
+    ValueState state = ValueState::kNotRead;
+    std::optional<std::chrono::system_clock::time_point> read_at;  ///< Of the last reading.
+    std::string wanted;  ///< In the state kDiffers: the text that was written.
+  };
+
+  /// A place in a payload, in bytes.
+  struct Position {
+    int32_t start = 0;
+    int32_t length = 0;
   };
 
   ConfigParser() = default;
+  explicit ConfigParser(LoadedTable table);
   ConfigParser(const ConfigParser&) = delete;
   ConfigParser& operator=(const ConfigParser&) = delete;
 
-  /// Replaces everything held by the contents of the table. Faulty rows are reported on standard
-  /// output and in Faults(); the rest loads. A file that cannot be read gives an empty table and a
-  /// fault. Throws std::runtime_error "Can't find a column named " and the name when a mandatory
-  /// column is missing; the table is empty then too.
+  /// Replaces everything held by the contents of the table; see LoadTable. When that throws, the
+  /// parser is empty. For one thread.
   void ExtractConfigInfo(const std::string& path);
 
-  /// Where the variable's bytes lie in the payload of `cmd` (command text as in the table): among
-  /// the written fields if some row writes with `cmd`, else in its reply. Returns false with one
-  /// line on standard output when the variable is unknown, has no command, or no row uses `cmd`.
-  /// "Shared Secret Key" has the position 0 and the `length` passed, which it then keeps.
+  /// Where the variable's bytes lie in the payload of `cmd` (a command text): among the written
+  /// fields if some row writes with `cmd`, else in its reply. Nothing when no row uses `cmd`.
+  /// "Shared Secret Key" lies at 0 and is `wanted_length` long: its length depends on who asks.
+  std::optional<Position> PositionOf(const std::string& cmd, const VarInfo& var,
+                                     int32_t wanted_length) const;
+
+  /// The same by id. False with one line on standard output when the variable is unknown, has no
+  /// command, or no row uses `cmd`. Of "Shared Secret Key" the record takes over the place, on
+  /// purpose; therefore for one thread.
   bool GetVarPosOffset(const std::string& cmd, const std::string& var_id, int32_t length,
                        int32_t& pos, int32_t& len);
 
@@ -61,19 +74,19 @@ class ConfigParser {
   const VarInfo* Find(const std::string& var_id) const;
   const VarInfo* FindByName(const std::string& var_name) const;
 
-  /// File that ExtractConfigInfo was last called with.
-  const std::string& path() const { return path_; }
+  /// File that the table was read from.
+  const std::string& path() const { return table_.path; }
 
-  const std::vector<const VarInfo*>& InTableOrder() const { return in_table_order_; }
+  const std::vector<const VarInfo*>& InTableOrder() const { return table_.variables; }
 
-  /// Variables whose "Set" is exactly this text, in table order: the fields of its payload.
-  std::vector<const VarInfo*> WrittenBy(const std::string& set_cmd) const;
+  /// Variables that this command writes, however its code is written: the fields of its payload.
+  const std::vector<const VarInfo*>& WrittenBy(const std::string& set_cmd) const;
 
   /// Rows with "GroupID" 0, in table order: their non-empty cells from the second column on.
-  const std::vector<std::vector<std::string>>& Directives() const { return directives_; }
+  const std::vector<std::vector<std::string>>& Directives() const { return table_.directives; }
 
-  /// Everything found wrong while loading.
-  const std::vector<TableFault>& Faults() const { return faults_; }
+  /// Everything found wrong while loading, in the order of the lines.
+  const std::vector<TableFault>& Faults() const { return table_.faults; }
 
   // Values. `var` is a variable of this parser.
 
@@ -82,16 +95,19 @@ class ConfigParser {
   /// The values of several variables as they are at one moment, in the order given.
   std::vector<Value> ValuesOf(const std::vector<const VarInfo*>& vars) const;
 
-  /// Takes over what the device answered. An edited variable keeps showing the edit; the answer is
-  /// remembered for DropEdits either way.
+  /// A connection begins: nothing has been read. Edits stay as they are; other texts go back to
+  /// the defaults.
+  void ForgetReadings();
+
+  /// Takes over what the lidar answered. An edited variable keeps showing the edit; the answer is
+  /// remembered for DropEdits either way. Tells whether the lidar kept what was last written.
   void StoreReading(const VarInfo& var, std::string text, std::vector<uint8_t> bytes);
 
   /// As StoreReading, for bytes that have no text form: the text stays.
   void StoreBytes(const VarInfo& var, std::vector<uint8_t> bytes);
 
-  /// No bytes count as the device's any more, because another device may have been connected. The
-  /// texts stay.
-  void ForgetBytes();
+  /// Takes over what the lidar accepted: the reading from now on. An edit of the same text ends.
+  void StoreWritten(const VarInfo& var, const std::string& text, std::vector<uint8_t> bytes);
 
   /// Shows the user's text until DropEdits.
   void Edit(const VarInfo& var, std::string text);
@@ -104,35 +120,27 @@ class ConfigParser {
   std::string SwitchOnText(const VarInfo& var) const;
 
  private:
-  friend class TableLoader;
-
-  struct Record {
-    VarInfo info;
+  /// What happened to a value since the table was loaded.
+  struct Live {
     std::vector<uint8_t> bytes;
-    std::string reading;  // text of the last reading, the default before the first
-    std::string last_on;  // last text that was not 0, of a switch
+    std::vector<uint8_t> written;  ///< what the next reading is compared with, unless empty
+    std::string written_text;
+    std::string reading;  ///< shown when there is no edit
+    std::string last_on;  ///< last text that was not 0, of a switch
+    std::optional<std::chrono::system_clock::time_point> read_at;
+    ValueState state = ValueState::kNotRead;  ///< without regard to the edit
     bool has_bytes = false;
     bool edited = false;
   };
-  struct CommandUsage {
-    bool is_set = false;
-    std::vector<const VarInfo*> written;
-  };
 
-  void Clear();
-  Record& RecordOf(const VarInfo& var) { return *records_[var.table_position]; }
-  const Record& RecordOf(const VarInfo& var) const { return *records_[var.table_position]; }
-  void Show(Record& record, std::string text);
-  static Value CopyValue(const Record& record);
+  void StartAnew();
+  VarInfo& Own(const VarInfo& var) { return table_.rows[var.table_position]; }
+  Live& LiveOf(const VarInfo& var);
+  void Show(const VarInfo& var, Live* live, std::string text);
+  static void Compare(Live* live, std::vector<uint8_t> bytes);
+  Value CopyValue(const VarInfo& var) const;
 
-  std::string path_;
-  std::deque<Record> storage_;    // stable addresses; holds replaced rows too
-  std::vector<Record*> records_;  // by VarInfo::table_position
-  std::vector<const VarInfo*> in_table_order_;
-  std::unordered_map<std::string_view, Record*> by_id_;
-  std::unordered_map<std::string_view, Record*> by_name_;
-  std::unordered_map<std::string, CommandUsage> commands_;
-  std::vector<std::vector<std::string>> directives_;
-  std::vector<TableFault> faults_;
+  LoadedTable table_;
+  std::vector<std::unique_ptr<Live>> live_;  ///< by VarInfo::table_position; null: nothing happened
   mutable std::mutex values_mutex_;
 };

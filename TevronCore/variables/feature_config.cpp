@@ -34,8 +34,8 @@ bool IsHostPortUiEnabled(const std::string& table, const std::string& model) {
   if (features == nullptr) {
     return false;
   }
-  const size_t model_column = features->Column("Model");
-  const size_t column = features->Column("EnableCmxClientHostPortUi");
+  const size_t model_column = features->header().Column("Model");
+  const size_t column = features->header().Column("EnableCmxClientHostPortUi");
   const auto row = RowOf(*features, model_column, model);
   return row && Trim(features->Cell(*row, column)) == "1";
 }
@@ -46,8 +46,8 @@ kavel::lidar::StaleInput StaleInputFor(const std::string& table, const std::stri
   if (features == nullptr) {
     return StaleInput::kAlways;
   }
-  const auto model_column = features->FindColumn("Model");
-  const auto column = features->FindColumn("StaleInputWait");
+  const auto model_column = features->header().FindColumn("Model");
+  const auto column = features->header().FindColumn("StaleInputWait");
   if (!model_column || !column) {
     return StaleInput::kAlways;
   }

@@ -2,6 +2,7 @@
 
 #include <cmath>
 
+#include "variables/field_group.h"
 #include "variables/number_text.h"
 
 namespace {
@@ -63,6 +64,9 @@ std::string Refusal(const VarInfo& var) {
   }
   if (var.set_cmd.empty()) {
     return "Cannot be changed: the table gives no usable command that writes it.";
+  }
+  if (var.write != nullptr && !var.write->obstacle.empty()) {
+    return "Cannot be changed: " + var.write->obstacle + '.';
   }
   return "Cannot be changed: there is no way to enter the type \"" + var.var_type + "\".";
 }

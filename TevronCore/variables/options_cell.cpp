@@ -2,6 +2,8 @@
 
 #include <limits>
 #include <optional>
+#include <unordered_set>
+#include <utility>
 #include <vector>
 
 #include "variables/number_text.h"
@@ -10,6 +12,8 @@ namespace {
 
 constexpr std::string_view kListPrefix = "list:";
 constexpr std::string_view kSwitchWord = "switch";
+
+using Parsed = std::variant<Control, std::string>;
 
 std::vector<std::string_view> Split(std::string_view text, char separator) {
   std::vector<std::string_view> parts;
@@ -45,7 +49,7 @@ std::string CheckPlainInteger(const VarInfo& var, const char* control) {
   return {};
 }
 
-std::string ReadRange(std::string_view text, VarInfo* var) {
+Parsed ParseRange(std::string_view text, const VarInfo& var) {
   const size_t dots = text.find("..");
   const auto low = WholeNumber(Trim(text.substr(0, dots)));
   const auto high = WholeNumber(Trim(text.substr(dots + 2)));
@@ -58,78 +62,75 @@ std::string ReadRange(std::string_view text, VarInfo* var) {
   if (*low == 0 && *high == 0) {
     return "Options " + Quoted(text) + " would not limit anything";
   }
-  if (!var->value_type->is_number()) {
-    return "a range needs a numeric VarType, not " + Quoted(var->var_type);
+  if (!var.value_type->is_number()) {
+    return "a range needs a numeric VarType, not " + Quoted(var.var_type);
   }
-  var->range_min = *low;
-  var->range_max = *high;
-  var->type = kText;
-  return {};
+  Control control;
+  control.type = kText;
+  control.range_min = *low;
+  control.range_max = *high;
+  return control;
 }
 
-// The labels of a switch are only for show: that they are two is checked when it is shown.
-void ReadSwitchLabels(std::string_view descriptions, VarInfo* var) {
-  if (descriptions.empty()) {
-    return;
-  }
-  const std::vector<std::string_view> labels = Split(descriptions, '|');
-  var->option_labels.assign(labels.begin(), labels.end());
-  var->options = {0, 1};
-  var->option_values = {"0", "1"};
-  var->option_num = 2;
-  for (size_t i = 0; i < labels.size() && i < var->option_values.size(); ++i) {
-    var->varname_value_to_option.emplace(var->option_values[i], labels[i]);
-  }
-}
-
-std::string ReadSwitch(std::string_view text, std::string_view descriptions, VarInfo* var) {
-  if (std::string reason = CheckPlainInteger(*var, "switch"); !reason.empty()) {
+Parsed ParseSwitch(std::string_view text, std::string_view labels, const VarInfo& var) {
+  if (std::string reason = CheckPlainInteger(var, "switch"); !reason.empty()) {
     return reason;
   }
+  Control control;
   text.remove_prefix(kSwitchWord.size());
   if (!text.empty()) {
     if (text.front() != ':' || text.find("..") == std::string_view::npos) {
       return "Options " + Quoted(text) + " after \"switch\" is no range";
     }
-    if (std::string reason = ReadRange(text.substr(1), var); !reason.empty()) {
-      return reason;
+    Parsed range = ParseRange(text.substr(1), var);
+    if (range.index() != 0) {
+      return range;
+    }
+    control = std::get<Control>(std::move(range));
+  }
+  control.type = kSwitch;
+  // Only for show: that they are two is checked when they are shown.
+  if (!labels.empty()) {
+    for (const std::string_view label : Split(labels, '|')) {
+      control.options.push_back({static_cast<int32_t>(control.options.size()), std::string(label)});
     }
   }
-  var->type = kSwitch;
-  ReadSwitchLabels(descriptions, var);
-  return {};
+  return control;
 }
 
-std::string ReadChoice(std::string_view text, std::string_view descriptions, RowKind kind,
-                       VarInfo* var) {
-  if (std::string reason = CheckPlainInteger(*var, "choice"); !reason.empty()) {
+Parsed ParseChoice(std::string_view text, std::string_view descriptions, RowKind kind,
+                   const VarInfo& var) {
+  if (std::string reason = CheckPlainInteger(var, "choice"); !reason.empty()) {
     return reason;
   }
   const std::vector<std::string_view> values = Split(text, '|');
   const std::vector<std::string_view> labels =
       descriptions.empty() ? values : Split(descriptions, '|');
+  if (values.size() > kMaxOptions) {
+    return "Options has " + std::to_string(values.size()) + " values, more than " +
+           std::to_string(kMaxOptions);
+  }
   if (labels.size() != values.size()) {
     return "Options has " + std::to_string(values.size()) + " values, OptionDescription " +
            std::to_string(labels.size()) + " labels";
   }
+  Control control;
+  control.type = kind;
+  std::unordered_set<int32_t> known;
   for (size_t i = 0; i < values.size(); ++i) {
     const auto value = WholeNumber(values[i]);
     if (!value) {
       return "Options: " + Quoted(values[i]) + " is no 32-bit whole number";
     }
-    if (!IsOfType(*value, *var->value_type)) {
-      return "Options: " + Quoted(values[i]) + " does not fit " + var->var_type;
+    if (!IsOfType(*value, *var.value_type)) {
+      return "Options: " + Quoted(values[i]) + " does not fit " + var.var_type;
     }
-    if (!var->varname_value_to_option.emplace(std::to_string(*value), labels[i]).second) {
+    if (!known.insert(*value).second) {
       return "Options: the value " + Quoted(values[i]) + " stands twice";
     }
-    var->options.push_back(*value);
-    var->option_values.push_back(std::to_string(*value));
-    var->option_labels.emplace_back(labels[i]);
+    control.options.push_back({*value, std::string(labels[i])});
   }
-  var->option_num = static_cast<int32_t>(values.size());
-  var->type = kind;
-  return {};
+  return control;
 }
 
 // Cuts "@GroupID-Index" off the end of the cell.
@@ -149,74 +150,62 @@ bool IsVariableId(std::string_view text) {
          WholeNumber(text.substr(dash + 1));
 }
 
-std::string ReadControl(std::string_view text, std::string_view descriptions, VarInfo* var) {
-  if (text.empty()) {
-    return {};
-  }
+Parsed ParseWords(std::string_view text, std::string_view labels, const VarInfo& var) {
   if (text.substr(0, kSwitchWord.size()) == kSwitchWord) {
-    return ReadSwitch(text, descriptions, var);
+    return ParseSwitch(text, labels, var);
   }
   if (text.substr(0, kListPrefix.size()) == kListPrefix) {
-    return ReadChoice(text.substr(kListPrefix.size()), descriptions, kTallChoice, var);
+    return ParseChoice(text.substr(kListPrefix.size()), labels, kTallChoice, var);
   }
   if (text.find("..") != std::string_view::npos) {
-    return ReadRange(text, var);
+    return ParseRange(text, var);
   }
   if (text.find('|') != std::string_view::npos) {
-    return ReadChoice(text, descriptions, kChoice, var);
+    return ParseChoice(text, labels, kChoice, var);
   }
+  Control control = PlainText(var);
   if (text == "file") {
-    var->type = kFile;
+    control.type = kFile;
   } else if (text == "monitor") {
-    var->type = kMonitor;
+    control.type = kMonitor;
   } else if (text == "hidden") {
-    var->hidden = true;
-    var->visible = 0;
-  } else {
+    control.hidden = true;
+  } else if (!text.empty()) {
     return "Options " + Quoted(text) + " is no range, choice, switch or known word";
   }
-  return {};
+  return control;
 }
 
-bool TakesSwitchReference(const VarInfo& var) {
-  return !var.hidden && (var.type == kReadOnlyText || var.type == kText || var.type == kChoice ||
-                         var.type == kSwitch);
-}
-
-void MakePlainText(VarInfo* var) {
-  var->type = var->permission == 0 ? kReadOnlyText : kText;
-  var->hidden = false;
-  var->visible = 1;
-  var->range_min = 0;
-  var->range_max = 0;
-  var->option_num = 0;
-  var->options.clear();
-  var->option_values.clear();
-  var->option_labels.clear();
-  var->varname_value_to_option.clear();
-  var->switch_var_id.clear();
+bool TakesSwitchReference(const Control& control) {
+  return !control.hidden && (control.type == kReadOnlyText || control.type == kText ||
+                             control.type == kChoice || control.type == kSwitch);
 }
 
 }  // namespace
 
-std::string ReadOptions(std::string_view options, std::string_view descriptions, VarInfo* var) {
-  var->type = var->permission == 0 ? kReadOnlyText : kText;
-  std::string_view control = Trim(options);
-  const bool refers = control.find('@') != std::string_view::npos;
-  const std::string_view reference = TakeSwitchReference(&control);
+Control PlainText(const VarInfo& var) {
+  Control control;
+  control.type = var.permission == 0 ? kReadOnlyText : kText;
+  return control;
+}
 
-  std::string reason = ReadControl(control, Trim(descriptions), var);
-  if (reason.empty() && refers) {
-    if (!IsVariableId(reference)) {
-      reason = "Options: \"@\" is not followed by a GroupID, \"-\" and an Index";
-    } else if (!TakesSwitchReference(*var)) {
-      reason = "Options " + Quoted(control) + " cannot depend on a switch";
-    } else {
-      var->switch_var_id = reference;
-    }
+std::variant<Control, std::string> ParseControl(std::string_view options, std::string_view labels,
+                                                const VarInfo& var) {
+  std::string_view words = Trim(options);
+  const bool refers = words.find('@') != std::string_view::npos;
+  const std::string_view reference = TakeSwitchReference(&words);
+
+  Parsed parsed = ParseWords(words, Trim(labels), var);
+  if (parsed.index() != 0 || !refers) {
+    return parsed;
   }
-  if (!reason.empty()) {
-    MakePlainText(var);
+  auto& control = std::get<Control>(parsed);
+  if (!IsVariableId(reference)) {
+    return "Options: \"@\" is not followed by a GroupID, \"-\" and an Index";
   }
-  return reason;
+  if (!TakesSwitchReference(control)) {
+    return "Options " + Quoted(words) + " cannot depend on a switch";
+  }
+  control.switch_var_id = reference;
+  return parsed;
 }

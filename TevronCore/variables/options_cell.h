@@ -2,13 +2,18 @@
 
 #include <string>
 #include <string_view>
+#include <variant>
 
 #include "variables/var_info.h"
 
-/// Reads the "Options" and "OptionDescription" cells into the option fields, the range, the
-/// controlling switch and the kind of control of `var`, whose other cells have been read already.
-/// Whether the controlling switch exists is for the caller to check.
-///
-/// Returns an empty text, or the reason why the cells do not fit; the variable is then a plain text
-/// field.
-std::string ReadOptions(std::string_view options, std::string_view descriptions, VarInfo* var);
+/// Options that one row may list.
+inline constexpr size_t kMaxOptions = 4096;
+
+/// What the "Options" and "OptionDescription" cells make of a variable whose type, coefficients and
+/// permission are known, or the reason why they do not fit. Whether the controlling switch exists
+/// is for the caller to check.
+std::variant<Control, std::string> ParseControl(std::string_view options, std::string_view labels,
+                                                const VarInfo& var);
+
+/// The control of a variable whose cells say nothing or do not fit.
+Control PlainText(const VarInfo& var);

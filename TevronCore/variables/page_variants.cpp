@@ -1,7 +1,9 @@
 #include "variables/page_variants.h"
 
+#include <QDateTime>
 #include <QString>
-#include <QStringList>
+#include <chrono>
+#include <optional>
 
 #include "variables/input_hint.h"
 
@@ -9,33 +11,33 @@ namespace {
 
 QString Text(const std::string& text) { return QString::fromStdString(text); }
 
-QVariantList Texts(const std::vector<std::string>& texts) {
-  QVariantList list;
-  list.reserve(static_cast<int>(texts.size()));
-  for (const std::string& text : texts) {
-    list.append(Text(text));
-  }
-  return list;
-}
-
-int OptionIndex(const VarInfo& var, const std::string& value) {
-  for (size_t i = 0; i < var.option_values.size(); ++i) {
-    if (var.option_values[i] == value) {
-      return static_cast<int>(i);
-    }
-  }
-  return -1;
-}
-
 void AddOptions(const VarInfo& var, QVariantMap* map) {
-  QVariantMap labels;
-  for (const auto& [option, label] : var.varname_value_to_option) {
-    labels.insert(Text(option), Text(label));
+  QVariantList values;
+  QVariantList labels;
+  QVariantMap label_of_value;
+  for (const Option& option : var.options) {
+    values.append(QString::number(option.value));
+    labels.append(Text(option.label));
+    label_of_value.insert(values.back().toString(), labels.back());
   }
-  map->insert("option_num", var.option_num);
-  map->insert("options", Texts(var.option_labels));
-  map->insert("option_values", Texts(var.option_values));
-  map->insert("varname_value_to_option", labels);
+  map->insert("option_num", static_cast<int>(var.options.size()));
+  map->insert("options", labels);
+  map->insert("option_values", values);
+  map->insert("varname_value_to_option", label_of_value);
+}
+
+// A switch is labelled with two texts or with none.
+bool HasOddLabels(const VarInfo& var) {
+  return var.type == kSwitch && !var.options.empty() && var.options.size() != 2;
+}
+
+QVariant LocalTime(const std::optional<std::chrono::system_clock::time_point>& time) {
+  if (!time) {
+    return {};
+  }
+  const auto since_epoch =
+      std::chrono::duration_cast<std::chrono::milliseconds>(time->time_since_epoch());
+  return QDateTime::fromMSecsSinceEpoch(since_epoch.count());
 }
 
 }  // namespace
@@ -43,8 +45,11 @@ void AddOptions(const VarInfo& var, QVariantMap* map) {
 void InsertValue(const VarInfo& var, const ConfigParser::Value& value, QVariantMap* map) {
   map->insert("current_val", Text(value.text));
   map->insert("switch_index", var.type == kSwitch ? Text(SwitchIndexOf(value.text)) : QString());
-  map->insert("option_index", OptionIndex(var, value.text));
+  map->insert("option_index", OptionIndexOf(var, value.text));
   map->insert("edited", value.edited);
+  map->insert("state", TextOf(value.state));
+  map->insert("read_at", LocalTime(value.read_at));
+  map->insert("wanted", Text(value.wanted));
 }
 
 QVariantMap VariableMap(const VarInfo& var, const ConfigParser::Value& value) {
@@ -60,12 +65,12 @@ QVariantMap VariableMap(const VarInfo& var, const ConfigParser::Value& value) {
   map.insert("offset", var.offset);
   map.insert("permission", var.permission);
   map.insert("default_val", Text(var.default_val));
-  map.insert("visible", var.visible);
+  map.insert("visible", var.hidden ? 0 : 1);
   map.insert("type", var.type);
   AddOptions(var, &map);
 
   map.insert("unit", Text(var.unit));
-  map.insert("unit_suffix", Text(var.unit_suffix));
+  map.insert("unit_suffix", Text(UnitSuffix(var)));
   map.insert("range_min", var.range_min);
   map.insert("range_max", var.range_max);
   map.insert("length_limit", var.length_limit);
@@ -99,8 +104,7 @@ QVariantList PagesAsVariants(const ConfigParser& parser, const PageModel& pages,
         QVariantMap map = VariableMap(*var, values[next++]);
         map.insert("page_description", Text(page.description));
         level3.append(map);
-        if (errors != nullptr && var->type == kSwitch &&
-            var->option_labels.size() != var->options.size()) {
+        if (errors != nullptr && HasOddLabels(*var)) {
           errors->push_back("config file error, Please check the configuration of type 2 of " +
                             var->var_name);
         }
@@ -126,7 +130,7 @@ QVariantList PageRows(const PageModel& pages) {
     QVariantList rows;
     for (const VarInfo* var : pages.VariablesOf(level1)) {
       const PagePosition position = pages.PositionOf(*var);
-      rows.append(QVariant(QVariantList{Text(var->var_name + var->unit_suffix), var->type,
+      rows.append(QVariant(QVariantList{Text(var->var_name + UnitSuffix(*var)), var->type,
                                         position.level1, position.level2, position.level3}));
     }
     list.append(QVariant(rows));

@@ -31,7 +31,8 @@ QVariantList PageRows(const PageModel& pages);
 /// beside "options"), "option_index" (number: the entry that matches current_val, -1 none), "unit",
 /// "unit_suffix", "range_min", "range_max", "length_limit" (numbers), "switch_var_id",
 /// "check_enable" (number), "edited", "editable", "timer_update" (booleans), "hint" (see
-/// InputHint), "group_id", "page", "page_description".
+/// InputHint), "group_id", "page", "page_description", "state" (see TextOf), "read_at" (local time
+/// of the last reading, invalid without one), "wanted" (in the state "differs": what was written).
 QVariantMap VariableMap(const VarInfo& var, const ConfigParser::Value& value);
 
 /// Those of the fields that depend on the value.

@@ -11,7 +11,10 @@ bool Fits(int index, size_t size) { return index >= 0 && static_cast<size_t>(ind
 
 }  // namespace
 
-PageModel::PageModel(const ConfigParser& parser) : positions_(parser.InTableOrder().size()) {
+PageModel::PageModel(const ConfigParser& parser) {
+  if (!parser.InTableOrder().empty()) {
+    positions_.resize(parser.InTableOrder().back()->table_position + 1);
+  }
   std::unordered_map<std::string_view, size_t> page_of_name;
   std::vector<std::unordered_map<std::string_view, size_t>> group_of_id;  // per page
   for (const VarInfo* var : parser.InTableOrder()) {

@@ -1,91 +1,44 @@
 #pragma once
 
-#include <array>
+#include <cstddef>
 #include <cstdint>
-#include <optional>
+#include <deque>
 #include <string>
-#include <string_view>
+#include <unordered_map>
 #include <unordered_set>
 #include <vector>
 
-#include "variables/config_parser.h"
-#include "variables/csv_table.h"
-#include "variables/payload_layout.h"
+#include "variables/field_group.h"
+#include "variables/var_index.h"
+#include "variables/var_info.h"
 
-/// One loading of a table into an empty ConfigParser: rows to records, then their order and places
-/// in the payloads. Lives only inside ConfigParser::ExtractConfigInfo.
-class TableLoader {
- public:
-  explicit TableLoader(ConfigParser* parser) : parser_(*parser) {}
-
-  /// Throws std::runtime_error for a missing column; what was loaded by then is the caller's to
-  /// drop.
-  void Load();
-
- private:
-  enum Column : size_t {
-    kGroupId,
-    kIndex,
-    kGet,
-    kSet,
-    kSetIndex,
-    kVarName,
-    kPermission,
-    kVarType,
-    kDefaultValue,
-    kOptions,
-    kUnit,
-    kCoefficient,
-    kOptionDescription,
-    kFunctionModule,
-    kVarLen,
-    kTimerUpdate,
-    kSetCoefficient,
-    kMandatoryColumns,
-    kGetCmdPayload = kMandatoryColumns,
-    kSetCmdPayload,
-    kColumns,
-  };
-
-  // Beside each record of the parser's storage, by the same index.
-  struct Row {
-    std::optional<int32_t> set_index;
-    bool replaced = false;
-  };
-
-  void FindColumns();
-  void LoadRow(size_t row);
-  void KeepDirective(size_t row);
-  bool ReadCells(VarInfo* var);
-  bool ReadLength(VarInfo* var);
-  void ReadCommands(VarInfo* var);
-  void CheckCommandText(std::string_view column, const std::string& text);
-  void CheckCells(const VarInfo& var);
-  int32_t ReadNumber(Column column, const char* name);
-  float ReadCoefficient(Column column, const char* name, float when_empty);
-  std::vector<uint8_t> ReadPayload(Column column, const char* name);
-  void KeepName(ConfigParser::Record* record);
-  void Insert(ConfigParser::Record* record);
-
-  void PlaceInTableOrder();
-  void Place(const Row& row, VarInfo* var);
-  void CheckSwitchReferences();
-
-  std::string_view Cell(Column column) const { return table_->Cell(row_, columns_[column]); }
-  std::string Text(Column column) const { return std::string(Cell(column)); }
-  void Fault(const std::string& reason) { FaultAt(line_, reason); }
-  void FaultAt(size_t line, const std::string& reason);
-
-  ConfigParser& parser_;
-  std::optional<CsvTable> table_;
-  std::array<size_t, kColumns> columns_{};
-  std::vector<Row> rows_;
-  std::unordered_set<std::string> read_commands_;
-  std::string last_get_;  // of the row before
-  std::string last_set_;
-  PayloadLayout layout_;
-  ConfigParser::CommandUsage* usage_ = nullptr;  // of the Set placed last
-  bool refers_to_switch_ = false;
-  size_t row_ = 0;   // the row being loaded
-  size_t line_ = 0;  // its line of the file
+/// Something wrong in a table. `text` is complete: file, line and reason.
+struct TableFault {
+  size_t line = 0;  ///< 1-based line of the file; 0 when the fault is the whole file's.
+  std::string text;
 };
+
+/// A table as it was read, finished. Its parts point at one another; moving it keeps them valid.
+struct LoadedTable {
+  std::string path;
+  std::vector<VarInfo> rows;  ///< In file order, those that are left out or replaced among them.
+  std::vector<const VarInfo*> variables;  ///< The others, in file order.
+  VarIndex by_id{&VarInfo::var_id, 0};    ///< Positions in rows.
+  VarIndex by_name{&VarInfo::var_name, 0};
+  std::deque<FieldGroup> groups;
+  std::unordered_map<std::string, FieldGroup*> writes;  ///< By CommandKey of the command.
+  std::unordered_set<std::string> reads;                ///< CommandKeys of the commands that read.
+  std::vector<std::vector<std::string>> directives;     ///< See ConfigParser::Directives.
+  std::vector<TableFault> faults;
+};
+
+/// Longest value that a row may describe, in bytes: more than any payload of a lidar carries.
+inline constexpr int32_t kMaxValueLength = 10240;
+
+/// Rows that a table may have; each takes about half a kilobyte.
+inline constexpr size_t kMaxTableRows = 200000;
+
+/// Reads a table. What is wrong is said on standard output and in `faults`; the rest loads. A file
+/// that cannot be read gives an empty table and a fault. Throws std::runtime_error
+/// "Can't find a column named " and the name when a mandatory column is missing.
+LoadedTable LoadTable(const std::string& path);

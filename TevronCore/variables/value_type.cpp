@@ -23,12 +23,10 @@ constexpr std::array<ValueType, 15> kTypes = {{
     {"DT", ValueKind::kDuration, 0, false, false},
 }};
 
-constexpr ValueType kUnknown;
-
 }  // namespace
 
 const ValueType& ValueTypeOf(std::string_view name) {
   const auto* found = std::find_if(kTypes.begin(), kTypes.end(),
                                    [name](const ValueType& type) { return type.name == name; });
-  return found == kTypes.end() ? kUnknown : *found;
+  return found == kTypes.end() ? kUnknownType : *found;
 }

@@ -27,5 +27,8 @@ struct ValueType {
   bool is_number() const { return kind == ValueKind::kInteger || kind == ValueKind::kReal; }
 };
 
-/// The type with exactly this name; one of kind kUnknown for any other name.
+/// What a name that is no type means.
+inline constexpr ValueType kUnknownType;
+
+/// The type with exactly this name, else kUnknownType.
 const ValueType& ValueTypeOf(std::string_view name);

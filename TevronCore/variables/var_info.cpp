@@ -1,12 +1,29 @@
 #include "variables/var_info.h"
 
+#include "variables/field_group.h"
+
 void SetValueType(std::string_view name, VarInfo* var) {
   var->var_type = name;
   var->value_type = &ValueTypeOf(name);
 }
 
 bool CanBeChanged(const VarInfo& var) {
-  return var.permission != 0 && !var.set_cmd.empty() && var.value_type->has_input;
+  const bool is_written =
+      !var.set_cmd.empty() && (var.write == nullptr || var.write->obstacle.empty());
+  return var.permission != 0 && is_written && var.value_type->has_input;
+}
+
+std::string UnitSuffix(const VarInfo& var) {
+  return var.unit.empty() ? std::string() : " (" + var.unit + ')';
+}
+
+int OptionIndexOf(const Control& control, const std::string& value) {
+  for (size_t i = 0; i < control.options.size(); ++i) {
+    if (std::to_string(control.options[i].value) == value) {
+      return static_cast<int>(i);
+    }
+  }
+  return -1;
 }
 
 std::string SwitchIndexOf(const std::string& text) { return text == "0" ? "0" : "1"; }

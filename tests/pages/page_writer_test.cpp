@@ -151,7 +151,7 @@ TEST_F(PageWriterTest, SaysWhatIsWrongWithAVariable) {
     edits_.Clear();
   }
   // Bytes of the lidar that was connected before are nothing to write to this one.
-  fixture_.table.ForgetBytes();
+  fixture_.table.ForgetReadings();
   Set("Speed", "1");
   EXPECT_FALSE(Run());
   EXPECT_EQ("error: Set Failed: " + no_value + "Offset", report_.Take().at(1));

@@ -18,14 +18,14 @@ TEST_F(ConfigParserTest, FillsARecordFromEveryColumn) {
   const VarInfo* var = &Var("Start");
   EXPECT_EQ(var->var_id, "4-11");
   EXPECT_EQ(var->get_cmd + var->set_cmd, "0x110x12");
-  EXPECT_EQ(var->unit_suffix, " (deg)");
+  EXPECT_EQ(UnitSuffix(*var), " (deg)");
   EXPECT_EQ(var->coefficient, 0.5F);
   EXPECT_EQ(var->set_coefficient, 0.25F);
   EXPECT_EQ(var->current_val, "2.50");
   EXPECT_EQ(var->function_module, "Scan");
   EXPECT_TRUE(var->timer_update);
-  EXPECT_EQ(var->read_payload, (Bytes{0x0A, 0xFF}));
-  EXPECT_EQ(var->set_payload, Bytes{0x01});
+  EXPECT_EQ(var->read->fixed_payload, (Bytes{0x0A, 0xFF}));
+  EXPECT_EQ(var->write->fixed_payload, Bytes{0x01});
 
   EXPECT_EQ(Var("Empty").offset, 8);
   EXPECT_EQ(Var("Scaled").set_coefficient, 0.5F);

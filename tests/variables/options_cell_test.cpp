@@ -14,19 +14,23 @@ VarInfo Variable(const std::string& type, int32_t permission = 1) {
   return var;
 }
 
-// What the cells made of the variable: the kind of control, its range, what it depends on and its
-// entries.
-std::string Control(const VarInfo& var) {
-  std::string text = std::to_string(var.type) + ' ' + std::to_string(var.range_min) + ".." +
-                     std::to_string(var.range_max) + '@' + var.switch_var_id;
-  for (const int32_t option : var.options) {
-    const std::string value = std::to_string(option);
-    text += ' ' + value + '=' + var.varname_value_to_option.at(value);
+// What the cells make of the variable: the kind of control, its range, what it depends on and its
+// entries. Or the reason why they do not fit.
+std::string Parsed(const std::string& options, const std::string& labels, const VarInfo& var) {
+  const auto parsed = ParseControl(options, labels, var);
+  if (const auto* reason = std::get_if<std::string>(&parsed)) {
+    return *reason;
   }
-  return text;
+  const Control& control = std::get<Control>(parsed);
+  std::string text = std::to_string(control.type) + ' ' + std::to_string(control.range_min) + ".." +
+                     std::to_string(control.range_max) + '@' + control.switch_var_id;
+  for (const Option& option : control.options) {
+    text += ' ' + std::to_string(option.value) + '=' + option.label;
+  }
+  return text + (control.hidden ? " hidden" : "");
 }
 
-TEST(OptionsCell, MakesControlsOfTheGrammar) {
+TEST(OptionsCell, MakesControlsOfTheGrammarOrSaysWhatDoesNotFit) {
   const std::string cases[][4] = {
       {"uint8", "", "", "1 0..0@"},
       {"int8", "-40..85", "", "1 -40..85@"},
@@ -37,48 +41,31 @@ TEST(OptionsCell, MakesControlsOfTheGrammar) {
       {"uint8", "1|2 @ 7-1", "", "3 0..0@7-1 1=1 2=2"},
       {"raw", "file", "", "4 0..0@"},
       {"raw", "monitor", "", "7 0..0@"},
-  };
-  for (const auto& [type, options, labels, control] : cases) {
-    VarInfo var = Variable(type);
-    EXPECT_EQ(ReadOptions(options, labels, &var), "") << options;
-    EXPECT_EQ(Control(var), control) << options;
-    EXPECT_EQ(var.option_num, static_cast<int32_t>(var.options.size())) << options;
-  }
-  VarInfo var = Variable("uint8", 0);
-  EXPECT_EQ(ReadOptions("hidden", "", &var), "");
-  EXPECT_EQ(var.type, kReadOnlyText);
-  EXPECT_TRUE(var.hidden);
-  EXPECT_EQ(var.visible, 0);
-}
-
-TEST(OptionsCell, WhatDoesNotFitLeavesAPlainTextField) {
-  const std::string cases[][4] = {
-      {"uint8", "yes", "", "is no range, choice, switch or known word"},
-      {"uint8", "1..5000000000", "", "is no range of 32-bit whole numbers"},
-      {"uint8", "9..1", "", "the range ends before it begins"},
-      {"uint8", "0..0", "", "would not limit anything"},
-      {"string", "1..5", "", "needs a numeric VarType"},
-      {"uint8", "1|2|3", "One|Two", "3 values, OptionDescription 2 labels"},
-      {"uint8", "1|two", "", "\"two\" is no 32-bit whole number"},
-      {"uint8", "1|1", "", "stands twice"},
-      {"uint8", "1|256", "", "\"256\" does not fit uint8"},
-      {"uint64", "-1|0", "", "\"-1\" does not fit uint64"},
-      {"float32", "1|2", "", "a choice needs an integer VarType"},
-      {"uint8", "switch:5", "", "is no range"},
-      {"uint8", "1..5@seven", "", "\"@\" is not followed by"},
-      {"uint8", "list:1|2@7-1", "", "cannot depend on a switch"},
+      {"uint8", "yes", "", "Options \"yes\" is no range, choice, switch or known word"},
+      {"uint8", "1..5000000000", "",
+       "Options \"1..5000000000\" is no range of 32-bit whole numbers"},
+      {"uint8", "9..1", "", "Options \"9..1\": the range ends before it begins"},
+      {"uint8", "0..0", "", "Options \"0..0\" would not limit anything"},
+      {"string", "1..5", "", "a range needs a numeric VarType, not \"string\""},
+      {"uint8", "1|2|3", "One|Two", "Options has 3 values, OptionDescription 2 labels"},
+      {"uint8", "1|two", "", "Options: \"two\" is no 32-bit whole number"},
+      {"uint8", "1|1", "", "Options: the value \"1\" stands twice"},
+      {"uint8", "1|256", "", "Options: \"256\" does not fit uint8"},
+      {"uint64", "-1|0", "", "Options: \"-1\" does not fit uint64"},
+      {"uint8", std::string(4096, '|'), "", "Options has 4097 values, more than 4096"},
+      {"float32", "1|2", "", "a choice needs an integer VarType, not \"float32\""},
+      {"uint8", "switch:5", "", "Options \":5\" after \"switch\" is no range"},
+      {"uint8", "1..5@seven", "",
+       "Options: \"@\" is not followed by a GroupID, \"-\" and an Index"},
+      {"uint8", "list:1|2@7-1", "", "Options \"list:1|2\" cannot depend on a switch"},
   };
   for (const auto& [type, options, labels, expected] : cases) {
-    VarInfo var = Variable(type);
-    const std::string reason = ReadOptions(options, labels, &var);
-    EXPECT_NE(reason.find(expected), std::string::npos) << options << ": " << reason;
-    EXPECT_EQ(Control(var), "1 0..0@") << options;
-    EXPECT_EQ(var.option_num, 0) << options;
-    EXPECT_FALSE(var.hidden) << options;
+    EXPECT_EQ(Parsed(options, labels, Variable(type)), expected);
   }
+  EXPECT_EQ(Parsed("hidden", "", Variable("uint8", 0)), "0 0..0@ hidden");
   VarInfo scaled = Variable("uint8");
   scaled.coefficient = 0.5F;
-  EXPECT_EQ(ReadOptions("switch", "", &scaled), "a switch needs the coefficients 1");
+  EXPECT_EQ(Parsed("switch", "", scaled), "a switch needs the coefficients 1");
 }
 
 TEST(InputHint, TellsBeforeSavingWhatWouldBeRefused) {
@@ -86,7 +73,7 @@ TEST(InputHint, TellsBeforeSavingWhatWouldBeRefused) {
                        float set_coefficient = 1) {
     VarInfo var = Variable(type);
     var.set_coefficient = set_coefficient;
-    ReadOptions(options, "", &var);
+    static_cast<Control&>(var) = std::get<Control>(ParseControl(options, "", var));
     return InputHint(var);
   };
   EXPECT_EQ(hint("uint32"), "Only 0 can be saved: uint32 takes no other value.");

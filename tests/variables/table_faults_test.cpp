@@ -21,7 +21,7 @@ TEST_F(TableFaults, ARowWithoutIdIsLeftOut) {
   EXPECT_EQ(output_, warning + "First\n" + warning + "Second\n");
   ASSERT_EQ(parser_.Faults().size(), 2U);
   EXPECT_EQ(parser_.Faults()[1].line, 3U);
-  EXPECT_EQ(Var("Third").get_start_pos, 0);
+  EXPECT_EQ(Var("Third").get_start_pos, 2) << "the places of the others count";
 }
 
 TEST_F(TableFaults, TheLaterOfTwoRowsWithOneIdWins) {
@@ -70,7 +70,7 @@ TEST_F(TableFaults, NamesTheRowAndTheReason) {
       {"1,1,0x01,,,A,0,uint8,,1|two", "the variable becomes a text field"},
       {"1,1,0x01,,,A,0,uint8,,1..5@9-9", "Options: 9-9 is no switch; the value is always checked"},
       {"1,1,0x01,,,A,0,uint8,,,,,,,,,,01,,more", "the row has more cells than the header"},
-      {"1,1,0x01,,,A,0,uint8,,,,,,,,,,0x0g", "\"0x0g\" is no row of hexadecimal pairs"},
+      {"1,1,0x01,0x02,1,A,1,uint8,,,,,,,,,,,0x0g", "\"0x0g\" is no row of hexadecimal pairs"},
       {"8,1,0x09,0x02,2,A,1,uint8\n1,2,0x01,0x02,2,B,1,uint8",
        "SetIndex 2 of 0x02 does not ascend"},
       {"1,1,0x01,0x09,1,A,1,uint8", "the code 0x09 stands both in Get and in Set"},
@@ -98,14 +98,14 @@ TEST_F(TableFaults, AFieldOfUnknownLengthTakesItsPayloadsOutOfUse) {
 
 TEST_F(TableFaults, RowsBeyondTheBoundAreLeftOut) {
   std::string rows;
-  for (size_t i = 0; i <= ConfigParser::kMaxRows; ++i) {
+  for (size_t i = 0; i <= kMaxTableRows; ++i) {
     const std::string number = std::to_string(i);
     rows.append("1,").append(number).append(",0x01,,,Variable ").append(number);
     rows += ",0,uint16,,,mm,0.5,,Page,2,0,\n";
   }
   Load(rows);
   EXPECT_EQ(OnlyFault(), ", line 200002: more than 200000 rows; the rest is left out");
-  EXPECT_EQ(parser_.InTableOrder().size(), ConfigParser::kMaxRows);
+  EXPECT_EQ(parser_.InTableOrder().size(), kMaxTableRows);
   EXPECT_EQ(Var("Variable 199999").get_start_pos, 399998);
 }
 

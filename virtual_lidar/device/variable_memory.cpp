@@ -42,12 +42,12 @@ Bytes FullTurn() {
 }
 
 // Nothing for a text that is no command; loading the table has reported it.
-std::optional<WireCommand> WireCommandIn(const std::string& command, const Bytes& fixed_payload) {
-  if (command.empty()) {
+std::optional<WireCommand> WireCommandIn(const std::string& command, const FieldGroup* group) {
+  if (group == nullptr) {
     return std::nullopt;
   }
   try {
-    return WireCommandOf(command, fixed_payload);
+    return WireCommandOf(command, group->fixed_payload);
   } catch (const std::logic_error&) {
     return std::nullopt;
   }
@@ -61,12 +61,12 @@ bool IsFovTable(const VarInfo& var) {
 }  // namespace
 
 VariableMemory::VariableMemory(const ConfigParser& table) {
-  std::map<std::string, size_t> group_of;
+  std::map<const FieldGroup*, size_t> group_of;
   for (const VarInfo* var : table.InTableOrder()) {
     const size_t cell = cells_.size();
     AddCell(table, *var);
     by_id_[var->var_id] = cell;
-    if (auto read = WireCommandIn(var->get_cmd, var->read_payload)) {
+    if (auto read = WireCommandIn(var->get_cmd, var->read)) {
       reads_[{read->code, std::move(read->payload)}].push_back(cell);
     }
     AddToWriteGroup(*var, cell, &group_of);
@@ -96,14 +96,15 @@ void VariableMemory::AddCell(const ConfigParser& table, const VarInfo& var) {
 }
 
 void VariableMemory::AddToWriteGroup(const VarInfo& var, size_t cell,
-                                     std::map<std::string, size_t>* group_of) {
-  // Only a long command carries the fixed payload of its first variable.
-  const bool is_long = var.set_cmd.size() >= kLongCommandTextLength;
-  auto write = WireCommandIn(var.set_cmd, is_long ? var.set_payload : Bytes());
+                                     std::map<const FieldGroup*, size_t>* group_of) {
+  auto write = WireCommandIn(var.set_cmd, var.write);
   if (!write) {
     return;
   }
-  const auto [place, is_new] = group_of->emplace(var.set_cmd, writes_.size());
+  if (var.set_cmd.size() < kLongCommandTextLength) {
+    write->payload.clear();  // only a long command carries fixed bytes
+  }
+  const auto [place, is_new] = group_of->emplace(var.write, writes_.size());
   if (is_new) {
     WriteGroup group;
     group.command = write->code;

@@ -69,7 +69,8 @@ class VariableMemory {
   };
 
   void AddCell(const ConfigParser& table, const VarInfo& var);
-  void AddToWriteGroup(const VarInfo& var, size_t cell, std::map<std::string, size_t>* group_of);
+  void AddToWriteGroup(const VarInfo& var, size_t cell,
+                       std::map<const FieldGroup*, size_t>* group_of);
   const WriteGroup* FindWriteGroup(uint8_t command, const Bytes& payload) const;
   Outcome Write(const WriteGroup& group, const Bytes& payload);
   bool IsCheckedNow(const VarInfo& var, const std::map<size_t, Bytes>& incoming) const;

@@ -54,17 +54,16 @@ bool IsWithinRange(const VarInfo& var, double wire) {
 bool IsAnOption(const VarInfo& var, const Bytes& bytes) {
   Bytes encoded;
   std::string error;
-  return std::any_of(var.option_values.begin(), var.option_values.end(),
-                     [&](const std::string& option) {
-                       return EncodeValueText(var, option, &encoded, &error) && encoded == bytes;
-                     });
+  return std::any_of(var.options.begin(), var.options.end(), [&](const Option& option) {
+    return EncodeValueText(var, std::to_string(option.value), &encoded, &error) && encoded == bytes;
+  });
 }
 
 }  // namespace
 
 bool IsAcceptableValue(const VarInfo& var, const Bytes& bytes) {
   const bool is_choice = var.type == kChoice || var.type == kTallChoice;
-  if (is_choice && !var.option_values.empty()) {
+  if (is_choice) {
     return IsAnOption(var, bytes);
   }
   const std::optional<double> wire = WireNumber(*var.value_type, bytes);

@@ -1,0 +1,278 @@
+#include "variables/csv_reader.h"
+
+#include <csv.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+#include <filesystem>
+#include <fstream>
+#include <new>
+#include <stdexcept>
+
+namespace {
+
+constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
+
+// Bytes that the parser gets at a time, so that a row which breaks a bound is noticed before all of
+// a long line has been looked at.
+constexpr size_t kBite = 4096;
+
+constexpr char kMisplacedQuote[] =
+    "a quotation mark stands where none may be; quote the whole cell and double the quotation "
+    "marks inside";
+constexpr char kOpenQuote[] = "the quotation mark that opens a cell is never closed";
+constexpr char kTooManyCells[] = "more than 256 cells";
+constexpr char kLongCell[] = "a cell is longer than 4 KiB; maybe a quotation mark is not closed";
+
+std::string ReadWholeFile(const std::string& path) {
+  std::error_code error;
+  if (!std::filesystem::is_regular_file(path, error)) {
+    throw std::runtime_error(path + ": " + (error ? error.message() : "not a regular file"));
+  }
+  const uintmax_t size = std::filesystem::file_size(path, error);
+  if (error) {
+    throw std::runtime_error(path + ": " + error.message());
+  }
+  if (size > CsvReader::kMaxFileBytes) {
+    throw std::runtime_error(path + ": larger than 64 MiB");
+  }
+  std::ifstream file(path, std::ios::binary);
+  if (!file) {
+    throw std::runtime_error(path + ": " + std::strerror(errno));
+  }
+  std::string text(static_cast<size_t>(size), '\0');
+  file.read(text.data(), static_cast<std::streamsize>(text.size()));
+  if (file.bad()) {
+    throw std::runtime_error(path + ": cannot be read");
+  }
+  text.resize(static_cast<size_t>(file.gcount()));  // it may have shrunk meanwhile
+  return text;
+}
+
+int NothingIsSpace(unsigned char /*character*/) { return 0; }
+
+// Room for what comes, growing as push_back would.
+template <typename Container>
+void MakeRoom(Container* container, size_t more) {
+  if (container->capacity() - container->size() < more) {
+    container->reserve(std::max(2 * container->capacity(), container->size() + more));
+  }
+}
+
+}  // namespace
+
+// Owns the state of one run of libcsv.
+class CsvReader::Parser {
+ public:
+  Parser() { Init(); }
+  ~Parser() { csv_free(&parser_); }
+  Parser(const Parser&) = delete;
+  Parser& operator=(const Parser&) = delete;
+
+  void Restart() {
+    csv_free(&parser_);
+    Init();
+  }
+  csv_parser* get() { return &parser_; }
+
+ private:
+  void Init() {
+    if (csv_init(&parser_, CSV_STRICT | CSV_STRICT_FINI) != 0) {
+      throw std::bad_alloc();
+    }
+    csv_set_space_func(&parser_, NothingIsSpace);  // blanks around a cell are content
+  }
+
+  csv_parser parser_;
+};
+
+CsvReader::CsvReader(const std::string& path)
+    : input_(ReadWholeFile(path)), parser_(std::make_unique<Parser>()) {
+  if (std::string_view(input_).substr(0, kByteOrderMark.size()) == kByteOrderMark) {
+    position_ = kByteOrderMark.size();
+  }
+  const Event event = Next();
+  header_is_broken_ = event == Event::kBrokenRow;
+  if (event == Event::kRow) {
+    for (size_t column = 0; column < cell_count(); ++column) {
+      header_.names.emplace_back(Cell(column));
+    }
+  }
+}
+
+CsvReader::~CsvReader() = default;
+
+std::optional<size_t> CsvHeader::FindColumn(std::string_view name) const {
+  const auto found = std::find(names.begin(), names.end(), name);
+  if (found == names.end()) {
+    return std::nullopt;
+  }
+  return static_cast<size_t>(found - names.begin());
+}
+
+size_t CsvHeader::Column(std::string_view name) const {
+  const std::optional<size_t> column = FindColumn(name);
+  if (!column) {
+    throw std::runtime_error("Can't find a column named " + std::string(name));
+  }
+  return *column;
+}
+
+size_t CsvReader::MostRows() const {
+  return static_cast<size_t>(std::count(input_.begin(), input_.end(), '\n') +
+                             std::count(input_.begin(), input_.end(), '\r') + 1);
+}
+
+std::string_view CsvReader::Cell(size_t column) const {
+  if (column >= cell_count()) {
+    return {};
+  }
+  const size_t cell = row_begin_ + column;
+  const size_t begin = cell == 0 ? 0 : cell_ends_[cell - 1];
+  return std::string_view(text_).substr(begin, cell_ends_[cell] - begin);
+}
+
+CsvReader::Event CsvReader::Next() {
+  if (header_is_broken_) {
+    // Without its header no cell of the file has a meaning.
+    header_is_broken_ = false;
+    position_ = input_.size();
+    return Event::kBrokenRow;
+  }
+  while (true) {
+    if (told_rows_ < rows_.size()) {
+      return TellRow();
+    }
+    if (fault_ != nullptr) {
+      return TellBrokenRow();
+    }
+    DropToldRows();
+    if (broken_rows_ >= kMaxBrokenRows) {
+      return Event::kEnd;
+    }
+    if (position_ < input_.size()) {
+      FeedLine();
+      continue;
+    }
+    Finish();
+    if (rows_.empty() && fault_ == nullptr) {
+      return Event::kEnd;
+    }
+  }
+}
+
+CsvReader::Event CsvReader::TellRow() {
+  row_begin_ = told_rows_ == 0 ? 0 : rows_[told_rows_ - 1].end;
+  row_end_ = rows_[told_rows_].end;
+  line_ = rows_[told_rows_].line;
+  ++told_rows_;
+  return Event::kRow;
+}
+
+CsvReader::Event CsvReader::TellBrokenRow() {
+  row_begin_ = rows_.empty() ? 0 : rows_.back().end;
+  row_end_ = cell_ends_.size();
+  line_ = open_line_;
+  reason_ = fault_;
+  fault_ = nullptr;
+  // Nothing of it is left when the next row is asked for.
+  rows_.push_back({row_end_, line_});
+  told_rows_ = rows_.size();
+  parser_->Restart();
+  row_open_ = false;
+  position_ = open_line_end_;
+  fed_lines_ = open_line_;
+  ++broken_rows_;
+  return Event::kBrokenRow;
+}
+
+void CsvReader::DropToldRows() {
+  if (rows_.empty()) {
+    return;
+  }
+  const size_t cells = rows_.back().end;
+  const size_t bytes = cells == 0 ? 0 : cell_ends_[cells - 1];
+  rows_.clear();
+  told_rows_ = 0;
+  text_.erase(0, bytes);
+  cell_ends_.erase(cell_ends_.begin(), cell_ends_.begin() + static_cast<std::ptrdiff_t>(cells));
+  for (size_t& end : cell_ends_) {
+    end -= bytes;
+  }
+}
+
+void CsvReader::FeedLine() {
+  const size_t found = input_.find('\n', position_);
+  const size_t end = found == std::string::npos ? input_.size() : found + 1;
+  const std::string_view line = std::string_view(input_).substr(position_, end - position_);
+  position_ = end;
+  ++fed_lines_;
+  if (!row_open_) {
+    if (line == "\n" || line == "\r\n") {
+      return;
+    }
+    row_open_ = true;
+    open_line_ = fed_lines_;
+    open_line_end_ = end;
+  }
+  for (size_t at = 0; at < line.size() && fault_ == nullptr; at += kBite) {
+    Feed(line.substr(at, kBite));
+  }
+}
+
+void CsvReader::Feed(std::string_view bytes) {
+  // The callbacks must not throw through the C library, so everything they append to has its room
+  // beforehand.
+  MakeRoom(&text_, parser_->get()->entry_pos + bytes.size());
+  MakeRoom(&cell_ends_, bytes.size() + 1);
+  MakeRoom(&rows_, bytes.size() + 1);
+  const size_t done = csv_parse(parser_->get(), bytes.data(), bytes.size(), OnCell, OnRow, this);
+  if (done == bytes.size()) {
+    if (fault_ == nullptr && parser_->get()->entry_pos > kMaxCellBytes) {
+      fault_ = kLongCell;
+    }
+    return;
+  }
+  if (csv_error(parser_->get()) == CSV_ENOMEM) {
+    throw std::bad_alloc();
+  }
+  fault_ = fault_ == nullptr ? kMisplacedQuote : fault_;
+}
+
+// The last row may lack its line break.
+void CsvReader::Finish() {
+  MakeRoom(&text_, parser_->get()->entry_pos);
+  MakeRoom(&cell_ends_, 1);
+  MakeRoom(&rows_, 1);
+  // Asked for whatever row_open_ says: a carriage return alone ends a row in the middle of a line.
+  if (csv_fini(parser_->get(), OnCell, OnRow, this) != 0 && fault_ == nullptr) {
+    fault_ = kOpenQuote;
+  }
+}
+
+void CsvReader::OnCell(void* data, size_t size, void* self) {
+  auto* reader = static_cast<CsvReader*>(self);
+  if (reader->fault_ != nullptr) {
+    return;
+  }
+  const size_t row_begin = reader->rows_.empty() ? 0 : reader->rows_.back().end;
+  if (size > kMaxCellBytes) {
+    reader->fault_ = kLongCell;
+  } else if (reader->cell_ends_.size() - row_begin == kMaxColumns) {
+    reader->fault_ = kTooManyCells;
+  } else {
+    if (size > 0) {
+      reader->text_.append(static_cast<const char*>(data), size);
+    }
+    reader->cell_ends_.push_back(reader->text_.size());
+  }
+}
+
+void CsvReader::OnRow(int /*terminator*/, void* self) {
+  auto* reader = static_cast<CsvReader*>(self);
+  if (reader->fault_ == nullptr) {
+    reader->row_open_ = false;
+    reader->rows_.push_back({reader->cell_ends_.size(), reader->open_line_});
+  }
+}
