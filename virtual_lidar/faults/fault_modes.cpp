@@ -86,7 +86,7 @@ const std::vector<FaultMode>& FaultModes() {
       {Fault::kTwice, "twice", "", 0, 0,
        "sends the answer again 20 ms behind it, in front of the next one"},
       {Fault::kEcho, "echo", "", 0, 0,
-       "sends every byte of the request back in front of the answer, as a line that echoes"},
+       "sends every byte of the request back at once, as a line that echoes"},
       {Fault::kHugeLength, "huge-length", "", 0, 0,
        "announces far more payload than the answer holds"},
       {Fault::kSilentAfter, "silent-after", "N", 0, 1000000,

@@ -109,9 +109,8 @@ ReplyPlan PlanAnswer(const WireCodec& codec, DeviceReply reply, FaultBox* faults
 ReplyPlan PlanReply(const WireCodec& codec, const DeviceRequest& request, DeviceReply reply,
                     FaultBox* faults) {
   ReplyPlan plan = PlanAnswer(codec, std::move(reply), faults);
-  plan.answers = !plan.steps.empty();
   if (faults->Strike(Fault::kEcho, request.code)) {
-    plan.steps.insert(plan.steps.begin(), {milliseconds(0), request.frame});
+    plan.echo = request.frame;
   }
   return plan;
 }

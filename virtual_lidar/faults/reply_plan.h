@@ -20,8 +20,8 @@ struct ReplyPlan {
   enum class Ending { kStayOpen, kHangUp, kRestart };
 
   std::vector<SendStep> steps;
-  /// Some of the steps belong to an answer, be it a broken one.
-  bool answers = false;
+  /// Goes back before anything else, by the line on which the request came.
+  std::vector<uint8_t> echo;
   /// The last step again and again, without end.
   bool repeat = false;
   Ending ending = Ending::kStayOpen;

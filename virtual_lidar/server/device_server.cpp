@@ -155,7 +155,7 @@ ReplyPlan DeviceServer::OnRequest(Link& link, const DeviceRequest& request) {
   const std::string outcome =
       "return code " + std::to_string(reply.return_code) + ", " + ByteCount(reply.payload.size());
   ReplyPlan plan = PlanReply(link.codec(), request, reply, faults_);
-  LogRequest(link, request, what, plan.answers ? outcome : "no answer");
+  LogRequest(link, request, what, plan.steps.empty() ? "no answer" : outcome);
   return plan;
 }
 

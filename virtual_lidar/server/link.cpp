@@ -108,6 +108,10 @@ void Link::ReadRequests() {
 }
 
 void Link::Enqueue(Answer answer) {
+  if (const auto& echo = answer.plan.echo; !echo.empty()) {
+    // What the line cannot carry now is lost.
+    [[maybe_unused]] const ssize_t sent = WriteSome(in_fd_, echo.data(), echo.size());
+  }
   waiting_bytes_ += BytesOf(answer.plan);
   answers_.push_back(std::move(answer));
   if (answers_.size() == 1) {
