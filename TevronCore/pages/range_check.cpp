@@ -1,8 +1,10 @@
 #include "pages/range_check.h"
 
 #include <QDebug>
+#include <cmath>
 #include <cstdint>
 #include <limits>
+#include <optional>
 #include <stdexcept>
 
 #include "variables/input_problem.h"
@@ -39,6 +41,14 @@ int WholeNumberAtStart(const std::string& text) {
   } catch (const std::invalid_argument&) {
     throw std::invalid_argument("invalid stoi argument");
   }
+}
+
+double DecimalOf(const std::string& text) {
+  const std::optional<double> value = SignedDecimal(text);
+  if (!value) {
+    throw std::invalid_argument("no decimal number");
+  }
+  return *value;
 }
 
 float FloatAtStart(const std::string& text) {
@@ -117,7 +127,9 @@ std::string RangeCheck::Violation(const VarInfo& var, const std::string& text) {
   if (IsSwitchedOff(var, text)) {
     return "";
   }
-  const int value = WholeNumberAtStart(text);
+  // Of an exact type all of the text is the number.
+  const double value =
+      var.value_type->is_exact ? DecimalOf(text) : static_cast<double>(WholeNumberAtStart(text));
   return value < var.range_min || value > var.range_max ? kOutOfRange : "";
 }
 
@@ -138,6 +150,11 @@ bool RangeCheck::CheckVar(const VarInfo& var) {
     return true;
   }
   try {
+    if (var.value_type->is_exact) {
+      const double value =
+          std::trunc(DecimalOf(table_.ValueOf(var).text) * AsWritten(var.coefficient));
+      return value >= var.range_min && value <= var.range_max;
+    }
     const float value = FloatAtStart(table_.ValueOf(var).text) * var.coefficient;
     return TruncatesInto(value, var.range_min, var.range_max);
   } catch (const std::logic_error& e) {

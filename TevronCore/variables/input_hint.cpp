@@ -2,6 +2,7 @@
 
 #include <cmath>
 
+#include "variables/exact_number.h"
 #include "variables/field_group.h"
 #include "variables/number_text.h"
 
@@ -9,7 +10,7 @@ namespace {
 
 // What the encoder of these types lets through; see UnsignedBound there.
 bool TakesOnlyZero(const ValueType& type) {
-  return type.kind == ValueKind::kInteger && !type.is_signed && type.size >= 4;
+  return type.kind == ValueKind::kInteger && !type.is_signed && type.size >= 4 && !type.is_exact;
 }
 
 // How the type's own range looks after scaling, in words.
@@ -21,6 +22,11 @@ std::string TypeRange(const VarInfo& var) {
     return scale == 1.0F ? "Only 0 can be saved: " + var.var_type + " takes no other value."
                          : "Only values from 0 up to, not including, " + ShortText(scale) +
                                " can be saved, and are stored as 0.";
+  }
+  if (var.value_type->is_exact) {
+    return (scale == 1.0F ? "Whole number from "
+                          : "Multiple of " + ShortText(std::fabs(scale)) + " from ") +
+           ExactRange(*var.value_type, scale) + '.';
   }
   const double lowest = is_unsigned ? 0 : -std::ldexp(1.0, 8 * bytes - 1);
   const double highest = std::ldexp(1.0, is_unsigned ? 8 * bytes : 8 * bytes - 1) - 1;
@@ -64,6 +70,10 @@ std::string Refusal(const VarInfo& var) {
   }
   if (var.set_cmd.empty()) {
     return "Cannot be changed: the table gives no usable command that writes it.";
+  }
+  if (!FillsItsPlace(var)) {
+    return "Cannot be changed: the table gives it " + std::to_string(var.offset) + " bytes, and " +
+           var.var_type + " takes " + std::to_string(var.value_type->size) + ".";
   }
   if (var.write != nullptr && !var.write->obstacle.empty()) {
     return "Cannot be changed: " + var.write->obstacle + '.';

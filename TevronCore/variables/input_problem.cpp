@@ -7,14 +7,6 @@
 
 namespace {
 
-bool IsNumber(const std::string& text) {
-  std::string_view number = Trim(text);
-  if (!number.empty() && number.front() == '+') {
-    number.remove_prefix(1);
-  }
-  return DecimalNumber<double>(number).has_value();
-}
-
 // As the check of a page: the whole number at the beginning of the text counts.
 bool IsWithin(const std::string& text, int32_t lowest, int32_t highest) {
   try {
@@ -49,11 +41,14 @@ std::string InputProblem(const ValueType& type, int32_t range_min, int32_t range
   if (!type.is_number()) {
     return {};
   }
-  if (!IsNumber(text)) {
+  const std::optional<double> number = SignedDecimal(text);
+  if (!number) {
     return "A number is needed";
   }
   const bool has_range = range_min != 0 || range_max != 0;
-  return has_range && !IsWithin(text, range_min, range_max)
+  const bool is_within = type.is_exact ? *number >= range_min && *number <= range_max
+                                       : IsWithin(text, range_min, range_max);
+  return has_range && !is_within
              ? "Outside " + std::to_string(range_min) + " to " + std::to_string(range_max)
              : "";
 }

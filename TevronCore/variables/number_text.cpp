@@ -54,6 +54,11 @@ std::string_view WithoutHexPrefix(std::string_view text) {
   return prefixed ? text.substr(2) : text;
 }
 
+std::optional<double> SignedDecimal(std::string_view text) {
+  text = Trim(text);
+  return DecimalNumber<double>(!text.empty() && text.front() == '+' ? text.substr(1) : text);
+}
+
 Conversion ToFloat(const std::string& text, float* value) {
   return Convert(text, ConvertFloat, value);
 }

@@ -35,6 +35,9 @@ std::optional<Real> DecimalNumber(std::string_view text) {
   return is_number && std::isfinite(value) ? std::optional(value) : std::nullopt;
 }
 
+/// The same with blanks around it and "+" before it, as users type numbers.
+std::optional<double> SignedDecimal(std::string_view text);
+
 /// Outcome of ToFloat and ToDouble; named after the exceptions of std::stof.
 enum class Conversion { kDone, kInvalidArgument, kOutOfRange };
 

@@ -31,13 +31,16 @@ bool HasOddLabels(const VarInfo& var) {
   return var.type == kSwitch && !var.options.empty() && var.options.size() != 2;
 }
 
-QVariant LocalTime(const std::optional<std::chrono::system_clock::time_point>& time) {
+// Of another day with its date; empty without a time.
+QString LocalTime(const std::optional<std::chrono::system_clock::time_point>& time) {
   if (!time) {
     return {};
   }
   const auto since_epoch =
       std::chrono::duration_cast<std::chrono::milliseconds>(time->time_since_epoch());
-  return QDateTime::fromMSecsSinceEpoch(since_epoch.count());
+  const QDateTime local = QDateTime::fromMSecsSinceEpoch(since_epoch.count());
+  const bool is_today = local.date() == QDate::currentDate();
+  return local.toString(is_today ? "hh:mm:ss" : "yyyy-MM-dd hh:mm:ss");
 }
 
 }  // namespace

@@ -32,7 +32,7 @@ QVariantList PageRows(const PageModel& pages);
 /// "unit_suffix", "range_min", "range_max", "length_limit" (numbers), "switch_var_id",
 /// "check_enable" (number), "edited", "editable", "timer_update" (booleans), "hint" (see
 /// InputHint), "group_id", "page", "page_description", "state" (see TextOf), "read_at" (local time
-/// of the last reading, invalid without one), "wanted" (in the state "differs": what was written).
+/// of the last reading), "wanted" (in the state "differs": what was written).
 QVariantMap VariableMap(const VarInfo& var, const ConfigParser::Value& value);
 
 /// Those of the fields that depend on the value.

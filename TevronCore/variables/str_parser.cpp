@@ -4,14 +4,13 @@
 #include <QStringList>
 #include <array>
 #include <cmath>
-#include <cstring>
 #include <iostream>
 #include <stdexcept>
 #include <string_view>
 
 #include "Wire/big_endian.h"
+#include "variables/exact_number.h"
 #include "variables/number_text.h"
-#include "variables/value_type.h"
 
 namespace {
 
@@ -57,10 +56,7 @@ float Quotient(const std::string& parser, const std::string& text, float coeffic
 
 std::vector<uint8_t> LowBytes(uint64_t value, uint64_t length) {
   std::vector<uint8_t> bytes;
-  bytes.reserve(length);
-  for (uint64_t i = 0; i < length; ++i) {
-    bytes.push_back(static_cast<uint8_t>(value >> (8 * (length - 1 - i))));
-  }
+  kavel::lidar::AppendBigEndian(bytes, value, length);
   return bytes;
 }
 
@@ -81,14 +77,6 @@ uint64_t Truncated(float quotient) {
     return uint64_t{1} << 63;
   }
   return static_cast<uint64_t>(static_cast<int64_t>(quotient));
-}
-
-template <typename Bits, typename Number>
-Bits BitsOf(Number number) {
-  static_assert(sizeof(Bits) == sizeof(Number));
-  Bits bits = 0;
-  std::memcpy(&bits, &number, sizeof(bits));
-  return bits;
 }
 
 }  // namespace
@@ -115,10 +103,18 @@ std::vector<uint8_t> UintParser::Parse(const std::string& text, float coefficien
   return LowBytes(static_cast<uint64_t>(quotient), length_);
 }
 
+std::vector<uint8_t> ExactParser::Parse(const std::string& text, float coefficient) {
+  const auto bits = ExactBits(type_, text, coefficient);
+  if (const auto* reason = std::get_if<std::string>(&bits)) {
+    Refuse("ExactParser: " + *reason);
+  }
+  return LowBytes(std::get<uint64_t>(bits), length_);
+}
+
 std::vector<uint8_t> FloatParser::Parse(const std::string& text, float coefficient) {
   const auto number = NumberOf<float>("FloatParser", text, ToFloat, "stof", "out of range");
   std::vector<uint8_t> bytes;
-  kavel::lidar::AppendBigEndian32(bytes, BitsOf<uint32_t>(number / coefficient));
+  kavel::lidar::AppendBigEndian32(bytes, kavel::lidar::BitsOf(number / coefficient));
   return bytes;
 }
 
@@ -126,7 +122,7 @@ std::vector<uint8_t> DoubleParser::Parse(const std::string& text, float coeffici
   const auto number = NumberOf<double>("DoubleParser", text, ToDouble, "stod", "out of range");
   std::vector<uint8_t> bytes;
   kavel::lidar::AppendBigEndian64(bytes,
-                                  BitsOf<uint64_t>(number / static_cast<double>(coefficient)));
+                                  kavel::lidar::BitsOf(number / static_cast<double>(coefficient)));
   return bytes;
 }
 
@@ -175,6 +171,9 @@ std::unique_ptr<StrParser> CreateStrParser(const std::string& var_type) {
   const auto length = static_cast<uint64_t>(type.size);
   switch (type.kind) {
     case ValueKind::kInteger:
+      if (type.is_exact) {
+        return std::make_unique<ExactParser>(type);
+      }
       if (type.is_signed) {
         return std::make_unique<IntParser>(length);
       }

@@ -5,6 +5,8 @@
 #include <string>
 #include <vector>
 
+#include "variables/value_type.h"
+
 /// Turns the text of a value, as the user typed it or as it stands in a table, into payload bytes,
 /// most significant byte first. Keeps no state between calls and never depends on the locale.
 ///
@@ -33,6 +35,17 @@ class UintParser : public StrParser {
  public:
   explicit UintParser(uint64_t length) : StrParser(length) {}
   std::vector<uint8_t> Parse(const std::string& text, float coefficient) override;
+};
+
+/// "u32", "i32", "u64" and "i64": every number of the type, see ExactBits.
+class ExactParser : public StrParser {
+ public:
+  explicit ExactParser(const ValueType& type)
+      : StrParser(static_cast<uint64_t>(type.size)), type_(type) {}
+  std::vector<uint8_t> Parse(const std::string& text, float coefficient) override;
+
+ private:
+  const ValueType& type_;
 };
 
 /// "float32": the four bytes of an IEEE 754 single-precision number.

@@ -2,6 +2,7 @@
 
 #include <exception>
 
+#include "CmxClient/fov_command.h"
 #include "variables/command_code.h"
 #include "variables/hex_cell.h"
 
@@ -93,7 +94,7 @@ void TablePlaces::Fill() {
       }
     }
   }
-  CheckDoubleUse();
+  CheckWrites();
 }
 
 TablePlaces::Field TablePlaces::FieldOf(const TableRow& row, const VarInfo& var) {
@@ -237,11 +238,20 @@ void TablePlaces::TakeCommandsAway(VarInfo* var) {
   }
 }
 
-void TablePlaces::CheckDoubleUse() {
+void TablePlaces::CheckWrites() {
   for (const auto& [key, group] : table_.writes) {
-    if (!group->fields.empty() && table_.reads.count(key) != 0) {
-      const VarInfo& first = *group->fields.front();
+    if (group->fields.empty()) {
+      continue;
+    }
+    const VarInfo& first = *group->fields.front();
+    if (table_.reads.count(key) != 0) {
       fault_(first.line, "the code " + first.set_cmd + " stands both in Get and in Set");
+    }
+    if (IsCommand(first.set_cmd, kavel::lidar::kFovCommand) &&
+        group->length != int64_t{kavel::lidar::kFovPayloadSize}) {
+      fault_(first.line, "the field-of-view table takes " +
+                             std::to_string(kavel::lidar::kFovPayloadSize) + " bytes, and " +
+                             first.set_cmd + " has " + std::to_string(group->length));
     }
   }
 }

@@ -63,7 +63,7 @@ class TablePlaces {
   void TakeOutOfUse(const Field& field, const std::string& reason);
   void Place(const Field& field);
   void TakeCommandsAway(VarInfo* var);
-  void CheckDoubleUse();
+  void CheckWrites();
 
   LoadedTable& table_;
   const FaultHandler fault_;

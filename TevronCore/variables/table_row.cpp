@@ -86,7 +86,6 @@ bool TableRow::ReadLength(VarInfo* var) const {
   const int32_t natural = var->value_type->size;
   const std::string_view cell = Trim(Cell(Column::kVarLen));
   if (cell.empty()) {
-    var->offset = natural == 0 ? 1 : natural;
     return true;
   }
   const auto length = WholeNumber(cell);
@@ -104,7 +103,6 @@ bool TableRow::ReadLength(VarInfo* var) const {
     fault_(reason + "; the row is left out");
     return false;
   }
-  var->offset = natural;
   fault_(reason + "; " + std::to_string(natural) + " is used");
   return true;
 }

@@ -1,10 +1,10 @@
 #include "variables/value_text.h"
 
 #include <QString>
-#include <cstring>
 
 #include "Platform/ipv4_text.h"
 #include "Wire/big_endian.h"
+#include "variables/exact_number.h"
 #include "variables/number_text.h"
 
 namespace {
@@ -86,41 +86,26 @@ bool DecodeSoftwareVersion(const Bytes& slice, std::string* text, std::string* f
   return true;
 }
 
-uint64_t BigEndian(const Bytes& slice, size_t size) {
-  uint64_t value = 0;
-  for (size_t i = 0; i < size; ++i) {
-    value = (value << 8) | slice[i];
-  }
-  return value;
-}
-
-int64_t SignExtended(uint64_t value, size_t size) {
-  const auto unused_bits = static_cast<unsigned>(64 - 8 * size);
-  return static_cast<int64_t>(value << unused_bits) >> unused_bits;
-}
-
 std::string IntegerText(const VarInfo& var, const Bytes& slice, size_t size) {
-  const uint64_t value = BigEndian(slice, size);
+  const uint64_t bits = kavel::lidar::ReadBigEndian(slice.data(), size);
+  if (var.value_type->is_exact) {
+    return ExactText(*var.value_type, bits, var.coefficient);
+  }
+  const int64_t number = kavel::lidar::SignExtended(bits, size);
   const bool is_signed = var.value_type->is_signed;
   if (var.coefficient == 1.0F) {
-    return is_signed ? std::to_string(SignExtended(value, size)) : std::to_string(value);
+    return is_signed ? std::to_string(number) : std::to_string(bits);
   }
-  const double number =
-      is_signed ? static_cast<double>(SignExtended(value, size)) : static_cast<double>(value);
-  return FixedText(number * AsWritten(var.coefficient));
+  return FixedText((is_signed ? static_cast<double>(number) : static_cast<double>(bits)) *
+                   AsWritten(var.coefficient));
 }
 
-std::string RealText(const VarInfo& var, const Bytes& slice) {
-  double number = 0;
-  if (var.value_type->size == sizeof(double)) {
-    const uint64_t bits = kavel::lidar::ReadBigEndian64(slice.data());
-    std::memcpy(&number, &bits, sizeof(number));
-  } else {
-    const uint32_t bits = kavel::lidar::ReadBigEndian32(slice.data());
-    float single = 0;
-    std::memcpy(&single, &bits, sizeof(single));
-    number = static_cast<double>(single);
-  }
+std::string RealText(const VarInfo& var, const Bytes& slice, size_t size) {
+  const uint64_t bits = kavel::lidar::ReadBigEndian(slice.data(), size);
+  const double number =
+      size == sizeof(double)
+          ? kavel::lidar::DoubleOf(bits)
+          : static_cast<double>(kavel::lidar::FloatOf(static_cast<uint32_t>(bits)));
   return FixedText(number * AsWritten(var.coefficient));
 }
 
@@ -131,7 +116,7 @@ bool DecodeNumber(const VarInfo& var, const Bytes& slice, std::string* text, std
                            ", please check your config file");
   }
   *text = var.value_type->kind == ValueKind::kInteger ? IntegerText(var, slice, size)
-                                                      : RealText(var, slice);
+                                                      : RealText(var, slice, size);
   return true;
 }
 
@@ -139,7 +124,7 @@ bool DecodeDuration(const Bytes& slice, std::string* text, std::string* fault) {
   if (slice.size() > kLargestCount) {
     return Fail(fault, "DT size is greater than 8, please check your config file");
   }
-  const uint64_t seconds = BigEndian(slice, slice.size());
+  const uint64_t seconds = kavel::lidar::ReadBigEndian(slice.data(), slice.size());
   *text = QString("%1 h %2 min %3 s")
               .arg(seconds / 3600)
               .arg(seconds / 60 % 60)

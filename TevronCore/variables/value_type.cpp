@@ -5,7 +5,7 @@
 
 namespace {
 
-constexpr std::array<ValueType, 15> kTypes = {{
+constexpr std::array<ValueType, 19> kTypes = {{
     {"uint8", ValueKind::kInteger, 1, false, true},
     {"uint16", ValueKind::kInteger, 2, false, true},
     {"uint32", ValueKind::kInteger, 4, false, true},
@@ -14,6 +14,10 @@ constexpr std::array<ValueType, 15> kTypes = {{
     {"int16", ValueKind::kInteger, 2, true, true},
     {"int32", ValueKind::kInteger, 4, true, true},
     {"int64", ValueKind::kInteger, 8, true, true},
+    {"u32", ValueKind::kInteger, 4, false, true, true},
+    {"u64", ValueKind::kInteger, 8, false, true, true},
+    {"i32", ValueKind::kInteger, 4, true, true, true},
+    {"i64", ValueKind::kInteger, 8, true, true, true},
     {"float32", ValueKind::kReal, 4, true, true},
     {"double", ValueKind::kReal, 8, true, true},
     {"string", ValueKind::kText, 0, false, false},

@@ -22,6 +22,7 @@ struct ValueType {
   int32_t size = 0;        ///< Bytes of a value; 0: the table says.
   bool is_signed = false;  ///< Of kInteger.
   bool has_input = false;  ///< Whether a text that the user types can be encoded.
+  bool is_exact = false;   ///< Of kInteger: no rounding on the way, see exact_number.h.
 
   /// Whether values are numbers that a range and a coefficient mean something for.
   bool is_number() const { return kind == ValueKind::kInteger || kind == ValueKind::kReal; }

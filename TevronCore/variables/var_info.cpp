@@ -5,12 +5,17 @@
 void SetValueType(std::string_view name, VarInfo* var) {
   var->var_type = name;
   var->value_type = &ValueTypeOf(name);
+  var->offset = var->value_type->size == 0 ? 1 : var->value_type->size;
+}
+
+bool FillsItsPlace(const VarInfo& var) {
+  return var.value_type->size == 0 || var.value_type->size == var.offset;
 }
 
 bool CanBeChanged(const VarInfo& var) {
   const bool is_written =
       !var.set_cmd.empty() && (var.write == nullptr || var.write->obstacle.empty());
-  return var.permission != 0 && is_written && var.value_type->has_input;
+  return var.permission != 0 && is_written && var.value_type->has_input && FillsItsPlace(var);
 }
 
 std::string UnitSuffix(const VarInfo& var) {

@@ -76,12 +76,15 @@ struct VarInfo : Control {
   uint32_t table_position = 0;        ///< Ascends from row to row of the table.
 };
 
-/// Sets var_type and what it names.
+/// Sets var_type, what it names, and the length that a value of this type has by itself, else 1.
 void SetValueType(std::string_view name, VarInfo* var);
 
+/// Whether the length that the table gives is that of the type; of a type without one it is.
+bool FillsItsPlace(const VarInfo& var);
+
 /// Whether a row of the screens may change the value at all: the user is permitted to, some command
-/// writes it, and its type has a text form that can be encoded ("string", "raw" and "DT" have
-/// none).
+/// that can be sent writes it, its type has a text form that can be encoded ("string", "raw" and
+/// "DT" have none), and what is encoded fills its place.
 bool CanBeChanged(const VarInfo& var);
 
 /// " (" + unit + ")", empty without a unit.

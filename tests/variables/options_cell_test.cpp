@@ -80,6 +80,7 @@ TEST(InputHint, TellsBeforeSavingWhatWouldBeRefused) {
   EXPECT_EQ(hint("uint32", "0|1"), hint("uint32"));
   EXPECT_EQ(hint("uint64", "", 0.1F),
             "Only values from 0 up to, not including, 0.1 can be saved, and are stored as 0.");
+  EXPECT_EQ(hint("i32", "", 0.01F), "Multiple of 0.01 from -21474836.48 to 21474836.47.");
   EXPECT_EQ(hint("DT"), "Cannot be changed: there is no way to enter the type \"DT\".");
   EXPECT_EQ(hint("uint8", "", 0.5F), "Number from 0 to 127.5.");
   EXPECT_EQ(hint("int16", "-45..45@7-1"),

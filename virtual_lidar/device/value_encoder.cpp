@@ -8,6 +8,7 @@
 
 #include "Platform/ipv4_text.h"
 #include "Wire/big_endian.h"
+#include "variables/exact_number.h"
 #include "variables/hex_cell.h"
 #include "variables/number_text.h"
 
@@ -59,6 +60,13 @@ std::optional<uint64_t> ScaledInteger(const std::string& text, float coefficient
 }
 
 std::optional<Bytes> EncodeInteger(const VarInfo& var, const std::string& text) {
+  if (var.value_type->is_exact) {
+    const auto bits = ExactBits(*var.value_type, text, var.coefficient);
+    const auto* number = std::get_if<uint64_t>(&bits);
+    return number == nullptr
+               ? std::nullopt
+               : std::optional(BigEndian(*number, static_cast<size_t>(var.value_type->size)));
+  }
   const auto raw = ScaledInteger(text, var.coefficient, *var.value_type);
   if (!raw) {
     return std::nullopt;

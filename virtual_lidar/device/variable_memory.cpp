@@ -21,17 +21,11 @@ bool StartsWith(const Bytes& bytes, const Bytes& head) {
   return bytes.size() >= head.size() && std::equal(head.begin(), head.end(), bytes.begin());
 }
 
-Bytes Joined(Bytes head, const Bytes& tail) {
-  head.insert(head.end(), tail.begin(), tail.end());
-  return head;
-}
-
 // A field of view that covers the full turn, for a table that gives no default.
 Bytes FullTurn() {
   Bytes bytes = {0, kavel::lidar::kFovPairs};
   VarInfo angle;
   SetValueType("float32", &angle);
-  angle.offset = 4;
   Bytes encoded;
   std::string error;
   for (const char* degrees : {"0", "72", "72", "144", "144", "216", "216", "288", "288", "360"}) {
@@ -111,11 +105,11 @@ void VariableMemory::AddToWriteGroup(const VarInfo& var, size_t cell,
     group.head = std::move(write->payload);
     group.any_length = var.var_name == kSharedSecretKey;
     group.is_fov_table = IsFovTable(var);
+    group.size = static_cast<size_t>(var.write->length);
     writes_.push_back(std::move(group));
   }
   WriteGroup& group = writes_[place->second];
   group.cells.push_back(cell);
-  group.size += cells_[cell].value.size();
 }
 
 std::optional<VariableMemory::Outcome> VariableMemory::Execute(uint8_t command,
@@ -125,8 +119,11 @@ std::optional<VariableMemory::Outcome> VariableMemory::Execute(uint8_t command,
   if (read != reads_.end()) {
     Outcome outcome;
     outcome.fields = read->second.size();
+    outcome.payload.resize(ReplySize(read->second));
     for (const size_t cell : read->second) {
-      outcome.payload = Joined(std::move(outcome.payload), ValueNow(cells_[cell], up_time_s));
+      const Bytes value = ValueNow(cells_[cell], up_time_s);
+      std::copy(value.begin(), value.end(),
+                outcome.payload.begin() + cells_[cell].var->get_start_pos);
     }
     return outcome;
   }
@@ -145,6 +142,11 @@ std::optional<VariableMemory::Outcome> VariableMemory::Execute(uint8_t command,
   const bool right_length = same_command->first.second.size() == payload.size();
   refused.return_code = right_length ? kBadValue : kBadLength;
   return refused;
+}
+
+// Rows that the table leaves out have their places, too.
+size_t VariableMemory::ReplySize(const std::vector<size_t>& cells) const {
+  return static_cast<size_t>(cells_[cells.front()].var->read->length);
 }
 
 const VariableMemory::WriteGroup* VariableMemory::FindWriteGroup(uint8_t command,
@@ -172,13 +174,13 @@ VariableMemory::Outcome VariableMemory::Write(const WriteGroup& group, const Byt
     return outcome;
   }
   std::map<size_t, Bytes> incoming;
-  auto from = payload.begin() + static_cast<std::ptrdiff_t>(group.head.size());
+  const auto fields = payload.begin() + static_cast<std::ptrdiff_t>(group.head.size());
   for (const size_t cell : group.cells) {
+    const auto from = group.any_length ? fields : fields + cells_[cell].var->set_start_pos;
     const auto to = group.any_length
                         ? payload.end()
                         : from + static_cast<std::ptrdiff_t>(cells_[cell].value.size());
     incoming[cell].assign(from, to);
-    from = to;
   }
   for (const auto& [cell, bytes] : incoming) {
     const VarInfo& var = *cells_[cell].var;
@@ -220,21 +222,15 @@ void VariableMemory::StoreReply(uint8_t command, const Bytes& reply) {
   if (read == reads_.end()) {
     return;
   }
-  size_t size = 0;
-  for (const size_t cell : read->second) {
-    size += cells_[cell].value.size();
-  }
-  if (size != reply.size()) {
+  if (reply.size() != ReplySize(read->second)) {
     return;
   }
-  auto from = reply.begin();
   for (const size_t index : read->second) {
     Cell& cell = cells_[index];
-    const auto to = from + static_cast<std::ptrdiff_t>(cell.value.size());
     if (!cell.is_clock) {
-      cell.value.assign(from, to);
+      const auto from = reply.begin() + cell.var->get_start_pos;
+      std::copy_n(from, cell.value.size(), cell.value.begin());
     }
-    from = to;
   }
 }
 

@@ -63,7 +63,7 @@ class VariableMemory {
     uint8_t command = 0;
     Bytes head;  ///< fixed bytes in front of the values
     std::vector<size_t> cells;
-    size_t size = 0;          ///< of all values
+    size_t size = 0;          ///< of all fields
     bool any_length = false;  ///< the one value is as long as it comes
     bool is_fov_table = false;
   };
@@ -71,6 +71,7 @@ class VariableMemory {
   void AddCell(const ConfigParser& table, const VarInfo& var);
   void AddToWriteGroup(const VarInfo& var, size_t cell,
                        std::map<const FieldGroup*, size_t>* group_of);
+  size_t ReplySize(const std::vector<size_t>& cells) const;
   const WriteGroup* FindWriteGroup(uint8_t command, const Bytes& payload) const;
   Outcome Write(const WriteGroup& group, const Bytes& payload);
   bool IsCheckedNow(const VarInfo& var, const std::map<size_t, Bytes>& incoming) const;
