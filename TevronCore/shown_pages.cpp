@@ -9,7 +9,8 @@ namespace {
 
 /// Whether both look the same on the screen.
 bool LooksLike(const ConfigParser::Value& a, const ConfigParser::Value& b) {
-  return a.edited == b.edited && a.text == b.text;
+  return a.edited == b.edited && a.state == b.state && a.read_at == b.read_at && a.text == b.text &&
+         a.wanted == b.wanted;
 }
 
 /// What `holder` holds, to be changed in place: it is copied only where somebody shares it.
