@@ -17,6 +17,14 @@ bool Fail(const char* what) {
   return false;
 }
 
+// A peer that sends without end keeps OpenSSL reading, which looks at no clock by itself.
+long RefuseLateReads(BIO* bio, int operation, const char* /*data*/, size_t /*size*/, int /*argi*/,
+                     long /*argl*/, int result, size_t* /*processed*/) {
+  using Clock = std::chrono::steady_clock;
+  const auto* deadline = reinterpret_cast<const Clock::time_point*>(BIO_get_callback_arg(bio));
+  return operation == BIO_CB_READ && Clock::now() >= *deadline ? -1 : result;
+}
+
 std::chrono::steady_clock::time_point DeadlineAfter(uint32_t limit_ms) {
   constexpr std::chrono::hours kForEver{10'000};
   const auto now = std::chrono::steady_clock::now();
@@ -41,8 +49,6 @@ bool TlsSession::InitContext(const std::string& cert, const std::string& private
   if (!context_) {
     return Fail("create SSL_CTX failed");
   }
-  // What is no answer must not keep a read busy beyond its limit.
-  SSL_CTX_clear_mode(context_.get(), SSL_MODE_AUTO_RETRY);
   if (!ca.empty()) {
     KAVEL_LOG(kInfo, "ca path: %s", ca.c_str());
     if (SSL_CTX_load_verify_locations(context_.get(), ca.c_str(), nullptr) != 1) {
@@ -71,6 +77,7 @@ bool TlsSession::InitContext(const std::string& cert, const std::string& private
 template <typename Step>
 int TlsSession::Run(Clock::time_point deadline, Step step) {
   const BrokenPipeGuard guard;
+  deadline_ = deadline;
   while (true) {
     ERR_clear_error();
     errno = 0;
@@ -97,6 +104,8 @@ bool TlsSession::Connect(SocketHandle socket, uint32_t limit_ms) {
   socket_ = socket;
   SetNonBlocking(socket, true);
   SSL_set_fd(session_.get(), static_cast<int>(socket));
+  BIO_set_callback_ex(SSL_get_rbio(session_.get()), RefuseLateReads);
+  BIO_set_callback_arg(SSL_get_rbio(session_.get()), reinterpret_cast<char*>(&deadline_));
   if (Run(DeadlineAfter(limit_ms), SSL_connect) != 1) {
     return Fail("connect ssl failed");
   }

@@ -53,6 +53,7 @@ class TlsSession {
   int Run(Clock::time_point deadline, Step step);
 
   SocketHandle socket_ = kInvalidSocket;
+  Clock::time_point deadline_;  ///< of the step that runs
   std::unique_ptr<ssl_ctx_st, Free> context_;
   std::unique_ptr<ssl_st, Free> session_;
 };

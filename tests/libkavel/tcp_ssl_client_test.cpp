@@ -108,18 +108,23 @@ TEST_F(TlsTest, SurvivesPeersThatAreNoTlsServers) {
   auto handshake = std::async(std::launch::async, [&] { return StartTls(silent.port()); });
   client.Interrupt();
   EXPECT_FALSE(handshake.get());
-  // A record that never ends: each byte arrives in time, all of them together do not.
-  SocketPeer dripping([](TcpEnd& peer) {
-    peer.Send({0x16, 0x03, 0x03, 0x40, 0x00});
-    while (!peer.Ended()) {
-      peer.Drip({0x02});
-    }
-  });
-  TlsSession session;
-  ASSERT_TRUE(session.InitContext("", "", ""));
-  const UniqueSocket socket = UniqueSocket::Owning(tcp_open(kHere, dripping.port()));
-  EXPECT_FALSE(session.Connect(socket.handle(), 50));
-  EXPECT_EQ(log.Count(kError, "connect ssl failed"), 2);
+  // A record whose bytes all arrive in time and never end; requests to begin anew, without a pause.
+  const Bytes drip = {0x16, 0x03, 0x03, 0x40, 0x00};
+  Bytes flood;
+  for (int i = 0; i < 1000; ++i) {
+    flood = flood + Bytes{0x16, 0x03, 0x03, 0x00, 0x04, 0x00, 0x00, 0x00, 0x00};
+  }
+  for (const Bytes& bytes : {drip, flood}) {
+    SocketPeer endless([&](TcpEnd& peer) {
+      for (peer.Send(bytes); !peer.Ended(); bytes == drip ? peer.Drip({2}) : peer.Send(bytes)) {
+      }
+    });
+    TlsSession session;
+    ASSERT_TRUE(session.InitContext("", "", ""));
+    const UniqueSocket socket = UniqueSocket::Owning(tcp_open(kHere, endless.port()));
+    EXPECT_FALSE(session.Connect(socket.handle(), 50));
+  }
+  EXPECT_EQ(log.Count(kError, "connect ssl failed"), 3);
 }
 
 TEST_F(TlsTest, GivesUpAConnectionThatWasMade) {
