@@ -43,6 +43,10 @@ QHash<int, QByteArray> LogLines::roleNames() const {
 }
 
 void LogLines::Append(const QString& text, const QString& tag) {
+  if (tag == QLatin1String("ERROR") && !bundle_.empty() && bundle_.back().tag == tag &&
+      bundle_.back().text == text) {
+    return;
+  }
   bundle_.push_back({QTime::currentTime().toString(QStringLiteral("hh:mm:ss.zzz")), tag, text});
   if (bundle_.size() >= kMaximumLines) {
     ShowBundle();

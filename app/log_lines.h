@@ -31,7 +31,8 @@ class LogLines : public QAbstractListModel {
   int count() const { return static_cast<int>(lines_.size()); }
 
   /// Adds one line with the tag `tag` (without brackets). It shows up within one bundle's time;
-  /// when the log is full the oldest lines go.
+  /// when the log is full the oldest lines go. A failure that comes twice in a row within a bundle
+  /// is one line: many are reported as a message and as a line.
   Q_INVOKABLE void Append(const QString& text, const QString& tag);
   /// Drops every line, also those that were not shown yet.
   Q_INVOKABLE void Clear();

@@ -24,6 +24,7 @@ TEST(LogLinesTest, TakesABundleAtOnceAndKeepsItsOrder) {
   lines.Clear();
   lines.Append("one", "INFO");
   lines.Append("two", "ERROR");
+  lines.Append("two", "ERROR");
   EXPECT_EQ(lines.count(), 0);
   ASSERT_TRUE(QTest::qWaitFor([&] { return lines.count() > 0; }));
   EXPECT_EQ(Texts(lines), QStringList({"one", "two"}));
