@@ -31,21 +31,11 @@ QString TevronManager::getSendCmxCommandReturnPayload() { return parts_->console
 void TevronManager::SetLogBytesFlowStatus(bool flag) { parts_->byte_flow->SetOn(flag); }
 
 int TevronManager::Restart() {
-  const std::shared_ptr<LidarModel> model = parts_->model();
-  const int result = parts_->MaintenanceNow().Restart(*model->table);
-  if (result == 0) {
-    parts_->session.ReadFactsAfterRestart();
-  }
-  return result;
+  return parts_->AfterRestart(parts_->MaintenanceNow().Restart(*parts_->model()->table));
 }
 
 int TevronManager::Reset() {
-  const std::shared_ptr<LidarModel> model = parts_->model();
-  const int result = parts_->MaintenanceNow().Reset(*model->table);
-  if (result == 0) {
-    parts_->session.ReadFactsAfterRestart();
-  }
-  return result;
+  return parts_->AfterRestart(parts_->MaintenanceNow().Reset(*parts_->model()->table));
 }
 
 QString TevronManager::getLidarSN() {
@@ -55,21 +45,15 @@ QString TevronManager::getLidarSN() {
 QString TevronManager::getLidarPN() { return QString::fromStdString(parts_->session.PartNumber()); }
 
 void TevronManager::LumoSetStandby(int standby) {
-  if (parts_->MaintenanceNow().WriteStandby(standby)) {
-    parts_->session.ReadFactsAgain();
-  }
+  parts_->AfterSetting(parts_->MaintenanceNow().WriteStandby(standby));
 }
 
 void TevronManager::LumoSetSpinRate(int spin_rate_rpm) {
-  if (parts_->MaintenanceNow().WriteSpinRate(spin_rate_rpm)) {
-    parts_->session.ReadFactsAgain();
-  }
+  parts_->AfterSetting(parts_->MaintenanceNow().WriteSpinRate(spin_rate_rpm));
 }
 
 void TevronManager::LumoSetReturnMode(int return_mode) {
-  if (parts_->MaintenanceNow().WriteReturnMode(return_mode)) {
-    parts_->session.ReadFactsAgain();
-  }
+  parts_->AfterSetting(parts_->MaintenanceNow().WriteReturnMode(return_mode));
 }
 
 QVariantList TevronManager::LumoGetLidarFunctionSafety() {
@@ -87,11 +71,9 @@ QString TevronManager::LumoGetBaudRate() {
 
 void TevronManager::LumoSetBaudRateFromUI(const QString& baudRateStr) {
   const std::optional<uint32_t> rate = parts_->MaintenanceNow().WriteBaudRate(baudRateStr);
-  if (!rate) {
-    return;
+  if (rate) {
+    setBaudRate(QString::number(*rate));
   }
-  setBaudRate(QString::number(*rate));
-  parts_->session.ReadFactsAgain();
 }
 
 QVariantList TevronManager::LumoGetDestinationConfig(bool silent) {
@@ -100,11 +82,7 @@ QVariantList TevronManager::LumoGetDestinationConfig(bool silent) {
 }
 
 bool TevronManager::LumoSetDestinationIPandPort(const QString& ip, int port) {
-  const bool is_set = parts_->MaintenanceNow().WriteDestination(ip, port);
-  if (is_set) {
-    parts_->session.ReadFactsAgain();
-  }
-  return is_set;
+  return parts_->MaintenanceNow().WriteDestination(ip, port);
 }
 
 QVariantList TevronManager::LumoGetNetConfig(bool silent) {
@@ -118,9 +96,7 @@ bool TevronManager::LumoSetNet(const QString& ip, const QString& mask, const QSt
 }
 
 void TevronManager::KivaSetIMURange(int angularRangeIndex, int accelRangeIndex) {
-  if (parts_->MaintenanceNow().WriteImuRange(angularRangeIndex, accelRangeIndex)) {
-    parts_->session.ReadFactsAgain();
-  }
+  parts_->AfterSetting(parts_->MaintenanceNow().WriteImuRange(angularRangeIndex, accelRangeIndex));
 }
 
 int TevronManager::RefuseForNow(const char* operation) {

@@ -61,4 +61,17 @@ struct TevronManager::Parts {
   Maintenance MaintenanceNow() {
     return Maintenance({session.sender().get(), session.state(), model()->connect_type}, report);
   }
+  /// After a setting that shows in the facts.
+  void AfterSetting(bool is_set) {
+    if (is_set) {
+      session.ReadFactsAgain();
+    }
+  }
+  /// After a command that restarts the lidar when `result` is 0; hands the result on.
+  int AfterRestart(int result) {
+    if (result == 0) {
+      session.ReadFactsAfterRestart();
+    }
+    return result;
+  }
 };
