@@ -36,6 +36,9 @@ FocusScope {
     readonly property bool stale: !manager.IsConnected && worth !== "edited"
     readonly property string place: level1 + "_" + level2 + "_" + level3
 
+    readonly property string range: leaf.range_min || leaf.range_max
+                                  ? qsTr("%1 to %2.").arg(leaf.range_min).arg(leaf.range_max) : ""
+
     // What has to be said about the value, in a sentence; empty for an ordinary reading.
     readonly property string news: {
         switch (worth) {

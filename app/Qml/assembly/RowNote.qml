@@ -11,7 +11,7 @@ PlainText {
 
     objectName: "note_" + row.place
     text: problem.length > 0 ? problem
-        : pending ? (qsTr("Edited, not saved. ") + (row.leaf.hint || "")).trim()
+        : pending ? qsTr("Edited, not saved.") + (row.range.length > 0 ? " " + row.range : "")
         : row.news.length > 0 ? row.news : row.hint
     font: Theme.captionFont
     color: problem.length > 0 ? Theme.errorColor

@@ -147,15 +147,15 @@ TestCase {
                 { "tag": "read", "text": "20", "note": "Allowed: 0 to 100" },
                 { "tag": "written", "text": "20", "note": "Written, not read back." },
                 { "tag": "differs", "text": "20", "note": "The lidar holds 20; 80 was written." },
-                Object.assign({ "tag": "read, then lost", "note": "Read at 19:04." }, late),
+                Object.assign({ "tag": "read, then lost", "note": "Read at 19:04:12." }, late),
                 Object.assign({ "tag": "differs, then lost",
-                                "note": "At 19:04 the lidar held 20; 80 was written." }, late)];
+                                "note": "At 19:04:12 the lidar held 20; 80 was written." }, late)];
     }
 
     function test_a_value_shows_what_it_is_worth(data) {
         manager["IsConnected"] = data.connected !== false;
         for (const [key, value] of [["state", data.tag.split(",")[0]], ["wanted", "80"],
-                                    ["read_at", "19:04"]])
+                                    ["read_at", "19:04:12"]])
             put(1, key, value);
         manager.myMapChanged();
         const field = editor("field_0_0_1");
