@@ -79,10 +79,13 @@ void LidarSession::Adopt(std::shared_ptr<Connection> connection) {
   const std::function<bool()> is_current = Current();
   connection_ = std::move(connection);
   model_->table->ForgetReadings();
+  read_failures_.Clear();
+  is_silent_ = false;
   if (model_->connect_type == kNetworkLink) {
-    refresh_ = std::make_unique<PageRefresh>(connection_->sender(), state_, ReportOfNow(),
-                                             PageRefresh::View{model_, page_in_view_},
-                                             Later(&LidarSession::ShowPage));
+    refresh_ = std::make_unique<PageRefresh>(
+        connection_->sender(), state_, read_failures_, ReportOfNow(),
+        PageRefresh::View{model_, page_in_view_},
+        PageRefresh::Handlers{Later(&LidarSession::ShowPage), Later(&LidarSession::ShowCaughtUp)});
   }
   state_.connected = true;
   set_up_.report.LogLine("Lidar connected", LogType::kInfo);
@@ -101,6 +104,17 @@ void LidarSession::Adopt(std::shared_ptr<Connection> connection) {
 }
 
 void LidarSession::ShowPage() { set_up_.handlers.page_read(); }
+void LidarSession::ShowCaughtUp() { set_up_.handlers.caught_up(); }
+
+std::chrono::milliseconds LidarSession::TakeReadingTime() {
+  return std::chrono::seconds(std::exchange(is_silent_, false) ? 0 : 1);
+}
+
+void LidarSession::ReadSoon(std::vector<const VarInfo*> vars) {
+  if (refresh_ != nullptr && !vars.empty()) {
+    refresh_->ReadSoon(model_, std::move(vars));
+  }
+}
 
 void LidarSession::StartReadingFacts() {
   facts_reading_ =

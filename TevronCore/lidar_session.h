@@ -1,8 +1,10 @@
 #pragma once
 
+#include <chrono>
 #include <functional>
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "CmxClient/command_sender.h"
 #include "CmxClient/log_sink.h"
@@ -12,6 +14,7 @@
 #include "maintenance/device_facts.h"
 #include "maintenance/facts_reading.h"
 #include "pages/page_refresh.h"
+#include "pages/read_failures.h"
 #include "session/lidar_model.h"
 #include "session/link_state.h"
 #include "session/post.h"
@@ -30,7 +33,8 @@ class LidarSession {
   /// destroy the session. Each has to be set.
   struct Handlers {
     std::function<void()> adopted;        ///< a lidar was connected; no value of it is known yet
-    std::function<void()> page_read;      ///< the values of the page in view may have changed
+    std::function<void()> page_read;      ///< the page in view was read in its turn
+    std::function<void()> caught_up;      ///< what ReadSoon asked for was read
     std::function<void()> state_changed;  ///< state().connected
     std::function<void()> facts_changed;
     std::function<void()> reading_facts_changed;
@@ -75,6 +79,14 @@ class LidarSession {
   void SetPageInView(int page);
   int page_in_view() const { return page_in_view_; }
 
+  /// How long a screen may wait for a page: not at all after a write that found no answer.
+  std::chrono::milliseconds TakeReadingTime();
+  void NoteWrite(bool was_answered) { is_silent_ = !was_answered; }
+  /// Reads in the background, at once, what a page read had no time for.
+  void ReadSoon(std::vector<const VarInfo*> vars);
+  /// What this lidar could not be read for; for every reader of its pages.
+  ReadFailures& read_failures() { return read_failures_; }
+
   /// What a serial-attached lidar says about itself; unread without a connection.
   const DeviceFacts& facts() const { return facts_; }
   /// Whether the first reading of this connection's facts is running.
@@ -104,6 +116,7 @@ class LidarSession {
   void StartReadingFacts();
   void TakeFacts(DeviceFacts facts);
   void ShowPage();
+  void ShowCaughtUp();
   void Lose(std::string reason);
   void Disconnect();
   void End();
@@ -115,6 +128,8 @@ class LidarSession {
   std::shared_ptr<LidarModel> model_;
   int page_in_view_ = 0;
   LinkState state_;
+  ReadFailures read_failures_;
+  bool is_silent_ = false;  ///< a write found no answer, and no page was read since
   DeviceFacts facts_;
   bool reading_facts_ = false;
   bool connecting_ = false;

@@ -238,6 +238,7 @@ class TevronManager : public QObject {
   struct Parts;
 
   void ShowRefreshedPage();
+  void ShowAll();
   void ShowPage(int page);
   void ShowFov();
   void ReportFaults(const std::vector<std::string>& faults);

@@ -21,6 +21,11 @@ void TevronManager::ShowFov() {
   }
 }
 
+void TevronManager::ShowAll() {
+  ShowFov();
+  UpdateUI();
+}
+
 void TevronManager::ShowPage(int page) {
   ShowFov();
   parts_->pages.UpdatePage(page);
@@ -30,7 +35,6 @@ void TevronManager::ShowPage(int page) {
 void TevronManager::setModuleIndexUse(int module) { parts_->session.SetPageInView(module); }
 
 void TevronManager::ShowRefreshedPage() {
-  parts_->edits->fov().StoreReadingOf(*parts_->model()->table);
   ShowFov();
   parts_->pages.UpdatePage(parts_->session.page_in_view());
   emit myTimerMapChanged();
@@ -45,9 +49,11 @@ void TevronManager::GetLidarModuleInfo(int module) {
   const std::shared_ptr<kavel::lidar::CommandSender> sender = parts_->session.sender();
   const std::vector<const VarInfo*> vars = model->pages.VariablesOf(module);
   edits->DropEdits(vars);
-  PageReader reader(*sender, *model->table, parts_->session.state(), parts_->report);
-  reader.Read(vars, "TevronManager::GetLidarModuleInfo");
-  edits->fov().StoreReadingOf(*model->table);
+  PageReader reader(*sender, *model->table, parts_->session.state(),
+                    parts_->session.read_failures(), parts_->report);
+  const Unread unread =
+      reader.Read(vars, "TevronManager::GetLidarModuleInfo", parts_->session.TakeReadingTime());
+  parts_->session.ReadSoon(unread.left);
   ShowPage(module);
 }
 
@@ -58,11 +64,11 @@ bool TevronManager::UpdateSingleVarInfo(const QString& qs_var_info, const QStrin
   if (var == nullptr || sender == nullptr || model->connect_type != kNetworkLink) {
     return false;
   }
-  PageReader reader(*sender, *model->table, parts_->session.state(), parts_->report);
+  PageReader reader(*sender, *model->table, parts_->session.state(),
+                    parts_->session.read_failures(), parts_->report);
   if (!reader.GetInfoFromLidar(*var)) {
     return false;
   }
-  parts_->edits->fov().StoreReadingOf(*model->table);
   ShowPage(model->pages.PositionOf(*var).level1);
   return true;
 }
@@ -116,8 +122,11 @@ void TevronManager::Run(int module) {
   const std::shared_ptr<EditSession> edits = parts_->edits;
   const std::shared_ptr<kavel::lidar::CommandSender> sender = parts_->session.sender();
   PageWriter writer({sender.get(), *model->table, model->pages, parts_->session.state(),
-                     edits->pending(), edits->fov(), parts_->report});
-  if (writer.Run(module)) {
+                     edits->pending(), edits->fov(), parts_->session.read_failures(),
+                     parts_->report});
+  const PageWriter::Outcome outcome = writer.Run(module);
+  parts_->session.NoteWrite(outcome != PageWriter::Outcome::kNoAnswer);
+  if (outcome == PageWriter::Outcome::kWritten) {
     UpdateUI();
   }
   ShowFov();

@@ -31,7 +31,9 @@ void ScreenReport::LogLine(const std::string& text, LogType type) {
 }
 
 LidarSession::Handlers TevronManager::Parts::HandlersOf(TevronManager& manager) {
-  return {[&manager] { manager.UpdateUI(); }, [&manager] { manager.ShowRefreshedPage(); },
+  return {[&manager] { manager.UpdateUI(); },
+          [&manager] { manager.ShowRefreshedPage(); },
+          [&manager] { manager.ShowAll(); },
           [&manager] { emit manager.isConnectedChanged(); },
           [&manager] { emit manager.lumoLidarInfoChanged(); },
           [&manager] { emit manager.isGetPBLVersionChanged(); }};

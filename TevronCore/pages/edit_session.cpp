@@ -35,7 +35,7 @@ void EditSession::SetText(int kind, const VarInfo& var, const std::string& text,
 bool EditSession::SetFov(int index, const std::string& text, UserReport& report) {
   switch (fov_.Edit(index, text)) {
     case FovTable::EditResult::kStored:
-      pending_.insert(kFovSetCommand);
+      pending_.insert(fov_.variable()->set_cmd);
       return true;
     case FovTable::EditResult::kInvalid:
       report.Error("Input value of fov is invalid");
@@ -50,7 +50,7 @@ void EditSession::DropEdits(const std::vector<const VarInfo*>& vars) {
   table_.DropEdits(vars);
   for (const VarInfo* var : vars) {
     pending_.erase(var->set_cmd);
-    if (var->set_cmd == kFovSetCommand) {
+    if (var == fov_.variable()) {
       fov_.DropEdits();
     }
   }

@@ -22,7 +22,7 @@ class EditSession {
   };
 
   /// `table` has to outlive the session.
-  explicit EditSession(ConfigParser& table) : table_(table) {}
+  explicit EditSession(ConfigParser& table) : table_(table), fov_(table) {}
 
   /// Lays the user's input over `var` and marks its set command as pending. Switching on restores
   /// the last value that was not 0, else the lower end of the range, else 1. Input that means

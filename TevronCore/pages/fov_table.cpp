@@ -3,10 +3,20 @@
 #include <QString>
 
 #include "CmxClient/fov_command.h"
+#include "variables/command_code.h"
+
+FovTable::FovTable(const ConfigParser& table) : table_(table) {
+  for (const VarInfo* var : table.InTableOrder()) {
+    if (IsCommand(var->set_cmd, kavel::lidar::kFovCommand)) {
+      variable_ = var;
+      return;
+    }
+  }
+}
 
 FovTable::EditResult FovTable::Edit(int index, const std::string& text) {
   const auto position = static_cast<size_t>(index);
-  if (position >= kSize) {
+  if (position >= kSize || variable_ == nullptr) {
     return EditResult::kIgnored;
   }
   bool is_number = false;
@@ -17,38 +27,38 @@ FovTable::EditResult FovTable::Edit(int index, const std::string& text) {
     return EditResult::kInvalid;
   }
   edits_[position] = static_cast<float>(degrees);
-  edited_[position] = true;
   return EditResult::kStored;
 }
 
-void FovTable::StoreReading(const Degrees& degrees) { reading_ = degrees; }
+void FovTable::DropEdits() { edits_.fill(std::nullopt); }
 
-void FovTable::StoreReadingOf(const ConfigParser& table) {
-  for (const VarInfo* var : table.WrittenBy(kFovSetCommand)) {
-    Degrees degrees{};
-    uint8_t mode = 0;
-    if (kavel::lidar::ParseFovTable(table.ValueOf(*var).bytes, &degrees, &mode)) {
-      StoreReading(degrees);
-    }
+std::optional<FovTable::Setting> FovTable::Held() const {
+  Setting held;
+  if (variable_ == nullptr ||
+      !kavel::lidar::ParseFovTable(table_.ValueOf(*variable_).bytes, &held.degrees, &held.mode)) {
+    return std::nullopt;
   }
+  return held;
 }
 
-void FovTable::DropEdits() { edited_.fill(false); }
-
-FovTable::Degrees FovTable::Shown() const {
-  Degrees shown = reading_;
-  for (size_t i = 0; i < kSize; ++i) {
-    if (edited_[i]) {
-      shown[i] = edits_[i];
+std::optional<FovTable::Setting> FovTable::ToSend() const {
+  std::optional<Setting> setting = Held();
+  if (setting) {
+    for (size_t i = 0; i < kSize; ++i) {
+      setting->degrees[i] = edits_[i].value_or(setting->degrees[i]);
     }
   }
-  return shown;
+  return setting;
 }
 
 std::vector<std::string> FovTable::Texts() const {
+  const std::optional<Setting> held = Held();
   std::vector<std::string> texts;
-  for (const float degrees : Shown()) {
-    texts.push_back(QString::number(static_cast<double>(degrees), 'g', 6).toStdString());
+  for (size_t i = 0; i < kSize; ++i) {
+    const std::optional<float> degrees =
+        edits_[i] || !held ? edits_[i] : std::optional(held->degrees[i]);
+    texts.push_back(degrees ? QString::number(static_cast<double>(*degrees), 'g', 6).toStdString()
+                            : "");
   }
   return texts;
 }

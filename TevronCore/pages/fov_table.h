@@ -2,43 +2,51 @@
 
 #include <array>
 #include <cstddef>
+#include <cstdint>
+#include <optional>
 #include <string>
 #include <vector>
 
 #include "variables/config_parser.h"
 
-/// The set command of the field-of-view table, as the variable tables write it.
-inline constexpr char kFovSetCommand[] = "0x22";
-
-/// The ten field-of-view angles as the user sees them: the lidar's, with the user's edits laid over
-/// them. GUI thread only.
+/// The ten field-of-view angles as the user sees them: the user's edits laid over those that the
+/// lidar holds by the table's bytes. GUI thread only.
 class FovTable {
  public:
   static constexpr size_t kSize = 10;
   static constexpr double kMaxDegrees = 360.0;
   using Degrees = std::array<float, kSize>;
 
+  /// What is sent: the angles, and the device's mode byte, which is passed through.
+  struct Setting {
+    Degrees degrees{};
+    uint8_t mode = 0;
+  };
+
   enum class EditResult { kStored, kIgnored, kInvalid };
 
-  /// Takes the text typed for angle `index`. kIgnored for an index outside the table, kInvalid for
-  /// a text that is no number in [0, 360]; nothing is stored then.
+  /// `table` has to outlive the object.
+  explicit FovTable(const ConfigParser& table);
+
+  /// The variable that is written by the field-of-view command; null in a table without one.
+  const VarInfo* variable() const { return variable_; }
+
+  /// Takes the text typed for angle `index`. kIgnored for an index outside the table and without a
+  /// variable, kInvalid for a text that is no number in [0, 360]; nothing is stored then.
   EditResult Edit(int index, const std::string& text);
-
-  /// Takes the lidar's angles; edited ones keep the user's.
-  void StoreReading(const Degrees& degrees);
-  /// The same from the field-of-view variable of `table`, when it has been read.
-  void StoreReadingOf(const ConfigParser& table);
-
-  /// Back to the last reading.
   void DropEdits();
 
-  /// What the user sees, and what is sent.
-  Degrees Shown() const;
-  /// The same as ten texts, independent of the locale.
+  /// The angles with the edits in them; nothing while no table of this connection's lidar is known.
+  std::optional<Setting> ToSend() const;
+
+  /// The ten angles as texts, independent of the locale; empty where neither lidar nor user has
+  /// said one.
   std::vector<std::string> Texts() const;
 
  private:
-  Degrees reading_{};
-  Degrees edits_{};
-  std::array<bool, kSize> edited_{};
+  std::optional<Setting> Held() const;
+
+  const ConfigParser& table_;
+  const VarInfo* variable_ = nullptr;
+  std::array<std::optional<float>, kSize> edits_;
 };

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <exception>
 
+#include "CmxClient/cmx_client.h"
 #include "CmxClient/cmx_parser.h"
 #include "Log/logger.h"
 #include "variables/command_code.h"
@@ -15,9 +16,30 @@ using kavel::lidar::kError;
 
 constexpr char kGroupRead[] = "TevronManager::GetInfoFromLidarWithSameCmd";
 constexpr int kMaxUnansweredInARow = 2;
+constexpr char kSilence[] = "";  // no read command has this key
 
 /// A refusal by the authentication gate says nothing about the next, perhaps unprotected, command.
 bool IsSilence(int32_t error) { return error < 0 && error != kavel::lidar::kAuthRefused; }
+
+/// The names of a group, as many as fit a line.
+std::string NamesOf(const ReadGroup& group) {
+  constexpr size_t kShown = 8;
+  std::string names;
+  for (size_t i = 0; i < std::min(group.size(), kShown); ++i) {
+    names += (i == 0 ? "" : ", ") + group[i]->var_name;
+  }
+  return group.size() > kShown ? names + " and " + std::to_string(group.size() - kShown) + " more"
+                               : names;
+}
+
+/// How many bytes the reply to a group's command has at least.
+int64_t LengthOf(const ReadGroup& group) {
+  int64_t length = 0;
+  for (const VarInfo* var : group) {
+    length = std::max(length, int64_t{var->get_start_pos} + var->offset);
+  }
+  return length;
+}
 
 }  // namespace
 
@@ -35,27 +57,66 @@ std::map<std::string, ReadGroup> GroupByReadCommand(const std::vector<const VarI
   return groups;
 }
 
-void PageReader::Read(const std::vector<const VarInfo*>& vars, const char* caller) {
+Unread PageReader::Read(const std::vector<const VarInfo*>& vars, const char* caller,
+                        std::chrono::milliseconds time) {
+  const auto end = std::chrono::steady_clock::now() + time;
+  const std::map<std::string, ReadGroup> groups = GroupByReadCommand(vars);
+  Unread unread;
   int unanswered = 0;
-  for (const auto& [key, group] : GroupByReadCommand(vars)) {
-    try {
-      const ReadOutcome outcome = GetInfoFromLidarWithSameCmd(group);
-      unanswered = outcome == ReadOutcome::kNoAnswer ? unanswered + 1 : 0;
-    } catch (const std::exception& e) {
-      qDebug().noquote().nospace() << caller << "(): ERROR " << e.what()
-                                   << ". get_cmd and payload = " << QString::fromStdString(key);
-    }
+  for (const auto& [key, group] : groups) {
     if (unanswered == kMaxUnansweredInARow) {
-      report_.LogLine(
-          "The lidar did not answer two read commands in a row. The rest of the page was not read.",
-          LogType::kWarning);
-      return;
+      for (const VarInfo* var : group) {
+        unread.failed[var] = "the lidar is silent";
+      }
+    } else if (std::chrono::steady_clock::now() >= end) {
+      unread.left.insert(unread.left.end(), group.begin(), group.end());
+    } else {
+      const ReadOutcome outcome = ReadGroupNow(key, group, caller, &unread);
+      unread.silent = outcome == ReadOutcome::kNoAnswer;
+      unanswered = unread.silent ? unanswered + 1 : 0;
+      if (outcome == ReadOutcome::kRead) {
+        failures_.WasRead(kSilence);
+      }
     }
   }
+  if (unanswered == kMaxUnansweredInARow && failures_.IsNews(kSilence)) {
+    report_.LogLine(
+        "The lidar did not answer two read commands in a row. The rest of the page was not read.",
+        LogType::kWarning);
+  }
+  return unread;
 }
 
-ReadOutcome PageReader::GetInfoFromLidarWithSameCmd(const ReadGroup& group) {
+ReadOutcome PageReader::ReadGroupNow(const std::string& key, const ReadGroup& group,
+                                     const char* caller, Unread* unread) {
+  ReadOutcome outcome = ReadOutcome::kRefused;
+  std::string reason;
+  try {
+    outcome = GetInfoFromLidarWithSameCmd(group, &reason);
+  } catch (const std::exception& e) {
+    qDebug().noquote().nospace() << caller << "(): ERROR " << e.what()
+                                 << ". get_cmd and payload = " << QString::fromStdString(key);
+    reason = e.what();
+  }
+  if (outcome == ReadOutcome::kRead) {
+    failures_.WasRead(key);
+    return outcome;
+  }
+  for (const VarInfo* var : group) {
+    unread->failed[var] = reason;
+  }
+  // Not being allowed to ask is no failure: whoever forbade it says so.
+  if (outcome != ReadOutcome::kNotSent && failures_.IsNews(key)) {
+    report_.LogLine(group.front()->function_module + ": " + NamesOf(group) +
+                        " could not be read: " + reason + ".",
+                    LogType::kWarning);
+  }
+  return outcome;
+}
+
+ReadOutcome PageReader::GetInfoFromLidarWithSameCmd(const ReadGroup& group, std::string* reason) {
   if (!sender_.IsOpen() || !state_.MayRead()) {
+    *reason = "the lidar may not be asked now";
     return ReadOutcome::kNotSent;
   }
   if (group.empty()) {
@@ -78,12 +139,21 @@ ReadOutcome PageReader::GetInfoFromLidarWithSameCmd(const ReadGroup& group) {
   if (result != 0) {
     qDebug().noquote() << kGroupRead << "FAILED, cmd sent =" << command
                        << "-- QueryCommand()'s ret =" << result;
+    *reason = kavel::lidar::CmxClient::ErrorText(error);
     return IsSilence(error) ? ReadOutcome::kNoAnswer : ReadOutcome::kRefused;
   }
   if (reply.empty()) {
     qDebug().noquote().nospace() << kGroupRead << "(): try get "
                                  << QString::fromStdString(first.var_name)
                                  << ", but get no return msg from lidar. cmd sent = " << command;
+    *reason = "the answer is empty";
+    return ReadOutcome::kRefused;
+  }
+  const int64_t needed = LengthOf(group);
+  if (static_cast<int64_t>(reply.size()) < needed) {
+    KAVEL_LOG(kError, "get var pos offset failed!");
+    *reason = "the answer is too short, " + std::to_string(reply.size()) + " of " +
+              std::to_string(needed) + " bytes";
     return ReadOutcome::kRefused;
   }
   std::vector<uint8_t> slice;
@@ -91,20 +161,12 @@ ReadOutcome PageReader::GetInfoFromLidarWithSameCmd(const ReadGroup& group) {
   for (const VarInfo* var : group) {
     any_taken = UpdateSingleVarFromOutput(*var, read.code, reply, slice) || any_taken;
   }
+  *reason = "the answer does not fit the type";
   return any_taken ? ReadOutcome::kRead : ReadOutcome::kRefused;
 }
 
 bool PageReader::GetInfoFromLidar(const VarInfo& var) {
-  if (var.get_cmd.empty()) {
-    return false;
-  }
-  try {
-    return GetInfoFromLidarWithSameCmd({&var}) == ReadOutcome::kRead;
-  } catch (const std::exception& e) {
-    qDebug().noquote().nospace() << "TevronManager::GetInfoFromLidar(): ERROR " << e.what()
-                                 << ". get_cmd = " << QString::fromStdString(var.get_cmd);
-    return false;
-  }
+  return !var.get_cmd.empty() && Read({&var}, "TevronManager::GetInfoFromLidar").failed.empty();
 }
 
 bool PageReader::UpdateSingleVarFromOutput(const VarInfo& var, uint8_t cmd,

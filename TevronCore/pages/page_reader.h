@@ -1,11 +1,13 @@
 #pragma once
 
+#include <chrono>
 #include <cstdint>
 #include <map>
 #include <string>
 #include <vector>
 
 #include "CmxClient/command_sender.h"
+#include "pages/read_failures.h"
 #include "session/link_state.h"
 #include "session/user_report.h"
 #include "variables/config_parser.h"
@@ -25,24 +27,39 @@ enum class ReadOutcome {
   kNoAnswer,  ///< no usable reply arrived
 };
 
+/// What a reading did not bring.
+struct Unread {
+  /// Why each variable that was asked for, or left out after silence, has no new value.
+  std::map<const VarInfo*, std::string> failed;
+  /// Those that there was no time for.
+  std::vector<const VarInfo*> left;
+  bool silent = false;  ///< the last command that was sent found no answer
+};
+
 /// Asks the lidar for variables and stores what it answers in the table. Edited variables keep the
-/// user's text. A failure leaves earlier values in place and is written to the log only.
+/// user's text. A failure leaves earlier values in place; the log window tells it once, as
+/// ReadFailures has it.
 ///
 /// Runs on the thread that calls it and holds no lock while it waits for the lidar. All arguments
 /// have to outlive the reader.
 class PageReader {
  public:
+  static constexpr std::chrono::milliseconds kNoLimit = std::chrono::hours(24);
+
   PageReader(kavel::lidar::CommandSender& sender, ConfigParser& table, const LinkState& state,
-             UserReport& report)
-      : sender_(sender), table_(table), state_(state), report_(report) {}
+             ReadFailures& failures, UserReport& report)
+      : sender_(sender), table_(table), state_(state), failures_(failures), report_(report) {}
 
-  /// Sends each distinct read command of `vars` once, in key order. After two commands in a row
-  /// without an answer the rest is left out, so that a silent lidar cannot hold up the window for
-  /// the whole page. `caller` names the user of the reader in the log.
-  void Read(const std::vector<const VarInfo*>& vars, const char* caller);
+  /// Sends each distinct read command of `vars` once, in key order. Begins none once `time` is
+  /// over, and leaves the rest out after two commands in a row without an answer, so that a silent
+  /// lidar cannot hold up the window for the whole page. `caller` names the user of the reader in
+  /// the log.
+  Unread Read(const std::vector<const VarInfo*>& vars, const char* caller,
+              std::chrono::milliseconds time = kNoLimit);
 
-  /// Reads one group. Its variables have to share one read command and payload.
-  ReadOutcome GetInfoFromLidarWithSameCmd(const ReadGroup& group);
+  /// Reads one group. Its variables have to share one read command and payload. *reason says why
+  /// none of them was read.
+  ReadOutcome GetInfoFromLidarWithSameCmd(const ReadGroup& group, std::string* reason);
 
   /// Reads one variable: true when its value came.
   bool GetInfoFromLidar(const VarInfo& var);
@@ -54,8 +71,12 @@ class PageReader {
                                  const std::vector<uint8_t>& output, std::vector<uint8_t>& slice);
 
  private:
+  ReadOutcome ReadGroupNow(const std::string& key, const ReadGroup& group, const char* caller,
+                           Unread* unread);
+
   kavel::lidar::CommandSender& sender_;
   ConfigParser& table_;
   const LinkState& state_;
+  ReadFailures& failures_;
   UserReport& report_;
 };

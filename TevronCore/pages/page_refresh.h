@@ -5,8 +5,10 @@
 #include <memory>
 #include <mutex>
 #include <thread>
+#include <vector>
 
 #include "CmxClient/command_sender.h"
+#include "pages/read_failures.h"
 #include "session/lidar_model.h"
 #include "session/link_state.h"
 #include "session/stop_signal.h"
@@ -25,10 +27,16 @@ class PageRefresh {
   /// A pass reads only when this many have gone by since the last read: every 3 s.
   static constexpr int kPassesPerRead = 30;
 
-  /// Starts at once. `state` has to outlive the object; `on_refreshed` is called on the refreshing
-  /// thread after a page was read and must not destroy the object.
+  /// Called on the refreshing thread; must not destroy the object.
+  struct Handlers {
+    std::function<void()> refreshed;  ///< the page in view was read in its turn
+    std::function<void()> caught_up;  ///< what ReadSoon asked for was read
+  };
+
+  /// Starts at once. `state` and `failures` have to outlive the object.
   PageRefresh(std::shared_ptr<kavel::lidar::CommandSender> sender, const LinkState& state,
-              std::shared_ptr<UserReport> report, View view, std::function<void()> on_refreshed);
+              ReadFailures& failures, std::shared_ptr<UserReport> report, View view,
+              Handlers handlers);
   /// Waits for the thread, whose exchange in progress has to be ended by whoever owns the sender.
   ~PageRefresh();
   PageRefresh(const PageRefresh&) = delete;
@@ -37,16 +45,25 @@ class PageRefresh {
   /// What to read from the next pass on.
   void SetView(View view);
 
+  /// Reads these variables in the next pass, once, out of turn. Replaces what was asked for and not
+  /// yet read.
+  void ReadSoon(std::shared_ptr<LidarModel> model, std::vector<const VarInfo*> vars);
+
  private:
   void UpdatePagesTimer();
   void ReadView();
+  void CatchUp();
+  void Read(const LidarModel& model, const std::vector<const VarInfo*>& vars);
 
   const std::shared_ptr<kavel::lidar::CommandSender> sender_;
   const LinkState& state_;
+  ReadFailures& failures_;
   const std::shared_ptr<UserReport> report_;
-  const std::function<void()> on_refreshed_;
+  const Handlers handlers_;
   std::mutex mutex_;
-  View view_;  ///< guarded by mutex_
+  View view_;                               ///< guarded by mutex_
+  std::shared_ptr<LidarModel> soon_model_;  ///< guarded by mutex_
+  std::vector<const VarInfo*> soon_;        ///< guarded by mutex_
   StopSignal stop_;
   std::thread thread_;
 };

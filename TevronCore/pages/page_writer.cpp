@@ -9,12 +9,15 @@
 #include "CmxClient/cmx_client.h"
 #include "CmxClient/fov_command.h"
 #include "CmxClient/hex_text.h"
-#include "pages/page_reader.h"
+#include "variables/command_code.h"
 
 namespace {
 
 /// The network settings: may cut the connection, so it goes last and needs no answer.
-constexpr char kNetworkCommand[] = "0x21";
+constexpr uint8_t kNetworkCommand = 0x21;
+
+/// Reading before a write begins no further command after this: the window waits.
+constexpr std::chrono::seconds kReadingTime{1};
 
 constexpr char kAllSet[] =
     "Set Lidar Successfully\nNote that if you have changed the TCP-related settings, you will need "
@@ -29,10 +32,10 @@ QDebug Debug() { return qDebug().noquote() << "TevronManager::Run"; }
 
 }  // namespace
 
-bool PageWriter::Run(int module) {
+PageWriter::Outcome PageWriter::Run(int module) {
   const int page_count = parts_.pages.page_count();
   if (page_count == 0 || !MayWrite() || module < 0 || module >= page_count) {
-    return false;
+    return Outcome::kNothing;
   }
   try {
     Gather(module);
@@ -40,10 +43,10 @@ bool PageWriter::Run(int module) {
     SendAll();
   } catch (const std::exception& e) {
     ReportFailure(e.what());
-    return false;
+    return command_was_sent_ && !lidar_answered_ ? Outcome::kNoAnswer : Outcome::kFailed;
   }
   parts_.report.Success(kAllSet);
-  return true;
+  return Outcome::kWritten;
 }
 
 bool PageWriter::MayWrite() {
@@ -55,7 +58,7 @@ bool PageWriter::MayWrite() {
 }
 
 void PageWriter::Gather(int module) {
-  bool network_settings_pending = false;
+  std::vector<std::string> network_settings;
   for (const VarInfo* row : parts_.pages.VariablesOf(module)) {
     if (row->set_cmd.empty() || parts_.pending.erase(row->set_cmd) == 0) {
       continue;
@@ -68,30 +71,41 @@ void PageWriter::Gather(int module) {
         to_read_.push_back(var);
       }
     }
-    if (command_ == kNetworkCommand) {
-      network_settings_pending = true;
-    } else {
-      send_list_.push_back(command_);
-    }
+    (IsCommand(command_, kNetworkCommand) ? network_settings : send_list_).push_back(command_);
   }
-  if (network_settings_pending) {
-    send_list_.emplace_back(kNetworkCommand);
-  }
+  send_list_.insert(send_list_.end(), network_settings.begin(), network_settings.end());
   parts_.pending.clear();
 }
 
 void PageWriter::ReadPresentValues() {
-  PageReader reader(*parts_.sender, parts_.table, parts_.state, parts_.report);
-  reader.Read(to_read_, "TevronManager::Run");
-  parts_.fov.StoreReadingOf(parts_.table);
+  PageReader reader(*parts_.sender, parts_.table, parts_.state, parts_.failures, parts_.report);
+  unread_ = reader.Read(to_read_, "TevronManager::Run", kReadingTime);
+  for (const VarInfo* var : unread_.left) {
+    unread_.failed[var] = "the lidar is slow";
+  }
+  lidar_answered_ = !unread_.silent;
+}
+
+/// The fields that the user left alone go out as this lidar last reported them; it may hold others
+/// by now.
+void PageWriter::WarnOfOldValues(const std::string& set_cmd) {
+  for (const VarInfo* var : parts_.table.WrittenBy(set_cmd)) {
+    const auto failure = unread_.failed.find(var);
+    if (failure != unread_.failed.end()) {
+      parts_.report.LogLine("The present values of [" + set_cmd + "] could not be read (" +
+                                failure->second + "): the last ones that were read go with it.",
+                            LogType::kWarning);
+      return;
+    }
+  }
 }
 
 void PageWriter::SendAll() {
   for (const std::string& set_cmd : send_list_) {
     command_ = set_cmd;
     names_ = builder_.ChangedNames(set_cmd);
-    if (set_cmd == kFovSetCommand) {
-      SendFov();
+    if (IsCommand(set_cmd, kavel::lidar::kFovCommand)) {
+      SendFov(set_cmd);
     } else {
       Send(set_cmd);
     }
@@ -99,25 +113,26 @@ void PageWriter::SendAll() {
   }
 }
 
-void PageWriter::SendFov() {
-  const VarInfo& variable = *parts_.table.WrittenBy(kFovSetCommand).front();
-  const std::vector<uint8_t> present = parts_.table.ValueOf(variable).bytes;
-  // Without the lidar's own table the angles that the user left alone would be sent as 0.
-  if (present.empty() && !variable.get_cmd.empty()) {
-    throw std::runtime_error("Unknown error with this var: It has no current_val. var_name = " +
-                             variable.var_name);
+void PageWriter::SendFov(const std::string& set_cmd) {
+  const std::optional<FovTable::Setting> setting = parts_.fov.ToSend();
+  if (!setting) {
+    throw std::runtime_error(
+        "The lidar's field-of-view table was not read, so that the other angles are not known.");
   }
-  const uint8_t mode = present.empty() ? uint8_t{0} : present.front();
+  WarnOfOldValues(set_cmd);
   int32_t error = 0;
   command_was_sent_ = true;
-  if (kavel::lidar::SendFovTable(*parts_.sender, parts_.fov.Shown(), kavel::lidar::kFovPairs, mode,
-                                 &error) != 0) {
-    Fail(kFovSetCommand, "set channel fov failed");
+  const int32_t result = kavel::lidar::SendFovTable(*parts_.sender, setting->degrees,
+                                                    kavel::lidar::kFovPairs, setting->mode, &error);
+  TakeAnswer(error);
+  if (result != 0) {
+    Fail(set_cmd, "set channel fov failed");
   }
 }
 
 void PageWriter::Send(const std::string& set_cmd) {
   const SetCommand command = builder_.Build(set_cmd);
+  WarnOfOldValues(set_cmd);
   const QString cmd_text = QString::fromStdString(set_cmd);
   Debug() << "(): QueryCommand send cmd:    " << cmd_text;
   const std::string payload = CarriesSecret(parts_.table.WrittenBy(set_cmd))
@@ -129,19 +144,21 @@ void PageWriter::Send(const std::string& set_cmd) {
   // the outcome.
   parts_.report.LogLine("Send CMX command [" + set_cmd + "] to set " + command.names + " success.",
                         LogType::kInfo);
+  const bool was_reached = lidar_answered_;
   std::vector<uint8_t> reply;
   int32_t error = 0;
   command_was_sent_ = true;
   const int32_t result =
       parts_.sender->QueryCommand(command.payload, reply, command.code, false, &error);
-  const bool is_network = set_cmd == kNetworkCommand;
+  TakeAnswer(error);
+  const bool is_network = command.code == kNetworkCommand;
   // A lidar that has just taken new network settings drops the link before it answers.
   if (result == 0 || (is_network && error == kavel::lidar::kNoReply)) {
     Debug() << "(): QueryCommand SUCCESS, get result =" << result;
-    if (is_network) {
-      NameNextAddress();
-    } else {
+    if (!is_network) {
       parts_.report.Success("CMX command [" + set_cmd + "] to set " + command.names + " success.");
+    } else if (result == 0 || was_reached) {
+      NameNextAddress(set_cmd);
     }
     return;
   }
@@ -149,6 +166,8 @@ void PageWriter::Send(const std::string& set_cmd) {
   Fail(set_cmd, set_cmd + " SET " + command.names +
                     " ret_code: " + kavel::lidar::CmxClient::ErrorText(error));
 }
+
+void PageWriter::TakeAnswer(int32_t error) { lidar_answered_ = error >= 0; }
 
 void PageWriter::Fail(const std::string& set_cmd, const std::string& reason) {
   parts_.report.LogLine("SET [" + set_cmd + "] FAILED", LogType::kWarning);
@@ -173,8 +192,8 @@ void PageWriter::ReportFailure(const std::string& reason) {
                         LogType::kWarning);
 }
 
-void PageWriter::NameNextAddress() {
-  const std::vector<const VarInfo*> vars = parts_.table.WrittenBy(kNetworkCommand);
+void PageWriter::NameNextAddress(const std::string& set_cmd) {
+  const std::vector<const VarInfo*> vars = parts_.table.WrittenBy(set_cmd);
   const auto address = std::find_if(vars.begin(), vars.end(), [](const VarInfo* var) {
     return var->value_type->kind == ValueKind::kAddress;
   });

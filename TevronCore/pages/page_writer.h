@@ -6,7 +6,9 @@
 #include "CmxClient/command_sender.h"
 #include "pages/edit_session.h"
 #include "pages/fov_table.h"
+#include "pages/page_reader.h"
 #include "pages/payload_builder.h"
+#include "pages/read_failures.h"
 #include "session/link_state.h"
 #include "session/user_report.h"
 #include "variables/config_parser.h"
@@ -26,31 +28,42 @@ class PageWriter {
     const LinkState& state;
     PendingCommands& pending;
     FovTable& fov;
+    ReadFailures& failures;
     UserReport& report;
+  };
+
+  enum class Outcome {
+    kNothing,   ///< nothing was to be done, or nothing may be written now
+    kWritten,   ///< everything was accepted
+    kFailed,    ///< what came before the failure stays applied
+    kNoAnswer,  ///< failed because the lidar said nothing
   };
 
   explicit PageWriter(const Parts& parts) : parts_(parts), builder_(parts.table) {}
 
-  /// Writes page `module`; at most once per writer. What happened goes to the report. True when
-  /// everything was written, so that the pages have to be shown anew.
-  bool Run(int module);
+  /// Writes page `module`; at most once per writer. What happened goes to the report.
+  Outcome Run(int module);
 
  private:
   bool MayWrite();
   void Gather(int module);
   void ReadPresentValues();
+  void WarnOfOldValues(const std::string& set_cmd);
   void SendAll();
-  void SendFov();
+  void SendFov(const std::string& set_cmd);
   void Send(const std::string& set_cmd);
+  void TakeAnswer(int32_t error);
   void Fail(const std::string& set_cmd, const std::string& reason);
   void ReportFailure(const std::string& reason);
-  void NameNextAddress();
+  void NameNextAddress(const std::string& set_cmd);
 
   const Parts parts_;
   PayloadBuilder builder_;
   std::vector<std::string> send_list_;
   std::vector<const VarInfo*> to_read_;
+  Unread unread_;
   std::vector<std::string> applied_;
+  bool lidar_answered_ = false;  ///< the last exchange reached it
   // What a failure report names: the command in hand, and whether any was issued.
   std::string command_;
   std::string names_;

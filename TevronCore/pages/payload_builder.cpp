@@ -60,7 +60,15 @@ SetCommand PayloadBuilder::Build(const std::string& set_cmd) const {
                          : WireCommandOf(set_cmd);
   SetCommand command{wire.code, std::move(wire.payload), ChangedNames(set_cmd)};
   for (const VarInfo* var : vars) {
-    Append(BytesOf(*var), &command.payload);
+    const std::vector<uint8_t> bytes = BytesOf(*var);
+    // What is alone and can only be set is a trigger, which carries nothing.
+    const bool is_trigger = vars.size() == 1 && var->get_cmd.empty() && bytes.empty();
+    if (!is_trigger && bytes.size() != static_cast<size_t>(var->offset)) {
+      throw std::runtime_error(var->var_name + " takes " + std::to_string(bytes.size()) +
+                               " bytes, but its place in the command has " +
+                               std::to_string(var->offset) + ".");
+    }
+    Append(bytes, &command.payload);
   }
   return command;
 }

@@ -66,6 +66,21 @@ TEST_F(ManagerPagesTest, ThePeriodicRefreshShowsNewValuesAndLeavesEditsAlone) {
   EXPECT_TRUE(Edited("Minimum Distance"));
 }
 
+TEST_F(ManagerPagesTest, ASaveWithoutAnAnswerIsReadAgainInTheBackground) {
+  VirtualLidarProcess lidar({"--fault", "drop@0x12"});
+  ASSERT_TRUE(ConnectTo(lidar));
+  OpenPage("Scan");
+  Edit("Minimum Distance", "45");
+  Save("Scan");
+  EXPECT_EQ(1, TakeErrors().filter("Set Failed: 0x12 SET Minimum Distance, ").size());
+  const auto read_count = [&lidar] { return lidar.Output().count("11 (0 bytes)"); };
+  EXPECT_EQ(read_count(), 2) << "on opening the page and before the write";
+  QSignalSpy shown(manager_.get(), &TevronManager::myMapChanged);
+  ASSERT_TRUE(WaitFor([&shown] { return shown.count() > 0; }));
+  EXPECT_EQ(read_count(), 3);
+  EXPECT_EQ(Text("Minimum Distance"), "20");
+}
+
 TEST_F(ManagerPagesTest, NothingIsReadDuringADownload) {
   const VirtualLidarProcess lidar;
   ASSERT_TRUE(ConnectTo(lidar));

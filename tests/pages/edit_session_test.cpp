@@ -7,6 +7,7 @@
 
 namespace {
 
+using Bytes = std::vector<uint8_t>;
 using Lines = std::vector<std::string>;
 
 constexpr char kRows[] =
@@ -14,7 +15,7 @@ constexpr char kRows[] =
     "1,2,0x30,0x31,2,Filter,1,uint8,0,switch:3..9,,,,Page,,0,,,\n"
     "1,4,0x30,0x33,2,Mode,1,uint8,10,10|20|30,,,Low|Mid|High,Page,,0,,,\n"
     "1,5,0x30,,,Reading,0,uint8,1,,,,,Page,,0,,,\n"
-    "2,1,0x2C,0x22,1,FOV,1,raw,,,,,,FOV,42,0,,,\n";
+    "2,1,0x2C,34,1,FOV,1,raw,,,,,,FOV,42,0,,,\n";
 
 class EditSessionTest : public testing::Test {
  protected:
@@ -74,14 +75,23 @@ TEST_F(EditSessionTest, AnglesAreTakenInsideTheirLimits) {
   EXPECT_TRUE(session_.SetFov(9, "360", report_));
   EXPECT_TRUE(session_.SetFov(0, "0", report_));
   EXPECT_TRUE(session_.SetFov(1, "12.25", report_));
-  EXPECT_EQ((PendingCommands{"0x22"}), session_.pending());
-  FovTable::Degrees reading;
-  reading.fill(7.5F);
-  session_.fov().StoreReading(reading);
-  EXPECT_EQ((Lines{"0", "12.25", "7.5", "7.5", "7.5", "7.5", "7.5", "7.5", "7.5", "360"}),
-            session_.fov().Texts());
+  EXPECT_EQ((PendingCommands{"34"}), session_.pending());
+  EXPECT_EQ(session_.fov().Texts(), (Lines{"0", "12.25", "", "", "", "", "", "", "", "360"}));
+  EXPECT_FALSE(session_.fov().ToSend()) << "nothing is laid over angles that nobody knows";
+
+  Bytes held = {0x02, 0x05};
+  for (int i = 0; i < 10; ++i) {
+    held.insert(held.end(), {0x40, 0xF0, 0x00, 0x00});  // 7.5
+  }
+  fixture_.table.StoreBytes(fixture_["FOV"], held);
+  EXPECT_EQ(session_.fov().Texts(),
+            (Lines{"0", "12.25", "7.5", "7.5", "7.5", "7.5", "7.5", "7.5", "7.5", "360"}));
+  EXPECT_EQ(session_.fov().ToSend()->mode, 2);
   session_.DropEdits({&fixture_["FOV"]});
-  EXPECT_EQ(reading, session_.fov().Shown());
+  EXPECT_EQ(session_.fov().Texts(), Lines(10, "7.5"));
+  held[1] = 4;  // another count is no table
+  fixture_.table.StoreBytes(fixture_["FOV"], held);
+  EXPECT_EQ(session_.fov().Texts(), Lines(10, ""));
 }
 
 }  // namespace

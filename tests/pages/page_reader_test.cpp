@@ -8,6 +8,7 @@
 
 namespace {
 
+using Lines = std::vector<std::string>;
 using Sent = ScriptedSender::Sent;
 
 constexpr char kRows[] =
@@ -36,7 +37,9 @@ class PageReaderTest : public testing::Test {
   ScriptedSender lidar_;
   LinkState state_;
   RecordedReport report_;
-  PageReader reader_{lidar_, fixture_.table, state_, report_};
+  ReadFailures failures_;
+  PageReader reader_{lidar_, fixture_.table, state_, failures_, report_};
+  std::string reason_;
 };
 
 TEST_F(PageReaderTest, SendsEachCommandOnceInKeyOrderAndCutsTheReplyUp) {
@@ -68,20 +71,22 @@ TEST_F(PageReaderTest, FailuresLeaveWhatWasThere) {
   struct Case {
     ScriptedSender::Reply reply;
     ReadOutcome outcome;
-    const char* count;
+    const char* reason;
   };
   const Case cases[] = {
-      {{0, {0x02, 0x00, 0x07}}, ReadOutcome::kRead, "1.00"},
-      {{kavel::lidar::kNoReply, {}}, ReadOutcome::kNoAnswer, "1.00"},
-      {{3, {}}, ReadOutcome::kRefused, "1.00"},
-      {{0, {}}, ReadOutcome::kRefused, "1.00"},
-      {{0, {0x04, 0x00}}, ReadOutcome::kRead, "2.00"},  // too short for the second variable only
+      {{0, {0x02, 0x00, 0x07}}, ReadOutcome::kRead, nullptr},
+      {{kavel::lidar::kNoReply, {}}, ReadOutcome::kNoAnswer, "no answer from the lidar"},
+      {{3, {}}, ReadOutcome::kRefused, "lidar return code 3"},
+      {{0, {}}, ReadOutcome::kRefused, "the answer is empty"},
+      // Long enough for the first variable, but who knows of which command it is.
+      {{0, {4, 0}}, ReadOutcome::kRefused, "the answer is too short, 2 of 3 bytes"},
   };
   for (const Case& c : cases) {
     lidar_.replies = {c.reply};
-    EXPECT_EQ(c.outcome, reader_.GetInfoFromLidarWithSameCmd(Vars({"Count", "Limit"})));
-    EXPECT_EQ(c.count, fixture_.Text("Count"));
-    EXPECT_EQ("7", fixture_.Text("Limit"));
+    EXPECT_EQ(reader_.GetInfoFromLidarWithSameCmd(Vars({"Count", "Limit"}), &reason_), c.outcome);
+    EXPECT_TRUE(c.reason == nullptr || reason_ == c.reason) << reason_;
+    EXPECT_EQ(fixture_.Text("Count"), "1.00");
+    EXPECT_EQ(fixture_.Text("Limit"), "7");
   }
   lidar_.replies = {{0, {0x04, 0x00}}, {0, {0x04, 0x00, 0x08}}};
   EXPECT_FALSE(reader_.GetInfoFromLidar(fixture_["Limit"]));
@@ -89,27 +94,52 @@ TEST_F(PageReaderTest, FailuresLeaveWhatWasThere) {
 }
 
 TEST_F(PageReaderTest, SendsNothingWhenItMayNot) {
-  EXPECT_EQ(ReadOutcome::kNotSent, reader_.GetInfoFromLidarWithSameCmd({}));
-  EXPECT_EQ(ReadOutcome::kNotSent, reader_.GetInfoFromLidarWithSameCmd(Vars({"Count", "Far"})));
+  const auto read = [this](const std::vector<std::string>& names) {
+    return reader_.GetInfoFromLidarWithSameCmd(Vars(names), &reason_);
+  };
+  EXPECT_EQ(read({}), ReadOutcome::kNotSent);
+  EXPECT_EQ(read({"Count", "Far"}), ReadOutcome::kNotSent);
   state_.upgrading = true;
-  EXPECT_EQ(ReadOutcome::kNotSent, reader_.GetInfoFromLidarWithSameCmd(Vars({"Count"})));
+  EXPECT_EQ(read({"Count"}), ReadOutcome::kNotSent);
   state_.upgrading = false;
   state_.connected = false;
-  EXPECT_EQ(ReadOutcome::kNotSent, reader_.GetInfoFromLidarWithSameCmd(Vars({"Count"})));
+  EXPECT_EQ(reader_.Read(Vars({"Count"}), "test").failed.size(), 1U);
+  EXPECT_EQ(report_.Take(), Lines());
+  state_.connected = true;
+  EXPECT_EQ(reader_.Read(Vars({"Count", "MAC"}), "test", std::chrono::seconds(0)).left,
+            Vars({"Count", "MAC"}));
   EXPECT_TRUE(lidar_.sent.empty());
 }
 
-TEST_F(PageReaderTest, GivesUpAfterTwoCommandsWithoutAnAnswerInARow) {
-  // Refused commands are answers; silence counts only when nothing comes between.
-  lidar_.replies = {{kavel::lidar::kNoReply, {}},
-                    {5, {}},
-                    {kavel::lidar::kAuthRefused, {}},
-                    {kavel::lidar::kReplyBrokeOff, {}}};
-  reader_.Read(Vars({"Count", "Part A", "Part B", "Far", "MAC", "Shape"}), "test");
-  EXPECT_EQ(5U, lidar_.sent.size());
-  EXPECT_EQ((std::vector<std::string>{"WARNING: The lidar did not answer two read commands in a "
-                                      "row. The rest of the page was not read."}),
-            report_.Take());
+TEST_F(PageReaderTest, GivesUpAfterTwoCommandsWithoutAnAnswerInARowAndSaysEachFailureOnce) {
+  const ReadGroup page = Vars({"Count", "Part A", "Part B", "Far", "MAC", "Shape"});
+  const std::deque<ScriptedSender::Reply> replies = {
+      {kavel::lidar::kNoReply, {}},
+      {5, {}},  // an answer: silence counts only when nothing comes between
+      {kavel::lidar::kAuthRefused, {}},
+      {kavel::lidar::kReplyBrokeOff, {}}};
+  const Lines once = {
+      "WARNING: Page: Count could not be read: no answer from the lidar.",
+      "WARNING: Page: Part A could not be read: lidar return code 5.",
+      "WARNING: Page: Part B could not be read: authentication refused the command, the log says "
+      "why.",
+      "WARNING: Page: MAC could not be read: the lidar's answer broke off.",
+      "WARNING: Page: Shape could not be read: no answer from the lidar.",
+      "WARNING: The lidar did not answer two read commands in a row. The rest of the page was not "
+      "read."};
+  for (const Lines& lines : {once, Lines()}) {
+    lidar_.sent.clear();
+    lidar_.replies = replies;
+    const Unread unread = reader_.Read(page, "test");
+    EXPECT_EQ(lidar_.sent.size(), 5U);
+    EXPECT_EQ(unread.failed.size(), 6U);
+    EXPECT_TRUE(unread.silent);
+    EXPECT_EQ(report_.Take(), lines);
+  }
+  lidar_.replies = {{0, {1}}, {5, {}}};
+  reader_.Read(Vars({"Count"}), "test");
+  reader_.Read(Vars({"Count"}), "test");
+  EXPECT_EQ(report_.Take(), Lines{"WARNING: Page: Count could not be read: lidar return code 5."});
 }
 
 }  // namespace

@@ -24,7 +24,7 @@ constexpr char kRows[] =
     "4,1,0x40,0x41,1,Name,1,string,abc,,,,,Settings,4,0,,,\n"
     "5,1,,0x51,1,Trigger,1,raw,,,,,,Settings,0,0,,,\n"
     "6,1,,0x61,1,Wrong,1,uint8,1,,,,,Settings,,0,,,\n"
-    "8,1,0x2C,0x22,1,FOV Table,1,raw,,,,,,Settings,42,0,,,\n";
+    "8,1,0x2C,0X22,1,FOV Table,1,raw,,,,,,Settings,42,0,,,\n";
 
 const char* const kNextAddress =
     "INFO: After its restart the lidar is reached at 10.0.0.9: use this address for the next "
@@ -40,16 +40,19 @@ class PageWriterTest : public testing::Test {
   void Set(const std::string& name, const std::string& text) {
     edits_.SetText(EditSession::kTextInput, fixture_[name], text, report_);
   }
-  bool Run(int module = 0) {
+  using Outcome = PageWriter::Outcome;
+  Outcome RunPage(int module) {
     PageWriter writer({&lidar_, fixture_.table, fixture_.model->pages, state_, edits_.pending(),
-                       edits_.fov(), report_});
+                       edits_.fov(), failures_, report_});
     return writer.Run(module);
   }
+  bool Run(int module = 0) { return RunPage(module) == Outcome::kWritten; }
   void Answer(std::initializer_list<ScriptedSender::Reply> replies) { lidar_.replies = replies; }
 
   ModelFixture fixture_{kRows};
   ScriptedSender lidar_;
   LinkState state_;
+  ReadFailures failures_;
   EditSession edits_{fixture_.table};
   RecordedReport report_;
 };
@@ -112,11 +115,16 @@ TEST_F(PageWriterTest, TheFieldOfViewKeepsTheAnglesThatWereNotEdited) {
   for (int i = 0; i < 10; ++i) {
     held.insert(held.end(), {0x3F, 0x80, 0x00, 0x00});  // 1.0
   }
-  ASSERT_TRUE(edits_.SetFov(9, "1.5", report_));
-  EXPECT_FALSE(Run());
-  EXPECT_EQ((std::vector<Sent>{{0x2C, {}}}), lidar_.sent) << "nothing is laid over unknown angles";
-  report_.Take();
-  lidar_.sent.clear();
+  for (const Bytes& unusable : {Bytes(), Bytes(42, 4), Bytes(41)}) {
+    ASSERT_TRUE(edits_.SetFov(9, "1.5", report_));
+    Answer({{0, unusable}});
+    EXPECT_EQ(RunPage(0), Outcome::kFailed);
+    EXPECT_EQ(lidar_.sent.size(), 1U) << "nothing is laid over unknown angles";
+    EXPECT_EQ(report_.Take().at(unusable.size() == 42 ? 0 : 1),
+              "error: Set Failed: The lidar's field-of-view table was not read, so that the other "
+              "angles are not known.");
+    lidar_.sent.clear();
+  }
   ASSERT_TRUE(edits_.SetFov(9, "2.5", report_));
   Answer({{0, held}, {0, {}}});
   EXPECT_TRUE(Run());
@@ -153,8 +161,48 @@ TEST_F(PageWriterTest, SaysWhatIsWrongWithAVariable) {
   // Bytes of the lidar that was connected before are nothing to write to this one.
   fixture_.table.ForgetReadings();
   Set("Speed", "1");
+  EXPECT_EQ(RunPage(0), Outcome::kFailed);
+  const Lines lines = report_.Take();
+  EXPECT_EQ(1, std::count(lines.begin(), lines.end(), "error: Set Failed: " + no_value + "Offset"));
+  // A value of a length that is not its place's would shift what follows it.
+  fixture_.table.StoreReading(fixture_["Offset"], "1", {0, 1});
+  fixture_.table.StoreBytes(fixture_["Reserved"], {0, 1});
+  Set("Speed", "1");
+  lidar_.sent.clear();
   EXPECT_FALSE(Run());
-  EXPECT_EQ("error: Set Failed: " + no_value + "Offset", report_.Take().at(1));
+  EXPECT_EQ(report_.Take().at(0),
+            "error: Set Failed: Reserved takes 2 bytes, but its place in the command has 3.");
+  EXPECT_EQ(lidar_.sent.size(), 2U) << "only the readings";
+}
+
+TEST_F(PageWriterTest, AReadingThatFailsIsNamedAndTheLastOneIsUsed) {
+  const ScriptedSender::Reply scan = {0, {0, 1, 0, 2, 3, 4, 5}};
+  Set("Speed", "1200");
+  Answer({scan, {0, {7}}, {0, {}}});
+  EXPECT_TRUE(Run());
+  report_.Take();
+  Set("Speed", "1300");
+  Answer({{5, {}}, {0, {8}}, {0, {}}});
+  EXPECT_TRUE(Run());
+  EXPECT_EQ(lidar_.sent.back().payload, (Bytes{0x05, 0x14, 0, 2, 3, 4, 5, 8}));
+  EXPECT_EQ(report_.Take().at(1),
+            "WARNING: The present values of [0x31] could not be read (lidar return code 5): the "
+            "last ones that were read go with it.");
+  // Silent before and silent now: nobody knows whether the lidar took its new address.
+  Set("Port", "80");
+  Answer({{0, {1, 2, 3, 4, 0, 5}}, {0, {}}});
+  EXPECT_TRUE(Run());
+  report_.Take();
+  Set("Port", "81");
+  Answer({{kNoReply, {}}, {kNoReply, {}}});
+  EXPECT_TRUE(Run());
+  const Lines lines = report_.Take();
+  EXPECT_EQ(lines.back(), kAllSet);
+  for (const std::string& line : lines) {
+    EXPECT_EQ(line.find("After its restart"), std::string::npos) << line;
+  }
+  Set("Speed", "1");
+  EXPECT_EQ(RunPage(0), Outcome::kNoAnswer);
 }
 
 TEST_F(PageWriterTest, RefusesInTheOrderOfItsGuards) {
