@@ -35,7 +35,7 @@ void EditSession::SetText(int kind, const VarInfo& var, const std::string& text,
 bool EditSession::SetFov(int index, const std::string& text, UserReport& report) {
   switch (fov_.Edit(index, text)) {
     case FovTable::EditResult::kStored:
-      pending_.insert(fov_.variable()->set_cmd);
+      pending_.insert(CommandOf(*fov_.variable()));
       return true;
     case FovTable::EditResult::kInvalid:
       report.Error("Input value of fov is invalid");
@@ -49,7 +49,7 @@ bool EditSession::SetFov(int index, const std::string& text, UserReport& report)
 void EditSession::DropEdits(const std::vector<const VarInfo*>& vars) {
   table_.DropEdits(vars);
   for (const VarInfo* var : vars) {
-    pending_.erase(var->set_cmd);
+    pending_.erase(CommandOf(*var));
     if (var == fov_.variable()) {
       fov_.DropEdits();
     }
@@ -64,5 +64,5 @@ void EditSession::Clear() {
 
 void EditSession::SetValue(const VarInfo& var, std::string text) {
   table_.Edit(var, std::move(text));
-  pending_.insert(var.set_cmd);
+  pending_.insert(CommandOf(var));
 }

@@ -32,7 +32,7 @@ std::string NamesOf(const ReadGroup& group) {
                                : names;
 }
 
-/// How many bytes the reply to a group's command has at least.
+/// How many bytes of the reply the group takes.
 int64_t LengthOf(const ReadGroup& group) {
   int64_t length = 0;
   for (const VarInfo* var : group) {

@@ -60,10 +60,10 @@ bool PageWriter::MayWrite() {
 void PageWriter::Gather(int module) {
   std::vector<std::string> network_settings;
   for (const VarInfo* row : parts_.pages.VariablesOf(module)) {
-    if (row->set_cmd.empty() || parts_.pending.erase(row->set_cmd) == 0) {
+    if (row->set_cmd.empty() || parts_.pending.erase(CommandOf(*row)) == 0) {
       continue;
     }
-    command_ = row->set_cmd;
+    command_ = CommandOf(*row);
     names_ = builder_.ChangedNames(command_);
     builder_.Gather(command_);
     for (const VarInfo* var : parts_.table.WrittenBy(command_)) {
@@ -128,6 +128,11 @@ void PageWriter::SendFov(const std::string& set_cmd) {
   if (result != 0) {
     Fail(set_cmd, "set channel fov failed");
   }
+  const VarInfo& variable = *parts_.fov.variable();
+  parts_.table.StoreWritten(
+      variable, parts_.table.ValueOf(variable).text,
+      kavel::lidar::BuildFovTable(setting->degrees, kavel::lidar::kFovPairs, setting->mode));
+  parts_.fov.DropEdits();
 }
 
 void PageWriter::Send(const std::string& set_cmd) {
@@ -155,6 +160,10 @@ void PageWriter::Send(const std::string& set_cmd) {
   // A lidar that has just taken new network settings drops the link before it answers.
   if (result == 0 || (is_network && error == kavel::lidar::kNoReply)) {
     Debug() << "(): QueryCommand SUCCESS, get result =" << result;
+    // The reading from now on, whether or not it can be read back.
+    for (const SetCommand::Change& change : command.changes) {
+      parts_.table.StoreWritten(*change.var, change.text, change.bytes);
+    }
     if (!is_network) {
       parts_.report.Success("CMX command [" + set_cmd + "] to set " + command.names + " success.");
     } else if (result == 0 || was_reached) {

@@ -58,7 +58,7 @@ SetCommand PayloadBuilder::Build(const std::string& set_cmd) const {
   WireCommand wire = is_long && !vars.empty()
                          ? WireCommandOf(set_cmd, vars.front()->write->fixed_payload)
                          : WireCommandOf(set_cmd);
-  SetCommand command{wire.code, std::move(wire.payload), ChangedNames(set_cmd)};
+  SetCommand command{wire.code, std::move(wire.payload), ChangedNames(set_cmd), {}};
   for (const VarInfo* var : vars) {
     const std::vector<uint8_t> bytes = BytesOf(*var);
     // What is alone and can only be set is a trigger, which carries nothing.
@@ -69,6 +69,10 @@ SetCommand PayloadBuilder::Build(const std::string& set_cmd) const {
                                std::to_string(var->offset) + ".");
     }
     Append(bytes, &command.payload);
+    ConfigParser::Value value = table_.ValueOf(*var);
+    if (value.edited) {
+      command.changes.push_back({var, std::move(value.text), bytes});
+    }
   }
   return command;
 }

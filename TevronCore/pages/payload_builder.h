@@ -12,6 +12,13 @@ struct SetCommand {
   uint8_t code = 0;
   std::vector<uint8_t> payload;
   std::string names;  ///< the changed variables, each followed by ", "
+  /// What the lidar holds once it has accepted.
+  struct Change {
+    const VarInfo* var;
+    std::string text;
+    std::vector<uint8_t> bytes;
+  };
+  std::vector<Change> changes;
 };
 
 /// Lays the user's changes over the device's present values, one set command at a time.

@@ -9,15 +9,21 @@ constexpr size_t kFirstAngleAt = 2;
 
 }  // namespace
 
-int32_t SendFovTable(CommandSender& sender, const std::array<float, 10>& degrees, uint8_t count,
-                     uint8_t mode, int32_t* error) {
+std::vector<uint8_t> BuildFovTable(const std::array<float, 10>& degrees, uint8_t count,
+                                   uint8_t mode) {
   std::vector<uint8_t> payload{mode, count};
   payload.reserve(kFovPayloadSize);
   for (const float angle : degrees) {
     AppendBigEndian32(payload, BitsOf(angle));
   }
+  return payload;
+}
+
+int32_t SendFovTable(CommandSender& sender, const std::array<float, 10>& degrees, uint8_t count,
+                     uint8_t mode, int32_t* error) {
   std::vector<uint8_t> unused_answer;
-  return sender.QueryCommand(payload, unused_answer, kFovCommand, false, error);
+  return sender.QueryCommand(BuildFovTable(degrees, count, mode), unused_answer, kFovCommand, false,
+                             error);
 }
 
 bool ParseFovTable(const std::vector<uint8_t>& payload, std::array<float, 10>* degrees,

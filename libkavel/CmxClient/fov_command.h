@@ -15,6 +15,10 @@ constexpr uint8_t kFovCommand = 0x22;
 constexpr uint8_t kFovPairs = 5;
 constexpr size_t kFovPayloadSize = 42;  ///< mode, count, ten floats
 
+/// The payload of the table. `count` is the number of pairs (5), `mode` the device's mode byte.
+std::vector<uint8_t> BuildFovTable(const std::array<float, 10>& degrees, uint8_t count,
+                                   uint8_t mode);
+
 /// Writes the table to the lidar. `count` is the number of pairs (5), `mode` the device's mode
 /// byte, passed through. Returns and sets `*error` (may be null) as `CommandSender::QueryCommand`
 /// does.

@@ -50,6 +50,8 @@ TEST_F(ManagerPagesTest, NetworkSettingsSucceedAlthoughTheLinkDrops) {
   EXPECT_TRUE(TakeErrors().isEmpty());
   EXPECT_EQ(QStringList(kAllSet), successes_);
   EXPECT_EQ(1, LogLines("INFO: After its restart the lidar is reached at 192.168.1.201").size());
+  EXPECT_EQ(Text("Gateway"), "192.168.1.254") << "accepted, though it cannot be read back";
+  EXPECT_EQ(Leaf(Find("Gateway"))["state"], "written");
   EXPECT_EQ("192.168.1.254", lidar.Variable("Gateway")["text"].toString());
   EXPECT_FALSE(manager_->CheckLidarConnection());
 }
@@ -67,18 +69,17 @@ TEST_F(ManagerPagesTest, ThePeriodicRefreshShowsNewValuesAndLeavesEditsAlone) {
 }
 
 TEST_F(ManagerPagesTest, ASaveWithoutAnAnswerIsReadAgainInTheBackground) {
-  VirtualLidarProcess lidar({"--fault", "drop@0x12"});
+  const VirtualLidarProcess lidar({"--fault", "drop@0x12"});
   ASSERT_TRUE(ConnectTo(lidar));
   OpenPage("Scan");
   Edit("Minimum Distance", "45");
   Save("Scan");
   EXPECT_EQ(1, TakeErrors().filter("Set Failed: 0x12 SET Minimum Distance, ").size());
-  const auto read_count = [&lidar] { return lidar.Output().count("11 (0 bytes)"); };
-  EXPECT_EQ(read_count(), 2) << "on opening the page and before the write";
+  EXPECT_EQ(Text("Minimum Distance"), "20") << "the lidar was not asked again";
+  // It took the value all the same. The periodic refresh is announced by another signal.
   QSignalSpy shown(manager_.get(), &TevronManager::myMapChanged);
   ASSERT_TRUE(WaitFor([&shown] { return shown.count() > 0; }));
-  EXPECT_EQ(read_count(), 3);
-  EXPECT_EQ(Text("Minimum Distance"), "20");
+  EXPECT_EQ(Text("Minimum Distance"), "45");
 }
 
 TEST_F(ManagerPagesTest, NothingIsReadDuringADownload) {

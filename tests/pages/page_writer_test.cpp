@@ -71,8 +71,10 @@ TEST_F(PageWriterTest, LaysTheChangesOverWhatTheLidarHoldsNow) {
                    "success: CMX command [0x31] to set Speed, Offset,  success.", kAllSet}),
             report_.Take());
   EXPECT_TRUE(edits_.pending().empty());
-  // Saved only once a fresh reading shows it.
-  EXPECT_TRUE(fixture_.table.ValueOf(fixture_["Speed"]).edited);
+  EXPECT_EQ(fixture_.table.ValueOf(fixture_["Speed"]).state, ValueState::kWritten);
+  EXPECT_EQ(fixture_.table.ValueOf(fixture_["Power"]).state, ValueState::kRead);
+  edits_.Clear();
+  EXPECT_EQ(fixture_.Text("Offset"), "-1.5") << "what was accepted is the reading";
 }
 
 TEST_F(PageWriterTest, SendsTheNetworkSettingsLastAndTakesADroppedLinkForAnAnswer) {
@@ -132,6 +134,8 @@ TEST_F(PageWriterTest, TheFieldOfViewKeepsTheAnglesThatWereNotEdited) {
   std::copy_n(std::begin({0x40, 0x20, 0x00, 0x00}), 4, written.end() - 4);
   EXPECT_EQ((std::vector<Sent>{{0x2C, {}}, {0x22, written}}), lidar_.sent);
   EXPECT_EQ((Lines{kAllSet}), report_.Take());
+  edits_.Clear();
+  EXPECT_EQ(edits_.fov().Texts().back(), "2.5");
 
   ASSERT_TRUE(edits_.SetFov(9, "3", report_));
   Answer({{0, held}, {4, {}}});
