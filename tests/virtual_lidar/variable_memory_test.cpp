@@ -66,7 +66,9 @@ TEST(VariableMemory, ChecksValuesAsTheTableSays) {
       "2,2,,0x41,,Gated,1,uint8,10,10..20@2-1,,,,,1\n"
       "3,1,,0x42,,Heater,1,uint8,0,switch:10..90,,,,,1\n"
       "4,1,,0x43,,Power,1,float32,1,0..5,,,,,4\n"
-      "5,1,,0x44,,Shared Secret Key,1,raw,,,,,,,16\n"
+      "4,2,,0x45,,Exact,1,u64,0,0..10,,0.1,,,\n"
+      "4,3,,0x46,,Steps,1,i32,0,-10..10,,4,,,\n"
+      "5,1,0x4A,0x44,,Shared Secret Key,1,raw,,,,,,,16\n"
       "6,1,0x2C,0x22,,FOV Table,1,raw,,,,,,,42\n");
   VariableMemory memory(*table);
   const struct {
@@ -84,16 +86,22 @@ TEST(VariableMemory, ChecksValuesAsTheTableSays) {
       {0x42, {0}, kAccepted},
       {0x42, {9}, kBadValue},
       {0x42, {10}, kAccepted},
-      {0x43, {0x40, 0xA0, 0, 0}, kAccepted},  // 5.0
-      {0x43, {0x7F, 0xC0, 0, 0}, kBadValue},  // not a number
-      {0x44, {1, 2, 3}, kAccepted},
+      {0x43, {0x40, 0xA0, 0, 0}, kAccepted},          // 5.0
+      {0x43, {0x7F, 0xC0, 0, 0}, kBadValue},          // not a number
+      {0x45, {0, 0, 0, 0, 0, 0, 0, 100}, kAccepted},  // 10.0
+      {0x45, {0, 0, 0, 0, 0, 0, 0, 101}, kBadValue},
+      {0x45, Bytes(8, 0xFF), kBadValue},
+      {0x46, {0xFF, 0xFF, 0xFF, 0xFE}, kAccepted},  // -8
+      {0x46, {0, 0, 0, 3}, kBadValue},              // 12, half a step too far
       {0x44, Bytes(257, 1), kBadLength},
+      {0x44, Bytes(256, 1), kAccepted},
   };
   for (const auto& c : cases) {
     EXPECT_EQ(ReturnCode(&memory, c.command, c.payload), c.return_code)
         << std::hex << int{c.command} << " " << int{c.payload.front()};
   }
-  EXPECT_EQ(Held(memory, "Shared Secret Key"), (Bytes{1, 2, 3})) << "as long as it was written";
+  EXPECT_EQ(Held(memory, "Shared Secret Key"), Bytes(256, 1)) << "as long as it was written";
+  EXPECT_EQ(memory.Execute(0x4A, {}, 0)->payload, Bytes(16, 1));
 
   Bytes fov = memory.Execute(0x2C, {}, 0)->payload;
   fov[0] = 2;

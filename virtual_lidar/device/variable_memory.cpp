@@ -121,9 +121,11 @@ std::optional<VariableMemory::Outcome> VariableMemory::Execute(uint8_t command,
     outcome.fields = read->second.size();
     outcome.payload.resize(ReplySize(read->second));
     for (const size_t cell : read->second) {
-      const Bytes value = ValueNow(cells_[cell], up_time_s);
-      std::copy(value.begin(), value.end(),
-                outcome.payload.begin() + cells_[cell].var->get_start_pos);
+      const VarInfo& var = *cells_[cell].var;
+      Bytes value = ValueNow(cells_[cell], up_time_s);
+      // Key material is held as long as it was written, and has its place alone.
+      value.resize(static_cast<size_t>(var.offset));
+      std::copy(value.begin(), value.end(), outcome.payload.begin() + var.get_start_pos);
     }
     return outcome;
   }
@@ -229,7 +231,7 @@ void VariableMemory::StoreReply(uint8_t command, const Bytes& reply) {
     Cell& cell = cells_[index];
     if (!cell.is_clock) {
       const auto from = reply.begin() + cell.var->get_start_pos;
-      std::copy_n(from, cell.value.size(), cell.value.begin());
+      cell.value.assign(from, from + cell.var->offset);
     }
   }
 }

@@ -9,46 +9,45 @@
 #include "CmxClient/fov_command.h"
 #include "Wire/big_endian.h"
 #include "device/value_encoder.h"
+#include "variables/exact_number.h"
+#include "variables/number_text.h"
 
 namespace {
 
 using Bytes = std::vector<uint8_t>;
 
-// The number that stands on the wire; nothing for types that are none.
-std::optional<double> WireNumber(const ValueType& type, const Bytes& bytes) {
-  if (!type.is_number() || bytes.empty() || bytes.size() > 8) {
+// The number as a client shows it; nothing for types that are none.
+std::optional<double> ShownNumber(const ValueType& type, const Bytes& bytes, float coefficient) {
+  if (!type.is_number() || bytes.size() != static_cast<size_t>(type.size)) {
     return std::nullopt;
   }
   const uint64_t raw = kavel::lidar::ReadBigEndian(bytes.data(), bytes.size());
+  if (type.is_exact) {
+    return DecimalNumber<double>(ExactText(type, raw, coefficient));
+  }
+  const double scale = AsWritten(coefficient);
   if (type.kind == ValueKind::kReal) {
-    if (bytes.size() != static_cast<size_t>(type.size)) {
-      return std::nullopt;
-    }
-    return type.size == sizeof(double)
-               ? kavel::lidar::DoubleOf(raw)
-               : static_cast<double>(kavel::lidar::FloatOf(static_cast<uint32_t>(raw)));
+    return scale * (type.size == sizeof(double)
+                        ? kavel::lidar::DoubleOf(raw)
+                        : static_cast<double>(kavel::lidar::FloatOf(static_cast<uint32_t>(raw))));
   }
-  return type.is_signed ? static_cast<double>(kavel::lidar::SignExtended(raw, bytes.size()))
-                        : static_cast<double>(raw);
+  return scale * (type.is_signed
+                      ? static_cast<double>(kavel::lidar::SignExtended(raw, bytes.size()))
+                      : static_cast<double>(raw));
 }
 
-bool IsWithin(const VarInfo& var, double wire, float coefficient) {
-  const double scale = static_cast<double>(coefficient);
-  const double shown = wire * scale;
-  // The ends themselves may fall between two steps of the device.
-  const double slack = std::fabs(scale) / 2;
-  return shown >= var.range_min - slack && shown <= var.range_max + slack;
-}
-
-bool IsWithinRange(const VarInfo& var, double wire) {
-  if (var.range_min == 0 && var.range_max == 0) {
+bool IsWithinRange(const VarInfo& var, const Bytes& bytes, float coefficient) {
+  const std::optional<double> shown = ShownNumber(*var.value_type, bytes, coefficient);
+  if (!shown) {
     return true;
   }
-  if (var.type == kSwitch && wire == 0) {
-    return true;
+  const bool has_range = var.range_min != 0 || var.range_max != 0;
+  if (!has_range || (var.type == kSwitch && *shown == 0)) {
+    return std::isfinite(*shown);
   }
-  // A client that sends back what it read has the one scale, one that encodes anew the other.
-  return IsWithin(var, wire, var.coefficient) || IsWithin(var, wire, var.set_coefficient);
+  // The ends themselves may fall between two steps of the device; the exact types know better.
+  const double slack = var.value_type->is_exact ? 0 : std::fabs(AsWritten(coefficient)) / 2;
+  return *shown >= var.range_min - slack && *shown <= var.range_max + slack;
 }
 
 bool IsAnOption(const VarInfo& var, const Bytes& bytes) {
@@ -66,8 +65,9 @@ bool IsAcceptableValue(const VarInfo& var, const Bytes& bytes) {
   if (is_choice) {
     return IsAnOption(var, bytes);
   }
-  const std::optional<double> wire = WireNumber(*var.value_type, bytes);
-  return !wire || (std::isfinite(*wire) && IsWithinRange(var, *wire));
+  // A client that sends back what it read has the one scale, one that encodes anew the other.
+  return IsWithinRange(var, bytes, var.coefficient) ||
+         IsWithinRange(var, bytes, var.set_coefficient);
 }
 
 bool IsAcceptableFovTable(const Bytes& bytes) {
