@@ -7,10 +7,10 @@
 #include <vector>
 
 #include "CmxClient/command_sender.h"
-#include "CmxClient/log_sink.h"
 #include "connection/connect_attempt.h"
 #include "connection/connection.h"
 #include "connection/connection_settings.h"
+#include "console/byte_flow.h"
 #include "maintenance/device_facts.h"
 #include "maintenance/facts_reading.h"
 #include "pages/page_refresh.h"
@@ -41,9 +41,9 @@ class LidarSession {
   };
   struct SetUp {
     Post post;
-    UserReport& report;        ///< has to outlive the session and what was posted
-    bool auto_receive = true;  ///< handed to the network client
-    std::shared_ptr<kavel::lidar::LogSink> byte_flow;  ///< gets the bytes of every exchange
+    UserReport& report;                   ///< has to outlive the session and what was posted
+    bool auto_receive = true;             ///< handed to the network client
+    std::shared_ptr<ByteFlow> byte_flow;  ///< shows the bytes of every exchange
     Handlers handlers;
   };
 

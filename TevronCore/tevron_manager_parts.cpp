@@ -44,7 +44,7 @@ TevronManager::Parts::Parts(TevronManager& manager, bool auto_receive,
     : table_folder(QFileInfo(QString::fromStdString(table_path)).path().toStdString()),
       report(manager),
       posted(std::make_shared<PostedReport>(PostTo(manager), report, [] { return true; })),
-      byte_flow(std::make_shared<ByteFlowSink>(*posted)),
+      byte_flow(std::make_shared<ByteFlow>(*posted)),
       console(report),
       session({PostTo(manager), report, auto_receive, byte_flow, HandlersOf(manager)}) {
   TakeModel(session.model());

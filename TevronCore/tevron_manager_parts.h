@@ -38,7 +38,7 @@ struct TevronManager::Parts {
   ScreenReport report;
   /// For what is said on another thread, or before the screens exist.
   const std::shared_ptr<PostedReport> posted;
-  const std::shared_ptr<ByteFlowSink> byte_flow;
+  const std::shared_ptr<ByteFlow> byte_flow;
   CommandConsole console;
 
   ConnectionSettings settings;

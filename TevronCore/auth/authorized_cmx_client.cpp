@@ -1,6 +1,7 @@
 #include "auth/authorized_cmx_client.h"
 
 #include <algorithm>
+#include <mutex>
 #include <utility>
 
 #include "Wire/big_endian.h"
@@ -22,7 +23,7 @@ AuthorizedCmxClient::AuthorizedCmxClient(std::shared_ptr<kavel::lidar::CommandSe
       algorithm_(std::move(algorithm)) {}
 
 void AuthorizedCmxClient::Probe() {
-  const std::lock_guard<std::mutex> lock(mutex_);
+  const std::lock_guard<kavel::lidar::TicketMutex> lock(mutex_);
   if (!config_.enabled) {
     return;
   }
@@ -55,12 +56,12 @@ void AuthorizedCmxClient::Probe() {
 }
 
 int AuthorizedCmxClient::Gate(uint8_t cmd) {
-  const std::lock_guard<std::mutex> lock(mutex_);
+  const std::lock_guard<kavel::lidar::TicketMutex> lock(mutex_);
   return GateLocked(cmd);
 }
 
 bool AuthorizedCmxClient::Handshake() {
-  const std::lock_guard<std::mutex> lock(mutex_);
+  const std::lock_guard<kavel::lidar::TicketMutex> lock(mutex_);
   return HandshakeLocked();
 }
 
@@ -69,14 +70,23 @@ bool AuthorizedCmxClient::IsOpen() { return client_->IsOpen(); }
 int32_t AuthorizedCmxClient::QueryCommand(const std::vector<uint8_t>& payload,
                                           std::vector<uint8_t>& result, uint8_t cmd,
                                           bool with_header, int32_t* error) {
-  const std::lock_guard<std::mutex> lock(mutex_);
-  if (GateLocked(cmd) != 0) {
-    if (error != nullptr) {
-      *error = kavel::lidar::kAuthRefused;
-    }
-    return -1;
+  const std::lock_guard<kavel::lidar::TicketMutex> lock(mutex_);
+  return MayPass(cmd, error) ? client_->QueryCommand(payload, result, cmd, with_header, error) : -1;
+}
+
+int32_t AuthorizedCmxClient::QueryQuietly(const std::vector<uint8_t>& payload,
+                                          std::vector<uint8_t>& result, uint8_t cmd,
+                                          int32_t* error) {
+  const std::lock_guard<kavel::lidar::TicketMutex> lock(mutex_);
+  return MayPass(cmd, error) ? client_->QueryQuietly(payload, result, cmd, error) : -1;
+}
+
+bool AuthorizedCmxClient::MayPass(uint8_t cmd, int32_t* error) {
+  const bool passes = GateLocked(cmd) == 0;
+  if (!passes && error != nullptr) {
+    *error = kavel::lidar::kAuthRefused;
   }
-  return client_->QueryCommand(payload, result, cmd, with_header, error);
+  return passes;
 }
 
 int AuthorizedCmxClient::GateLocked(uint8_t cmd) {

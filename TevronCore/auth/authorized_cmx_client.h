@@ -2,21 +2,22 @@
 
 #include <cstdint>
 #include <memory>
-#include <mutex>
 #include <string>
 #include <vector>
 
 #include "CmxClient/command_sender.h"
 #include "CmxClient/log_sink.h"
+#include "CmxClient/ticket_mutex.h"
 #include "auth/auth_algorithm.h"
 #include "auth/auth_config.h"
 
 /// A command sender that runs the challenge-response handshake before every protected command.
 ///
 /// Handshake and command form one exchange under one mutex, so that no other thread's command can
-/// come between; all members may be called from any thread. Long commands travel under command byte
-/// 0xFF, and that byte is what the protected set is compared with. Lines for the user go to the log
-/// sink and begin with "AUTH: "; neither keys nor responses are among them.
+/// come between; threads are let in in the order in which they come. All members may be called from
+/// any thread. Long commands travel under command byte 0xFF, and that byte is what the protected
+/// set is compared with. Lines for the user go to the log sink and begin with "AUTH: "; neither
+/// keys nor responses are among them.
 class AuthorizedCmxClient : public kavel::lidar::CommandSender {
  public:
   /// `client` carries the exchanges and must not be null; `log` may be. `reply_prefix`: the device
@@ -42,8 +43,11 @@ class AuthorizedCmxClient : public kavel::lidar::CommandSender {
   /// with -1 and kAuthRefused.
   int32_t QueryCommand(const std::vector<uint8_t>& payload, std::vector<uint8_t>& result,
                        uint8_t cmd, bool with_header, int32_t* error) override;
+  int32_t QueryQuietly(const std::vector<uint8_t>& payload, std::vector<uint8_t>& result,
+                       uint8_t cmd, int32_t* error) override;
 
  private:
+  bool MayPass(uint8_t cmd, int32_t* error);
   int GateLocked(uint8_t cmd);
   bool HandshakeLocked();
   bool Exchange(uint32_t cmd, const std::vector<uint8_t>& payload, std::vector<uint8_t>* reply);
@@ -55,7 +59,7 @@ class AuthorizedCmxClient : public kavel::lidar::CommandSender {
   const bool reply_prefix_;
   const std::shared_ptr<kavel::lidar::LogSink> log_;
 
-  std::mutex mutex_;  ///< held over gate, handshake and command
+  kavel::lidar::TicketMutex mutex_;  ///< held over gate, handshake and command
   const std::unique_ptr<IAuthAlgorithm> algorithm_;
   bool auth_required_ = false;
 };

@@ -242,7 +242,8 @@ std::shared_ptr<Connection> ConnectAttempt::Join(const ClientPtr& client, const 
   const auto sender = std::make_shared<AuthorizedCmxClient>(
       client, config, reply_prefix, request_.auth_log, std::move(algorithm));
   auto connection = std::make_shared<Connection>(client, sender, serial);
-  connection->SetLogSink(request_.byte_flow);
+  connection->SetByteSink(
+      std::make_shared<ByteFlowSink>(request_.byte_flow, SecretCommands(*request_.model->table)));
   sender->Probe();
   return connection;
 }
@@ -251,7 +252,8 @@ std::shared_ptr<Connection> ConnectAttempt::CheckAlive(std::shared_ptr<Connectio
   if (!connection->sender()->IsOpen()) {
     std::cout << "CmxClient haven't initialized\n" << std::flush;
   }
-  if (LidarAnswers(*connection->sender())) {
+  if (const auto liveness = AnsweredLiveness(*connection->sender())) {
+    connection->SetLivenessCommand(*liveness);
     return connection;
   }
   // The missing first letter is part of the line.

@@ -9,6 +9,7 @@
 #include "CmxClient/log_sink.h"
 #include "connection/connection.h"
 #include "connection/connection_settings.h"
+#include "console/byte_flow.h"
 #include "session/lidar_model.h"
 #include "session/stop_signal.h"
 #include "session/user_report.h"
@@ -17,9 +18,9 @@
 struct ConnectRequest {
   ConnectionSettings settings;
   std::shared_ptr<LidarModel> model;
-  bool auto_receive = true;                          ///< handed to the network client
-  std::shared_ptr<kavel::lidar::LogSink> byte_flow;  ///< gets the bytes of every exchange
-  std::shared_ptr<kavel::lidar::LogSink> auth_log;   ///< gets the lines of the authentication
+  bool auto_receive = true;                         ///< handed to the network client
+  std::shared_ptr<ByteFlow> byte_flow;              ///< shows the bytes of every exchange
+  std::shared_ptr<kavel::lidar::LogSink> auth_log;  ///< gets the lines of the authentication
 };
 
 /// One attempt to connect to a lidar, on a thread of its own. The model decides how: over the

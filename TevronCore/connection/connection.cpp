@@ -3,7 +3,6 @@
 #include <utility>
 
 #include "CmxClient/device_commands.h"
-#include "console/byte_flow.h"
 
 Connection::Connection(std::shared_ptr<kavel::lidar::CmxClient> client,
                        std::shared_ptr<kavel::lidar::CommandSender> sender,
@@ -19,15 +18,23 @@ void Connection::Close() {
   }
 }
 
-void Connection::SetLogSink(const std::shared_ptr<kavel::lidar::LogSink>& sink) {
+// The serial client tells of the exchanges that do not pass through the command client.
+void Connection::SetByteSink(const std::shared_ptr<kavel::lidar::ByteSink>& sink) {
+  client_->SetByteSink(sink);
   if (serial_ != nullptr) {
-    serial_->SetLogSink(sink);
-  } else {
-    client_->SetLogSink(sink);
+    serial_->SetByteSink(sink);
   }
 }
 
+std::optional<uint8_t> AnsweredLiveness(kavel::lidar::CommandSender& sender) {
+  for (const uint8_t cmd : {kavel::lidar::kCmdLiveness, kavel::lidar::kCmdLivenessOld}) {
+    if (kavel::lidar::CheckAlive(sender, cmd) == 0) {
+      return cmd;
+    }
+  }
+  return std::nullopt;
+}
+
 bool LidarAnswers(kavel::lidar::CommandSender& sender) {
-  const ByteFlowMute mute;
-  return kavel::lidar::CheckAlive(sender) == 0 || kavel::lidar::CheckAliveOld(sender) == 0;
+  return AnsweredLiveness(sender).has_value();
 }

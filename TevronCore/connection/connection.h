@@ -1,10 +1,12 @@
 #pragma once
 
+#include <cstdint>
 #include <memory>
+#include <optional>
 
+#include "CmxClient/byte_sink.h"
 #include "CmxClient/cmx_client.h"
 #include "CmxClient/command_sender.h"
-#include "CmxClient/log_sink.h"
 #include "CmxClient/serial_client.h"
 
 /// An open connection to one lidar: everything that ends with it. Operations hold the sender; the
@@ -24,8 +26,11 @@ class Connection {
   /// who still hold the sender find it not open.
   void Close();
 
-  /// Where the bytes of every exchange go: for a serial line those of the line, frames included.
-  void SetLogSink(const std::shared_ptr<kavel::lidar::LogSink>& sink);
+  /// Who is told of the bytes of every exchange.
+  void SetByteSink(const std::shared_ptr<kavel::lidar::ByteSink>& sink);
+
+  /// The liveness command that this lidar answers: it keeps late answers away from other commands.
+  void SetLivenessCommand(uint8_t cmd) { client_->SetLivenessCommand(cmd); }
 
   const std::shared_ptr<kavel::lidar::CommandSender>& sender() const { return sender_; }
   /// Null for a connection over the network.
@@ -37,6 +42,9 @@ class Connection {
   const std::shared_ptr<kavel::lidar::SerialClient> serial_;
 };
 
-/// The link check: true when the lidar answers the liveness command or the older form of it. Its
-/// bytes stay out of the log window, which a periodic check would flood.
+/// Which of the two liveness commands the lidar answers, the newer one first; none when it answers
+/// neither. Their bytes stay out of the log window, which a periodic check would flood.
+std::optional<uint8_t> AnsweredLiveness(kavel::lidar::CommandSender& sender);
+
+/// The link check: true when the lidar answers either.
 bool LidarAnswers(kavel::lidar::CommandSender& sender);

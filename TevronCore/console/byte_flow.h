@@ -1,27 +1,31 @@
 #pragma once
 
 #include <atomic>
+#include <cstdint>
+#include <memory>
 #include <string>
+#include <vector>
 
-#include "CmxClient/log_sink.h"
+#include "CmxClient/byte_sink.h"
 #include "session/user_report.h"
+#include "variables/command_code.h"
+#include "variables/config_parser.h"
 
-/// Shows the raw bytes of every exchange in the log window while the user wants to see them.
-///
-/// Given to a client as its log sink. All members may be called on any thread; `report` has to
-/// outlive the sink.
-class ByteFlowSink : public kavel::lidar::LogSink {
+/// Shows the raw bytes of exchanges in the log window while the user wants to see them. All members
+/// may be called on any thread; `report` has to outlive it.
+class ByteFlow {
  public:
-  explicit ByteFlowSink(UserReport& report) : report_(report) {}
+  explicit ByteFlow(UserReport& report) : report_(report) {}
 
   /// Off until switched on.
   void SetOn(bool on) { on_ = on; }
   bool IsOn() const { return on_; }
 
-  /// How many commands were shown since the start of the program: the "SEND: " lines let through.
+  /// How many commands were shown since the start of the program.
   int CommandCount() const { return command_count_; }
 
-  void WriteLine(const std::string& line) override;
+  void ShowCommand(const std::string& line);
+  void ShowAnswer(const std::string& line);
 
  private:
   UserReport& report_;
@@ -29,12 +33,25 @@ class ByteFlowSink : public kavel::lidar::LogSink {
   std::atomic<int> command_count_{0};
 };
 
-/// While one lives, the exchanges of its own thread stay out of every ByteFlowSink; other threads'
-/// are shown as before. For the periodic link check, which would flood the log.
-class ByteFlowMute {
+/// How the requests begin that carry a secret there or back: those that read or write "Shared
+/// Secret Key".
+std::vector<WireCommand> SecretCommands(const ConfigParser& table);
+
+/// Brings the bytes of one connection to the byte flow. Of a secret command and its answer only the
+/// lengths are shown; when that answer did not come in time, it may still do so instead of a later
+/// one, so the next one is hidden too.
+class ByteFlowSink : public kavel::lidar::ByteSink {
  public:
-  ByteFlowMute();
-  ~ByteFlowMute();
-  ByteFlowMute(const ByteFlowMute&) = delete;
-  ByteFlowMute& operator=(const ByteFlowMute&) = delete;
+  ByteFlowSink(std::shared_ptr<ByteFlow> flow, std::vector<WireCommand> secrets);
+
+  void Sent(const Request& request, const std::vector<uint8_t>& frame) override;
+  void Received(const std::vector<uint8_t>& bytes) override;
+  void Failed(int32_t error) override;
+
+ private:
+  bool IsSecret(const Request& request) const;
+
+  const std::shared_ptr<ByteFlow> flow_;
+  const std::vector<WireCommand> secrets_;
+  std::atomic<bool> secret_owed_{false};
 };

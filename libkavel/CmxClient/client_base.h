@@ -5,6 +5,8 @@
 
 namespace kavel::lidar {
 
+class ByteSink;
+
 /// A stream of bytes to one lidar: the seam under the command client.
 ///
 /// Implementations never throw. One thread at a time uses a transport, save for `IsOpened`,
@@ -50,6 +52,10 @@ class ClientBase {
   /// Ends this transport for good: a call that blocks on another thread returns soon and every
   /// later one fails. `Close` is still left to the using thread. No effect by default.
   virtual void Interrupt() {}
+
+  /// Tells `sink` (null: nobody) of the next `Send` and its answer as they look on the line, when
+  /// they do not travel there as they are handed over. False: they do, and the caller knows all.
+  virtual bool TakeSink(ByteSink* /*sink*/) { return false; }
 
   /// A sentence for the user on why the last open failed, when there is more to say than that the
   /// lidar was not reached; "" otherwise.

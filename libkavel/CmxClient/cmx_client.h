@@ -10,11 +10,12 @@
 #include <thread>
 #include <vector>
 
+#include "CmxClient/byte_sink.h"
 #include "CmxClient/client_base.h"
-#include "CmxClient/cmx_parser.h"
+#include "CmxClient/cmx_exchange.h"
 #include "CmxClient/command_sender.h"
-#include "CmxClient/log_sink.h"
 #include "CmxClient/stale_input.h"
+#include "CmxClient/ticket_mutex.h"
 
 namespace kavel::lidar {
 
@@ -58,13 +59,15 @@ class CmxClient : public CommandSender {
 
   using CommandSender::QueryCommand;
 
-  /// See `CommandSender`. A search for the header ends with `kNoReply` after one receive time-out
-  /// even if other bytes keep coming. A block of one byte cannot start a header and is dropped. The
-  /// announced payload length only limits how much is read: memory grows with what arrives. A frame
+  /// See `CommandSender`, and `CmxExchange` for the time that it takes. Threads are let in in the
+  /// order in which they come. A block of one byte cannot start a header and is dropped. A frame
   /// longer than 65535 bytes, the most that one send takes, fails with `kSendIncomplete` before
-  /// anything is sent.
+  /// anything is sent; an answer above 64 MiB, or one that memory does not hold, with
+  /// `kReplyBrokeOff`.
   int32_t QueryCommand(const std::vector<uint8_t>& payload, std::vector<uint8_t>& result,
                        uint8_t cmd, bool with_header, int32_t* error) override;
+  int32_t QueryQuietly(const std::vector<uint8_t>& payload, std::vector<uint8_t>& result,
+                       uint8_t cmd, int32_t* error) override;
 
   /// The reason of the last exchange that failed, on whichever thread; 0 before any failed. Another
   /// thread may have used the client since yours did: prefer the `error` of `QueryCommand`.
@@ -94,11 +97,15 @@ class CmxClient : public CommandSender {
   /// Fills an empty address while the client waits for one; ignored once it has one.
   void SetLidarIp(const std::string& ip);
 
-  /// Where "SEND: " and "RECV: " lines go from the next exchange on; null for nowhere.
-  void SetLogSink(std::shared_ptr<LogSink> sink);
+  /// Who is told of the bytes from the next exchange on; null for nobody. Of a serial line it is
+  /// the bytes of the line, frames included.
+  void SetByteSink(std::shared_ptr<ByteSink> sink);
 
   /// From the next exchange on; `StaleInput::kAlways` until then.
-  void SetStaleInput(StaleInput mode);
+  void SetStaleInput(StaleInput mode) { exchange_.SetStaleInput(mode); }
+
+  /// See `CmxExchange::SetLivenessCommand`.
+  void SetLivenessCommand(uint8_t cmd) { exchange_.SetLivenessCommand(cmd); }
 
   /// The connection thread's body: waits for an address, connects, applies the time-outs. Called by
   /// the constructor's thread only.
@@ -106,44 +113,27 @@ class CmxClient : public CommandSender {
 
  private:
   using Clock = std::chrono::steady_clock;
-  struct Reply;
-  struct Outcome {
-    bool accepted;
-    int32_t error;
-  };
-  struct Timeouts {
-    uint32_t recv_ms;
-    uint32_t send_ms;
-  };
-
   bool WaitForAddress(Clock::time_point start);
   void Connect(Clock::time_point start);
   void SettleConnection();
   bool TimeIsUp(Clock::time_point start) const;
   void SleepBetweenAttempts();
 
-  Outcome RunExchange(const std::vector<uint8_t>& payload, std::vector<uint8_t>& result,
-                      uint8_t cmd, bool with_header);
-  bool BuildFrame(const std::vector<uint8_t>& payload, std::vector<uint8_t>& frame, uint8_t cmd);
-  bool SendFrame(std::vector<uint8_t>& frame);
-  void DropStaleInput(bool expect_remains);
-  void DrainUntilSilent();
-  bool ReceiveHeader(Reply& reply);
-  Outcome CheckHeader(const Reply& reply, uint8_t cmd);
-  bool ReceivePayload(Reply& reply, uint32_t length);
-  void WriteOutcome(const Outcome& outcome, const std::vector<uint8_t>& result);
-  std::shared_ptr<LogSink> Sink();
-
-  /// Puts the time-outs in force and returns those before them.
-  Timeouts UseTimeouts(Timeouts timeouts);
+  int32_t Query(const std::vector<uint8_t>& payload, std::vector<uint8_t>& result, uint8_t cmd,
+                bool with_header, ByteSink* sink, int32_t* error);
+  CmxExchange::Outcome RunExchange(const std::vector<uint8_t>& payload,
+                                   std::vector<uint8_t>& result, uint8_t cmd, bool with_header,
+                                   ByteSink* sink);
+  std::shared_ptr<ByteSink> Sink();
+  CmxExchange::Timeouts UseTimeouts(CmxExchange::Timeouts timeouts);
 
   std::atomic<uint8_t> running_{1};
   /// Held for a whole exchange, and by the connection thread until the time-outs are applied.
-  std::mutex exchange_mutex_;
+  TicketMutex exchange_mutex_;
   std::atomic<int32_t> last_error_{0};
   const uint8_t protocol_version_;
   const std::shared_ptr<ClientBase> transport_;
-  const std::shared_ptr<CmxParser> parser_;
+  CmxExchange exchange_;  // guarded by exchange_mutex_
   std::thread connection_thread_;
   std::string lidar_ip_;  // guarded by state_mutex_
   const uint16_t port_;
@@ -152,17 +142,14 @@ class CmxClient : public CommandSender {
   const std::string cert_path_;
   const std::string private_key_path_;
   const std::string ca_path_;
-  const Timeouts configured_;
-  Timeouts in_force_;  // guarded by exchange_mutex_
+  const CmxExchange::Timeouts configured_;
   const float connect_time_limit_s_;
-  std::shared_ptr<LogSink> log_sink_;  // guarded by state_mutex_
+  std::shared_ptr<ByteSink> byte_sink_;  // guarded by state_mutex_
 
   /// Guards what is marked so; never held while the transport works.
   std::mutex state_mutex_;
   std::condition_variable state_changed_;
   bool connecting_ended_ = false;  // guarded by state_mutex_
-  std::atomic<StaleInput> stale_input_{StaleInput::kAlways};
-  bool trouble_ = true;  // guarded by exchange_mutex_
 };
 
 }  // namespace kavel::lidar

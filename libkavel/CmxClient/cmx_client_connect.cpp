@@ -16,7 +16,7 @@ constexpr uint32_t kTls = 1;
 constexpr uint32_t kAttemptLimitS = 1;
 constexpr std::chrono::milliseconds kRetryPause{100};
 /// Without it a client whose time-outs were left at 0 would wait for ever.
-constexpr uint32_t kDefaultTimeoutMs = 500;
+constexpr CmxExchange::Timeouts kDefaultTimeouts{500, 500};
 
 std::shared_ptr<ClientBase> MakeTransport(uint32_t connection_type) {
   if (connection_type == kTcp) {
@@ -37,7 +37,7 @@ CmxClient::CmxClient(const std::string& lidar_ip, uint16_t port, bool auto_recei
                      float connect_time_limit_s, uint16_t host_port)
     : protocol_version_(protocol_version),
       transport_(MakeTransport(connection_type)),
-      parser_(std::make_shared<CmxParser>(protocol_version)),
+      exchange_(transport_, protocol_version, kDefaultTimeouts),
       lidar_ip_(lidar_ip),
       port_(port),
       host_port_(host_port),
@@ -46,7 +46,6 @@ CmxClient::CmxClient(const std::string& lidar_ip, uint16_t port, bool auto_recei
       private_key_path_(private_key_path),
       ca_path_(ca_path),
       configured_{recv_timeout_ms, send_timeout_ms},
-      in_force_{kDefaultTimeoutMs, kDefaultTimeoutMs},
       connect_time_limit_s_(connect_time_limit_s) {
   connection_thread_ = std::thread(&CmxClient::TryOpen, this);
 }
@@ -55,12 +54,11 @@ CmxClient::CmxClient(std::shared_ptr<ClientBase> open_transport, uint8_t protoco
                      uint32_t recv_timeout_ms, uint32_t send_timeout_ms)
     : protocol_version_(protocol_version),
       transport_(std::move(open_transport)),
-      parser_(std::make_shared<CmxParser>(protocol_version)),
+      exchange_(transport_, protocol_version, kDefaultTimeouts),
       port_(0),
       host_port_(0),
       auto_receive_(0),
       configured_{recv_timeout_ms, send_timeout_ms},
-      in_force_{kDefaultTimeoutMs, kDefaultTimeoutMs},
       connect_time_limit_s_(-1) {
   if (transport_) {
     SettleConnection();
@@ -122,7 +120,7 @@ void CmxClient::Connect(Clock::time_point start) {
   KAVEL_LOG(kInfo, "CmxClient::CmxClient() %s %u", lidar_ip.c_str(), unsigned{port_});
 
   // A command that finds the transport open waits here until the time-outs are applied.
-  const std::lock_guard<std::mutex> exchange(exchange_mutex_);
+  const std::lock_guard<TicketMutex> exchange(exchange_mutex_);
   while (transport_ && running_ != 0) {
     if (transport_->TryOpen(host_port_, lidar_ip, port_, auto_receive_ != 0, cert_path_.c_str(),
                             private_key_path_.c_str(), ca_path_.c_str(), kAttemptLimitS)) {
@@ -142,12 +140,13 @@ void CmxClient::Connect(Clock::time_point start) {
 }
 
 void CmxClient::SettleConnection() {
-  if (configured_.recv_ms != 0 && configured_.send_ms != 0) {
-    KAVEL_LOG(kInfo, "u32RecvTimeoutMs %u", configured_.recv_ms);
-    KAVEL_LOG(kInfo, "u32SendTimeoutMs %u", configured_.send_ms);
-    in_force_ = configured_;
+  if (configured_.recv_ms == 0 || configured_.send_ms == 0) {
+    exchange_.UseTimeouts(kDefaultTimeouts);
+    return;
   }
-  transport_->SetTimeout(in_force_.recv_ms, in_force_.send_ms);
+  KAVEL_LOG(kInfo, "u32RecvTimeoutMs %u", configured_.recv_ms);
+  KAVEL_LOG(kInfo, "u32SendTimeoutMs %u", configured_.send_ms);
+  exchange_.UseTimeouts(configured_);
 }
 
 bool CmxClient::TimeIsUp(Clock::time_point start) const {
@@ -195,11 +194,9 @@ void CmxClient::SetLidarIp(const std::string& ip) {
   state_changed_.notify_all();
 }
 
-void CmxClient::SetLogSink(std::shared_ptr<LogSink> sink) {
+void CmxClient::SetByteSink(std::shared_ptr<ByteSink> sink) {
   const std::lock_guard<std::mutex> lock(state_mutex_);
-  log_sink_ = std::move(sink);
+  byte_sink_ = std::move(sink);
 }
-
-void CmxClient::SetStaleInput(StaleInput mode) { stale_input_ = mode; }
 
 }  // namespace kavel::lidar

@@ -8,6 +8,25 @@
 
 namespace kavel::lidar {
 
+std::vector<std::vector<uint8_t>> CutIntoPieces(const std::vector<uint8_t>& data) {
+  const size_t total = (data.size() + kFilePieceDataSize - 1) / kFilePieceDataSize;
+  std::vector<std::vector<uint8_t>> pieces(total);
+  size_t start = 0;
+  for (size_t i = 0; i < total; ++i) {
+    const size_t size = std::min(kFilePieceDataSize, data.size() - start);
+    const uint8_t* bytes = data.data() + start;
+    std::vector<uint8_t>& piece = pieces[i];
+    piece.reserve(kFilePieceHeadSize + size);
+    AppendBigEndian32(piece, 0);
+    AppendBigEndian32(piece, static_cast<uint32_t>(i + 1));
+    AppendBigEndian32(piece, static_cast<uint32_t>(total));
+    AppendBigEndian32(piece, Crc32Mpeg2(bytes, size));
+    piece.insert(piece.end(), bytes, bytes + size);
+    start += size;
+  }
+  return pieces;
+}
+
 GeneralCmxParser::GeneralCmxParser(const CmxHeaderLayout& layout) : layout_(layout) {
   header_[0] = layout.identifier_1;
   header_[1] = layout.identifier_2;
@@ -36,12 +55,8 @@ uint32_t GeneralCmxParser::GetPayloadLen() {
 
 void GeneralCmxParser::EncodeFrame(const std::vector<uint8_t>& payload, std::vector<uint8_t>& frame,
                                    uint8_t cmd) {
-  header_[layout_.command_at] = cmd;
-  WriteBigEndian32(header_.data() + layout_.payload_length_at,
-                   static_cast<uint32_t>(payload.size()));
-  frame.resize(layout_.size + payload.size());
-  const auto head_end = std::copy_n(header_.begin(), layout_.size, frame.begin());
-  std::copy(payload.begin(), payload.end(), head_end);
+  frame = BuildCmxFrame(layout_, cmd, 0, payload);
+  std::copy_n(frame.begin(), layout_.size, header_.begin());
 }
 
 bool Cmx_1_0_parser::CmxEncode(const std::vector<uint8_t>& payload, std::vector<uint8_t>& frame,
@@ -63,21 +78,7 @@ bool Cmx_1_0_parser::CmxStreamDecode(uint8_t /*cmd*/, uint8_t /*fill*/,
 
 bool Cmx_1_0_parser::CmxFilestreamSend(const std::vector<uint8_t>& data,
                                        std::vector<std::vector<uint8_t>>& frames, uint8_t cmd) {
-  const size_t total = (data.size() + kFilePieceDataSize - 1) / kFilePieceDataSize;
-  std::vector<uint8_t> piece;
-  piece.reserve(kFilePieceHeadSize + kFilePieceDataSize);
-  for (size_t number = 1; number <= total; ++number) {
-    const size_t start = (number - 1) * kFilePieceDataSize;
-    const size_t size = std::min(kFilePieceDataSize, data.size() - start);
-    const uint8_t* bytes = data.data() + start;
-
-    piece.clear();
-    AppendBigEndian32(piece, 0);
-    AppendBigEndian32(piece, static_cast<uint32_t>(number));
-    AppendBigEndian32(piece, static_cast<uint32_t>(total));
-    AppendBigEndian32(piece, Crc32Mpeg2(bytes, size));
-    piece.insert(piece.end(), bytes, bytes + size);
-
+  for (const std::vector<uint8_t>& piece : CutIntoPieces(data)) {
     std::vector<uint8_t> frame;
     if (!CmxEncode(piece, frame, cmd)) {
       std::cout << "GeneralCmxParser::CmxFilestreamSend pack frame failed!\n";

@@ -6,29 +6,18 @@
 #include <memory>
 #include <vector>
 
-/// The command frame ("CMX"): a fixed header with a big-endian payload length, then the payload.
-/// Requests and responses share one layout. docs/wire-formats.md shows both versions byte by byte.
+#include "Wire/cmx_header.h"
+
+/// The codecs of command frames ("CMX"): Wire/cmx_header.h has the header.
 namespace kavel::lidar {
-
-/// Where the fields of one version's header stand. Byte 3 is the return code of one version and the
-/// command of the other.
-struct CmxHeaderLayout {
-  uint8_t identifier_1;
-  uint8_t identifier_2;
-  uint8_t fixed_byte_2;  ///< what a request carries at offset 2 before the fields are written
-  size_t size;
-  size_t command_at;
-  size_t return_code_at;
-  size_t payload_length_at;
-};
-
-constexpr CmxHeaderLayout kCmxHeader1{0x47, 0x74, 0, 8, 2, 3, 4};
-constexpr CmxHeaderLayout kCmxHeader2{0x57, 0x75, 1, 12, 3, 4, 8};
-constexpr size_t kMaxCmxHeaderSize = 12;
 
 /// A file piece carries at most this many bytes of the file behind a head of `kFilePieceHeadSize`.
 constexpr size_t kFilePieceDataSize = 1024;
 constexpr size_t kFilePieceHeadSize = 16;
+
+/// The payloads of the requests that carry `data`, each with its number, their count and a
+/// checksum; none for empty `data`.
+std::vector<std::vector<uint8_t>> CutIntoPieces(const std::vector<uint8_t>& data);
 
 /// Builds and reads frames of one version. The getters read the held header: the version's template
 /// until `CmxEncode` is called, then the header of the last frame that was encoded. One thread at a

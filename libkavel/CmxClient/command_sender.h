@@ -41,6 +41,13 @@ class CommandSender {
                        uint8_t cmd, bool with_header) {
     return QueryCommand(payload, result, cmd, with_header, nullptr);
   }
+
+  /// As `QueryCommand` without the header, kept out of what shows the bytes of exchanges to the
+  /// user: for periodic checks, which would flood it.
+  virtual int32_t QueryQuietly(const std::vector<uint8_t>& payload, std::vector<uint8_t>& result,
+                               uint8_t cmd, int32_t* error) {
+    return QueryCommand(payload, result, cmd, false, error);
+  }
 };
 
 }  // namespace kavel::lidar

@@ -17,14 +17,16 @@ constexpr size_t kStatusSize = 10;
 
 using Bytes = std::vector<uint8_t>;
 
-// The reason of the exchange, never 0 for one that failed: a client reports 0 when the device
-// answered another command.
+// The reason of an exchange that failed, never 0: a client reports 0 when the device answered
+// another command.
+int32_t ReasonOf(int32_t error) { return error == 0 ? kBadReply : error; }
+
 int32_t Ask(CommandSender& sender, uint8_t cmd, const Bytes& payload, Bytes* reply) {
   int32_t error = 0;
   if (sender.QueryCommand(payload, *reply, cmd, false, &error) == 0) {
     return 0;
   }
-  return error == 0 ? kBadReply : error;
+  return ReasonOf(error);
 }
 
 int32_t AskFor(CommandSender& sender, uint8_t cmd, size_t size, Bytes* reply) {
@@ -73,14 +75,11 @@ int32_t AskForText(CommandSender& sender, uint8_t cmd, size_t max_size, std::str
 
 }  // namespace
 
-int32_t CheckAlive(CommandSender& sender) {
+int32_t CheckAlive(CommandSender& sender, uint8_t liveness_cmd) {
   Bytes reply;
-  return Ask(sender, kCmdLiveness, {}, &reply);
-}
-
-int32_t CheckAliveOld(CommandSender& sender) {
-  Bytes reply;
-  return Ask(sender, kCmdLivenessOld, {}, &reply);
+  int32_t error = 0;
+  const bool accepted = sender.QueryQuietly({}, reply, liveness_cmd, &error) == 0;
+  return accepted ? 0 : ReasonOf(error);
 }
 
 int32_t RestartDevice(CommandSender& sender) { return Tell(sender, kCmdRestart, {}); }

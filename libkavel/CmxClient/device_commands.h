@@ -82,8 +82,8 @@ struct DeviceStatus {
   uint32_t up_time_s = 0;
 };
 
-int32_t CheckAlive(CommandSender& sender);
-int32_t CheckAliveOld(CommandSender& sender);
+/// Asks quietly, see `CommandSender::QueryQuietly`, with one of the two liveness commands.
+int32_t CheckAlive(CommandSender& sender, uint8_t liveness_cmd);
 int32_t RestartDevice(CommandSender& sender);
 
 int32_t GetBaudRate(CommandSender& sender, uint32_t* baud_rate_bps);

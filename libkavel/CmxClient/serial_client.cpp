@@ -1,8 +1,9 @@
 #include "CmxClient/serial_client.h"
 
+#include <algorithm>
+#include <chrono>
 #include <utility>
 
-#include "CmxClient/hex_text.h"
 #include "Wire/serial_frame.h"
 
 namespace kavel::lidar {
@@ -11,6 +12,17 @@ namespace {
 constexpr uint8_t kSwitchModeCommand = 3;
 constexpr uint32_t kSwitchModeTimeoutMs = 3000;
 constexpr size_t kSwitchModeInnerSize = 5;
+
+// A sound answer to another request than the one with this number. A long request is answered by a
+// long frame; a damaged block may be anything.
+bool AnswersAnother(const std::vector<uint8_t>& block, uint8_t number) {
+  OtaAnswer answer;
+  if (ParseOtaFrame(block, &answer)) {
+    return answer.number != number;
+  }
+  std::vector<uint8_t> inner;
+  return number != kOtaUnnumbered && ParseSerialResponse(block, inner);
+}
 
 }  // namespace
 
@@ -30,9 +42,13 @@ int32_t SerialClient::SendCommand(uint8_t cmd, const std::vector<uint8_t>& paylo
   if (payload.size() > kSerialMaxPayload) {
     return kSerialNotReady;
   }
+  std::shared_ptr<ByteSink> sink;
+  {
+    const std::lock_guard<std::mutex> lock(sink_mutex_);
+    sink = sink_;
+  }
   std::vector<uint8_t> block;
-  const int32_t code =
-      ExchangeBlock(BuildSerialFrame(cmd, payload), kSerialBlockSize, timeout_ms, block);
+  const int32_t code = Run(cmd, payload, kSerialBlockSize, timeout_ms, block, sink.get());
   if (code != 0) {
     return code;
   }
@@ -52,22 +68,65 @@ int32_t SerialClient::SwitchMode(uint8_t mode, uint8_t sub_mode) {
   return inner[4];
 }
 
-int32_t SerialClient::ExchangeBlock(const std::vector<uint8_t>& frame, size_t max_block,
-                                    uint32_t timeout_ms, std::vector<uint8_t>& block) {
-  const std::lock_guard<std::mutex> lock(mutex_);
+int32_t SerialClient::Exchange(uint8_t cmd, const std::vector<uint8_t>& payload,
+                               uint32_t timeout_ms, std::vector<uint8_t>& block, ByteSink* sink) {
+  return Run(cmd, payload, kOtaMaxPayload + kOtaUncounted, timeout_ms, block, sink);
+}
+
+int32_t SerialClient::Run(uint8_t cmd, const std::vector<uint8_t>& payload, size_t max_block,
+                          uint32_t timeout_ms, std::vector<uint8_t>& block, ByteSink* sink) {
+  const std::lock_guard<TicketMutex> lock(mutex_);
   if (!IsOpen()) {
     return kSerialNotReady;
   }
-  WriteToSink("SEND: ", frame);
+  uint8_t number = kOtaUnnumbered;
+  std::vector<uint8_t> frame;
+  if (payload.size() <= kSerialMaxPayload) {
+    frame = BuildSerialFrame(cmd, payload);
+  } else {
+    number = NextNumber();
+    frame = BuildOtaFrame(OtaRequest{number, cmd, payload});
+  }
+  if (sink != nullptr) {
+    sink->Sent({cmd, payload}, frame);
+  }
   answers_->SetReceiveMode(kModeEmptyBuffer);
   if (!SendFrame(frame)) {
     return kSerialNotReady;
   }
-  if (answers_->ReceiveBlock(block, max_block, timeout_ms) < 0) {
+  if (!ReceiveAnswer(number, max_block, timeout_ms, block)) {
     return kSerialNoAnswer;
   }
-  WriteToSink("RECV: ", block);
+  if (sink != nullptr) {
+    sink->Received(block);
+  }
   return 0;
+}
+
+uint8_t SerialClient::NextNumber() {
+  ++last_number_;
+  if (last_number_ == kOtaUnnumbered) {
+    ++last_number_;
+  }
+  return last_number_;
+}
+
+// An answer to an earlier request may come in front of the one that is waited for.
+bool SerialClient::ReceiveAnswer(uint8_t number, size_t max_block, uint32_t timeout_ms,
+                                 std::vector<uint8_t>& block) {
+  using Clock = std::chrono::steady_clock;
+  const auto deadline = Clock::now() + std::chrono::milliseconds(timeout_ms);
+  do {
+    const auto left = std::chrono::ceil<std::chrono::milliseconds>(deadline - Clock::now());
+    const auto wait_ms = static_cast<uint32_t>(std::max<int64_t>(left.count(), 0));
+    if (answers_->ReceiveBlock(block, max_block, wait_ms) < 0) {
+      return false;
+    }
+    if (!AnswersAnother(block, number)) {
+      return true;
+    }
+  } while (Clock::now() < deadline);
+  return false;
 }
 
 // A frame that was cut short can have no answer, so it counts as not sent.
@@ -85,20 +144,9 @@ std::string SerialClient::LastError() const {
   return {};
 }
 
-void SerialClient::SetLogSink(std::shared_ptr<LogSink> sink) {
+void SerialClient::SetByteSink(std::shared_ptr<ByteSink> sink) {
   const std::lock_guard<std::mutex> lock(sink_mutex_);
   sink_ = std::move(sink);
-}
-
-void SerialClient::WriteToSink(const char* tag, const std::vector<uint8_t>& bytes) {
-  std::shared_ptr<LogSink> sink;
-  {
-    const std::lock_guard<std::mutex> lock(sink_mutex_);
-    sink = sink_;
-  }
-  if (sink != nullptr) {
-    sink->WriteLine(tag + HexText(bytes));
-  }
 }
 
 void SerialClient::Interrupt() {

@@ -8,8 +8,10 @@
 #include <string>
 #include <vector>
 
-#include "CmxClient/log_sink.h"
+#include "CmxClient/byte_sink.h"
+#include "CmxClient/ticket_mutex.h"
 #include "Source/serial_source.h"
+#include "Wire/ota_stream.h"
 
 namespace kavel::lidar {
 
@@ -24,7 +26,8 @@ inline constexpr size_t kSerialBlockSize = 1500;
 /// Request and answer over serial lines: requests leave by one, answers arrive by the same or by
 /// another one. A line that only sends is read, too, which is how its loss is noticed.
 ///
-/// Thread-safe: one mutex serialises whole exchanges. Nothing throws.
+/// Thread-safe: whole exchanges follow one another, in the order in which they were asked for.
+/// Nothing throws.
 class SerialClient {
  public:
   /// Both already open, or the client is never ready.
@@ -48,17 +51,19 @@ class SerialClient {
   /// an answer of another shape.
   int32_t SwitchMode(uint8_t mode, uint8_t sub_mode);
 
-  /// The exchange below the frames: writes the "SEND: " line, empties the receiver, sends `frame`,
-  /// receives one block of at most `max_block` bytes and writes the "RECV: "
-  /// line. Returns 0, kSerialNotReady or kSerialNoAnswer; the block is not checked.
-  int32_t ExchangeBlock(const std::vector<uint8_t>& frame, size_t max_block, uint32_t timeout_ms,
-                        std::vector<uint8_t>& block);
+  /// The exchange below the frames, with a payload of up to kOtaMaxPayload bytes: sends it in the
+  /// frame that its length needs and leaves in `block` what came back, which is not checked, save
+  /// that long answers to other requests are passed over. Returns 0, kSerialNotReady or
+  /// kSerialNoAnswer. `sink` (may be null) is told instead of the client's own.
+  int32_t Exchange(uint8_t cmd, const std::vector<uint8_t>& payload, uint32_t timeout_ms,
+                   std::vector<uint8_t>& block, ByteSink* sink);
 
   /// Longest wait for the port to take bytes, without progress; 500 ms at first.
   void SetSendTimeout(uint32_t timeout_ms) { send_timeout_ms_ = timeout_ms; }
 
-  /// Where the "SEND: " and "RECV: " lines go; null for nowhere. Takes effect between exchanges.
-  void SetLogSink(std::shared_ptr<LogSink> sink);
+  /// Who is told of the bytes of SendCommand and SwitchMode from the next exchange on; null for
+  /// nobody.
+  void SetByteSink(std::shared_ptr<ByteSink> sink);
 
   /// Why a port was lost, as a sentence for the user; "" while there was no failure.
   std::string LastError() const;
@@ -69,14 +74,19 @@ class SerialClient {
   void Close();
 
  private:
+  int32_t Run(uint8_t cmd, const std::vector<uint8_t>& payload, size_t max_block,
+              uint32_t timeout_ms, std::vector<uint8_t>& block, ByteSink* sink);
+  uint8_t NextNumber();
   bool SendFrame(const std::vector<uint8_t>& frame);
-  void WriteToSink(const char* tag, const std::vector<uint8_t>& bytes);
+  bool ReceiveAnswer(uint8_t number, size_t max_block, uint32_t timeout_ms,
+                     std::vector<uint8_t>& block);
 
   const std::shared_ptr<SerialSource> requests_;
   const std::shared_ptr<SerialSource> answers_;
-  std::mutex mutex_;
+  TicketMutex mutex_;
+  uint8_t last_number_ = kOtaUnnumbered;  // guarded by mutex_
   std::mutex sink_mutex_;
-  std::shared_ptr<LogSink> sink_;
+  std::shared_ptr<ByteSink> sink_;  // guarded by sink_mutex_
   std::atomic<uint32_t> send_timeout_ms_{500};
   std::atomic<bool> interrupted_{false};
 };

@@ -4,8 +4,8 @@
 #include <limits>
 #include <utility>
 
-#include "CmxClient/cmx_parser.h"
 #include "Wire/big_endian.h"
+#include "Wire/cmx_header.h"
 #include "Wire/ota_stream.h"
 #include "Wire/serial_frame.h"
 
@@ -16,8 +16,6 @@ constexpr const CmxHeaderLayout& kHeader = kCmxHeader1;
 
 // Inner bytes of an ordinary answer: length, command, return code, payload.
 constexpr size_t kInnerPayloadOffset = 3;
-
-constexpr size_t kLongestAnswer = kOtaMaxPayload + kOtaUncounted + 2;
 
 // A time-out of 0 waits for ever, like a socket's; an interruption ends it all the same.
 constexpr uint32_t kForeverMs = std::numeric_limits<int32_t>::max();
@@ -64,13 +62,10 @@ int32_t SerialCmxTransport::Send(uint8_t* data, uint16_t length, int32_t /*flags
 
 // False when the request did not leave. Whether an answer came is for Receive to tell.
 bool SerialCmxTransport::Exchange(uint8_t cmd, const std::vector<uint8_t>& payload) {
-  const bool is_short = payload.size() <= kSerialMaxPayload;
-  const std::vector<uint8_t> frame =
-      is_short ? BuildSerialFrame(cmd, payload) : BuildOtaFrame(cmd, payload);
   std::vector<uint8_t> block;
   const int32_t code =
-      client_->ExchangeBlock(frame, kLongestAnswer, OrForever(receive_timeout_ms_), block);
-  // A short request may have a long answer and the other way round.
+      client_->Exchange(cmd, payload, OrForever(receive_timeout_ms_), block, sink_);
+  // A short request may have a long answer.
   if (code == 0) {
     IsOtaFrame(block) ? KeepLongAnswer(block) : KeepShortAnswer(block);
   }
@@ -82,23 +77,15 @@ void SerialCmxTransport::KeepShortAnswer(const std::vector<uint8_t>& block) {
   if (!ParseSerialResponse(block, inner) || inner.size() < kInnerPayloadOffset) {
     return;
   }
-  KeepAnswer(inner[1], inner[2], {inner.begin() + kInnerPayloadOffset, inner.end()});
+  answer_ = BuildCmxFrame(kHeader, inner[1], inner[2],
+                          {inner.begin() + kInnerPayloadOffset, inner.end()});
 }
 
 void SerialCmxTransport::KeepLongAnswer(const std::vector<uint8_t>& block) {
-  uint8_t cmd = 0;
-  uint8_t return_code = 0;
-  std::vector<uint8_t> payload;
-  if (ParseOtaResponse(block, &cmd, &return_code, &payload)) {
-    KeepAnswer(cmd, return_code, payload);
+  OtaAnswer answer;
+  if (ParseOtaFrame(block, &answer)) {
+    answer_ = BuildCmxFrame(kHeader, answer.cmd, answer.return_code, answer.payload);
   }
-}
-
-void SerialCmxTransport::KeepAnswer(uint8_t cmd, uint8_t return_code,
-                                    const std::vector<uint8_t>& payload) {
-  answer_ = {kHeader.identifier_1, kHeader.identifier_2, cmd, return_code};
-  AppendBigEndian32(answer_, static_cast<uint32_t>(payload.size()));
-  answer_.insert(answer_.end(), payload.begin(), payload.end());
 }
 
 int32_t SerialCmxTransport::Receive(uint8_t* buffer, uint32_t length, int32_t /*flags*/) {
@@ -120,6 +107,11 @@ int32_t SerialCmxTransport::SetTimeout(uint32_t recv_ms, uint32_t send_ms) {
   receive_timeout_ms_ = recv_ms;
   client_->SetSendTimeout(OrForever(send_ms));
   return 0;
+}
+
+bool SerialCmxTransport::TakeSink(ByteSink* sink) {
+  sink_ = sink;
+  return true;
 }
 
 void SerialCmxTransport::SetReceiveBufferSize(const uint32_t& /*bytes*/) {}

@@ -45,16 +45,18 @@ class SerialCmxTransport : public ClientBase {
   /// Without effect: a serial source bounds its own buffer.
   void SetReceiveBufferSize(const uint32_t& bytes) override;
   void Interrupt() override;
+  /// The frames of the line are shown, not those that it is handed.
+  bool TakeSink(ByteSink* sink) override;
   std::string OpenFailure() override;
 
  private:
   bool Exchange(uint8_t cmd, const std::vector<uint8_t>& payload);
   void KeepShortAnswer(const std::vector<uint8_t>& block);
   void KeepLongAnswer(const std::vector<uint8_t>& block);
-  void KeepAnswer(uint8_t cmd, uint8_t return_code, const std::vector<uint8_t>& payload);
 
   const std::shared_ptr<SerialClient> client_;
   std::atomic<uint32_t> receive_timeout_ms_{500};
+  ByteSink* sink_ = nullptr;
   std::vector<uint8_t> answer_;
   size_t handed_out_ = 0;
 };

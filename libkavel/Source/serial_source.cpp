@@ -9,14 +9,14 @@
 namespace kavel::lidar {
 namespace {
 
-using Clock = std::chrono::steady_clock;
-
 constexpr size_t kReadSize = 4096;
 constexpr uint32_t kIdleWaitMs = 1000;
 constexpr uint32_t kSendTimeoutMs = 500;
 constexpr size_t kMaxAnswers = 16;
 constexpr size_t kMaxPoints = 512;
 constexpr size_t kVersionOffset = 7;
+// Within a frame. Adapters hand bytes on in lumps, and a device may write a long frame in parts.
+constexpr std::chrono::milliseconds kLongestGap{250};
 // A byte on the line is a start bit, eight data bits and a stop bit; twice that, since adapters
 // hand bytes on in lumps and point-cloud frames come between.
 constexpr uint64_t kBitTimesPerByte = 20;
@@ -122,6 +122,7 @@ void SerialSource::TakeBytes(const uint8_t* data, size_t size) {
   {
     const std::lock_guard<std::mutex> lock(mutex_);
     counters_.bytes += size;
+    last_byte_ = Clock::now();
     stream_.Append(data, size);
     while (std::optional<SerialStreamFrame> frame = stream_.Next()) {
       SortFrame(*frame);
@@ -185,23 +186,23 @@ int32_t SerialSource::Send(const uint8_t* data, uint16_t length, int32_t /*flags
 int32_t SerialSource::ReceiveBlock(std::vector<uint8_t>& block, size_t max_size,
                                    uint32_t timeout_ms) {
   std::unique_lock<std::mutex> lock(mutex_);
-  Clock::time_point deadline = Clock::now() + std::chrono::milliseconds(timeout_ms);
-  bool extended = false;
-  while (running_ && answers_.empty()) {
-    const size_t pending = stream_.PendingLongFrame();
-    if (pending > 0 && !extended) {
-      deadline += std::chrono::milliseconds(pending * kBitTimesPerByte * 1000 /
-                                            std::max<uint32_t>(port_->baud_rate_bps(), 1));
-      extended = true;
-    }
-    if (arrived_.wait_until(lock, deadline) == std::cv_status::timeout) {
-      break;
-    }
+  const Clock::time_point begins_by = Clock::now() + std::chrono::milliseconds(timeout_ms);
+  while (running_ && answers_.empty() && Clock::now() < EndsBy(begins_by)) {
+    arrived_.wait_until(lock, EndsBy(begins_by));
   }
   if (!running_) {
     return -1;
   }
   return TakeAnswer(block, max_size);
+}
+
+// A long answer that has begun in time gets the time that its announced size needs on the line, as
+// long as its bytes keep coming: the size may be noise.
+SerialSource::Clock::time_point SerialSource::EndsBy(Clock::time_point begins_by) const {
+  const uint64_t bits = stream_.PendingLongFrame() * kBitTimesPerByte;
+  const std::chrono::milliseconds line_time(bits * 1000 /
+                                            std::max<uint32_t>(port_->baud_rate_bps(), 1));
+  return std::max(begins_by, std::min(begins_by + line_time, last_byte_ + kLongestGap));
 }
 
 int32_t SerialSource::TakeAnswer(std::vector<uint8_t>& block, size_t max_size) {

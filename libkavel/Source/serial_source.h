@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <condition_variable>
 #include <cstddef>
 #include <cstdint>
@@ -62,7 +63,8 @@ class SerialSource : public Source {
   int32_t Send(const uint8_t* data, uint16_t length, int32_t flags) override;
 
   /// Takes one answer of at most `max_size` bytes, waiting up to `timeout_ms`; a long frame whose
-  /// beginning arrived in time also gets the time that the rest of it needs on the line. When no
+  /// beginning arrived in time also gets the time that the rest of it needs on the line, unless it
+  /// stops coming. When no
   /// whole frame came, the bytes that did come are handed out, cut to `max_size`, so that the
   /// caller can tell a damaged answer from silence. Returns the byte count, or -1 when nothing came
   /// or the line was closed or interrupted.
@@ -89,10 +91,13 @@ class SerialSource : public Source {
   std::shared_ptr<SerialPort> port() const { return port_; }
 
  private:
+  using Clock = std::chrono::steady_clock;
+
   void ReceivedThread();
   void TakeBytes(const uint8_t* data, size_t size);
   void SortFrame(SerialStreamFrame& frame);
   void KeepPointCloud(const std::vector<uint8_t>& frame);
+  Clock::time_point EndsBy(Clock::time_point begins_by) const;
   int32_t TakeAnswer(std::vector<uint8_t>& block, size_t max_size);
   void SearchBehindBrokenFrame();
   void EmptyBuffer();
@@ -113,6 +118,7 @@ class SerialSource : public Source {
   std::deque<std::vector<uint8_t>> answers_;
   std::deque<std::vector<uint8_t>> points_;
   Counters counters_;
+  Clock::time_point last_byte_;
   std::string refusal_;  ///< why the source cannot work with any port
   int mode_ = kModePointCloud;
   bool running_ = false;

@@ -1,6 +1,7 @@
 #include "Wire/ota_stream.h"
 
 #include <algorithm>
+#include <initializer_list>
 
 #include "Wire/big_endian.h"
 #include "Wire/serial_frame.h"
@@ -8,42 +9,43 @@
 namespace kavel::lidar {
 namespace {
 
-constexpr size_t kCountedOffset = kOtaPrefixSize + 2;
+constexpr size_t kDirectionAt = kOtaPrefixSize + 2;
+constexpr size_t kNumberAt = kDirectionAt + 1;
+constexpr size_t kCommandAt = kNumberAt + 1;
+constexpr size_t kReturnCodeAt = kCommandAt + 1;  // in an answer
+constexpr size_t kTailSize = kSerialChecksumSize + kSerialTerminatorSize;
 
-std::vector<uint8_t> BeginFrame(size_t counted) {
+std::vector<uint8_t> Build(std::initializer_list<uint8_t> head,
+                           const std::vector<uint8_t>& payload) {
+  if (payload.size() > kOtaMaxPayload) {
+    return {};
+  }
+  const size_t counted = head.size() + payload.size();
   std::vector<uint8_t> frame(std::begin(kOtaPrefix), std::end(kOtaPrefix));
   frame.reserve(counted + kOtaUncounted);
   AppendBigEndian16(frame, static_cast<uint16_t>(counted));
+  frame.insert(frame.end(), head);
+  frame.insert(frame.end(), payload.begin(), payload.end());
+  AppendSerialTail(frame, kSerialTailFirmware);
   return frame;
 }
 
-void CloseFrame(std::vector<uint8_t>& frame, const std::vector<uint8_t>& payload) {
-  frame.insert(frame.end(), payload.begin(), payload.end());
-  AppendSerialTail(frame, kSerialTailFirmware);
-}
-
-// Checks everything around the counted bytes and returns how many of these there are; 0 when
-// anything does not fit.
-size_t CheckedCount(const std::vector<uint8_t>& block) {
+bool IsWhole(const std::vector<uint8_t>& block) {
   if (block.size() <= kOtaUncounted || !IsOtaFrame(block)) {
-    return 0;
+    return false;
   }
   const size_t counted = ReadBigEndian16(block.data() + kOtaPrefixSize);
   if (block.size() != counted + kOtaUncounted) {
-    return 0;
+    return false;
   }
-  const uint8_t* checksum = block.data() + kCountedOffset + counted;
-  if (checksum[4] != kSerialTerminator1 || checksum[5] != kSerialTerminator2) {
-    return 0;
-  }
-  const uint32_t expected = SerialChecksum(block.data() + kOtaPrefixSize, counted + 2);
-  return ReadBigEndian32(checksum) == expected ? counted : 0;
+  const uint8_t* tail = block.data() + block.size() - kTailSize;
+  return tail[4] == kSerialTerminator1 && tail[5] == kSerialTerminator2 &&
+         ReadBigEndian32(tail) == SerialChecksum(block.data() + kOtaPrefixSize, counted + 2);
 }
 
-void CopyPayload(const std::vector<uint8_t>& block, size_t from, size_t count,
-                 std::vector<uint8_t>* payload) {
+std::vector<uint8_t> PayloadFrom(const std::vector<uint8_t>& block, size_t from) {
   const auto begin = block.begin() + static_cast<std::ptrdiff_t>(from);
-  payload->assign(begin, begin + static_cast<std::ptrdiff_t>(count));
+  return {begin, block.end() - static_cast<std::ptrdiff_t>(kTailSize)};
 }
 
 }  // namespace
@@ -53,47 +55,44 @@ bool IsOtaFrame(const std::vector<uint8_t>& block) {
          std::equal(std::begin(kOtaPrefix), std::end(kOtaPrefix), block.begin());
 }
 
-std::vector<uint8_t> BuildOtaFrame(uint8_t cmd, const std::vector<uint8_t>& payload) {
-  if (payload.size() > kOtaMaxPayload) {
-    return {};
+std::optional<OtaDirection> OtaDirectionOf(const std::vector<uint8_t>& block) {
+  if (!IsWhole(block)) {
+    return std::nullopt;
   }
-  std::vector<uint8_t> frame = BeginFrame(payload.size() + 1);
-  frame.push_back(cmd);
-  CloseFrame(frame, payload);
-  return frame;
+  const auto direction = static_cast<OtaDirection>(block[kDirectionAt]);
+  const size_t head_end = direction == OtaDirection::kAnswer ? kReturnCodeAt + 1 : kCommandAt + 1;
+  const bool is_known = direction == OtaDirection::kRequest || direction == OtaDirection::kAnswer;
+  if (!is_known || block.size() < head_end + kTailSize) {
+    return std::nullopt;
+  }
+  return direction;
 }
 
-bool ParseOtaFrame(const std::vector<uint8_t>& block, uint8_t* cmd, std::vector<uint8_t>* payload) {
-  const size_t counted = CheckedCount(block);
-  if (counted < 1) {
+std::vector<uint8_t> BuildOtaFrame(const OtaRequest& request) {
+  return Build({static_cast<uint8_t>(OtaDirection::kRequest), request.number, request.cmd},
+               request.payload);
+}
+
+std::vector<uint8_t> BuildOtaFrame(const OtaAnswer& answer) {
+  return Build(
+      {static_cast<uint8_t>(OtaDirection::kAnswer), answer.number, answer.cmd, answer.return_code},
+      answer.payload);
+}
+
+bool ParseOtaFrame(const std::vector<uint8_t>& block, OtaRequest* request) {
+  if (OtaDirectionOf(block) != OtaDirection::kRequest) {
     return false;
   }
-  *cmd = block[kCountedOffset];
-  CopyPayload(block, kCountedOffset + 1, counted - 1, payload);
+  *request = {block[kNumberAt], block[kCommandAt], PayloadFrom(block, kCommandAt + 1)};
   return true;
 }
 
-std::vector<uint8_t> BuildOtaResponse(uint8_t cmd, uint8_t return_code,
-                                      const std::vector<uint8_t>& payload) {
-  if (payload.size() > kOtaMaxPayload) {
-    return {};
-  }
-  std::vector<uint8_t> frame = BeginFrame(payload.size() + 2);
-  frame.push_back(cmd);
-  frame.push_back(return_code);
-  CloseFrame(frame, payload);
-  return frame;
-}
-
-bool ParseOtaResponse(const std::vector<uint8_t>& block, uint8_t* cmd, uint8_t* return_code,
-                      std::vector<uint8_t>* payload) {
-  const size_t counted = CheckedCount(block);
-  if (counted < 2) {
+bool ParseOtaFrame(const std::vector<uint8_t>& block, OtaAnswer* answer) {
+  if (OtaDirectionOf(block) != OtaDirection::kAnswer) {
     return false;
   }
-  *cmd = block[kCountedOffset];
-  *return_code = block[kCountedOffset + 1];
-  CopyPayload(block, kCountedOffset + 2, counted - 2, payload);
+  *answer = {block[kNumberAt], block[kCommandAt], block[kReturnCodeAt],
+             PayloadFrom(block, kReturnCodeAt + 1)};
   return true;
 }
 

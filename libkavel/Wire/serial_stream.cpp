@@ -37,6 +37,13 @@ bool FirmwareChecksumFits(const std::vector<uint8_t>& frame) {
   return ReadBigEndian32(begin + covered) == SerialChecksum(begin, covered);
 }
 
+// A long frame that goes the other way: the line echoes, or two tools share it.
+bool IsFromListener(const std::vector<uint8_t>& frame, SerialListener listener) {
+  const OtaDirection own =
+      listener == SerialListener::kTool ? OtaDirection::kRequest : OtaDirection::kAnswer;
+  return OtaDirectionOf(frame) == own;
+}
+
 bool CommandFits(const std::vector<uint8_t>& frame, SerialListener listener) {
   std::vector<uint8_t> content;
   if (listener == SerialListener::kTool) {
@@ -177,6 +184,10 @@ std::optional<SerialStreamFrame> SerialStream::Next() {
     // Looked at before anything is copied: noise may claim one long frame after the other.
     if (*size > 0 && IsTerminator(Head() + *size - kSerialTerminatorSize)) {
       SerialStreamFrame frame = CopyFrame(kind, *size);
+      if (kind == Kind::kLong && IsFromListener(frame.bytes, listener_)) {
+        Skip(*size);
+        continue;
+      }
       if (frame.sound || (kind != Kind::kPointCloud && !PrefixInside(*size))) {
         begin_ += *size;
         skipped_.clear();

@@ -35,7 +35,8 @@ struct SerialStreamFrame {
 ///
 /// A frame is handed out when it is complete and its terminator and checksum fit. When they do not,
 /// the search goes on inside it, one byte behind its beginning, since its length may be what was
-/// damaged. Never holds more than kMaxHeld bytes. Not thread-safe.
+/// damaged. What the line echoes is skipped: no frame is handed out to the side that sends its
+/// kind. Never holds more than kMaxHeld bytes. Not thread-safe.
 class SerialStream {
  public:
   /// Room for the longest frame and for what came with it.

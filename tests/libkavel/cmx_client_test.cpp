@@ -4,9 +4,11 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <atomic>
 #include <chrono>
 #include <memory>
+#include <mutex>
 #include <string>
 #include <thread>
 #include <utility>
@@ -58,22 +60,6 @@ void EndInTime(std::unique_ptr<CmxClient> client) {
   EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::milliseconds(1500));
 }
 
-TEST(CmxClientConnect, LogsItsWay) {
-  LogLines log;
-  SocketPeer peer(EchoCommands);
-  const auto client = Client(peer.port());
-  ASSERT_TRUE(client->WaitUntilConnected());
-  EXPECT_TRUE(client->IsOpen());
-  EXPECT_EQ(log.Count(kInfo, "CmxClient::CmxClient() 127.0.0.1 " + std::to_string(peer.port())), 1);
-  EXPECT_EQ(log.Count(kInfo, "u32RecvTimeoutMs 500"), 1);
-  EXPECT_EQ(log.Count(kInfo, "u32SendTimeoutMs 500"), 1);
-  EXPECT_EQ(log.Count(kInfo, "cmx connect success"), 1);
-  Bytes result;
-  EXPECT_EQ(client->QueryCommand({1, 2}, result, 7, false), 0);
-  EXPECT_EQ(result, (Bytes{1, 2}));
-  EXPECT_EQ(log.Count(kTrace, "exec time: "), 1);
-}
-
 TEST(CmxClientConnect, KeepsTryingUntilTheLidarIsThere) {
   auto holder = std::make_unique<SocketPeer>(TakeCommandsInSilence);
   SocketPeer peer(EchoCommands);
@@ -103,7 +89,8 @@ TEST(CmxClientConnect, GivesUpWhenItsTimeIsOver) {
   EXPECT_EQ(log.Count(kWarning, "cmx connect : get lidar ip timeout"), 1);
 }
 
-TEST(CmxClientConnect, WaitsForAnAddress) {
+TEST(CmxClientConnect, WaitsForAnAddressAndLogsItsWay) {
+  LogLines log;
   SocketPeer peer(EchoCommands);
   ClientOptions options;
   options.ip = "";
@@ -114,8 +101,14 @@ TEST(CmxClientConnect, WaitsForAnAddress) {
   EXPECT_EQ(error, kNotConnected);
   client->SetLidarIp("127.0.0.1");
   client->SetLidarIp("127.0.0.9");
-  EXPECT_TRUE(client->WaitUntilConnected());
-  EXPECT_EQ(client->QueryCommand({1}, result, 7, false), 0);
+  ASSERT_TRUE(client->WaitUntilConnected());
+  EXPECT_EQ(client->QueryCommand({1, 2}, result, 7, false), 0);
+  EXPECT_EQ(result, (Bytes{1, 2}));
+  EXPECT_EQ(log.Count(kInfo, "CmxClient::CmxClient() 127.0.0.1 " + std::to_string(peer.port())), 1);
+  EXPECT_EQ(log.Count(kInfo, "u32RecvTimeoutMs 500"), 1);
+  EXPECT_EQ(log.Count(kInfo, "u32SendTimeoutMs 500"), 1);
+  EXPECT_EQ(log.Count(kInfo, "cmx connect success"), 1);
+  EXPECT_EQ(log.Count(kTrace, "exec time: "), 1);
 }
 
 TEST(CmxClientShutdown, EndsInEveryPhase) {
@@ -171,7 +164,7 @@ TEST(CmxClientSharing, ThreadsGetTheirOwnAnswersAndReasons) {
         int32_t error = -99;
         EXPECT_EQ(client->QueryCommand({}, result, cmd, false, &error), -1);
         EXPECT_EQ(error, cmd);
-        client->SetLogSink(nullptr);
+        client->SetByteSink(nullptr);
         client->GetLastErrorCode();
       }
     });
@@ -181,28 +174,27 @@ TEST(CmxClientSharing, ThreadsGetTheirOwnAnswersAndReasons) {
   }
 }
 
-TEST(CmxClientTrouble, ALidarThatAnswersLateIsUnderstoodNextTime) {
-  std::atomic<bool> timed_out{false};
-  std::atomic<bool> answered{false};
-  SocketPeer peer([&](TcpEnd& connection) {
-    const Bytes late = connection.Read(9);
-    WaitFor([&] { return timed_out || connection.Ended(); });
-    connection.Send(late);
-    answered = true;
-    EchoCommands(connection);
+TEST(CmxClientSharing, NobodyIsKeptOutByAThreadThatComesAgainAndAgain) {
+  TicketMutex mutex;
+  std::atomic<bool> ends{false};
+  std::atomic<int> rounds{0};
+  std::thread other([&] {
+    while (!ends) {
+      const std::lock_guard<TicketMutex> lock(mutex);
+      ++rounds;
+      std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    }
   });
-  ClientOptions options;
-  options.timeout_ms = 60;
-  const auto client = Client(peer.port(), options);
-  ASSERT_TRUE(client->WaitUntilConnected());
-  client->SetStaleInput(StaleInput::kAfterTrouble);
-  Bytes result;
-  EXPECT_EQ(client->QueryCommand({1}, result, 7, false), -1);
-  EXPECT_EQ(client->GetLastErrorCode(), kNoReply);
-  timed_out = true;
-  ASSERT_TRUE(WaitFor([&] { return answered.load(); }));
-  EXPECT_EQ(client->QueryCommand({2}, result, 7, false), 0);
-  EXPECT_EQ(result, Bytes{2});
+  EXPECT_TRUE(WaitFor([&] { return rounds > 0; }));
+  int fewest = 1000;  // rounds that one waiter saw; a busy machine may delay this thread's request
+  for (int i = 0; i < 10; ++i) {
+    const int before = rounds;
+    const std::lock_guard<TicketMutex> lock(mutex);
+    fewest = std::min(fewest, rounds - before);
+  }
+  ends = true;
+  other.join();
+  EXPECT_LE(fewest, 1);
 }
 
 TEST(CmxClientTrouble, ALidarThatDripsAndThenVanishes) {

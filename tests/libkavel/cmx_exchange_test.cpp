@@ -9,8 +9,10 @@
 #include <vector>
 
 #include "CmxClient/cmx_client.h"
+#include "CmxClient/cmx_parser.h"
 #include "libkavel/scripted_transport.h"
 #include "support/log_lines.h"
+#include "support/shown_bytes.h"
 
 namespace kavel::lidar {
 namespace {
@@ -18,42 +20,30 @@ namespace {
 using namespace testing;
 using Bytes = std::vector<uint8_t>;
 
-struct Lines : LogSink {
-  void WriteLine(const std::string& line) override { lines.push_back(line); }
-  std::vector<std::string> lines;
-};
-
-class CmxExchange : public ::testing::Test {
+class CmxExchangeTest : public ::testing::Test {
  protected:
-  explicit CmxExchange(uint8_t version = 1) : client(transport, version, 20, 20) {
-    client.SetLogSink(sink);
+  explicit CmxExchangeTest(uint8_t version = 1) : client(transport, version, 20, 20) {
+    client.SetByteSink(sink);
   }
 
   int32_t Query(uint8_t cmd, bool with_header = false, const Bytes& payload = {}) {
     return client.QueryCommand(payload, result, cmd, with_header, &error);
   }
 
-  void ExpectFailure(int32_t reason) {
-    EXPECT_EQ(error, reason);
-    EXPECT_EQ(result, before) << "left as it was";
-    ASSERT_EQ(sink->lines.size(), 2U);
-    EXPECT_EQ(sink->lines[1], "RECV: ret_code is " + std::to_string(reason));
-  }
-
   const Bytes before = {0xEE};
   Bytes result = before;
   int32_t error = 99;
   std::shared_ptr<ScriptedTransport> transport = std::make_shared<ScriptedTransport>();
-  std::shared_ptr<Lines> sink = std::make_shared<Lines>();
+  std::shared_ptr<ShownBytes> sink = std::make_shared<ShownBytes>();
   CmxClient client;
 };
 
-class CmxExchange2 : public CmxExchange {
+class CmxExchangeTest2 : public CmxExchangeTest {
  protected:
-  CmxExchange2() : CmxExchange(2) {}
+  CmxExchangeTest2() : CmxExchangeTest(2) {}
 };
 
-TEST_F(CmxExchange, BringsThePayload) {
+TEST_F(CmxExchangeTest, BringsThePayload) {
   transport->answer = {{0x47, 0x74, 0x2A, 0, 0, 0, 0, 3}, {5}, {6, 7}};
   EXPECT_EQ(Query(0x2A, false, {1, 2}), 0);
   EXPECT_EQ(error, 0);
@@ -63,7 +53,7 @@ TEST_F(CmxExchange, BringsThePayload) {
             (std::vector<std::string>{"SEND: 47 74 2a 00 00 00 00 02 01 02", "RECV: 05 06 07"}));
 }
 
-TEST_F(CmxExchange2, SpeaksVersion2) {
+TEST_F(CmxExchangeTest2, SpeaksVersion2) {
   LogLines log;
   transport->answer = {{0x57, 0x75, 9, 0x2A, 0, 1, 2, 3, 0, 0, 0, 1, 0x66}};
   EXPECT_EQ(Query(0x2A, true), 0);
@@ -75,14 +65,14 @@ TEST_F(CmxExchange2, SpeaksVersion2) {
             1);
 }
 
-TEST_F(CmxExchange, AnEmptyPayloadLeavesTheResult) {
+TEST_F(CmxExchangeTest, AnEmptyPayloadLeavesTheResult) {
   transport->answer = {{0x47, 0x74, 7, 0, 0, 0, 0, 0}};
   EXPECT_EQ(Query(7), 0);
   EXPECT_EQ(result, before);
   EXPECT_EQ(sink->lines[1], "RECV: ee");
 }
 
-TEST_F(CmxExchange, FindsTheHeaderBehindStrayBytes) {
+TEST_F(CmxExchangeTest, FindsTheHeaderBehindStrayBytes) {
   // The last block still holds a lone first identifier byte that starts nothing.
   transport->answer = {{1, 2, 3}, {0x47}, {0x74, 0x74, 0x47}, {9, 0x47, 0x74, 7, 0}, {0}, {0, 0},
                        {1},       {0x55}};
@@ -90,60 +80,54 @@ TEST_F(CmxExchange, FindsTheHeaderBehindStrayBytes) {
   EXPECT_EQ(result, Bytes{0x55});
 }
 
-TEST_F(CmxExchange, NamesEveryFailure) {
+TEST_F(CmxExchangeTest, NamesEveryFailure) {
   const Bytes header = {0x47, 0x74, 7, 0, 0, 0, 0, 4};
-  struct Case {
+  const Bytes refusal = {0x47, 0x74, 7, 3, 0, 0, 0, 2};
+  const struct {
     const char* what;
     std::deque<Bytes> answer;
     int32_t reason;
-  };
-  const Case cases[] = {
+    bool with_header = false;
+    int32_t short_by = 0;
+    Bytes babble = {};
+  } cases[] = {
       {"silence", {}, -2},
       {"closed", std::deque<Bytes>(1), -2},
       {"silence inside the header", {{0x47, 0x74, 7}}, -2},
       {"closed inside the header", {{0x47, 0x74, 7}, {}}, -2},
       {"a block of one byte starts no header", {{0x47}, {0x74}, {7}, {0}, {0}, {0}, {0}, {0}}, -2},
+      {"babble without an end", {}, -2, false, 0, {1, 2, 3, 4}},
       {"silence inside the payload", {header, {1, 2}}, -3},
       {"closed inside the payload", {header, {1}, {}}, -3},
-      {"an absurd length", {{0x47, 0x74, 7, 0, 0xFF, 0xFF, 0xFF, 0xFF}, {1, 2, 3}}, -3},
+      {"a byte above 64 MiB", {{0x47, 0x74, 7, 0, 4, 0, 0, 1}, {1, 2, 3}}, -3},
       {"an answer to another command", {{0x47, 0x74, 8, 0, 0, 0, 0, 0}}, 0},
-      {"refused", {{0x47, 0x74, 7, 3, 0, 0, 0, 2}, {1, 2}}, 3},
+      {"refused", {refusal, {1, 2}}, 3},
+      {"refused, the header asked for", {refusal, {1, 2}}, 3, true},
+      {"not sent whole", {}, -4, false, 1},
   };
   LogLines log;
-  for (const Case& each : cases) {
+  for (const auto& each : cases) {
     SCOPED_TRACE(each.what);
     sink->lines.clear();
     transport->waiting.clear();
     transport->answer = each.answer;
-    EXPECT_EQ(Query(7), -1);
-    ExpectFailure(each.reason);
+    transport->short_by = each.short_by;
+    transport->babble = each.babble;
+    EXPECT_EQ(Query(7, each.with_header), -1);
+    EXPECT_EQ(error, each.reason);
+    EXPECT_EQ(result, each.with_header ? refusal : before) << "else left as it was";
+    EXPECT_EQ(sink->lines,
+              (std::vector<std::string>{"SEND: 47 74 07 00 00 00 00 00",
+                                        "RECV: ret_code is " + std::to_string(each.reason)}));
+    result = before;
   }
   EXPECT_LE(transport->largest_receive, 65536U) << "no memory before the bytes arrive";
   EXPECT_EQ(log.Count(kWarning, "CmxClient::QueryCommand, RspCode invalid:0, return_cmd:8, cmd:7"),
             1);
-}
-
-TEST_F(CmxExchange, ALidarThatBabblesHoldsNothing) {
-  transport->babble = {1, 2, 3, 4};
-  EXPECT_EQ(Query(7), -1);
-  ExpectFailure(-2);
-}
-
-TEST_F(CmxExchange, ARefusalLeavesItsHeaderWhenAskedFor) {
-  transport->answer = {{0x47, 0x74, 7, 3, 0, 0, 0, 2}, {1, 2}};
-  EXPECT_EQ(Query(7, true), -1);
-  EXPECT_EQ(result, (Bytes{0x47, 0x74, 7, 3, 0, 0, 0, 2}));
-}
-
-TEST_F(CmxExchange, AFrameThatIsNotSentWhole) {
-  LogLines log;
-  transport->short_by = 1;
-  EXPECT_EQ(Query(7), -1);
-  ExpectFailure(-4);
   EXPECT_EQ(log.Count(kWarning, "send failure, 7."), 1);
 }
 
-TEST_F(CmxExchange, AFrameBeyondOneSendIsRefusedUnsent) {
+TEST_F(CmxExchangeTest, AFrameBeyondOneSendIsRefusedUnsent) {
   EXPECT_EQ(Query(7, false, Bytes(65528)), -1);
   EXPECT_EQ(error, -4);
   EXPECT_EQ(sink->lines, std::vector<std::string>{"RECV: ret_code is -4"});
@@ -157,35 +141,41 @@ TEST_F(CmxExchange, AFrameBeyondOneSendIsRefusedUnsent) {
             1);
 }
 
-TEST_F(CmxExchange, OnlyTroubleMakesTheCommandWaitForSilence) {
+TEST_F(CmxExchangeTest, OnlyTroubleMakesTheCommandWaitForSilence) {
   client.SetStaleInput(StaleInput::kAfterTrouble);
   const std::deque<Bytes> clean = {{0x47, 0x74, 7, 0, 0, 0, 0, 0}};
   const struct {
     const char* before;
     std::deque<Bytes> stale, answer;
     bool waits;
+    int32_t reason;
   } cases[] = {
-      {"just connected", {}, clean, true},
-      {"nothing", {}, clean, false},
-      {"a byte was waiting", {{1}}, clean, true},
-      {"nothing", {}, {{9, 9, 0x47, 0x74, 7, 0, 0, 0}, {0, 0}}, false},
-      {"stray bytes came with the answer", {}, {{0x47, 0x74, 7, 1, 0, 0, 0, 0}}, true},
-      {"a refusal", {}, {}, true},
-      {"no answer", {}, clean, true},
-      {"nothing", {}, clean, false},
+      {"just connected", {}, clean, true, 0},
+      {"nothing", {}, clean, false, 0},
+      {"a byte was waiting", {{1}}, clean, true, 0},
+      {"nothing", {}, {{9, 9, 0x47, 0x74, 7, 0, 0, 0}, {0, 0}}, false, 0},
+      {"stray bytes came with the answer", {}, {{0x47, 0x74, 7, 1, 0, 0, 0, 0}}, true, 1},
+      {"a refusal", {}, {}, true, kNoReply},
+      {"no answer", {}, clean, true, 0},
+      {"nothing", {}, clean, false, 0},
   };
   for (const auto& each : cases) {
     transport->timeouts.clear();
     transport->waiting = each.stale;
     transport->answer = each.answer;
-    Query(7);
+    EXPECT_EQ(Query(7), each.reason == 0 ? 0 : -1) << each.before;
+    EXPECT_EQ(error, each.reason) << each.before;
     EXPECT_EQ(transport->timeouts,
               each.waits ? (std::vector<uint32_t>{50, 20}) : std::vector<uint32_t>{})
         << each.before;
   }
+  sink->lines.clear();
+  transport->answer = clean;
+  EXPECT_EQ(client.QueryQuietly({}, result, 7, &error), 0);
+  EXPECT_TRUE(sink->lines.empty());
 }
 
-TEST_F(CmxExchange, FilesTravelInPiecesUnderLongTimeouts) {
+TEST_F(CmxExchangeTest, FilesTravelInPiecesUnderLongTimeouts) {
   struct AnswersPieces : ScriptedTransport {
     int32_t Send(uint8_t* data, uint16_t length, int32_t flags) override {
       answer = {

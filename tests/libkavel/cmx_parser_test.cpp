@@ -13,22 +13,6 @@
 namespace kavel::lidar {
 namespace {
 
-Bytes Encode(uint8_t version, const Bytes& payload, uint8_t cmd) {
-  Bytes frame = {0xAA, 0xAA};  // whatever was in it is replaced
-  EXPECT_TRUE(CmxParser(version).CmxEncode(payload, frame, cmd));
-  return frame;
-}
-
-TEST(CmxParser, WritesBothFrameVersions) {
-  EXPECT_EQ(Encode(1, {1, 2}, 0x2A), (Bytes{0x47, 0x74, 0x2A, 0, 0, 0, 0, 2, 1, 2}));
-  EXPECT_EQ(Encode(2, {1, 2}, 0x2A), (Bytes{0x57, 0x75, 1, 0x2A, 0, 0, 0, 0, 0, 0, 0, 2, 1, 2}));
-  EXPECT_EQ(Encode(2, {}, 7), (Bytes{0x57, 0x75, 1, 7, 0, 0, 0, 0, 0, 0, 0, 0}));
-
-  const Bytes long_frame = Encode(1, Bytes(0x012345), 0xFF);
-  EXPECT_EQ(Bytes(long_frame.begin(), long_frame.begin() + 8),
-            (Bytes{0x47, 0x74, 0xFF, 0, 0x00, 0x01, 0x23, 0x45}));
-}
-
 TEST(CmxParser, Version1CutsAValueOutOfAPayload) {
   CmxParser parser(1);
   const Bytes data = {10, 11, 12, 13};

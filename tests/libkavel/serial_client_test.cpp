@@ -3,77 +3,120 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
+#include <chrono>
 #include <memory>
 #include <string>
 #include <thread>
 #include <vector>
 
+#include "CmxClient/cmx_client.h"
 #include "CmxClient/hex_text.h"
+#include "CmxClient/serial_cmx_transport.h"
+#include "Wire/ota_stream.h"
 #include "Wire/serial_frame.h"
+#include "support/bytes.h"
 #include "support/serial_device.h"
+#include "support/shown_bytes.h"
 
 namespace kavel::lidar {
 namespace {
 
-using Bytes = std::vector<uint8_t>;
 using testing::PtyPair;
 using testing::SerialDevice;
 
 constexpr uint32_t kPatienceMs = 5000;
 constexpr uint32_t kSilenceMs = 60;
 
-// A client on one port, used in both directions.
+// A client on one port, used in both directions, and a command client over it.
 struct Line {
-  explicit Line(const std::string& path, int receive_type = kReceiveAnswers)
-      : source(std::make_shared<SerialSource>(path, 115200, receive_type)),
+  explicit Line(const std::string& path, uint32_t timeout_ms = kPatienceMs)
+      : source(std::make_shared<SerialSource>(path, 115200, kReceiveAnswers)),
         opened(source->Open()),
-        client(source, source) {}
+        serial(std::make_shared<SerialClient>(source, source)),
+        transport(std::make_shared<SerialCmxTransport>(serial)),
+        cmx(transport, 1, timeout_ms, timeout_ms) {}
 
   std::shared_ptr<SerialSource> source;
   bool opened;
-  SerialClient client;
+  std::shared_ptr<SerialClient> serial;
+  std::shared_ptr<SerialCmxTransport> transport;
+  CmxClient cmx;
 };
 
 Bytes Request(const Bytes& frame) {
   uint8_t cmd = 0;
   Bytes payload;
   EXPECT_TRUE(ParseSerialRequest(frame, &cmd, &payload));
-  payload.insert(payload.begin(), cmd);
-  return payload;
+  return Bytes{cmd} + payload;
 }
 
-// The ordinary answer: return code 0 and the request's payload.
-Bytes Echo(const Bytes& frame) {
-  const Bytes request = Request(frame);
-  return BuildSerialAnswer(request[0], 0, {request.begin() + 1, request.end()});
+// The ordinary answer: return code 0 and the request's payload, in the frame of the request.
+Bytes Answer(const Bytes& frame) {
+  OtaRequest request;
+  if (ParseOtaFrame(frame, &request)) {
+    return BuildOtaFrame(OtaAnswer{request.number, request.cmd, 0, request.payload});
+  }
+  const Bytes bytes = Request(frame);
+  return BuildSerialAnswer(bytes[0], 0, {bytes.begin() + 1, bytes.end()});
 }
 
 Bytes Silence(const Bytes&) { return {}; }
 
-struct Lines : LogSink {
-  void WriteLine(const std::string& line) override { lines.push_back(line); }
-  std::vector<std::string> lines;
-};
-
 TEST(SerialClient, HandsBackTheInnerBytes) {
-  SerialDevice device([](const Bytes& frame) {
-    // The rest of a frame that broke off, then the answer.
-    Bytes line = {'$', 'L', 'D', 'C', 0x00, 0xEE, 0xFF};
-    const Bytes answer = Echo(frame);
-    line.insert(line.end(), answer.begin(), answer.end());
-    return line;
-  });
+  // The rest of a frame that broke off, the echo of the line, then the answer.
+  const Bytes noise = {'$', 'L', 'D', 'C', 0x00, 0xEE, 0xFF};
+  SerialDevice device([&](const Bytes& frame) { return noise + frame + Answer(frame); });
   Line line(device.path());
   ASSERT_TRUE(line.opened) << line.source->LastError();
-  const auto sink = std::make_shared<Lines>();
-  line.client.SetLogSink(sink);
+  const auto sink = std::make_shared<ShownBytes>();
+  line.serial->SetByteSink(sink);
   Bytes inner;
-  ASSERT_EQ(line.client.SendCommand(0x2A, {0x11, 0x22}, inner, kPatienceMs), 0);
+  ASSERT_EQ(line.serial->SendCommand(0x2A, {0x11, 0x22}, inner, kPatienceMs), 0);
   EXPECT_EQ(inner, (Bytes{0x03, 0x2A, 0x00, 0x11, 0x22}));
-  ASSERT_EQ(sink->lines.size(), 2U);
-  EXPECT_EQ(sink->lines[0], "SEND: " + HexText(device.last_request()));
-  const Bytes line_bytes = device.last_answer();
-  EXPECT_EQ(sink->lines[1], "RECV: " + HexText({line_bytes.begin() + 7, line_bytes.end()}));
+  const Bytes request = device.last_request();
+  const Bytes sent = device.last_answer();
+  const Bytes answer(sent.begin() + static_cast<std::ptrdiff_t>(noise.size() + request.size()),
+                     sent.end());
+  EXPECT_EQ(sink->lines, (std::vector<std::string>{SentLine(request), ReceivedLine(answer)}));
+}
+
+TEST(SerialCmxTransport, CarriesAClientsCommandsOfAnyLengthOverALineThatEchoes) {
+  SerialDevice device([](const Bytes& frame) { return frame + Answer(frame); });
+  Line line(device.path());
+  const auto sink = std::make_shared<ShownBytes>();
+  line.cmx.SetByteSink(sink);
+  for (const StaleInput mode : {StaleInput::kAlways, StaleInput::kAfterTrouble}) {
+    line.cmx.SetStaleInput(mode);
+    for (const size_t size : {0U, 1U, 254U, 255U, 1500U, 20000U, 65527U}) {
+      const Bytes payload(size, 0x24);
+      Bytes result;
+      int32_t error = 99;
+      sink->lines.clear();
+      ASSERT_EQ(line.cmx.QueryCommand(payload, result, 0x40, false, &error), 0)
+          << size << ": " << CmxClient::ErrorText(error);
+      EXPECT_EQ(result, payload);
+      EXPECT_EQ(sink->lines.size(), 2U) << "told once";
+      EXPECT_EQ(sink->lines[0], SentLine(device.last_request())) << "as it looks on the line";
+    }
+  }
+  sink->lines.clear();
+  Bytes result;
+  EXPECT_EQ(line.cmx.QueryQuietly({}, result, 0x40, nullptr), 0);
+  EXPECT_TRUE(sink->lines.empty());
+}
+
+TEST(SerialCmxTransport, ALateLongAnswerIsPassedOver) {
+  Bytes owed;
+  SerialDevice device([&owed](const Bytes& frame) {
+    const Bytes answers = owed.empty() ? Bytes() : owed + Answer(frame);
+    owed = Answer(frame);
+    return answers;
+  });
+  Line line(device.path(), 300);
+  Bytes result;
+  EXPECT_EQ(line.cmx.QueryCommand(Bytes(300, 1), result, 0x40, false), -1);
+  EXPECT_EQ(line.cmx.QueryCommand(Bytes(300, 2), result, 0x40, false), 0);
+  EXPECT_EQ(result, Bytes(300, 2));
 }
 
 TEST(SerialClient, NamesEveryFailure) {
@@ -81,24 +124,43 @@ TEST(SerialClient, NamesEveryFailure) {
   SerialClient nothing(nullptr, nullptr);
   EXPECT_EQ(nothing.SendCommand(1, {}, inner, 10), -1);
 
-  SerialDevice device(Silence);
-  Line line(device.path());
-  EXPECT_EQ(line.client.SendCommand(1, {}, inner, kSilenceMs), -3) << "silence";
-
-  const Bytes sound = BuildSerialResponse({0x01, 0x01, 0x00});
+  const Bytes sound = BuildSerialAnswer(0x40, 0, {});
   Bytes damaged = sound;
-  damaged[9] ^= 0x10;
-  const Bytes cut(sound.begin(), sound.end() - 3);
-  const Bytes request = BuildSerialFrame(1, {0x00, 0x00});  // another length byte
-  for (const Bytes& answer : {damaged, cut, request}) {
-    device.SetAnswer(answer);
-    EXPECT_EQ(line.client.SendCommand(1, {}, inner, kSilenceMs), -2) << HexText(answer);
+  damaged[12] ^= 1;
+  const struct {
+    const char* what;
+    Bytes answer;
+    int32_t result;  ///< of the serial client
+    int32_t reason;  ///< of the command client over it
+  } cases[] = {
+      {"silence", {}, -3, kNoReply},
+      {"damage", damaged, -2, kNoReply},
+      {"cut", {sound.begin(), sound.end() - 3}, -2, kNoReply},
+      {"an echo", BuildSerialFrame(0x40, {}), -2, kNoReply},
+      {"a long echo", BuildOtaFrame(OtaRequest{0, 0x40, Bytes(300)}), -2, kNoReply},
+      {"a long answer to another request", BuildOtaFrame(OtaAnswer{7, 0x40, 0, {}}), -3, kNoReply},
+      {"a long frame that only begins", FromHex("244c444f54412c ffff"), -2, kNoReply},
+      {"a refusal", BuildSerialAnswer(0x40, 3, {}), 0, 3},
+      {"a refusal in a long frame", BuildOtaFrame(OtaAnswer{0, 0x40, 4, Bytes(3)}), -2, 4},
+      {"the adapter is pulled out", SerialDevice::kVanish, -3, kNotConnected},
+  };
+  SerialDevice device(Silence);
+  Line line(device.path(), kSilenceMs);
+  for (const auto& each : cases) {
+    SCOPED_TRACE(each.what);
+    device.SetAnswer(each.answer);
+    const auto start = std::chrono::steady_clock::now();
+    EXPECT_EQ(line.serial->SendCommand(0x40, {}, inner, kSilenceMs), each.result);
+    EXPECT_EQ(inner, each.result == 0 ? (Bytes{1, 0x40, 3}) : Bytes{0x99}) << "else left alone";
+    inner = {0x99};
+    int32_t error = 0;
+    EXPECT_EQ(line.cmx.QueryCommand({}, inner, 0x40, false, &error), -1);
+    EXPECT_EQ(error, each.reason);
+    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(2));
   }
-  EXPECT_EQ(inner, Bytes{0x99}) << "a failure leaves the result alone";
-
-  device.SetAnswer(sound);
-  EXPECT_EQ(line.client.SendCommand(1, {}, inner, kPatienceMs), 0) << "the next exchange is clean";
-  EXPECT_EQ(line.client.SendCommand(1, Bytes(255), inner, kPatienceMs), -1);
+  Bytes frame = BuildCmxFrame(kCmxHeader1, 0x40, 0, {});
+  EXPECT_EQ(line.transport->Send(frame.data(), 8, 0), -1) << "the line is gone";
+  EXPECT_EQ(line.serial->SendCommand(1, Bytes(255), inner, kPatienceMs), -1);
 }
 
 TEST(SerialClient, SwitchesTheMode) {
@@ -112,7 +174,7 @@ TEST(SerialClient, SwitchesTheMode) {
                {{4, 3, 7, 9, 0, 0}, -2}, {{0, 3}, -2}};
   for (const auto& each : cases) {
     device.SetAnswer(BuildSerialResponse(each.inner));
-    EXPECT_EQ(line.client.SwitchMode(7, 9), each.result) << HexText(each.inner);
+    EXPECT_EQ(line.serial->SwitchMode(7, 9), each.result) << HexText(each.inner);
     EXPECT_EQ(Request(device.last_request()), (Bytes{3, 7, 9}));
   }
 }
@@ -143,13 +205,13 @@ TEST(SerialClient, InterruptEndsAWaitingExchange) {
     while (!asked) {
       std::this_thread::yield();
     }
-    line.client.Interrupt();
+    line.serial->Interrupt();
   });
   Bytes inner;
-  EXPECT_EQ(line.client.SendCommand(1, {}, inner, 3'600'000), -3);
+  EXPECT_EQ(line.serial->SendCommand(1, {}, inner, 3'600'000), -3);
   other.join();
-  EXPECT_FALSE(line.client.IsOpen());
-  line.client.Close();
+  EXPECT_FALSE(line.serial->IsOpen());
+  line.serial->Close();
   EXPECT_TRUE(line.source->Open()) << line.source->LastError();
 }
 
@@ -158,7 +220,7 @@ TEST(SerialClient, ReceivesOnAnotherPortAmidThePointCloudForSeveralThreads) {
   const Bytes points = BuildPointCloudFrame(Bytes(1200, 0x77));
   SerialDevice rs485([&](const Bytes& frame) {
     uart.Write(points);
-    uart.Write(Echo(frame));
+    uart.Write(Answer(frame));
     uart.Write(points);
     return Bytes();
   });

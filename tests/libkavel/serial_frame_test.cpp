@@ -2,26 +2,16 @@
 
 #include <gtest/gtest.h>
 
-#include <string>
 #include <vector>
 
 #include "Wire/ota_stream.h"
+#include "support/bytes.h"
 
 namespace kavel::lidar {
 namespace {
 
-using Bytes = std::vector<uint8_t>;
-
-const Bytes kCommandPrefix = {0x24, 0x4C, 0x44, 0x43, 0x4D, 0x44, 0x2C};
-const Bytes kLongPrefix = {0x24, 0x4C, 0x44, 0x4F, 0x54, 0x41, 0x2C};
-
-Bytes Join(const std::vector<Bytes>& parts) {
-  Bytes all;
-  for (const Bytes& part : parts) {
-    all.insert(all.end(), part.begin(), part.end());
-  }
-  return all;
-}
+const Bytes kCommandPrefix = FromHex("244c44434d442c");
+const Bytes kLongPrefix = FromHex("244c444f54412c");
 
 Bytes WithBitFlipped(Bytes bytes, size_t bit) {
   bytes[bit / 8] ^= static_cast<uint8_t>(1U << (bit % 8));
@@ -30,22 +20,18 @@ Bytes WithBitFlipped(Bytes bytes, size_t bit) {
 
 // Worked out bit by bit, away from the code under test.
 const Bytes kInner = {0x03, 0x2A, 0x00, 0x11, 0x22};
-const Bytes kRandom = {0x04, 0x03, 0x02, 0x01};
-const Bytes kResponse =
-    Join({kCommandPrefix, kInner, kRandom, {0xE0, 0x32, 0x17, 0x3C}, {0xEE, 0xFF}});
-const Bytes kResponseMode2 =
-    Join({kCommandPrefix, kInner, kRandom, {0x3C, 0x17, 0x32, 0xE0}, {0xEE, 0xFF}});
-const Bytes kRequest = Join(
-    {kCommandPrefix, {0x03, 0x2A, 0x01, 0x02}, kRandom, {0xBA, 0x7F, 0xC8, 0xF3}, {0xEE, 0xFF}});
+const Bytes kResponse = FromHex("244c44434d442c 032a001122 04030201 e032173c eeff");
+const Bytes kResponseMode2 = FromHex("244c44434d442c 032a001122 04030201 3c1732e0 eeff");
+const Bytes kRequest = FromHex("244c44434d442c 032a0102 04030201 ba7fc8f3 eeff");
 
 TEST(SerialFrame, TailFollowsItsMode) {
-  Bytes firmware = Join({kLongPrefix, {0x01, 0x2A}});
+  Bytes firmware = kLongPrefix + Bytes{0x01, 0x2A};
   AppendSerialTail(firmware, 2);
-  EXPECT_EQ(firmware, Join({kLongPrefix, {0x01, 0x2A, 0x2D, 0x08, 0xEA, 0x1A, 0xEE, 0xFF}}));
+  EXPECT_EQ(firmware, kLongPrefix + FromHex("012a 2d08ea1a eeff"));
   for (const int mode : {0, 3, -1}) {
     Bytes bare = kCommandPrefix;
     AppendSerialTail(bare, mode);
-    EXPECT_EQ(bare, Join({kCommandPrefix, {0xEE, 0xFF}}));
+    EXPECT_EQ(bare, kCommandPrefix + FromHex("eeff"));
   }
 }
 
@@ -78,8 +64,7 @@ TEST(SerialFrame, EverySingleBitFlipBehindThePrefixIsRejected) {
 TEST(SerialFrame, ResponseOfAnotherShapeIsRejected) {
   Bytes inner;
   // Sound in everything but its 18 bytes.
-  const Bytes too_short =
-      Join({kCommandPrefix, {0xFF}, kRandom, {0xEB, 0x96, 0xF7, 0x54}, {0xEE, 0xFF}});
+  const Bytes too_short = FromHex("244c44434d442c ff 04030201 eb96f754 eeff");
   ASSERT_EQ(too_short.size(), 18U);
   EXPECT_FALSE(ParseSerialResponse(too_short, inner));
   // A request's length byte counts one byte more.
@@ -116,29 +101,31 @@ TEST(SerialFrame, EachSideReadsWhatTheOtherWrites) {
   EXPECT_TRUE(BuildSerialResponse(Bytes(kSerialMaxInner + 1)).empty());
 }
 
-TEST(OtaStream, FramesHaveTheirBytes) {
-  const Bytes request =
-      Join({kLongPrefix, {0x00, 0x03, 0x2A, 0x01, 0x02}, {0xCA, 0xB8, 0xB4, 0xD7}, {0xEE, 0xFF}});
-  const Bytes response =
-      Join({kLongPrefix, {0x00, 0x03, 0x2A, 0x00, 0x77}, {0xEF, 0xC3, 0xFE, 0xEF}, {0xEE, 0xFF}});
-  EXPECT_EQ(BuildOtaFrame(0x2A, {0x01, 0x02}), request);
-  EXPECT_EQ(BuildOtaResponse(0x2A, 0, {0x77}), response);
+TEST(OtaStream, FramesHaveTheirBytesAndTheirDirection) {
+  const Bytes request = FromHex("244c444f54412c 0005 51 09 2a 0102 64f41e67 eeff");
+  const Bytes answer = FromHex("244c444f54412c 0005 41 09 2a 00 77 35e459db eeff");
+  EXPECT_EQ(BuildOtaFrame(OtaRequest{9, 0x2A, {0x01, 0x02}}), request);
+  EXPECT_EQ(BuildOtaFrame(OtaAnswer{9, 0x2A, 0, {0x77}}), answer);
 
-  uint8_t cmd = 0;
-  uint8_t return_code = 1;
-  Bytes payload;
-  ASSERT_TRUE(ParseOtaFrame(request, &cmd, &payload));
-  EXPECT_EQ(cmd, 0x2A);
-  EXPECT_EQ(payload, (Bytes{0x01, 0x02}));
-  ASSERT_TRUE(ParseOtaResponse(response, &cmd, &return_code, &payload));
-  EXPECT_EQ(return_code, 0);
-  EXPECT_EQ(payload, Bytes{0x77});
+  OtaRequest read;
+  ASSERT_TRUE(ParseOtaFrame(request, &read));
+  EXPECT_EQ(read.number, 9);
+  EXPECT_EQ(read.cmd, 0x2A);
+  EXPECT_EQ(read.payload, (Bytes{0x01, 0x02}));
+  EXPECT_FALSE(ParseOtaFrame(answer, &read)) << "goes the other way";
+  OtaAnswer reply;
+  ASSERT_TRUE(ParseOtaFrame(answer, &reply));
+  EXPECT_EQ(reply.number, 9);
+  EXPECT_EQ(reply.cmd, 0x2A);
+  EXPECT_EQ(reply.return_code, 0);
+  EXPECT_EQ(reply.payload, Bytes{0x77});
+  EXPECT_FALSE(ParseOtaFrame(request, &reply)) << "an echo is no answer";
 
-  for (size_t bit = 0; bit < response.size() * 8; ++bit) {
-    EXPECT_FALSE(ParseOtaResponse(WithBitFlipped(response, bit), &cmd, &return_code, &payload));
+  for (size_t bit = 0; bit < answer.size() * 8; ++bit) {
+    EXPECT_FALSE(ParseOtaFrame(WithBitFlipped(answer, bit), &reply)) << bit;
   }
-  EXPECT_FALSE(ParseOtaResponse(BuildOtaFrame(0x2A, {}), &cmd, &return_code, &payload))
-      << "no return code";
+  // A sound frame that ends where its return code should stand.
+  EXPECT_FALSE(ParseOtaFrame(FromHex("244c444f54412c 0003 41 09 2a d4ad8b09 eeff"), &reply));
 }
 
 }  // namespace

@@ -6,22 +6,17 @@
 
 #include "Wire/ota_stream.h"
 #include "Wire/serial_frame.h"
+#include "support/bytes.h"
 
 namespace kavel::lidar {
 namespace {
 
-using Bytes = std::vector<uint8_t>;
 using Kind = SerialStreamFrame::Kind;
 
 const Bytes kPointCloudFrame = {0x24, 0x4C, 0x44, 0x50, 0x54, 0x43, 0x2C, 0x01, 0x00, 0x00,
                                 0x03, 0xAA, 0xBB, 0xCC, 0x2A, 0x8E, 0x58, 0xB5, 0xEE, 0xFF};
 
 const Bytes kNoise = {0x00, '$', 'L', 'D', 0xEE, 0xFF, '$', '$', 'L', 'D', 'C', 'M', 'D', 0x2C + 1};
-
-Bytes operator+(Bytes left, const Bytes& right) {
-  left.insert(left.end(), right.begin(), right.end());
-  return left;
-}
 
 Bytes Answer() { return BuildSerialResponse({0x03, 0x2A, 0x00, 0x11, 0x22}); }
 
@@ -38,7 +33,7 @@ std::vector<SerialStreamFrame> All(SerialStream& stream) {
 TEST(SerialStream, FindsFramesSplitAnywhereAndJoinedWithNoise) {
   ASSERT_EQ(BuildPointCloudFrame({0xAA, 0xBB, 0xCC}), kPointCloudFrame);
   const Bytes answer = Answer();
-  const Bytes long_answer = BuildOtaResponse(0x2B, 0, Bytes(600, '$'));
+  const Bytes long_answer = BuildOtaFrame(OtaAnswer{1, 0x2B, 0, Bytes(600, '$')});
   const Bytes line = kNoise + answer + kPointCloudFrame + long_answer + kNoise + answer;
   for (size_t split = 0; split <= line.size(); ++split) {
     const auto middle = line.begin() + static_cast<std::ptrdiff_t>(split);
@@ -78,6 +73,14 @@ TEST(SerialStream, TellsADamagedFrameFromAFrameBehindIt) {
   frames = All(stream);
   ASSERT_EQ(frames.size(), 2U);
   EXPECT_TRUE(frames[0].sound && frames[1].sound);
+
+  // What the line echoes is nothing, short or long, before an answer or alone.
+  const Bytes echo = BuildSerialFrame(0x2A, {1}) + BuildOtaFrame(OtaRequest{1, 0x2A, Bytes(300)});
+  Feed(stream, echo + sound + echo);
+  frames = All(stream);
+  ASSERT_EQ(frames.size(), 1U);
+  EXPECT_EQ(frames[0].bytes, sound);
+  stream.Clear();
 
   Bytes damaged_points = kPointCloudFrame;
   damaged_points[12] ^= 0x80;

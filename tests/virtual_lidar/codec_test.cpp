@@ -44,7 +44,7 @@ TEST(Codec, FindsRequestsSplitJoinedLateAndAmidNoise) {
   ExpectFound<CmxCodec>({0x47, 0x74, 0x2A, 0, 0, 0, 0, 2, 1, 2}, 1);
   ExpectFound<CmxCodec>({0x57, 0x75, 1, 0x2A, 0, 0, 0, 0, 0, 0, 0, 2, 1, 2}, 2);
   ExpectFound<SerialCodec>(kavel::lidar::BuildSerialFrame(0x2A, {1, 2}));
-  ExpectFound<SerialCodec>(kavel::lidar::BuildOtaFrame(0x2A, {1, 2}));
+  ExpectFound<SerialCodec>(kavel::lidar::BuildOtaFrame(kavel::lidar::OtaRequest{9, 0x2A, {1, 2}}));
 }
 
 TEST(Codec, RefusesAnAbsurdLengthAndReadsOn) {
@@ -76,7 +76,8 @@ TEST(Codec, FramesAnswersWithTheReturnCodeInItsPlace) {
   EXPECT_EQ(inner, (Bytes{2, 0x2A, 3, 9})) << "length, command, return code, payload";
 
   const DeviceReply large{0x2A, 3, Bytes(300, 7), Aftermath::kNone, false};
-  EXPECT_EQ(SerialCodec().Encode(large), kavel::lidar::BuildOtaResponse(0x2A, 3, Bytes(300, 7)));
+  EXPECT_EQ(SerialCodec().Encode(large),
+            kavel::lidar::BuildOtaFrame(kavel::lidar::OtaAnswer{0, 0x2A, 3, Bytes(300, 7)}));
 }
 
 }  // namespace

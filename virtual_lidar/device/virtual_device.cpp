@@ -43,6 +43,7 @@ DeviceReply VirtualDevice::Answer(const DeviceRequest& request, AuthSession* ses
     reply = CarryOut(request, what);
   }
   reply.long_frame = request.long_frame;
+  reply.number = request.number;
   return reply;
 }
 

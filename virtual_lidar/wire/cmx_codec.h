@@ -2,6 +2,7 @@
 
 #include <cstdint>
 
+#include "Wire/cmx_header.h"
 #include "wire/wire_codec.h"
 
 /// CMX frames as they travel over TCP, version 1.0 (header of 8 bytes) or 2.0 (12 bytes).
@@ -12,10 +13,11 @@ class CmxCodec : public WireCodec {
   static constexpr uint32_t kMaxRequestPayload = 64 * 1024;
 
   /// @param version 1 or 2.
-  explicit CmxCodec(int version) : version_2_(version == 2) {}
+  explicit CmxCodec(int version)
+      : layout_(version == 2 ? kavel::lidar::kCmxHeader2 : kavel::lidar::kCmxHeader1) {}
 
   std::vector<uint8_t> Encode(const DeviceReply& reply) const override;
-  size_t HeaderSize(const std::vector<uint8_t>&) const override { return HeaderSize(); }
+  size_t HeaderSize(const std::vector<uint8_t>&) const override { return layout_.size; }
   void Damage(std::vector<uint8_t>* frame) const override;
   void OverstateLength(std::vector<uint8_t>* frame) const override;
 
@@ -27,8 +29,7 @@ class CmxCodec : public WireCodec {
   /// Takes one request, or skips what can be none, at the head of the bytes.
   /// @return how many bytes are done with; 0 when more bytes have to come first.
   size_t Take(const uint8_t* data, size_t size, std::vector<DeviceRequest>* requests) const;
-  size_t HeaderSize() const { return version_2_ ? 12 : 8; }
 
-  bool version_2_;
+  const kavel::lidar::CmxHeaderLayout& layout_;
   std::vector<uint8_t> waiting_;
 };

@@ -21,6 +21,8 @@ struct DeviceRequest {
   bool serial_line = false;
   /// It came in a frame with a 16-bit length (serial lines only); the answer travels the same way.
   bool long_frame = false;
+  /// The number of a long frame, which its answer repeats.
+  uint8_t number = 0;
   /// The frame announced more bytes than the device takes; the payload is empty.
   bool oversized = false;
 };
@@ -38,4 +40,5 @@ struct DeviceReply {
   std::vector<uint8_t> payload;
   Aftermath aftermath = Aftermath::kNone;
   bool long_frame = false;
+  uint8_t number = 0;
 };

@@ -10,7 +10,8 @@ namespace {
 constexpr size_t kLengthOffset = kavel::lidar::kSerialPrefixSize;
 constexpr size_t kCommandOffset = kLengthOffset + 1;
 constexpr size_t kPayloadOffset = kCommandOffset + 2;  // behind command and return code
-constexpr size_t kLongPayloadOffset = kPayloadOffset + 1;
+// Its length has two bytes, and direction and number stand in front of the command.
+constexpr size_t kLongPayloadOffset = kPayloadOffset + 3;
 constexpr size_t kLongTail =
     kavel::lidar::kSerialChecksumSize + kavel::lidar::kSerialTerminatorSize;
 
@@ -21,23 +22,26 @@ std::vector<DeviceRequest> SerialCodec::Collect(const uint8_t* data, size_t size
   std::vector<DeviceRequest> requests;
   while (const auto frame = stream_.Next()) {
     DeviceRequest request;
-    request.long_frame = kavel::lidar::IsOtaFrame(frame->bytes);
-    const bool sound =
-        request.long_frame
-            ? kavel::lidar::ParseOtaFrame(frame->bytes, &request.code, &request.payload)
-            : kavel::lidar::ParseSerialRequest(frame->bytes, &request.code, &request.payload);
-    if (sound) {
-      request.serial_line = true;
-      request.frame = frame->bytes;
-      requests.push_back(std::move(request));
+    kavel::lidar::OtaRequest long_request;
+    if (kavel::lidar::ParseOtaFrame(frame->bytes, &long_request)) {
+      request.code = long_request.cmd;
+      request.payload = std::move(long_request.payload);
+      request.long_frame = true;
+      request.number = long_request.number;
+    } else if (!kavel::lidar::ParseSerialRequest(frame->bytes, &request.code, &request.payload)) {
+      continue;
     }
+    request.serial_line = true;
+    request.frame = frame->bytes;
+    requests.push_back(std::move(request));
   }
   return requests;
 }
 
 std::vector<uint8_t> SerialCodec::Encode(const DeviceReply& reply) const {
   if (reply.long_frame || reply.payload.size() > kavel::lidar::kSerialMaxPayload) {
-    return kavel::lidar::BuildOtaResponse(reply.code, reply.return_code, reply.payload);
+    return kavel::lidar::BuildOtaFrame(
+        kavel::lidar::OtaAnswer{reply.number, reply.code, reply.return_code, reply.payload});
   }
   return kavel::lidar::BuildSerialAnswer(reply.code, reply.return_code, reply.payload);
 }

@@ -1,0 +1,281 @@
+#include "CmxClient/cmx_exchange.h"
+
+#include <algorithm>
+#include <array>
+#include <limits>
+#include <utility>
+
+#include "CmxClient/command_sender.h"
+#include "Log/logger.h"
+#include "Wire/big_endian.h"
+
+namespace kavel::lidar {
+namespace {
+
+using std::chrono::milliseconds;
+
+constexpr uint32_t kDrainTimeoutMs = 50;
+constexpr size_t kDrainBlockSize = 1500;
+constexpr uint32_t kLargePayload = 10240;
+/// How far the buffer runs ahead of what has arrived.
+constexpr size_t kPayloadStep = 65536;
+/// A deadline that is nearer than the transport's time-out by less is not worth a system call.
+constexpr uint32_t kDeadlineSlackMs = 5;
+
+milliseconds TimeForPayload(uint32_t size) {
+  constexpr uint64_t kBytesPerSecond = 65536;
+  return milliseconds(uint64_t{size} * 1000 / kBytesPerSecond);
+}
+
+}  // namespace
+
+CmxExchange::CmxExchange(std::shared_ptr<ClientBase> transport, uint8_t protocol_version,
+                         Timeouts timeouts, Now now)
+    : transport_(std::move(transport)),
+      protocol_version_(protocol_version),
+      layout_(CmxHeaderOf(protocol_version)),
+      now_(std::move(now)),
+      in_force_(timeouts),
+      armed_recv_ms_(timeouts.recv_ms),
+      owed_(layout_) {}
+
+CmxExchange::Timeouts CmxExchange::UseTimeouts(Timeouts timeouts) {
+  transport_->SetTimeout(timeouts.recv_ms, timeouts.send_ms);
+  armed_recv_ms_ = timeouts.recv_ms;
+  return std::exchange(in_force_, timeouts);
+}
+
+CmxExchange::Outcome CmxExchange::Run(uint8_t cmd, const std::vector<uint8_t>& payload,
+                                      ByteSink* sink) {
+  Outcome outcome;
+  outcome.error = kSendIncomplete;
+  told_by_transport_ = transport_->TakeSink(sink);
+  // Until the exchange has ended well, the next one must expect remains of it.
+  const bool expect_remains = std::exchange(trouble_, true);
+  if (!CanBeFramed(payload)) {
+    return outcome;
+  }
+  ArmReceiveTimeout(in_force_.recv_ms);
+  owed_.Forget();
+  DropStaleInput(expect_remains);
+  if (stale_input_ == StaleInput::kAfterTrouble && !owed_.None() && !FenceOff(cmd)) {
+    KAVEL_LOG(kWarning, "the lidar does not answer the liveness command that clears the line");
+    outcome.error = kNoReply;
+    return outcome;
+  }
+  SendAndReceive(cmd, payload, told_by_transport_ ? nullptr : sink, outcome);
+  trouble_ = !outcome.accepted || !owed_.None();
+  return outcome;
+}
+
+bool CmxExchange::CanBeFramed(const std::vector<uint8_t>& payload) const {
+  constexpr size_t kMaxFrameSize = std::numeric_limits<uint16_t>::max();
+  if (layout_ == nullptr) {
+    KAVEL_LOG(kError, "no frames are known for protocol version %u", unsigned{protocol_version_});
+    return false;
+  }
+  if (payload.size() + layout_->size > kMaxFrameSize) {
+    KAVEL_LOG(kError, "a payload of %llu bytes does not fit into one frame",
+              static_cast<unsigned long long>(payload.size()));
+    return false;
+  }
+  return true;
+}
+
+void CmxExchange::SendAndReceive(uint8_t cmd, const std::vector<uint8_t>& payload, ByteSink* sink,
+                                 Outcome& outcome) {
+  std::vector<uint8_t> frame = BuildCmxFrame(*layout_, cmd, 0, payload);
+  const bool sent = Send(cmd, frame);
+  if (sink != nullptr) {
+    sink->Sent({cmd, payload}, frame);
+  }
+  if (sent) {
+    Receive(cmd, outcome);
+  }
+}
+
+bool CmxExchange::Send(uint8_t cmd, std::vector<uint8_t>& frame) {
+  owed_.Sent(IsLiveness(cmd));
+  const auto size = static_cast<uint16_t>(frame.size());
+  const int32_t sent = transport_->Send(frame.data(), size, 0);
+  if (sent != size) {
+    KAVEL_LOG(kWarning, "send failure, %d.", sent);
+    return false;
+  }
+  return true;
+}
+
+void CmxExchange::DropStaleInput(bool expect_remains) {
+  if (stale_input_ == StaleInput::kAfterTrouble && !expect_remains) {
+    std::array<uint8_t, kDrainBlockSize> block;
+    const int32_t count = transport_->Receive(block.data(), kDrainBlockSize, ClientBase::kPoll);
+    if (count < 1) {
+      return;
+    }
+    owed_.Strayed();
+    LookThrough(block.data(), count);
+  }
+  DrainUntilSilent();
+}
+
+void CmxExchange::DrainUntilSilent() {
+  std::array<uint8_t, kDrainBlockSize> block;
+  // A lidar that never falls silent must not hold the exchange for ever.
+  const auto deadline = now_() + milliseconds(in_force_.recv_ms);
+  transport_->SetTimeout(kDrainTimeoutMs, kDrainTimeoutMs);
+  int32_t count = 0;
+  do {
+    count = transport_->Receive(block.data(), kDrainBlockSize, 0);
+    LookThrough(block.data(), count);
+  } while (count > 0 && now_() < deadline);
+  transport_->SetTimeout(in_force_.recv_ms, in_force_.send_ms);
+  armed_recv_ms_ = in_force_.recv_ms;
+}
+
+void CmxExchange::LookThrough(const uint8_t* data, int32_t size) {
+  const int liveness = liveness_;
+  if (size > 0 && liveness != kNoLiveness && !owed_.None()) {
+    owed_.LookThrough(data, static_cast<size_t>(size), static_cast<uint8_t>(liveness));
+  }
+}
+
+// Sends the liveness command ahead and drops what comes up to its answer. True when `cmd` may
+// follow: nothing that arrives from then on can be taken for its answer.
+bool CmxExchange::FenceOff(uint8_t cmd) {
+  const int liveness = liveness_;
+  if (liveness == kNoLiveness) {
+    return true;
+  }
+  const auto fence = static_cast<uint8_t>(liveness);
+  std::vector<uint8_t> frame = BuildCmxFrame(*layout_, fence, 0, {});
+  if (!Send(fence, frame)) {
+    return false;
+  }
+  const auto deadline = now_() + milliseconds(in_force_.recv_ms);
+  std::array<uint8_t, kDrainBlockSize> block;
+  while (!owed_.None()) {
+    const int32_t count = ReceiveBy(deadline, block.data(), kDrainBlockSize);
+    if (count < 1) {
+      break;
+    }
+    LookThrough(block.data(), count);
+  }
+  if (owed_.None()) {
+    DropStaleInput(false);  // a doubled answer
+    return true;
+  }
+  // One of several answers to liveness commands is late, or lost for good. Waiting for it again and
+  // again would never end, and it can only be mistaken for the answer to another one of its kind.
+  return owed_.OnlyLiveness() && cmd != fence;
+}
+
+void CmxExchange::Receive(uint8_t cmd, Outcome& outcome) {
+  bool has_stray_bytes = false;
+  if (!ReceiveHeader(outcome.header, has_stray_bytes)) {
+    outcome.header.clear();
+    outcome.error = kNoReply;
+    return;
+  }
+  outcome.error = outcome.header[layout_->return_code_at];
+  if (!IsAnswerTo(cmd, outcome.header)) {
+    return;
+  }
+  owed_.Answered(IsLiveness(cmd));
+  const uint32_t length = ReadBigEndian32(outcome.header.data() + layout_->payload_length_at);
+  // The payload of a refusal is left where it is.
+  outcome.accepted = outcome.error == 0 && ReceivePayload(outcome.payload, length);
+  if (outcome.error == 0 && !outcome.accepted) {
+    outcome.header.clear();
+    outcome.payload.clear();
+    outcome.error = kReplyBrokeOff;
+  }
+  if (has_stray_bytes || (!outcome.accepted && length > 0)) {
+    owed_.Strayed();
+  }
+}
+
+bool CmxExchange::ReceiveHeader(std::vector<uint8_t>& header, bool& has_stray_bytes) {
+  const std::array<uint8_t, 2> identifier = {layout_->identifier_1, layout_->identifier_2};
+  // Other bytes may come and come: the search ends as if there had been silence.
+  const auto deadline = now_() + milliseconds(in_force_.recv_ms);
+  std::array<uint8_t, kMaxCmxHeaderSize> block;
+  while (header.size() < layout_->size) {
+    const int32_t count = ReceiveBy(deadline, block.data(), layout_->size - header.size());
+    if (count < 1) {
+      return false;
+    }
+    auto first = block.begin();
+    const auto end = first + count;
+    if (header.empty()) {
+      first = std::search(first, end, identifier.begin(), identifier.end());
+      has_stray_bytes |= first != block.begin();
+    }
+    header.insert(header.end(), first, end);
+  }
+  return true;
+}
+
+bool CmxExchange::IsAnswerTo(uint8_t cmd, const std::vector<uint8_t>& header) {
+  const unsigned return_code = header[layout_->return_code_at];
+  const uint8_t answered = header[layout_->command_at];
+  if (answered == cmd && return_code == 0) {
+    return true;
+  }
+  // The two texts differ by a blank, and are meant to: they tell the versions apart in a log.
+  if (protocol_version_ == 1) {
+    KAVEL_LOG(kWarning, "CmxClient::QueryCommand, RspCode invalid:%u, return_cmd:%u, cmd:%u",
+              return_code, unsigned{answered}, unsigned{cmd});
+  } else {
+    KAVEL_LOG(kWarning, "CmxClient::QueryCommand,RspCode invalid:%u, return_cmd:%u, cmd:%u",
+              return_code, unsigned{answered}, unsigned{cmd});
+  }
+  if (answered != cmd && IsLiveness(answered)) {
+    owed_.LivenessAnswered();
+  }
+  return answered == cmd;
+}
+
+bool CmxExchange::ReceivePayload(std::vector<uint8_t>& payload, uint32_t length) {
+  if (length > kLargePayload) {
+    KAVEL_LOG(kWarning, "CmxClient::QueryCommand, warning, nPayLoadLen too large:%d",
+              static_cast<int>(length));
+  }
+  if (length > kMaxPayload) {
+    return false;
+  }
+  const auto deadline = now_() + milliseconds(in_force_.recv_ms) + TimeForPayload(length);
+  size_t received = 0;
+  while (received < length) {
+    const size_t step = std::min<size_t>(length - received, kPayloadStep);
+    payload.resize(received + step);
+    const int32_t count = ReceiveBy(deadline, payload.data() + received, step);
+    if (count < 1) {
+      return false;
+    }
+    received += static_cast<size_t>(count);
+  }
+  return true;
+}
+
+// One receive that waits no longer than the deadline allows. Returns -1 when that has passed.
+int32_t CmxExchange::ReceiveBy(Clock::time_point deadline, uint8_t* buffer, size_t size) {
+  const auto left = std::chrono::ceil<milliseconds>(deadline - now_()).count();
+  if (left <= 0) {
+    return -1;
+  }
+  const auto wait_ms = static_cast<uint32_t>(std::min<int64_t>(left, in_force_.recv_ms));
+  const uint32_t difference = std::max(wait_ms, armed_recv_ms_) - std::min(wait_ms, armed_recv_ms_);
+  if (difference > kDeadlineSlackMs) {
+    ArmReceiveTimeout(wait_ms);
+  }
+  return transport_->Receive(buffer, static_cast<uint32_t>(size), 0);
+}
+
+void CmxExchange::ArmReceiveTimeout(uint32_t ms) {
+  if (ms != armed_recv_ms_) {
+    transport_->SetReceiveTimeout(ms);
+    armed_recv_ms_ = ms;
+  }
+}
+
+}  // namespace kavel::lidar
