@@ -117,18 +117,17 @@ TEST_F(MaintenanceTest, ValuesThatDoNotFitAreNotSent) {
   EXPECT_TRUE(lidar_.sent.empty());
 }
 
-/// The fact shown under a name: its key, what it shows, and its raw value.
-std::string Fact(const QVariantList& list, const char* name) {
+/// The facts as "name|key|value|raw", a line each.
+std::string Shown(const QVariantList& list) {
+  QString text;
   for (const QVariant& entry : list) {
     const QVariantMap fact = entry.toMap();
-    if (fact["name"] == name) {
-      EXPECT_EQ(fact["state"] == "read", fact.contains("raw")) << name;
-      return (fact["key"].toString() + '|' + fact["value"].toString() + '|' +
-              fact["raw"].toString())
-          .toStdString();
+    EXPECT_EQ(fact["state"] == "read", fact.contains("raw"));
+    for (const char* const field : {"name", "key", "value", "raw"}) {
+      text += fact[field].toString() + (field == std::string("raw") ? '\n' : '|');
     }
   }
-  return "(none)";
+  return text.toStdString();
 }
 
 Bytes Text(std::string text, std::size_t size) {
@@ -146,24 +145,24 @@ TEST_F(MaintenanceTest, FactsAreShownUnderTheNamesOfTheModel) {
   const DeviceFacts facts = Over(kSerialPair).ReadFacts();
   EXPECT_EQ(report_.Take(),
             (Lines{"error: PN invalid after validation", "ERROR: PN invalid after validation"}));
-  const QVariantList info = InfoList(facts, SerialFamily::kKiva);
-  EXPECT_EQ(Fact(info, "Serial Number"), "serial_number|Kiva2600059|Kiva2600059");
-  EXPECT_EQ(Fact(info, "Part Number"), "part_number|xxxxxxxx|");
-  EXPECT_EQ(Fact(info, "Return Mode"), "return_mode|Strongest and last|2");
-  EXPECT_EQ(Fact(info, "Spin Rate"), "spin_rate|1200 rpm|1200");
-  EXPECT_EQ(Fact(info, "Mode"), "standby|Standby|1");
-  EXPECT_EQ(Fact(info, "IMU Angular Range Index"), "angular_range|3|3");
-  EXPECT_EQ(Fact(info, "Up Time"), "up_time|1:00:01|3601");
-  EXPECT_EQ(Fact(InfoList({}, SerialFamily::kLumo), "Mode"), "standby|xxxxxxxx|");
-  const QVariantList kiva = VersionList(facts, TraitsOf("Kiva-CMX").family);
-  EXPECT_EQ(Fact(kiva, "Firmware Version"), "firmware|1.4.2|1.4.2");
-  EXPECT_EQ(Fact(kiva, "PBL Version"), "pbl|0.9|0.9");
-  EXPECT_EQ(Fact(kiva, "BMB FPGA Version"), "fpga_bottom|A7|A7");
-  EXPECT_EQ(Fact(VersionList(facts, TraitsOf("Lumo").family), "Junction Box Version"),
-            "junction_box|A7|A7");
-  const QVariantList safety = SafetyList(serial_.ReadFunctionSafety());
-  EXPECT_EQ(Fact(safety, "Safety function 1"), "safety_1|OK|0");
-  EXPECT_EQ(Fact(safety, "Safety function 4"), "safety_4|State 2, fault code 0x012f|2");
+  EXPECT_EQ(Shown(InfoList(facts, SerialFamily::kKiva)),
+            "Serial Number|serial_number|Kiva2600059|Kiva2600059\n"
+            "Part Number|part_number|xxxxxxxx|\n"
+            "Return Mode|return_mode|Strongest and last|2\n"
+            "Spin Rate|spin_rate|1200 rpm|1200\n"
+            "Mode|standby|Standby|1\n"
+            "IMU Angular Range Index|angular_range|3|3\n"
+            "IMU Acceleration Range Index|accel_range|2|2\n"
+            "Up Time|up_time|1:00:01|3601\n");
+  EXPECT_EQ(Shown(VersionList(facts, TraitsOf("Kiva-CMX").family)),
+            "Firmware Version|firmware|1.4.2|1.4.2\nPBL Version|pbl|0.9|0.9\n"
+            "BMB FPGA Version|fpga_bottom|A7|A7\nTMB FPGA Version|fpga_top||\n");
+  EXPECT_EQ(Shown(VersionList({}, TraitsOf("Lumo").family)),
+            "Firmware Version|firmware|xxxxxxxx|\nPBL Version|pbl|xxxxxxxx|\n"
+            "Junction Box Version|junction_box|xxxxxxxx|\n");
+  EXPECT_EQ(Shown(SafetyList(serial_.ReadFunctionSafety())),
+            "Safety function 1|safety_1|OK|0\n"
+            "Safety function 4|safety_4|State 2, fault code 0x012f|2\n");
 }
 
 TEST_F(MaintenanceTest, RestartAndResetSendWhatTheTableNames) {
