@@ -60,6 +60,7 @@ TEST_F(ManagerConnectionTest, ConnectsReadsLosesTheLinkAndComesBack) {
   lidar = std::make_unique<VirtualLidarProcess>(QStringList(), port);
   EXPECT_TRUE(Connect());
   EXPECT_EQ("xxxxxxxx", manager_->getLidarPN());  // another lidar's, as far as anyone knows
+  EXPECT_EQ(Leaf(Find("PN"))["state"], "unread");
   EXPECT_TRUE(TakeErrors().isEmpty());
 }
 

