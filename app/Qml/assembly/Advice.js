@@ -35,6 +35,10 @@ const byMessage = [
      qsTr("Check the model's table in Config/varID, or choose another model.")],
     [".patch file",
      qsTr("Choose the upgrade package that came for this model.")],
+    ["no answer from the lidar",
+     qsTr("Check the lidar's power and cable; after a restart it needs a while. Then try again.")],
+    ["lidar return code",
+     qsTr("The lidar refused: it may not take this value, or not at the moment.")],
 ];
 
 // The advice for `message`, or `fallback`.
