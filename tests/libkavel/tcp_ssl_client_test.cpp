@@ -101,11 +101,16 @@ TEST_F(TlsTest, NamesTheFileThatIsWrong) {
 
 TEST_F(TlsTest, SurvivesPeersThatAreNoTlsServers) {
   SocketPeer closing([](TcpEnd& peer) { peer.Reset(); });
-  SocketPeer silent([](TcpEnd& peer) { peer.WaitForEnd(); });
+  std::atomic<bool> greeted{false};
+  SocketPeer silent([&](TcpEnd& peer) {
+    greeted = !peer.Read(1).empty();
+    peer.WaitForEnd();
+  });
   ASSERT_TRUE(client.InitSslClient("", "", ""));
   EXPECT_FALSE(StartTls(closing.port()));
   ASSERT_TRUE(client.InitSslClient("", "", ""));
   auto handshake = std::async(std::launch::async, [&] { return StartTls(silent.port()); });
+  EXPECT_TRUE(WaitFor([&] { return greeted.load(); }));
   client.Interrupt();
   EXPECT_FALSE(handshake.get());
   // A record whose bytes all arrive in time and never end; requests to begin anew, without a pause.
@@ -124,7 +129,7 @@ TEST_F(TlsTest, SurvivesPeersThatAreNoTlsServers) {
     const UniqueSocket socket = UniqueSocket::Owning(tcp_open(kHere, endless.port()));
     EXPECT_FALSE(session.Connect(socket.handle(), 50));
   }
-  EXPECT_EQ(log.Count(kError, "connect ssl failed"), 3);
+  EXPECT_EQ(log.Count(kError, "connect ssl failed"), 4);
 }
 
 TEST_F(TlsTest, GivesUpAConnectionThatWasMade) {
