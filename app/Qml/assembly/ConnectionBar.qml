@@ -1,6 +1,5 @@
 import QtQuick 2.15
 import QtQuick.Layouts 1.15
-import Tevron 1.0
 import "../controls"
 import "../theme"
 
@@ -28,8 +27,6 @@ FocusScope {
     signal aboutWanted()
 
     implicitHeight: Theme.topBarHeight
-
-    SerialPortList { id: serialPorts }
 
     Rectangle {
         anchors.fill: parent
@@ -66,102 +63,17 @@ FocusScope {
             }
         }
 
-        LabelledField {
+        NetworkFields {
             visible: bar.network
-            caption: qsTr("IP address")
-
-            DefaultTextField {
-                objectName: "ipField"
-                width: Theme.addressFieldWidth
-                enabled: !bar.open
-                value: bar.manager.ip_address
-                problem: InputRules.AddressProblem(text)
-                label: parent.caption
-                hint: qsTr("Address of the lidar on the network")
-                onCommitted: bar.manager.ip_address = text
-            }
+            enabled: !bar.open
+            manager: bar.manager
         }
 
-        LabelledField {
-            visible: bar.network
-            caption: qsTr("Port")
-
-            DefaultTextField {
-                objectName: "portField"
-                width: Theme.numberFieldWidth
-                enabled: !bar.open
-                value: bar.manager.port
-                problem: InputRules.PortProblem(text)
-                label: qsTr("Command port")
-                hint: qsTr("TCP port on which the lidar takes commands, 1 to 65535")
-                onCommitted: bar.manager.port = text
-            }
-        }
-
-        LabelledField {
-            visible: bar.network && bar.manager.enableCmxClientHostPortUi
-            caption: qsTr("Host port")
-
-            DefaultTextField {
-                objectName: "hostPortField"
-                width: Theme.numberFieldWidth
-                enabled: !bar.open
-                value: bar.manager.cmxClientHostPort
-                problem: InputRules.HostPortProblem(text)
-                label: parent.caption
-                hint: qsTr("Local TCP port of the connection: ANY, or 1024 to 65535")
-                onCommitted: bar.manager.cmxClientHostPort = text
-            }
-        }
-
-        LabelledField {
+        SerialFields {
             visible: !bar.network
-            caption: bar.serialPair ? qsTr("RS-485 port") : qsTr("Serial port")
-
-            SerialPortPicker {
-                objectName: "port485"
-                enabled: !bar.open
-                value: bar.manager.serial_port_485
-                ports: serialPorts.ports
-                label: parent.caption
-                onListWanted: serialPorts.Refresh()
-                onPicked: bar.manager.serial_port_485 = device
-            }
-        }
-
-        LabelledField {
-            visible: bar.serialPair
-            caption: qsTr("UART port")
-
-            SerialPortPicker {
-                objectName: "port232"
-                enabled: !bar.open
-                value: bar.manager.serial_port_232
-                ports: serialPorts.ports
-                label: parent.caption
-                onListWanted: serialPorts.Refresh()
-                onPicked: bar.manager.serial_port_232 = device
-            }
-        }
-
-        LabelledField {
-            visible: bar.serialPair
-            caption: qsTr("Point-cloud baud rate")
-
-            DefaultTextField {
-                objectName: "pointCloudBaud"
-                width: Theme.addressFieldWidth
-                enabled: !bar.open
-                value: bar.manager.baud_rate
-                unit: "Bd"
-                problem: InputRules.NumberProblem(text, 1, 2147483647)
-                label: parent.caption
-                hint: qsTr("Baud rate of the UART port, on which the point cloud arrives")
-                onCommitted: {
-                    bar.manager.baud_rate = text;
-                    revert();
-                }
-            }
+            enabled: !bar.open
+            manager: bar.manager
+            pair: bar.serialPair
         }
 
         Item { Layout.fillWidth: true }
