@@ -18,7 +18,6 @@ namespace kavel::lidar {
 namespace {
 
 using namespace testing;
-using Bytes = std::vector<uint8_t>;
 
 class CmxExchangeTest : public ::testing::Test {
  protected:

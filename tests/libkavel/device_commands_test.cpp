@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <functional>
 #include <string>
 #include <vector>
@@ -92,13 +93,12 @@ TEST(DeviceCommands, ReadsTakeTheirRepliesApart) {
   DeviceVersions versions;
   Bytes texts(48, 0);
   texts[0] = 'F';
-  for (size_t i = 16; i < 32; ++i) {
-    texts[i] = 'A';
-  }
+  texts[32] = 'B';
+  std::fill_n(texts.begin() + 16, 16, uint8_t{'A'});
   ExpectRead([&](auto& s) { return GetVersions(s, &versions); }, 0x4D, texts);
   EXPECT_EQ(versions.firmware, "F");
   EXPECT_EQ(versions.fpga_a, std::string(16, 'A'));
-  EXPECT_EQ(versions.fpga_b, "");
+  EXPECT_EQ(versions.fpga_b, "B");
 
   std::vector<SafetyState> states;
   ExpectRead([&](auto& s) { return GetFunctionSafety(s, &states); }, 0x4E,

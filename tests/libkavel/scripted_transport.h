@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "CmxClient/client_base.h"
+#include "support/bytes.h"
 
 namespace kavel::lidar::testing {
 
@@ -14,8 +15,6 @@ namespace kavel::lidar::testing {
 /// stream is cut; when none is left, a receive reports a time-out at once.
 class ScriptedTransport : public ClientBase {
  public:
-  using Bytes = std::vector<uint8_t>;
-
   std::deque<Bytes> waiting;  ///< there before the command leaves
   std::deque<Bytes> answer;   ///< arrives once it has left; an empty block: peer closed
   Bytes babble;               ///< what every receive brings when nothing else is left

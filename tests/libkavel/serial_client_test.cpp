@@ -108,7 +108,7 @@ TEST(SerialCmxTransport, CarriesAClientsCommandsOfAnyLengthOverALineThatEchoes) 
 TEST(SerialCmxTransport, ALateLongAnswerIsPassedOver) {
   Bytes owed;
   SerialDevice device([&owed](const Bytes& frame) {
-    const Bytes answers = owed.empty() ? Bytes() : owed + Answer(frame);
+    Bytes answers = owed.empty() ? Bytes() : owed + Answer(frame);
     owed = Answer(frame);
     return answers;
   });

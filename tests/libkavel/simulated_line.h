@@ -7,16 +7,15 @@
 #include <functional>
 #include <vector>
 
-#include "CmxClient/client_base.h"
+#include "libkavel/scripted_transport.h"
 
 namespace kavel::lidar::testing {
 
 /// A line in memory with a clock of its own, which runs on only while somebody waits: hours pass in
 /// no time, and every run is the same. Bytes arrive in the order in which they were put on the
 /// line.
-class SimulatedLine : public ClientBase {
+class SimulatedLine : public ScriptedTransport {
  public:
-  using Bytes = std::vector<uint8_t>;
   using Clock = std::chrono::steady_clock;
   using Time = std::chrono::milliseconds;
 
@@ -35,16 +34,6 @@ class SimulatedLine : public ClientBase {
   std::function<Clock::time_point()> clock() const {
     return [this] { return Clock::time_point(now_); };
   }
-
-  bool Open(const std::string&, uint16_t, bool, const char*, const char*, const char*) override {
-    return true;
-  }
-  bool TryOpen(uint16_t, const std::string&, uint16_t, bool, const char*, const char*, const char*,
-               uint32_t) override {
-    return true;
-  }
-  void Close() override {}
-  bool IsOpened() override { return true; }
 
   int32_t Send(uint8_t* data, uint16_t length, int32_t) override {
     on_sent({data, data + length});
@@ -73,7 +62,6 @@ class SimulatedLine : public ClientBase {
     timeout_ = Time(recv_ms);
     return 0;
   }
-  void SetReceiveBufferSize(const uint32_t&) override {}
 
  private:
   struct Coming {
