@@ -128,6 +128,9 @@ void TevronManager::Run(int module) {
   parts_->session.NoteWrite(outcome != PageWriter::Outcome::kNoAnswer);
   if (outcome == PageWriter::Outcome::kWritten) {
     UpdateUI();
+  } else {
+    // Without a signal: whoever saved looks at what was taken before a command failed.
+    parts_->pages.UpdatePage(module);
   }
   ShowFov();
 }

@@ -107,6 +107,19 @@ void PageRows::TakeTimed() {
 
 void PageRows::TakeRow(int row) { Take(row, ListOf(manager_, "myMap")); }
 
+QVariantList PageRows::Edits() const {
+  QVariantList edits;
+  for (const Row& row : rows_) {
+    if (row.leaf.value("edited").toBool()) {
+      edits.append(QVariantMap{{"level1", row.level1},
+                               {"level2", row.level2},
+                               {"level3", row.level3},
+                               {"text", row.leaf.value("current_val")}});
+    }
+  }
+  return edits;
+}
+
 bool PageRows::HasKind(int kind) const {
   return std::any_of(rows_.begin(), rows_.end(),
                      [kind](const Row& row) { return row.kind == kind; });

@@ -52,6 +52,8 @@ class PageRows : public QAbstractListModel {
   Q_INVOKABLE void TakeTimed();
   /// Takes the variable of row `row`, which has to exist.
   Q_INVOKABLE void TakeRow(int row);
+  /// The edits of the page as it was last taken: maps with "level1", "level2", "level3" and "text".
+  Q_INVOKABLE QVariantList Edits() const;
   /// Whether a row of this kind is on the page.
   Q_INVOKABLE bool HasKind(int kind) const;
 

@@ -36,6 +36,9 @@ class FakeManager : public QObject {
     ++pending;
     Note({"SetText", type, level1, level2, level3, text});
   }
+  Q_INVOKABLE void SetMultiFovConfig(int index, const QString& text) {
+    Note({"SetMultiFovConfig", index, text});
+  }
   Q_INVOKABLE int getSetMapSize() { return pending; }
   Q_INVOKABLE bool CheckModuleVarsWithinRange(int module) {
     return Note({"CheckModuleVarsWithinRange", module});

@@ -120,6 +120,8 @@ TEST_F(ScreensTest, AsksBeforeItWritesValuesOutOfRange) {
   screen_.Click("dialogAccept");
   ASSERT_TRUE(screen_.WaitForBox("Set Failed: 0x12 SET Minimum Distance, Maximum Distance"));
   EXPECT_EQ(Held(lidar_, "Minimum Distance"), "20") << "the lidar refuses them";
+  EXPECT_EQ(screen_.Text(kMinimumDistance), "600") << "nothing that was typed is lost";
+  EXPECT_TRUE(screen_.Value(kMinimumDistance, "pending").toBool());
 }
 
 TEST_F(ScreensTest, SetsTheFieldOfView) {

@@ -21,8 +21,8 @@ const byMessage = [
     ["Nothing to be saved",
      qsTr("Change a value on this page first. Edited values are marked.")],
     ["Set Failed",
-     qsTr("Compare the values on the page with the ones wanted: they show what the lidar holds. "
-          + "The log names the command that failed.")],
+     qsTr("What the lidar did not take is still marked as edited. The log names the command that "
+          + "failed.")],
     ["out of range",
      qsTr("The field's tooltip names its range.")],
     ["Parsing failed",

@@ -29,16 +29,27 @@ FocusScope {
         for (let i = 0; i < fields.count; ++i) {
             const field = fields.itemAt(i);
             if (field.typing && field.text !== field.value)
-                keep(field);
+                handOver(field);
         }
     }
 
-    function keep(field) {
+    function handOver(field) {
         field.typing = false;
         field.handedOver = field.text;
-        editedFields = editedFields.concat([field.index]);
-        manager.SetMultiFovConfig(field.index, field.text);
+        edit(field.index, field.text);
+    }
+
+    function edit(index, text) {
+        editedFields = editedFields.concat([index]);
+        manager.SetMultiFovConfig(index, text);
         row.edited();
+    }
+
+    function keepAngles(angles) {
+        angles.forEach((angle, i) => {
+            if (angle !== manager.FovList[i])
+                edit(i, angle);
+        });
     }
 
     Connections {
@@ -70,8 +81,8 @@ FocusScope {
                 objectName: "fov_" + index
                 width: Theme.fieldWidth / 2
                 focus: index === 0
-                value: panel.row.unread && !changed ? "" : panel.manager.FovList[index]
-                placeholderText: panel.row.unread ? Theme.unreadText : ""
+                value: panel.manager.FovList[index]
+                placeholderText: Theme.unreadText
                 stale: panel.row.stale && !changed
                 pending: changed || (typing && text !== value)
                 problem: pending ? panel.problemWith(text) : ""
@@ -79,7 +90,7 @@ FocusScope {
                 hint: qsTr("Angle %1 of pair %2, 0 to 360 degrees").arg(index % 2 + 1)
                                                                    .arg(Math.floor(index / 2) + 1)
                 label: qsTr("Field-of-view angle %1").arg(index + 1)
-                onCommitted: if (text !== handedOver) panel.keep(this)
+                onCommitted: if (text !== handedOver) panel.handOver(this)
                 onTextEdited: handedOver = ""
             }
         }

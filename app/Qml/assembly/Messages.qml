@@ -77,7 +77,7 @@ Item {
     function showSuccesses() {
         const text = successes.join("\n");
         successBox.show(text, text.indexOf("restart the lidar") < 0 ? ""
-            : qsTr("The page shows what the lidar holds now. The gear button restarts it."));
+            : qsTr("The gear button restarts it."));
         successes = [];
     }
 

@@ -80,6 +80,11 @@ FocusScope {
             loader.item.commit();
     }
 
+    // Hands over again the angles that the lidar does not hold.
+    function keepAngles(angles) {
+        loader.item.keepAngles(angles);
+    }
+
     function editorFile() {
         if (isFov)
             return "FovPanel.qml";

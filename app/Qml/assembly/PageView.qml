@@ -30,6 +30,8 @@ FocusScope {
 
     signal refused(string reason)
     signal confirmationWanted(var names)
+    // The page was read again after a Save that sent these angles, or tried to.
+    signal reread(var angles)
 
     // Brings the rows up to date that show something else.
     function takeValues() {
@@ -73,10 +75,17 @@ FocusScope {
             confirmationWanted(outOfRange.names);
     }
 
+    // What the lidar did not take is handed over again after the reading, which shows what the lidar
+    // holds and ends all edits.
     function write() {
         manager.Run(tab);
+        rows.TakeAll();
+        const untaken = rows.Edits();
+        const angles = manager.FovList;
         manager.GetLidarModuleInfo(tab);
+        untaken.forEach(edit => manager.SetText(1, edit.level1, edit.level2, edit.level3, edit.text));
         takeValues();
+        reread(angles);
     }
 
     Connections {
@@ -145,6 +154,8 @@ FocusScope {
         T.ScrollBar.vertical: DefaultScrollBar {}
 
         delegate: PageRow {
+            id: row
+
             required property int index
 
             width: list.width
@@ -156,6 +167,12 @@ FocusScope {
             onEdited: {
                 rows.TakeRow(index);
                 page.countPending();
+            }
+
+            Connections {
+                target: page
+                enabled: row.isFov
+                function onReread(angles) { row.keepAngles(angles); }
             }
         }
     }

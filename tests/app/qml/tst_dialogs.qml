@@ -31,7 +31,7 @@ TestCase {
                 { tag: "known", box: error, message: known, words: "press Connect",
                   key: Qt.Key_Return, yes: 1 },
                 { tag: "inside", box: error, message: "Set Failed: stof",
-                  words: "what the lidar holds", button: "dialogAccept", yes: 1 },
+                  words: "still marked as edited", button: "dialogAccept", yes: 1 },
                 { tag: "unknown", box: error, message: unknown, words: "The log lists every step",
                   key: Qt.Key_Escape, yes: 0 },
                 { tag: "question, Enter", box: question, key: Qt.Key_Enter, yes: 1 },

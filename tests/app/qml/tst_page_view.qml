@@ -229,6 +229,17 @@ TestCase {
                 ["SetText", "CheckModuleVarsWithinRange", "Run", "GetLidarModuleInfo"]);
     }
 
+    function test_what_the_lidar_did_not_take_stays_an_edit() {
+        type("field_0_0_1", "42");
+        keyClick(Qt.Key_Return);
+        put(1, "current_val", "42");
+        put(1, "edited", true);
+        manager.calls = [];
+        page.write();
+        compare(manager.calls, [["Run", 0], ["GetLidarModuleInfo", 0],
+                                ["SetText", 1, 0, 0, 1, "42"]]);
+    }
+
     function test_cancel_reads_the_page_again() {
         mouseClick(editor("cancelButton"));
         compare(manager.calls, [["GetLidarModuleInfo", 0]]);
