@@ -57,7 +57,18 @@ FocusScope {
         function onMyMapChanged() { panel.show(); }
     }
 
-    implicitHeight: grid.implicitHeight
+    implicitHeight: note.visible ? note.y + note.height : grid.implicitHeight
+
+    RowNote {
+        id: note
+
+        anchors.top: grid.bottom
+        anchors.topMargin: Theme.gapTiny
+        width: parent.width
+        visible: text.length > 0
+        text: panel.row.news
+        row: panel.row
+    }
 
     Grid {
         id: grid
