@@ -36,8 +36,13 @@ FocusScope {
     readonly property bool stale: !manager.IsConnected && worth !== "edited"
     readonly property string place: level1 + "_" + level2 + "_" + level3
 
-    readonly property string range: leaf.range_min || leaf.range_max
-                                  ? qsTr("%1 to %2.").arg(leaf.range_min).arg(leaf.range_max) : ""
+    // What may be entered, where the table gives a range.
+    readonly property string range: {
+        if (!leaf.range_min && !leaf.range_max)
+            return "";
+        const text = qsTr("%1 to %2").arg(leaf.range_min).arg(leaf.range_max);
+        return kind === kindSwitch && leaf.range_min > 0 ? qsTr("%1, or off").arg(text) : text;
+    }
 
     // What has to be said about the value, in a sentence; empty for an ordinary reading.
     readonly property string news: {

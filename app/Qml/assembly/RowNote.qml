@@ -3,7 +3,8 @@ import "../controls"
 import "../theme"
 
 // The note at the end of a row: what is wrong with its text, else that it is not saved yet, else what
-// has to be said about the value, else what it has to look like.
+// has to be said about the value, else what it has to look like, in the room there is. The tooltips
+// tell all of it.
 PlainText {
     property var row
     property string problem: ""
@@ -11,8 +12,8 @@ PlainText {
 
     objectName: "note_" + row.place
     text: problem.length > 0 ? problem
-        : pending ? qsTr("Edited, not saved.") + (row.range.length > 0 ? " " + row.range : "")
-        : row.news.length > 0 ? row.news : row.hint
+        : pending ? qsTr("Edited, not saved") + (row.range.length > 0 ? " · " + row.range : "")
+        : row.news || row.range || row.hint
     font: Theme.captionFont
     color: problem.length > 0 ? Theme.errorColor
          : pending || row.worth === "differs" ? Theme.pendingColor : Theme.quietTextColor

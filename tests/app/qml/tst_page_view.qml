@@ -144,7 +144,7 @@ TestCase {
     function test_a_value_shows_what_it_is_worth_data() {
         const late = { "connected": false, "text": "20" };
         return [{ "tag": "unread", "text": "", "note": "Not read." },
-                { "tag": "read", "text": "20", "note": "Allowed: 0 to 100" },
+                { "tag": "read", "text": "20", "note": "0 to 100" },
                 { "tag": "written", "text": "20", "note": "Written, not read back." },
                 { "tag": "differs", "text": "20", "note": "The lidar holds 20; 80 was written." },
                 Object.assign({ "tag": "read, then lost", "note": "Read at 19:04:12." }, late),
