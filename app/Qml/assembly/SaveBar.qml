@@ -27,7 +27,7 @@ FocusScope {
         anchors.right: buttons.left
         anchors.rightMargin: Theme.gapWide
         anchors.verticalCenter: parent.verticalCenter
-        text: bar.hasEdits ? qsTr("This page holds edits that are not on the lidar yet.")
+        text: bar.hasEdits ? qsTr("This page holds unsaved edits.")
                            : qsTr("No unsaved edits.")
         font: Theme.captionFont
         color: bar.hasEdits ? Theme.pendingColor : Theme.quietTextColor
