@@ -16,9 +16,11 @@ FocusScope {
         return text.trim().length > 0 && value >= 0 && value <= 360 ? "" : qsTr("0 to 360 degrees");
     }
 
-    // The page's values were read again: edits are gone, except what is being typed right now.
+    // Values were read again. That ends the edits, unless some are still waiting to be written; what
+    // is being typed right now stays in any case.
     function show() {
-        editedFields = [];
+        if (manager.getSetMapSize() === 0)
+            editedFields = [];
         for (let i = 0; i < fields.count; ++i) {
             if (!fields.itemAt(i).typing)
                 fields.itemAt(i).revert();
