@@ -135,7 +135,7 @@ void LidarSession::TakeFacts(DeviceFacts facts) {
   }
 }
 
-void LidarSession::Lose(std::string reason) {
+void LidarSession::Lose(const std::string& reason) {
   set_up_.report.LogLine(reason, LogType::kError);
   set_up_.report.Error(reason);
   Stop();

@@ -117,7 +117,7 @@ class LidarSession {
   void TakeFacts(DeviceFacts facts);
   void ShowPage();
   void ShowCaughtUp();
-  void Lose(std::string reason);
+  void Lose(const std::string& reason);
   void Disconnect();
   void End();
   std::string Identity(const char* name, const std::string& asked) const;
