@@ -84,7 +84,7 @@ bool RangeCheck::CheckPage(const std::vector<const VarInfo*>& vars,
   constexpr char kFunction[] = "TevronManager::CheckModuleVarsWithinRange";
   bool all_within = true;
   for (const VarInfo* var : vars) {
-    if (var->check_enable == 0) {
+    if (!IsChecked(*var)) {
       continue;
     }
     const std::string text = table_.ValueOf(*var).text;
@@ -113,7 +113,7 @@ std::string RangeCheck::Violation(const VarInfo& var, const std::string& text) {
   switch (var.value_type->kind) {
     case ValueKind::kText:
     case ValueKind::kRaw:
-      return static_cast<int64_t>(text.size()) > var.length_limit ? kOutOfRange : "";
+      return static_cast<int64_t>(text.size()) > LengthLimitOf(var) ? kOutOfRange : "";
     case ValueKind::kAddress:
       return IsAddressText(text) ? "" : kInvalidIp;
     case ValueKind::kMac:

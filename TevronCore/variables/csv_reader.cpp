@@ -50,6 +50,13 @@ std::string ReadWholeFile(const std::string& path) {
   return text;
 }
 
+// One row, with no cell in quotation marks. A carriage return inside would end a row.
+bool IsPlain(std::string_view line) {
+  const size_t carriage_return = line.find('\r');
+  return line.find('"') == std::string_view::npos &&
+         (carriage_return == std::string_view::npos || carriage_return + 2 >= line.size());
+}
+
 int NothingIsSpace(unsigned char /*character*/) { return 0; }
 
 // Room for what comes, growing as push_back would.
@@ -128,9 +135,8 @@ std::string_view CsvReader::Cell(size_t column) const {
   if (column >= cell_count()) {
     return {};
   }
-  const size_t cell = row_begin_ + column;
-  const size_t begin = cell == 0 ? 0 : cell_ends_[cell - 1];
-  return std::string_view(text_).substr(begin, cell_ends_[cell] - begin);
+  const Place& cell = cells_[row_begin_ + column];
+  return {(line_is_plain_ ? input_ : text_).data() + cell.begin, cell.size};
 }
 
 CsvReader::Event CsvReader::Next() {
@@ -172,7 +178,7 @@ CsvReader::Event CsvReader::TellRow() {
 
 CsvReader::Event CsvReader::TellBrokenRow() {
   row_begin_ = rows_.empty() ? 0 : rows_.back().end;
-  row_end_ = cell_ends_.size();
+  row_end_ = cells_.size();
   line_ = open_line_;
   reason_ = fault_;
   fault_ = nullptr;
@@ -191,14 +197,19 @@ void CsvReader::DropToldRows() {
   if (rows_.empty()) {
     return;
   }
-  const size_t cells = rows_.back().end;
-  const size_t bytes = cells == 0 ? 0 : cell_ends_[cells - 1];
+  const size_t told_cells = rows_.back().end;
   rows_.clear();
   told_rows_ = 0;
+  if (told_cells == cells_.size()) {
+    cells_.clear();
+    text_.clear();
+    return;
+  }
+  const size_t bytes = cells_[told_cells].begin;
+  cells_.erase(cells_.begin(), cells_.begin() + static_cast<std::ptrdiff_t>(told_cells));
   text_.erase(0, bytes);
-  cell_ends_.erase(cell_ends_.begin(), cell_ends_.begin() + static_cast<std::ptrdiff_t>(cells));
-  for (size_t& end : cell_ends_) {
-    end -= bytes;
+  for (Place& cell : cells_) {
+    cell.begin -= bytes;
   }
 }
 
@@ -212,20 +223,44 @@ void CsvReader::FeedLine() {
     if (line == "\n" || line == "\r\n") {
       return;
     }
-    row_open_ = true;
     open_line_ = fed_lines_;
     open_line_end_ = end;
+    line_is_plain_ = IsPlain(line) && cells_.empty();
+    if (line_is_plain_) {
+      SplitLine(line);
+      return;
+    }
   }
   for (size_t at = 0; at < line.size() && fault_ == nullptr; at += kBite) {
     Feed(line.substr(at, kBite));
   }
+  row_open_ = parser_->get()->pstate != 0;  // 0 is between rows
+}
+
+// Without a quotation mark commas are all there is to know, which is several times faster.
+void CsvReader::SplitLine(std::string_view line) {
+  line = line.substr(0, line.find_last_not_of("\r\n") + 1);
+  if (line.empty()) {
+    return;
+  }
+  const auto start = static_cast<size_t>(line.data() - input_.data());
+  for (size_t begin = 0; begin <= line.size();) {
+    const size_t end = std::min(line.find(',', begin), line.size());
+    if (end - begin > kMaxCellBytes || cells_.size() == kMaxColumns) {
+      fault_ = cells_.size() == kMaxColumns ? kTooManyCells : kLongCell;
+      return;
+    }
+    cells_.push_back({start + begin, end - begin});
+    begin = end + 1;
+  }
+  rows_.push_back({cells_.size(), open_line_});
 }
 
 void CsvReader::Feed(std::string_view bytes) {
   // The callbacks must not throw through the C library, so everything they append to has its room
   // beforehand.
   MakeRoom(&text_, parser_->get()->entry_pos + bytes.size());
-  MakeRoom(&cell_ends_, bytes.size() + 1);
+  MakeRoom(&cells_, bytes.size() + 1);
   MakeRoom(&rows_, bytes.size() + 1);
   const size_t done = csv_parse(parser_->get(), bytes.data(), bytes.size(), OnCell, OnRow, this);
   if (done == bytes.size()) {
@@ -243,9 +278,8 @@ void CsvReader::Feed(std::string_view bytes) {
 // The last row may lack its line break.
 void CsvReader::Finish() {
   MakeRoom(&text_, parser_->get()->entry_pos);
-  MakeRoom(&cell_ends_, 1);
+  MakeRoom(&cells_, 1);
   MakeRoom(&rows_, 1);
-  // Asked for whatever row_open_ says: a carriage return alone ends a row in the middle of a line.
   if (csv_fini(parser_->get(), OnCell, OnRow, this) != 0 && fault_ == nullptr) {
     fault_ = kOpenQuote;
   }
@@ -259,20 +293,19 @@ void CsvReader::OnCell(void* data, size_t size, void* self) {
   const size_t row_begin = reader->rows_.empty() ? 0 : reader->rows_.back().end;
   if (size > kMaxCellBytes) {
     reader->fault_ = kLongCell;
-  } else if (reader->cell_ends_.size() - row_begin == kMaxColumns) {
+  } else if (reader->cells_.size() - row_begin == kMaxColumns) {
     reader->fault_ = kTooManyCells;
   } else {
+    reader->cells_.push_back({reader->text_.size(), size});
     if (size > 0) {
       reader->text_.append(static_cast<const char*>(data), size);
     }
-    reader->cell_ends_.push_back(reader->text_.size());
   }
 }
 
 void CsvReader::OnRow(int /*terminator*/, void* self) {
   auto* reader = static_cast<CsvReader*>(self);
   if (reader->fault_ == nullptr) {
-    reader->row_open_ = false;
-    reader->rows_.push_back({reader->cell_ends_.size(), reader->open_line_});
+    reader->rows_.push_back({reader->cells_.size(), reader->open_line_});
   }
 }

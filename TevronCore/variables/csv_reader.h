@@ -73,6 +73,7 @@ class CsvReader {
   class Parser;
 
   void FeedLine();
+  void SplitLine(std::string_view line);
   void Feed(std::string_view bytes);
   void Finish();
   Event TellRow();
@@ -89,8 +90,13 @@ class CsvReader {
 
   // What the parser has given. A line may end in the middle of a row, where a quoted cell goes on,
   // and hold several rows, where a carriage return alone ends them.
-  std::string text_;
-  std::vector<size_t> cell_ends_;  // per cell: where its content ends in text_
+  struct Place {
+    size_t begin;
+    size_t size;
+  };
+  std::vector<Place> cells_;
+  std::string text_;  // what the parser made of the cells; cells of a plain line lie in input_
+  bool line_is_plain_ = false;
   struct Row {
     size_t end;  // number of its last cell, and one
     size_t line;

@@ -76,13 +76,13 @@ QVariantMap VariableMap(const VarInfo& var, const ConfigParser::Value& value) {
   map.insert("unit_suffix", Text(UnitSuffix(var)));
   map.insert("range_min", var.range_min);
   map.insert("range_max", var.range_max);
-  map.insert("length_limit", var.length_limit);
+  map.insert("length_limit", LengthLimitOf(var));
   map.insert("switch_var_id", Text(var.switch_var_id));
-  map.insert("check_enable", var.check_enable);
+  map.insert("check_enable", IsChecked(var) ? 1 : 0);
   map.insert("editable", CanBeChanged(var));
   map.insert("timer_update", var.timer_update);
   map.insert("hint", Text(InputHint(var)));
-  map.insert("group_id", Text(var.group_id));
+  map.insert("group_id", Text(std::string(GroupIdOf(var))));
   map.insert("page", Text(var.function_module));
   InsertValue(var, value, &map);
   return map;

@@ -30,9 +30,9 @@ PageModel::PageModel(const ConfigParser& parser) {
     const size_t page_index = page_entry->second;
     std::vector<Page::Group>& groups = pages_[page_index].groups;
     const auto [group_entry, new_group] =
-        group_of_id[page_index].try_emplace(var->group_id, groups.size());
+        group_of_id[page_index].try_emplace(GroupIdOf(*var), groups.size());
     if (new_group) {
-      groups.push_back({var->group_id, {}});
+      groups.push_back({std::string(GroupIdOf(*var)), {}});
     }
     std::vector<const VarInfo*>& vars = groups[group_entry->second].vars;
     positions_[var->table_position] = {static_cast<int>(page_index),

@@ -69,6 +69,8 @@ LoadedTable Loader::Load() {
   }
   row_.emplace(*csv_, [this](const std::string& reason) { Fault(reason); });
   LoadRows();
+  row_.reset();
+  csv_.reset();  // as large as the file
   ListVariables();
   places_.Fill();
   CheckSwitchReferences();
@@ -80,6 +82,7 @@ LoadedTable Loader::Load() {
 
 void Loader::LoadRows() {
   const size_t most_rows = std::min(csv_->MostRows(), kMaxTableRows);
+  places_.Reserve(most_rows);
   table_.rows.reserve(most_rows);  // records do not move while they are referred to
   table_.by_id = VarIndex(&VarInfo::var_id, most_rows);
   table_.by_name = VarIndex(&VarInfo::var_name, most_rows);
@@ -157,14 +160,14 @@ void Loader::KeepDirective() {
 }
 
 void Loader::KeepName(VarInfo* var) {
-  uint32_t* slot = &table_.by_name.Slot(table_.rows, var->var_name);
+  uint32_t* slot = &table_.by_name.Position(table_.rows, var->var_name);
   if (*slot != VarIndex::kNone) {
     const std::string name = var->var_name;
     var->var_name += '_' + var->set_cmd;
-    slot = &table_.by_name.Slot(table_.rows, var->var_name);
+    slot = &table_.by_name.Position(table_.rows, var->var_name);
     if (*slot != VarIndex::kNone) {
       var->var_name += '_' + var->var_id;
-      slot = &table_.by_name.Slot(table_.rows, var->var_name);
+      slot = &table_.by_name.Position(table_.rows, var->var_name);
     }
     Report(var->var_name + " is used in other cmd");  // without a separator on purpose
     Fault("VarName " + Quoted(name) + " is taken by an earlier row; this one is shown as " +
@@ -176,7 +179,7 @@ void Loader::KeepName(VarInfo* var) {
 }
 
 void Loader::KeepId(VarInfo* var) {
-  uint32_t& slot = table_.by_id.Slot(table_.rows, var->var_id);
+  uint32_t& slot = table_.by_id.Position(table_.rows, var->var_id);
   if (slot != VarIndex::kNone) {
     Report(
         "(): ERROR with config file. There are vars with the same var_id. Some of them will be "
@@ -203,7 +206,7 @@ void Loader::ListVariables() {
   }
   table_.by_name.Clear();
   for (const VarInfo* var : table_.variables) {
-    uint32_t& slot = table_.by_name.Slot(table_.rows, var->var_name);
+    uint32_t& slot = table_.by_name.Position(table_.rows, var->var_name);
     slot = slot == VarIndex::kNone ? var->table_position : slot;
   }
 }

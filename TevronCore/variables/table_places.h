@@ -27,6 +27,8 @@ class TablePlaces {
 
   TablePlaces(LoadedTable* table, FaultHandler fault) : table_(*table), fault_(std::move(fault)) {}
 
+  void Reserve(size_t rows) { fields_.reserve(rows); }
+
   /// The next row, a variable of the table whose commands and length have been read.
   void Add(const TableRow& row, VarInfo* var);
 

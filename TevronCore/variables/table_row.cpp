@@ -46,8 +46,9 @@ bool TableRow::Has(Column column) const {
 }
 
 bool TableRow::ReadPlace(VarInfo* var) const {
-  var->group_id = Cell(Column::kGroupId);
-  var->var_id.append(var->group_id).append(1, '-').append(Cell(Column::kIndex));
+  const std::string_view group_id = Cell(Column::kGroupId);
+  var->group_id_size = static_cast<uint32_t>(group_id.size());
+  var->var_id.append(group_id).append(1, '-').append(Cell(Column::kIndex));
   var->get_cmd = Cell(Column::kGet);
   var->set_cmd = Cell(Column::kSet);
   SetValueType(Cell(Column::kVarType), var);
@@ -55,13 +56,12 @@ bool TableRow::ReadPlace(VarInfo* var) const {
 }
 
 void TableRow::ReadRest(VarInfo* var) const {
-  if (!WholeNumber(Trim(var->group_id))) {
-    fault_("GroupID " + Quoted(var->group_id) + " is no whole number");
+  if (const std::string_view group_id = Cell(Column::kGroupId); !WholeNumber(Trim(group_id))) {
+    fault_("GroupID " + Quoted(group_id) + " is no whole number");
   }
   var->index = ReadNumber(Column::kIndex);
   var->var_name = Cell(Column::kVarName);
   var->permission = ReadNumber(Column::kPermission);
-  var->check_enable = var->permission != 0 ? 1 : 0;
   var->unit = Cell(Column::kUnit);
   var->coefficient = ReadCoefficient(Column::kCoefficient, 1.0F);
   var->set_coefficient = ReadCoefficient(Column::kSetCoefficient, var->coefficient);
@@ -69,10 +69,6 @@ void TableRow::ReadRest(VarInfo* var) const {
   var->current_val = var->default_val;
   var->function_module = Cell(Column::kFunctionModule);
   var->timer_update = ReadNumber(Column::kTimerUpdate) != 0;
-  const ValueKind kind = var->value_type->kind;
-  if (kind == ValueKind::kText || kind == ValueKind::kRaw) {
-    var->length_limit = var->offset;
-  }
   auto control = ParseControl(Cell(Column::kOptions), Cell(Column::kOptionDescription), *var);
   if (const auto* reason = std::get_if<std::string>(&control)) {
     fault_(*reason + "; the variable becomes a text field");

@@ -17,9 +17,9 @@ class VarIndex {
   /// For at most `capacity` variables, by this member.
   VarIndex(std::string VarInfo::*text, size_t capacity);
 
-  /// Where the position of the variable with this text stands: kNone when there is none yet. What
-  /// is stored there has to be the position of one that has it.
-  uint32_t& Slot(const std::vector<VarInfo>& vars, std::string_view text);
+  /// Where the position of the variable with this text stands: kNone when there is none yet, and
+  /// to be replaced by that of one.
+  uint32_t& Position(const std::vector<VarInfo>& vars, std::string_view text);
 
   /// The position of the variable with this text, kNone without one.
   uint32_t Find(const std::vector<VarInfo>& vars, std::string_view text) const;
@@ -27,8 +27,13 @@ class VarIndex {
   void Clear();
 
  private:
-  size_t SlotOf(const std::vector<VarInfo>& vars, std::string_view text) const;
+  struct Slot {
+    uint32_t hash = 0;  // most other texts are told apart without looking at them
+    uint32_t position = kNone;
+  };
+
+  size_t Find(const std::vector<VarInfo>& vars, std::string_view text, uint32_t hash) const;
 
   std::string VarInfo::*text_;
-  std::vector<uint32_t> slots_;  // open addressing, at most half full
+  std::vector<Slot> slots_;  // open addressing, at most half full
 };

@@ -18,6 +18,17 @@ bool CanBeChanged(const VarInfo& var) {
   return var.permission != 0 && is_written && var.value_type->has_input && FillsItsPlace(var);
 }
 
+std::string_view GroupIdOf(const VarInfo& var) {
+  return std::string_view(var.var_id).substr(0, var.group_id_size);
+}
+
+bool IsChecked(const VarInfo& var) { return var.permission != 0; }
+
+int32_t LengthLimitOf(const VarInfo& var) {
+  const ValueKind kind = var.value_type->kind;
+  return kind == ValueKind::kText || kind == ValueKind::kRaw ? var.offset : 0;
+}
+
 std::string UnitSuffix(const VarInfo& var) {
   return var.unit.empty() ? std::string() : " (" + var.unit + ')';
 }

@@ -67,11 +67,9 @@ struct VarInfo : Control {
   const ValueType* value_type = &kUnknownType;  ///< What var_type names; never null.
   const FieldGroup* read = nullptr;   ///< Where get_start_pos counts; null without get_cmd.
   const FieldGroup* write = nullptr;  ///< Where set_start_pos counts; null without set_cmd.
-  std::string group_id;               ///< "GroupID" cell.
   std::string function_module;        ///< Page that shows the variable; empty: none.
-  int32_t check_enable = 0;           ///< 1: takes part in the range check before saving.
-  int32_t length_limit = 0;           ///< Longest text of a "string" or "raw" value, in bytes.
   bool timer_update = false;          ///< Shown text follows the periodic page refresh.
+  uint32_t group_id_size = 0;         ///< See GroupIdOf.
   uint32_t line = 0;                  ///< 1-based line of the table file where the row starts.
   uint32_t table_position = 0;        ///< Ascends from row to row of the table.
 };
@@ -86,6 +84,15 @@ bool FillsItsPlace(const VarInfo& var);
 /// that can be sent writes it, its type has a text form that can be encoded ("string", "raw" and
 /// "DT" have none), and what is encoded fills its place.
 bool CanBeChanged(const VarInfo& var);
+
+/// The "GroupID" cell.
+std::string_view GroupIdOf(const VarInfo& var);
+
+/// Whether the variable takes part in the range check before saving.
+bool IsChecked(const VarInfo& var);
+
+/// Longest text of a "string" or "raw" value, in bytes; 0 for other types.
+int32_t LengthLimitOf(const VarInfo& var);
 
 /// " (" + unit + ")", empty without a unit.
 std::string UnitSuffix(const VarInfo& var);

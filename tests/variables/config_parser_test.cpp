@@ -29,7 +29,7 @@ TEST_F(ConfigParserTest, FillsARecordFromEveryColumn) {
 
   EXPECT_EQ(Var("Empty").offset, 8);
   EXPECT_EQ(Var("Scaled").set_coefficient, 0.5F);
-  EXPECT_EQ(Var("Scaled").length_limit, 7);
+  EXPECT_EQ(LengthLimitOf(Var("Scaled")), 7);
 }
 
 TEST_F(ConfigParserTest, PlacesVariablesOneBehindTheOther) {
@@ -99,6 +99,32 @@ TEST_F(ConfigParserTest, AMissingColumnStopsTheLoadAndLeavesNothing) {
   EXPECT_TRUE(parser_.Faults().empty());
   EXPECT_TRUE(parser_.WrittenBy("0x02").empty());
   EXPECT_EQ(parser_.FindByName("A"), nullptr);
+}
+
+TEST_F(ConfigParserTest, EachValueSaysWhatItIsWorth) {
+  Load("1,1,0x01,0x02,1,Speed,1,uint8,3\n");
+  const VarInfo& speed = Var("Speed");
+  const auto shown = [&] {
+    const ConfigParser::Value value = parser_.ValueOf(speed);
+    return TextOf(value.state) + (' ' + value.text + ' ' + value.wanted);
+  };
+  EXPECT_EQ(shown(), "unread 3 ");
+  parser_.StoreReading(speed, "5", {5});
+  EXPECT_EQ(shown(), "read 5 ");
+  parser_.Edit(speed, "7");
+  EXPECT_EQ(shown(), "edited 7 ");
+  parser_.StoreWritten(speed, "7", {7});
+  EXPECT_EQ(shown(), "written 7 ");
+  parser_.StoreReading(speed, "6", {6});
+  EXPECT_EQ(shown(), "differs 6 7");
+  parser_.StoreReading(speed, "7", {7});
+  parser_.StoreReading(speed, "9", {9});
+  EXPECT_EQ(shown(), "read 9 ");
+  parser_.Edit(speed, "4");
+  parser_.ForgetReadings();
+  EXPECT_EQ(shown(), "edited 4 ");
+  parser_.DropEdits({&speed});
+  EXPECT_EQ(shown(), "unread 3 ");
 }
 
 TEST_F(ConfigParserTest, TextAndBytesOfAValueBelongTogether) {

@@ -84,16 +84,31 @@ TEST_F(TableFaults, NamesTheRowAndTheReason) {
   }
 }
 
-TEST_F(TableFaults, AFieldOfUnknownLengthTakesItsPayloadsOutOfUse) {
-  Load(
-      "1,1,0x01,0x02,1,A,1,uint8\n1,2,0x01,0x02,2,B,1,raw,,,,,,,long\n"
-      "1,3,0x01,0x02,3,C,1,uint8\n1,4,0x03,0x04,1,D,1,uint8\n");
-  EXPECT_EQ(parser_.FindByName("B"), nullptr);
-  EXPECT_EQ(Var("A").get_cmd, "");
-  EXPECT_EQ(Var("C").set_cmd, "");
-  EXPECT_TRUE(parser_.WrittenBy("0x02").empty());
-  EXPECT_EQ(Var("D").get_cmd, "0x03");
-  EXPECT_EQ(parser_.WrittenBy("0x04").size(), 1U);
+// The row between is left out. Whoever lies behind it keeps its place, or is out of use.
+TEST_F(TableFaults, ARowThatIsLeftOutShiftsNobody) {
+  const std::string cases[][2] = {
+      {"1,,0x01,0x02,2,B,1,uint16", "1 3 line 3 of the table is broken"},
+      {"1,2,1,2,2,B,1,uint16,,,,,,,2,,,,\"\"x", "1 3 line 3 of the table is broken"},
+      {"1,2,0x01,0x02,2,B,1,raw,,,,,,,long", "out of use"},
+      {"1,2,0x01,0x02,2,\"B\"x,1,uint16", "out of use"},
+      {"\"1\"x,2,0x01,0x02,2,B,1,uint16", "out of use"},
+  };
+  for (const auto& [row, outcome] : cases) {
+    Load("1,1,0x01,0x02,1,A,1,uint8\n" + row +
+         "\n1,3,0x01,0x02,3,C,1,uint8\n1,4,0x03,0x04,1,D,1,uint8\n");
+    EXPECT_EQ(parser_.FindByName("B"), nullptr);
+    const VarInfo& last = Var("C");
+    const bool in_use = last.read != nullptr && last.write != nullptr;
+    EXPECT_EQ(in_use ? std::to_string(Var("A").offset) + ' ' + std::to_string(last.set_start_pos) +
+                           ' ' + last.write->obstacle
+                     : "out of use",
+              outcome)
+        << row;
+    EXPECT_FALSE(CanBeChanged(last)) << row;
+    EXPECT_EQ(in_use, last.get_start_pos == 3) << row;
+    EXPECT_EQ(in_use, !Var("A").get_cmd.empty() && !parser_.WrittenBy("0x02").empty()) << row;
+    EXPECT_TRUE(CanBeChanged(Var("D"))) << row;
+  }
 }
 
 TEST_F(TableFaults, RowsBeyondTheBoundAreLeftOut) {
