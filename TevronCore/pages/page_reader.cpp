@@ -72,8 +72,8 @@ Unread PageReader::Read(const std::vector<const VarInfo*>& vars, const char* cal
       unread.left.insert(unread.left.end(), group.begin(), group.end());
     } else {
       const ReadOutcome outcome = ReadGroupNow(key, group, caller, &unread);
-      unread.silent = outcome == ReadOutcome::kNoAnswer;
-      unanswered = unread.silent ? unanswered + 1 : 0;
+      unread.answered = outcome == ReadOutcome::kRead || outcome == ReadOutcome::kRefused;
+      unanswered = outcome == ReadOutcome::kNoAnswer ? unanswered + 1 : 0;
       if (outcome == ReadOutcome::kRead) {
         failures_.WasRead(kSilence);
       }

@@ -33,7 +33,7 @@ struct Unread {
   std::map<const VarInfo*, std::string> failed;
   /// Those that there was no time for.
   std::vector<const VarInfo*> left;
-  bool silent = false;  ///< the last command that was sent found no answer
+  bool answered = false;  ///< the last command found an answer, if only a refusal
 };
 
 /// Asks the lidar for variables and stores what it answers in the table. Edited variables keep the

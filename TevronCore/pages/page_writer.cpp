@@ -83,7 +83,7 @@ void PageWriter::ReadPresentValues() {
   for (const VarInfo* var : unread_.left) {
     unread_.failed[var] = "the lidar is slow";
   }
-  lidar_answered_ = !unread_.silent;
+  lidar_answered_ = unread_.answered;
 }
 
 /// The fields that the user left alone go out as this lidar last reported them; it may hold others
@@ -91,7 +91,7 @@ void PageWriter::ReadPresentValues() {
 void PageWriter::WarnOfOldValues(const std::string& set_cmd) {
   for (const VarInfo* var : parts_.table.WrittenBy(set_cmd)) {
     const auto failure = unread_.failed.find(var);
-    if (failure != unread_.failed.end()) {
+    if (failure != unread_.failed.end() && !parts_.table.ValueOf(*var).edited) {
       parts_.report.LogLine("The present values of [" + set_cmd + "] could not be read (" +
                                 failure->second + "): the last ones that were read go with it.",
                             LogType::kWarning);

@@ -133,7 +133,7 @@ TEST_F(PageReaderTest, GivesUpAfterTwoCommandsWithoutAnAnswerInARowAndSaysEachFa
     const Unread unread = reader_.Read(page, "test");
     EXPECT_EQ(lidar_.sent.size(), 5U);
     EXPECT_EQ(unread.failed.size(), 6U);
-    EXPECT_TRUE(unread.silent);
+    EXPECT_FALSE(unread.answered);
     EXPECT_EQ(report_.Take(), lines);
   }
   lidar_.replies = {{0, {1}}, {5, {}}};
