@@ -3,21 +3,17 @@
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
-#include <filesystem>
 #include <stdexcept>
 #include <string>
 
+#include "support/test_folder.h"
+
 namespace kavel::lidar::testing {
 
-/// A folder with two self-signed certificates and their keys, gone with the object.
+/// Two self-signed certificates and their keys, gone with the object.
 class Certificates {
  public:
   Certificates() {
-    std::string pattern = std::filesystem::temp_directory_path() / "kavel_tls_XXXXXX";
-    if (mkdtemp(pattern.data()) == nullptr) {
-      throw std::runtime_error("no temporary folder");
-    }
-    folder_ = pattern;
     for (const std::string name : {"lidar", "other"}) {
       const std::string command =
           "openssl req -x509 -nodes -days 2 -newkey ec -pkeyopt ec_paramgen_curve:prime256v1"
@@ -28,15 +24,12 @@ class Certificates {
       }
     }
   }
-  ~Certificates() { std::filesystem::remove_all(folder_); }
-  Certificates(const Certificates&) = delete;
-  Certificates& operator=(const Certificates&) = delete;
 
-  std::string Cert(const std::string& name) const { return folder_ / (name + ".crt"); }
-  std::string Key(const std::string& name) const { return folder_ / (name + ".key"); }
+  std::string Cert(const std::string& name) const { return folder_.path() + "/" + name + ".crt"; }
+  std::string Key(const std::string& name) const { return folder_.path() + "/" + name + ".key"; }
 
  private:
-  std::filesystem::path folder_;
+  TestFolder folder_;
 };
 
 /// A TLS server that answers each line with its reverse.

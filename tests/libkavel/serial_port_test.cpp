@@ -4,6 +4,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <numeric>
 #include <string>
 #include <vector>
 
@@ -19,9 +20,7 @@ constexpr uint32_t kPatienceMs = 5000;
 
 TEST(SerialPort, CarriesAllBytesBothWaysAtAnyRate) {
   Bytes every_byte(256);
-  for (size_t i = 0; i < every_byte.size(); ++i) {
-    every_byte[i] = static_cast<uint8_t>(i);
-  }
+  std::iota(every_byte.begin(), every_byte.end(), uint8_t{0});
   for (const uint32_t rate : {9600U, 115200U, 3000000U, 3125000U}) {
     PtyPair line;
     SerialPort port;
@@ -32,11 +31,11 @@ TEST(SerialPort, CarriesAllBytesBothWaysAtAnyRate) {
     EXPECT_EQ(line.ReadExactly(256), every_byte) << "no byte is translated or swallowed";
 
     line.Write(every_byte);
-    for (const uint8_t expected : every_byte) {
-      uint8_t byte = 0;
+    Bytes read(256);
+    for (uint8_t& byte : read) {
       ASSERT_EQ(port.Read(&byte, 1, kPatienceMs), 1);
-      EXPECT_EQ(byte, expected);
     }
+    EXPECT_EQ(read, every_byte);
   }
 }
 
