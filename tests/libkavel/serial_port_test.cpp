@@ -8,12 +8,12 @@
 #include <string>
 #include <vector>
 
+#include "support/bytes.h"
 #include "support/pty_pair.h"
 
 namespace kavel::lidar {
 namespace {
 
-using Bytes = std::vector<uint8_t>;
 using testing::PtyPair;
 
 constexpr uint32_t kPatienceMs = 5000;

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "Wire/serial_frame.h"
+#include "support/bytes.h"
 #include "support/log_lines.h"
 #include "support/pty_pair.h"
 #include "support/wait_for.h"
@@ -14,7 +15,6 @@
 namespace kavel::lidar {
 namespace {
 
-using Bytes = std::vector<uint8_t>;
 using testing::LogLines;
 using testing::PtyPair;
 using testing::WaitFor;

@@ -2,12 +2,12 @@
 
 #include <gtest/gtest.h>
 
+#include "support/bytes.h"
 #include "support/model_fixture.h"
 #include "support/recorded_report.h"
 
 namespace {
 
-using Bytes = std::vector<uint8_t>;
 using Lines = std::vector<std::string>;
 
 constexpr char kRows[] =
