@@ -95,14 +95,17 @@ void CmxExchange::SendAndReceive(uint8_t cmd, const std::vector<uint8_t>& payloa
 }
 
 bool CmxExchange::Send(uint8_t cmd, std::vector<uint8_t>& frame) {
-  owed_.Sent(IsLiveness(cmd));
   const auto size = static_cast<uint16_t>(frame.size());
   const int32_t sent = transport_->Send(frame.data(), size, 0);
-  if (sent != size) {
-    KAVEL_LOG(kWarning, "send failure, %d.", sent);
-    return false;
+  if (sent == size) {
+    owed_.Sent(IsLiveness(cmd));
+    return true;
   }
-  return true;
+  KAVEL_LOG(kWarning, "send failure, %d.", sent);
+  if (sent > 0) {
+    owed_.Strayed();
+  }
+  return false;
 }
 
 void CmxExchange::DropStaleInput(bool expect_remains) {
