@@ -39,11 +39,10 @@ FocusScope {
         anchors.rightMargin: Theme.gapWide
         spacing: Theme.gapWide
 
-        Text {
+        PlainText {
             Layout.rightMargin: Theme.gap
             text: bar.programName
             font: Theme.headlineFont
-            color: Theme.textColor
         }
 
         LabelledField {

@@ -30,8 +30,6 @@ FocusScope {
 
     signal refused(string reason)
     signal confirmationWanted(var names)
-    // The page was read again after a Save that sent these angles, or tried to.
-    signal reread(var angles)
 
     // Brings the rows up to date that show something else.
     function takeValues() {
@@ -57,35 +55,11 @@ FocusScope {
 
     function save() {
         commitTyping();
-        if (!manager.IsConnected) {
-            refused(qsTr("Please connect to lidar first"));
-            return;
-        }
-        if (manager.getSetMapSize() <= 0) {
-            refused(qsTr("Nothing to be saved"));
-            return;
-        }
-        outOfRange.names = [];
-        outOfRange.enabled = true;
-        const inRange = manager.CheckModuleVarsWithinRange(tab);
-        outOfRange.enabled = false;
-        if (inRange)
-            write();
-        else
-            confirmationWanted(outOfRange.names);
+        saving.save();
     }
 
-    // What the lidar did not take is handed over again after the reading, which shows what the lidar
-    // holds and ends all edits.
     function write() {
-        manager.Run(tab);
-        rows.TakeAll();
-        const untaken = rows.Edits();
-        const angles = manager.FovList;
-        manager.GetLidarModuleInfo(tab);
-        untaken.forEach(edit => manager.SetText(1, edit.level1, edit.level2, edit.level3, edit.text));
-        takeValues();
-        reread(angles);
+        saving.write();
     }
 
     Connections {
@@ -110,14 +84,15 @@ FocusScope {
         }
     }
 
-    Connections {
-        id: outOfRange
+    SaveControl {
+        id: saving
 
-        property var names: []
-
-        target: page.manager
-        enabled: false
-        function onSomeVarOutOfRange(var_name) { outOfRange.names.push(var_name); }
+        manager: page.manager
+        tab: page.tab
+        pageRows: rows
+        onRefused: page.refused(reason)
+        onConfirmationWanted: page.confirmationWanted(names)
+        onReread: page.takeValues()
     }
 
     SectionTitle {
@@ -170,7 +145,7 @@ FocusScope {
             }
 
             Connections {
-                target: page
+                target: saving
                 enabled: row.isFov
                 function onReread(angles) { row.keepAngles(angles); }
             }
