@@ -4,13 +4,13 @@
 
 namespace kavel::lidar {
 
-/// Where a client writes what it sent and received, one "SEND: " or "RECV: " line a call.
+/// Takes lines for the user, such as those of the authentication.
 class LogSink {
  public:
   virtual ~LogSink() = default;
 
-  /// `line` has no line end. Called on whichever thread runs the exchange, while that client's
-  /// exchange is locked: an implementation must neither block nor call the client.
+  /// `line` has no line end. Called on whichever thread runs an exchange, while exchanges are
+  /// locked: an implementation must neither block nor send commands.
   virtual void WriteLine(const std::string& line) = 0;
 };
 

@@ -120,6 +120,9 @@ TEST_F(CmxExchangeTest, NamesEveryFailure) {
                                         "RECV: ret_code is " + std::to_string(each.reason)}));
     result = before;
   }
+  transport->out_of_memory = true;
+  EXPECT_EQ(Query(7), -1);
+  EXPECT_EQ(error, kReplyBrokeOff);
   EXPECT_LE(transport->largest_receive, 65536U) << "no memory before the bytes arrive";
   EXPECT_EQ(log.Count(kWarning, "CmxClient::QueryCommand, RspCode invalid:0, return_cmd:8, cmd:7"),
             1);

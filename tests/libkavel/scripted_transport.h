@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstdint>
 #include <deque>
+#include <new>
 #include <string>
 #include <vector>
 
@@ -18,7 +19,8 @@ class ScriptedTransport : public ClientBase {
   std::deque<Bytes> waiting;  ///< there before the command leaves
   std::deque<Bytes> answer;   ///< arrives once it has left; an empty block: peer closed
   Bytes babble;               ///< what every receive brings when nothing else is left
-  int32_t short_by = 0;       ///< bytes that a send leaves unsent
+  bool out_of_memory = false;
+  int32_t short_by = 0;  ///< bytes that a send leaves unsent
   std::vector<Bytes> sent;
   std::vector<uint32_t> timeouts;  ///< receive time-outs in the order in which they were set
   size_t largest_receive = 0;
@@ -42,6 +44,9 @@ class ScriptedTransport : public ClientBase {
 
   int32_t Receive(uint8_t* buffer, uint32_t length, int32_t) override {
     largest_receive = std::max<size_t>(largest_receive, length);
+    if (out_of_memory) {
+      throw std::bad_alloc();
+    }
     if (waiting.empty() && babble.empty()) {
       return -1;
     }
