@@ -63,8 +63,9 @@ bool LidarSession::Connect(const ConnectionSettings& settings) {
   return true;
 }
 
-void LidarSession::EndAttempt(std::shared_ptr<Connection> connection) {
+void LidarSession::EndAttempt() {
   const std::function<bool()> is_current = Current();
+  std::shared_ptr<Connection> connection = attempt_->TakeConnection();
   attempt_.reset();
   if (connection != nullptr) {
     Adopt(std::move(connection));
@@ -110,9 +111,9 @@ std::chrono::milliseconds LidarSession::TakeReadingTime() {
   return std::chrono::seconds(std::exchange(is_silent_, false) ? 0 : 1);
 }
 
-void LidarSession::ReadSoon(std::vector<const VarInfo*> vars) {
+void LidarSession::ReadSoon(std::shared_ptr<LidarModel> model, std::vector<const VarInfo*> vars) {
   if (refresh_ != nullptr && !vars.empty()) {
-    refresh_->ReadSoon(model_, std::move(vars));
+    refresh_->ReadSoon(std::move(model), std::move(vars));
   }
 }
 

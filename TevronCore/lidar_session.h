@@ -82,8 +82,8 @@ class LidarSession {
   /// How long a screen may wait for a page: not at all after a write that found no answer.
   std::chrono::milliseconds TakeReadingTime();
   void NoteWrite(bool was_answered) { is_silent_ = !was_answered; }
-  /// Reads in the background, at once, what a page read had no time for.
-  void ReadSoon(std::vector<const VarInfo*> vars);
+  /// Reads in the background, at once, what a page read of `model` had no time for.
+  void ReadSoon(std::shared_ptr<LidarModel> model, std::vector<const VarInfo*> vars);
   /// What this lidar could not be read for; for every reader of its pages.
   ReadFailures& read_failures() { return read_failures_; }
 
@@ -111,7 +111,7 @@ class LidarSession {
   std::function<void(Args...)> Later(void (LidarSession::*handler)(Args...));
   std::shared_ptr<UserReport> ReportOfNow() const;
 
-  void EndAttempt(std::shared_ptr<Connection> connection);
+  void EndAttempt();
   void Adopt(std::shared_ptr<Connection> connection);
   void StartReadingFacts();
   void TakeFacts(DeviceFacts facts);

@@ -53,7 +53,7 @@ void TevronManager::GetLidarModuleInfo(int module) {
                     parts_->session.read_failures(), parts_->report);
   const Unread unread =
       reader.Read(vars, "TevronManager::GetLidarModuleInfo", parts_->session.TakeReadingTime());
-  parts_->session.ReadSoon(unread.left);
+  parts_->session.ReadSoon(model, unread.left);
   ShowPage(module);
 }
 
@@ -125,7 +125,9 @@ void TevronManager::Run(int module) {
                      edits->pending(), edits->fov(), parts_->session.read_failures(),
                      parts_->report});
   const PageWriter::Outcome outcome = writer.Run(module);
-  parts_->session.NoteWrite(outcome != PageWriter::Outcome::kNoAnswer);
+  if (outcome != PageWriter::Outcome::kNothing) {
+    parts_->session.NoteWrite(outcome != PageWriter::Outcome::kNoAnswer);
+  }
   if (outcome == PageWriter::Outcome::kWritten) {
     UpdateUI();
   } else {

@@ -20,5 +20,5 @@ struct Options {
 };
 
 /// Reads the command line. Prints help or the fault in it itself.
-/// @return nothing when the process is to end now, with *exit_code.
+/// Returns nothing when the process is to end now, with *exit_code.
 std::optional<Options> ParseOptions(int argc, char** argv, int* exit_code);

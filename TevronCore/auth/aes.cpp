@@ -22,8 +22,8 @@ using OpenSslPtr = std::unique_ptr<T, OpenSslDeleter>;
 std::vector<uint8_t> Aes128Cbc(CipherDirection direction, const SecretBytes& key,
                                const std::vector<uint8_t>& vector,
                                const std::vector<uint8_t>& input) {
-  constexpr std::size_t kKeySize = 16;
-  const std::size_t largest_input = std::numeric_limits<int>::max() - kAesBlockSize;
+  constexpr size_t kKeySize = 16;
+  const size_t largest_input = std::numeric_limits<int>::max() - kAesBlockSize;
   if (key.size() != kKeySize || vector.size() != kAesBlockSize || input.size() > largest_input) {
     return {};
   }
@@ -43,12 +43,12 @@ std::vector<uint8_t> Aes128Cbc(CipherDirection direction, const SecretBytes& key
       EVP_CipherFinal_ex(context.get(), output.data() + updated, &finished) != 1) {
     return {};
   }
-  output.resize(static_cast<std::size_t>(updated) + static_cast<std::size_t>(finished));
+  output.resize(static_cast<size_t>(updated) + static_cast<size_t>(finished));
   return output;
 }
 
 std::vector<uint8_t> Aes256CmacTag(const SecretBytes& key, const std::vector<uint8_t>& input) {
-  constexpr std::size_t kKeySize = 32;
+  constexpr size_t kKeySize = 32;
   if (key.size() != kKeySize) {
     return {};
   }
@@ -60,7 +60,7 @@ std::vector<uint8_t> Aes256CmacTag(const SecretBytes& key, const std::vector<uin
       OSSL_PARAM_construct_utf8_string(OSSL_MAC_PARAM_CIPHER, cipher, 0),
       OSSL_PARAM_construct_end()};
   std::vector<uint8_t> tag(kAesBlockSize);
-  std::size_t tag_size = 0;
+  size_t tag_size = 0;
   if (context == nullptr || EVP_MAC_init(context.get(), key.data(), key.size(), parameters) != 1 ||
       EVP_MAC_update(context.get(), input.data(), input.size()) != 1 ||
       EVP_MAC_final(context.get(), tag.data(), &tag_size, tag.size()) != 1 ||

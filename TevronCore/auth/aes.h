@@ -5,7 +5,7 @@
 
 #include "auth/secret_bytes.h"
 
-inline constexpr std::size_t kAesBlockSize = 16;
+inline constexpr size_t kAesBlockSize = 16;
 
 enum class CipherDirection { kEncrypt, kDecrypt };
 

@@ -16,7 +16,7 @@ using kavel::lidar::ReadBigEndian32;
 
 namespace {
 
-constexpr std::size_t kChallengeSize = 16;
+constexpr size_t kChallengeSize = 16;
 
 class Aes128CbcAlgorithm : public IAuthAlgorithm {
  public:

@@ -12,7 +12,7 @@ namespace {
 /// The cells of one row, with the place of each for the messages.
 class Row {
  public:
-  Row(const CsvTable& table, std::size_t row, const std::string& path)
+  Row(const CsvTable& table, size_t row, const std::string& path)
       : table_(table), row_(row), path_(path) {}
 
   std::string_view Cell(const char* column) const {
@@ -29,7 +29,7 @@ class Row {
     if (Trim(rest).empty()) {
       return commands;  // nothing is protected; only an item between separators can be missing
     }
-    for (std::size_t end = 0; end != std::string_view::npos;) {
+    for (size_t end = 0; end != std::string_view::npos;) {
       end = rest.find('|');
       commands.insert(static_cast<uint8_t>(Code(column, rest.substr(0, end), "empty hex byte")));
       rest.remove_prefix(end == std::string_view::npos ? rest.size() : end + 1);
@@ -65,7 +65,7 @@ class Row {
   }
 
   const CsvTable& table_;
-  const std::size_t row_;
+  const size_t row_;
   const std::string& path_;
 };
 
@@ -87,9 +87,9 @@ AuthConfig ReadEnabledRow(const Row& row) {
 
 AuthConfig LoadAuthConfig(const std::string& table, const std::string& model) {
   const CsvTable csv(table);
-  const std::size_t model_column = csv.header().Column("Model");
-  const std::size_t enable_column = csv.header().Column("Enable");
-  for (std::size_t i = 0; i < csv.row_count(); ++i) {
+  const size_t model_column = csv.header().Column("Model");
+  const size_t enable_column = csv.header().Column("Enable");
+  for (size_t i = 0; i < csv.row_count(); ++i) {
     // Meant: these two cells count as they stand, blanks included.
     if (csv.Cell(i, model_column) == model) {
       return csv.Cell(i, enable_column) == "1" ? ReadEnabledRow(Row(csv, i, table)) : AuthConfig();

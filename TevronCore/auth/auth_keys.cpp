@@ -14,8 +14,8 @@ namespace {
 // A QSettings object would be shorter, but it keeps every file that it has parsed in a cache that
 // lives as long as the process, and the keys with it. Here the text is in one buffer that is wiped.
 
-constexpr std::size_t kLargestFile = std::size_t{64} * 1024;
-constexpr std::size_t kWordSize = 4;
+constexpr size_t kLargestFile = size_t{64} * 1024;
+constexpr size_t kWordSize = 4;
 
 /// The whole file; empty when it cannot be read or is larger than a key file can be.
 SecretBytes ReadFile(const std::string& path) {
@@ -24,12 +24,12 @@ SecretBytes ReadFile(const std::string& path) {
   if (error || size > kLargestFile) {
     return {};
   }
-  SecretBytes text(static_cast<std::size_t>(size));
+  SecretBytes text(static_cast<size_t>(size));
   std::ifstream file;
   file.rdbuf()->pubsetbuf(nullptr, 0);  // no second copy in a buffer that nobody wipes
   file.open(path, std::ios::binary);
   file.read(reinterpret_cast<char*>(text.data()), static_cast<std::streamsize>(text.size()));
-  return static_cast<std::size_t>(file.gcount()) == text.size() ? std::move(text) : SecretBytes();
+  return static_cast<size_t>(file.gcount()) == text.size() ? std::move(text) : SecretBytes();
 }
 
 /// Calls visit(group, name, value) for every assignment. The views end with `text`.
@@ -41,10 +41,10 @@ void ForEachValue(const SecretBytes& text, Visitor visit) {
     rest.remove_prefix(3);  // the byte-order mark of some editors
   }
   while (!rest.empty()) {
-    const std::size_t end = rest.find('\n');
+    const size_t end = rest.find('\n');
     const std::string_view line = Trim(rest.substr(0, end));
     rest = end == std::string_view::npos ? std::string_view() : rest.substr(end + 1);
-    const std::size_t equals = line.find('=');
+    const size_t equals = line.find('=');
     if (line.empty() || line.front() == ';' || line.front() == '#') {
       continue;
     }
@@ -67,13 +67,13 @@ int DigitValue(char digit) {
 
 /// `size` bytes from at least `least_digits` hexadecimal digits, right-aligned; empty when the text
 /// is anything else.
-SecretBytes ParseHex(std::string_view text, std::size_t size, std::size_t least_digits) {
+SecretBytes ParseHex(std::string_view text, size_t size, size_t least_digits) {
   text = WithoutHexPrefix(text);
   if (text.size() < least_digits || text.size() > 2 * size) {
     return {};
   }
   SecretBytes bytes(size);
-  std::size_t position = 2 * size - text.size();
+  size_t position = 2 * size - text.size();
   for (const char digit : text) {
     const int value = DigitValue(digit);
     if (value < 0) {
@@ -86,9 +86,7 @@ SecretBytes ParseHex(std::string_view text, std::size_t size, std::size_t least_
   return bytes;
 }
 
-SecretBytes ParseKey(std::string_view text, std::size_t size) {
-  return ParseHex(text, size, 2 * size);
-}
+SecretBytes ParseKey(std::string_view text, size_t size) { return ParseHex(text, size, 2 * size); }
 
 SecretBytes ParseWord(std::string_view text) { return ParseHex(text, kWordSize, 1); }
 

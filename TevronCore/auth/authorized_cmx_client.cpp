@@ -8,7 +8,7 @@
 
 namespace {
 
-constexpr std::size_t kRandomSize = 16;
+constexpr size_t kRandomSize = 16;
 
 }  // namespace
 
@@ -47,7 +47,7 @@ void AuthorizedCmxClient::Probe() {
     return;
   }
   const uint8_t* bytes = reply.data() + position;
-  const auto size = static_cast<std::size_t>(length);
+  const auto size = static_cast<size_t>(length);
   const uint64_t value = config_.probe_little_endian ? kavel::lidar::ReadLittleEndian(bytes, size)
                                                      : kavel::lidar::ReadBigEndian(bytes, size);
   auth_required_ = value == 1;

@@ -51,7 +51,7 @@ class AuthorizedCmxClient : public kavel::lidar::CommandSender {
   int GateLocked(uint8_t cmd);
   bool HandshakeLocked();
   bool Exchange(uint32_t cmd, const std::vector<uint8_t>& payload, std::vector<uint8_t>* reply);
-  std::size_t PrefixSize() const { return reply_prefix_ ? 4 : 0; }
+  size_t PrefixSize() const { return reply_prefix_ ? 4 : 0; }
   void Log(const std::string& line);
 
   const std::shared_ptr<kavel::lidar::CommandSender> client_;

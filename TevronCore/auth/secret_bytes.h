@@ -15,7 +15,7 @@
 class SecretBytes {
  public:
   SecretBytes() = default;
-  explicit SecretBytes(std::size_t size) : bytes_(size) {}
+  explicit SecretBytes(size_t size) : bytes_(size) {}
   explicit SecretBytes(std::vector<uint8_t> bytes) : bytes_(std::move(bytes)) {}
   SecretBytes(const SecretBytes&) = delete;
   SecretBytes& operator=(const SecretBytes&) = delete;
@@ -33,7 +33,7 @@ class SecretBytes {
   ~SecretBytes() { Wipe(); }
 
   bool empty() const { return bytes_.empty(); }
-  std::size_t size() const { return bytes_.size(); }
+  size_t size() const { return bytes_.size(); }
   const uint8_t* data() const { return bytes_.data(); }
   uint8_t* data() { return bytes_.data(); }
 

@@ -26,6 +26,7 @@ constexpr float kConnectTimeLimitS = 5.0F;
 
 constexpr char kOpenFailed[] = "TCP connection failed.";
 
+// The line is meant: it is what support looks for, whatever connects.
 void AnnounceTcpAttempt() {
   std::cout << "TevronManager::Init"
             << "(): try to connect to lidar with TCP connection.\n"
@@ -66,8 +67,14 @@ void ConnectAttempt::Run() {
     // From here on the client belongs to the connection: cancelling must not end it.
     const std::lock_guard<std::mutex> lock(mutex_);
     client_in_work_.reset();
+    connection_ = std::move(connection);
   }
-  handlers_.ended(std::move(connection));
+  handlers_.ended();
+}
+
+std::shared_ptr<Connection> ConnectAttempt::TakeConnection() {
+  const std::lock_guard<std::mutex> lock(mutex_);
+  return std::move(connection_);
 }
 
 std::shared_ptr<Connection> ConnectAttempt::Connect() {

@@ -29,9 +29,8 @@ class ConnectAttempt {
  public:
   /// What the attempt says on its thread.
   struct Handlers {
-    /// The attempt is over; null when it failed, after the reason was reported. The handler must
-    /// not destroy the attempt.
-    std::function<void(std::shared_ptr<Connection>)> ended;
+    /// The attempt is over, see TakeConnection. The handler must not destroy the attempt.
+    std::function<void()> ended;
     /// The serial port of a connection that this attempt made is gone, with a sentence for the
     /// user. Called on a thread of the connection, perhaps long after the attempt.
     std::function<void(std::string)> lost;
@@ -46,6 +45,10 @@ class ConnectAttempt {
 
   /// Makes the attempt end as soon as it can. It then reports nothing more.
   void Cancel();
+
+  /// Once it is over: what it connected, or null when it failed, after the reason was reported. A
+  /// connection that nobody takes ends with the attempt.
+  std::shared_ptr<Connection> TakeConnection();
 
  private:
   using ClientPtr = std::shared_ptr<kavel::lidar::CmxClient>;
@@ -72,6 +75,7 @@ class ConnectAttempt {
   const Handlers handlers_;
   StopSignal stop_;
   std::mutex mutex_;
-  ClientPtr client_in_work_;  ///< guarded by mutex_; what Cancel has to interrupt
+  ClientPtr client_in_work_;                ///< guarded by mutex_; what Cancel has to interrupt
+  std::shared_ptr<Connection> connection_;  ///< guarded by mutex_
   std::thread thread_;
 };

@@ -10,7 +10,7 @@
 #include "CmxClient/serial_client.h"
 
 /// An open connection to one lidar: everything that ends with it. Operations hold the sender; the
-/// manager holds the connection and ends it.
+/// session holds the connection and ends it.
 class Connection {
  public:
   /// `sender` is what operations use, with authentication in front of `client`. `serial` is null

@@ -18,12 +18,12 @@ using kavel::lidar::HexText;
 
 namespace {
 
-constexpr std::size_t kHeaderSize = 8;
+constexpr size_t kHeaderSize = 8;
 
 /// The low byte of a hexadecimal number. Throws std::invalid_argument for a text that is none and
 /// std::out_of_range for one that does not fit a 32-bit signed integer.
 uint8_t ParseLowByte(const std::string& text) {
-  std::size_t used = 0;
+  size_t used = 0;
   const int number = std::stoi(text, &used, 16);
   if (text.find_first_not_of(" \t\r\n", used) != std::string::npos) {
     throw std::invalid_argument("characters behind the number");
@@ -135,7 +135,7 @@ CommandConsole::Outcome CommandConsole::Send(kavel::lidar::CommandSender* sender
 }
 
 void CommandConsole::ShowReply(const std::vector<uint8_t>& reply) {
-  const std::size_t shown = std::min(reply.size(), kDisplayLimit);
+  const size_t shown = std::min(reply.size(), kDisplayLimit);
   return_header_ = HexText(reply.data(), kHeaderSize);
   return_payload_ = HexText(reply.data() + kHeaderSize, shown - kHeaderSize);
   if (reply.size() > shown) {

@@ -25,9 +25,9 @@ class CommandConsole {
     std::string success;  ///< "" or what the lidar now does; refresh the page, then show it
   };
 
-  static constexpr std::size_t kHistorySize = 10;
+  static constexpr size_t kHistorySize = 10;
   /// Most bytes of a reply that are shown, its header included.
-  static constexpr std::size_t kDisplayLimit = 1024;
+  static constexpr size_t kDisplayLimit = 1024;
 
   explicit CommandConsole(UserReport& report) : report_(report) {}
 

@@ -4,9 +4,8 @@
 
 #include "CmxClient/command_sender.h"
 
-/// What keeps user actions, background reads and transfers out of each other's way. The manager
-/// sets the flags on its own thread together with the properties of the same meaning; workers only
-/// read them.
+/// What keeps user actions, background reads and transfers out of each other's way. They are
+/// set on the thread that owns the session; workers only read them.
 struct LinkState {
   std::atomic<bool> connected{false};
   std::atomic<bool> upgrading{false};

@@ -23,7 +23,8 @@ class ByteSink {
   virtual void Sent(const Request& request, const std::vector<uint8_t>& frame) = 0;
   /// What the lidar answered to the last request.
   virtual void Received(const std::vector<uint8_t>& bytes) = 0;
-  /// The last exchange failed for the reason `error`, see command_sender.h.
+  /// The last exchange failed for the reason `error`, see command_sender.h. Of an exchange over a
+  /// serial line that brings no answer nothing more is told.
   virtual void Failed(int32_t error) = 0;
 };
 

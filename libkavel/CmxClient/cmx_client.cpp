@@ -120,11 +120,12 @@ int32_t CmxClient::TransferFile(const std::vector<uint8_t>& data, uint32_t code,
     return -1;
   }
   const uint8_t cmd = long_command ? kLongCommand : static_cast<uint8_t>(code);
+  const std::vector<std::vector<uint8_t>> pieces = CutIntoPieces(data);
   const CmxExchange::Timeouts usual = UseTimeouts(kTransferTimeouts);
   int32_t outcome = 0;
   int number = 0;
   std::vector<uint8_t> answer;
-  for (const std::vector<uint8_t>& piece : CutIntoPieces(data)) {
+  for (const std::vector<uint8_t>& piece : pieces) {
     if (progress != nullptr) {
       *progress = ++number;
     }

@@ -24,7 +24,10 @@ bool PacketListener::Start() {
     return false;
   }
   bound_port_ = source_.BoundPort();
-  totals_ = {};
+  {
+    const std::lock_guard<std::mutex> lock(mutex_);
+    totals_ = {};
+  }
   stopping_ = false;
   thread_ = std::thread(&PacketListener::Listen, this);
   return true;

@@ -64,10 +64,9 @@ class SerialSource : public Source {
 
   /// Takes one answer of at most `max_size` bytes, waiting up to `timeout_ms`; a long frame whose
   /// beginning arrived in time also gets the time that the rest of it needs on the line, unless it
-  /// stops coming. When no
-  /// whole frame came, the bytes that did come are handed out, cut to `max_size`, so that the
-  /// caller can tell a damaged answer from silence. Returns the byte count, or -1 when nothing came
-  /// or the line was closed or interrupted.
+  /// stops coming. When no whole frame came, the bytes that did come are handed out, cut to
+  /// `max_size`, so that the caller can tell a damaged answer from silence. Returns the byte count,
+  /// or -1 when nothing came or the line was closed or interrupted.
   int32_t ReceiveBlock(std::vector<uint8_t>& block, size_t max_size, uint32_t timeout_ms);
 
   /// kModeEmptyBuffer empties the buffer of bytes received and not handed out, and nothing else.

@@ -36,10 +36,6 @@ inline uint32_t ReadBigEndian32(const uint8_t* bytes) {
          uint32_t{bytes[3]};
 }
 
-inline uint64_t ReadBigEndian64(const uint8_t* bytes) {
-  return (uint64_t{ReadBigEndian32(bytes)} << 32) | ReadBigEndian32(bytes + 4);
-}
-
 inline uint32_t ReadLittleEndian32(const uint8_t* bytes) {
   return uint32_t{bytes[0]} | (uint32_t{bytes[1]} << 8) | (uint32_t{bytes[2]} << 16) |
          (uint32_t{bytes[3]} << 24);

@@ -19,7 +19,7 @@ struct AuthSession {
 /// the protected commands. Lies in any step when a fault says so.
 class AuthGuard {
  public:
-  /// @param required what the probe answers; when false every command passes.
+  /// `required` what the probe answers; when false every command passes.
   AuthGuard(AuthConfig config, AuthKeys keys, bool required);
 
   /// Answers a probe, a challenge or a response request; nothing when the request is none of them

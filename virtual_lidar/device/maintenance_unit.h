@@ -27,7 +27,7 @@ struct MaintenanceState {
 /// Carries the maintenance commands out.
 class MaintenanceUnit {
  public:
-  /// @param family kNone gives a device that knows none of these commands.
+  /// `family` kNone gives a device that knows none of these commands.
   explicit MaintenanceUnit(SerialFamily family) : family_(family) {}
 
   /// What the device answers when it is asked who it is.

@@ -11,5 +11,5 @@ std::string DumpState(const VirtualDevice& device);
 
 /// Writes the dump to a file that always holds a whole one: a reader sees the state before or the
 /// state after.
-/// @return false with a sentence in *error when the file cannot be written; what it held stays.
+/// Returns false with a sentence in *error when the file cannot be written; what it held stays.
 bool WriteDump(const VirtualDevice& device, const std::string& path, std::string* error);

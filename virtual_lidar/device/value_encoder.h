@@ -14,7 +14,7 @@
 /// bytes. "DT" takes seconds or "1 h 0 min 1 s". "IP" and "MAC" take their usual notations. The
 /// variables named "HWVER" and "SWVER_YMD" take nine or twelve characters and then numbers with
 /// dots between them, and fill 16 bytes. An empty text gives zeros.
-/// @return false with a sentence in *error when the text does not fit type or length; *bytes then
+/// Returns false with a sentence in *error when the text does not fit type or length; *bytes then
 ///         holds zeros. Otherwise *bytes has exactly the variable's length.
 bool EncodeValueText(const VarInfo& var, const std::string& text, std::vector<uint8_t>* bytes,
                      std::string* error);

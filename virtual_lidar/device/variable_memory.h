@@ -37,7 +37,7 @@ class VariableMemory {
 
   /// Carries a command of the table out; nothing when the table does not know it. A write is
   /// refused as a whole when one of its values is.
-  /// @param up_time_s is added to the clock variables.
+  /// `up_time_s` is added to the clock variables.
   std::optional<Outcome> Execute(uint8_t command, const Bytes& payload, uint32_t up_time_s);
 
   /// Takes over what the reply to a read command without payload holds; ignored when no variable
@@ -45,7 +45,7 @@ class VariableMemory {
   void StoreReply(uint8_t command, const Bytes& reply);
 
   /// Sets a variable, by name or id.
-  /// @return false with a sentence in *error when there is none or the text does not fit.
+  /// Returns false with a sentence in *error when there is none or the text does not fit.
   bool Preset(const std::string& name, const std::string& text, std::string* error);
 
   /// Back to the factory's values.

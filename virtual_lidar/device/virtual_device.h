@@ -26,13 +26,13 @@ class VirtualDevice {
  public:
   using Clock = std::function<std::chrono::steady_clock::time_point()>;
 
-  /// @param table loaded; shared, because the memory points into it.
-  /// @throws std::invalid_argument when the authentication table asks for the impossible.
+  /// `table` is loaded, and shared because the memory points into it.
+  /// Throws std::invalid_argument when the authentication table asks for the impossible.
   VirtualDevice(std::shared_ptr<const ConfigParser> table, DeviceProfile profile,
                 Clock clock = std::chrono::steady_clock::now);
 
   /// Carries one request out, the faults that strike before or during that included.
-  /// @param what gets a few words for the log: what the request was.
+  /// `what` gets a few words for the log: what the request was.
   DeviceReply Answer(const DeviceRequest& request, AuthSession* session, FaultBox* faults,
                      std::string* what);
 
@@ -43,7 +43,7 @@ class VirtualDevice {
   bool TakeChanged();
 
   /// Sets a variable, by name or id, as if it had been written before.
-  /// @return false with a sentence in *error when there is none or the text does not fit.
+  /// Returns false with a sentence in *error when there is none or the text does not fit.
   bool Preset(const std::string& name, const std::string& text, std::string* error);
 
   const std::string& model() const { return model_; }

@@ -7,7 +7,7 @@
 
 /// Whether the device takes these bytes as a new value of the variable: a number within the table's
 /// range (0 always passes for a switch), one of the options of a choice, a finite float.
-/// @param bytes exactly the variable's length.
+/// `bytes` has exactly the variable's length.
 bool IsAcceptableValue(const VarInfo& var, const std::vector<uint8_t>& bytes);
 
 /// Whether the device takes these bytes as its field-of-view table: mode, count 5, and ten angles

@@ -53,7 +53,7 @@ struct FaultOrder {
 };
 
 /// Reads one --fault argument. CMD is decimal or, with "0x", hexadecimal; TIMES is at least 1.
-/// @return false with a sentence in *error for an unknown name, a missing, superfluous or
+/// Returns false with a sentence in *error for an unknown name, a missing, superfluous or
 ///         unsuitable argument, a command above 255, or a limit on "silent-after", which counts
 ///         all requests; *order is then unspecified.
 bool ParseFaultOrder(const std::string& text, FaultOrder* order, std::string* error);
@@ -65,7 +65,7 @@ class FaultBox {
   explicit FaultBox(std::vector<FaultOrder> orders);
 
   /// Asks whether a fault strikes the request in hand, and counts it when it does.
-  /// @return the argument of the first matching order (0 for a fault without one).
+  /// Returns the argument of the first matching order (0 for a fault without one).
   std::optional<uint32_t> Strike(Fault fault, uint8_t command);
 
   /// Counts one request in; true once more requests came than a "silent-after" order allows.

@@ -40,7 +40,7 @@ class DeviceServer : private LinkHost {
   /// Writes the first dump, opens what the setup asks for, and logs one line for each: "serial port
   /// NAME" ("serial port 485 NAME" and "serial port 232 NAME" for a pair), then "listening on
   /// 127.0.0.1:PORT".
-  /// @return false with a sentence in *error when something cannot be had.
+  /// Returns false with a sentence in *error when something cannot be had.
   bool Start(std::string* error);
 
   /// The TCP port in use; 0 before Start.

@@ -18,7 +18,7 @@ class EventLoop {
   using FdHandler = std::function<void(short events)>;
   using TimerId = uint64_t;
 
-  /// @throws std::system_error when the kernel gives no wake-up descriptor.
+  /// Throws std::system_error when the kernel gives no wake-up descriptor.
   EventLoop();
   EventLoop(const EventLoop&) = delete;
   EventLoop& operator=(const EventLoop&) = delete;

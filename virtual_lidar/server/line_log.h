@@ -6,7 +6,7 @@
 /// takes is lost, because a reader that has stopped must not stop the device.
 class LineLog {
  public:
-  /// @param fd stays the caller's; -1 swallows every line.
+  /// `fd` stays the caller's; -1 swallows every line.
   explicit LineLog(int fd) : fd_(fd) {}
   void Write(const std::string& line) const;
 

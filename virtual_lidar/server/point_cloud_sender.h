@@ -18,7 +18,7 @@ struct PointCloudTarget {
 };
 
 /// Reads "IP:PORT[@RATE]".
-/// @return false with a sentence in *error when it is none.
+/// Returns false with a sentence in *error when it is none.
 bool ParsePointCloudTarget(const std::string& text, PointCloudTarget* target, std::string* error);
 
 /// Sends UDP packets of 1,200 bytes at a steady rate: "KPCL", a big-endian 32-bit sequence number
@@ -29,7 +29,7 @@ class PointCloudSender {
  public:
   static constexpr size_t kPacketSize = 1200;
 
-  /// @throws std::system_error when there is no socket to be had.
+  /// Throws std::system_error when there is no socket to be had.
   PointCloudSender(EventLoop* loop, const PointCloudTarget& target);
   ~PointCloudSender();
   PointCloudSender(const PointCloudSender&) = delete;

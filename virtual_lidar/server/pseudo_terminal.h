@@ -13,7 +13,7 @@ class PseudoTerminal {
   /// Called each time a client has closed the port.
   using CloseHandler = std::function<void()>;
 
-  /// @throws std::system_error when the system gives no pseudo-terminal.
+  /// Throws std::system_error when the system gives no pseudo-terminal.
   PseudoTerminal(EventLoop* loop, CloseHandler on_client_closed);
   ~PseudoTerminal();
   PseudoTerminal(const PseudoTerminal&) = delete;

@@ -19,7 +19,7 @@ class TcpListener {
   TcpListener& operator=(const TcpListener&) = delete;
 
   /// Starts to listen. Port 0 lets the system pick one, which port() then gives.
-  /// @return false when the port cannot be had; error() is then a sentence with the reason.
+  /// Returns false when the port cannot be had; error() is then a sentence with the reason.
   bool Open(uint16_t port);
   /// Stops listening; clients already accepted are not touched.
   void Close();

@@ -12,7 +12,7 @@ class CmxCodec : public WireCodec {
   /// comes out as an oversized request, and reading goes on behind its header.
   static constexpr uint32_t kMaxRequestPayload = 64 * 1024;
 
-  /// @param version 1 or 2.
+  /// `version` is 1 or 2.
   explicit CmxCodec(int version)
       : layout_(version == 2 ? kavel::lidar::kCmxHeader2 : kavel::lidar::kCmxHeader1) {}
 
@@ -27,7 +27,7 @@ class CmxCodec : public WireCodec {
 
  private:
   /// Takes one request, or skips what can be none, at the head of the bytes.
-  /// @return how many bytes are done with; 0 when more bytes have to come first.
+  /// Returns how many bytes are done with; 0 when more bytes have to come first.
   size_t Take(const uint8_t* data, size_t size, std::vector<DeviceRequest>* requests) const;
 
   const kavel::lidar::CmxHeaderLayout& layout_;
