@@ -61,12 +61,6 @@ void OnSignal(int fd, EventLoop* loop, DeviceServer* server) {
   }
 }
 
-std::shared_ptr<const ConfigParser> LoadTable(const std::string& path) {
-  auto table = std::make_shared<ConfigParser>();
-  table->ExtractConfigInfo(path);
-  return table;
-}
-
 DeviceProfile MakeProfile(const Options& options) {
   DeviceProfile profile;
   profile.model = options.model;
@@ -97,7 +91,9 @@ int Serve(const Options& options, int signals) {
   if (std::find(models.begin(), models.end(), options.model) == models.end()) {
     return Complain("there is no model \"" + options.model + "\"; there are" + Listed(models));
   }
-  VirtualDevice device(LoadTable(tables + "/" + options.model + ".csv"), MakeProfile(options));
+  const auto table =
+      std::make_shared<const ConfigParser>(LoadTable(tables + "/" + options.model + ".csv"));
+  VirtualDevice device(table, MakeProfile(options));
   std::string error;
   for (const auto& [name, text] : options.presets) {
     if (!device.Preset(name, text, &error)) {

@@ -1,5 +1,6 @@
 #include "session/lidar_model.h"
 
+#include <algorithm>
 #include <exception>
 
 #include "variables/feature_config.h"
@@ -30,7 +31,7 @@ std::shared_ptr<LidarModel> LoadLidarModel(const std::string& table_path) {
   model->connect_type = traits.connect;
   model->family = traits.family;
   try {
-    model->table->ExtractConfigInfo(table_path);
+    model->table = std::make_shared<ConfigParser>(LoadTable(table_path));
   } catch (const std::exception& e) {
     model->faults.push_back(table_path + ": " + e.what());
   }

@@ -19,7 +19,7 @@ struct LidarModel {
   SerialFamily family = SerialFamily::kNone;
   bool host_port_enabled = false;
   kavel::lidar::StaleInput stale_input = kavel::lidar::StaleInput::kAlways;
-  const std::shared_ptr<ConfigParser> table = std::make_shared<ConfigParser>();
+  std::shared_ptr<ConfigParser> table = std::make_shared<ConfigParser>();
   PageModel pages;
   /// What is wrong with the tables, one sentence each.
   std::vector<std::string> faults;

@@ -32,9 +32,7 @@ class TableFile {
 
 /// The rows under the usual header, loaded.
 inline std::shared_ptr<ConfigParser> LoadRows(const std::string& rows) {
-  auto table = std::make_shared<ConfigParser>();
-  table->ExtractConfigInfo(TableFile(kTableHeader + rows).path());
-  return table;
+  return std::make_shared<ConfigParser>(LoadTable(TableFile(kTableHeader + rows).path()));
 }
 
 inline const VarInfo& FindVar(const ConfigParser& table, const std::string& name) {
