@@ -8,34 +8,36 @@
 
 namespace {
 
-TEST(CommandCode, ShortTextsAreCodesAndLongOnesTravelAsBytes) {
-  const std::pair<const char*, uint8_t> codes[] = {
-      {"0x21", 0x21}, {"33", 33}, {"033", 27}, {"300", 300 - 256}, {"0x5A0102", 0xFF}};
-  for (const auto& [text, code] : codes) {
-    EXPECT_EQ(WireCommandOf(text).code, code) << text;
+// What goes out: the code and the payload. Or the words of the refusal.
+std::pair<Bytes, std::string> Travels(const std::string& text) {
+  try {
+    const WireCommand command = WireCommandOf(text, {7});
+    return {Bytes{command.code} + command.payload, ""};
+  } catch (const std::logic_error& error) {
+    return {{}, error.what()};
   }
-  EXPECT_EQ(WireCommandOf("0x21").payload, Bytes());
-  EXPECT_EQ(WireCommandOf("0x5a0102").payload, (Bytes{0x5A, 0x01, 0x02}));
-  EXPECT_EQ(WireCommandOf("12345", {7}).payload, (Bytes{0x12, 0x34, 0x05, 7}));
-  EXPECT_TRUE(IsCommand("34", 0x22) && IsCommand("0X22", 0x22));
-  EXPECT_FALSE(IsCommand("0x000022", 0x22) || IsCommand("x", 0) || IsCommand("", 0));
 }
 
-TEST(CommandCode, RefusesWithFixedWords) {
-  const std::pair<const char*, const char*> refused[] = {
-      {"", "invalid stoi argument"},
-      {"x", "invalid stoi argument"},
-      {"0x5A01G2", "invalid stoi argument"},
-      {"0x80000000", "stoi argument out of range"},
+TEST(CommandCode, ShortTextsAreCodesAndLongOnesTravelAsBytes) {
+  const std::tuple<const char*, Bytes, const char*> cases[] = {
+      {"0x21", {0x21, 7}, ""},
+      {"33", {33, 7}, ""},
+      {"033", {27, 7}, ""},
+      {"300", {300 - 256, 7}, ""},
+      {"0x5a0102", {0xFF, 0x5A, 0x01, 0x02, 7}, ""},
+      {"12345", {0xFF, 0x12, 0x34, 0x05, 7}, ""},
+      {"", {}, "invalid stoi argument"},
+      {"x", {}, "invalid stoi argument"},
+      {"0x5A01G2", {}, "invalid stoi argument"},
+      {"0x80000000", {}, "stoi argument out of range"},
   };
-  for (const auto& [text, message] : refused) {
-    try {
-      WireCommandOf(text);
-      ADD_FAILURE() << text;
-    } catch (const std::logic_error& error) {
-      EXPECT_STREQ(error.what(), message) << text;
-    }
+  for (const auto& [text, bytes, refusal] : cases) {
+    EXPECT_EQ(Travels(text), std::pair(bytes, std::string(refusal))) << text;
   }
+  EXPECT_TRUE(IsCommand("34", 0x22) && IsCommand("0X22", 0x22));
+  EXPECT_FALSE(IsCommand("0x000022", 0x22) || IsCommand("x", 0) || IsCommand("", 0));
+  EXPECT_EQ(CommandKey("34"), CommandKey("0X22"));
+  EXPECT_NE(CommandKey("x"), CommandKey("120"));
 }
 
 }  // namespace

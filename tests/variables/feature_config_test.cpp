@@ -27,12 +27,9 @@ TEST(FeatureConfig, SwitchesOnWhatTheRowOfTheModelSays) {
   EXPECT_EQ(features(file.path(), "Kiva"), std::pair(false, StaleInput::kAlways));
   EXPECT_EQ(features(file.path(), "orca"), std::pair(false, StaleInput::kAlways));
   EXPECT_EQ(features("missing.csv", "Orca"), std::pair(false, StaleInput::kAlways));
-}
-
-TEST(FeatureConfig, AMissingColumnStopsTheLookup) {
-  const TableFile file("Model,Other\nOrca,1\n");
-  EXPECT_THROW(IsHostPortUiEnabled(file.path(), "Orca"), std::runtime_error);
-  EXPECT_EQ(StaleInputFor(file.path(), "Orca"), StaleInput::kAlways);
+  const TableFile narrow("Model,Other\nOrca,1\n");
+  EXPECT_THROW(IsHostPortUiEnabled(narrow.path(), "Orca"), std::runtime_error);
+  EXPECT_EQ(StaleInputFor(narrow.path(), "Orca"), StaleInput::kAlways);
 }
 
 TEST(ModelList, ListsTheTablesAndNothingElse) {

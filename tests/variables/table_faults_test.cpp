@@ -11,45 +11,37 @@ class TableFaults : public TableTest {
   }
 };
 
-TEST_F(TableFaults, ARowWithoutIdIsLeftOut) {
-  Load(",1,0x01,,,First,0,uint8\n1,,0x01,,,Second,0,uint8\n1,1,0x01,,,Third,0,uint8\n");
-  const std::string warning =
-      "ConfigParser::ExtractConfigInfo(): WARNING: something with config file - Some var lacks "
-      "\"GroupID\" or \"Index\"\n"
-      "---Detailed Infomation: file path = " +
-      file_->path() + ", var name = ";
-  EXPECT_EQ(output_, warning + "First\n" + warning + "Second\n");
-  ASSERT_EQ(parser_.Faults().size(), 2U);
-  EXPECT_EQ(parser_.Faults()[1].line, 3U);
-  EXPECT_EQ(Var("Third").get_start_pos, 2) << "the places of the others count";
-}
-
-TEST_F(TableFaults, TheLaterOfTwoRowsWithOneIdWins) {
-  Load(
-      "1,1,0x01,0x02,1,First,1,uint32\n1,2,0x01,0x02,2,Other,1,uint8\n"
-      "1,1,0x01,0x02,3,Later,1,uint16\n");
-  EXPECT_EQ(output_,
-            "ConfigParser::ExtractConfigInfo(): ERROR with config file. There are vars with the "
-            "same var_id. Some of them will be overwritten\n"
-            "ConfigParser::ExtractConfigInfo(): --- Details: file path = " +
-                file_->path() + ", var_id =1-1, var_name = Later\n");
-  EXPECT_EQ(OnlyFault(),
-            ", line 4: GroupID and Index 1-1 are those of line 2, which this row replaces");
-  EXPECT_EQ(parser_.Find("1-1"), &Var("Later"));
-  EXPECT_EQ(parser_.FindByName("First"), nullptr);
-  EXPECT_EQ(Var("Later").get_start_pos, 1) << "the replaced row takes no room either";
-  EXPECT_EQ(parser_.WrittenBy("0x02").size(), 2U);
-}
-
-TEST_F(TableFaults, ANameThatIsTakenGetsTheSetCommand) {
-  Load(
-      "1,1,0x01,0x02,1,Speed,1,uint8\n1,2,0x03,0x04,1,Speed,1,uint8\n"
-      "1,3,0x03,0x04,2,Speed,1,uint8\n");
-  EXPECT_EQ(output_,
-            "ConfigParser::ExtractConfigInfoSpeed_0x04 is used in other cmd\n"
-            "ConfigParser::ExtractConfigInfoSpeed_0x04_1-3 is used in other cmd\n");
-  EXPECT_EQ(parser_.Find("1-1"), &Var("Speed"));
-  EXPECT_EQ(parser_.Find("1-2"), &Var("Speed_0x04"));
+TEST_F(TableFaults, RowsThatShareOrLackANameAreTold) {
+  const std::string cases[][3] = {
+      {"1,,0x01,,,Lost,0,uint8\n",
+       "(): WARNING: something with config file - Some var lacks \"GroupID\" or \"Index\"\n"
+       "---Detailed Infomation: file path = PATH, var name = Lost\n",
+       ", line 3: GroupID or Index is empty; the row is left out"},
+      {"1,2,0x07,0x08,1,\"B\"x,0,uint8\n", "(): error with csv_reader_, loc = PATH:3\n",
+       ", line 3: a quotation mark stands where none may be; quote the whole cell and double the "
+       "quotation marks inside"},
+      {"1,1,0x01,0x02,3,Later,1,uint16\n",
+       "(): ERROR with config file. There are vars with the same var_id. Some of them will be "
+       "overwritten\nConfigParser::ExtractConfigInfo(): --- Details: file path = PATH, var_id "
+       "=1-1, "
+       "var_name = Later\n",
+       ", line 3: GroupID and Index 1-1 are those of line 2, which this row replaces"},
+      {"1,2,0x03,0x04,1,First,1,uint8\n", "First_0x04 is used in other cmd\n",
+       ", line 3: VarName \"First\" is taken by an earlier row; this one is shown as "
+       "\"First_0x04\""},
+  };
+  for (const auto& [row, printed, fault] : cases) {
+    Load("1,1,0x01,0x02,1,First,1,uint32\n" + row + "1,9,0x01,0x02,4,Last,1,uint8\n");
+    if (const size_t path = output_.find(file_->path()); path != std::string::npos) {
+      output_.replace(path, file_->path().size(), "PATH");
+    }
+    EXPECT_EQ(output_, "ConfigParser::ExtractConfigInfo" + printed);
+    EXPECT_EQ(OnlyFault(), fault);
+    const bool is_replaced = parser_.FindByName("Later") != nullptr;
+    EXPECT_EQ(parser_.Find("1-1"), &Var(is_replaced ? "Later" : "First"));
+    EXPECT_EQ(parser_.FindByName("First") == nullptr, is_replaced);
+    EXPECT_EQ(Var("Last").set_start_pos, is_replaced ? 2 : 4) << "a replaced row takes no room";
+  }
 }
 
 TEST_F(TableFaults, NamesTheRowAndTheReason) {
@@ -126,10 +118,6 @@ TEST_F(TableFaults, RowsBeyondTheBoundAreLeftOut) {
 
 TEST_F(TableFaults, WhatTheReaderRefusesIsNamedWithItsPlace) {
   const std::string error = "ConfigParser::ExtractConfigInfo(): error with csv_reader_, loc = ";
-  Load("1,1,0x01,,,A,0,uint8\n1,2,0x01,,,\"B,0,uint8\n1,3,0x01,,,C,0,uint8\n");
-  EXPECT_EQ(output_, error + file_->path() + ":3\n");
-  EXPECT_NE(parser_.FindByName("C"), nullptr);
-
   LoadFile("\"GroupID\"x,Index\n1,1\n");
   EXPECT_EQ(output_, error + file_->path() + ":1\n");
   EXPECT_EQ(OnlyFault().rfind(", line 1: a quotation mark ", 0), 0U);

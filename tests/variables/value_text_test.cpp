@@ -2,7 +2,10 @@
 
 #include <gtest/gtest.h>
 
+#include "support/german_locale.h"
 #include "value_cases.h"
+#include "variables/number_text.h"
+#include "variables/str_parser.h"
 
 namespace {
 
@@ -42,6 +45,20 @@ TEST(ValueText, SaysWhyAValueHasNoText) {
     EXPECT_EQ(Decode({type, "", {1}}).rfind("fault: ", 0), 0U) << type;
   }
   EXPECT_EQ(Decode({"DT", "", Bytes(9)}).rfind("fault: ", 0), 0U);
+}
+
+TEST(ValueText, KeepsItsPointWhereNumbersHaveCommas) {
+  const GermanLocale locale;
+  if (!locale.works()) {
+    GTEST_SKIP() << "no German locale, and no localedef to make one";
+  }
+  for (const ValueCase& value : kValueCases) {
+    EXPECT_EQ(Decode(value), value.text) << value.type;
+  }
+  EXPECT_EQ(CreateStrParser("int16")->Parse("2.5", 0.1F), (Bytes{0x00, 0x19}));
+  EXPECT_EQ(CreateStrParser("double")->Parse("0.5", 1.0F), (Bytes{0x3F, 0xE0, 0, 0, 0, 0, 0, 0}));
+  EXPECT_THROW(CreateStrParser("float32")->Parse("0,5", 1.0F), std::invalid_argument);
+  EXPECT_EQ(DecimalNumber("0.25"), 0.25F);
 }
 
 }  // namespace
