@@ -102,42 +102,54 @@ TEST(AuthorizedCmxClient, EveryProtectedCommandGetsItsOwnHandshake) {
   const std::vector<Sent> expected = {{0xDF, {}}, {0x66, {}},      {0xE0, kAnswer}, {0x21, {5}},
                                       {0x66, {}}, {0xE0, kAnswer}, {0x21, {6}}};
   EXPECT_EQ(bench.device->sent, expected);
-}
 
-TEST(AuthorizedCmxClient, OtherCommandsPassWithoutHandshake) {
   Bench off({{0, {}}}, AuthConfig());
   EXPECT_EQ(off.ProbeAndSend(0x21), 0);
   EXPECT_EQ(off.device->sent, (std::vector<Sent>{{0x21, {5}}}));
-
-  Bench unprotected({kRequired, kFailed});
-  EXPECT_EQ(unprotected.ProbeAndSend(0x20), -1);
-  EXPECT_EQ(unprotected.device->sent, (std::vector<Sent>{{0xDF, {}}, {0x20, {5}}}));
-  EXPECT_EQ(unprotected.error, kavel::lidar::kNoReply) << "the device's own reason, no refusal";
 }
 
-TEST(AuthorizedCmxClient, AFailedStepRefusesTheCommandAndSaysWhich) {
-  struct Case {
+TEST(AuthorizedCmxClient, TheLastStepDecidesAndIsNamed) {
+  const Bytes zeros_behind_a_counter = Bytes{0, 0, 0, 42} + Bytes(16);
+  const struct {
     std::deque<ScriptedSender::Reply> replies;
     bool prefix;
-    Bytes answer;
-    const char* line;
+    Bytes answer, sent;
+    const char* line;  ///< why the command was refused; null when it was sent
+  } cases[] = {
+      {{kFailed}, false, kAnswer, {0x66}, "AUTH: challenge failed"},
+      {{{0, Bytes(15, 1)}},
+       false,
+       kAnswer,
+       {0x66},
+       "AUTH: challenge payload too short for 16-byte random"},
+      {{{0, Bytes(19, 1)}},
+       true,
+       kAnswer,
+       {0x66},
+       "AUTH: challenge payload too short for 16-byte random"},
+      {{{0, kRandom}}, false, {}, {0x66}, "AUTH: algorithm compute failed"},
+      {{{0, kRandom}, kFailed}, false, kAnswer, {0x66, 0xE0}, "AUTH: response rejected"},
+      // Zeros waive the response.
+      {{{0, zeros_behind_a_counter}, kFailed}, true, kAnswer, {0x66, 0x21}, nullptr},
   };
-  const char* const too_short = "AUTH: challenge payload too short for 16-byte random";
-  const Case cases[] = {
-      {{kFailed}, false, kAnswer, "AUTH: challenge failed"},
-      {{{0, Bytes(15, 1)}}, false, kAnswer, too_short},
-      {{{0, Bytes(19, 1)}}, true, kAnswer, too_short},
-      {{{0, kRandom}}, false, {}, "AUTH: algorithm compute failed"},
-      {{{0, kRandom}, kFailed}, false, kAnswer, "AUTH: response rejected"},
-  };
-  for (const Case& c : cases) {
+  for (const auto& c : cases) {
     Bench bench(c.replies, TwoByteConfig(), c.prefix, std::make_unique<FixedAnswer>(c.answer));
     bench.device->replies.push_front({0, c.prefix ? Bytes{0, 0, 0, 0, 0, 1} : Bytes{0, 1}});
     EXPECT_EQ(bench.ProbeAndSend(0x21), -1);
-    EXPECT_EQ(bench.error, kavel::lidar::kAuthRefused);
-    EXPECT_EQ(bench.log->lines, (Lines{"AUTH: probe value=1 required=true", c.line,
-                                       "AUTH: handshake failed for protected cmd"}));
-    EXPECT_NE(bench.device->sent.back().cmd, 0x21) << c.line;
+    Bytes sent;
+    for (const Sent& each : bench.device->sent) {
+      sent.push_back(each.cmd);
+    }
+    EXPECT_EQ(sent, Bytes{0xDF} + c.sent);
+    Lines lines = {"AUTH: probe value=1 required=true"};
+    if (c.line == nullptr) {
+      EXPECT_EQ(bench.error, kavel::lidar::kNoReply) << "the device's own reason, no refusal";
+      lines.emplace_back("AUTH: random all-zero, still valid, skip algorithm");
+    } else {
+      EXPECT_EQ(bench.error, kavel::lidar::kAuthRefused) << c.line;
+      lines.insert(lines.end(), {c.line, "AUTH: handshake failed for protected cmd"});
+    }
+    EXPECT_EQ(bench.log->lines, lines);
   }
 
   Bench no_algorithm({}, TwoByteConfig(), false, nullptr);
@@ -146,15 +158,6 @@ TEST(AuthorizedCmxClient, AFailedStepRefusesTheCommandAndSaysWhich) {
   EXPECT_EQ(no_algorithm.log->lines,
             (Lines{"AUTH: algorithm unavailable, conservatively require auth",
                    "AUTH: unavailable, reject protected cmd"}));
-}
-
-TEST(AuthorizedCmxClient, AChallengeOfZerosWaivesTheResponse) {
-  Bytes challenge(20, 0);
-  challenge[3] = 42;  // the counter is no part of the challenge
-  Bench bench({{0, {0, 0, 0, 7, 0, 1}}, {0, challenge}, {0, {}}}, TwoByteConfig(), true);
-  EXPECT_EQ(bench.ProbeAndSend(0x21), 0);
-  EXPECT_EQ(bench.device->sent, (std::vector<Sent>{{0xDF, {}}, {0x66, {}}, {0x21, {5}}}));
-  EXPECT_EQ(bench.log->lines.back(), "AUTH: random all-zero, still valid, skip algorithm");
 }
 
 /// Says yes to everything and hands out the challenge; notes any command between a response and its

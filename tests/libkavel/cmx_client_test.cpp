@@ -197,28 +197,5 @@ TEST(CmxClientSharing, NobodyIsKeptOutByAThreadThatComesAgainAndAgain) {
   EXPECT_LE(fewest, 1);
 }
 
-TEST(CmxClientTrouble, ALidarThatDripsAndThenVanishes) {
-  SocketPeer peer([](TcpEnd& connection) {
-    connection.Read(8);
-    connection.Send({0, 0, 0x47, 0x74, 7, 0, 0, 0, 0, 5});
-    connection.Drip({1, 2, 3, 4, 5});
-    connection.Read(8);
-    connection.Send({0x47, 0x74, 7, 0, 0, 0, 0, 5, 1, 2});
-    connection.Reset();
-  });
-  const auto client = Client(peer.port());
-  ASSERT_TRUE(client->WaitUntilConnected());
-  Bytes result;
-  int32_t error = 0;
-  EXPECT_EQ(client->QueryCommand({}, result, 7, false), 0);
-  EXPECT_EQ(result, (Bytes{1, 2, 3, 4, 5}));
-  EXPECT_EQ(client->QueryCommand({}, result, 7, false, &error), -1);
-  EXPECT_EQ(error, kReplyBrokeOff);
-  EXPECT_TRUE(WaitFor([&] {
-    client->QueryCommand({}, result, 7, false, &error);
-    return error == kSendIncomplete;
-  })) << "sending into the broken connection neither ends the program nor goes unnoticed";
-}
-
 }  // namespace
 }  // namespace kavel::lidar

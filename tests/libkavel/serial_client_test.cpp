@@ -105,20 +105,6 @@ TEST(SerialCmxTransport, CarriesAClientsCommandsOfAnyLengthOverALineThatEchoes) 
   EXPECT_TRUE(sink->lines.empty());
 }
 
-TEST(SerialCmxTransport, ALateLongAnswerIsPassedOver) {
-  Bytes owed;
-  SerialDevice device([&owed](const Bytes& frame) {
-    Bytes answers = owed.empty() ? Bytes() : owed + Answer(frame);
-    owed = Answer(frame);
-    return answers;
-  });
-  Line line(device.path(), 300);
-  Bytes result;
-  EXPECT_EQ(line.cmx.QueryCommand(Bytes(300, 1), result, 0x40, false), -1);
-  EXPECT_EQ(line.cmx.QueryCommand(Bytes(300, 2), result, 0x40, false), 0);
-  EXPECT_EQ(result, Bytes(300, 2));
-}
-
 TEST(SerialClient, NamesEveryFailure) {
   Bytes inner = {0x99};
   SerialClient nothing(nullptr, nullptr);

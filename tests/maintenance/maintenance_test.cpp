@@ -138,7 +138,7 @@ Bytes Text(std::string text, std::size_t size) {
 TEST_F(MaintenanceTest, FactsAreShownUnderTheNamesOfTheModel) {
   lidar_.replies = {{0, Text("Kiva2600059", 32)},
                     {0, Text("Kiva\tD32", 32)},
-                    {0, Text("1.4.2" + std::string(11, '\0') + "A7" + std::string(14, '\0'), 48)},
+                    {0, Text("1.4.2", 16) + Text("A7", 16) + Text("B2", 16)},
                     {0, Text("0.9", 16)},
                     {0, {2, 0x04, 0xB0, 1, 3, 2, 0, 0, 0x0E, 0x11}},
                     {0, {2, 1, 0, 0, 0, 4, 2, 0x01, 0x2F}}};
@@ -156,7 +156,7 @@ TEST_F(MaintenanceTest, FactsAreShownUnderTheNamesOfTheModel) {
             "Up Time|up_time|1:00:01|3601\n");
   EXPECT_EQ(Shown(VersionList(facts, TraitsOf("Kiva-CMX").family)),
             "Firmware Version|firmware|1.4.2|1.4.2\nPBL Version|pbl|0.9|0.9\n"
-            "BMB FPGA Version|fpga_bottom|A7|A7\nTMB FPGA Version|fpga_top||\n");
+            "BMB FPGA Version|fpga_bottom|A7|A7\nTMB FPGA Version|fpga_top|B2|B2\n");
   EXPECT_EQ(Shown(VersionList({}, TraitsOf("Lumo").family)),
             "Firmware Version|firmware|xxxxxxxx|\nPBL Version|pbl|xxxxxxxx|\n"
             "Junction Box Version|junction_box|xxxxxxxx|\n");

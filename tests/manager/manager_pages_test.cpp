@@ -10,29 +10,6 @@ constexpr char kAllSet[] =
 
 class ManagerPagesTest : public ManagerFixture {};
 
-TEST_F(ManagerPagesTest, WritesWhatTheUserChangedAndShowsWhatTheLidarHolds) {
-  const VirtualLidarProcess lidar;
-  ASSERT_TRUE(ConnectTo(lidar));
-  OpenPage("Scan");
-  QSignalSpy out_of_range(manager_.get(), &TevronManager::someVarOutOfRange);
-  Edit("Minimum Distance", "9999");
-  EXPECT_FALSE(manager_->CheckModuleVarsWithinRange(Find("Minimum Distance").level1));
-  ASSERT_EQ(1, out_of_range.count());
-  EXPECT_EQ("Minimum Distance", out_of_range[0][0].toString());
-  Edit("Minimum Distance", "45");
-  Edit("Range Offset", "-2.5");
-  EXPECT_EQ(1, manager_->getSetMapSize());
-  EXPECT_TRUE(manager_->CheckModuleVarsWithinRange(Find("Range Offset").level1));
-
-  Save("Scan");
-  EXPECT_TRUE(TakeErrors().isEmpty());
-  EXPECT_EQ(kAllSet, successes_.last());
-  EXPECT_EQ("45", lidar.Variable("Minimum Distance")["text"].toString());
-  EXPECT_EQ("fff6", lidar.Variable("Range Offset")["hex"].toString().remove(' '));
-  EXPECT_EQ("-2.50", Text("Range Offset"));
-  EXPECT_FALSE(Edited("Minimum Distance"));
-}
-
 TEST_F(ManagerPagesTest, NetworkSettingsSucceedAlthoughTheLinkDrops) {
   const VirtualLidarProcess lidar;
   ASSERT_TRUE(ConnectTo(lidar));

@@ -63,17 +63,6 @@ TEST(Process, OutlivesTheReaderOfItsLog) {
   EXPECT_EQ(lidar.exitStatus(), QProcess::NormalExit);
 }
 
-TEST(Process, AnswersWhereItsModelDoes) {
-  for (const auto& [model, line] : {std::pair{"Lumo", "serial port 232 /dev/"},
-                                    {"Lumo-CMX", "serial port /dev/"},
-                                    {"Kiva-CMX", "serial port /dev/"}}) {
-    Program program({"--model", model});
-    EXPECT_TRUE(program.Prints(line)) << program.Output().toStdString();
-    program.Signal(SIGTERM);
-    EXPECT_EQ(program.ExitCode(), 0);
-  }
-}
-
 TEST(Process, RefusesACommandLineThatMakesNoSense) {
   const std::pair<QStringList, const char*> cases[] = {
       {{"--fault", "dorp"}, "there is no fault named \"dorp\""},
