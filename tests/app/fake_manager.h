@@ -18,10 +18,11 @@ class FakeManager : public QObject {
   Q_PROPERTY(bool IsUpgrading MEMBER upgrading NOTIFY isUpgradingChanged)
   Q_PROPERTY(bool IsDownloadLog MEMBER downloading NOTIFY isDownloadLogChanged)
   Q_PROPERTY(int connectType MEMBER connect_type NOTIFY connectTypeChanged)
-  // What the methods below answer.
+  // What the methods below answer, and the angles that a reading brings.
   Q_PROPERTY(QString pn MEMBER pn NOTIFY noted)
   Q_PROPERTY(QString sn MEMBER sn NOTIFY noted)
   Q_PROPERTY(bool alive MEMBER alive NOTIFY noted)
+  Q_PROPERTY(QVariantList heldAngles MEMBER held_angles NOTIFY noted)
 
  public:
   using QObject::QObject;
@@ -30,14 +31,22 @@ class FakeManager : public QObject {
   Q_INVOKABLE void Stop() { Note({"Stop"}); }
   Q_INVOKABLE bool CheckLidarConnection() { return Note({"CheckLidarConnection"}) && alive; }
   Q_INVOKABLE bool GetIsConnectingLidar() { return false; }
-  Q_INVOKABLE void GetLidarModuleInfo(int module) { Note({"GetLidarModuleInfo", module}); }
+  Q_INVOKABLE void GetLidarModuleInfo(int module) {
+    Note({"GetLidarModuleInfo", module});
+    fov = held_angles;
+    emit fovConfigChanged();
+    emit myMapChanged();
+  }
   Q_INVOKABLE void Run(int module) { Note({"Run", module}); }
   Q_INVOKABLE void SetText(int type, int level1, int level2, int level3, const QString& text) {
     ++pending;
     Note({"SetText", type, level1, level2, level3, text});
   }
   Q_INVOKABLE void SetMultiFovConfig(int index, const QString& text) {
+    ++pending;
+    fov[index] = text;
     Note({"SetMultiFovConfig", index, text});
+    emit fovConfigChanged();
   }
   Q_INVOKABLE int getSetMapSize() { return pending; }
   Q_INVOKABLE bool CheckModuleVarsWithinRange(int module) {
@@ -81,5 +90,6 @@ class FakeManager : public QObject {
   QString pn;
   QString sn;
   bool alive = true;
+  QVariantList held_angles;
   int pending = 0;
 };

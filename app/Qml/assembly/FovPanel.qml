@@ -7,25 +7,7 @@ FocusScope {
     id: panel
 
     property var row
-    readonly property var manager: row.manager
-    // Which of the ten were changed here and are not saved yet.
-    property var editedFields: []
-
-    function problemWith(text) {
-        const value = Number(text);
-        return text.trim().length > 0 && value >= 0 && value <= 360 ? "" : qsTr("0 to 360 degrees");
-    }
-
-    // Values were read again. That ends the edits, unless some are still waiting to be written; what
-    // is being typed right now stays in any case.
-    function show() {
-        if (manager.getSetMapSize() === 0)
-            editedFields = [];
-        for (let i = 0; i < fields.count; ++i) {
-            if (!fields.itemAt(i).typing)
-                fields.itemAt(i).revert();
-        }
-    }
+    readonly property var edits: row.fovEdits
 
     function commit() {
         for (let i = 0; i < fields.count; ++i) {
@@ -35,28 +17,29 @@ FocusScope {
         }
     }
 
+    // Hands over what was typed; the field shows what came of it. A refused text stays like one that
+    // is being typed, and is not handed over again when the keyboard leaves.
     function handOver(field) {
-        field.typing = false;
-        field.handedOver = field.text;
-        edit(field.index, field.text);
-    }
-
-    function edit(index, text) {
-        editedFields = editedFields.concat([index]);
-        manager.SetMultiFovConfig(index, text);
+        const refused = edits.problemWith(field.text) !== "";
+        const again = refused && field.text === field.refusedText;
+        // The message takes the keyboard away, so this comes first.
+        field.refusedText = refused ? field.text : "";
+        field.typing = refused;
+        if (!again)
+            edits.set(field.index, field.text);
+        if (!refused)
+            field.revert();
         row.edited();
     }
 
-    function keepAngles(angles) {
-        angles.forEach((angle, i) => {
-            if (angle !== manager.FovList[i])
-                edit(i, angle);
-        });
-    }
-
     Connections {
-        target: panel.manager
-        function onMyMapChanged() { panel.show(); }
+        target: panel.edits
+        function onCancelled() {
+            for (let i = 0; i < fields.count; ++i) {
+                fields.itemAt(i).typing = false;
+                fields.itemAt(i).revert();
+            }
+        }
     }
 
     implicitHeight: note.visible ? note.y + note.height : grid.implicitHeight
@@ -85,26 +68,23 @@ FocusScope {
 
             DefaultTextField {
                 required property int index
-                // What was handed over last: a refused text stays in the field, and is not handed
-                // over again when the keyboard leaves.
-                property string handedOver: ""
-
-                readonly property bool changed: panel.editedFields.indexOf(index) >= 0
+                property string refusedText: ""
+                readonly property bool changed: panel.edits.angles[index] !== undefined
 
                 objectName: "fov_" + index
                 width: Theme.fieldWidth / 2
                 focus: index === 0
-                value: panel.manager.FovList[index]
+                value: panel.row.manager.FovList[index]
                 placeholderText: Theme.unreadText
                 stale: panel.row.stale && !changed
                 pending: changed || (typing && text !== value)
-                problem: pending ? panel.problemWith(text) : ""
+                problem: pending ? panel.edits.problemWith(text) : ""
                 unit: "°"
                 hint: qsTr("Angle %1 of pair %2, 0 to 360 degrees").arg(index % 2 + 1)
                                                                    .arg(Math.floor(index / 2) + 1)
                 label: qsTr("Field-of-view angle %1").arg(index + 1)
-                onCommitted: if (text !== handedOver) panel.handOver(this)
-                onTextEdited: handedOver = ""
+                onCommitted: panel.handOver(this)
+                onTextEdited: refusedText = ""
             }
         }
     }

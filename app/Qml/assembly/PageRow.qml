@@ -18,6 +18,8 @@ FocusScope {
     readonly property string fovCommand: "0x22"
 
     property var manager
+    // The page's FovEdits.
+    property var fovEdits
     required property string caption
     required property int kind
     required property int level1
@@ -83,11 +85,6 @@ FocusScope {
     function commit() {
         if (loader.item && loader.item.commit)
             loader.item.commit();
-    }
-
-    // Hands over again the angles that the lidar does not hold.
-    function keepAngles(angles) {
-        loader.item.keepAngles(angles);
     }
 
     function editorFile() {

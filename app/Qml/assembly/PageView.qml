@@ -50,6 +50,7 @@ FocusScope {
     function cancel() {
         page.forceActiveFocus();
         manager.GetLidarModuleInfo(tab);
+        fov.cancelled();
         takeValues();
     }
 
@@ -84,12 +85,19 @@ FocusScope {
         }
     }
 
+    FovEdits {
+        id: fov
+
+        manager: page.manager
+    }
+
     SaveControl {
         id: saving
 
         manager: page.manager
         tab: page.tab
         pageRows: rows
+        fovEdits: fov
         onRefused: page.refused(reason)
         onConfirmationWanted: page.confirmationWanted(names)
         onReread: page.takeValues()
@@ -129,12 +137,11 @@ FocusScope {
         T.ScrollBar.vertical: DefaultScrollBar {}
 
         delegate: PageRow {
-            id: row
-
             required property int index
 
             width: list.width
             manager: page.manager
+            fovEdits: fov
             onEntered: {
                 list.currentIndex = index;
                 list.positionViewAtIndex(index, ListView.Contain);
@@ -142,12 +149,6 @@ FocusScope {
             onEdited: {
                 rows.TakeRow(index);
                 page.countPending();
-            }
-
-            Connections {
-                target: saving
-                enabled: row.isFov
-                function onReread(angles) { row.keepAngles(angles); }
             }
         }
     }

@@ -5,19 +5,21 @@ import QtQuick 2.15
 // manager   the object that checks, writes and reads pages
 // tab       the page
 // pageRows  its rows, a PageRows
+// fovEdits  its edited angles, a FovEdits
 // refused(reason)            there is nothing to write, or nowhere to write it
 // confirmationWanted(names)  values are out of their range: answered by write() or nothing
-// reread(angles)             the page was read again after a writing with these field-of-view angles
+// reread()                   the page was read again after a writing
 Item {
     id: saving
 
     property var manager
     property int tab: 0
     property var pageRows
+    property var fovEdits
 
     signal refused(string reason)
     signal confirmationWanted(var names)
-    signal reread(var angles)
+    signal reread()
 
     function save() {
         if (!manager.IsConnected) {
@@ -44,10 +46,11 @@ Item {
         manager.Run(tab);
         pageRows.TakeAll();
         const untaken = pageRows.Edits();
-        const angles = manager.FovList;
+        const angles = fovEdits.angles;
         manager.GetLidarModuleInfo(tab);
         untaken.forEach(edit => manager.SetText(1, edit.level1, edit.level2, edit.level3, edit.text));
-        reread(angles);
+        fovEdits.restore(angles);
+        reread();
     }
 
     Connections {

@@ -70,7 +70,7 @@ TestCase {
             keyClick(letter);
     }
 
-    function test_every_kind_has_its_editor() {
+    function test_every_kind_has_its_editor_and_no_text_is_cut_off() {
         compare(editor("field_0_0_0").text, "10");
         compare(editor("field_0_0_2").enabled, false);
         compare(editor("switch_0_0_3").checked, true);
@@ -80,13 +80,16 @@ TestCase {
         compare(editor("fov_3").text, "3");
         compare(editor("pageRows").count, 8);
         compare(editor("pageRows").itemAtIndex(5).height, 80);
+        const isText = item => item.visible && item.text && item.truncated !== undefined;
+        const texts = items(page, isText);
+        verify(texts.length > 10);
+        for (const text of texts)
+            verify(!text.truncated, "cut off: " + text.text);
     }
 
     function items(below, wanted) {
-        let found = wanted(below) ? [below] : [];
-        for (let i = 0; i < below.children.length; ++i)
-            found = found.concat(items(below.children[i], wanted));
-        return found;
+        return Array.from(below.children).reduce((found, child) => found.concat(items(child, wanted)),
+                                                 wanted(below) ? [below] : []);
     }
 
     function test_every_control_has_a_name_and_is_reached_by_tab() {
@@ -102,24 +105,6 @@ TestCase {
             verify(control.Accessible.name.length > 0, control + " has no name");
             verify(reached.indexOf(control) >= 0, control.Accessible.name + " is not reached");
         }
-    }
-
-    function test_no_text_is_cut_off() {
-        const isText = item => item.visible && item.text && item.truncated !== undefined;
-        const texts = items(page, isText);
-        verify(texts.length > 10);
-        for (const text of texts)
-            verify(!text.truncated, "cut off: " + text.text);
-    }
-
-    function test_edits_are_handed_over_on_enter() {
-        type("field_0_0_1", "42");
-        compare(manager.calls.length, 0);
-        keyClick(Qt.Key_Return);
-        compare(manager.calls, [["SetText", 1, 0, 0, 1, "42"]]);
-        verify(page.hasEdits);
-        keyClick(Qt.Key_Tab);
-        compare(manager.calls.length, 1);
     }
 
     function test_a_switch_needs_the_lidar_only_to_go_on_data() {
@@ -176,18 +161,15 @@ TestCase {
         }
     }
 
-    function test_the_periodic_refresh_renews_timed_fields_only() {
+    function test_a_refresh_keeps_rows_and_typing_and_the_periodic_one_renews_timed_fields_only() {
+        const field = editor("field_0_0_0");
         put(0, "current_val", "11");
         put(1, "current_val", "21");
         manager.myTimerMapChanged();
-        compare(editor("field_0_0_0").text, "11");
+        compare(field.text, "11");
         compare(editor("field_0_0_1").text, "20");
         manager.myMapChanged();
         compare(editor("field_0_0_1").text, "21");
-    }
-
-    function test_a_refresh_keeps_rows_and_typing() {
-        const field = editor("field_0_0_0");
         type("field_0_0_0", "4");
         put(0, "current_val", "12");
         manager.myTimerMapChanged();
@@ -212,8 +194,11 @@ TestCase {
         compare(editor("field_0_0_0").text, "4");
         verify(page.hasEdits);
         keyClick(Qt.Key_2);
+        compare(manager.calls, []);
         keyClick(Qt.Key_Return);
+        keyClick(Qt.Key_Tab);
         compare(manager.calls, [["SetText", 1, 0, 0, 0, "42"]]);
+        verify(page.hasEdits);
     }
 
     function test_save_has_its_guards_and_takes_what_is_still_being_typed() {
@@ -229,20 +214,30 @@ TestCase {
                 ["SetText", "CheckModuleVarsWithinRange", "Run", "GetLidarModuleInfo"]);
     }
 
-    function test_what_the_lidar_did_not_take_stays_an_edit() {
-        type("field_0_0_1", "42");
-        keyClick(Qt.Key_Return);
+    function test_what_the_user_edited_stays_an_edit_until_it_is_written_or_cancelled() {
+        const writing = [["Run", 0], ["GetLidarModuleInfo", 0]];
+        for (const held of ["200", ""]) {
+            manager["heldAngles"] = Array(10).fill(held);
+            manager.calls = [];
+            page.write();
+            compare(manager.calls, writing, "angles that nobody edited are no edits");
+        }
+        for (const [name, text] of [["field_0_0_1", "42"], ["fov_7", "5"], ["fov_8", "400"]]) {
+            type(name, text);
+            keyClick(Qt.Key_Return);
+        }
         put(1, "current_val", "42");
         put(1, "edited", true);
         manager.calls = [];
         page.write();
-        compare(manager.calls, [["Run", 0], ["GetLidarModuleInfo", 0],
-                                ["SetText", 1, 0, 0, 1, "42"]]);
-    }
-
-    function test_cancel_reads_the_page_again() {
+        compare(manager.calls, writing.concat([["SetText", 1, 0, 0, 1, "42"],
+                                               ["SetMultiFovConfig", 7, "5"]]));
+        const shown = () => [7, 8].map(i => editor("fov_" + i)).map(it => [it.text, it.pending]);
+        compare(shown(), [["5", true], ["400", true]]);
+        manager.calls = [];
         mouseClick(editor("cancelButton"));
         compare(manager.calls, [["GetLidarModuleInfo", 0]]);
+        compare(shown(), [["", false], ["", false]]);
     }
 
     function test_an_attachment_replaces_save_and_takes_packages_only() {
