@@ -51,6 +51,7 @@ TestCase {
                                ["Tall", 5, 0, 0, 5], ["Unknown", 6, 0, 0, 6],
                                ["Angles", 1, 0, 0, 7]]];
         manager["FovList"] = ["0", "1", "2", "3", "4", "5", "6", "7", "8", "9"];
+        manager["heldAngles"] = manager["FovList"];
         page = createTemporaryObject(pageComponent, test, { "manager": manager });
         tryVerify(() => editor("fov_9") !== null);
         manager.calls = [];
