@@ -58,7 +58,7 @@ CmxExchange::Outcome CmxExchange::Run(uint8_t cmd, const std::vector<uint8_t>& p
   ArmReceiveTimeout(in_force_.recv_ms);
   owed_.Forget();
   DropStaleInput(expect_remains);
-  if (stale_input_ == StaleInput::kAfterTrouble && !owed_.None() && !FenceOff(cmd)) {
+  if (stale_input_ == StaleInput::kAfterTrouble && !owed_.None() && !FenceOff(cmd, payload)) {
     KAVEL_LOG(kWarning, "the lidar does not answer the liveness command that clears the line");
     outcome.error = kNoReply;
     return outcome;
@@ -144,7 +144,7 @@ void CmxExchange::LookThrough(const uint8_t* data, int32_t size) {
 
 // Sends the liveness command ahead and drops what comes up to its answer. True when `cmd` may
 // follow: nothing that arrives from then on can be taken for its answer.
-bool CmxExchange::FenceOff(uint8_t cmd) {
+bool CmxExchange::FenceOff(uint8_t cmd, const std::vector<uint8_t>& payload) {
   const int liveness = liveness_;
   if (liveness == kNoLiveness) {
     return true;
@@ -168,13 +168,14 @@ bool CmxExchange::FenceOff(uint8_t cmd) {
     return true;
   }
   // One of several answers to liveness commands is late, or lost for good. Waiting for it again and
-  // again would never end, and it can only be mistaken for the answer to another one of its kind.
-  return owed_.OnlyLiveness() && cmd != fence;
+  // again would never end, and it can only be mistaken for the answer to another one of its kind,
+  // which says the same.
+  return owed_.OnlyLiveness() && (cmd != fence || payload.empty());
 }
 
 void CmxExchange::Receive(uint8_t cmd, Outcome& outcome) {
   bool has_stray_bytes = false;
-  if (!ReceiveHeader(outcome.header, has_stray_bytes)) {
+  if (!ReceiveHeader(cmd, outcome.header, has_stray_bytes)) {
     outcome.header.clear();
     outcome.error = kNoReply;
     return;
@@ -183,10 +184,11 @@ void CmxExchange::Receive(uint8_t cmd, Outcome& outcome) {
   if (!IsAnswerTo(cmd, outcome.header)) {
     return;
   }
-  owed_.Answered(IsLiveness(cmd));
-  const uint32_t length = ReadBigEndian32(outcome.header.data() + layout_->payload_length_at);
+  const uint32_t length = PayloadLengthIn(outcome.header);
   // The payload of a refusal is left where it is.
-  outcome.accepted = outcome.error == 0 && ReceivePayload(outcome.payload, length);
+  const auto deadline = now_() + milliseconds(in_force_.recv_ms) + TimeForPayload(length);
+  outcome.accepted = outcome.error == 0 && ReceivePayload(outcome.payload, length, deadline);
+  owed_.Answered(IsLiveness(cmd));
   if (outcome.error == 0 && !outcome.accepted) {
     outcome.header.clear();
     outcome.payload.clear();
@@ -197,10 +199,23 @@ void CmxExchange::Receive(uint8_t cmd, Outcome& outcome) {
   }
 }
 
-bool CmxExchange::ReceiveHeader(std::vector<uint8_t>& header, bool& has_stray_bytes) {
-  const std::array<uint8_t, 2> identifier = {layout_->identifier_1, layout_->identifier_2};
+// Receives the next header that may be the answer's.
+bool CmxExchange::ReceiveHeader(uint8_t cmd, std::vector<uint8_t>& header, bool& has_stray_bytes) {
   // Other bytes may come and come: the search ends as if there had been silence.
   const auto deadline = now_() + milliseconds(in_force_.recv_ms);
+  while (FindHeader(deadline, header, has_stray_bytes)) {
+    if (!PassOver(cmd, header, deadline)) {
+      return true;
+    }
+    header.clear();
+    has_stray_bytes = true;
+  }
+  return false;
+}
+
+bool CmxExchange::FindHeader(Clock::time_point deadline, std::vector<uint8_t>& header,
+                             bool& has_stray_bytes) {
+  const std::array<uint8_t, 2> identifier = {layout_->identifier_1, layout_->identifier_2};
   std::array<uint8_t, kMaxCmxHeaderSize> block;
   while (header.size() < layout_->size) {
     const int32_t count = ReceiveBy(deadline, block.data(), layout_->size - header.size());
@@ -218,7 +233,20 @@ bool CmxExchange::ReceiveHeader(std::vector<uint8_t>& header, bool& has_stray_by
   return true;
 }
 
-bool CmxExchange::IsAnswerTo(uint8_t cmd, const std::vector<uint8_t>& header) {
+// An answer to another liveness command says nothing about this command: it comes late, or it is a
+// second copy of the answer to the one that went ahead, which would fail every command otherwise.
+bool CmxExchange::PassOver(uint8_t cmd, const std::vector<uint8_t>& header,
+                           Clock::time_point deadline) {
+  const uint8_t answered = header[layout_->command_at];
+  if (stale_input_ != StaleInput::kAfterTrouble || answered == cmd || !IsLiveness(answered)) {
+    return false;
+  }
+  owed_.LivenessAnswered();
+  std::vector<uint8_t> payload;
+  return ReceivePayload(payload, PayloadLengthIn(header), deadline);
+}
+
+bool CmxExchange::IsAnswerTo(uint8_t cmd, const std::vector<uint8_t>& header) const {
   const unsigned return_code = header[layout_->return_code_at];
   const uint8_t answered = header[layout_->command_at];
   if (answered == cmd && return_code == 0) {
@@ -232,13 +260,15 @@ bool CmxExchange::IsAnswerTo(uint8_t cmd, const std::vector<uint8_t>& header) {
     KAVEL_LOG(kWarning, "CmxClient::QueryCommand,RspCode invalid:%u, return_cmd:%u, cmd:%u",
               return_code, unsigned{answered}, unsigned{cmd});
   }
-  if (answered != cmd && IsLiveness(answered)) {
-    owed_.LivenessAnswered();
-  }
   return answered == cmd;
 }
 
-bool CmxExchange::ReceivePayload(std::vector<uint8_t>& payload, uint32_t length) {
+uint32_t CmxExchange::PayloadLengthIn(const std::vector<uint8_t>& header) const {
+  return ReadBigEndian32(header.data() + layout_->payload_length_at);
+}
+
+bool CmxExchange::ReceivePayload(std::vector<uint8_t>& payload, uint32_t length,
+                                 Clock::time_point deadline) {
   if (length > kLargePayload) {
     KAVEL_LOG(kWarning, "CmxClient::QueryCommand, warning, nPayLoadLen too large:%d",
               static_cast<int>(length));
@@ -246,7 +276,6 @@ bool CmxExchange::ReceivePayload(std::vector<uint8_t>& payload, uint32_t length)
   if (length > kMaxPayload) {
     return false;
   }
-  const auto deadline = now_() + milliseconds(in_force_.recv_ms) + TimeForPayload(length);
   size_t received = 0;
   while (received < length) {
     const size_t step = std::min<size_t>(length - received, kPayloadStep);

@@ -25,7 +25,8 @@ namespace kavel::lidar {
 /// `StaleInput::kAfterTrouble` a liveness command therefore goes ahead of the first command after
 /// an exchange that ended without its answer, with another command's, or amid stray bytes, and what
 /// comes before its answer is dropped. When it gets none within one receive time-out, the command
-/// is not sent and fails with `kNoReply`.
+/// is not sent and fails with `kNoReply`. Further answers to liveness commands are passed over
+/// while another command's is awaited.
 ///
 /// One thread at a time, the two settings excepted, which any thread may change at any time.
 class CmxExchange {
@@ -84,13 +85,16 @@ class CmxExchange {
 
   void DropStaleInput(bool expect_remains);
   void DrainUntilSilent();
-  bool FenceOff(uint8_t cmd);
+  bool FenceOff(uint8_t cmd, const std::vector<uint8_t>& payload);
   void LookThrough(const uint8_t* data, int32_t size);
 
   void Receive(uint8_t cmd, Outcome& outcome);
-  bool ReceiveHeader(std::vector<uint8_t>& header, bool& has_stray_bytes);
-  bool IsAnswerTo(uint8_t cmd, const std::vector<uint8_t>& header);
-  bool ReceivePayload(std::vector<uint8_t>& payload, uint32_t length);
+  bool ReceiveHeader(uint8_t cmd, std::vector<uint8_t>& header, bool& has_stray_bytes);
+  bool FindHeader(Clock::time_point deadline, std::vector<uint8_t>& header, bool& has_stray_bytes);
+  bool PassOver(uint8_t cmd, const std::vector<uint8_t>& header, Clock::time_point deadline);
+  bool IsAnswerTo(uint8_t cmd, const std::vector<uint8_t>& header) const;
+  uint32_t PayloadLengthIn(const std::vector<uint8_t>& header) const;
+  bool ReceivePayload(std::vector<uint8_t>& payload, uint32_t length, Clock::time_point deadline);
   int32_t ReceiveBy(Clock::time_point deadline, uint8_t* buffer, size_t size);
   void ArmReceiveTimeout(uint32_t ms);
 

@@ -27,8 +27,8 @@ enum Fate { kInTime, kLateBy1, kLateBy2, kLateBy3, kTwice, kLost, kCut, kOtherCo
 
 /// Answers each command with its number, and each answer has its fate.
 struct Lidar {
-  Lidar(SimulatedLine& to, std::vector<int> answer_fates)
-      : line(to), fates(std::move(answer_fates)) {
+  Lidar(SimulatedLine& to, std::vector<int> answer_fates, milliseconds copies_come_after)
+      : line(to), fates(std::move(answer_fates)), copy_after(copies_come_after) {
     line.on_sent = [this](const Bytes& frame) { Answer(frame[kCmxHeader1.command_at]); };
   }
 
@@ -43,17 +43,18 @@ struct Lidar {
     if (fate == kCut) {
       frame.resize(10);
     }
-    if (fate == kTwice) {
-      frame = frame + frame;
-    }
     const auto late_by = static_cast<uint32_t>(fate >= kLateBy1 && fate <= kLateBy3 ? fate : 0);
     if (fate != kLost) {
       line.Arrive(milliseconds(1 + late_by * (kTimeoutMs + 60)), frame);
+    }
+    if (fate == kTwice) {
+      line.Arrive(milliseconds(1) + copy_after, frame);
     }
   }
 
   SimulatedLine& line;
   const std::vector<int> fates;
+  const milliseconds copy_after;
   Bytes asked;  ///< the commands in their order
 };
 
@@ -67,9 +68,10 @@ std::vector<int> FatesOf(int order, int count) {
 
 // Runs the commands through one order of fates. Answers to the liveness command all say the same
 // and may stand for one another; every other one must be the command's own.
-void RunThrough(const std::vector<int>& fates, const Bytes& commands, milliseconds pause) {
+void RunThrough(const std::vector<int>& fates, const Bytes& commands, milliseconds pause,
+                milliseconds copy_after = milliseconds(0)) {
   const auto line = std::make_shared<SimulatedLine>();
-  Lidar lidar(*line, fates);
+  Lidar lidar(*line, fates, copy_after);
   CmxExchange exchange(line, 1, {kTimeoutMs, kTimeoutMs}, line->clock());
   exchange.SetStaleInput(StaleInput::kAfterTrouble);
   exchange.SetLivenessCommand(kLiveness);
@@ -97,12 +99,21 @@ TEST(CmxOrder, NoCommandEverGetsTheAnswerToAnother) {
   const Bytes data(9, 0x31);
   const Bytes mixed = {0x31, kLiveness, 0x31, 0x32, 0x31, 0x31, kLiveness, 0x31, 0x31};
   const Bytes checks = {kLiveness, 0x08, 0x31, kLiveness, 0x08, 0x31, 0x31, 0x31, 0x31};
-  for (const Bytes& commands : {data, mixed, checks}) {
+  const Bytes alive(9, kLiveness);
+  for (const Bytes& commands : {data, mixed, checks, alive}) {
     for (int order = 0; order < 2 * orders; ++order) {
       RunThrough(FatesOf(order % orders, kFated), commands, milliseconds(order < orders ? 0 : 700));
       ASSERT_FALSE(HasFatalFailure()) << "order " << order << " of commands starting with "
                                       << int{commands[0]} << ", " << int{commands[1]};
     }
+  }
+}
+
+TEST(CmxOrder, ALidarThatAnswersEverythingTwiceIsUnderstood) {
+  const Bytes commands = {0x31, 0x32, 0x31, 0x31, kLiveness, 0x31, 0x32};
+  for (auto end = commands.begin() + 3; end <= commands.end(); ++end) {
+    RunThrough(std::vector<int>(99, kTwice), {commands.begin(), end}, milliseconds(0),
+               milliseconds(20));
   }
 }
 
