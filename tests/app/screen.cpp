@@ -54,7 +54,7 @@ Screen::Screen(const QString& model) : manager_(true, PrepareScene()) {
   view_.resize(kWindowSize);
   view_.show();
   view_.requestActivate();
-  if (!QTest::qWaitForWindowActive(&view_, kWaitMs)) {
+  if (!QTest::qWaitForWindowActive(&view_, 20000)) {
     throw std::runtime_error("the scene did not become active");
   }
   if (model != QLatin1String("Orca")) {
@@ -128,8 +128,4 @@ QString Screen::LogText() const {
   QMetaObject::invokeMethod(FindObject(QStringLiteral("logFilter")), "ShownText",
                             Q_RETURN_ARG(QString, text));
   return text;
-}
-
-bool Screen::WaitFor(const std::function<bool()>& condition) {
-  return QTest::qWaitFor(condition, kWaitMs);
 }

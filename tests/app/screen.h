@@ -4,8 +4,8 @@
 #include <QQuickItem>
 #include <QQuickView>
 #include <QString>
-#include <functional>
 
+#include "support/qt_wait_for.h"
 #include "support/test_install.h"
 #include "tevron_manager.h"
 
@@ -13,8 +13,6 @@
 /// events. One at a time; the settings file of the test's home is removed first.
 class Screen {
  public:
-  static constexpr int kWaitMs = 20000;
-
   /// Opens the scene with the model `model` chosen, and waits until it is painted and active.
   explicit Screen(const QString& model = QStringLiteral("Orca"));
 
@@ -45,8 +43,6 @@ class Screen {
   bool CloseBox();
   /// Every line that the log window shows.
   QString LogText() const;
-
-  static bool WaitFor(const std::function<bool()>& condition);
 
  private:
   TestInstall install_;

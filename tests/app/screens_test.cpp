@@ -45,8 +45,7 @@ TEST_F(ScreensTest, ConnectsByAClickAndShowsTheLidarsValues) {
   EXPECT_EQ(screen_.Text("connectButton"), "Disconnect");
   EXPECT_FALSE(screen_.Find("modelChoice")->isEnabled());
   EXPECT_EQ(screen_.Text("field_0_0_1"), Held(lidar_, "SN"));
-  EXPECT_TRUE(
-      Screen::WaitFor([&] { return screen_.LogText().contains("[INFO] Lidar connected"); }));
+  EXPECT_TRUE(WaitFor([&] { return screen_.LogText().contains("[INFO] Lidar connected"); }));
   EXPECT_EQ(screen_.BoxMessage(), QString()) << "a lidar of the chosen model needs no warning";
 
   screen_.Click("connectButton");
@@ -65,7 +64,7 @@ TEST_F(ScreensTest, TellsWhyALidarCannotBeReached) {
   EXPECT_TRUE(screen_.WaitForBox("Is Connecting Lidar... Please wait."));
   screen_.Click("dialogAccept");
   EXPECT_TRUE(screen_.WaitForBox("TCP connection failed."));
-  EXPECT_TRUE(Screen::WaitFor([&] { return screen_.Find("connectingIndicator") == nullptr; }));
+  EXPECT_TRUE(WaitFor([&] { return screen_.Find("connectingIndicator") == nullptr; }));
   EXPECT_EQ(screen_.LampColor(), QColor("red"));
 }
 
@@ -86,7 +85,7 @@ TEST_F(ScreensTest, WritesWhatIsTypedAndMarksItUntilItIsSaved) {
   EXPECT_EQ(Held(lidar_, "Maximum Distance"), "200") << "a field beside it keeps its value";
   EXPECT_EQ(screen_.Text(kMinimumDistance), "50");
   EXPECT_FALSE(screen_.Value(kMinimumDistance, "pending").toBool());
-  EXPECT_TRUE(Screen::WaitFor([&] { return screen_.LogText().contains("[SUCCESS]"); }));
+  EXPECT_TRUE(WaitFor([&] { return screen_.LogText().contains("[SUCCESS]"); }));
 }
 
 TEST_F(ScreensTest, WritesChoicesAndSwitches) {
@@ -112,7 +111,7 @@ TEST_F(ScreensTest, AsksBeforeItWritesValuesOutOfRange) {
   ASSERT_TRUE(screen_.WaitForBox("Minimum Distance\nMaximum Distance"));
   EXPECT_EQ(screen_.Text("dialogAccept"), "Continue");
   screen_.Key(Qt::Key_Escape);
-  ASSERT_TRUE(Screen::WaitFor([&] { return screen_.BoxMessage().isEmpty(); }));
+  ASSERT_TRUE(WaitFor([&] { return screen_.BoxMessage().isEmpty(); }));
   EXPECT_EQ(screen_.Text(kMinimumDistance), "600") << "the edits are still there";
 
   screen_.Click("saveButton");
@@ -147,8 +146,7 @@ TEST_F(ScreensTest, SendsCommandsByHandAndRecallsThem) {
   screen_.Key(Qt::Key_Return);
   EXPECT_TRUE(screen_.Text("replyHeader").startsWith("47 74 11 "));
   EXPECT_TRUE(screen_.Text("replyPayload").startsWith("02 58 "));  // 600 rpm
-  EXPECT_TRUE(
-      Screen::WaitFor([&] { return screen_.LogText().contains("[BYTESFLOW] RECV: 47 74 11"); }));
+  EXPECT_TRUE(WaitFor([&] { return screen_.LogText().contains("[BYTESFLOW] RECV: 47 74 11"); }));
 
   screen_.TypeInto("consoleCommand", "07");
   screen_.TypeInto("consolePayload", "01 02");
@@ -165,12 +163,12 @@ TEST_F(ScreensTest, SendsCommandsByHandAndRecallsThem) {
 TEST_F(ScreensTest, RestartsTheLidarOnlyAfterAQuestion) {
   ConnectOnTab("tab0");
   screen_.Click("gearButton");
-  ASSERT_TRUE(Screen::WaitFor([&] { return screen_.Find("restartEntry") != nullptr; }));
+  ASSERT_TRUE(WaitFor([&] { return screen_.Find("restartEntry") != nullptr; }));
   screen_.Click("restartEntry");
   ASSERT_TRUE(screen_.WaitForBox("The lidar restarts"));
   EXPECT_FALSE(lidar_.Output().contains("request 0x10"));
   screen_.Click("dialogAccept");
-  EXPECT_TRUE(Screen::WaitFor([&] { return lidar_.Output().contains("request 0x10"); }));
+  EXPECT_TRUE(WaitFor([&] { return lidar_.Output().contains("request 0x10"); }));
 }
 
 TEST_F(ScreensTest, ShowsAnotherModelsPages) {
@@ -179,8 +177,7 @@ TEST_F(ScreensTest, ShowsAnotherModelsPages) {
   screen_.Click("modelChoice");
   screen_.Key(Qt::Key_End);
   screen_.Key(Qt::Key_Return);
-  ASSERT_TRUE(
-      Screen::WaitFor([&] { return screen_.LogText().contains("Current selected model is "); }));
+  ASSERT_TRUE(WaitFor([&] { return screen_.LogText().contains("Current selected model is "); }));
   EXPECT_NE(screen_.Value("pageTabs", "titles"), orca);
   EXPECT_EQ(screen_.Value("pageTabs", "currentIndex").toInt(), 0);
   // Osprey is the model whose connection may choose its local port.

@@ -20,11 +20,10 @@ QString Facts(const Screen& screen, const QString& list) {
 void Connect(Screen* screen) {
   screen->Key(Qt::Key_Return);
   screen->Click("connectButton");
-  ASSERT_TRUE(Screen::WaitFor([&] { return screen->connected(); }))
-      << screen->LogText().toStdString();
+  ASSERT_TRUE(WaitFor([&] { return screen->connected(); })) << screen->LogText().toStdString();
   ASSERT_TRUE(screen->WaitForBox("Serial is operation completed."));
   ASSERT_TRUE(screen->CloseBox());
-  ASSERT_TRUE(Screen::WaitFor([&] { return screen->Find("serialActivity") == nullptr; }));
+  ASSERT_TRUE(WaitFor([&] { return screen->Find("serialActivity") == nullptr; }));
 }
 
 TEST(SerialScreenTest, ReadsAndSetsOverOneLine) {
@@ -49,7 +48,7 @@ TEST(SerialScreenTest, ReadsAndSetsOverOneLine) {
   ASSERT_TRUE(screen.CloseBox());
   screen.TypeInto("destinationIp", "9.9.9.9");
   screen.Click("destinationRead");
-  EXPECT_TRUE(Screen::WaitFor([&] { return screen.Text("destinationIp") == "10.1.2.3"; }));
+  EXPECT_TRUE(WaitFor([&] { return screen.Text("destinationIp") == "10.1.2.3"; }));
 
   screen.Click("connectButton");
   EXPECT_FALSE(screen.connected());

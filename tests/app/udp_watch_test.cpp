@@ -3,16 +3,13 @@
 #include <arpa/inet.h>
 #include <gtest/gtest.h>
 
-#include <QTest>
-
 #include "Source/socket_source.h"
 #include "serial_port_list.h"
+#include "support/qt_wait_for.h"
 
 namespace {
 
 using kavel::lidar::SocketSource;
-
-constexpr int kWaitMs = 10000;
 
 uint16_t FreePort() {
   SocketSource source(0, "127.0.0.1", "");
@@ -32,9 +29,9 @@ TEST(UdpWatchTest, NamesTheSenderOfPackets) {
     lidar.Send(packet, sizeof packet, 0);
     return watch.arriving();
   };
-  ASSERT_TRUE(QTest::qWaitFor(packets_arrive, kWaitMs));
+  ASSERT_TRUE(WaitFor(packets_arrive));
   EXPECT_EQ(watch.sender(), QString("127.0.0.1:%1").arg(lidar.BoundPort()));
-  EXPECT_TRUE(QTest::qWaitFor([&] { return !watch.arriving(); }, kWaitMs)) << "silence is noticed";
+  EXPECT_TRUE(WaitFor([&] { return !watch.arriving(); })) << "silence is noticed";
   EXPECT_TRUE(watch.summary().contains(watch.sender()));
 
   watch.Stop();

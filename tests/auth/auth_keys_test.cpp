@@ -11,11 +11,10 @@ namespace {
 
 TEST(AuthKeys, EachDamagedValueCostsOnlyItsOwnAlgorithms) {
   const InstallRoot root;
-  struct Damage {
+  const struct {
     const char* line;
     std::set<int> lost;
-  };
-  const Damage damages[] = {
+  } damages[] = {
       {"aes128_key=2b7e151628aed2a6abf7158809cf4f3", {4}},    // a digit short
       {"aes128_key=2b7e151628aed2a6abf7158809cf4f3c0", {4}},  // a digit long
       {"aes256_key=", {3}},
@@ -26,7 +25,7 @@ TEST(AuthKeys, EachDamagedValueCostsOnlyItsOwnAlgorithms) {
       {"[other]\naes128_key=bad", {}},  // not in the group of the keys
       {"; aes128_key=bad", {}},
   };
-  for (const Damage& damage : damages) {
+  for (const auto& damage : damages) {
     root.WriteKeys(damage.line);
     for (int id = 1; id <= 4; ++id) {
       EXPECT_EQ(CreateAuthAlgorithm(id) == nullptr, damage.lost.count(id) == 1)

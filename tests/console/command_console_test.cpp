@@ -30,19 +30,18 @@ class Console : public testing::Test {
 };
 
 TEST_F(Console, KeepsTheLowBytesOfHexadecimalNumbersAndTellsWhatTheyDo) {
-  struct Case {
+  const struct {
     const char* command;
     const char* payload;
     Sent sent;
     const char* success;
-  };
-  const Case cases[] = {
+  } cases[] = {
       {"0x21", "01  02", {0x21, {1, 2}}, ""},  // two blanks are one gap
       {"0X2c", " fF 0x1FF ", {0x2C, {0xFF, 0xFF}}, ""},
       {"7fffff10", "7FFFFFFF", {0x10, {0xFF}}, "Lidar restart."},
       {"25", "   ", {0x25, {}}, "Lidar reset."},
   };
-  for (const Case& c : cases) {
+  for (const auto& c : cases) {
     lidar_.replies = {{0, {}}};
     lidar_.sent.clear();
     EXPECT_EQ(Send(c.command, c.payload).success, c.success);
@@ -51,20 +50,19 @@ TEST_F(Console, KeepsTheLowBytesOfHexadecimalNumbersAndTellsWhatTheyDo) {
 }
 
 TEST_F(Console, NamesWhatCannotBeReadAndSendsNothing) {
-  struct Case {
+  const struct {
     const char* command;
     const char* payload;
     const char* culprit;
     const char* printed;
-  };
-  const Case cases[] = {
+  } cases[] = {
       {"", "01", "header", "Invalid_argument\n"},
       {"2G", "01", "header", "Invalid_argument\n"},
       {"80000000", "01", "header", "Out_of_range\n"},
       {"21", "01,02", "payload", "Invalid_argument\n"},
       {"21", "01 80000000", "header", "Out_of_range\n"},  // any number out of range, on purpose
   };
-  for (const Case& c : cases) {
+  for (const auto& c : cases) {
     testing::internal::CaptureStdout();
     Send(c.command, c.payload);
     Send(c.command, c.payload, Family::kSerial);

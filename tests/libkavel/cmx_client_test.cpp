@@ -25,29 +25,20 @@ using namespace testing;
 
 struct ClientOptions {
   std::string ip = "127.0.0.1";
-  uint8_t version = 1;
   uint32_t timeout_ms = 500;
   float limit_s = 10;
   uint16_t host_port = 0;
 };
 
 std::unique_ptr<CmxClient> Client(uint16_t port, const ClientOptions& options = {}) {
-  return std::make_unique<CmxClient>(options.ip, port, false, 0, options.version, "", "", "",
-                                     options.timeout_ms, options.timeout_ms, options.limit_s,
-                                     options.host_port);
+  return std::make_unique<CmxClient>(options.ip, port, false, 0, 1, "", "", "", options.timeout_ms,
+                                     options.timeout_ms, options.limit_s, options.host_port);
 }
 
 // Answers every version 1 command with its own payload.
 void EchoCommands(TcpEnd& peer) {
-  while (true) {
-    const Bytes header = peer.Read(8);
-    if (header.size() < 8) {
-      return;
-    }
-    Bytes answer = header;
-    const Bytes payload = peer.Read(header[7]);
-    answer.insert(answer.end(), payload.begin(), payload.end());
-    peer.Send(answer);
+  for (Bytes header = peer.Read(8); header.size() == 8; header = peer.Read(8)) {
+    peer.Send(header + peer.Read(header[7]));
   }
 }
 

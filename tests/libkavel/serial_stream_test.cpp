@@ -90,7 +90,7 @@ TEST(SerialStream, TellsADamagedFrameFromAFrameBehindIt) {
   EXPECT_EQ(frames[0].bytes, sound);
 }
 
-TEST(SerialStream, GivesUpAFrameThatNeverEnds) {
+TEST(SerialStream, GivesUpAFrameThatNeverEndsAndHoldsNoMoreThanItsBound) {
   const Bytes sound = Answer();
   const Bytes endless = {'$', 'L', 'D', 'O', 'T', 'A', ',', 0xFF, 0xFF, 0x00};
   SerialStream stream(SerialListener::kTool);
@@ -103,11 +103,7 @@ TEST(SerialStream, GivesUpAFrameThatNeverEnds) {
   ASSERT_EQ(frames.size(), 1U);
   EXPECT_EQ(frames[0].bytes, sound);
   EXPECT_FALSE(stream.GiveUp());
-}
 
-TEST(SerialStream, HoldsNoMoreThanItsBound) {
-  SerialStream stream(SerialListener::kTool);
-  const Bytes endless = {'$', 'L', 'D', 'O', 'T', 'A', ',', 0xFF, 0xFF, 0x00};
   Feed(stream, endless);
   Feed(stream, Bytes(3 * SerialStream::kMaxHeld, '$'));
   EXPECT_LE(stream.held(), SerialStream::kMaxHeld);

@@ -11,7 +11,6 @@ namespace {
 
 using kavel::lidar::testing::SocketPeer;
 using kavel::lidar::testing::TcpEnd;
-using kavel::lidar::testing::UnusedPort;
 using std::chrono::seconds;
 using std::chrono::steady_clock;
 
@@ -87,16 +86,11 @@ TEST_F(ManagerConnectionTest, ReconnectingLeavesNothingBehind) {
 TEST_F(ManagerConnectionTest, TellsWhyItDidNotConnect) {
   const VirtualLidarProcess unwilling({"--fault", "return-code=1@0x07", "--fault", "drop@0x08"});
   EXPECT_FALSE(ConnectTo(unwilling));
-  EXPECT_EQ(QStringList("Lidar has No CMX reply."), TakeErrors());
-
-  manager_->setPort(QString::number(UnusedPort()));  // nobody listens there any more
-  EXPECT_FALSE(Connect());
-  EXPECT_EQ(QStringList("TCP connection failed."), TakeErrors());
-
+  EXPECT_EQ(TakeErrors(), QStringList("Lidar has No CMX reply."));
   for (const char* port : {"abc", "", "99999", "0", "80x"}) {
     manager_->setPort(port);
     EXPECT_FALSE(Connect());
-    EXPECT_EQ(1, TakeErrors().filter("is no number from 1 to 65535").size()) << port;
+    EXPECT_EQ(TakeErrors().filter("is no number from 1 to 65535").size(), 1) << port;
   }
 }
 

@@ -4,12 +4,11 @@
 
 #include <QSettings>
 #include <QStringList>
-#include <QtTest/QTest>
-#include <functional>
 #include <memory>
 #include <string>
 
 #include "connection/connection_settings.h"
+#include "support/qt_wait_for.h"
 #include "support/test_install.h"
 #include "support/virtual_lidar_process.h"
 #include "tevron_manager.h"
@@ -17,8 +16,6 @@
 /// A manager over a throw-away install root and settings file, and what it has told the screens.
 class ManagerFixture : public testing::Test {
  protected:
-  static constexpr int kPatienceMs = 20000;
-
   ManagerFixture() {
     QSettings(SettingsFilePath(), QSettings::IniFormat).clear();
     Recreate();
@@ -30,10 +27,6 @@ class ManagerFixture : public testing::Test {
     manager_ = std::make_unique<TevronManager>(true, "./Config/varID/Orca.csv");
     manager_->InitConfigFileParser();
     Listen();
-  }
-
-  static bool WaitFor(const std::function<bool()>& condition) {
-    return QTest::qWaitFor(condition, kPatienceMs);
   }
 
   void PointAt(const VirtualLidarProcess& lidar) {

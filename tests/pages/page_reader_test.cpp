@@ -68,12 +68,11 @@ TEST_F(PageReaderTest, SendsEachCommandOnceInKeyOrderAndCutsTheReplyUp) {
 }
 
 TEST_F(PageReaderTest, FailuresLeaveWhatWasThere) {
-  struct Case {
+  const struct {
     ScriptedSender::Reply reply;
     ReadOutcome outcome;
     const char* reason;
-  };
-  const Case cases[] = {
+  } cases[] = {
       {{0, {0x02, 0x00, 0x07}}, ReadOutcome::kRead, nullptr},
       {{kavel::lidar::kNoReply, {}}, ReadOutcome::kNoAnswer, "no answer from the lidar"},
       {{3, {}}, ReadOutcome::kRefused, "lidar return code 3"},
@@ -81,7 +80,7 @@ TEST_F(PageReaderTest, FailuresLeaveWhatWasThere) {
       // Long enough for the first variable, but who knows of which command it is.
       {{0, {4, 0}}, ReadOutcome::kRefused, "the answer is too short, 2 of 3 bytes"},
   };
-  for (const Case& c : cases) {
+  for (const auto& c : cases) {
     lidar_.replies = {c.reply};
     EXPECT_EQ(reader_.GetInfoFromLidarWithSameCmd(Vars({"Count", "Limit"}), &reason_), c.outcome);
     EXPECT_TRUE(c.reason == nullptr || reason_ == c.reason) << reason_;

@@ -35,6 +35,8 @@ const char* const kAllSet =
     "success: Set Lidar Successfully\nNote that if you have changed the TCP-related settings, you "
     "will need to restart the lidar for it to work.";
 
+using Outcome = PageWriter::Outcome;
+
 class PageWriterTest : public testing::Test {
  protected:
   PageWriterTest() { state_.connected = true; }
@@ -42,7 +44,6 @@ class PageWriterTest : public testing::Test {
   void Set(const std::string& name, const std::string& text) {
     edits_.SetText(EditSession::kTextInput, fixture_[name], text, report_);
   }
-  using Outcome = PageWriter::Outcome;
   Outcome RunPage(int module) {
     PageWriter writer({&lidar_, fixture_.table, fixture_.model->pages, state_, edits_.pending(),
                        edits_.fov(), failures_, report_});
@@ -74,10 +75,8 @@ TEST_F(PageWriterTest, LaysTheChangesOverWhatTheLidarHoldsNow) {
   // Speed and Offset were changed on the device too; what the user set wins, the rest is kept.
   Answer({{0, {0x00, 0x01, 0x00, 0x02, 0xAA, 0xBB, 0xCC}}, {0, {0x07}}, {0, {}}});
   EXPECT_TRUE(Run());
-  EXPECT_EQ(
-      (std::vector<Sent>{
-          {0x30, {}}, {0x32, {0x09}}, {0x31, {0x04, 0xB0, 0xFF, 0xFD, 0xAA, 0xBB, 0xCC, 0x07}}}),
-      lidar_.sent);
+  const Bytes written = {0x04, 0xB0, 0xFF, 0xFD, 0xAA, 0xBB, 0xCC, 0x07};
+  EXPECT_EQ(lidar_.sent, (std::vector<Sent>{{0x30, {}}, {0x32, {0x09}}, {0x31, written}}));
   EXPECT_EQ((Lines{"INFO: Send CMX command [0x31] to set Speed, Offset,  success.",
                    "success: CMX command [0x31] to set Speed, Offset,  success.", kAllSet}),
             report_.Take());
@@ -124,10 +123,7 @@ TEST_F(PageWriterTest, AFailureInTheMiddleNamesWhatStaysApplied) {
 }
 
 TEST_F(PageWriterTest, TheFieldOfViewKeepsTheAnglesThatWereNotEdited) {
-  Bytes held = {0x02, 0x05};
-  for (int i = 0; i < 10; ++i) {
-    held.insert(held.end(), {0x3F, 0x80, 0x00, 0x00});  // 1.0
-  }
+  const Bytes held = Bytes{2, 5} + Bytes(40, 0x40);
   for (const Bytes& unusable : {Bytes(), Bytes(42, 4), Bytes(41)}) {
     ASSERT_TRUE(edits_.SetFov(9, "1.5", report_));
     Answer({{0, unusable}});
@@ -144,7 +140,7 @@ TEST_F(PageWriterTest, TheFieldOfViewKeepsTheAnglesThatWereNotEdited) {
   Bytes written = held;
   std::copy_n(std::begin({0x40, 0x20, 0x00, 0x00}), 4, written.end() - 4);
   EXPECT_EQ((std::vector<Sent>{{0x2C, {}}, {0x22, written}}), lidar_.sent);
-  EXPECT_EQ((Lines{kAllSet}), report_.Take());
+  EXPECT_EQ(report_.Take(), Lines{kAllSet});
   edits_.Clear();
   EXPECT_EQ(edits_.fov().Texts().back(), "2.5");
 
@@ -203,8 +199,7 @@ TEST_F(PageWriterTest, AReadingThatFailsIsNamedAndTheLastOneIsUsed) {
 
 TEST_F(PageWriterTest, RefusesInTheOrderOfItsGuards) {
   Set("Trigger", "1");
-  state_.upgrading = true;
-  state_.downloading = true;
+  state_.upgrading = state_.downloading = true;
   state_.connected = false;
   Run();
   state_.connected = true;

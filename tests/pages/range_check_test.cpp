@@ -43,13 +43,12 @@ TEST_F(RangeCheckTest, EachVariableHasItsRule) {
   constexpr bool kOnPage = false;
   constexpr bool kAlone = true;  // the scaled value counts, and an end of 0 is no range
   using Texts = std::vector<const char*>;
-  struct Case {
+  const struct {
     const char* name;
     bool alone;
     Texts good;
     Texts bad;
-  };
-  const Case cases[] = {
+  } cases[] = {
       {"Ranged", kOnPage, {"-5", "20"}, {"-6", "21"}},
       {"Ranged", kAlone, {"41.9", "41.9 m", "-11.9"}, {"42", "-12", "1e30"}},  // 20.95 is cut to 20
       {"From Zero", kOnPage, {"20"}, {"21"}},
@@ -64,7 +63,7 @@ TEST_F(RangeCheckTest, EachVariableHasItsRule) {
       {"Address", kOnPage, {"255.255.255.255"}, {"1.2.3", "1.2.3.256", "1.2.3.4.5", "1.2.3.4 "}},
       {"Hardware", kOnPage, {"aB:11:22:33:44:55"}, {"AB-11-22-33-44-55", "AB:11:22:33:44:5G"}},
   };
-  for (const Case& c : cases) {
+  for (const auto& c : cases) {
     for (const bool good : {true, false}) {
       for (const char* text : good ? c.good : c.bad) {
         Edit(c.name, text);

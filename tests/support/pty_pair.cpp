@@ -41,7 +41,7 @@ PtyPair::~PtyPair() {
   close(slave_);
 }
 
-void PtyPair::Write(const std::vector<uint8_t>& bytes) const {
+void PtyPair::Write(const Bytes& bytes) const {
   size_t written = 0;
   while (written < bytes.size()) {
     const ssize_t count = write(master_, bytes.data() + written, bytes.size() - written);
@@ -50,21 +50,21 @@ void PtyPair::Write(const std::vector<uint8_t>& bytes) const {
   }
 }
 
-std::vector<uint8_t> PtyPair::Read(int timeout_ms) const {
+Bytes PtyPair::Read(int timeout_ms) const {
   pollfd waiting{master_, POLLIN, 0};
   if (poll(&waiting, 1, timeout_ms) <= 0) {
     return {};
   }
-  std::vector<uint8_t> bytes(4096);
+  Bytes bytes(4096);
   const ssize_t count = read(master_, bytes.data(), bytes.size());
   bytes.resize(count > 0 ? static_cast<size_t>(count) : 0);
   return bytes;
 }
 
-std::vector<uint8_t> PtyPair::ReadExactly(size_t count) const {
-  std::vector<uint8_t> bytes;
+Bytes PtyPair::ReadExactly(size_t count) const {
+  Bytes bytes;
   while (bytes.size() < count) {
-    const std::vector<uint8_t> more = Read(5000);
+    const Bytes more = Read(5000);
     if (more.empty()) {
       break;
     }

@@ -1,9 +1,9 @@
 #pragma once
 
 #include <cstddef>
-#include <cstdint>
 #include <string>
-#include <vector>
+
+#include "support/bytes.h"
 
 namespace kavel::lidar::testing {
 
@@ -20,13 +20,13 @@ class PtyPair {
   const std::string& path() const { return path_; }
 
   /// Sends all bytes to the port.
-  void Write(const std::vector<uint8_t>& bytes) const;
+  void Write(const Bytes& bytes) const;
 
   /// What the port has sent, after waiting up to `timeout_ms` for the first byte; empty after that.
-  std::vector<uint8_t> Read(int timeout_ms) const;
+  Bytes Read(int timeout_ms) const;
 
   /// Reads until there are `count` bytes; fewer when none came for five seconds.
-  std::vector<uint8_t> ReadExactly(size_t count) const;
+  Bytes ReadExactly(size_t count) const;
 
   /// The device vanishes: the port sees a hang-up. No other call may be running.
   void HangUp();

@@ -6,7 +6,7 @@
 
 namespace kavel::lidar::testing {
 
-const std::vector<uint8_t> SerialDevice::kVanish = {'v', 'a', 'n', 'i', 's', 'h'};
+const Bytes SerialDevice::kVanish = {'v', 'a', 'n', 'i', 's', 'h'};
 
 SerialDevice::SerialDevice(Answer answer) : answer_(std::move(answer)) {
   thread_ = std::thread(&SerialDevice::Run, this);
@@ -17,35 +17,29 @@ SerialDevice::~SerialDevice() {
   thread_.join();
 }
 
-void SerialDevice::SetAnswer(const std::vector<uint8_t>& bytes) {
+void SerialDevice::SetAnswer(const Bytes& bytes) {
   const std::lock_guard<std::mutex> lock(mutex_);
-  answer_ = [bytes](const std::vector<uint8_t>&) { return bytes; };
+  answer_ = [bytes](const Bytes&) { return bytes; };
 }
 
-std::vector<uint8_t> SerialDevice::last_request() const {
+Bytes SerialDevice::last_request() const {
   const std::lock_guard<std::mutex> lock(mutex_);
   return last_request_;
 }
 
-std::vector<uint8_t> SerialDevice::last_answer() const {
-  const std::lock_guard<std::mutex> lock(mutex_);
-  return last_answer_;
-}
-
-std::vector<uint8_t> SerialDevice::AnswerTo(const std::vector<uint8_t>& request) {
+Bytes SerialDevice::AnswerTo(const Bytes& request) {
   const std::lock_guard<std::mutex> lock(mutex_);
   last_request_ = request;
-  last_answer_ = answer_(request);
-  return last_answer_;
+  return answer_(request);
 }
 
 void SerialDevice::Run() {
   SerialStream stream(SerialListener::kDevice);
   while (running_) {
-    const std::vector<uint8_t> bytes = line_.Read(20);
+    const Bytes bytes = line_.Read(20);
     stream.Append(bytes.data(), bytes.size());
     while (const auto frame = stream.Next()) {
-      const std::vector<uint8_t> answer = AnswerTo(frame->bytes);
+      const Bytes answer = AnswerTo(frame->bytes);
       if (answer == kVanish) {
         return line_.HangUp();
       }

@@ -1,12 +1,10 @@
 #pragma once
 
 #include <atomic>
-#include <cstdint>
 #include <functional>
 #include <mutex>
 #include <string>
 #include <thread>
-#include <vector>
 
 #include "support/pty_pair.h"
 
@@ -18,28 +16,26 @@ class SerialDevice {
  public:
   /// Called on the device's thread with one "$LDCMD," or "$LDOTA," request; what it returns is
   /// written to the line, and `kVanish` hangs up instead.
-  using Answer = std::function<std::vector<uint8_t>(const std::vector<uint8_t>& request)>;
-  static const std::vector<uint8_t> kVanish;
+  using Answer = std::function<Bytes(const Bytes& request)>;
+  static const Bytes kVanish;
 
   explicit SerialDevice(Answer answer);
   ~SerialDevice();
 
   /// From the next request on.
-  void SetAnswer(const std::vector<uint8_t>& bytes);
+  void SetAnswer(const Bytes& bytes);
 
   const std::string& path() const { return line_.path(); }
-  std::vector<uint8_t> last_request() const;
-  std::vector<uint8_t> last_answer() const;
+  Bytes last_request() const;
 
  private:
   void Run();
-  std::vector<uint8_t> AnswerTo(const std::vector<uint8_t>& request);
+  Bytes AnswerTo(const Bytes& request);
 
   PtyPair line_;
   mutable std::mutex mutex_;
   Answer answer_;
-  std::vector<uint8_t> last_request_;
-  std::vector<uint8_t> last_answer_;
+  Bytes last_request_;
   std::atomic<bool> running_{true};
   std::thread thread_;
 };

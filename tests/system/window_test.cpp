@@ -8,22 +8,15 @@
 #include <QRegularExpression>
 #include <QStandardPaths>
 #include <QTemporaryDir>
-#include <QTest>
-#include <functional>
 
 #include "support/child_process.h"
+#include "support/qt_wait_for.h"
 #include "support/virtual_lidar_process.h"
 
 // Last, because its macros take names like None and Bool away.
 #include <X11/Xlib.h>
 
 namespace {
-
-constexpr int kWaitMs = 30000;
-
-bool WaitFor(const std::function<bool()>& condition, int bound_ms = kWaitMs) {
-  return QTest::qWaitFor(condition, bound_ms);
-}
 
 // What the close button of a window manager sends.
 void AskWindowToClose(const QString& display_name, unsigned long window) {

@@ -18,13 +18,12 @@ std::string Outcome(StrParser& parser, const std::string& text, float coefficien
 }
 
 TEST(StrParser, EncodesMostSignificantByteFirstOrSaysWhyNot) {
-  struct Case {
+  const struct {
     const char* type;
     const char* text;
     const char* outcome;
     float coefficient = 1;
-  };
-  const Case cases[] = {
+  } cases[] = {
       {"int8", "127", "7f"},
       {"int8", "-128", "80"},
       {"int8", "128", "IntParser: contains an illegal number, error:128"},
