@@ -99,7 +99,8 @@ void PageRows::TakeAll() {
 void PageRows::TakeTimed() {
   const QVariantList map = ListOf(manager_, "myMap");
   for (int row = 0; row < count(); ++row) {
-    if (rows_[static_cast<size_t>(row)].leaf.value("timer_update").toBool()) {
+    const QVariantMap& leaf = rows_[static_cast<size_t>(row)].leaf;
+    if (leaf.value("timer_update").toBool() || leaf.value("state", "read") != "read") {
       Take(row, map);
     }
   }

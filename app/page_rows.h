@@ -48,7 +48,8 @@ class PageRows : public QAbstractListModel {
   Q_INVOKABLE void Rebuild();
   /// Takes the variables of all rows.
   Q_INVOKABLE void TakeAll();
-  /// Takes the variables that the periodic refresh renews; the others wait for TakeAll.
+  /// Takes the variables that the periodic refresh renews, and those whose row shows something else
+  /// than a reading; the others wait for TakeAll.
   Q_INVOKABLE void TakeTimed();
   /// Takes the variable of row `row`, which has to exist.
   Q_INVOKABLE void TakeRow(int row);

@@ -201,7 +201,8 @@ bool PageReader::UpdateSingleVarFromOutput(const VarInfo& var, uint8_t cmd,
     return true;
   }
   KAVEL_LOG(kError, "%s", fault.c_str());
-  if (var.value_type->kind != ValueKind::kRaw) {
+  const ValueKind kind = var.value_type->kind;
+  if (kind != ValueKind::kRaw && kind != ValueKind::kUnknown) {
     return false;
   }
   // What cannot be shown is still carried unchanged in the payload of its set command.

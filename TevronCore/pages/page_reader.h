@@ -65,8 +65,9 @@ class PageReader {
   bool GetInfoFromLidar(const VarInfo& var);
 
   /// Cuts the bytes of `var` out of `output`, the reply to its read command, and stores bytes and
-  /// text; of a "raw" value, which has no text, the bytes only. `slice` receives the bytes. False,
-  /// with the stored value unchanged, when the reply is too short or the bytes do not fit the type.
+  /// text; of a "raw" value or an unknown type, which have no text, the bytes only. `slice`
+  /// receives the bytes. False, with the stored value unchanged, when the reply is too short or the
+  /// bytes do not fit the type.
   bool UpdateSingleVarFromOutput(const VarInfo& var, uint8_t cmd,
                                  const std::vector<uint8_t>& output, std::vector<uint8_t>& slice);
 

@@ -188,7 +188,12 @@ void ConfigParser::StoreReading(const VarInfo& var, std::string text, std::vecto
 
 void ConfigParser::StoreBytes(const VarInfo& var, std::vector<uint8_t> bytes) {
   const std::lock_guard lock(values_mutex_);
-  Compare(&LiveOf(var), std::move(bytes));
+  Live& live = LiveOf(var);
+  Compare(&live, std::move(bytes));
+  live.reading.clear();
+  if (!live.edited) {
+    Show(var, &live, {});
+  }
 }
 
 void ConfigParser::StoreWritten(const VarInfo& var, const std::string& text,

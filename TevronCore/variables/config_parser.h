@@ -103,7 +103,8 @@ class ConfigParser {
   /// remembered for DropEdits either way. Tells whether the lidar kept what was last written.
   void StoreReading(const VarInfo& var, std::string text, std::vector<uint8_t> bytes);
 
-  /// As StoreReading, for bytes that have no text form: the text stays.
+  /// As StoreReading, for bytes that have no text form: the text is empty from then on, since the
+  /// default is nothing that the lidar said.
   void StoreBytes(const VarInfo& var, std::vector<uint8_t> bytes);
 
   /// Takes over what the lidar accepted: the reading from now on. An edit of the same text ends.

@@ -7,16 +7,16 @@
 
 namespace {
 
-QVariantMap Leaf(const char* value, bool timed) {
-  return {{"current_val", value}, {"timer_update", timed}};
+QVariantMap Leaf(const char* value, bool timed, const char* state = "read") {
+  return {{"current_val", value}, {"timer_update", timed}, {"state", state}};
 }
 
 QVariantList Group(const QVariantList& leaves) { return {QVariant(leaves)}; }
 
-// A page of two groups: a timed row and a plain one, and a second plain one.
+// A page of two groups: a timed row and a plain one, and a second plain one that was not read.
 QVariantList Map(const char* timed, const char* plain, const char* other) {
   const QVariantList first = {Leaf(timed, true), Leaf(plain, false)};
-  const QVariantList groups = {QVariant(first), QVariant(Group({Leaf(other, false)})[0])};
+  const QVariantList groups = {QVariant(first), QVariant(Group({Leaf(other, false, "unread")})[0])};
   return {QVariant(groups)};
 }
 
@@ -48,9 +48,9 @@ TEST(PageRowsTest, AnnouncesTheRowsThatDiffer) {
     changed.clear();
     return text;
   };
-  manager.setProperty("myMap", Map("10", "20", "3"));
+  manager.setProperty("myMap", Map("10", "20", "30"));
   rows.TakeTimed();
-  EXPECT_EQ(changed_rows(), "0");
+  EXPECT_EQ(changed_rows(), "02");
   rows.TakeAll();
   EXPECT_EQ(changed_rows(), "1");
   rows.TakeAll();

@@ -19,7 +19,8 @@ constexpr char kRows[] =
     "1,5,0x5A0102,,,Far,0,uint16,9,,,,,Page,,0,,0x07,\n"
     "1,6,,0x31,1,Only Set,1,raw,,,,,,Page,0,0,,,\n"
     "2,1,0x32,,,MAC,0,MAC,none,,,,,Page,5,0,,,\n"
-    "2,2,0x33,0x34,1,Shape,1,raw,,,,,,Page,2,0,,,\n";
+    "2,2,0x33,0x34,1,Shape,1,raw,0102,,,,,Page,2,0,,,\n"
+    "2,3,0x33,0x34,2,Odd,1,uint24,9,,,,,Page,3,0,,,\n";
 
 class PageReaderTest : public testing::Test {
  protected:
@@ -43,10 +44,10 @@ class PageReaderTest : public testing::Test {
 };
 
 TEST_F(PageReaderTest, SendsEachCommandOnceInKeyOrderAndCutsTheReplyUp) {
-  lidar_.replies = {{0, {0x03, 0xFF, 0xFE}}, {0, {0x11}},       {0, {0x22}},
-                    {0, {1, 2, 3, 4, 5}},    {0, {0xAB, 0xCD}}, {0, {0x01, 0x02}}};
+  lidar_.replies = {{0, {0x03, 0xFF, 0xFE}},    {0, {0x11}},      {0, {0x22}}, {0, {1, 2, 3, 4, 5}},
+                    {0, {0xAB, 0xCD, 1, 2, 3}}, {0, {0x01, 0x02}}};
   const ReadGroup page =
-      Vars({"Far", "Count", "Part B", "Only Set", "Limit", "Part A", "Shape", "MAC"});
+      Vars({"Far", "Count", "Part B", "Only Set", "Limit", "Part A", "Shape", "MAC", "Odd"});
   fixture_.table.Edit(fixture_["Limit"], "55");
   reader_.Read(page, "test");
   EXPECT_EQ((std::vector<Sent>{{0x30, {}},
@@ -62,6 +63,8 @@ TEST_F(PageReaderTest, SendsEachCommandOnceInKeyOrderAndCutsTheReplyUp) {
   EXPECT_EQ("258", fixture_.Text("Far"));
   EXPECT_EQ("none", fixture_.Text("MAC"));
   EXPECT_EQ((Bytes{0xAB, 0xCD}), fixture_.table.ValueOf(fixture_["Shape"]).bytes);
+  EXPECT_EQ("", fixture_.Text("Shape")) << "the default is no reading";
+  EXPECT_EQ((Bytes{1, 2, 3}), fixture_.table.ValueOf(fixture_["Odd"]).bytes);
   EXPECT_EQ("55", fixture_.Text("Limit"));  // an edit stays until it is dropped
   fixture_.table.DropEdits(Vars({"Limit"}));
   EXPECT_EQ("-2", fixture_.Text("Limit"));

@@ -54,10 +54,11 @@ FocusScope {
         case "written":
             return qsTr("Written, not read back.");
         case "differs":
-            return stale ? qsTr("At %1 the lidar held %2; %3 was written.").arg(leaf.read_at)
-                                .arg(label(leaf.current_val)).arg(label(leaf.wanted))
-                         : qsTr("The lidar holds %1; %2 was written.").arg(label(leaf.current_val))
-                                .arg(label(leaf.wanted));
+            const what = isFov ? qsTr("other angles than were written")
+                               : qsTr("%1; %2 was written").arg(label(leaf.current_val))
+                                                           .arg(label(leaf.wanted));
+            return stale ? qsTr("At %1 the lidar held %2.").arg(leaf.read_at).arg(what)
+                         : qsTr("The lidar holds %1.").arg(what);
         default:
             return stale && leaf.read_at ? qsTr("Read at %1.").arg(leaf.read_at) : "";
         }
