@@ -31,7 +31,7 @@ void ScreenReport::LogLine(const std::string& text, LogType type) {
 }
 
 LidarSession::Handlers TevronManager::Parts::HandlersOf(TevronManager& manager) {
-  return {[&manager] { manager.UpdateUI(); },
+  return {[&manager] { manager.ShowAll(); },
           [&manager] { manager.ShowRefreshedPage(); },
           [&manager] { manager.ShowAll(); },
           [&manager] { emit manager.isConnectedChanged(); },

@@ -46,6 +46,8 @@ TEST_F(ManagerConnectionTest, ConnectsReadsLosesTheLinkAndComesBack) {
   EXPECT_EQ(1, connected.count());
   EXPECT_EQ(1, LogLines("INFO: Lidar connected").size());
   manager_->GetLidarModuleInfo(0);
+  manager_->GetLidarModuleInfo(Find("FOV Table").level1);
+  EXPECT_EQ("360", manager_->fovList()[1]);
   EXPECT_EQ("Orca-64-A2", manager_->getLidarPN());
   EXPECT_TRUE(manager_->CheckLidarConnection());
 
@@ -60,6 +62,7 @@ TEST_F(ManagerConnectionTest, ConnectsReadsLosesTheLinkAndComesBack) {
   EXPECT_TRUE(Connect());
   EXPECT_EQ("xxxxxxxx", manager_->getLidarPN());  // another lidar's, as far as anyone knows
   EXPECT_EQ(Leaf(Find("PN"))["state"], "unread");
+  EXPECT_EQ("", manager_->fovList()[1]);
   EXPECT_TRUE(TakeErrors().isEmpty());
 }
 
