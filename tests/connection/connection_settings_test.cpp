@@ -38,7 +38,7 @@ TEST_F(ConnectionSettingsTest, AreKeptButForTheUdpPort) {
 
   QSettings(path_, QSettings::IniFormat).setValue("udp_port", 2400);
   ASSERT_TRUE(SaveConnectionSettings(path_, {}, "Orca"));
-  EXPECT_EQ(2400, Load(path_).udp_port);
+  EXPECT_EQ(Load(path_).udp_port, 2400);
 }
 
 TEST_F(ConnectionSettingsTest, WhatCannotBeReadLeavesTheDefaults) {

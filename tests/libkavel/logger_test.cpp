@@ -9,22 +9,17 @@
 
 #include "support/german_locale.h"
 #include "support/log_lines.h"
+#include "support/test_folder.h"
 
 namespace kavel::lidar {
 namespace {
 
-namespace fs = std::filesystem;
-
 class LogFile : public ::testing::Test {
  protected:
-  LogFile() { fs::remove_all(folder_); }
-  ~LogFile() override {
-    Logger::GetInstance().SetFile("");
-    fs::remove_all(folder_);
-  }
+  ~LogFile() override { Logger::GetInstance().SetFile(""); }
 
-  const fs::path folder_ = fs::path(::testing::TempDir()) / "kavel_log_test";
-  const std::string path_ = folder_ / "deeper" / "tevron.log";
+  const TestFolder folder_;
+  const std::string path_ = folder_.path() + "/deeper/tevron.log";
 };
 
 TEST_F(LogFile, HoldsLevelPlaceAndText) {
@@ -54,7 +49,7 @@ TEST_F(LogFile, RotatesAndDropsTheOldest) {
   }
   Logger::GetInstance().SetFile("");
   size_t files = 0;
-  for (const auto& file : fs::directory_iterator(fs::path(path_).parent_path())) {
+  for (const auto& file : std::filesystem::directory_iterator(folder_.path() + "/deeper")) {
     EXPECT_LE(file.file_size(), Logger::kMaxFileBytes);
     ++files;
   }

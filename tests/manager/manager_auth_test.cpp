@@ -69,11 +69,11 @@ TEST_P(ManagerAuthTest, WritesProtectedSettingsAndTellsNoKey) {
   told += QString::fromStdString(testing::internal::GetCapturedStdout());
   told += QString::fromStdString(testing::internal::GetCapturedStderr());
   EXPECT_TRUE(TakeErrors().isEmpty());
-  EXPECT_EQ(1, LogLines("CMX: AUTH: probe value=1 required=true").size());
-  EXPECT_EQ("45", lidar.Variable("Minimum Distance")["text"].toString());
+  EXPECT_EQ(LogLines("CMX: AUTH: probe value=1 required=true").size(), 1);
+  EXPECT_EQ(lidar.Variable("Minimum Distance")["text"].toString(), "45");
 
   told = told.toLower().remove(' ');
-  ASSERT_EQ(6, Keys().size());
+  ASSERT_EQ(Keys().size(), 6);
   for (const QString& key : Keys()) {
     EXPECT_FALSE(told.contains(key)) << key.toStdString();
   }
@@ -92,8 +92,8 @@ class ManagerRefusedTest : public ManagerFixture {
     OpenPage("Weather");
     Edit("Rain Filter", "4");
     Save("Weather");
-    EXPECT_EQ(1, TakeErrors().filter("Set Failed: 0x57 SET Rain Filter, ").size());
-    EXPECT_EQ("2", lidar.Variable("Rain Filter")["text"].toString());
+    EXPECT_EQ(TakeErrors().filter("Set Failed: 0x57 SET Rain Filter, ").size(), 1);
+    EXPECT_EQ(lidar.Variable("Rain Filter")["text"].toString(), "2");
     ASSERT_TRUE(WaitFor([this, line] { return LogLines(line).size() == 1; })) << line.toStdString();
   }
 };
@@ -103,7 +103,7 @@ TEST_F(ManagerRefusedTest, ARefusedHandshakeAndAMissingKeyAreFailedWrites) {
   manager_->Stop();
   install_.Write("auth_keys.ini", "[keys]\ndemo=true\n");
   ExpectRefused({}, "CMX: AUTH: unavailable, reject protected cmd");
-  EXPECT_EQ(1, LogLines("WARNING: Authentication algorithm 3 ").filter("auth_keys.ini").size());
+  EXPECT_EQ(LogLines("WARNING: Authentication algorithm 3 ").filter("auth_keys.ini").size(), 1);
 }
 
 }  // namespace

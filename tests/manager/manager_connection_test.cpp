@@ -43,26 +43,26 @@ TEST_F(ManagerConnectionTest, ConnectsReadsLosesTheLinkAndComesBack) {
   EXPECT_TRUE(manager_->GetIsConnectingLidar());
   EXPECT_FALSE(manager_->ConnectLidar());
   ASSERT_TRUE(WaitFor([this] { return manager_->isConnected(); }));
-  EXPECT_EQ(1, connected.count());
-  EXPECT_EQ(1, LogLines("INFO: Lidar connected").size());
+  EXPECT_EQ(connected.count(), 1);
+  EXPECT_EQ(LogLines("INFO: Lidar connected").size(), 1);
   manager_->GetLidarModuleInfo(0);
   manager_->GetLidarModuleInfo(Find("FOV Table").level1);
-  EXPECT_EQ("360", manager_->fovList()[1]);
-  EXPECT_EQ("Orca-64-A2", manager_->getLidarPN());
+  EXPECT_EQ(manager_->fovList()[1], "360");
+  EXPECT_EQ(manager_->getLidarPN(), "Orca-64-A2");
   EXPECT_TRUE(manager_->CheckLidarConnection());
 
   lidar.reset();
   EXPECT_FALSE(manager_->CheckLidarConnection());
   manager_->Stop();
   EXPECT_FALSE(manager_->isConnected());
-  EXPECT_EQ("xxxxxxxx", manager_->getLidarPN());
-  EXPECT_EQ(1, LogLines("INFO: Lidar disconnected").size());
+  EXPECT_EQ(manager_->getLidarPN(), "xxxxxxxx");
+  EXPECT_EQ(LogLines("INFO: Lidar disconnected").size(), 1);
 
   lidar = std::make_unique<VirtualLidarProcess>(QStringList(), port);
   EXPECT_TRUE(Connect());
   EXPECT_EQ("xxxxxxxx", manager_->getLidarPN());  // another lidar's, as far as anyone knows
   EXPECT_EQ(Leaf(Find("PN"))["state"], "unread");
-  EXPECT_EQ("", manager_->fovList()[1]);
+  EXPECT_EQ(manager_->fovList()[1], "");
   EXPECT_TRUE(TakeErrors().isEmpty());
 }
 
@@ -174,8 +174,8 @@ TEST_F(ManagerConnectionTest, LearnsAnEmptyAddressFromThePointCloud) {
   manager_->setIpAddress("");
   manager_->setUdpPort(udp_port);
   EXPECT_TRUE(Connect());
-  EXPECT_EQ(1, LogLines("INFO: Lidar address learned from its packets: 127.0.0.1").size());
-  EXPECT_EQ("", manager_->ipAddress());
+  EXPECT_EQ(LogLines("INFO: Lidar address learned from its packets: 127.0.0.1").size(), 1);
+  EXPECT_EQ(manager_->ipAddress(), "");
 }
 
 TEST_F(ManagerConnectionTest, TheLocalPortBelongsToTheModelThatAllowsToChoose) {
@@ -191,7 +191,7 @@ TEST_F(ManagerConnectionTest, TheLocalPortBelongsToTheModelThatAllowsToChoose) {
   EXPECT_FALSE(Connect());
   EXPECT_FALSE(LogLines("ERROR: ").filter(port).isEmpty());
   manager_->InitConfigFileParser("Orca");
-  EXPECT_EQ("ANY", manager_->cmxClientHostPort());
+  EXPECT_EQ(manager_->cmxClientHostPort(), "ANY");
   manager_->InitConfigFileParser("Osprey");
   EXPECT_EQ(port, manager_->cmxClientHostPort());
 }

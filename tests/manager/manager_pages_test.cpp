@@ -18,10 +18,10 @@ TEST_F(ManagerPagesTest, NetworkSettingsSucceedAlthoughTheLinkDrops) {
   Save("Network");
   EXPECT_TRUE(TakeErrors().isEmpty());
   EXPECT_EQ(QStringList(kAllSet), successes_);
-  EXPECT_EQ(1, LogLines("INFO: After its restart the lidar is reached at 192.168.1.201").size());
+  EXPECT_EQ(LogLines("INFO: After its restart the lidar is reached at 192.168.1.201").size(), 1);
   EXPECT_EQ(Text("Gateway"), "192.168.1.254") << "accepted, though it cannot be read back";
   EXPECT_EQ(Leaf(Find("Gateway"))["state"], "written");
-  EXPECT_EQ("192.168.1.254", lidar.Variable("Gateway")["text"].toString());
+  EXPECT_EQ(lidar.Variable("Gateway")["text"].toString(), "192.168.1.254");
   EXPECT_FALSE(manager_->CheckLidarConnection());
 }
 
@@ -33,7 +33,7 @@ TEST_F(ManagerPagesTest, ThePeriodicRefreshShowsNewValuesAndLeavesEditsAlone) {
   // Written past the page, so that only the refresh can bring it: the maximum is 150 m.
   manager_->SendCommand("0x12", "02 58 00 00 01 00 00 02 D0 03 00 14 00 96 00 00 01 00");
   ASSERT_TRUE(WaitFor([this] { return Text("Maximum Distance") == "150"; }));
-  EXPECT_EQ("45", Text("Minimum Distance"));
+  EXPECT_EQ(Text("Minimum Distance"), "45");
   EXPECT_TRUE(Edited("Minimum Distance"));
 }
 
@@ -43,7 +43,7 @@ TEST_F(ManagerPagesTest, ASaveWithoutAnAnswerIsReadAgainInTheBackground) {
   OpenPage("Scan");
   Edit("Minimum Distance", "45");
   Save("Scan");
-  EXPECT_EQ(1, TakeErrors().filter("Set Failed: 0x12 SET Minimum Distance, ").size());
+  EXPECT_EQ(TakeErrors().filter("Set Failed: 0x12 SET Minimum Distance, ").size(), 1);
   EXPECT_EQ(Text("Minimum Distance"), "20") << "the lidar was not asked again";
   // It took the value all the same. The periodic refresh is announced by another signal.
   QSignalSpy shown(manager_.get(), &TevronManager::myMapChanged);
@@ -65,23 +65,23 @@ TEST_F(ManagerPagesTest, NothingIsReadDuringADownload) {
   // The link check stays out of the log; the read is the only command in it.
   EXPECT_TRUE(manager_->CheckLidarConnection());
   ASSERT_TRUE(WaitFor([this] { return !LogLines("BYTESFLOW: RECV: ").isEmpty(); }));
-  EXPECT_EQ(1, LogLines("BYTESFLOW: SEND: ").size());
-  EXPECT_EQ(1, manager_->commandLogCnt());
+  EXPECT_EQ(LogLines("BYTESFLOW: SEND: ").size(), 1);
+  EXPECT_EQ(manager_->commandLogCnt(), 1);
 }
 
 TEST_F(ManagerPagesTest, AModelLeavesNothingOfTheOneBeforeAlsoWithoutATable) {
   Edit("Minimum Distance", "45");
   manager_->SetModulePV("Kraken");
-  EXPECT_EQ("", manager_->getPVNowName());
+  EXPECT_EQ(manager_->getPVNowName(), "");
   manager_->SetModulePV("Lumo");
-  EXPECT_EQ("Lumo", manager_->getPVNowName());
-  EXPECT_EQ(1, manager_->connectType());
-  EXPECT_EQ(0, manager_->getSetMapSize());
+  EXPECT_EQ(manager_->getPVNowName(), "Lumo");
+  EXPECT_EQ(manager_->connectType(), 1);
+  EXPECT_EQ(manager_->getSetMapSize(), 0);
   EXPECT_EQ(manager_->level1List().size(), manager_->myMap().size());
   EXPECT_FALSE(manager_->CheckVarExistsInConfigFileByName("Minimum Distance"));
 
   manager_->InitConfigFileParser("Kraken");
-  EXPECT_EQ(1, TakeErrors().filter("No variables could be loaded for the model Kraken.").size());
+  EXPECT_EQ(TakeErrors().filter("No variables could be loaded for the model Kraken.").size(), 1);
   EXPECT_TRUE(manager_->level1List().isEmpty());
   manager_->SetText(1, 0, 0, 0, "5");
   manager_->Run(0);
@@ -96,7 +96,7 @@ TEST_F(ManagerPagesTest, MessagesAreAnnouncedOnlyWhenThereIsOne) {
   manager_->setErrorMsg("twice");
   manager_->setErrorMsg("twice");
   manager_->setErrorMsg("");
-  EXPECT_EQ(2, errors.count());
+  EXPECT_EQ(errors.count(), 2);
 }
 
 }  // namespace

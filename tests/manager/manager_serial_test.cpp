@@ -29,11 +29,11 @@ TEST_F(ManagerSerialTest, OneLineConnectsIdentifiesSetsVanishesAndLeavesThePortF
     VirtualLidarProcess lidar({"--model", model});
     for (int i = 0; i < 2; ++i) {
       ASSERT_TRUE(ConnectSerial(model, lidar));
-      EXPECT_EQ(2, manager_->connectType());
+      EXPECT_EQ(manager_->connectType(), 2);
       EXPECT_NE("xxxxxxxx", manager_->getLidarPN());
       EXPECT_FALSE(manager_->lumoLidarVersionInfo().isEmpty());
       manager_->Stop();
-      EXPECT_EQ("xxxxxxxx", manager_->getLidarPN());
+      EXPECT_EQ(manager_->getLidarPN(), "xxxxxxxx");
       EXPECT_EQ(++stops, LogLines("INFO: connect type is not support").size());
     }
     ASSERT_TRUE(ConnectSerial(model, lidar));
@@ -44,7 +44,7 @@ TEST_F(ManagerSerialTest, OneLineConnectsIdentifiesSetsVanishesAndLeavesThePortF
     EXPECT_TRUE(Tells(3, 900));
     manager_->LumoSetStandby(1);
     EXPECT_TRUE(Tells(4, 1));
-    EXPECT_EQ(0, manager_->Restart());
+    EXPECT_EQ(manager_->Restart(), 0);
     EXPECT_TRUE(WaitFor([&lidar] {
       return lidar.Output().section("restarted", 1).contains("4F (0 bytes)");  // the status
     }));
@@ -52,7 +52,7 @@ TEST_F(ManagerSerialTest, OneLineConnectsIdentifiesSetsVanishesAndLeavesThePortF
     EXPECT_TRUE(TakeErrors().isEmpty());
     lidar.Kill();
     ASSERT_TRUE(WaitFor([this] { return !manager_->isConnected(); }));
-    EXPECT_EQ(1, TakeErrors().filter(lidar.SerialPort()).size());
+    EXPECT_EQ(TakeErrors().filter(lidar.SerialPort()).size(), 1);
     ++stops;
   }
 }
@@ -67,10 +67,10 @@ TEST_F(ManagerSerialTest, APairOfPortsConnectsAndTheConsoleWorks) {
                    [this, &order] { order << (manager_->isGetPBLVersion() ? "reading" : "read"); });
   ASSERT_TRUE(ConnectSerial("Lumo", lidar));
   EXPECT_EQ(order, (QStringList{"connected", "INFO: Lidar connected", "reading", "read"}));
-  EXPECT_EQ(1, manager_->connectType());
+  EXPECT_EQ(manager_->connectType(), 1);
   manager_->SendCommand("4B", "");
   EXPECT_FALSE(manager_->getSendCmxCommandReturnPayload().isEmpty());
-  EXPECT_EQ(0, manager_->Restart());
+  EXPECT_EQ(manager_->Restart(), 0);
 }
 
 TEST_F(ManagerSerialTest, PortsThatDoNotOpenAreNamed) {
@@ -89,7 +89,7 @@ TEST_F(ManagerSerialTest, PortsThatDoNotOpenAreNamed) {
     Choose(attempt.model, attempt.port_485, none);
     EXPECT_FALSE(Connect());
     EXPECT_EQ(TakeErrors(), QStringList(attempt.error));
-    EXPECT_EQ(1, LogLines("ERROR: ").filter(none).size());
+    EXPECT_EQ(LogLines("ERROR: ").filter(none).size(), 1);
   }
   EXPECT_TRUE(ConnectSerial("Lumo", lidar)) << "the port of the first half is free again";
 }
@@ -103,7 +103,7 @@ TEST_F(ManagerSerialTest, APairOfPortsEndsWhenEitherVanishes) {
     TakeErrors();
     lines[vanishing].HangUp();
     ASSERT_TRUE(WaitFor([this] { return !manager_->isConnected(); }));
-    EXPECT_EQ(1, TakeErrors().filter(QString::fromStdString(lines[vanishing].path())).size());
+    EXPECT_EQ(TakeErrors().filter(QString::fromStdString(lines[vanishing].path())).size(), 1);
   }
 }
 

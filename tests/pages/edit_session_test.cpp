@@ -31,35 +31,35 @@ class EditSessionTest : public testing::Test {
 TEST_F(EditSessionTest, EditsMarkTheirCommandUntilTheyAreDropped) {
   Set(EditSession::kTextInput, "Limit", "77");
   Set(EditSession::kOptionInput, "Mode", "2");
-  EXPECT_EQ("30", fixture_.Text("Mode"));
+  EXPECT_EQ(fixture_.Text("Mode"), "30");
   EXPECT_EQ((PendingCommands{"0x31", "0x33"}), session_.pending());
   session_.DropEdits({&fixture_["Limit"]});
-  EXPECT_EQ("5", fixture_.Text("Limit"));
+  EXPECT_EQ(fixture_.Text("Limit"), "5");
   EXPECT_EQ((PendingCommands{"0x33"}), session_.pending());
   session_.Clear();
-  EXPECT_EQ("10", fixture_.Text("Mode"));
+  EXPECT_EQ(fixture_.Text("Mode"), "10");
   EXPECT_TRUE(session_.pending().empty());
 }
 
 TEST_F(EditSessionTest, ASwitchComesBackWithItsLastValue) {
   Set(EditSession::kSwitchInput, "Filter", "1");
-  EXPECT_EQ("3", fixture_.Text("Filter"));
+  EXPECT_EQ(fixture_.Text("Filter"), "3");
   Set(EditSession::kTextInput, "Filter", "8");
   Set(EditSession::kSwitchInput, "Filter", "0");
-  EXPECT_EQ("0", fixture_.Text("Filter"));
+  EXPECT_EQ(fixture_.Text("Filter"), "0");
   Set(EditSession::kTextInput, "Filter", "0");  // what the screen also does when it switches off
   Set(EditSession::kSwitchInput, "Filter", "1");
-  EXPECT_EQ("8", fixture_.Text("Filter"));
+  EXPECT_EQ(fixture_.Text("Filter"), "8");
 }
 
 TEST_F(EditSessionTest, InputWithoutMeaningChangesNothingAndIsReported) {
   for (const char* option : {"3", "-1", "first"}) {
     Set(EditSession::kOptionInput, "Mode", option);
   }
-  EXPECT_EQ("error: Mode: there is no option number \"3\".", report_.Take().front());
+  EXPECT_EQ(report_.Take().front(), "error: Mode: there is no option number \"3\".");
   Set(EditSession::kTextInput, "Reading", "2");
   Set(9, "Limit", "2");
-  EXPECT_EQ(2U, report_.Take().size());
+  EXPECT_EQ(report_.Take().size(), 2U);
   EXPECT_TRUE(session_.pending().empty());
 }
 

@@ -57,17 +57,17 @@ TEST_F(PageReaderTest, SendsEachCommandOnceInKeyOrderAndCutsTheReplyUp) {
                                {0x33, {}},
                                {0xFF, {0x5A, 0x01, 0x02, 0x07}}}),
             lidar_.sent);
-  EXPECT_EQ("1.50", fixture_.Text("Count"));
-  EXPECT_EQ("17", fixture_.Text("Part A"));
-  EXPECT_EQ("34", fixture_.Text("Part B"));
-  EXPECT_EQ("258", fixture_.Text("Far"));
-  EXPECT_EQ("none", fixture_.Text("MAC"));
+  EXPECT_EQ(fixture_.Text("Count"), "1.50");
+  EXPECT_EQ(fixture_.Text("Part A"), "17");
+  EXPECT_EQ(fixture_.Text("Part B"), "34");
+  EXPECT_EQ(fixture_.Text("Far"), "258");
+  EXPECT_EQ(fixture_.Text("MAC"), "none");
   EXPECT_EQ((Bytes{0xAB, 0xCD}), fixture_.table.ValueOf(fixture_["Shape"]).bytes);
   EXPECT_EQ("", fixture_.Text("Shape")) << "the default is no reading";
   EXPECT_EQ((Bytes{1, 2, 3}), fixture_.table.ValueOf(fixture_["Odd"]).bytes);
   EXPECT_EQ("55", fixture_.Text("Limit"));  // an edit stays until it is dropped
   fixture_.table.DropEdits(Vars({"Limit"}));
-  EXPECT_EQ("-2", fixture_.Text("Limit"));
+  EXPECT_EQ(fixture_.Text("Limit"), "-2");
 }
 
 TEST_F(PageReaderTest, FailuresLeaveWhatWasThere) {

@@ -92,7 +92,7 @@ TEST_F(PageWriterTest, SendsTheNetworkSettingsLastAndTakesADroppedLinkForAnAnswe
   Set("Filter", "2");
   Answer({{0, {192, 168, 1, 201, 0x24, 0x83}}, {0, {0x01}}, {0, {}}, {kNoReply, {}}});
   EXPECT_TRUE(Run());
-  ASSERT_EQ(4U, lidar_.sent.size());
+  ASSERT_EQ(lidar_.sent.size(), 4U);
   EXPECT_EQ((Sent{0xFF, {0x5A, 0x01, 0x02, 0x00, 0xFE, 0x02}}), lidar_.sent[2]);
   EXPECT_EQ((Sent{0x21, {10, 0, 0, 9, 0x24, 0x83}}), lidar_.sent[3]);
   EXPECT_EQ(
@@ -147,7 +147,7 @@ TEST_F(PageWriterTest, TheFieldOfViewKeepsTheAnglesThatWereNotEdited) {
   ASSERT_TRUE(edits_.SetFov(9, "3", report_));
   Answer({{0, held}, {4, {}}});
   EXPECT_FALSE(Run());
-  EXPECT_EQ("error: Set Failed: set channel fov failed", report_.Take().at(1));
+  EXPECT_EQ(report_.Take().at(1), "error: Set Failed: set channel fov failed");
 }
 
 TEST_F(PageWriterTest, SaysWhatIsWrongWithAVariable) {
@@ -173,7 +173,7 @@ TEST_F(PageWriterTest, SaysWhatIsWrongWithAVariable) {
   // Bytes of the lidar that was connected before are nothing to write to this one.
   fixture_.table.ForgetReadings();
   const Lines lines = Save("Speed", "1", {}, Outcome::kFailed);
-  EXPECT_EQ(1, std::count(lines.begin(), lines.end(), "error: Set Failed: " + no_value + "Offset"));
+  EXPECT_EQ(std::count(lines.begin(), lines.end(), "error: Set Failed: " + no_value + "Offset"), 1);
   // A value of a length that is not its place's would shift what follows it.
   fixture_.table.StoreReading(fixture_["Offset"], "1", {0, 1});
   fixture_.table.StoreBytes(fixture_["Reserved"], {0, 1});

@@ -96,7 +96,7 @@ TEST_F(RangeCheckTest, ATextThatIsNoNumberEndsTheCheck) {
     Edit("Ranged", text);
     EXPECT_FALSE(PageIsWithin());
     EXPECT_TRUE(names_.empty());
-    EXPECT_EQ(1U, report_.Take().size());
+    EXPECT_EQ(report_.Take().size(), 1U);
     EXPECT_FALSE(check_.CheckVar(fixture_["Ranged"]));
   }
 }

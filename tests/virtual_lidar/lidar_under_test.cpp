@@ -52,8 +52,8 @@ const VirtualDevice& LidarUnderTest::Stop() {
   return *device_;
 }
 
-Bytes LidarUnderTest::Held(const std::string& name) {
-  const auto& cells = Stop().memory().cells();
+Bytes HeldIn(const VariableMemory& memory, const std::string& name) {
+  const auto& cells = memory.cells();
   const auto found = std::find_if(cells.begin(), cells.end(),
                                   [&](const auto& cell) { return cell.var->var_name == name; });
   return found == cells.end() ? Bytes() : found->value;

@@ -30,6 +30,9 @@ inline const Bytes kSetReply = {0x47, 0x74, 0x31, 0, 0, 0, 0, 0};
 inline const Bytes kReadSpeed = {0x47, 0x74, 0x30, 0, 0, 0, 0, 0};
 inline const Bytes kReading = {0x47, 0x74, 0x30, 0, 0, 0, 0, 3, 0x02, 0x58, 0xFD};
 
+/// The bytes that the memory holds for a variable.
+Bytes HeldIn(const VariableMemory& memory, const std::string& name);
+
 /// A running virtual lidar with its own thread, reachable on the real wire.
 class LidarUnderTest {
  public:
@@ -50,7 +53,7 @@ class LidarUnderTest {
   /// Ends the device's thread; what it holds can then be looked at.
   const VirtualDevice& Stop();
   /// The bytes that it holds for a variable. Ends it.
-  Bytes Held(const std::string& name);
+  Bytes Held(const std::string& name) { return HeldIn(Stop().memory(), name); }
 
   /// Waits until the log holds the text.
   bool LogShows(const std::string& text);

@@ -2,20 +2,9 @@
 
 #include <gtest/gtest.h>
 
-#include "support/bytes.h"
-#include "support/table_fixture.h"
-#include "wire/message.h"
+#include "lidar_under_test.h"
 
 namespace {
-
-Bytes Held(const VariableMemory& memory, const std::string& name) {
-  for (const auto& cell : memory.cells()) {
-    if (cell.var->var_name == name) {
-      return cell.value;
-    }
-  }
-  return {};
-}
 
 int ReturnCode(VariableMemory* memory, uint8_t command, const Bytes& payload) {
   const auto outcome = memory->Execute(command, payload, 0);
@@ -55,7 +44,7 @@ TEST(VariableMemory, WritesAllFieldsOfACommandOrNone) {
       << "the first write, and of it only what may be written";
 
   EXPECT_EQ(ReturnCode(&memory, 0xFF, {0x5A, 0x01, 0x02, 0xA0, 9}), kAccepted);
-  EXPECT_EQ(Held(memory, "Far"), (Bytes{9}));
+  EXPECT_EQ(HeldIn(memory, "Far"), (Bytes{9}));
   EXPECT_EQ(ReturnCode(&memory, 0xFF, {0x5A, 0x01, 0x02, 9}), kUnknownCommand);
 }
 
@@ -100,7 +89,7 @@ TEST(VariableMemory, ChecksValuesAsTheTableSays) {
     EXPECT_EQ(ReturnCode(&memory, c.command, c.payload), c.return_code)
         << std::hex << int{c.command} << " " << int{c.payload.front()};
   }
-  EXPECT_EQ(Held(memory, "Shared Secret Key"), Bytes(256, 1)) << "as long as it was written";
+  EXPECT_EQ(HeldIn(memory, "Shared Secret Key"), Bytes(256, 1)) << "as long as it was written";
   EXPECT_EQ(memory.Execute(0x4A, {}, 0)->payload, Bytes(16, 1));
 
   Bytes fov = memory.Execute(0x2C, {}, 0)->payload;
