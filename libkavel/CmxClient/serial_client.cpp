@@ -24,6 +24,15 @@ bool AnswersAnother(const std::vector<uint8_t>& block, uint8_t number) {
   return number != kOtaUnnumbered && ParseSerialResponse(block, inner);
 }
 
+bool IsOfAnotherCommand(const std::vector<uint8_t>& block, uint8_t cmd) {
+  OtaAnswer answer;
+  if (ParseOtaFrame(block, &answer)) {
+    return answer.cmd != cmd;
+  }
+  std::vector<uint8_t> inner;
+  return ParseSerialResponse(block, inner) && inner[1] != cmd;
+}
+
 }  // namespace
 
 SerialClient::SerialClient(std::shared_ptr<SerialSource> requests,
@@ -94,7 +103,7 @@ int32_t SerialClient::Run(uint8_t cmd, const std::vector<uint8_t>& payload, size
   if (!SendFrame(frame)) {
     return kSerialNotReady;
   }
-  if (!ReceiveAnswer(number, max_block, timeout_ms, block)) {
+  if (!ReceiveAnswer(cmd, number, max_block, timeout_ms, block)) {
     return kSerialNoAnswer;
   }
   if (sink != nullptr) {
@@ -111,22 +120,29 @@ uint8_t SerialClient::NextNumber() {
   return last_number_;
 }
 
-// An answer to an earlier request may come in front of the one that is waited for.
-bool SerialClient::ReceiveAnswer(uint8_t number, size_t max_block, uint32_t timeout_ms,
+// An answer to an earlier request may come in front of the one that is waited for. One that only
+// its command tells apart is handed out all the same when no other comes.
+bool SerialClient::ReceiveAnswer(uint8_t cmd, uint8_t number, size_t max_block, uint32_t timeout_ms,
                                  std::vector<uint8_t>& block) {
   using Clock = std::chrono::steady_clock;
   const auto deadline = Clock::now() + std::chrono::milliseconds(timeout_ms);
+  std::vector<uint8_t> second_best;
   do {
     const auto left = std::chrono::ceil<std::chrono::milliseconds>(deadline - Clock::now());
     const auto wait_ms = static_cast<uint32_t>(std::max<int64_t>(left.count(), 0));
     if (answers_->ReceiveBlock(block, max_block, wait_ms) < 0) {
-      return false;
+      break;
     }
-    if (!AnswersAnother(block, number)) {
+    if (AnswersAnother(block, number)) {
+      continue;
+    }
+    if (!IsOfAnotherCommand(block, cmd)) {
       return true;
     }
+    second_best = std::move(block);
   } while (Clock::now() < deadline);
-  return false;
+  block = std::move(second_best);
+  return !block.empty();
 }
 
 // A frame that was cut short can have no answer, so it counts as not sent.

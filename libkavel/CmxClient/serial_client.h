@@ -53,7 +53,8 @@ class SerialClient {
 
   /// The exchange below the frames, with a payload of up to kOtaMaxPayload bytes: sends it in the
   /// frame that its length needs and leaves in `block` what came back, which is not checked, save
-  /// that long answers to other requests are passed over. Returns 0, kSerialNotReady or
+  /// that long answers to other requests are passed over, and those of other commands as long as
+  /// one of `cmd` may come. Returns 0, kSerialNotReady or
   /// kSerialNoAnswer. `sink` (may be null) is told instead of the client's own.
   int32_t Exchange(uint8_t cmd, const std::vector<uint8_t>& payload, uint32_t timeout_ms,
                    std::vector<uint8_t>& block, ByteSink* sink);
@@ -78,7 +79,7 @@ class SerialClient {
               uint32_t timeout_ms, std::vector<uint8_t>& block, ByteSink* sink);
   uint8_t NextNumber();
   bool SendFrame(const std::vector<uint8_t>& frame);
-  bool ReceiveAnswer(uint8_t number, size_t max_block, uint32_t timeout_ms,
+  bool ReceiveAnswer(uint8_t cmd, uint8_t number, size_t max_block, uint32_t timeout_ms,
                      std::vector<uint8_t>& block);
 
   const std::shared_ptr<SerialSource> requests_;

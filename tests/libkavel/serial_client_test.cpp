@@ -63,8 +63,9 @@ Bytes Answer(const Bytes& frame) {
 Bytes Silence(const Bytes&) { return {}; }
 
 TEST(SerialClient, HandsBackTheInnerBytes) {
-  // The rest of a frame that broke off, the echo of the line, then the answer.
-  const Bytes noise = {'$', 'L', 'D', 'C', 0x00, 0xEE, 0xFF};
+  // A late answer to another command, the rest of a frame that broke off, the echo of the line,
+  // then the answer.
+  const Bytes noise = BuildSerialAnswer(0x2B, 0, {}) + Bytes{'$', 'L', 'D', 'C', 0x00, 0xEE, 0xFF};
   Bytes answer;  // written under the device's lock
   SerialDevice device([&](const Bytes& frame) { return noise + frame + (answer = Answer(frame)); });
   Line line(device.path());
