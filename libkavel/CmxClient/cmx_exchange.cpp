@@ -60,7 +60,6 @@ CmxExchange::Outcome CmxExchange::Run(uint8_t cmd, const std::vector<uint8_t>& p
   DropStaleInput(expect_remains);
   if (stale_input_ == StaleInput::kAfterTrouble && !owed_.None() && !FenceOff(cmd, payload)) {
     KAVEL_LOG(kWarning, "the lidar does not answer the liveness command that clears the line");
-    outcome.error = kNoReply;
     return outcome;
   }
   SendAndReceive(cmd, payload, told_by_transport_ ? nullptr : sink, outcome);

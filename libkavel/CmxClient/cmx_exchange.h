@@ -25,8 +25,8 @@ namespace kavel::lidar {
 /// `StaleInput::kAfterTrouble` a liveness command therefore goes ahead of the first command after
 /// an exchange that ended without its answer, with another command's, or amid stray bytes, and what
 /// comes before its answer is dropped. When it gets none within one receive time-out, the command
-/// is not sent and fails with `kNoReply`. Further answers to liveness commands are passed over
-/// while another command's is awaited.
+/// is not sent and fails with `kSendIncomplete`: nobody may take it for carried out. Further
+/// answers to liveness commands are passed over while another command's is awaited.
 ///
 /// One thread at a time, the two settings excepted, which any thread may change at any time.
 class CmxExchange {

@@ -194,6 +194,7 @@ TEST_F(PageWriterTest, AReadingThatFailsIsNamedAndTheLastOneIsUsed) {
        Save("Port", "81", {{kNoReply, {}}, {kNoReply, {}}}, Outcome::kWritten)) {
     EXPECT_EQ(line.find("After its restart"), std::string::npos) << line;
   }
+  Save("Port", "82", {{kNoReply, {}}, {kavel::lidar::kSendIncomplete, {}}}, Outcome::kNoAnswer);
   Save("Speed", "1", {}, Outcome::kNoAnswer);
 }
 
