@@ -14,7 +14,7 @@ using PendingCommands = std::set<std::string>;
 /// The command that writes a variable, by the text of the first row that names it: "0x31" and "49"
 /// are one command.
 inline const std::string& CommandOf(const VarInfo& var) {
-  return var.write == nullptr ? var.set_cmd : var.write->name;
+  return var.write == nullptr ? var.set_cmd.str() : var.write->name;
 }
 
 /// What the user has changed on one model's pages and not yet saved. GUI thread only.

@@ -107,7 +107,7 @@ ReadOutcome PageReader::ReadGroupNow(const std::string& key, const ReadGroup& gr
   }
   // Not being allowed to ask is no failure: whoever forbade it says so.
   if (outcome != ReadOutcome::kNotSent && failures_.IsNews(key)) {
-    report_.LogLine(group.front()->function_module + ": " + NamesOf(group) +
+    report_.LogLine(group.front()->function_module.str() + ": " + NamesOf(group) +
                         " could not be read: " + reason + ".",
                     LogType::kWarning);
   }

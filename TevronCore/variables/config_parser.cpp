@@ -102,8 +102,9 @@ const std::vector<const VarInfo*>& ConfigParser::WrittenBy(const std::string& se
 
 ConfigParser::Value ConfigParser::CopyValue(const VarInfo& var) const {
   Value value;
-  value.text = var.current_val;
+  value.text = var.default_val;
   if (const Live* live = live_[var.table_position].get(); live != nullptr) {
+    value.text = live->shown();
     value.bytes = live->bytes;
     value.has_bytes = live->has_bytes;
     value.edited = live->edited;
@@ -141,11 +142,10 @@ ConfigParser::Live& ConfigParser::LiveOf(const VarInfo& var) {
   return *live;
 }
 
-void ConfigParser::Show(const VarInfo& var, Live* live, std::string text) {
-  if (var.type == kSwitch && SwitchIndexOf(text) != "0") {
-    live->last_on = text;
+void ConfigParser::RememberSwitchOn(const VarInfo& var, Live* live) {
+  if (var.type == kSwitch && SwitchIndexOf(live->shown()) != "0") {
+    live->last_on = live->shown();
   }
-  Own(var).current_val = std::move(text);
 }
 
 void ConfigParser::Compare(Live* live, std::vector<uint8_t> bytes) {
@@ -169,8 +169,9 @@ void ConfigParser::ForgetReadings() {
     Live fresh;
     fresh.reading = var->default_val;
     fresh.edited = live->edited;
+    fresh.edit = std::move(live->edit);
     if (!fresh.edited) {
-      Show(*var, &fresh, fresh.reading);
+      RememberSwitchOn(*var, &fresh);
     }
     *live = std::move(fresh);
   }
@@ -180,20 +181,14 @@ void ConfigParser::StoreReading(const VarInfo& var, std::string text, std::vecto
   const std::lock_guard lock(values_mutex_);
   Live& live = LiveOf(var);
   Compare(&live, std::move(bytes));
-  live.reading = text;
+  live.reading = std::move(text);
   if (!live.edited) {
-    Show(var, &live, std::move(text));
+    RememberSwitchOn(var, &live);
   }
 }
 
 void ConfigParser::StoreBytes(const VarInfo& var, std::vector<uint8_t> bytes) {
-  const std::lock_guard lock(values_mutex_);
-  Live& live = LiveOf(var);
-  Compare(&live, std::move(bytes));
-  live.reading.clear();
-  if (!live.edited) {
-    Show(var, &live, {});
-  }
+  StoreReading(var, {}, std::move(bytes));
 }
 
 void ConfigParser::StoreWritten(const VarInfo& var, const std::string& text,
@@ -206,11 +201,11 @@ void ConfigParser::StoreWritten(const VarInfo& var, const std::string& text,
   live.written = bytes;
   live.bytes = std::move(bytes);
   live.has_bytes = true;
-  if (live.edited && var.current_val == text) {
+  if (live.edited && live.edit == text) {
     live.edited = false;
   }
   if (!live.edited) {
-    Show(var, &live, text);
+    RememberSwitchOn(var, &live);
   }
 }
 
@@ -218,7 +213,8 @@ void ConfigParser::Edit(const VarInfo& var, std::string text) {
   const std::lock_guard lock(values_mutex_);
   Live& live = LiveOf(var);
   live.edited = true;
-  Show(var, &live, std::move(text));
+  live.edit = std::move(text);
+  RememberSwitchOn(var, &live);
 }
 
 void ConfigParser::DropEdits(const std::vector<const VarInfo*>& vars) {
@@ -227,7 +223,7 @@ void ConfigParser::DropEdits(const std::vector<const VarInfo*>& vars) {
     Live* live = live_[var->table_position].get();
     if (live != nullptr && live->edited) {
       live->edited = false;
-      Show(*var, live, live->reading);
+      RememberSwitchOn(*var, live);
     }
   }
 }
@@ -236,7 +232,7 @@ std::string ConfigParser::SwitchOnText(const VarInfo& var) const {
   const std::lock_guard lock(values_mutex_);
   const Live* live = live_[var.table_position].get();
   const std::string& last =
-      live != nullptr && !live->last_on.empty() ? live->last_on : var.default_val;
+      live != nullptr && !live->last_on.empty() ? live->last_on : var.default_val.str();
   if (!last.empty() && SwitchIndexOf(last) != "0") {
     return last;
   }

@@ -126,18 +126,21 @@ class ConfigParser {
     std::vector<uint8_t> bytes;
     std::vector<uint8_t> written;  ///< what the next reading is compared with, unless empty
     std::string written_text;
-    std::string reading;  ///< shown when there is no edit
+    std::string reading;
+    std::string edit;
     std::string last_on;  ///< last text that was not 0, of a switch
     std::optional<std::chrono::system_clock::time_point> read_at;
     ValueState state = ValueState::kNotRead;  ///< without regard to the edit
     bool has_bytes = false;
     bool edited = false;
+
+    const std::string& shown() const { return edited ? edit : reading; }
   };
 
   void StartAnew();
   VarInfo& Own(const VarInfo& var) { return table_.rows[var.table_position]; }
   Live& LiveOf(const VarInfo& var);
-  void Show(const VarInfo& var, Live* live, std::string text);
+  static void RememberSwitchOn(const VarInfo& var, Live* live);
   static void Compare(Live* live, std::vector<uint8_t> bytes);
   Value CopyValue(const VarInfo& var) const;
 

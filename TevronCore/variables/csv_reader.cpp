@@ -131,14 +131,6 @@ size_t CsvReader::MostRows() const {
                              std::count(input_.begin(), input_.end(), '\r') + 1);
 }
 
-std::string_view CsvReader::Cell(size_t column) const {
-  if (column >= cell_count()) {
-    return {};
-  }
-  const Place& cell = cells_[row_begin_ + column];
-  return {(line_is_plain_ ? input_ : text_).data() + cell.begin, cell.size};
-}
-
 CsvReader::Event CsvReader::Next() {
   if (header_is_broken_) {
     // Without its header no cell of the file has a meaning.

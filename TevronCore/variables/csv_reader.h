@@ -65,7 +65,13 @@ class CsvReader {
   /// Number of cells that the row really has: fewer or more than the header's are both possible.
   size_t cell_count() const { return row_end_ - row_begin_; }
   /// Content of a cell, empty when the row is too short. Valid until Next().
-  std::string_view Cell(size_t column) const;
+  std::string_view Cell(size_t column) const {
+    if (column >= cell_count()) {
+      return {};
+    }
+    const Place& cell = cells_[row_begin_ + column];
+    return {(line_is_plain_ ? input_ : text_).data() + cell.begin, cell.size};
+  }
   /// Why the row is broken.
   const std::string& reason() const { return reason_; }
 

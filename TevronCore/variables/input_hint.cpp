@@ -19,7 +19,7 @@ std::string TypeRange(const VarInfo& var) {
   const int32_t bytes = var.value_type->size;
   const float scale = var.set_coefficient;
   if (TakesOnlyZero(*var.value_type)) {
-    return scale == 1.0F ? "Only 0 can be saved: " + var.var_type + " takes no other value."
+    return scale == 1.0F ? "Only 0 can be saved: " + var.var_type.str() + " takes no other value."
                          : "Only values from 0 up to, not including, " + ShortText(scale) +
                                " can be saved, and are stored as 0.";
   }
@@ -73,12 +73,12 @@ std::string Refusal(const VarInfo& var) {
   }
   if (!FillsItsPlace(var)) {
     return "Cannot be changed: the table gives it " + std::to_string(var.offset) + " bytes, and " +
-           var.var_type + " takes " + std::to_string(var.value_type->size) + ".";
+           var.var_type.str() + " takes " + std::to_string(var.value_type->size) + ".";
   }
   if (var.write != nullptr && !var.write->obstacle.empty()) {
     return "Cannot be changed: " + var.write->obstacle + '.';
   }
-  return "Cannot be changed: there is no way to enter the type \"" + var.var_type + "\".";
+  return "Cannot be changed: there is no way to enter the type \"" + var.var_type.str() + "\".";
 }
 
 std::string Range(const VarInfo& var) {
@@ -101,7 +101,7 @@ std::string Range(const VarInfo& var) {
 std::string InputHint(const VarInfo& var) {
   std::string hint = CanBeChanged(var) ? Format(var) + Range(var) : Refusal(var);
   if (!var.unit.empty()) {
-    hint += " Unit: " + var.unit + ".";
+    hint += " Unit: " + var.unit.str() + ".";
   }
   return hint;
 }

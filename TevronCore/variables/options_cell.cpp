@@ -123,7 +123,7 @@ Parsed ParseChoice(std::string_view text, std::string_view descriptions, RowKind
       return "Options: " + Quoted(values[i]) + " is no 32-bit whole number";
     }
     if (!IsOfType(*value, *var.value_type)) {
-      return "Options: " + Quoted(values[i]) + " does not fit " + var.var_type;
+      return "Options: " + Quoted(values[i]) + " does not fit " + var.var_type.str();
     }
     if (!known.insert(*value).second) {
       return "Options: the value " + Quoted(values[i]) + " stands twice";

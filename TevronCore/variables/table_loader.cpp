@@ -67,7 +67,7 @@ LoadedTable Loader::Load() {
     Fault(csv_->reason());
     return std::move(table_);
   }
-  row_.emplace(*csv_, [this](const std::string& reason) { Fault(reason); });
+  row_.emplace(*csv_, &table_.texts, [this](const std::string& reason) { Fault(reason); });
   LoadRows();
   row_.reset();
   csv_.reset();  // as large as the file
@@ -163,7 +163,7 @@ void Loader::KeepName(VarInfo* var) {
   uint32_t* slot = &table_.by_name.Position(table_.rows, var->var_name);
   if (*slot != VarIndex::kNone) {
     const std::string name = var->var_name;
-    var->var_name += '_' + var->set_cmd;
+    var->var_name += '_' + var->set_cmd.str();
     slot = &table_.by_name.Position(table_.rows, var->var_name);
     if (*slot != VarIndex::kNone) {
       var->var_name += '_' + var->var_id;

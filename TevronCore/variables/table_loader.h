@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "variables/field_group.h"
+#include "variables/shared_text.h"
 #include "variables/var_index.h"
 #include "variables/var_info.h"
 
@@ -21,6 +22,7 @@ struct TableFault {
 /// A table as it was read, finished. Its parts point at one another; moving it keeps them valid.
 struct LoadedTable {
   std::string path;
+  TextPool texts;             ///< Cells that rows have alike.
   std::vector<VarInfo> rows;  ///< In file order, those that are left out or replaced among them.
   std::vector<const VarInfo*> variables;  ///< The others, in file order.
   VarIndex by_id{&VarInfo::var_id, 0};    ///< Positions in rows.
@@ -35,7 +37,7 @@ struct LoadedTable {
 /// Longest value that a row may describe, in bytes: more than any payload of a lidar carries.
 inline constexpr int32_t kMaxValueLength = 10240;
 
-/// Rows that a table may have; each takes about half a kilobyte.
+/// Rows that a table may have; each takes about a quarter of a kilobyte.
 inline constexpr size_t kMaxTableRows = 200000;
 
 /// Reads a table. What is wrong is said on standard output and in `faults`; the rest loads. A file

@@ -59,7 +59,7 @@ void TablePlaces::AddBroken(const TableRow& row, uint32_t line) {
   }
   VarInfo var;
   var.line = line;
-  var.set_cmd = row.Cell(Column::kSet);
+  var.set_cmd = row.SharedCell(Column::kSet);
   TakeOutOfUse(FieldOf(row, var), BrokenLine(line));
   if (const std::string get_cmd(row.Cell(Column::kGet)); !get_cmd.empty()) {
     // The payload that it is sent with stands behind the fault, so it may be any.
@@ -124,7 +124,7 @@ FieldGroup* TablePlaces::ReadGroupOf(const TableRow& row, const VarInfo& var) {
   FieldGroup*& group = reads_[key];
   if (group == nullptr) {
     group = &table_.groups.emplace_back();
-    group->name = var.get_cmd + last_get_payload_;
+    group->name = var.get_cmd.str() + last_get_payload_;
     group->fixed_payload = std::move(payload);
   }
   last_read_ = group;
@@ -152,7 +152,7 @@ FieldGroup* TablePlaces::WriteGroupOf(const TableRow& row, const VarInfo& var) {
 
 // Of the row's command; a text that is none is a fault.
 const std::string& TablePlaces::KeyOf(Keys* keys, const char* column, const VarInfo& var) {
-  const std::string& text = keys == &get_keys_ ? var.get_cmd : var.set_cmd;
+  const std::string& text = (keys == &get_keys_ ? var.get_cmd : var.set_cmd).str();
   const auto [key, is_new] = keys->try_emplace(text);
   if (is_new) {
     key->second = CommandKey(text);
@@ -182,7 +182,7 @@ void TablePlaces::CheckSetIndex(const TableRow& row, const VarInfo& var) {
   }
   const auto [last, is_first] = set_indices_.try_emplace(last_write_, *index);
   if (!is_first && *index <= last->second) {
-    fault_(var.line, "SetIndex " + std::to_string(*index) + " of " + var.set_cmd +
+    fault_(var.line, "SetIndex " + std::to_string(*index) + " of " + var.set_cmd.str() +
                          " does not ascend; fields are written in the order of the rows");
   }
   last->second = *index;
@@ -221,18 +221,19 @@ void TablePlaces::TakeCommandsAway(VarInfo* var) {
     const auto by_command = unusable_reads_.find(CommandKey(var->get_cmd));
     if (reason != unusable_.end() || by_command != unusable_reads_.end()) {
       const std::string& text = reason != unusable_.end() ? reason->second : by_command->second;
-      fault_(var->line, Quoted(var->var_name) + " is not read with " + var->get_cmd + ": " + text);
+      fault_(var->line,
+             Quoted(var->var_name) + " is not read with " + var->get_cmd.str() + ": " + text);
       unusable_.emplace(var->read, text);
-      var->get_cmd.clear();
+      var->get_cmd = SharedText();
       var->get_start_pos = 0;
       var->read = nullptr;
     }
   }
   const auto reason = unusable_.find(var->write);
   if (var->write != nullptr && reason != unusable_.end()) {
-    fault_(var->line, Quoted(var->var_name) + " cannot be changed with " + var->set_cmd + ": " +
-                          reason->second);
-    var->set_cmd.clear();
+    fault_(var->line, Quoted(var->var_name) + " cannot be changed with " + var->set_cmd.str() +
+                          ": " + reason->second);
+    var->set_cmd = SharedText();
     var->set_start_pos = 0;
     var->write = nullptr;
   }
@@ -245,13 +246,13 @@ void TablePlaces::CheckWrites() {
     }
     const VarInfo& first = *group->fields.front();
     if (table_.reads.count(key) != 0) {
-      fault_(first.line, "the code " + first.set_cmd + " stands both in Get and in Set");
+      fault_(first.line, "the code " + first.set_cmd.str() + " stands both in Get and in Set");
     }
     if (IsCommand(first.set_cmd, kavel::lidar::kFovCommand) &&
         group->length != int64_t{kavel::lidar::kFovPayloadSize}) {
       fault_(first.line, "the field-of-view table takes " +
                              std::to_string(kavel::lidar::kFovPayloadSize) + " bytes, and " +
-                             first.set_cmd + " has " + std::to_string(group->length));
+                             first.set_cmd.str() + " has " + std::to_string(group->length));
     }
   }
 }

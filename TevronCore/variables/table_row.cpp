@@ -28,7 +28,8 @@ std::string NameOf(Column column) { return kNames[static_cast<size_t>(column)]; 
 
 }  // namespace
 
-TableRow::TableRow(const CsvReader& csv, FaultHandler fault) : csv_(csv), fault_(std::move(fault)) {
+TableRow::TableRow(const CsvReader& csv, TextPool* texts, FaultHandler fault)
+    : csv_(csv), texts_(*texts), fault_(std::move(fault)) {
   for (size_t column = 0; column < kNames.size(); ++column) {
     columns_[column] = column < static_cast<size_t>(Column::kGetCmdPayload)
                            ? csv.header().Column(kNames[column])
@@ -40,6 +41,14 @@ std::string_view TableRow::Cell(Column column) const {
   return csv_.Cell(columns_[static_cast<size_t>(column)]);
 }
 
+SharedText TableRow::SharedCell(Column column) const {
+  SharedText& last = last_[static_cast<size_t>(column)];
+  if (const std::string_view cell = Cell(column); last != cell) {
+    last = texts_.Share(cell);
+  }
+  return last;
+}
+
 bool TableRow::Has(Column column) const {
   const size_t position = columns_[static_cast<size_t>(column)];
   return position == kNoColumn || position < csv_.cell_count();
@@ -49,9 +58,9 @@ bool TableRow::ReadPlace(VarInfo* var) const {
   const std::string_view group_id = Cell(Column::kGroupId);
   var->group_id_size = static_cast<uint32_t>(group_id.size());
   var->var_id.append(group_id).append(1, '-').append(Cell(Column::kIndex));
-  var->get_cmd = Cell(Column::kGet);
-  var->set_cmd = Cell(Column::kSet);
-  SetValueType(Cell(Column::kVarType), var);
+  var->get_cmd = SharedCell(Column::kGet);
+  var->set_cmd = SharedCell(Column::kSet);
+  SetValueType(SharedCell(Column::kVarType), var);
   return ReadLength(var);
 }
 
@@ -62,12 +71,11 @@ void TableRow::ReadRest(VarInfo* var) const {
   var->index = ReadNumber(Column::kIndex);
   var->var_name = Cell(Column::kVarName);
   var->permission = ReadNumber(Column::kPermission);
-  var->unit = Cell(Column::kUnit);
+  var->unit = SharedCell(Column::kUnit);
   var->coefficient = ReadCoefficient(Column::kCoefficient, 1.0F);
   var->set_coefficient = ReadCoefficient(Column::kSetCoefficient, var->coefficient);
-  var->default_val = Cell(Column::kDefaultValue);
-  var->current_val = var->default_val;
-  var->function_module = Cell(Column::kFunctionModule);
+  var->default_val = SharedCell(Column::kDefaultValue);
+  var->function_module = SharedCell(Column::kFunctionModule);
   var->timer_update = ReadNumber(Column::kTimerUpdate) != 0;
   auto control = ParseControl(Cell(Column::kOptions), Cell(Column::kOptionDescription), *var);
   if (const auto* reason = std::get_if<std::string>(&control)) {
@@ -88,7 +96,7 @@ bool TableRow::ReadLength(VarInfo* var) const {
   if (length && *length >= 0 && *length <= kMaxValueLength) {
     var->offset = *length;
     if (natural != 0 && natural != *length) {
-      fault_("VarLen " + Quoted(cell) + " does not fit " + var->var_type + ", which takes " +
+      fault_("VarLen " + Quoted(cell) + " does not fit " + var->var_type.str() + ", which takes " +
              std::to_string(natural));
     }
     return true;

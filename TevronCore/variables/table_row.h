@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "variables/csv_reader.h"
+#include "variables/shared_text.h"
 #include "variables/var_info.h"
 
 /// The columns of a variable table.
@@ -42,10 +43,14 @@ class TableRow {
   using FaultHandler = std::function<void(const std::string& reason)>;
 
   /// `fault` is told what is wrong with a cell. Throws std::runtime_error "Can't find a column
-  /// named " and the name when a mandatory column is missing. `csv` has to outlive the object.
-  TableRow(const CsvReader& csv, FaultHandler fault);
+  /// named " and the name when a mandatory column is missing. `csv` and `texts`, which takes the
+  /// cells that rows have alike, have to outlive the object.
+  TableRow(const CsvReader& csv, TextPool* texts, FaultHandler fault);
 
   std::string_view Cell(Column column) const;
+
+  /// A cell that many rows have alike.
+  SharedText SharedCell(Column column) const;
 
   /// Whether the row reaches so far. Only of a broken row is it a question.
   bool Has(Column column) const;
@@ -69,6 +74,9 @@ class TableRow {
   void Check(const VarInfo& var) const;
 
   const CsvReader& csv_;
+  TextPool& texts_;
   const FaultHandler fault_;
   std::array<size_t, static_cast<size_t>(Column::kCount)> columns_{};
+  // What SharedCell gave last: mostly the next row has the same.
+  mutable std::array<SharedText, static_cast<size_t>(Column::kCount)> last_{};
 };

@@ -112,7 +112,7 @@ std::string RealText(const VarInfo& var, const Bytes& slice, size_t size) {
 bool DecodeNumber(const VarInfo& var, const Bytes& slice, std::string* text, std::string* fault) {
   const auto size = static_cast<size_t>(var.value_type->size);
   if (slice.size() < size) {
-    return Fail(fault, var.var_type + " size is less than " + std::to_string(size) +
+    return Fail(fault, var.var_type.str() + " size is less than " + std::to_string(size) +
                            ", please check your config file");
   }
   *text = var.value_type->kind == ValueKind::kInteger ? IntegerText(var, slice, size)
@@ -163,5 +163,5 @@ bool DecodeValue(const VarInfo& var, const std::vector<uint8_t>& slice, std::str
     case ValueKind::kUnknown:
       break;
   }
-  return Fail(fault, "var_type not support: " + var.var_type);
+  return Fail(fault, "var_type not support: " + var.var_type.str());
 }

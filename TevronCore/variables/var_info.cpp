@@ -2,7 +2,7 @@
 
 #include "variables/field_group.h"
 
-void SetValueType(std::string_view name, VarInfo* var) {
+void SetValueType(SharedText name, VarInfo* var) {
   var->var_type = name;
   var->value_type = &ValueTypeOf(name);
   var->offset = var->value_type->size == 0 ? 1 : var->value_type->size;
@@ -30,7 +30,7 @@ int32_t LengthLimitOf(const VarInfo& var) {
 }
 
 std::string UnitSuffix(const VarInfo& var) {
-  return var.unit.empty() ? std::string() : " (" + var.unit + ')';
+  return var.unit.empty() ? std::string() : " (" + var.unit.str() + ')';
 }
 
 int OptionIndexOf(const Control& control, const std::string& value) {

@@ -6,6 +6,7 @@
 #include <string_view>
 #include <vector>
 
+#include "variables/shared_text.h"
 #include "variables/value_type.h"
 
 struct FieldGroup;
@@ -43,31 +44,29 @@ struct Control {
 
 /// One device variable, as a row of a model's table describes it.
 ///
-/// Everything but current_val is fixed once the table is loaded (the place of "Shared Secret Key"
-/// excepted, see ConfigParser::GetVarPosOffset). That one changes under the lock of the
-/// ConfigParser that owns the record: while other threads run, read it through
-/// ConfigParser::ValueOf.
+/// Fixed once the table is loaded (the place of "Shared Secret Key" excepted, see
+/// ConfigParser::GetVarPosOffset). The value is ConfigParser's, see ValueOf there; the shared texts
+/// are the table's.
 struct VarInfo : Control {
   std::string var_id;         ///< "GroupID" text, "-", "Index" text.
   int32_t index = 0;          ///< "Index" as a number.
-  std::string get_cmd;        ///< Read command as written in the table; empty: cannot be read.
-  std::string set_cmd;        ///< Write command as written in the table; empty: cannot be written.
-  std::string var_type;       ///< Value type name as written in the table.
+  SharedText get_cmd;         ///< Read command as written in the table; empty: cannot be read.
+  SharedText set_cmd;         ///< Write command as written in the table; empty: cannot be written.
+  SharedText var_type;        ///< Value type name as written in the table.
   std::string var_name;       ///< Shown to the user; unique in the table.
-  std::string unit;           ///< "Unit" cell.
+  SharedText unit;            ///< "Unit" cell.
   int32_t get_start_pos = 0;  ///< First byte of the value in the reply to get_cmd.
   int32_t set_start_pos = 0;  ///< First byte of the value among the fields of set_cmd.
   int32_t offset = 1;         ///< Length of the value in bytes.
   int32_t permission = 0;     ///< 0: read-only for the user.
   float coefficient = 1.0F;   ///< Shown value = device integer x coefficient. Never 0.
   float set_coefficient = 1.0F;  ///< Device integer = written value / set_coefficient. Never 0.
-  std::string default_val;       ///< Shown until something was read.
-  std::string current_val;       ///< What is shown: last reading, or the user's edit.
+  SharedText default_val;        ///< Shown until something was read.
 
   const ValueType* value_type = &kUnknownType;  ///< What var_type names; never null.
   const FieldGroup* read = nullptr;   ///< Where get_start_pos counts; null without get_cmd.
   const FieldGroup* write = nullptr;  ///< Where set_start_pos counts; null without set_cmd.
-  std::string function_module;        ///< Page that shows the variable; empty: none.
+  SharedText function_module;         ///< Page that shows the variable; empty: none.
   bool timer_update = false;          ///< Shown text follows the periodic page refresh.
   uint32_t group_id_size = 0;         ///< See GroupIdOf.
   uint32_t line = 0;                  ///< 1-based line of the table file where the row starts.
@@ -75,7 +74,7 @@ struct VarInfo : Control {
 };
 
 /// Sets var_type, what it names, and the length that a value of this type has by itself, else 1.
-void SetValueType(std::string_view name, VarInfo* var);
+void SetValueType(SharedText name, VarInfo* var);
 
 /// Whether the length that the table gives is that of the type; of a type without one it is.
 bool FillsItsPlace(const VarInfo& var);

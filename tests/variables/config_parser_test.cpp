@@ -17,11 +17,11 @@ TEST_F(ConfigParserTest, FillsARecordFromEveryColumn) {
   EXPECT_EQ(output_, "");
   const VarInfo* var = &Var("Start");
   EXPECT_EQ(var->var_id, "4-11");
-  EXPECT_EQ(var->get_cmd + var->set_cmd, "0x110x12");
+  EXPECT_EQ(var->get_cmd.str() + var->set_cmd.str(), "0x110x12");
   EXPECT_EQ(UnitSuffix(*var), " (deg)");
   EXPECT_EQ(var->coefficient, 0.5F);
   EXPECT_EQ(var->set_coefficient, 0.25F);
-  EXPECT_EQ(var->current_val, "2.50");
+  EXPECT_EQ(parser_.ValueOf(*var).text, "2.50");
   EXPECT_EQ(var->function_module, "Scan");
   EXPECT_TRUE(var->timer_update);
   EXPECT_EQ(var->read->fixed_payload, (Bytes{0x0A, 0xFF}));

@@ -6,11 +6,13 @@
 
 namespace {
 
+TextPool texts;
+
 VarInfo Variable(const std::string& type, int32_t permission = 1) {
   VarInfo var;
-  SetValueType(type, &var);
+  SetValueType(texts.Share(type), &var);
   var.permission = permission;
-  var.set_cmd = "0x12";
+  var.set_cmd = texts.Share("0x12");
   return var;
 }
 
@@ -90,7 +92,7 @@ TEST(InputHint, TellsBeforeSavingWhatWouldBeRefused) {
             "Whole number from 0 to 255. Allowed: 10 to 100, or 0 for off.");
   EXPECT_EQ(hint("uint8", "switch"), "Switch: 0 is off.");
   VarInfo var = Variable("uint8", 0);
-  var.unit = "V";
+  var.unit = texts.Share("V");
   EXPECT_EQ(InputHint(var), "Read-only. Unit: V.");
 }
 

@@ -27,7 +27,7 @@ TEST(ShippedTables, HaveTheVariablesThatOthersAskFor) {
     EXPECT_EQ(parser.FindByName("Reset")->set_cmd, "0x25");
     // The screens warn of a mismatch unless part or serial number name the model's family.
     const std::string family = model.substr(0, model.find('-'));
-    EXPECT_NE(parser.FindByName("PN")->default_val.find(family), std::string::npos);
+    EXPECT_NE(parser.FindByName("PN")->default_val.str().find(family), std::string::npos);
     for (const VarInfo* var : parser.InTableOrder()) {
       EXPECT_NE(InputHint(*var).rfind("Only ", 0), 0U) << var->var_name;
     }

@@ -15,8 +15,9 @@ struct ValueCase {
   const char* name = "Value";  ///< some names decide over the type
 
   VarInfo Variable() const {
+    static TextPool texts;
     VarInfo var;
-    SetValueType(type, &var);
+    SetValueType(texts.Share(type), &var);
     var.var_name = name;
     var.coefficient = coefficient;
     var.offset = static_cast<int32_t>(bytes.size());

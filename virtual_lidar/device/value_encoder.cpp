@@ -229,7 +229,7 @@ bool EncodeValueText(const VarInfo& var, const std::string& text, std::vector<ui
   }
   std::optional<Bytes> encoded = Encode(var, text);
   if (!encoded) {
-    *error = "\"" + text + "\" is no value of type " + var.var_type;
+    *error = "\"" + text + "\" is no value of type " + var.var_type.str();
     return false;
   }
   if (encoded->size() > size) {

@@ -24,8 +24,9 @@ bool StartsWith(const Bytes& bytes, const Bytes& head) {
 // A field of view that covers the full turn, for a table that gives no default.
 Bytes FullTurn() {
   Bytes bytes = {0, kavel::lidar::kFovPairs};
+  TextPool texts;
   VarInfo angle;
-  SetValueType("float32", &angle);
+  SetValueType(texts.Share("float32"), &angle);
   Bytes encoded;
   std::string error;
   for (const char* degrees : {"0", "72", "72", "144", "144", "216", "216", "288", "288", "360"}) {
@@ -95,7 +96,7 @@ void VariableMemory::AddToWriteGroup(const VarInfo& var, size_t cell,
   if (!write) {
     return;
   }
-  if (var.set_cmd.size() < kLongCommandTextLength) {
+  if (var.set_cmd.str().size() < kLongCommandTextLength) {
     write->payload.clear();  // only a long command carries fixed bytes
   }
   const auto [place, is_new] = group_of->emplace(var.write, writes_.size());
