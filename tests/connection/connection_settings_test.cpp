@@ -53,7 +53,7 @@ TEST_F(ConnectionSettingsTest, WhatCannotBeReadLeavesTheDefaults) {
     expect_defaults(value, false);
   }
   expect_defaults("device_ip_address=10.0.0.7\n[unterminated\nno pair here\n", true);
-  expect_defaults("device_ip_address=10.0.0.7\n" + std::string(64 * 1024, '\n'), true);
+  expect_defaults("device_ip_address=10.0.0.7\n" + std::string(65536, '\n'), true);
   ASSERT_EQ(mkfifo(path_.toLocal8Bit(), 0600), 0);  // would wait for a writer for ever
   fault_.clear();
   Load(path_);

@@ -123,12 +123,12 @@ TEST_F(PageReaderTest, GivesUpAfterTwoCommandsWithoutAnAnswerInARowAndSaysEachFa
   const Lines once = {
       "WARNING: Page: Count could not be read: no answer from the lidar.",
       "WARNING: Page: Part A could not be read: lidar return code 5.",
-      "WARNING: Page: Part B could not be read: authentication refused the command, the log says "
-      "why.",
+      ("WARNING: Page: Part B could not be read: authentication refused the command, the log says "
+       "why."),
       "WARNING: Page: MAC could not be read: the lidar's answer broke off.",
       "WARNING: Page: Shape could not be read: no answer from the lidar.",
-      "WARNING: The lidar did not answer two read commands in a row. The rest of the page was not "
-      "read."};
+      ("WARNING: The lidar did not answer two read commands in a row. The rest of the page was not "
+       "read.")};
   for (const Lines& lines : {once, Lines()}) {
     lidar_.sent.clear();
     lidar_.replies = replies;
