@@ -107,7 +107,8 @@ TEST(UpgradePackage, TakesAnyBytes) {
   int parsed = 0;
   for (int round = 0; round < 5000; ++round) {
     Bytes package = Package("00", "", random() % 256);
-    package[8] = static_cast<uint8_t>(1U << random() % 5 | 1U << random() % 5);
+    package[8] = static_cast<uint8_t>(1U << random() % 5);
+    package[8] |= static_cast<uint8_t>(1U << random() % 5);
     for (size_t at = 12; at < 52; at += 4) {
       package[at] = any() & 0x1F;
       package[at + random() % 4] = random() % 16 == 0 ? any() : package[at];
