@@ -1,6 +1,7 @@
 #include "pages/edit_session.h"
 
 #include <QString>
+#include <algorithm>
 #include <utility>
 
 void EditSession::SetText(int kind, const VarInfo& var, const std::string& text,
@@ -49,11 +50,23 @@ bool EditSession::SetFov(int index, const std::string& text, UserReport& report)
 void EditSession::DropEdits(const std::vector<const VarInfo*>& vars) {
   table_.DropEdits(vars);
   for (const VarInfo* var : vars) {
-    pending_.erase(CommandOf(*var));
     if (var == fov_.variable()) {
       fov_.DropEdits();
     }
   }
+  for (const VarInfo* var : vars) {
+    if (!HasEdits(CommandOf(*var))) {
+      pending_.erase(CommandOf(*var));
+    }
+  }
+}
+
+// A command's fields may stand on several pages.
+bool EditSession::HasEdits(const std::string& command) const {
+  const auto& fields = table_.WrittenBy(command);
+  return std::any_of(fields.begin(), fields.end(), [this](const VarInfo* field) {
+    return table_.ValueOf(*field).edited || (field == fov_.variable() && fov_.HasEdits());
+  });
 }
 
 void EditSession::Clear() {

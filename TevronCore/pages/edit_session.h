@@ -39,7 +39,8 @@ class EditSession {
   /// The same for one angle of the field-of-view table. True when the table changed.
   bool SetFov(int index, const std::string& text, UserReport& report);
 
-  /// Takes the edits of `vars` back, and with them the marks of their set commands.
+  /// Takes the edits of `vars` back, and with them the marks of the set commands that no other
+  /// field has an edit for.
   void DropEdits(const std::vector<const VarInfo*>& vars);
 
   /// Forgets the pending commands and takes every edit back.
@@ -50,6 +51,7 @@ class EditSession {
 
  private:
   void SetValue(const VarInfo& var, std::string text);
+  bool HasEdits(const std::string& command) const;
 
   ConfigParser& table_;
   PendingCommands pending_;

@@ -1,6 +1,7 @@
 #include "pages/fov_table.h"
 
 #include <QString>
+#include <algorithm>
 
 #include "CmxClient/fov_command.h"
 #include "variables/command_code.h"
@@ -31,6 +32,11 @@ FovTable::EditResult FovTable::Edit(int index, const std::string& text) {
 }
 
 void FovTable::DropEdits() { edits_.fill(std::nullopt); }
+
+bool FovTable::HasEdits() const {
+  return std::any_of(edits_.begin(), edits_.end(),
+                     [](const std::optional<float>& edit) { return edit.has_value(); });
+}
 
 std::optional<FovTable::Setting> FovTable::Held() const {
   Setting held;

@@ -35,6 +35,7 @@ class FovTable {
   /// variable, kInvalid for a text that is no number in [0, 360]; nothing is stored then.
   EditResult Edit(int index, const std::string& text);
   void DropEdits();
+  bool HasEdits() const;
 
   /// The angles with the edits in them; nothing while no table of this connection's lidar is known.
   std::optional<Setting> ToSend() const;

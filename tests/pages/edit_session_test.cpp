@@ -30,9 +30,12 @@ class EditSessionTest : public testing::Test {
 
 TEST_F(EditSessionTest, EditsMarkTheirCommandUntilTheyAreDropped) {
   Set(EditSession::kTextInput, "Limit", "77");
+  Set(EditSession::kSwitchInput, "Filter", "1");
   Set(EditSession::kOptionInput, "Mode", "2");
   EXPECT_EQ(fixture_.Text("Mode"), "30");
   EXPECT_EQ((PendingCommands{"0x31", "0x33"}), session_.pending());
+  session_.DropEdits({&fixture_["Filter"]});
+  EXPECT_EQ((PendingCommands{"0x31", "0x33"}), session_.pending()) << "Limit is still edited";
   session_.DropEdits({&fixture_["Limit"]});
   EXPECT_EQ(fixture_.Text("Limit"), "5");
   EXPECT_EQ((PendingCommands{"0x33"}), session_.pending());
