@@ -101,6 +101,9 @@ class LidarSession {
   /// variable "SN" or "PN".
   std::string SerialNumber() const { return Identity("SN", facts_.serial_number); }
   std::string PartNumber() const { return Identity("PN", facts_.part_number); }
+  /// The firmware that it runs, as far as it was read: kUnread while it is unknown. That of a
+  /// network model is the variable "SWVER_YMD".
+  std::string FirmwareVersion() const { return Identity("SWVER_YMD", facts_.versions.firmware); }
 
  private:
   /// Tells whether the connection or attempt of the moment of the call is still the current one.

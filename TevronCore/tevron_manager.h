@@ -8,6 +8,8 @@
 #include <string>
 #include <vector>
 
+#include "upgrade/upgrade_status.h"
+
 /// The one object behind all screens. It owns the parts that do the work (settings, variable table,
 /// connection, page refresh), starts them, and turns what they report into properties and signals;
 /// it decides nothing about a lidar itself.
@@ -94,6 +96,14 @@ class TevronManager : public QObject {
   /// nothing; otherwise the model is loaded, becomes the fixed one of getPVNowName(), and
   /// lidarModelListChanged is emitted.
   void SetModulePV(const QString& model_name);
+
+  /// The upgrade that runs, or the last one.
+  UpgradeSnapshot UpgradeNow() const;
+  /// The firmware that the connected lidar runs, as far as it was read; "" while it is unknown.
+  std::string RunningVersion() const;
+  /// Whether this model is upgraded by a package of components (KivaUpgradeLidar), and not by one
+  /// image.
+  bool TakesPackages() const;
 
  signals:
   void isConnectedChanged();

@@ -107,6 +107,18 @@ int TevronManager::RefuseForNow(const char* operation) {
 
 void TevronManager::StartGetConfigFile() { RefuseForNow("Reading the configuration file"); }
 
+UpgradeSnapshot TevronManager::UpgradeNow() const { return {}; }
+
+std::string TevronManager::RunningVersion() const {
+  const std::string version = parts_->session.FirmwareVersion();
+  return version == kUnread ? "" : version;
+}
+
+bool TevronManager::TakesPackages() const {
+  return parts_->model()->family == SerialFamily::kKiva &&
+         parts_->model()->connect_type == kSerialCmx;
+}
+
 int TevronManager::UpgradeLidar(const QUrl& /*fileUrl*/, int, int, int) {
   return RefuseForNow("Upgrading the lidar");
 }
