@@ -3,14 +3,31 @@
 #include <new>
 #include <utility>
 
-#include "CmxClient/cmx_parser.h"
 #include "Log/logger.h"
+#include "Wire/file_piece.h"
+#include "Wire/return_code.h"
 
 namespace kavel::lidar {
 namespace {
 
 constexpr CmxExchange::Timeouts kTransferTimeouts{60000, 60000};
 constexpr uint8_t kLongCommand = 0xFF;
+
+// What the lidar's return codes about firmware mean, in brackets behind them; "" for the others.
+const char* FirmwareMeaning(int32_t code) {
+  switch (code) {
+    case kOutOfOrder:
+      return " (a piece of the firmware does not follow, or none was expected)";
+    case kDamagedPiece:
+      return " (a piece of the firmware arrived damaged)";
+    case kForeignImage:
+      return " (this is no firmware for this lidar)";
+    case kBadImage:
+      return " (the firmware did not arrive whole)";
+    default:
+      return "";
+  }
+}
 
 // What memory is too small to show is left out; the exchange itself went well.
 void TellOutcome(const CmxExchange::Outcome& outcome, const std::vector<uint8_t>& result,
@@ -105,7 +122,8 @@ std::string CmxClient::ErrorText(int32_t code) {
     case kBadArgument:
       return "a value is outside its range, nothing was sent";
     default:
-      return (code > 0 ? "lidar return code " : "error ") + std::to_string(code);
+      return (code > 0 ? "lidar return code " : "error ") + std::to_string(code) +
+             FirmwareMeaning(code);
   }
 }
 
@@ -120,16 +138,15 @@ int32_t CmxClient::TransferFile(const std::vector<uint8_t>& data, uint32_t code,
     return -1;
   }
   const uint8_t cmd = long_command ? kLongCommand : static_cast<uint8_t>(code);
-  const std::vector<std::vector<uint8_t>> pieces = CutIntoPieces(data);
   const CmxExchange::Timeouts usual = UseTimeouts(kTransferTimeouts);
   int32_t outcome = 0;
-  int number = 0;
   std::vector<uint8_t> answer;
-  for (const std::vector<uint8_t>& piece : pieces) {
+  const size_t count = FilePieceCount(data.size());
+  for (size_t number = 1; number <= count; ++number) {
     if (progress != nullptr) {
-      *progress = ++number;
+      *progress = static_cast<int>(number);
     }
-    outcome = QueryCommand(piece, answer, cmd, false);
+    outcome = QueryCommand(BuildFilePiece(data, number), answer, cmd, false);
     if (outcome != 0) {
       break;
     }

@@ -4,28 +4,9 @@
 #include <iostream>
 
 #include "Wire/big_endian.h"
-#include "Wire/crc32.h"
+#include "Wire/file_piece.h"
 
 namespace kavel::lidar {
-
-std::vector<std::vector<uint8_t>> CutIntoPieces(const std::vector<uint8_t>& data) {
-  const size_t total = (data.size() + kFilePieceDataSize - 1) / kFilePieceDataSize;
-  std::vector<std::vector<uint8_t>> pieces(total);
-  size_t start = 0;
-  for (size_t i = 0; i < total; ++i) {
-    const size_t size = std::min(kFilePieceDataSize, data.size() - start);
-    const uint8_t* bytes = data.data() + start;
-    std::vector<uint8_t>& piece = pieces[i];
-    piece.reserve(kFilePieceHeadSize + size);
-    AppendBigEndian32(piece, 0);
-    AppendBigEndian32(piece, static_cast<uint32_t>(i + 1));
-    AppendBigEndian32(piece, static_cast<uint32_t>(total));
-    AppendBigEndian32(piece, Crc32Mpeg2(bytes, size));
-    piece.insert(piece.end(), bytes, bytes + size);
-    start += size;
-  }
-  return pieces;
-}
 
 GeneralCmxParser::GeneralCmxParser(const CmxHeaderLayout& layout) : layout_(layout) {
   header_[0] = layout.identifier_1;
@@ -78,9 +59,10 @@ bool Cmx_1_0_parser::CmxStreamDecode(uint8_t /*cmd*/, uint8_t /*fill*/,
 
 bool Cmx_1_0_parser::CmxFilestreamSend(const std::vector<uint8_t>& data,
                                        std::vector<std::vector<uint8_t>>& frames, uint8_t cmd) {
-  for (const std::vector<uint8_t>& piece : CutIntoPieces(data)) {
+  const size_t count = FilePieceCount(data.size());
+  for (size_t number = 1; number <= count; ++number) {
     std::vector<uint8_t> frame;
-    if (!CmxEncode(piece, frame, cmd)) {
+    if (!CmxEncode(BuildFilePiece(data, number), frame, cmd)) {
       std::cout << "GeneralCmxParser::CmxFilestreamSend pack frame failed!\n";
       return false;
     }

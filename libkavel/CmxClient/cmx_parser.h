@@ -11,14 +11,6 @@
 /// The codecs of command frames ("CMX"): Wire/cmx_header.h has the header.
 namespace kavel::lidar {
 
-/// A file piece carries at most this many bytes of the file behind a head of `kFilePieceHeadSize`.
-constexpr size_t kFilePieceDataSize = 1024;
-constexpr size_t kFilePieceHeadSize = 16;
-
-/// The payloads of the requests that carry `data`, each with its number, their count and a
-/// checksum; none for empty `data`.
-std::vector<std::vector<uint8_t>> CutIntoPieces(const std::vector<uint8_t>& data);
-
 /// Builds and reads frames of one version. The getters read the held header: the version's template
 /// until `CmxEncode` is called, then the header of the last frame that was encoded. One thread at a
 /// time, save for `CmxStreamDecode`, which touches no state. Nothing throws for bad input. The

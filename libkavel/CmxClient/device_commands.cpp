@@ -221,6 +221,19 @@ int32_t GetStatus(CommandSender& sender, DeviceStatus* status) {
   return 0;
 }
 
+int32_t GetActivePartition(CommandSender& sender, bool* is_b) {
+  Bytes reply;
+  const int32_t code = AskFor(sender, kCmdGetPartition, 1, &reply);
+  if (code != 0) {
+    return code;
+  }
+  if (reply[0] > 1) {
+    return kBadReply;
+  }
+  *is_b = reply[0] == 1;
+  return 0;
+}
+
 bool IsValidNumber(const std::string& number) {
   const auto is_printable = [](char c) { return c >= 0x20 && c <= 0x7E; };
   return !number.empty() && number.size() <= kNumberTextSize &&

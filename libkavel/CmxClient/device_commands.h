@@ -38,6 +38,7 @@ inline constexpr uint8_t kCmdGetPartNumber = 0x4C;
 inline constexpr uint8_t kCmdGetVersions = 0x4D;
 inline constexpr uint8_t kCmdGetFunctionSafety = 0x4E;
 inline constexpr uint8_t kCmdGetStatus = 0x4F;
+inline constexpr uint8_t kCmdGetPartition = 0x53;
 
 /// Serial and part numbers have at most this many printable ASCII characters.
 inline constexpr size_t kNumberTextSize = 32;
@@ -105,6 +106,8 @@ int32_t GetPartNumber(CommandSender& sender, std::string* number);
 int32_t GetVersions(CommandSender& sender, DeviceVersions* versions);
 int32_t GetFunctionSafety(CommandSender& sender, std::vector<SafetyState>* states);
 int32_t GetStatus(CommandSender& sender, DeviceStatus* status);
+/// Which application partition runs: A (false) or B. Any other answer is kBadReply.
+int32_t GetActivePartition(CommandSender& sender, bool* is_b);
 
 /// 1 to kNumberTextSize printable ASCII characters.
 bool IsValidNumber(const std::string& number);

@@ -13,6 +13,10 @@ enum ReturnCode : uint8_t {
   kBadValue = 3,
   kNotAllowedNow = 4,
   kAuthenticationRequired = 5,
+  kOutOfOrder = 6,    ///< a piece that does not follow, or of a transfer that was not begun
+  kDamagedPiece = 7,  ///< the checksum of a piece is wrong
+  kForeignImage = 8,  ///< an image for another model, or no image at all
+  kBadImage = 9,      ///< the length or the checksum of the whole image is wrong
 };
 
 }  // namespace kavel::lidar

@@ -5,9 +5,11 @@
 #include <array>
 #include <limits>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "CmxClient/fov_command.h"
+#include "Wire/file_piece.h"
 #include "support/scripted_sender.h"
 
 namespace kavel::lidar {
@@ -70,6 +72,21 @@ TEST(CmxParser, CutsAFileIntoNumberedPieces) {
   EXPECT_EQ(frames[3],
             (Bytes{0x47, 0x74, 0x21, 0, 0, 0, 0, 17,  //
                    0,    0,    0,    0, 0, 0, 0, 3,  0, 0, 0, 3, 0xB8, 0xF3, 0x22, 0x2B, 0x39}));
+
+  // The device reads them, and tells what is wrong with one that is not whole.
+  FilePiece piece;
+  Bytes payload(frames[3].begin() + 8, frames[3].end());
+  ASSERT_EQ(ParseFilePiece(payload, &piece), kAccepted);
+  EXPECT_EQ(std::make_pair(piece.number, piece.count), std::make_pair(3U, 3U));
+  EXPECT_EQ(Bytes(piece.data, piece.data + piece.size), Bytes{0x39});
+  payload.back() ^= 1;
+  EXPECT_EQ(ParseFilePiece(payload, &piece), kDamagedPiece);
+  payload[7] = 2;
+  EXPECT_EQ(ParseFilePiece(payload, &piece), kBadLength) << "only the last one may be short";
+  payload[7] = 4;
+  EXPECT_EQ(ParseFilePiece(payload, &piece), kBadValue);
+  payload.pop_back();
+  EXPECT_EQ(ParseFilePiece(payload, &piece), kBadLength);
 
   frames.clear();
   EXPECT_TRUE(CmxParser(1).CmxFilestreamSend({}, frames, 0x21));

@@ -22,6 +22,7 @@ TEST(DeviceCommands, SendTheirBytesAndWantAReplyOfTheirLength) {
   DeviceVersions versions;
   std::vector<SafetyState> states;
   DeviceStatus status;
+  bool is_b = false;
   const struct {
     std::function<int32_t(CommandSender&)> run;
     ScriptedSender::Sent sent;
@@ -45,6 +46,7 @@ TEST(DeviceCommands, SendTheirBytesAndWantAReplyOfTheirLength) {
       {[&](auto& s) { return GetVersions(s, &versions); }, {0x4D, {}}, Bytes(48, 'A')},
       {[&](auto& s) { return GetFunctionSafety(s, &states); }, {0x4E, {}}, {1, 7, 2, 0x12, 0x34}},
       {[&](auto& s) { return GetStatus(s, &status); }, {0x4F, {}}, Bytes(10)},
+      {[&](auto& s) { return GetActivePartition(s, &is_b); }, {0x53, {}}, {1}},
   };
   for (const auto& each : cases) {
     SCOPED_TRACE(int{each.sent.cmd});
@@ -60,6 +62,10 @@ TEST(DeviceCommands, SendTheirBytesAndWantAReplyOfTheirLength) {
       EXPECT_EQ(each.run(sender), kBadReply) << "too short";
     }
   }
+  EXPECT_TRUE(is_b);
+  ScriptedSender no_partition;
+  no_partition.replies = {{0, {2}}};
+  EXPECT_EQ(GetActivePartition(no_partition, &is_b), kBadReply);
   EXPECT_EQ(rate, 3125000U);
   EXPECT_EQ(net.ip + " " + net.mask + " " + net.gateway, "192.168.1.201 255.255.255.0 192.168.1.1");
   EXPECT_EQ(net.vlan_id, 0x0123);

@@ -4,6 +4,7 @@
 
 #include <vector>
 
+#include "Wire/firmware_stream.h"
 #include "Wire/ota_stream.h"
 #include "support/bytes.h"
 
@@ -126,6 +127,61 @@ TEST(OtaStream, FramesHaveTheirBytesAndTheirDirection) {
   }
   // A sound frame that ends where its return code should stand.
   EXPECT_FALSE(ParseOtaFrame(FromHex("244c444f54412c 0003 41 09 2a d4ad8b09 eeff"), &reply));
+}
+
+// An image of five bytes for the application, in the frames 9 to 11.
+TEST(FirmwareStream, HasItsBytesAndJudgesWhatItReads) {
+  const Bytes image = {1, 2, 3, 4, 5};
+  const StreamImage whole = DescribeImage(kApplicationImage, image);
+  const Bytes begin = BuildStreamBegin(whole);
+  const Bytes piece = BuildStreamPiece(kApplicationImage, image, 1);
+  const Bytes end = BuildStreamEnd(whole, AfterImage::kRestart);
+  const struct {
+    Bytes built;
+    const char* bytes;
+  } frames[] = {
+      {BuildOtaFrame(OtaRequest{9, kCmdStreamBegin, begin}),
+       "244c444f54412c 000c510950 02000000 05470b99f4 30d77c03 eeff"},
+      {BuildOtaFrame(OtaAnswer{9, kCmdStreamBegin, kAccepted, {}}),
+       "244c444f54412c 0004410950 00 b5d6c51d eeff"},
+      {BuildOtaFrame(OtaRequest{10, kCmdStreamPiece, piece}),
+       "244c444f54412c 0011510a51 02000000 01e28f4b83 0102030405 5b8853af eeff"},
+      {BuildOtaFrame(OtaAnswer{10, kCmdStreamPiece, kAccepted, BuildStreamAck(1)}),
+       "244c444f54412c 0008410a51 00 00000001 c1e70d99 eeff"},
+      {BuildOtaFrame(OtaRequest{11, kCmdStreamEnd, end}),
+       "244c444f54412c 000d510b52 02000000 05470b99f4 01 e5a52b1c eeff"},
+  };
+  for (const auto& each : frames) {
+    EXPECT_EQ(each.built, FromHex(each.bytes));
+  }
+
+  StreamImage read;
+  StreamPiece part;
+  AfterImage then = AfterImage::kStay;
+  EXPECT_EQ(ParseStreamBegin(begin, &read), kAccepted);
+  EXPECT_EQ(read, whole);
+  EXPECT_EQ(ParseStreamEnd(end, &read, &then), kAccepted);
+  EXPECT_EQ(then, AfterImage::kRestart);
+  ASSERT_EQ(ParseStreamPiece(piece, &part), kAccepted);
+  EXPECT_EQ(Bytes(part.data, part.data + part.size), image);
+  const struct {
+    const char* what;
+    ReturnCode got, expected;
+  } refused[] = {
+      {"the rest of a piece", ParseStreamPiece({piece.begin(), piece.begin() + 9}, &part),
+       kBadLength},
+      {"one flipped bit", ParseStreamPiece(WithBitFlipped(piece, 9 * 8), &part), kDamagedPiece},
+      {"piece 0", ParseStreamPiece(WithBitFlipped(piece, 4 * 8), &part), kBadValue},
+      {"component 6", ParseStreamPiece(WithBitFlipped(piece, 2), &part), kBadValue},
+      {"an end for a beginning", ParseStreamBegin(end, &read), kBadLength},
+      {"component 6", ParseStreamBegin(WithBitFlipped(begin, 2), &read), kBadValue},
+      {"no bytes", ParseStreamBegin({2, 0, 0, 0, 0, 0, 0, 0, 0}, &read), kBadValue},
+      {"above 64 MiB", ParseStreamBegin({2, 4, 0, 0, 1, 0, 0, 0, 0}, &read), kBadValue},
+      {"another end", ParseStreamEnd(WithBitFlipped(end, 9 * 8 + 1), &read, &then), kBadValue},
+  };
+  for (const auto& each : refused) {
+    EXPECT_EQ(each.got, each.expected) << each.what;
+  }
 }
 
 }  // namespace
