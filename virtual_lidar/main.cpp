@@ -14,6 +14,7 @@
 #include <vector>
 
 #include "device/virtual_device.h"
+#include "firmware_file.h"
 #include "options.h"
 #include "server/device_server.h"
 #include "server/event_loop.h"
@@ -93,8 +94,14 @@ int Serve(const Options& options, int signals) {
   }
   const auto table =
       std::make_shared<const ConfigParser>(LoadTable(tables + "/" + options.model + ".csv"));
-  VirtualDevice device(table, MakeProfile(options));
   std::string error;
+  if (options.make_firmware) {
+    return WriteFirmwareFile(*table, options.model, options.firmware_version, options.firmware_size,
+                             options.firmware_file, &error)
+               ? 0
+               : Complain(error);
+  }
+  VirtualDevice device(table, MakeProfile(options));
   for (const auto& [name, text] : options.presets) {
     if (!device.Preset(name, text, &error)) {
       return Complain(error);

@@ -30,7 +30,8 @@ std::string FaultHelp() {
           "  virtual_lidar --port 0 --fault 'drop@0x12#1'   loses the answer to its first write\n"
           "  virtual_lidar --fault late=700@0x11            answers when nobody waits any more\n"
           "  virtual_lidar --set 'Spin Rate=1200' --dump state.json\n"
-          "  virtual_lidar --check-tables --config ./Config\n\n"
+          "  virtual_lidar --check-tables --config ./Config\n"
+          "  virtual_lidar --model Orca --make-firmware 2.8.0 orca.patch\n\n"
           "Signals: SIGUSR1 writes the dump file anew; SIGTERM and SIGINT end at once.";
   return text.str();
 }
@@ -78,6 +79,8 @@ struct CommandLine {
   bool port_given = false;
   bool serial = false;
   bool no_auth = false;
+  std::vector<std::string> firmware;
+  size_t firmware_kib = Options().firmware_size / 1024;
   int restart_ms = static_cast<int>(ServerSetup().restart_time.count());
 };
 
@@ -130,6 +133,18 @@ void DeclareHowToBehave(CLI::App* app, CommandLine* line, Options* options) {
                 "Check every table of the folder, list each fault, and end (1: there are some)");
 }
 
+void DeclareFirmware(CLI::App* app, CommandLine* line) {
+  app->option_defaults()->group("Firmware to try an upgrade with");
+  app->add_option("--make-firmware", line->firmware,
+                  "Write a firmware file of this version for the model, and end")
+      ->type_name("VERSION FILE")
+      ->expected(2);
+  app->add_option("--firmware-size", line->firmware_kib, "Size of each image in it, in KiB")
+      ->type_name("KIB")
+      ->check(CLI::Range(1, 65536).description(""))
+      ->capture_default_str();
+}
+
 // The texts have passed their checks while they were read.
 void MakeSense(const CommandLine& line, Options* options) {
   std::string error;
@@ -142,6 +157,12 @@ void MakeSense(const CommandLine& line, Options* options) {
     const size_t equals = text.find('=');
     options->presets.emplace_back(text.substr(0, equals), text.substr(equals + 1));
   }
+  if (line.firmware.size() == 2) {
+    options->make_firmware = true;
+    options->firmware_version = line.firmware[0];
+    options->firmware_file = line.firmware[1];
+  }
+  options->firmware_size = line.firmware_kib * 1024;
   ServerSetup& server = options->server;
   server.restart_time = std::chrono::milliseconds(line.restart_ms);
   const ConnectType connect = TraitsOf(options->model).connect;
@@ -175,6 +196,7 @@ std::optional<Options> ParseOptions(int argc, char** argv, int* exit_code) {
   app.get_formatter()->column_width(28);
   DeclareWhereToAnswer(&app, &line, &options);
   DeclareHowToBehave(&app, &line, &options);
+  DeclareFirmware(&app, &line);
   try {
     app.parse(argc, argv);
   } catch (const CLI::ParseError& error) {

@@ -17,6 +17,10 @@ struct Options {
   std::vector<std::pair<std::string, std::string>> presets;  ///< variable and text
   ServerSetup server;
   bool check_tables = false;
+  bool make_firmware = false;
+  std::string firmware_version;
+  std::string firmware_file;
+  size_t firmware_size = size_t{256} * 1024;  ///< of each image, in bytes
 };
 
 /// Reads the command line. Prints help or the fault in it itself.

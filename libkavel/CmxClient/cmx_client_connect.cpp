@@ -141,14 +141,12 @@ void CmxClient::Connect(Clock::time_point start) {
 
 void CmxClient::SettleConnection() {
   if (configured_.recv_ms == 0 || configured_.send_ms == 0) {
-    usual_ = kDefaultTimeouts;
-    exchange_.UseTimeouts(usual_);
+    exchange_.UseTimeouts(kDefaultTimeouts);
     return;
   }
   KAVEL_LOG(kInfo, "u32RecvTimeoutMs %u", configured_.recv_ms);
   KAVEL_LOG(kInfo, "u32SendTimeoutMs %u", configured_.send_ms);
-  usual_ = configured_;
-  exchange_.UseTimeouts(usual_);
+  exchange_.UseTimeouts(configured_);
 }
 
 bool CmxClient::TimeIsUp(Clock::time_point start) const {

@@ -39,10 +39,10 @@ CmxExchange::CmxExchange(std::shared_ptr<ClientBase> transport, uint8_t protocol
       armed_recv_ms_(timeouts.recv_ms),
       owed_(layout_) {}
 
-void CmxExchange::UseTimeouts(Timeouts timeouts) {
+CmxExchange::Timeouts CmxExchange::UseTimeouts(Timeouts timeouts) {
   transport_->SetTimeout(timeouts.recv_ms, timeouts.send_ms);
   armed_recv_ms_ = timeouts.recv_ms;
-  in_force_ = timeouts;
+  return std::exchange(in_force_, timeouts);
 }
 
 CmxExchange::Outcome CmxExchange::Run(uint8_t cmd, const std::vector<uint8_t>& payload,

@@ -7,6 +7,9 @@
 #include <memory>
 #include <string>
 
+#include "Wire/cmx_header.h"
+#include "Wire/file_piece.h"
+#include "firmware_file.h"
 #include "lidar_under_test.h"
 
 namespace {
@@ -16,6 +19,13 @@ using std::chrono::milliseconds;
 const Bytes kHalf = {0x47, 0x74, 0x31, 0};
 const Bytes kStray = {'s', 't', 'r', 'a', 'y', ' ', 'b', 'y', 't', 'e', 's'};
 const Bytes kWrite = kSetSpeed + kLiveness;
+// An image in one piece. What a fault makes of it leaves the setting alone.
+const Bytes kPiece = kavel::lidar::BuildCmxFrame(
+    kavel::lidar::kCmxHeader1, 0x83, 0,
+    kavel::lidar::BuildFilePiece(MakeFirmware("Test", {"2.8.0", ""}, 100), 1));
+const Bytes kUpgrade = kPiece + kLiveness;
+
+Bytes PieceAnswer(uint8_t return_code) { return {0x47, 0x74, 0x83, return_code, 0, 0, 0, 0}; }
 
 struct Row {
   Fault fault;
@@ -53,6 +63,11 @@ const Row kRows[] = {
      Row::kStaysOpen, milliseconds(20)},
     {Fault::kEcho, "echo@0x31", kSetSpeed + kSetReply + kLiveness},
     {Fault::kHugeLength, "huge-length@0x31", Bytes{0x47, 0x74, 0x31, 0, 0x7F, 0, 0, 0} + kLiveness},
+    {Fault::kRefusePiece, "refuse-piece=1#1", PieceAnswer(3) + PieceAnswer(0) + kLiveness,
+     kPiece + kUpgrade, Row::kHeld},
+    {Fault::kLosePiece, "lose-piece=1", kLiveness, kUpgrade, Row::kHeld},
+    {Fault::kDamagePiece, "damage-piece=1", PieceAnswer(7) + kLiveness, kUpgrade, Row::kHeld},
+    {Fault::kDieAtPiece, "die-at-piece=1@0x83", {}, kUpgrade, Row::kHeld, Row::kHangsUp},
     {Fault::kSilentAfter, "silent-after=1", kLiveness, kLiveness + kSetSpeed, Row::kHeld},
 };
 

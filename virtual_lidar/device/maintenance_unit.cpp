@@ -5,6 +5,7 @@
 
 #include "CmxClient/device_commands.h"
 #include "Wire/big_endian.h"
+#include "Wire/firmware_stream.h"
 
 namespace {
 
@@ -74,6 +75,13 @@ void MaintenanceUnit::SetNumbers(std::string serial_number, std::string part_num
   part_number_ = std::move(part_number);
 }
 
+void MaintenanceUnit::SetVersions(std::string firmware, std::string base_fpga,
+                                  std::string top_fpga) {
+  firmware_ = std::move(firmware);
+  base_fpga_ = std::move(base_fpga);
+  top_fpga_ = std::move(top_fpga);
+}
+
 std::optional<DeviceReply> MaintenanceUnit::Answer(const DeviceRequest& request,
                                                    uint32_t up_time_s) {
   if (!enabled()) {
@@ -125,6 +133,11 @@ void MaintenanceUnit::Seed(uint8_t command, const Bytes& answer) {
     default:
       break;
   }
+}
+
+bool MaintenanceUnit::in_upgrade_mode() const {
+  return enabled() && state_.mode == kavel::lidar::kUpgradeMode &&
+         state_.sub_mode == kavel::lidar::kNoSubMode;
 }
 
 void MaintenanceUnit::Restart() { state_.mode = state_.sub_mode = 0; }
@@ -219,8 +232,9 @@ uint8_t MaintenanceUnit::WriteNet(const Bytes& payload) {
 
 Bytes MaintenanceUnit::Versions() const {
   const bool kiva = family_ == SerialFamily::kKiva;
-  Bytes bytes = PaddedText("2.6.14", kavel::lidar::kVersionTextSize);
-  for (const char* text : {kiva ? "BMB 1.8.0" : "JB 3.0.1", kiva ? "TMB 1.7.5" : ""}) {
+  Bytes bytes = PaddedText(firmware_, kavel::lidar::kVersionTextSize);
+  for (const std::string& text : {kiva ? "BMB " + base_fpga_ : std::string("JB 3.0.1"),
+                                  kiva ? "TMB " + top_fpga_ : std::string()}) {
     const Bytes padded = PaddedText(text, kavel::lidar::kVersionTextSize);
     bytes.insert(bytes.end(), padded.begin(), padded.end());
   }

@@ -33,6 +33,9 @@ class MaintenanceUnit {
   /// What the device answers when it is asked who it is.
   void SetNumbers(std::string serial_number, std::string part_number);
 
+  /// Numbers of the versions that run: application and, for a Kiva, both gate arrays.
+  void SetVersions(std::string firmware, std::string base_fpga, std::string top_fpga);
+
   /// Answers a maintenance command or a mode switch; nothing for any other.
   std::optional<DeviceReply> Answer(const DeviceRequest& request, uint32_t up_time_s);
 
@@ -49,6 +52,8 @@ class MaintenanceUnit {
   std::optional<std::vector<uint8_t>> Read(uint8_t command, uint32_t up_time_s) const;
 
   bool enabled() const { return family_ != SerialFamily::kNone; }
+  /// The mode in which firmware may be streamed.
+  bool in_upgrade_mode() const;
   const MaintenanceState& state() const { return state_; }
 
  private:
@@ -61,5 +66,8 @@ class MaintenanceUnit {
   SerialFamily family_;
   std::string serial_number_;
   std::string part_number_;
+  std::string firmware_;
+  std::string base_fpga_;
+  std::string top_fpga_;
   MaintenanceState state_;
 };

@@ -1,6 +1,7 @@
 #include "device/state_dump.h"
 
 #include <QByteArray>
+#include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QSaveFile>
@@ -58,6 +59,35 @@ QJsonObject DumpMaintenance(const MaintenanceState& state) {
           {"sub_mode", state.sub_mode}};
 }
 
+QJsonObject DumpFirmware(const FirmwareUnit& firmware) {
+  const char* const names[] = {"A", "B"};
+  QJsonObject partitions;
+  QJsonArray waiting;
+  for (const size_t i : {0, 1}) {
+    const FirmwareVersion& version = firmware.partition(i);
+    partitions[names[i]] = QJsonObject{{"version", QString::fromStdString(version.number)},
+                                       {"date", QString::fromStdString(version.date)}};
+  }
+  if (firmware.application_waits()) {
+    waiting.append(FirmwareComponentName(kavel::lidar::kApplicationImage));
+  }
+  QJsonObject root{{"active", names[firmware.active()]},
+                   {"partitions", partitions},
+                   {"half_image", firmware.half_image()}};
+  QJsonObject components;
+  for (const auto& [type, component] : firmware.components()) {
+    components[FirmwareComponentName(type)] = QString::fromStdString(component.number);
+    if (component.waiting) {
+      waiting.append(FirmwareComponentName(type));
+    }
+  }
+  if (!components.isEmpty()) {
+    root["components"] = components;
+  }
+  root["waiting"] = waiting;
+  return root;
+}
+
 }  // namespace
 
 std::string DumpState(const VirtualDevice& device) {
@@ -68,7 +98,8 @@ std::string DumpState(const VirtualDevice& device) {
   }
   QJsonObject root{{"model", QString::fromStdString(device.model())},
                    {"up_time_s", static_cast<qint64>(up_time_s)},
-                   {"variables", variables}};
+                   {"variables", variables},
+                   {"firmware", DumpFirmware(device.firmware())}};
   if (device.maintenance().enabled()) {
     root["maintenance"] = DumpMaintenance(device.maintenance().state());
   }

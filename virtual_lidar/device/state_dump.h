@@ -5,8 +5,8 @@
 #include "device/virtual_device.h"
 
 /// What the device holds, as a JSON text: "model", "up_time_s", "variables" (by name: "id", "text",
-/// "hex") and, for serial models, "maintenance". The hex is that of a read at this moment.
-/// The bytes of "Shared Secret Key" are left out; only their number is told.
+/// "hex"), "firmware" and, for serial models, "maintenance". The hex is that of a read at this
+/// moment. The bytes of "Shared Secret Key" are left out; only their number is told.
 std::string DumpState(const VirtualDevice& device);
 
 /// Writes the dump to a file that always holds a whole one: a reader sees the state before or the

@@ -9,6 +9,11 @@ namespace {
 // Network settings of the tables. A device drops the link as soon as it has taken them.
 constexpr uint8_t kNetworkSettings = 0x21;
 
+// The variable that shows what firmware runs: date, a blank, a letter of the model's own, number.
+constexpr char kVersionVariable[] = "SWVER_YMD";
+constexpr size_t kDateSize = 10;
+constexpr size_t kNumberAt = 12;
+
 }  // namespace
 
 VirtualDevice::VirtualDevice(std::shared_ptr<const ConfigParser> table, DeviceProfile profile,
@@ -19,8 +24,10 @@ VirtualDevice::VirtualDevice(std::shared_ptr<const ConfigParser> table, DevicePr
       start_(clock_()),
       memory_(*table_),
       maintenance_(TraitsOf(profile.model).family),
+      firmware_(profile.model, TraitsOf(profile.model).family),
       guard_(std::move(profile.auth), std::move(profile.auth_keys), profile.auth_required) {
   SeedMaintenance();
+  SeedFirmware(true);
 }
 
 DeviceReply VirtualDevice::Answer(const DeviceRequest& request, AuthSession* session,
@@ -40,7 +47,10 @@ DeviceReply VirtualDevice::Answer(const DeviceRequest& request, AuthSession* ses
     *what = "protected";
     reply.return_code = kAuthenticationRequired;
   } else {
-    reply = CarryOut(request, what);
+    reply = CarryOut(request, faults, what);
+    if (!maintenance_.in_upgrade_mode()) {
+      firmware_.LeaveUpgradeMode();
+    }
   }
   reply.long_frame = request.long_frame;
   reply.number = request.number;
@@ -52,13 +62,26 @@ uint32_t VirtualDevice::UpTimeSeconds() const {
       std::chrono::duration_cast<std::chrono::seconds>(clock_() - start_).count());
 }
 
-bool VirtualDevice::TakeChanged() { return std::exchange(changed_, false); }
+bool VirtualDevice::TakeChanged() {
+  const bool firmware_changed = firmware_.TakeChanged();
+  return std::exchange(changed_, false) || firmware_changed;
+}
 
-DeviceReply VirtualDevice::CarryOut(const DeviceRequest& request, std::string* what) {
+DeviceReply VirtualDevice::CarryOut(const DeviceRequest& request, FaultBox* faults,
+                                    std::string* what) {
   DeviceReply reply;
   reply.code = request.code;
   if (RunBuiltIn(request, &reply, what)) {
     return reply;
+  }
+  if (auto answer = firmware_.Answer(request, maintenance_.in_upgrade_mode(), faults, what)) {
+    if (answer->aftermath == Aftermath::kRestart) {
+      Restart();
+    } else if (answer->aftermath == Aftermath::kPowerCycle) {
+      firmware_.PowerCycle();
+      PowerUp();
+    }
+    return std::move(*answer);
   }
   if (auto answer = maintenance_.Answer(request, UpTimeSeconds())) {
     *what = "maintenance";
@@ -82,7 +105,59 @@ bool VirtualDevice::Preset(const std::string& name, const std::string& text, std
     return false;
   }
   SeedMaintenance();
+  SeedFirmware(false);
   return true;
+}
+
+// The firmware that the table's variable shows is the one that runs.
+void VirtualDevice::SeedFirmware(bool both) {
+  const auto shown = memory_.TextOf(kVersionVariable);
+  if (shown && shown->size() > kNumberAt) {
+    firmware_.SetRunning({shown->substr(kNumberAt), shown->substr(0, kDateSize)}, both);
+  }
+  ShowVersions();
+}
+
+void VirtualDevice::ShowVersions() {
+  const auto number_of = [this](uint8_t component) {
+    const auto found = firmware_.components().find(component);
+    return found == firmware_.components().end() ? std::string() : found->second.number;
+  };
+  maintenance_.SetVersions(firmware_.running().number, number_of(kavel::lidar::kBaseBoardFpga),
+                           number_of(kavel::lidar::kTopBoardFpga));
+}
+
+void VirtualDevice::PowerUp() {
+  start_ = clock_();
+  maintenance_.Restart();
+}
+
+void VirtualDevice::Restart() {
+  PowerUp();
+  const size_t ran = firmware_.active();
+  firmware_.Restart();
+  ShowVersions();
+  const auto shown = memory_.TextOf(kVersionVariable);
+  if (firmware_.active() == ran || !shown || shown->size() < kNumberAt) {
+    return;
+  }
+  const FirmwareVersion& now = firmware_.running();
+  std::string error;
+  memory_.Preset(kVersionVariable,
+                 now.date + shown->substr(kDateSize, kNumberAt - kDateSize) + now.number, &error);
+}
+
+void VirtualDevice::Reset() {
+  // The settings go back to what the factory made them; the firmware is no setting.
+  const auto version = memory_.TextOf(kVersionVariable);
+  memory_.Reset();
+  std::string error;
+  if (version) {
+    memory_.Preset(kVersionVariable, *version, &error);
+  }
+  maintenance_.Reset();
+  SeedMaintenance();
+  changed_ = true;
 }
 
 // What a table shows and what maintenance commands read is one and the same: each follows the
@@ -116,16 +191,12 @@ bool VirtualDevice::RunBuiltIn(const DeviceRequest& request, DeviceReply* reply,
       return true;
     case kavel::lidar::kCmdRestart:
       *what = "restart";
-      start_ = clock_();
-      maintenance_.Restart();
+      Restart();
       reply->aftermath = Aftermath::kRestart;
       return true;
     case kavel::lidar::kCmdFactoryReset:
       *what = "reset";
-      memory_.Reset();
-      maintenance_.Reset();
-      SeedMaintenance();
-      changed_ = true;
+      Reset();
       return true;
     default:
       return false;

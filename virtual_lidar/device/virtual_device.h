@@ -6,6 +6,7 @@
 #include <string>
 
 #include "device/auth_guard.h"
+#include "device/firmware_unit.h"
 #include "device/maintenance_unit.h"
 #include "device/variable_memory.h"
 #include "faults/fault_modes.h"
@@ -49,13 +50,19 @@ class VirtualDevice {
   const std::string& model() const { return model_; }
   const VariableMemory& memory() const { return memory_; }
   const MaintenanceUnit& maintenance() const { return maintenance_; }
+  const FirmwareUnit& firmware() const { return firmware_; }
 
  private:
-  DeviceReply CarryOut(const DeviceRequest& request, std::string* what);
+  DeviceReply CarryOut(const DeviceRequest& request, FaultBox* faults, std::string* what);
   bool RunBuiltIn(const DeviceRequest& request, DeviceReply* reply, std::string* what);
   bool RunTableCommand(const DeviceRequest& request, DeviceReply* reply, std::string* what);
   void SeedMaintenance();
   void MirrorMaintenance();
+  void SeedFirmware(bool both);
+  void ShowVersions();
+  void PowerUp();
+  void Restart();
+  void Reset();
 
   std::shared_ptr<const ConfigParser> table_;
   std::string model_;
@@ -63,6 +70,7 @@ class VirtualDevice {
   std::chrono::steady_clock::time_point start_;
   VariableMemory memory_;
   MaintenanceUnit maintenance_;
+  FirmwareUnit firmware_;
   AuthGuard guard_;
   bool changed_ = false;
 };

@@ -91,6 +91,15 @@ const std::vector<FaultMode>& FaultModes() {
        "announces far more payload than the answer holds"},
       {Fault::kSilentAfter, "silent-after", "N", 0, 1000000,
        "neither carries out nor answers anything after the first N requests"},
+      {Fault::kRefusePiece, "refuse-piece", "N", 1, 65536,
+       "refuses piece N of a firmware image with return code 3"},
+      {Fault::kLosePiece, "lose-piece", "N", 1, 65536,
+       "never sees piece N of a firmware image and does not answer it"},
+      {Fault::kDamagePiece, "damage-piece", "N", 1, 65536,
+       "takes piece N of a firmware image for damaged: return code 7"},
+      {Fault::kDieAtPiece, "die-at-piece", "N", 1, 65536,
+       "loses its power for a moment at piece N of a firmware image, unanswered, and comes back "
+       "with what it had"},
       {Fault::kAuthShortProbe, "auth-short-probe", "", 0, 0,
        "answers the authentication probe with too few bytes to hold the value"},
       {Fault::kAuthShortChallenge, "auth-short-challenge", "", 0, 0,
@@ -142,9 +151,10 @@ bool ParseFaultOrder(const std::string& text, FaultOrder* order, std::string* er
 
 FaultBox::FaultBox(std::vector<FaultOrder> orders) : orders_(std::move(orders)) {}
 
-std::optional<uint32_t> FaultBox::Strike(Fault fault, uint8_t command) {
+std::optional<uint32_t> FaultBox::Strike(Fault fault, uint8_t command,
+                                         std::optional<uint32_t> number) {
   for (FaultOrder& order : orders_) {
-    if (order.fault != fault) {
+    if (order.fault != fault || (number && order.argument != *number)) {
       continue;
     }
     if (order.command && *order.command != command) {

@@ -25,6 +25,10 @@ enum class Fault {
   kEcho,
   kHugeLength,
   kSilentAfter,
+  kRefusePiece,
+  kLosePiece,
+  kDamagePiece,
+  kDieAtPiece,
   kAuthShortProbe,
   kAuthShortChallenge,
   kAuthZeroChallenge,
@@ -66,7 +70,10 @@ class FaultBox {
 
   /// Asks whether a fault strikes the request in hand, and counts it when it does.
   /// Returns the argument of the first matching order (0 for a fault without one).
-  std::optional<uint32_t> Strike(Fault fault, uint8_t command);
+  /// `number`, when given, is compared with the order's argument: of a fault that strikes one
+  /// certain piece.
+  std::optional<uint32_t> Strike(Fault fault, uint8_t command,
+                                 std::optional<uint32_t> number = std::nullopt);
 
   /// Counts one request in; true once more requests came than a "silent-after" order allows.
   bool CountRequestAndCheckSilence();

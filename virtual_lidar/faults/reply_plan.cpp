@@ -77,6 +77,9 @@ ReplyPlan PlanAnswer(const WireCodec& codec, DeviceReply reply, FaultBox* faults
   if (reply.aftermath == Aftermath::kRestart) {
     plan.ending = ReplyPlan::Ending::kRestart;
   }
+  if (reply.aftermath == Aftermath::kNoAnswer) {
+    return plan;
+  }
   if (reply.aftermath == Aftermath::kHangUpUnanswered ||
       faults->Strike(Fault::kCloseBeforeReply, command)) {
     plan.ending = ReplyPlan::Ending::kHangUp;

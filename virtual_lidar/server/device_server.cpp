@@ -154,7 +154,12 @@ ReplyPlan DeviceServer::OnRequest(Link& link, const DeviceRequest& request) {
   }
   const std::string outcome =
       "return code " + std::to_string(reply.return_code) + ", " + ByteCount(reply.payload.size());
-  ReplyPlan plan = PlanReply(link.codec(), request, reply, faults_);
+  ReplyPlan plan;
+  if (reply.aftermath == Aftermath::kPowerCycle) {
+    OnRestartDue();
+  } else {
+    plan = PlanReply(link.codec(), request, reply, faults_);
+  }
   LogRequest(link, request, what, plan.steps.empty() ? "no answer" : outcome);
   return plan;
 }
@@ -193,12 +198,13 @@ void DeviceServer::OnRestartDue() {
   if (std::exchange(restart_pending_, true)) {
     return;
   }
+  // From here on nothing is heard, not even what came in one piece with the request.
+  away_ = true;
   loop_->After({}, [this] { BeginRestart(); });
 }
 
 void DeviceServer::BeginRestart() {
   restart_pending_ = false;
-  away_ = true;
   listener_.Close();
   clients_.clear();
   ResetSerialLink();

@@ -6,12 +6,19 @@
 
 #include <algorithm>
 #include <array>
+#include <atomic>
 #include <cerrno>
 #include <utility>
 
 namespace {
 
 constexpr size_t kMaxWaitingBytes = size_t{256} * 1024;
+
+// No two clients of one program's life have the same, however they came.
+uint32_t NextClient() {
+  static std::atomic<uint32_t> last{0};
+  return ++last;
+}
 
 // A client that has gone must not end the process with a signal.
 ssize_t WriteSome(int fd, const uint8_t* data, size_t size) {
@@ -37,7 +44,8 @@ Link::Link(EventLoop* loop, LinkHost* host, int in_fd, int out_fd, std::unique_p
       in_fd_(in_fd),
       out_fd_(out_fd),
       codec_(std::move(codec)),
-      name_(std::move(name)) {
+      name_(std::move(name)),
+      client_(NextClient()) {
   UpdateWatches();
 }
 
@@ -52,6 +60,7 @@ void Link::Reset(std::unique_ptr<WireCodec> codec) {
   timer_ = 0;
   codec_ = std::move(codec);
   auth_ = AuthSession();
+  client_ = NextClient();
   answers_.clear();
   next_step_ = sent_of_step_ = waiting_bytes_ = 0;
   waited_ = out_blocked_ = dead_ = false;
@@ -99,7 +108,8 @@ void Link::ReadRequests() {
   }
   host_->BeforeRequests(*this);
   const auto now = EventLoop::Clock::now();
-  for (const DeviceRequest& request : codec_->Feed(buffer.data(), static_cast<size_t>(got), now)) {
+  for (DeviceRequest& request : codec_->Feed(buffer.data(), static_cast<size_t>(got), now)) {
+    request.client = client_;
     Enqueue({host_->OnRequest(*this, request), now});
     if (dead_) {
       return;

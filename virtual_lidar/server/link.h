@@ -74,6 +74,7 @@ class Link {
   std::unique_ptr<WireCodec> codec_;
   std::string name_;
   AuthSession auth_;
+  uint32_t client_;  ///< number of the client that is there now
 
   std::deque<Answer> answers_;
   size_t next_step_ = 0;      ///< of answers_.front()

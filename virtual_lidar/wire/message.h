@@ -7,9 +7,13 @@
 
 using kavel::lidar::kAccepted;
 using kavel::lidar::kAuthenticationRequired;
+using kavel::lidar::kBadImage;
 using kavel::lidar::kBadLength;
 using kavel::lidar::kBadValue;
+using kavel::lidar::kDamagedPiece;
+using kavel::lidar::kForeignImage;
 using kavel::lidar::kNotAllowedNow;
+using kavel::lidar::kOutOfOrder;
 using kavel::lidar::kUnknownCommand;
 
 /// One command as it arrived, whatever frame carried it.
@@ -25,6 +29,8 @@ struct DeviceRequest {
   uint8_t number = 0;
   /// The frame announced more bytes than the device takes; the payload is empty.
   bool oversized = false;
+  /// Tells one client from another, and from the one that had the port before it.
+  uint32_t client = 0;
 };
 
 /// What happens to the link once a request has been dealt with.
@@ -32,6 +38,8 @@ enum class Aftermath {
   kNone,
   kHangUpUnanswered,  ///< the link drops before the answer leaves
   kRestart,           ///< the answer leaves, then every link drops and the device comes back later
+  kNoAnswer,          ///< nothing leaves
+  kPowerCycle,        ///< as kRestart, at once and without an answer
 };
 
 struct DeviceReply {
