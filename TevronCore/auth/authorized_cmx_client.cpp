@@ -81,6 +81,13 @@ int32_t AuthorizedCmxClient::QueryQuietly(const std::vector<uint8_t>& payload,
   return MayPass(cmd, error) ? client_->QueryQuietly(payload, result, cmd, error) : -1;
 }
 
+int32_t AuthorizedCmxClient::QueryWithin(uint32_t timeout_ms, const std::vector<uint8_t>& payload,
+                                         std::vector<uint8_t>& result, uint8_t cmd,
+                                         int32_t* error) {
+  const std::lock_guard<kavel::lidar::TicketMutex> lock(mutex_);
+  return MayPass(cmd, error) ? client_->QueryWithin(timeout_ms, payload, result, cmd, error) : -1;
+}
+
 bool AuthorizedCmxClient::MayPass(uint8_t cmd, int32_t* error) {
   const bool passes = GateLocked(cmd) == 0;
   if (!passes && error != nullptr) {

@@ -45,6 +45,8 @@ class AuthorizedCmxClient : public kavel::lidar::CommandSender {
                        uint8_t cmd, bool with_header, int32_t* error) override;
   int32_t QueryQuietly(const std::vector<uint8_t>& payload, std::vector<uint8_t>& result,
                        uint8_t cmd, int32_t* error) override;
+  int32_t QueryWithin(uint32_t timeout_ms, const std::vector<uint8_t>& payload,
+                      std::vector<uint8_t>& result, uint8_t cmd, int32_t* error) override;
 
  private:
   bool MayPass(uint8_t cmd, int32_t* error);

@@ -4,14 +4,10 @@
 #include <utility>
 
 #include "Log/logger.h"
-#include "Wire/file_piece.h"
 #include "Wire/return_code.h"
 
 namespace kavel::lidar {
 namespace {
-
-constexpr CmxExchange::Timeouts kTransferTimeouts{60000, 60000};
-constexpr uint8_t kLongCommand = 0xFF;
 
 // What the lidar's return codes about firmware mean, in brackets behind them; "" for the others.
 const char* FirmwareMeaning(int32_t code) {
@@ -44,16 +40,22 @@ void TellOutcome(const CmxExchange::Outcome& outcome, const std::vector<uint8_t>
 int32_t CmxClient::QueryCommand(const std::vector<uint8_t>& payload, std::vector<uint8_t>& result,
                                 uint8_t cmd, bool with_header, int32_t* error) {
   const std::shared_ptr<ByteSink> sink = Sink();
-  return Query(payload, result, cmd, with_header, sink.get(), error);
+  return Query(payload, result, cmd, {with_header, sink.get(), {}}, error);
 }
 
 int32_t CmxClient::QueryQuietly(const std::vector<uint8_t>& payload, std::vector<uint8_t>& result,
                                 uint8_t cmd, int32_t* error) {
-  return Query(payload, result, cmd, false, nullptr, error);
+  return Query(payload, result, cmd, {}, error);
+}
+
+int32_t CmxClient::QueryWithin(uint32_t timeout_ms, const std::vector<uint8_t>& payload,
+                               std::vector<uint8_t>& result, uint8_t cmd, int32_t* error) {
+  const CmxExchange::Timeouts timeouts = {timeout_ms, timeout_ms};
+  return Query(payload, result, cmd, {false, nullptr, timeouts}, error);
 }
 
 int32_t CmxClient::Query(const std::vector<uint8_t>& payload, std::vector<uint8_t>& result,
-                         uint8_t cmd, bool with_header, ByteSink* sink, int32_t* error) {
+                         uint8_t cmd, const Terms& terms, int32_t* error) {
   int32_t ignored = 0;
   int32_t& reason = error != nullptr ? *error : ignored;
   if (!IsOpen()) {
@@ -65,7 +67,7 @@ int32_t CmxClient::Query(const std::vector<uint8_t>& payload, std::vector<uint8_
   const auto start = Clock::now();
   bool accepted = false;
   try {
-    const CmxExchange::Outcome outcome = RunExchange(payload, result, cmd, with_header, sink);
+    const CmxExchange::Outcome outcome = RunExchange(payload, result, cmd, terms);
     accepted = outcome.accepted;
     reason = outcome.error;
   } catch (const std::bad_alloc&) {
@@ -82,16 +84,22 @@ int32_t CmxClient::Query(const std::vector<uint8_t>& payload, std::vector<uint8_
 
 CmxExchange::Outcome CmxClient::RunExchange(const std::vector<uint8_t>& payload,
                                             std::vector<uint8_t>& result, uint8_t cmd,
-                                            bool with_header, ByteSink* sink) {
-  CmxExchange::Outcome outcome = exchange_.Run(cmd, payload, sink);
-  if (with_header && !outcome.header.empty()) {
+                                            const Terms& terms) {
+  // Left in force until an exchange wants others: thousands of pieces follow one another.
+  const CmxExchange::Timeouts wanted = terms.timeouts.value_or(usual_);
+  const CmxExchange::Timeouts now = exchange_.timeouts();
+  if (wanted.recv_ms != now.recv_ms || wanted.send_ms != now.send_ms) {
+    exchange_.UseTimeouts(wanted);
+  }
+  CmxExchange::Outcome outcome = exchange_.Run(cmd, payload, terms.sink);
+  if (terms.with_header && !outcome.header.empty()) {
     outcome.header.insert(outcome.header.end(), outcome.payload.begin(), outcome.payload.end());
     result.swap(outcome.header);
   } else if (!outcome.payload.empty()) {
     result.swap(outcome.payload);
   }
-  if (sink != nullptr && !exchange_.told_by_transport()) {
-    TellOutcome(outcome, result, *sink);
+  if (terms.sink != nullptr && !exchange_.told_by_transport()) {
+    TellOutcome(outcome, result, *terms.sink);
   }
   return outcome;
 }
@@ -125,39 +133,6 @@ std::string CmxClient::ErrorText(int32_t code) {
       return (code > 0 ? "lidar return code " : "error ") + std::to_string(code) +
              FirmwareMeaning(code);
   }
-}
-
-int32_t CmxClient::TransferFile(const std::vector<uint8_t>& data, uint32_t code, bool long_command,
-                                std::atomic<int>* progress) {
-  if (protocol_version_ != 1) {
-    KAVEL_LOG(kError, "protocol version %u has no file pieces", unsigned{protocol_version_});
-    return -1;
-  }
-  if (!IsOpen()) {
-    KAVEL_LOG(kError, "Client is not open, cannot send command.");
-    return -1;
-  }
-  const uint8_t cmd = long_command ? kLongCommand : static_cast<uint8_t>(code);
-  const CmxExchange::Timeouts usual = UseTimeouts(kTransferTimeouts);
-  int32_t outcome = 0;
-  std::vector<uint8_t> answer;
-  const size_t count = FilePieceCount(data.size());
-  for (size_t number = 1; number <= count; ++number) {
-    if (progress != nullptr) {
-      *progress = static_cast<int>(number);
-    }
-    outcome = QueryCommand(BuildFilePiece(data, number), answer, cmd, false);
-    if (outcome != 0) {
-      break;
-    }
-  }
-  UseTimeouts(usual);
-  return outcome;
-}
-
-CmxExchange::Timeouts CmxClient::UseTimeouts(CmxExchange::Timeouts timeouts) {
-  const std::lock_guard<TicketMutex> lock(exchange_mutex_);
-  return exchange_.UseTimeouts(timeouts);
 }
 
 }  // namespace kavel::lidar

@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <memory>
 #include <mutex>
+#include <optional>
 #include <string>
 #include <thread>
 #include <vector>
@@ -68,6 +69,8 @@ class CmxClient : public CommandSender {
                        uint8_t cmd, bool with_header, int32_t* error) override;
   int32_t QueryQuietly(const std::vector<uint8_t>& payload, std::vector<uint8_t>& result,
                        uint8_t cmd, int32_t* error) override;
+  int32_t QueryWithin(uint32_t timeout_ms, const std::vector<uint8_t>& payload,
+                      std::vector<uint8_t>& result, uint8_t cmd, int32_t* error) override;
 
   /// The reason of the last exchange that failed, on whichever thread; 0 before any failed. Another
   /// thread may have used the client since yours did: prefer the `error` of `QueryCommand`.
@@ -75,14 +78,6 @@ class CmxClient : public CommandSender {
 
   /// Plain English for any of the codes in command_sender.h and for return codes of the lidar.
   static std::string ErrorText(int32_t code);
-
-  /// Sends `data` in numbered pieces, one exchange each, under command 255 when `long_command` is
-  /// set and under the low byte of `code` otherwise, with time-outs of 60 s. `*progress` (may be
-  /// null) is the 1-based number of the piece in flight. Stops at the first piece that fails and
-  /// returns what its exchange returned; 0 when all were accepted. Protocol 1 only: with any other
-  /// version nothing is sent and the result is -1.
-  int32_t TransferFile(const std::vector<uint8_t>& data, uint32_t code, bool long_command,
-                       std::atomic<int>* progress);
 
   /// Returns when connecting has succeeded, was given up or was shut down: `IsOpen`.
   bool WaitUntilConnected();
@@ -119,13 +114,17 @@ class CmxClient : public CommandSender {
   bool TimeIsUp(Clock::time_point start) const;
   void SleepBetweenAttempts();
 
+  /// What one exchange has beside its command. Without time-outs it has those of the connection.
+  struct Terms {
+    bool with_header = false;
+    ByteSink* sink = nullptr;
+    std::optional<CmxExchange::Timeouts> timeouts;
+  };
   int32_t Query(const std::vector<uint8_t>& payload, std::vector<uint8_t>& result, uint8_t cmd,
-                bool with_header, ByteSink* sink, int32_t* error);
+                const Terms& terms, int32_t* error);
   CmxExchange::Outcome RunExchange(const std::vector<uint8_t>& payload,
-                                   std::vector<uint8_t>& result, uint8_t cmd, bool with_header,
-                                   ByteSink* sink);
+                                   std::vector<uint8_t>& result, uint8_t cmd, const Terms& terms);
   std::shared_ptr<ByteSink> Sink();
-  CmxExchange::Timeouts UseTimeouts(CmxExchange::Timeouts timeouts);
 
   std::atomic<uint8_t> running_{1};
   /// Held for a whole exchange, and by the connection thread until the time-outs are applied.
@@ -133,7 +132,8 @@ class CmxClient : public CommandSender {
   std::atomic<int32_t> last_error_{0};
   const uint8_t protocol_version_;
   const std::shared_ptr<ClientBase> transport_;
-  CmxExchange exchange_;  // guarded by exchange_mutex_
+  CmxExchange exchange_;           // guarded by exchange_mutex_
+  CmxExchange::Timeouts usual_{};  // of the connection; guarded by exchange_mutex_
   std::thread connection_thread_;
   std::string lidar_ip_;  // guarded by state_mutex_
   const uint16_t port_;

@@ -141,12 +141,14 @@ void CmxClient::Connect(Clock::time_point start) {
 
 void CmxClient::SettleConnection() {
   if (configured_.recv_ms == 0 || configured_.send_ms == 0) {
-    exchange_.UseTimeouts(kDefaultTimeouts);
+    usual_ = kDefaultTimeouts;
+    exchange_.UseTimeouts(usual_);
     return;
   }
   KAVEL_LOG(kInfo, "u32RecvTimeoutMs %u", configured_.recv_ms);
   KAVEL_LOG(kInfo, "u32SendTimeoutMs %u", configured_.send_ms);
-  exchange_.UseTimeouts(configured_);
+  usual_ = configured_;
+  exchange_.UseTimeouts(usual_);
 }
 
 bool CmxClient::TimeIsUp(Clock::time_point start) const {

@@ -39,10 +39,10 @@ CmxExchange::CmxExchange(std::shared_ptr<ClientBase> transport, uint8_t protocol
       armed_recv_ms_(timeouts.recv_ms),
       owed_(layout_) {}
 
-CmxExchange::Timeouts CmxExchange::UseTimeouts(Timeouts timeouts) {
+void CmxExchange::UseTimeouts(Timeouts timeouts) {
   transport_->SetTimeout(timeouts.recv_ms, timeouts.send_ms);
   armed_recv_ms_ = timeouts.recv_ms;
-  return std::exchange(in_force_, timeouts);
+  in_force_ = timeouts;
 }
 
 CmxExchange::Outcome CmxExchange::Run(uint8_t cmd, const std::vector<uint8_t>& payload,

@@ -52,8 +52,9 @@ class CmxExchange {
   CmxExchange(std::shared_ptr<ClientBase> transport, uint8_t protocol_version, Timeouts timeouts,
               Now now = Clock::now);
 
-  /// Puts the time-outs in force and returns those before them.
-  Timeouts UseTimeouts(Timeouts timeouts);
+  /// Puts the time-outs in force.
+  void UseTimeouts(Timeouts timeouts);
+  Timeouts timeouts() const { return in_force_; }
 
   /// From the next exchange on; `kAlways` until then.
   void SetStaleInput(StaleInput mode) { stale_input_ = mode; }

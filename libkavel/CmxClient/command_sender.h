@@ -48,6 +48,14 @@ class CommandSender {
                                uint8_t cmd, int32_t* error) {
     return QueryCommand(payload, result, cmd, false, error);
   }
+
+  /// As `QueryQuietly`, with `timeout_ms` (not 0) for sending and for the answer in the place of
+  /// the sender's own time-outs, for this exchange alone: a lidar takes its time over some
+  /// commands. A sender that has no time-outs ignores it.
+  virtual int32_t QueryWithin(uint32_t /*timeout_ms*/, const std::vector<uint8_t>& payload,
+                              std::vector<uint8_t>& result, uint8_t cmd, int32_t* error) {
+    return QueryQuietly(payload, result, cmd, error);
+  }
 };
 
 }  // namespace kavel::lidar

@@ -100,7 +100,7 @@ int32_t SerialClient::Run(uint8_t cmd, const std::vector<uint8_t>& payload, size
     sink->Sent({cmd, payload}, frame);
   }
   answers_->SetReceiveMode(kModeEmptyBuffer);
-  if (!SendFrame(frame)) {
+  if (!SendFrame(frame, send_timeout_ms_)) {
     return kSerialNotReady;
   }
   if (!ReceiveAnswer(cmd, number, max_block, timeout_ms, block)) {
@@ -146,9 +146,61 @@ bool SerialClient::ReceiveAnswer(uint8_t cmd, uint8_t number, size_t max_block, 
 }
 
 // A frame that was cut short can have no answer, so it counts as not sent.
-bool SerialClient::SendFrame(const std::vector<uint8_t>& frame) {
-  const int32_t sent = requests_->port()->Write(frame.data(), frame.size(), send_timeout_ms_);
+bool SerialClient::SendFrame(const std::vector<uint8_t>& frame, uint32_t stall_ms) {
+  const int32_t sent = requests_->port()->Write(frame.data(), frame.size(), stall_ms);
   return sent >= 0 && static_cast<size_t>(sent) == frame.size();
+}
+
+int32_t SerialClient::SetBaudRate(uint32_t requests_bps, uint32_t answers_bps) {
+  const std::lock_guard<TicketMutex> lock(mutex_);
+  if (!IsOpen() || !requests_->SetBaudRate(requests_bps)) {
+    return kSerialNotReady;
+  }
+  const bool applied = answers_ == requests_ || answers_->SetBaudRate(answers_bps);
+  return applied ? 0 : kSerialNotReady;
+}
+
+SerialClient::Lease::Lease(SerialClient& client) : client_(client), turn_(client.mutex_) {
+  if (IsOpen()) {
+    client_.answers_->SetReceiveMode(kModeEmptyBuffer);
+  }
+}
+
+uint32_t SerialClient::Lease::requests_bps() const {
+  return client_.requests_->port()->baud_rate_bps();
+}
+
+uint32_t SerialClient::Lease::answers_bps() const {
+  return client_.answers_->port()->baud_rate_bps();
+}
+
+uint8_t SerialClient::Lease::Send(uint8_t cmd, const std::vector<uint8_t>& payload,
+                                  uint32_t stall_ms) {
+  if (!IsOpen()) {
+    return kOtaUnnumbered;
+  }
+  const uint8_t number = client_.NextNumber();
+  const bool sent = client_.SendFrame(BuildOtaFrame(OtaRequest{number, cmd, payload}), stall_ms);
+  return sent ? number : kOtaUnnumbered;
+}
+
+// Waits in short steps: a frame whose length arrived damaged hides the answers behind it until a
+// wait ends.
+bool SerialClient::Lease::Receive(OtaAnswer* answer,
+                                  std::chrono::steady_clock::time_point deadline) {
+  using Clock = std::chrono::steady_clock;
+  constexpr std::chrono::milliseconds kStep{200};
+  std::vector<uint8_t> block;
+  do {
+    const auto left = std::chrono::ceil<std::chrono::milliseconds>(deadline - Clock::now());
+    const auto wait = std::clamp(left, std::chrono::milliseconds(0), kStep);
+    const int32_t size = client_.answers_->ReceiveBlock(block, kOtaMaxPayload + kOtaUncounted,
+                                                        static_cast<uint32_t>(wait.count()));
+    if (size > 0 && ParseOtaFrame(block, answer)) {
+      return true;
+    }
+  } while (IsOpen() && Clock::now() < deadline);
+  return false;
 }
 
 std::string SerialClient::LastError() const {

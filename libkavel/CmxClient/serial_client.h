@@ -1,6 +1,7 @@
 #pragma once
 
 #include <atomic>
+#include <chrono>
 #include <cstddef>
 #include <cstdint>
 #include <memory>
@@ -59,6 +60,11 @@ class SerialClient {
   int32_t Exchange(uint8_t cmd, const std::vector<uint8_t>& payload, uint32_t timeout_ms,
                    std::vector<uint8_t>& block, ByteSink* sink);
 
+  /// Changes the rates of both lines between two exchanges; harmless when they run at them already.
+  /// Returns 0, or kSerialNotReady when a line is not open or cannot take its rate: LastError()
+  /// tells. A client of one line goes by `requests_bps`.
+  int32_t SetBaudRate(uint32_t requests_bps, uint32_t answers_bps);
+
   /// Longest wait for the port to take bytes, without progress; 500 ms at first.
   void SetSendTimeout(uint32_t timeout_ms) { send_timeout_ms_ = timeout_ms; }
 
@@ -69,6 +75,35 @@ class SerialClient {
   /// Why a port was lost, as a sentence for the user; "" while there was no failure.
   std::string LastError() const;
 
+  /// The line for one user alone, for what is not one request and one answer. Exchanges of others
+  /// wait until it is gone, however long that takes, and then follow in the order in which they
+  /// were asked for; Interrupt and Close work as ever. One thread uses it, the one that made it.
+  /// What is sent and received so is kept from the byte sink.
+  class Lease {
+   public:
+    /// Waits for its turn, and forgets what was received until then.
+    explicit Lease(SerialClient& client);
+
+    bool IsOpen() const { return client_.IsOpen(); }
+    /// Rates of the two lines in bit/s.
+    uint32_t requests_bps() const;
+    uint32_t answers_bps() const;
+
+    /// Sends a long frame, however short the payload, and returns its number, which the answer
+    /// repeats; kOtaUnnumbered when it did not leave whole. `stall_ms` is the longest wait for the
+    /// port to take bytes, without progress.
+    uint8_t Send(uint8_t cmd, const std::vector<uint8_t>& payload, uint32_t stall_ms);
+
+    /// Waits until the deadline for the next answer in a long frame, whatever it answers. One that
+    /// is here already is handed out after the deadline, too. False when none came, at once when
+    /// the line was lost or interrupted.
+    bool Receive(OtaAnswer* answer, std::chrono::steady_clock::time_point deadline);
+
+   private:
+    SerialClient& client_;
+    const std::lock_guard<TicketMutex> turn_;
+  };
+
   /// Ends a running exchange from any thread. The client stays closed from then on.
   void Interrupt();
   /// Interrupts, then frees the ports.
@@ -78,7 +113,7 @@ class SerialClient {
   int32_t Run(uint8_t cmd, const std::vector<uint8_t>& payload, size_t max_block,
               uint32_t timeout_ms, std::vector<uint8_t>& block, ByteSink* sink);
   uint8_t NextNumber();
-  bool SendFrame(const std::vector<uint8_t>& frame);
+  bool SendFrame(const std::vector<uint8_t>& frame, uint32_t stall_ms);
   bool ReceiveAnswer(uint8_t cmd, uint8_t number, size_t max_block, uint32_t timeout_ms,
                      std::vector<uint8_t>& block);
 

@@ -31,6 +31,10 @@ class SerialPort {
   /// a sentence that names the port and says what to do. A port that was open is closed first.
   bool Open(const std::string& port_name, uint32_t baud_rate_bps);
 
+  /// Changes the rate of an open port, at once; harmless when it runs at that rate already. False
+  /// when the port is not open, or cannot take the rate, which leaves it at the one it had;
+  /// LastError() then tells as after Open.
+  bool SetBaudRate(uint32_t baud_rate_bps);
   uint32_t baud_rate_bps() const;
 
   /// Frees the port at once; calls that are blocked in it return. Harmless on a closed port.

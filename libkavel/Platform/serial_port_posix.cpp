@@ -205,6 +205,27 @@ bool SerialPort::Open(const std::string& port_name, uint32_t baud_rate_bps) {
   return true;
 }
 
+bool SerialPort::SetBaudRate(uint32_t rate_bps) {
+  const std::shared_ptr<Handle> handle = CurrentHandle();
+  if (handle == nullptr || rate_bps == baud_rate_bps()) {
+    return handle != nullptr;
+  }
+  const std::string path = SerialDevicePath(name());
+  termios2 line{};
+  if (!ReadLine(handle->port, &line)) {
+    return Refuse(OpenFailure(path, errno));
+  }
+  const termios2 before = line;
+  const std::string fault = ApplyRate(handle->port, &line, path, rate_bps);
+  if (!fault.empty()) {
+    ioctl(handle->port, TCSETS2, &before);
+    return Refuse(fault);
+  }
+  const std::lock_guard<std::mutex> lock(mutex_);
+  baud_rate_bps_ = rate_bps;
+  return true;
+}
+
 // Another opener need not wait for the last call in progress, and closing must not wait for bytes
 // that a dead device will never take.
 void SerialPort::Release(Handle& handle) {

@@ -161,6 +161,20 @@ bool SerialPort::Open(const std::string& port_name, uint32_t baud_rate_bps) {
   return true;
 }
 
+bool SerialPort::SetBaudRate(uint32_t rate_bps) {
+  const std::shared_ptr<Handle> handle = CurrentHandle();
+  if (handle == nullptr || rate_bps == baud_rate_bps()) {
+    return handle != nullptr;
+  }
+  if (!ApplyRate(handle->port, rate_bps)) {
+    ApplyRate(handle->port, baud_rate_bps());
+    return Refuse(RateFailure(name(), rate_bps));
+  }
+  const std::lock_guard<std::mutex> lock(mutex_);
+  baud_rate_bps_ = rate_bps;
+  return true;
+}
+
 void SerialPort::Release(Handle& handle) {
   SetEvent(handle.wake);
   PurgeComm(handle.port, PURGE_TXCLEAR | PURGE_TXABORT);

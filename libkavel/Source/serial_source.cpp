@@ -96,6 +96,15 @@ void SerialSource::Interrupt() {
   arrived_.notify_all();
 }
 
+bool SerialSource::SetBaudRate(uint32_t baud_rate_bps) {
+  const std::lock_guard<std::mutex> lifecycle(lifecycle_mutex_);
+  if (!port_->SetBaudRate(baud_rate_bps)) {
+    return false;
+  }
+  baud_rate_bps_ = baud_rate_bps;
+  return true;
+}
+
 void SerialSource::ReceivedThread() {
   std::vector<uint8_t> buffer(kReadSize);
   for (;;) {

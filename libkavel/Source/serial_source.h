@@ -86,6 +86,8 @@ class SerialSource : public Source {
   Counters GetCounters() const;
   /// Why the port did not open or was lost, as a sentence for the user; "" while nothing failed.
   std::string LastError() const;
+  /// Changes the rate of the line, also for opening it anew; see SerialPort::SetBaudRate.
+  bool SetBaudRate(uint32_t baud_rate_bps);
   /// The port below, for sending with another time-out than `Send` has.
   std::shared_ptr<SerialPort> port() const { return port_; }
 
@@ -104,7 +106,7 @@ class SerialSource : public Source {
   void StopLocked();
 
   const std::string port_name_;
-  const uint32_t baud_rate_bps_;
+  uint32_t baud_rate_bps_;  // guarded by lifecycle_mutex_
   const int receive_type_;
   const std::shared_ptr<SerialPort> port_;
   std::function<void(const std::string&)> lost_handler_;

@@ -21,6 +21,8 @@ inline constexpr size_t kOtaPrefixSize = sizeof(kOtaPrefix);
 inline constexpr size_t kOtaMaxPayload = 65531;
 /// Prefix, length, checksum and terminator: what the length does not count.
 inline constexpr size_t kOtaUncounted = 15;
+/// All of a request but its payload.
+inline constexpr size_t kOtaRequestOverhead = kOtaUncounted + 3;
 /// The number of a long answer to a "$LDCMD," request, which has none. Long requests have the
 /// numbers from 1 to 255.
 inline constexpr uint8_t kOtaUnnumbered = 0;

@@ -14,6 +14,7 @@
 #include <utility>
 #include <vector>
 
+#include "CmxClient/file_transfer.h"
 #include "support/log_lines.h"
 #include "support/socket_peer.h"
 #include "support/wait_for.h"
@@ -127,7 +128,8 @@ TEST(CmxClientShutdown, EndsATransfer) {
   ASSERT_TRUE(client->WaitUntilConnected());
   client->SetStaleInput(StaleInput::kAfterTrouble);
   std::atomic<int> progress{0};
-  std::thread user([&] { EXPECT_EQ(client->TransferFile(Bytes(5000), 1, false, &progress), -1); });
+  std::thread user(
+      [&] { EXPECT_EQ(TransferFile(*client, Bytes(5000), 1, false, &progress, nullptr), -1); });
   EXPECT_TRUE(WaitFor([&] { return progress > 0; }));
   client->Shutdown();
   client->Shutdown();

@@ -10,6 +10,7 @@
 
 #include "CmxClient/cmx_client.h"
 #include "CmxClient/cmx_parser.h"
+#include "CmxClient/file_transfer.h"
 #include "libkavel/scripted_transport.h"
 #include "support/log_lines.h"
 #include "support/shown_bytes.h"
@@ -184,19 +185,24 @@ TEST_F(CmxExchangeTest, FilesTravelInPiecesUnderLongTimeouts) {
   CmxClient sender(pieces, 1, 30, 30);
   sender.SetStaleInput(StaleInput::kAfterTrouble);
   const Bytes file(2049, 0x39);
-  EXPECT_EQ(sender.TransferFile(file, 0x1283, false, &pieces->progress), 0);
+  sender.SetByteSink(sink);
+  EXPECT_EQ(TransferFile(sender, file, 0x1283, false, &pieces->progress, &error), 0);
   EXPECT_EQ(pieces->progress, 3);
   std::vector<Bytes> frames;
   CmxParser(1).CmxFilestreamSend(file, frames, 0x83);
   EXPECT_EQ(pieces->sent, frames);
+  EXPECT_TRUE(sink->lines.empty()) << "a file would flood it";
+  EXPECT_EQ(sender.QueryCommand({}, result, 7, false, &error), 0);
   EXPECT_EQ(pieces->timeouts, (std::vector<uint32_t>{30, 60000, 50, 60000, 30}));
 
   pieces->sent.clear();
   pieces->fail_at = 2;
-  EXPECT_EQ(sender.TransferFile(file, 0x83, true, &pieces->progress), -1);
+  EXPECT_EQ(TransferFile(sender, file, 0x83, true, &pieces->progress, &error), -1);
   EXPECT_EQ(pieces->sent.size(), 2U) << "stops at the piece that failed";
   EXPECT_EQ(pieces->sent[0][2], 0xFF);
-  EXPECT_EQ(sender.GetLastErrorCode(), 6);
+  EXPECT_EQ(error, 6);
+  EXPECT_EQ(TransferFile(sender, {}, 0x83, false, nullptr, &error), -1);
+  EXPECT_EQ(error, kBadArgument);
 }
 
 TEST(CmxClient, AnUnknownProtocolVersionFailsEveryExchange) {
@@ -206,7 +212,6 @@ TEST(CmxClient, AnUnknownProtocolVersionFailsEveryExchange) {
   int32_t error = 0;
   EXPECT_EQ(client.QueryCommand({}, result, 7, false, &error), -1);
   EXPECT_EQ(error, -4);
-  EXPECT_EQ(client.TransferFile({1}, 0x83, false, nullptr), -1);
   EXPECT_TRUE(transport->sent.empty());
 }
 

@@ -170,14 +170,14 @@ TEST(FirmwareStream, HasItsBytesAndJudgesWhatItReads) {
   } refused[] = {
       {"the rest of a piece", ParseStreamPiece({piece.begin(), piece.begin() + 9}, &part),
        kBadLength},
-      {"one flipped bit", ParseStreamPiece(WithBitFlipped(piece, 9 * 8), &part), kDamagedPiece},
-      {"piece 0", ParseStreamPiece(WithBitFlipped(piece, 4 * 8), &part), kBadValue},
+      {"one flipped bit", ParseStreamPiece(WithBitFlipped(piece, 72), &part), kDamagedPiece},
+      {"piece 0", ParseStreamPiece(WithBitFlipped(piece, 32), &part), kBadValue},
       {"component 6", ParseStreamPiece(WithBitFlipped(piece, 2), &part), kBadValue},
       {"an end for a beginning", ParseStreamBegin(end, &read), kBadLength},
       {"component 6", ParseStreamBegin(WithBitFlipped(begin, 2), &read), kBadValue},
       {"no bytes", ParseStreamBegin({2, 0, 0, 0, 0, 0, 0, 0, 0}, &read), kBadValue},
       {"above 64 MiB", ParseStreamBegin({2, 4, 0, 0, 1, 0, 0, 0, 0}, &read), kBadValue},
-      {"another end", ParseStreamEnd(WithBitFlipped(end, 9 * 8 + 1), &read, &then), kBadValue},
+      {"another end", ParseStreamEnd(WithBitFlipped(end, 73), &read, &then), kBadValue},
   };
   for (const auto& each : refused) {
     EXPECT_EQ(each.got, each.expected) << each.what;
