@@ -52,26 +52,53 @@ bool LidarSession::Connect(const ConnectionSettings& settings) {
   if (state_.connected) {
     Disconnect();
   }
+  settings_ = settings;
+  StartAttempt({});
+  return true;
+}
+
+void LidarSession::StartAttempt(std::chrono::milliseconds patience) {
   ++*number_;
   connecting_ = true;
   const std::shared_ptr<UserReport> report = ReportOfNow();
-  const ConnectRequest request{settings, model_, set_up_.auto_receive, set_up_.byte_flow,
-                               std::make_shared<ReportSink>(report, LogType::kCmx)};
+  const ConnectRequest request{settings_,
+                               model_,
+                               set_up_.auto_receive,
+                               set_up_.byte_flow,
+                               std::make_shared<ReportSink>(report, LogType::kCmx),
+                               patience};
   attempt_ = std::make_unique<ConnectAttempt>(
       request, report,
       ConnectAttempt::Handlers{Later(&LidarSession::EndAttempt), Later(&LidarSession::Lose)});
-  return true;
+}
+
+void LidarSession::AwaitReturn(std::chrono::milliseconds patience,
+                               std::function<void(Return)> ended) {
+  Disconnect();
+  if (connecting_ || state_.connected) {
+    return ended(Return::kGivenUp);  // a handler has begun something else
+  }
+  return_ended_ = std::move(ended);
+  StartAttempt(patience);
+}
+
+void LidarSession::TellReturn(Return outcome) {
+  if (const auto ended = std::exchange(return_ended_, nullptr)) {
+    ended(outcome);
+  }
 }
 
 void LidarSession::EndAttempt() {
   const std::function<bool()> is_current = Current();
   std::shared_ptr<Connection> connection = attempt_->TakeConnection();
   attempt_.reset();
+  const Return outcome = connection != nullptr ? Return::kBack : Return::kNotBack;
   if (connection != nullptr) {
     Adopt(std::move(connection));
   }
   if (is_current()) {
     connecting_ = false;
+    TellReturn(outcome);
   }
 }
 
@@ -137,6 +164,9 @@ void LidarSession::TakeFacts(DeviceFacts facts) {
 }
 
 void LidarSession::Lose(const std::string& reason) {
+  if (return_ended_ != nullptr) {
+    return;  // a port may go and come back with the lidar that restarts
+  }
   set_up_.report.LogLine(reason, LogType::kError);
   set_up_.report.Error(reason);
   Stop();
@@ -163,6 +193,7 @@ void LidarSession::Disconnect() {
   }
   set_up_.handlers.facts_changed();
   set_up_.handlers.state_changed();
+  TellReturn(Return::kGivenUp);
 }
 
 void LidarSession::End() {
@@ -183,7 +214,7 @@ void LidarSession::End() {
 
 bool LidarSession::CheckLink() {
   const std::shared_ptr<kavel::lidar::CommandSender> to_lidar = sender();
-  return to_lidar != nullptr && to_lidar->IsOpen() && LidarAnswers(*to_lidar);
+  return to_lidar != nullptr && to_lidar->IsOpen() && (state_.upgrading || LidarAnswers(*to_lidar));
 }
 
 std::shared_ptr<kavel::lidar::CommandSender> LidarSession::sender() const {
@@ -205,6 +236,14 @@ void LidarSession::ReadFactsAfterRestart() {
   if (facts_reading_ != nullptr) {
     facts_reading_->RequestAfterRestart();
   }
+}
+
+std::string LidarSession::RunningVersion() const {
+  if (model_->connect_type != kNetworkLink) {
+    return VersionText(facts_.versions, model_->family);
+  }
+  const std::string version = Identity("SWVER_YMD", kUnread);
+  return version == kUnread ? "" : version;
 }
 
 std::string LidarSession::Identity(const char* name, const std::string& asked) const {

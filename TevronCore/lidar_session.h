@@ -62,14 +62,28 @@ class LidarSession {
   bool Connect(const ConnectionSettings& settings);
   bool connecting() const { return connecting_; }
 
+  /// How waiting for a lidar that restarts has ended.
+  enum class Return { kBack, kNotBack, kGivenUp };
+  /// Ends the connection, whose lidar restarts, and connects to it again with the same settings,
+  /// all without a message: the lidar has until `patience` is over to answer. connecting() is true
+  /// meanwhile. `ended` is told once: kGivenUp when Stop, another attempt or another model came
+  /// between. Not told on destruction.
+  void AwaitReturn(std::chrono::milliseconds patience, std::function<void(Return)> ended);
+
   /// Ends attempt and connection in any state, and says so in the log.
   void Stop();
 
-  /// One exchange, or two: true when the lidar answers.
+  /// One exchange, or two: true when the lidar answers. While an upgrade has the line to itself the
+  /// lidar is not asked, and counts as there.
   bool CheckLink();
 
   /// Where commands go; null without a connection.
   std::shared_ptr<kavel::lidar::CommandSender> sender() const;
+  /// Null without a connection. For work that outlasts an exchange: whoever keeps it has to expect
+  /// that the session closes it.
+  const std::shared_ptr<Connection>& connection() const { return connection_; }
+  /// What the connection or the last attempt was made with.
+  const ConnectionSettings& settings() const { return settings_; }
   LinkState& state() { return state_; }
   const LinkState& state() const { return state_; }
 
@@ -101,9 +115,9 @@ class LidarSession {
   /// variable "SN" or "PN".
   std::string SerialNumber() const { return Identity("SN", facts_.serial_number); }
   std::string PartNumber() const { return Identity("PN", facts_.part_number); }
-  /// The firmware that it runs, as far as it was read: kUnread while it is unknown. That of a
-  /// network model is the variable "SWVER_YMD".
-  std::string FirmwareVersion() const { return Identity("SWVER_YMD", facts_.versions.firmware); }
+  /// What runs on it, as far as it was read: "" while it is unknown. That of a network model is the
+  /// variable "SWVER_YMD".
+  std::string RunningVersion() const;
 
  private:
   /// Tells whether the connection or attempt of the moment of the call is still the current one.
@@ -114,7 +128,9 @@ class LidarSession {
   std::function<void(Args...)> Later(void (LidarSession::*handler)(Args...));
   std::shared_ptr<UserReport> ReportOfNow() const;
 
+  void StartAttempt(std::chrono::milliseconds patience);
   void EndAttempt();
+  void TellReturn(Return outcome);
   void Adopt(std::shared_ptr<Connection> connection);
   void StartReadingFacts();
   void TakeFacts(DeviceFacts facts);
@@ -136,6 +152,8 @@ class LidarSession {
   DeviceFacts facts_;
   bool reading_facts_ = false;
   bool connecting_ = false;
+  ConnectionSettings settings_;
+  std::function<void(Return)> return_ended_;  ///< set while a lidar that restarts is waited for
   // Destroyed from the last to the first: the threads are gone before what they use.
   std::shared_ptr<Connection> connection_;
   std::unique_ptr<PageRefresh> refresh_;

@@ -5,6 +5,7 @@
 
 #include "tevron_manager.h"
 #include "tevron_manager_parts.h"
+#include "upgrade/upgrade_mode.h"
 
 void TevronManager::SendCommand(const QString& cmd_qs, const QString& payload_qs) {
   const std::shared_ptr<kavel::lidar::CommandSender> sender = parts_->session.sender();
@@ -107,28 +108,23 @@ int TevronManager::RefuseForNow(const char* operation) {
 
 void TevronManager::StartGetConfigFile() { RefuseForNow("Reading the configuration file"); }
 
-UpgradeSnapshot TevronManager::UpgradeNow() const { return {}; }
+UpgradeSnapshot TevronManager::UpgradeNow() const { return parts_->upgrade.Now(); }
 
-std::string TevronManager::RunningVersion() const {
-  const std::string version = parts_->session.FirmwareVersion();
-  return version == kUnread ? "" : version;
-}
+std::string TevronManager::RunningVersion() const { return parts_->session.RunningVersion(); }
 
 bool TevronManager::TakesPackages() const {
   return parts_->model()->family == SerialFamily::kKiva &&
          parts_->model()->connect_type == kSerialCmx;
 }
 
-int TevronManager::UpgradeLidar(const QUrl& /*fileUrl*/, int, int, int) {
-  return RefuseForNow("Upgrading the lidar");
+int TevronManager::UpgradeLidar(const QUrl& fileUrl, int, int, int) {
+  return parts_->upgrade.Start(fileUrl);
 }
 
-int TevronManager::LumoUpgradeLidar(const QUrl& /*fileUrl*/) {
-  return RefuseForNow("Upgrading the lidar");
-}
+int TevronManager::LumoUpgradeLidar(const QUrl& fileUrl) { return parts_->upgrade.Start(fileUrl); }
 
-int TevronManager::KivaUpgradeLidar(const QUrl& /*fileUrl*/) {
-  return RefuseForNow("Upgrading the lidar");
+int TevronManager::KivaUpgradeLidar(const QUrl& fileUrl) {
+  return parts_->upgrade.StartPackage(fileUrl);
 }
 
 int TevronManager::DownloadOperationLog(const QUrl& /*fileUrl*/) {
@@ -147,7 +143,11 @@ int TevronManager::LumoGetCorrection(const QString&) {
   return RefuseForNow("Downloading the calibration");
 }
 
-void TevronManager::LumoSetUpgradeMode(int) { RefuseForNow("The upgrade mode"); }
+void TevronManager::LumoSetUpgradeMode(int mode) {
+  const std::shared_ptr<Connection>& connection = parts_->session.connection();
+  SetUpgradeMode(connection == nullptr ? nullptr : connection->serial().get(),
+                 parts_->session.state(), mode, parts_->report);
+}
 
 void TevronManager::selectMonitorHwVersion(const QString& /*version*/) {
   RefuseForNow("The monitor");

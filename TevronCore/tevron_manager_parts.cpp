@@ -46,7 +46,9 @@ TevronManager::Parts::Parts(TevronManager& manager, bool auto_receive,
       posted(std::make_shared<PostedReport>(PostTo(manager), report, [] { return true; })),
       byte_flow(std::make_shared<ByteFlow>(*posted)),
       console(report),
-      session({PostTo(manager), report, auto_receive, byte_flow, HandlersOf(manager)}) {
+      session({PostTo(manager), report, auto_receive, byte_flow, HandlersOf(manager)}),
+      upgrade(
+          {PostTo(manager), report, session, [&manager] { emit manager.isUpgradingChanged(); }}) {
   TakeModel(session.model());
   std::string fault;
   settings = LoadConnectionSettings(SettingsFilePath(), &fault);

@@ -7,6 +7,7 @@
 #include "connection/connection_settings.h"
 #include "console/byte_flow.h"
 #include "console/command_console.h"
+#include "firmware_upgrade.h"
 #include "lidar_session.h"
 #include "maintenance/maintenance.h"
 #include "pages/edit_session.h"
@@ -52,6 +53,7 @@ struct TevronManager::Parts {
   ShownPages pages;
   std::shared_ptr<EditSession> edits;
   LidarSession session;
+  FirmwareUpgrade upgrade;
 
   const std::shared_ptr<LidarModel>& model() const { return session.model(); }
   /// Shows another model. Adds what is wrong with its options to its faults.

@@ -59,8 +59,8 @@ QString TevronManager::getPVNowName() { return QString::fromStdString(parts_->pr
 bool TevronManager::isConnected() const { return parts_->session.state().connected; }
 int TevronManager::connectType() const { return parts_->model()->connect_type; }
 bool TevronManager::isUpgrading() const { return parts_->session.state().upgrading; }
-int TevronManager::upgradeProgress() const { return 0; }
-int TevronManager::upgradeProgressTotalLen() const { return 0; }
+int TevronManager::upgradeProgress() const { return parts_->upgrade.progress_kib(); }
+int TevronManager::upgradeProgressTotalLen() const { return parts_->upgrade.total_kib(); }
 bool TevronManager::isDownloadLog() const { return parts_->session.state().downloading; }
 
 void TevronManager::setIsDownloadLog(bool running) {

@@ -2,6 +2,7 @@
 
 #include <QFileInfo>
 #include <QString>
+#include <algorithm>
 #include <exception>
 #include <iostream>
 #include <utility>
@@ -11,6 +12,7 @@
 #include "auth/auth_config.h"
 #include "auth/auth_keys.h"
 #include "auth/authorized_cmx_client.h"
+#include "session/quiet_report.h"
 #include "variables/host_port.h"
 
 namespace {
@@ -23,6 +25,10 @@ constexpr uint32_t kPlainTcp = 0;
 constexpr uint8_t kProtocolVersion = 1;
 constexpr uint32_t kExchangeTimeoutMs = 500;
 constexpr float kConnectTimeLimitS = 5.0F;
+
+/// A lidar that restarts may still answer before it goes down.
+constexpr std::chrono::milliseconds kRestartBegins{1000};
+constexpr std::chrono::milliseconds kRetryPause{500};
 
 constexpr char kOpenFailed[] = "TCP connection failed.";
 
@@ -44,8 +50,9 @@ std::string MissingAlgorithm(int id) {
 ConnectAttempt::ConnectAttempt(ConnectRequest request, std::shared_ptr<UserReport> report,
                                Handlers handlers)
     : request_(std::move(request)),
-      report_(std::move(report)),
+      report_(IsPatient() ? std::make_shared<QuietReport>(std::move(report)) : std::move(report)),
       handlers_(std::move(handlers)),
+      patience_ends_(std::chrono::steady_clock::now() + request_.keep_trying_for),
       thread_([this] { Run(); }) {}
 
 ConnectAttempt::~ConnectAttempt() {
@@ -62,7 +69,7 @@ void ConnectAttempt::Cancel() {
 }
 
 void ConnectAttempt::Run() {
-  std::shared_ptr<Connection> connection = Connect();
+  std::shared_ptr<Connection> connection = IsPatient() ? AwaitLidar() : Connect();
   {
     // From here on the client belongs to the connection: cancelling must not end it.
     const std::lock_guard<std::mutex> lock(mutex_);
@@ -75,6 +82,22 @@ void ConnectAttempt::Run() {
 std::shared_ptr<Connection> ConnectAttempt::TakeConnection() {
   const std::lock_guard<std::mutex> lock(mutex_);
   return std::move(connection_);
+}
+
+std::shared_ptr<Connection> ConnectAttempt::AwaitLidar() {
+  std::shared_ptr<Connection> connection;
+  std::chrono::milliseconds pause = kRestartBegins;
+  while (connection == nullptr && !stop_.WaitFor(pause) &&
+         std::chrono::steady_clock::now() < patience_ends_) {
+    connection = Connect();
+    pause = kRetryPause;
+  }
+  return connection;
+}
+
+float ConnectAttempt::ConnectTimeLimitS() const {
+  const std::chrono::duration<float> left = patience_ends_ - std::chrono::steady_clock::now();
+  return IsPatient() ? std::clamp(left.count(), 0.0F, kConnectTimeLimitS) : kConnectTimeLimitS;
 }
 
 std::shared_ptr<Connection> ConnectAttempt::Connect() {
@@ -107,7 +130,7 @@ std::shared_ptr<Connection> ConnectAttempt::ConnectNetwork() {
   }
   const auto client = std::make_shared<CmxClient>(
       request_.settings.lidar_ip, command_port, request_.auto_receive, kPlainTcp, kProtocolVersion,
-      "", "", "", kExchangeTimeoutMs, kExchangeTimeoutMs, kConnectTimeLimitS, host_port);
+      "", "", "", kExchangeTimeoutMs, kExchangeTimeoutMs, ConnectTimeLimitS(), host_port);
   client->SetStaleInput(request_.model->stale_input);
   if (!KeepInterruptible(client)) {
     return nullptr;
@@ -229,6 +252,9 @@ ConnectAttempt::ClientPtr ConnectAttempt::ClientOver(const SerialPtr& serial) {
 }
 
 std::shared_ptr<Connection> ConnectAttempt::Join(const ClientPtr& client, const SerialPtr& serial) {
+  if (IsPatient() && !LidarAnswers(*client)) {
+    return nullptr;  // before the probe, whose answer would be taken for the lidar's
+  }
   const std::string table = request_.model->config_folder + "/auth_config.csv";
   AuthConfig config;
   if (QFileInfo::exists(QString::fromStdString(table))) {
@@ -256,6 +282,9 @@ std::shared_ptr<Connection> ConnectAttempt::Join(const ClientPtr& client, const 
 }
 
 std::shared_ptr<Connection> ConnectAttempt::CheckAlive(std::shared_ptr<Connection> connection) {
+  if (connection == nullptr) {
+    return nullptr;
+  }
   if (!connection->sender()->IsOpen()) {
     std::cout << "CmxClient haven't initialized\n" << std::flush;
   }

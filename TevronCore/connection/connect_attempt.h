@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <functional>
 #include <memory>
 #include <mutex>
@@ -21,6 +22,9 @@ struct ConnectRequest {
   bool auto_receive = true;                         ///< handed to the network client
   std::shared_ptr<ByteFlow> byte_flow;              ///< shows the bytes of every exchange
   std::shared_ptr<kavel::lidar::LogSink> auth_log;  ///< gets the lines of the authentication
+  /// Above zero: the lidar restarts. It is left alone for a second, and then tried again and again
+  /// until it answers or this time is over. What fails meanwhile is no failure: only the log tells.
+  std::chrono::milliseconds keep_trying_for{0};
 };
 
 /// One attempt to connect to a lidar, on a thread of its own. The model decides how: over the
@@ -55,7 +59,10 @@ class ConnectAttempt {
   using SerialPtr = std::shared_ptr<kavel::lidar::SerialClient>;
 
   void Run();
+  std::shared_ptr<Connection> AwaitLidar();
   std::shared_ptr<Connection> Connect();
+  bool IsPatient() const { return request_.keep_trying_for.count() > 0; }
+  float ConnectTimeLimitS() const;
   std::shared_ptr<Connection> ConnectNetwork();
   std::shared_ptr<Connection> ConnectSerialPair();
   std::shared_ptr<Connection> ConnectSerialCmx();
@@ -74,6 +81,7 @@ class ConnectAttempt {
   const std::shared_ptr<UserReport> report_;
   const Handlers handlers_;
   StopSignal stop_;
+  const std::chrono::steady_clock::time_point patience_ends_;
   std::mutex mutex_;
   ClientPtr client_in_work_;                ///< guarded by mutex_; what Cancel has to interrupt
   std::shared_ptr<Connection> connection_;  ///< guarded by mutex_

@@ -51,6 +51,14 @@ QString UpTimeText(unsigned seconds) {
 
 }  // namespace
 
+std::string VersionText(const kavel::lidar::DeviceVersions& versions, SerialFamily family) {
+  if (versions.firmware == kUnread || family != SerialFamily::kKiva) {
+    return versions.firmware == kUnread ? "" : versions.firmware;
+  }
+  return versions.firmware + " (BMB FPGA " + versions.fpga_a + ", TMB FPGA " + versions.fpga_b +
+         ")";
+}
+
 QVariantList InfoList(const DeviceFacts& facts, SerialFamily family) {
   QVariantList list;
   list.append(TextFact("serial_number", "Serial Number", facts.serial_number));

@@ -20,6 +20,9 @@ struct DeviceFacts {
   std::optional<kavel::lidar::DeviceStatus> status;
 };
 
+/// What runs on the lidar, in one text; of a Kiva with the versions of its boards. "" while unread.
+std::string VersionText(const kavel::lidar::DeviceVersions& versions, SerialFamily family);
+
 /// The facts as the screens show them, one map each: "name" and "value" are texts to show, "key"
 /// names the fact to the program, "raw" is the number or text that the lidar told, and "state" is
 /// "read", or "unread" for what it has not told; then "value" is kUnread and "raw" is missing.

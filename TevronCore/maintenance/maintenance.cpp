@@ -192,8 +192,8 @@ DeviceFacts Maintenance::ReadFacts(DeviceFacts facts, bool silent) {
   CommandSender& lidar = *link_.sender;
   bool is_silent = false;
   const auto read = [&](const MaintenanceTexts& texts, auto get, auto* fact) {
-    if (is_silent) {
-      return false;
+    if (is_silent || !IsReady(texts, true)) {
+      return false;  // an upgrade that has begun meanwhile has the line to itself
     }
     const int32_t result = get(lidar, fact);
     is_silent = result == kNoReply;

@@ -28,6 +28,7 @@ std::string FaultOf(uint64_t size_bytes) {
 
 void ReadInto(QFile& source, UpgradeFile* file) {
   const auto size = static_cast<uint64_t>(source.size());
+  file->size_bytes = size;
   file->problem = FaultOf(size);
   if (!file->problem.empty()) {
     return;

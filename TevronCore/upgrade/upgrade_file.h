@@ -28,6 +28,7 @@ UpgradeFileFacts InspectUpgradeFile(const QUrl& url, bool package);
 /// A file read whole. Throws nothing; any file may be asked for.
 struct UpgradeFile {
   std::string name;  ///< without its folder
+  uint64_t size_bytes = 0;
   bool opened = false;
   std::string problem;         ///< why `bytes` are not to be used, a sentence; "" when they are
   std::vector<uint8_t> bytes;  ///< empty when there is a problem
