@@ -1,6 +1,8 @@
 #include "main_window.h"
 
+#include <QCloseEvent>
 #include <QQmlContext>
+#include <QQuickItem>
 #include <QQuickView>
 #include <QUrl>
 
@@ -44,6 +46,23 @@ MainWindow::~MainWindow() {
   manager_.reset();
 }
 
+void MainWindow::closeEvent(QCloseEvent* event) {
+  QObject* scene = view_->rootObject();
+  if (!asks_before_closing_ || scene == nullptr || !manager_->UpgradeNow().running) {
+    QMainWindow::closeEvent(event);
+    return;
+  }
+  event->ignore();
+  // The question is answered from the keyboard, which is the window's until something is clicked.
+  view_->requestActivate();
+  QMetaObject::invokeMethod(scene, "askToClose");
+}
+
+void MainWindow::CloseWithoutAsking() {
+  asks_before_closing_ = false;
+  close();
+}
+
 void MainWindow::HostScene() {
   RegisterScreens();
   QWidget* container = QWidget::createWindowContainer(view_.get(), this);
@@ -52,6 +71,9 @@ void MainWindow::HostScene() {
   // Published before the source is set: bindings look for the manager the moment they are made.
   view_->rootContext()->setContextProperty(kManagerProperty, manager_.get());
   view_->setSource(QUrl(QString::fromLatin1(kFirstScreen)));
+  // Later, when the scene has done with the box that was answered.
+  connect(view_->rootObject(), SIGNAL(closeConfirmed()), this, SLOT(CloseWithoutAsking()),
+          Qt::QueuedConnection);
 
   container->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Expanding);
   container->setMinimumSize(kLeastSceneWidth, kLeastSceneHeight);

@@ -4,6 +4,7 @@
 #include <QString>
 #include <memory>
 
+class QCloseEvent;
 class QQuickView;
 class TevronManager;
 
@@ -14,6 +15,8 @@ class MainWindow;
 /// The program's only window: a widget window that one QML scene fills. It makes the manager that
 /// all screens talk to, publishes it to the scene as "tevron_manager", and takes it down again: the
 /// form first, then the scene, then the manager, so that no screen outlives what it is bound to.
+///
+/// Closing it while an upgrade runs is asked about first.
 ///
 /// Data folders are looked for in the current directory, which has to be the install root.
 class MainWindow : public QMainWindow {
@@ -26,10 +29,17 @@ class MainWindow : public QMainWindow {
   MainWindow(QWidget* parent, const QString& modulePV);
   ~MainWindow() override;
 
+ protected:
+  void closeEvent(QCloseEvent* event) override;
+
+ private slots:
+  void CloseWithoutAsking();
+
  private:
   void HostScene();
 
   std::unique_ptr<Ui::MainWindow> form_;
   std::unique_ptr<QQuickView> view_;
   std::unique_ptr<TevronManager> manager_;
+  bool asks_before_closing_ = true;
 };

@@ -9,6 +9,8 @@
 #include "page_rows.h"
 #include "serial_port_list.h"
 #include "udp_watch.h"
+#include "upgrade_choice.h"
+#include "upgrade_watch.h"
 
 void RegisterScreenTypes() {
   qmlRegisterType<LogLines>("Tevron", 1, 0, "LogLines");
@@ -19,4 +21,6 @@ void RegisterScreenTypes() {
                                        [](QQmlEngine*, QJSEngine*) { return new InputRules; });
   qmlRegisterType<SerialPortList>("Tevron", 1, 0, "SerialPortList");
   qmlRegisterType<UdpWatch>("Tevron", 1, 0, "UdpWatch");
+  qmlRegisterType<UpgradeChoice>("Tevron", 1, 0, "UpgradeChoice");
+  qmlRegisterType<UpgradeWatch>("Tevron", 1, 0, "UpgradeWatch");
 }

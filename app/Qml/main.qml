@@ -15,6 +15,9 @@ FocusScope {
     property string modelName: ""
     property bool bytesFlow: false
 
+    // The user knows what closing the window costs and wants it.
+    signal closeConfirmed()
+
     objectName: "mainScreen"
     implicitWidth: Theme.windowWidth
     implicitHeight: Theme.windowHeight
@@ -33,6 +36,11 @@ FocusScope {
             messages.refuse(qsTr("Please connect to lidar first"));
     }
 
+    // The window is to be closed, which an upgrade would not survive.
+    function askToClose() {
+        messages.askClose(upgradeControl.waiting);
+    }
+
     function confirmed(purpose) {
         switch (purpose) {
         case "save":
@@ -43,6 +51,9 @@ FocusScope {
             break;
         case "reset":
             manager.Reset();
+            break;
+        case "close":
+            closeConfirmed();
             break;
         }
     }
@@ -60,8 +71,16 @@ FocusScope {
         manager: window.manager
         modelName: window.modelName
         tab: pages.currentTab
+        upgrading: upgradeControl.running
         onRefused: messages.refuse(reason)
         onWarned: messages.warnAboutModel(text)
+    }
+
+    UpgradeControl {
+        id: upgradeControl
+
+        manager: window.manager
+        modelName: window.modelName
     }
 
     Rectangle {
@@ -107,6 +126,7 @@ FocusScope {
                 T.SplitView.minimumWidth: Theme.serialPanelWidth
                 manager: window.manager
                 modelName: window.modelName
+                upgrade: upgradeControl
                 onRefused: messages.refuse(reason)
                 onConfirmationWanted: messages.askSave(names)
                 onRestartWanted: messages.askRestart()

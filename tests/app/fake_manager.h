@@ -1,7 +1,9 @@
 #pragma once
 
+#include <QFile>
 #include <QObject>
 #include <QString>
+#include <QTemporaryDir>
 #include <QUrl>
 #include <QVariant>
 #include <QVariantList>
@@ -55,8 +57,17 @@ class FakeManager : public QObject {
   Q_INVOKABLE QString getLidarPN() { return pn; }
   Q_INVOKABLE QString getLidarSN() { return sn; }
   Q_INVOKABLE void setErrorMsg(const QString& text) { Note({"setErrorMsg", text}); }
+  /// The URL of a file of so many bytes in a folder of the manager's own; -1: no such file.
+  Q_INVOKABLE QUrl MakeFile(const QString& name, int bytes) {
+    QFile file(folder.filePath(name));
+    file.remove();
+    if (bytes >= 0 && file.open(QIODevice::WriteOnly)) {
+      file.resize(bytes);
+    }
+    return QUrl::fromLocalFile(file.fileName());
+  }
   Q_INVOKABLE bool UpgradeLidar(const QUrl& url, int level1, int level2, int level3) {
-    return Note({"UpgradeLidar", url.toString(), level1, level2, level3});
+    return Note({"UpgradeLidar", url, level1, level2, level3});
   }
 
  signals:
@@ -79,6 +90,7 @@ class FakeManager : public QObject {
     return true;
   }
 
+  QTemporaryDir folder;
   QVariantList calls;
   QVariantList map;
   QVariantList rows;

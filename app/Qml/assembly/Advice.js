@@ -33,6 +33,25 @@ const byMessage = [
      qsTr("Correct the row of the model's table in Config/varID that holds this value.")],
     ["No variables could be loaded",
      qsTr("Check the model's table in Config/varID, or choose another model.")],
+    ["Auto reboot failed",
+     qsTr("The file was sent. Switch the lidar's power off and on, connect again, and compare the "
+          + "version that it shows.")],
+    ["transfer failed or is terminated",
+     qsTr("The upgrade panel tells how far it came and what the lidar runs. Check power and cable, "
+          + "connect again if need be, and start the upgrade once more.")],
+    ["Invalid Kiva OTA upgrade package",
+     qsTr("Nothing was sent. Choose the upgrade package that came for this model; the log says what "
+          + "is wrong with this one.")],
+    ["Upgrade package too small",
+     qsTr("Nothing was sent. Choose the upgrade package that came for this model.")],
+    ["Failed to open upgrade file",
+     qsTr("Check that the file is still there and may be read, and choose it again.")],
+    ["no component matches current upgrade plan",
+     qsTr("The package holds nothing for the partition that the lidar does not run. Choose a "
+          + "complete package.")],
+    ["Kiva upgrade: ",
+     qsTr("The upgrade panel tells which components were taken. Check power and cable, and start "
+          + "the upgrade once more.")],
     [".patch file",
      qsTr("Choose the upgrade package that came for this model.")],
     ["no answer from the lidar",
@@ -41,8 +60,23 @@ const byMessage = [
      qsTr("The lidar refused: it may not take this value, or not at the moment.")],
 ];
 
+// What to do next after a success, by a piece of its message.
+const bySuccess = [
+    ["Upgrade package transmitted",
+     qsTr("Leave the power on. The upgrade panel tells which version the lidar runs once it is back.")],
+    ["not acknowledged", ""],
+    ["Kiva upgrade completed",
+     qsTr("Leave the power on. The upgrade panel tells which versions the lidar runs once it is back.")],
+    ["restart the lidar", qsTr("The gear button restarts it.")],
+];
+
 // The advice for `message`, or `fallback`.
 function forMessage(message, fallback) {
     const found = byMessage.find(entry => message.indexOf(entry[0]) >= 0);
     return found === undefined ? fallback : found[1];
+}
+
+function forSuccess(message) {
+    const found = bySuccess.find(entry => message.indexOf(entry[0]) >= 0);
+    return found === undefined ? "" : found[1];
 }

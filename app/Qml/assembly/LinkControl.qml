@@ -6,6 +6,7 @@ import QtQuick 2.15
 // manager      the object that connects and knows whether a lidar is connected
 // modelName    the chosen model
 // tab          the page that is shown, which is read again after connecting
+// upgrading    an upgrade runs, in which the manager connects by itself when the lidar is back
 // connecting   an attempt runs
 Item {
     id: link
@@ -13,6 +14,7 @@ Item {
     property var manager
     property string modelName: ""
     property int tab: 0
+    property bool upgrading: false
     property bool connecting: false
 
     signal refused(string reason)
@@ -29,7 +31,6 @@ Item {
         } else if (!manager.IsConnected) {
             manager.ConnectLidar();
             connecting = true;
-            attemptWatch.start();
         } else if (manager.IsUpgrading) {
             refused("Disconnect REJECTED. Lidar is upgrading.");
         } else {
@@ -89,16 +90,12 @@ Item {
         }
     }
 
-    // A failed attempt has no signal of its own; it is looked for only while one runs.
+    // A failed attempt has no signal of its own, and neither has one of an upgrade; they are looked
+    // for only while there may be one.
     Timer {
-        id: attemptWatch
-
         interval: 100
         repeat: true
-        onTriggered: {
-            link.connecting = link.manager.GetIsConnectingLidar();
-            if (!link.connecting)
-                stop();
-        }
+        running: link.connecting || link.upgrading
+        onTriggered: link.connecting = link.manager.GetIsConnectingLidar()
     }
 }

@@ -50,24 +50,11 @@ Item {
             color: Theme.quietTextColor
         }
 
-        Rectangle {
+        ProgressTrack {
             objectName: "progressTrack"
             anchors.verticalCenter: parent.verticalCenter
             visible: loading.determinate
-            width: Theme.fieldWidth
-            height: Theme.gap
-            radius: height / 2
-            color: Theme.wellColor
-            border.width: Theme.hairline
-            border.color: Theme.outlineColor
-
-            Rectangle {
-                objectName: "progressBar"
-                width: Math.max(height, parent.width * Math.min(1, Math.max(0, loading.progress)))
-                height: parent.height
-                radius: height / 2
-                color: Theme.accentColor
-            }
+            progress: loading.progress
         }
 
         PlainText {

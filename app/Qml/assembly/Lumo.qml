@@ -8,18 +8,21 @@ import "../theme"
 //
 // manager       the object that talks to the lidar
 // modelName     the chosen model
+// upgrade       the window's UpgradeControl
 // restartWanted()  the user wants a restart; whoever listens asks first
 FocusScope {
     id: screen
 
     property var manager
     property string modelName: ""
+    property var upgrade
 
     readonly property bool cmxSerial: manager.connectType === 2
     // What is being done right now, as a sentence; empty when nothing is.
     property string activity: ""
     readonly property bool waiting: activity.length > 0 || manager.isGetPBLVersion
     readonly property string notReady: !manager.IsConnected ? qsTr("Connect to the lidar first.")
+                                     : manager.IsUpgrading ? qsTr("The lidar is being upgraded.")
                                      : waiting ? qsTr("Please wait.") : ""
     readonly property string notByCmx: cmxSerial ? notReady
         : qsTr("Not possible over a pair of serial ports. Choose the model's CMX variant to do this.")
@@ -193,6 +196,18 @@ FocusScope {
                 obstacle: screen.notReady
                 onReadWanted: screen.run(qsTr("Reading the safety functions…"), () =>
                     screen.show(safety, screen.manager.LumoGetLidarFunctionSafety()))
+            }
+
+            LumoSection {
+                title: qsTr("Firmware upgrade")
+                Layout.columnSpan: grid.columns
+                Layout.fillHeight: false
+
+                UpgradePanel {
+                    width: parent.width
+                    upgrade: screen.upgrade
+                    onStartWanted: upgrade.start(0, 0, 0)
+                }
             }
         }
     }

@@ -6,6 +6,8 @@ import "../theme"
 // bring the answer, and `purpose` tells the asker which question was answered.
 //
 // ask(purpose, title, message, advice, acceptText)  opens the box with a way out
+// warnAndAsk(purpose, title, message, advice, acceptText, rejectText)  the same for what cannot be
+//                                                   taken back: the way out has the keyboard
 // warn(title, message, advice)                      opens it with "OK" alone
 DialogFrame {
     property string purpose: ""
@@ -16,8 +18,16 @@ DialogFrame {
         message = newMessage;
         advice = newAdvice;
         acceptText = newAcceptText === undefined ? qsTr("Continue") : newAcceptText;
+        rejectText = qsTr("Cancel");
         cancellable = true;
+        dangerous = false;
         open();
+    }
+
+    function warnAndAsk(newPurpose, newTitle, newMessage, newAdvice, newAcceptText, newRejectText) {
+        ask(newPurpose, newTitle, newMessage, newAdvice, newAcceptText);
+        rejectText = newRejectText;
+        dangerous = true;
     }
 
     function warn(newTitle, newMessage, newAdvice) {
@@ -27,6 +37,7 @@ DialogFrame {
         advice = newAdvice;
         acceptText = qsTr("OK");
         cancellable = false;
+        dangerous = false;
         open();
     }
 

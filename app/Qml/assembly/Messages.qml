@@ -1,4 +1,5 @@
 import QtQuick 2.15
+import "Advice.js" as Advice
 
 // Every box of the window: what the manager reports, what has to be confirmed, and what this
 // program is. Each report goes to the log as well.
@@ -50,6 +51,15 @@ Item {
                      qsTr("Reset"));
     }
 
+    function askClose(waiting) {
+        question.warnAndAsk("close", qsTr("Close during the upgrade?"),
+            waiting ? qsTr("The lidar is restarting with what it was sent, and the program waits for it.")
+                    : qsTr("The lidar is being upgraded."),
+            waiting ? qsTr("After closing, nothing here will tell which firmware it runs.")
+                    : qsTr("Closing breaks the upgrade off where it is, and nothing here will tell which firmware the lidar runs then."),
+            qsTr("Close Anyway"), qsTr("Stay"));
+    }
+
     function showError() {
         const text = manager.errorMessage;
         if (text === "") {
@@ -76,8 +86,7 @@ Item {
     // What one action of the user brought, in one box: saving a page reports every command.
     function showSuccesses() {
         const text = successes.join("\n");
-        successBox.show(text, text.indexOf("restart the lidar") < 0 ? ""
-            : qsTr("The gear button restarts it."));
+        successBox.show(text, Advice.forSuccess(text));
         successes = [];
     }
 

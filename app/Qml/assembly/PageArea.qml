@@ -8,6 +8,7 @@ Item {
 
     property var manager
     property string modelName: ""
+    property var upgrade
     property int currentTab: 0
     readonly property bool network: manager.connectType === 0
 
@@ -72,6 +73,7 @@ Item {
         visible: area.network
         manager: area.manager
         tab: area.currentTab
+        upgrade: area.upgrade
         title: tabs.titles.length > area.currentTab ? tabs.titles[area.currentTab] : ""
         onRefused: area.refused(reason)
         onConfirmationWanted: area.confirmationWanted(names)
@@ -83,6 +85,7 @@ Item {
         sourceComponent: Lumo {
             manager: area.manager
             modelName: area.modelName
+            upgrade: area.upgrade
             onRestartWanted: area.restartWanted()
         }
     }

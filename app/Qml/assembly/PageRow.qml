@@ -18,6 +18,8 @@ FocusScope {
     readonly property string fovCommand: "0x22"
 
     property var manager
+    // The window's UpgradeControl, for a firmware row.
+    property var upgrade
     // The page's FovEdits.
     property var fovEdits
     required property string caption
@@ -29,6 +31,8 @@ FocusScope {
     required property bool startsGroup
 
     readonly property bool isFov: Number(leaf.set_cmd) === Number(fovCommand)
+    // Takes the whole width, without a caption.
+    readonly property bool isPanel: kind === kindFile
     readonly property bool editable: leaf.permission !== 0
     readonly property bool pending: leaf.edited === true
     // What the value is worth: "unread", "read", "edited", "written" or "differs".
@@ -103,7 +107,7 @@ FocusScope {
 
     // Every group but the first stands a little apart.
     readonly property int groupGap: startsGroup ? Theme.gapWide : 0
-    readonly property int lineHeight: isFov ? loader.implicitHeight + Theme.gapWide
+    readonly property int lineHeight: isFov || isPanel ? loader.implicitHeight + Theme.gapWide
                                     : kind === kindTallChoice ? Theme.tallRowHeight : Theme.rowHeight
 
     implicitHeight: lineHeight + groupGap
@@ -129,6 +133,7 @@ FocusScope {
         anchors.leftMargin: Theme.gapWide
         anchors.verticalCenter: parent.verticalCenter
         anchors.verticalCenterOffset: row.groupGap / 2
+        visible: !row.isPanel
         width: Theme.captionWidth
         text: row.caption
         color: row.pending ? Theme.pendingColor : Theme.textColor
@@ -144,8 +149,8 @@ FocusScope {
     Loader {
         id: loader
 
-        anchors.left: captionText.right
-        anchors.leftMargin: Theme.gap
+        anchors.left: row.isPanel ? parent.left : captionText.right
+        anchors.leftMargin: row.isPanel ? Theme.gapWide : Theme.gap
         anchors.right: parent.right
         anchors.rightMargin: Theme.gapWide
         anchors.verticalCenter: captionText.verticalCenter

@@ -9,6 +9,7 @@ import "../theme"
 //
 // manager  the object that holds the pages (myMap, level2List) and reads and writes them
 // tab      the page that is shown
+// upgrade  the window's UpgradeControl
 //
 // Save asks before it writes values out of their range: confirmationWanted(names) is answered by
 // calling write() or nothing.
@@ -17,6 +18,7 @@ FocusScope {
 
     property var manager
     property int tab: 0
+    property var upgrade
     property string title: ""
     readonly property int kindFile: 4
     readonly property bool hasEdits: pendingCommands > 0 || typing
@@ -142,6 +144,7 @@ FocusScope {
             width: list.width
             manager: page.manager
             fovEdits: fov
+            upgrade: page.upgrade
             onEntered: {
                 list.currentIndex = index;
                 list.positionViewAtIndex(index, ListView.Contain);

@@ -3,7 +3,8 @@ import QtQuick.Templates 2.15 as T
 import "../theme"
 
 // What every message box shares: a title, what happened, what to do next, and a row of buttons.
-// Enter takes the main button, Escape the way out. It opens in the middle of the window.
+// Enter takes the main button, Escape the way out; when the main button is dangerous, Enter takes
+// the way out, too. It opens in the middle of the window.
 T.Dialog {
     id: frame
 
@@ -31,7 +32,7 @@ T.Dialog {
     closePolicy: T.Popup.CloseOnEscape
     font: Theme.bodyFont
 
-    onOpened: acceptButton.forceActiveFocus(Qt.TabFocusReason)
+    onOpened: (dangerous ? rejectButton : acceptButton).forceActiveFocus(Qt.TabFocusReason)
 
     T.Overlay.modal: Rectangle { color: Theme.dimmingColor }
 
@@ -143,6 +144,8 @@ T.Dialog {
             spacing: Theme.gap
 
             DefaultButton {
+                id: rejectButton
+
                 objectName: "dialogReject"
                 visible: frame.cancellable
                 text: frame.rejectText

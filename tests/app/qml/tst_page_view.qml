@@ -240,16 +240,4 @@ TestCase {
         compare(manager.calls, [["GetLidarModuleInfo", 0]]);
         compare(shown(), [["200", false], ["200", false]]);
     }
-
-    function test_an_attachment_replaces_save_and_takes_packages_only() {
-        manager.level2List = [[["Firmware", 4, 0, 0, 6]]];
-        tryVerify(() => editor("attachFile") !== null);
-        compare(editor("saveButton").visible, false);
-        const attachment = editor("attachFile").parent;
-        attachment.attach("file:///tmp/update.zip");
-        attachment.attach("file:///tmp/update.patch");
-        compare(manager.calls,
-                [["setErrorMsg", "Upgrade package rejected: it has to be a .patch file"],
-                 ["UpgradeLidar", "file:///tmp/update.patch", 0, 0, 6]]);
-    }
 }
