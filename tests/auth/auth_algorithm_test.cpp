@@ -64,8 +64,7 @@ TEST(SessionKey, AgreesWithTheFirmware) {
 }
 
 TEST(Algorithms, AnswerWithTheirOwnKeysAndVerifyNothingElse) {
-  const InstallRoot root;
-  root.WriteKeys();
+  const KeyedRoot root;
   const AuthKeys keys = LoadAuthKeys(kAuthKeysPath);
   const std::map<int, Bytes> expected = {
       {1, FromHex("0d158f58")},  // worked out by hand with the keys of WriteKeys

@@ -10,11 +10,8 @@
 namespace {
 
 TEST(AuthKeys, EachDamagedValueCostsOnlyItsOwnAlgorithms) {
-  const InstallRoot root;
-  const struct {
-    const char* line;
-    std::set<int> lost;
-  } damages[] = {
+  const KeyedRoot root;
+  const std::pair<const char*, std::set<int>> damages[] = {
       {"aes128_key=2b7e151628aed2a6abf7158809cf4f3", {4}},    // a digit short
       {"aes128_key=2b7e151628aed2a6abf7158809cf4f3c0", {4}},  // a digit long
       {"aes256_key=", {3}},
@@ -25,11 +22,10 @@ TEST(AuthKeys, EachDamagedValueCostsOnlyItsOwnAlgorithms) {
       {"[other]\naes128_key=bad", {}},  // not in the group of the keys
       {"; aes128_key=bad", {}},
   };
-  for (const auto& damage : damages) {
-    root.WriteKeys(damage.line);
+  for (const auto& [line, lost] : damages) {
+    root.WriteKeys(line);
     for (int id = 1; id <= 4; ++id) {
-      EXPECT_EQ(CreateAuthAlgorithm(id) == nullptr, damage.lost.count(id) == 1)
-          << damage.line << " id " << id;
+      EXPECT_EQ(CreateAuthAlgorithm(id) == nullptr, lost.count(id) == 1) << line << " id " << id;
     }
   }
   std::filesystem::remove(kAuthKeysPath);
@@ -46,12 +42,11 @@ TEST(AuthKeys, ShortWordsAreRightAligned) {
 
 TEST(AuthKeys, AFileThatOthersCanReadIsReportedUnlessItIsTheDemonstration) {
   using std::filesystem::perms;
-  const InstallRoot root;
+  const KeyedRoot root;
   const auto warning_at = [](perms permissions) {
     std::filesystem::permissions(kAuthKeysPath, permissions);
     return AuthKeyFileWarning(kAuthKeysPath);
   };
-  root.WriteKeys();
   EXPECT_NE(warning_at(perms::owner_read | perms::others_read).find(kAuthKeysPath),
             std::string::npos);
   EXPECT_EQ(warning_at(perms::owner_read | perms::owner_write), "");

@@ -1,8 +1,5 @@
 #pragma once
 
-#include <filesystem>
-#include <string>
-
 #include "support/bytes.h"
 #include "support/lines.h"
 #include "support/test_folder.h"
@@ -11,21 +8,14 @@ inline constexpr char kTestAes128Key[] = "2b7e151628aed2a6abf7158809cf4f3c";
 inline constexpr char kTestAes256Key[] =
     "603deb1015ca71be2b73aef0857d77811f352c073b6108d72d9810a30914dff4";
 
-/// A throw-away install root that is the current directory while it lives.
-class InstallRoot {
- public:
-  InstallRoot() { std::filesystem::current_path(folder_.path()); }
-  ~InstallRoot() { std::filesystem::current_path(before_); }
-  void Write(const std::string& name, const std::string& text) const { folder_.Write(name, text); }
-  void WriteKeys(const std::string& extra = "") const {
+/// An install root with a key file.
+struct KeyedRoot : InstallRoot {
+  explicit KeyedRoot(const std::string& extra = "") { WriteKeys(extra); }
+  void WriteKeys(const std::string& extra) const {
     Write("Config/auth_keys.ini", std::string("[keys]\naes128_key=") + kTestAes128Key +
                                       "\naes256_key=" + kTestAes256Key +
                                       "\nmaskword_1=61732650\nmaskword_2=0x613CD1CF\n"
                                       "mix_c1=ea980b8d\nmix_c2=b2553f5\n" +
                                       extra);
   }
-
- private:
-  const TestFolder folder_;
-  const std::filesystem::path before_ = std::filesystem::current_path();
 };

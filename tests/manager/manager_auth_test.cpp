@@ -1,5 +1,5 @@
 #include <QMetaProperty>
-#include <QRegularExpression>
+#include <QSettings>
 #include <mutex>
 
 #include "Log/logger.h"
@@ -7,21 +7,17 @@
 
 namespace {
 
-/// One algorithm after the other on a model whose network settings are protected.
-class ManagerAuthTest : public ManagerFixture, public testing::WithParamInterface<int> {
+using kavel::lidar::Logger;
+
+class ManagerAuthTest : public ManagerFixture {
  protected:
   ManagerAuthTest() {
-    install_.Write("auth_config.csv",
-                   "Model,Enable,AlgorithmID,ProbeCmd,ChallengeCmd,ResponseCmd,ProtectedCmds,"
-                   "ProbeValueOffset,ProbeValueLen,ProbeEndian\nOrca,1," +
-                       QByteArray::number(GetParam()) + ",0xDF,0x66,0xE0,0x12|0x22,0,1,big\n");
-    kavel::lidar::Logger::GetInstance().SetObserver(
-        [this](kavel::lidar::LogLevel, const std::string& text) {
-          const std::lock_guard<std::mutex> lock(mutex_);
-          device_log_ << QString::fromStdString(text);
-        });
+    Logger::GetInstance().SetObserver([this](kavel::lidar::LogLevel, const std::string& text) {
+      const std::lock_guard<std::mutex> lock(mutex_);
+      device_log_ << QString::fromStdString(text);
+    });
   }
-  ~ManagerAuthTest() override { kavel::lidar::Logger::GetInstance().SetObserver({}); }
+  ~ManagerAuthTest() override { Logger::GetInstance().SetObserver({}); }
 
   /// Everything the manager and the device library have told anyone so far.
   QString Told() {
@@ -37,52 +33,6 @@ class ManagerAuthTest : public ManagerFixture, public testing::WithParamInterfac
     return told;
   }
 
-  /// Every hexadecimal value of the key file.
-  QStringList Keys() const {
-    QStringList keys;
-    static const QRegularExpression line("^\\w+=([0-9a-fA-F]+)$",
-                                         QRegularExpression::MultilineOption);
-    auto matches = line.globalMatch(install_.Read("auth_keys.ini"));
-    while (matches.hasNext()) {
-      keys << matches.next().captured(1).toLower();
-    }
-    return keys;
-  }
-
- private:
-  std::mutex mutex_;
-  QStringList device_log_;  ///< guarded by mutex_
-};
-
-TEST_P(ManagerAuthTest, WritesProtectedSettingsAndTellsNoKey) {
-  VirtualLidarProcess lidar;
-  manager_->SetLogBytesFlowStatus(true);
-  testing::internal::CaptureStdout();
-  testing::internal::CaptureStderr();
-  EXPECT_TRUE(ConnectTo(lidar));
-  OpenPage("Scan");
-  Edit("Minimum Distance", "45");
-  Save("Scan");
-  // The response belongs to the search, so that one that gives a key away is found.
-  EXPECT_TRUE(WaitFor([this] { return !LogLines("BYTESFLOW: SEND: 47 74 e0").isEmpty(); }));
-  QString told = Told() + lidar.Output();
-  told += QString::fromStdString(testing::internal::GetCapturedStdout());
-  told += QString::fromStdString(testing::internal::GetCapturedStderr());
-  EXPECT_TRUE(TakeErrors().isEmpty());
-  EXPECT_EQ(LogLines("CMX: AUTH: probe value=1 required=true").size(), 1);
-  EXPECT_EQ(lidar.Variable("Minimum Distance")["text"].toString(), "45");
-
-  told = told.toLower().remove(' ');
-  ASSERT_EQ(Keys().size(), 6);
-  for (const QString& key : Keys()) {
-    EXPECT_FALSE(told.contains(key)) << key.toStdString();
-  }
-}
-
-INSTANTIATE_TEST_SUITE_P(EveryAlgorithm, ManagerAuthTest, testing::Values(1, 2, 3, 4));
-
-class ManagerRefusedTest : public ManagerFixture {
- protected:
   /// Saves a protected setting of a lidar that has this fault, and waits for the line that says why
   /// it was not taken.
   void ExpectRefused(const QStringList& fault, const QString& line) {
@@ -96,12 +46,50 @@ class ManagerRefusedTest : public ManagerFixture {
     EXPECT_EQ(lidar.Variable("Rain Filter")["text"].toString(), "2");
     ASSERT_TRUE(WaitFor([this, line] { return LogLines(line).size() == 1; })) << line.toStdString();
   }
+
+ private:
+  std::mutex mutex_;
+  QStringList device_log_;  ///< guarded by mutex_
 };
 
-TEST_F(ManagerRefusedTest, ARefusedHandshakeAndAMissingKeyAreFailedWrites) {
+TEST_F(ManagerAuthTest, WritesProtectedSettingsAndTellsNoKey) {
+  for (const char* algorithm : {"1", "2", "3", "4"}) {
+    install_.Write("Config/auth_config.csv",
+                   "Model,Enable,AlgorithmID,ProbeCmd,ChallengeCmd,ResponseCmd,ProtectedCmds,"
+                   "ProbeValueOffset,ProbeValueLen,ProbeEndian\nOrca,1," +
+                       std::string(algorithm) + ",0xDF,0x66,0xE0,0x12|0x22,0,1,big\n");
+    VirtualLidarProcess lidar;
+    Recreate();
+    log_.clear();
+    manager_->SetLogBytesFlowStatus(true);
+    testing::internal::CaptureStdout();
+    testing::internal::CaptureStderr();
+    EXPECT_TRUE(ConnectTo(lidar));
+    OpenPage("Scan");
+    Edit("Minimum Distance", "45");
+    Save("Scan");
+    // The response belongs to the search, so that one that gives a key away is found.
+    EXPECT_TRUE(WaitFor([this] { return !LogLines("BYTESFLOW: SEND: 47 74 e0").isEmpty(); }));
+    const std::string printed =
+        testing::internal::GetCapturedStdout() + testing::internal::GetCapturedStderr();
+    const QString told = (Told() + lidar.Output() + printed.c_str()).toLower().remove(' ');
+    EXPECT_TRUE(TakeErrors().isEmpty());
+    EXPECT_EQ(LogLines("CMX: AUTH: probe value=1 required=true").size(), 1);
+    EXPECT_EQ(lidar.Variable("Minimum Distance")["text"].toString(), "45");
+    QSettings keys("Config/auth_keys.ini", QSettings::IniFormat);
+    keys.beginGroup("keys");
+    for (const char* name :
+         {"aes128_key", "aes256_key", "maskword_1", "maskword_2", "mix_c1", "mix_c2"}) {
+      const QString key = keys.value(name).toString().toLower();
+      EXPECT_FALSE(key.isEmpty() || told.contains(key)) << name << algorithm;
+    }
+  }
+}
+
+TEST_F(ManagerAuthTest, ARefusedHandshakeAndAMissingKeyAreFailedWrites) {
   ExpectRefused({"--fault", "auth-refuse-response"}, "CMX: AUTH: response rejected");
   manager_->Stop();
-  install_.Write("auth_keys.ini", "[keys]\ndemo=true\n");
+  install_.Write("Config/auth_keys.ini", "[keys]\ndemo=true\n");
   ExpectRefused({}, "CMX: AUTH: unavailable, reject protected cmd");
   EXPECT_EQ(LogLines("WARNING: Authentication algorithm 3 ").filter("auth_keys.ini").size(), 1);
 }

@@ -5,7 +5,7 @@
 #include <QSettings>
 #include <QStringList>
 #include <memory>
-#include <string>
+#include <stdexcept>
 
 #include "connection/connection_settings.h"
 #include "support/qt_wait_for.h"
@@ -29,40 +29,33 @@ class ManagerFixture : public testing::Test {
     Listen();
   }
 
-  void PointAt(const VirtualLidarProcess& lidar) {
+  void PointAt(uint16_t port) {
     manager_->setIpAddress("127.0.0.1");
-    manager_->setPort(QString::number(lidar.port()));
+    manager_->setPort(QString::number(port));
   }
   bool Connect() {
     return manager_->ConnectLidar() &&
            WaitFor([this] { return !manager_->GetIsConnectingLidar(); }) && manager_->isConnected();
   }
   bool ConnectTo(const VirtualLidarProcess& lidar) {
-    PointAt(lidar);
+    PointAt(lidar.port());
     return Connect();
   }
 
-  /// Place of a variable on the pages, from the lists that the screens use.
-  struct Place {
-    int level1 = -1;
-    int level2 = -1;
-    int level3 = -1;
-  };
-  Place Find(const QString& name) const {
+  /// A row of the lists that the screens use; its place on the pages is in the cells 2 to 4.
+  QVariantList Find(const QString& name) const {
     for (const QVariant& page : manager_->level2List()) {
       for (const QVariant& row : page.toList()) {
-        const QVariantList cells = row.toList();
-        const Place place{cells[2].toInt(), cells[3].toInt(), cells[4].toInt()};
-        if (Leaf(place).value("var_name").toString() == name) {
-          return place;
+        if (Leaf(row.toList()).value("var_name").toString() == name) {
+          return row.toList();
         }
       }
     }
-    ADD_FAILURE() << "no row " << name.toStdString();
-    return {};
+    throw std::runtime_error("no row " + name.toStdString());
   }
-  QVariantMap Leaf(const Place& place) const {
-    return manager_->myMap()[place.level1].toList()[place.level2].toList()[place.level3].toMap();
+  QVariantMap Leaf(const QVariantList& row) const {
+    const QVariantList page = manager_->myMap()[row[2].toInt()].toList();
+    return page[row[3].toInt()].toList()[row[4].toInt()].toMap();
   }
   QString Text(const QString& name) const {
     return Leaf(Find(name)).value("current_val").toString();
@@ -70,8 +63,8 @@ class ManagerFixture : public testing::Test {
   bool Edited(const QString& name) const { return Leaf(Find(name)).value("edited").toBool(); }
   /// Edits a text field, as the screens do.
   void Edit(const QString& name, const QString& text) {
-    const Place place = Find(name);
-    manager_->SetText(1, place.level1, place.level2, place.level3, text);
+    const QVariantList row = Find(name);
+    manager_->SetText(1, row[2].toInt(), row[3].toInt(), row[4].toInt(), text);
   }
   void OpenPage(const QString& name) {
     const int page = manager_->level1List().indexOf(name);

@@ -91,12 +91,4 @@ TEST_F(ManagerPagesTest, AModelLeavesNothingOfTheOneBeforeAlsoWithoutATable) {
   EXPECT_TRUE(manager_->CheckVarExistsInConfigFileByName("Minimum Distance"));
 }
 
-TEST_F(ManagerPagesTest, MessagesAreAnnouncedOnlyWhenThereIsOne) {
-  QSignalSpy errors(manager_.get(), &TevronManager::errorMessageChanged);
-  manager_->setErrorMsg("twice");
-  manager_->setErrorMsg("twice");
-  manager_->setErrorMsg("");
-  EXPECT_EQ(errors.count(), 2);
-}
-
 }  // namespace

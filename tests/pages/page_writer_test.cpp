@@ -44,22 +44,19 @@ class PageWriterTest : public testing::Test {
   void Set(const std::string& name, const std::string& text) {
     edits_.SetText(EditSession::kTextInput, fixture_[name], text, report_);
   }
-  Outcome RunPage(int module) {
+  /// Edits the variables, lets the lidar answer and saves the page. What was sent is what this
+  /// sent.
+  Outcome Save(const std::map<std::string, const char*>& edits,
+               const std::deque<ScriptedSender::Reply>& replies = {}, int module = 0) {
+    for (const auto& [name, text] : edits) {
+      Set(name, text);
+    }
+    lidar_.replies = replies;
+    lidar_.sent.clear();
     PageWriter writer({&lidar_, fixture_.table, fixture_.model->pages, state_, edits_.pending(),
                        edits_.fov(), failures_, report_});
     return writer.Run(module);
   }
-  /// Sets one variable, saves, and tells what was reported.
-  Lines Save(const std::string& name, const std::string& text,
-             std::initializer_list<ScriptedSender::Reply> replies, Outcome outcome) {
-    Set(name, text);
-    lidar_.replies = replies;
-    lidar_.sent.clear();
-    EXPECT_EQ(RunPage(0), outcome) << name;
-    return report_.Take();
-  }
-  bool Run(int module = 0) { return RunPage(module) == Outcome::kWritten; }
-  void Answer(std::initializer_list<ScriptedSender::Reply> replies) { lidar_.replies = replies; }
 
   ModelFixture fixture_{kRows};
   ScriptedSender lidar_;
@@ -70,11 +67,10 @@ class PageWriterTest : public testing::Test {
 };
 
 TEST_F(PageWriterTest, LaysTheChangesOverWhatTheLidarHoldsNow) {
-  Set("Speed", "1200");
-  Set("Offset", "-1.5");
   // Speed and Offset were changed on the device too; what the user set wins, the rest is kept.
-  Answer({{0, {0x00, 0x01, 0x00, 0x02, 0xAA, 0xBB, 0xCC}}, {0, {0x07}}, {0, {}}});
-  EXPECT_TRUE(Run());
+  const Bytes held = {0x00, 0x01, 0x00, 0x02, 0xAA, 0xBB, 0xCC};
+  EXPECT_EQ(Save({{"Speed", "1200"}, {"Offset", "-1.5"}}, {{0, held}, {0, {0x07}}, {0, {}}}),
+            Outcome::kWritten);
   const Bytes written = {0x04, 0xB0, 0xFF, 0xFD, 0xAA, 0xBB, 0xCC, 0x07};
   EXPECT_EQ(lidar_.sent, (std::vector<Sent>{{0x30, {}}, {0x32, {0x09}}, {0x31, written}}));
   EXPECT_EQ((Lines{"INFO: Send CMX command [0x31] to set Speed, Offset,  success.",
@@ -88,10 +84,9 @@ TEST_F(PageWriterTest, LaysTheChangesOverWhatTheLidarHoldsNow) {
 }
 
 TEST_F(PageWriterTest, SendsTheNetworkSettingsLastAndTakesADroppedLinkForAnAnswer) {
-  Set("IP Address", "10.0.0.9");
-  Set("Filter", "2");
-  Answer({{0, {192, 168, 1, 201, 0x24, 0x83}}, {0, {0x01}}, {0, {}}, {kNoReply, {}}});
-  EXPECT_TRUE(Run());
+  EXPECT_EQ(Save({{"IP Address", "10.0.0.9"}, {"Filter", "2"}},
+                 {{0, {192, 168, 1, 201, 0x24, 0x83}}, {0, {1}}, {0, {}}, {kNoReply, {}}}),
+            Outcome::kWritten);
   ASSERT_EQ(lidar_.sent.size(), 4U);
   EXPECT_EQ((Sent{0xFF, {0x5A, 0x01, 0x02, 0x00, 0xFE, 0x02}}), lidar_.sent[2]);
   EXPECT_EQ((Sent{0x21, {10, 0, 0, 9, 0x24, 0x83}}), lidar_.sent[3]);
@@ -103,12 +98,9 @@ TEST_F(PageWriterTest, SendsTheNetworkSettingsLastAndTakesADroppedLinkForAnAnswe
 }
 
 TEST_F(PageWriterTest, AFailureInTheMiddleNamesWhatStaysApplied) {
-  Set("Speed", "1200");
-  Set("Filter", "2");
-  Set("Port", "80");
-  const Bytes scan = {0, 1, 0, 2, 3, 4, 5};
-  Answer({{0, {1, 2, 3, 4, 0, 5}}, {0, scan}, {0, {1}}, {0, {1}}, {0, {}}, {3, {}}});
-  EXPECT_FALSE(Run());
+  EXPECT_EQ(Save({{"Speed", "1200"}, {"Filter", "2"}, {"Port", "80"}},
+                 {{0, Bytes(6)}, {0, Bytes(7)}, {0, {1}}, {0, {1}}, {0, {}}, {3, {}}}),
+            Outcome::kFailed);
   EXPECT_EQ(6U, lidar_.sent.size());  // the network settings were not sent any more
   EXPECT_EQ((Lines{"INFO: Send CMX command [0x31] to set Speed,  success.",
                    "success: CMX command [0x31] to set Speed,  success.",
@@ -123,100 +115,93 @@ TEST_F(PageWriterTest, AFailureInTheMiddleNamesWhatStaysApplied) {
 }
 
 TEST_F(PageWriterTest, TheFieldOfViewKeepsTheAnglesThatWereNotEdited) {
-  const Bytes held = Bytes{2, 5} + Bytes(40, 0x40);
   for (const Bytes& unusable : {Bytes(), Bytes(42, 4), Bytes(41)}) {
     ASSERT_TRUE(edits_.SetFov(9, "1.5", report_));
-    Answer({{0, unusable}});
-    EXPECT_EQ(RunPage(0), Outcome::kFailed);
+    EXPECT_EQ(Save({}, {{0, unusable}}), Outcome::kFailed);
     EXPECT_EQ(lidar_.sent.size(), 1U) << "nothing is laid over unknown angles";
     EXPECT_EQ(report_.Take().at(unusable.size() == 42 ? 0 : 1),
               "error: Set Failed: The lidar's field-of-view table was not read, so that the other "
               "angles are not known.");
-    lidar_.sent.clear();
   }
+  const Bytes head = Bytes{2, 5} + Bytes(36, 0x40);
+  const Bytes held = head + Bytes(4, 0x40);
   ASSERT_TRUE(edits_.SetFov(9, "2.5", report_));
-  Answer({{0, held}, {0, {}}});
-  EXPECT_TRUE(Run());
-  Bytes written = held;
-  std::copy_n(std::begin({0x40, 0x20, 0x00, 0x00}), 4, written.end() - 4);
-  EXPECT_EQ((std::vector<Sent>{{0x2C, {}}, {0x22, written}}), lidar_.sent);
+  EXPECT_EQ(Save({}, {{0, held}, {0, {}}}), Outcome::kWritten);
+  EXPECT_EQ((std::vector<Sent>{{0x2C, {}}, {0x22, head + Bytes{0x40, 0x20, 0, 0}}}), lidar_.sent);
   EXPECT_EQ(report_.Take(), Lines{kAllSet});
   edits_.Clear();
   EXPECT_EQ(edits_.fov().Texts().back(), "2.5");
 
   ASSERT_TRUE(edits_.SetFov(9, "3", report_));
-  Answer({{0, held}, {4, {}}});
-  EXPECT_FALSE(Run());
+  EXPECT_EQ(Save({}, {{0, held}, {4, {}}}), Outcome::kFailed);
   EXPECT_EQ(report_.Take().at(1), "error: Set Failed: set channel fov failed");
 }
 
 TEST_F(PageWriterTest, SaysWhatIsWrongWithAVariable) {
+  const auto expect_failure = [this](const char* name, const char* text, const std::string& why) {
+    EXPECT_EQ(Save({{name, text}}), Outcome::kFailed);
+    const Lines lines = report_.Take();
+    EXPECT_EQ(std::count(lines.begin(), lines.end(), "error: Set Failed: " + why), 1)
+        << why << testing::PrintToString(lines);
+    edits_.Clear();
+  };
   const std::string no_value = "Unknown error with this var: It has no current_val. var_name = ";
-  const std::pair<const char*, std::string> faults[] = {
-      {"Filter", "UintParser: contains an illegal number, error:fast"},
-      {"Name", "Error with var type"},
-      {"Whole", "line 13 of the table is broken"},
-      {"Wrong",
-       "There are undefined cases in the csv config file where there is a line with 'set' and no "
-       "'get', but the var_type is not 'raw'."},
-      {"Speed", no_value + "Power"}};
   fixture_.table.StoreReading(fixture_["Offset"], "1", {0, 1});
   fixture_.table.StoreBytes(fixture_["Reserved"], {0, 1, 2});
-  for (const auto& [name, reason] : faults) {
-    Set(name, name == std::string("Filter") ? "fast" : "1");
-    EXPECT_FALSE(Run());
-    const Lines lines = report_.Take();
-    EXPECT_EQ(1, std::count(lines.begin(), lines.end(), "error: Set Failed: " + reason))
-        << testing::PrintToString(lines);
-    edits_.Clear();
-  }
+  expect_failure("Filter", "fast", "UintParser: contains an illegal number, error:fast");
+  expect_failure("Name", "1", "Error with var type");
+  expect_failure("Whole", "1", "line 13 of the table is broken");
+  expect_failure("Wrong", "1",
+                 "There are undefined cases in the csv config file where there is a line with "
+                 "'set' and no 'get', but the var_type is not 'raw'.");
+  expect_failure("Speed", "1", no_value + "Power");
   // Bytes of the lidar that was connected before are nothing to write to this one.
   fixture_.table.ForgetReadings();
-  const Lines lines = Save("Speed", "1", {}, Outcome::kFailed);
-  EXPECT_EQ(std::count(lines.begin(), lines.end(), "error: Set Failed: " + no_value + "Offset"), 1);
+  expect_failure("Speed", "1", no_value + "Offset");
   // A value of a length that is not its place's would shift what follows it.
   fixture_.table.StoreReading(fixture_["Offset"], "1", {0, 1});
   fixture_.table.StoreBytes(fixture_["Reserved"], {0, 1});
-  EXPECT_EQ(Save("Speed", "1", {}, Outcome::kFailed).front(),
-            "error: Set Failed: Reserved takes 2 bytes, but its place in the command has 3.");
+  expect_failure("Speed", "1", "Reserved takes 2 bytes, but its place in the command has 3.");
   EXPECT_EQ(lidar_.sent.size(), 2U) << "only the readings";
 }
 
 TEST_F(PageWriterTest, AReadingThatFailsIsNamedAndTheLastOneIsUsed) {
-  Save("Speed", "1200", {{0, {0, 1, 0, 2, 3, 4, 5}}, {0, {7}}, {0, {}}}, Outcome::kWritten);
-  EXPECT_EQ(Save("Speed", "1300", {{5, {}}, {0, {8}}, {0, {}}}, Outcome::kWritten).at(1),
+  Save({{"Speed", "1200"}}, {{0, {0, 1, 0, 2, 3, 4, 5}}, {0, {7}}, {0, {}}});
+  report_.Take();
+  EXPECT_EQ(Save({{"Speed", "1300"}}, {{5, {}}, {0, {8}}, {0, {}}}), Outcome::kWritten);
+  EXPECT_EQ(report_.Take().at(1),
             "WARNING: The present values of [0x31] could not be read (lidar return code 5): the "
             "last ones that were read go with it.");
   EXPECT_EQ(lidar_.sent.back().payload, (Bytes{0x05, 0x14, 0, 2, 3, 4, 5, 8}));
   // Silent before and silent now: nobody knows whether the lidar took its new address.
-  Save("Port", "80", {{0, {1, 2, 3, 4, 0, 5}}, {0, {}}}, Outcome::kWritten);
-  for (const std::string& line :
-       Save("Port", "81", {{kNoReply, {}}, {kNoReply, {}}}, Outcome::kWritten)) {
+  Save({{"Port", "80"}}, {{0, {1, 2, 3, 4, 0, 5}}, {0, {}}});
+  report_.Take();
+  EXPECT_EQ(Save({{"Port", "81"}}, {{kNoReply, {}}, {kNoReply, {}}}), Outcome::kWritten);
+  for (const std::string& line : report_.Take()) {
     EXPECT_EQ(line.find("After its restart"), std::string::npos) << line;
   }
-  Save("Port", "82", {{kNoReply, {}}, {kavel::lidar::kSendIncomplete, {}}}, Outcome::kNoAnswer);
-  Save("Speed", "1", {}, Outcome::kNoAnswer);
+  EXPECT_EQ(Save({{"Port", "82"}}, {{kNoReply, {}}, {kavel::lidar::kSendIncomplete, {}}}),
+            Outcome::kNoAnswer);
+  EXPECT_EQ(Save({{"Speed", "1"}}), Outcome::kNoAnswer);
 }
 
 TEST_F(PageWriterTest, RefusesInTheOrderOfItsGuards) {
   Set("Trigger", "1");
   state_.upgrading = state_.downloading = true;
   state_.connected = false;
-  Run();
+  Save({});
   state_.connected = true;
-  Run();
+  Save({});
   state_.upgrading = false;
-  Run();
+  Save({});
   EXPECT_EQ((Lines{"error: Please connect to lidar first",
                    "error: Please wait for the lidar to upgrade completely",
                    "error: Please wait for the operation log to download completely"}),
             report_.Take());
   state_.downloading = false;
-  EXPECT_FALSE(Run(-1));
-  EXPECT_FALSE(Run(2));
-  EXPECT_TRUE(lidar_.sent.empty());
-  Answer({{0, {}}});
-  EXPECT_TRUE(Run());
+  EXPECT_EQ(Save({}, {}, -1), Outcome::kNothing);
+  EXPECT_EQ(Save({}, {}, 2), Outcome::kNothing);
+  EXPECT_EQ(Save({}, {{0, {}}}), Outcome::kWritten);
   EXPECT_EQ((std::vector<Sent>{{0x51, {}}}), lidar_.sent) << "what only triggers is sent empty";
 }
 

@@ -31,3 +31,13 @@ class TestFolder {
  private:
   std::string path_;
 };
+
+/// A folder that is the current directory while it lives. One at a time.
+class InstallRoot : public TestFolder {
+ public:
+  InstallRoot() { std::filesystem::current_path(path()); }
+  ~InstallRoot() { std::filesystem::current_path(before_); }
+
+ private:
+  const std::filesystem::path before_ = std::filesystem::current_path();
+};
