@@ -35,7 +35,7 @@ void AuthorizedCmxClient::Probe() {
     return;
   }
   std::vector<uint8_t> reply;
-  if (!Exchange(config_.probe_cmd, {}, &reply)) {
+  if (!Exchange(config_.probe_cmd, {}, Shown::kYes, &reply)) {
     Log("AUTH: probe failed, conservatively require auth");
     return;
   }
@@ -57,12 +57,12 @@ void AuthorizedCmxClient::Probe() {
 
 int AuthorizedCmxClient::Gate(uint8_t cmd) {
   const std::lock_guard<kavel::lidar::TicketMutex> lock(mutex_);
-  return GateLocked(cmd);
+  return GateLocked(cmd, Shown::kYes);
 }
 
 bool AuthorizedCmxClient::Handshake() {
   const std::lock_guard<kavel::lidar::TicketMutex> lock(mutex_);
-  return HandshakeLocked();
+  return HandshakeLocked(Shown::kYes);
 }
 
 bool AuthorizedCmxClient::IsOpen() { return client_->IsOpen(); }
@@ -71,32 +71,36 @@ int32_t AuthorizedCmxClient::QueryCommand(const std::vector<uint8_t>& payload,
                                           std::vector<uint8_t>& result, uint8_t cmd,
                                           bool with_header, int32_t* error) {
   const std::lock_guard<kavel::lidar::TicketMutex> lock(mutex_);
-  return MayPass(cmd, error) ? client_->QueryCommand(payload, result, cmd, with_header, error) : -1;
+  return MayPass(cmd, Shown::kYes, error)
+             ? client_->QueryCommand(payload, result, cmd, with_header, error)
+             : -1;
 }
 
 int32_t AuthorizedCmxClient::QueryQuietly(const std::vector<uint8_t>& payload,
                                           std::vector<uint8_t>& result, uint8_t cmd,
                                           int32_t* error) {
   const std::lock_guard<kavel::lidar::TicketMutex> lock(mutex_);
-  return MayPass(cmd, error) ? client_->QueryQuietly(payload, result, cmd, error) : -1;
+  return MayPass(cmd, Shown::kNo, error) ? client_->QueryQuietly(payload, result, cmd, error) : -1;
 }
 
 int32_t AuthorizedCmxClient::QueryWithin(uint32_t timeout_ms, const std::vector<uint8_t>& payload,
                                          std::vector<uint8_t>& result, uint8_t cmd,
                                          int32_t* error) {
   const std::lock_guard<kavel::lidar::TicketMutex> lock(mutex_);
-  return MayPass(cmd, error) ? client_->QueryWithin(timeout_ms, payload, result, cmd, error) : -1;
+  return MayPass(cmd, Shown::kNo, error)
+             ? client_->QueryWithin(timeout_ms, payload, result, cmd, error)
+             : -1;
 }
 
-bool AuthorizedCmxClient::MayPass(uint8_t cmd, int32_t* error) {
-  const bool passes = GateLocked(cmd) == 0;
+bool AuthorizedCmxClient::MayPass(uint8_t cmd, Shown shown, int32_t* error) {
+  const bool passes = GateLocked(cmd, shown) == 0;
   if (!passes && error != nullptr) {
     *error = kavel::lidar::kAuthRefused;
   }
   return passes;
 }
 
-int AuthorizedCmxClient::GateLocked(uint8_t cmd) {
+int AuthorizedCmxClient::GateLocked(uint8_t cmd, Shown shown) {
   if (!config_.enabled || !auth_required_ || config_.protected_cmds.count(cmd) == 0) {
     return 0;
   }
@@ -104,16 +108,16 @@ int AuthorizedCmxClient::GateLocked(uint8_t cmd) {
     Log("AUTH: unavailable, reject protected cmd");
     return -1;
   }
-  if (!HandshakeLocked()) {
+  if (!HandshakeLocked(shown)) {
     Log("AUTH: handshake failed for protected cmd");
     return -1;
   }
   return 0;
 }
 
-bool AuthorizedCmxClient::HandshakeLocked() {
+bool AuthorizedCmxClient::HandshakeLocked(Shown shown) {
   std::vector<uint8_t> reply;
-  if (!Exchange(config_.challenge_cmd, {}, &reply)) {
+  if (!Exchange(config_.challenge_cmd, {}, shown, &reply)) {
     Log("AUTH: challenge failed");
     return false;
   }
@@ -134,17 +138,21 @@ bool AuthorizedCmxClient::HandshakeLocked() {
     Log("AUTH: algorithm compute failed");
     return false;
   }
-  if (!Exchange(config_.response_cmd, response, &reply)) {
+  if (!Exchange(config_.response_cmd, response, shown, &reply)) {
     Log("AUTH: response rejected");
     return false;
   }
   return true;
 }
 
-bool AuthorizedCmxClient::Exchange(uint32_t cmd, const std::vector<uint8_t>& payload,
+bool AuthorizedCmxClient::Exchange(uint32_t cmd, const std::vector<uint8_t>& payload, Shown shown,
                                    std::vector<uint8_t>* reply) {
   reply->clear();  // the client leaves it as it was when the reply has no payload
-  return client_->QueryCommand(payload, *reply, static_cast<uint8_t>(cmd), false, nullptr) == 0;
+  const auto code = static_cast<uint8_t>(cmd);
+  if (shown == Shown::kNo) {
+    return client_->QueryQuietly(payload, *reply, code, nullptr) == 0;
+  }
+  return client_->QueryCommand(payload, *reply, code, false, nullptr) == 0;
 }
 
 void AuthorizedCmxClient::Log(const std::string& line) {

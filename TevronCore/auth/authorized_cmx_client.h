@@ -49,10 +49,13 @@ class AuthorizedCmxClient : public kavel::lidar::CommandSender {
                       std::vector<uint8_t>& result, uint8_t cmd, int32_t* error) override;
 
  private:
-  bool MayPass(uint8_t cmd, int32_t* error);
-  int GateLocked(uint8_t cmd);
-  bool HandshakeLocked();
-  bool Exchange(uint32_t cmd, const std::vector<uint8_t>& payload, std::vector<uint8_t>* reply);
+  /// Whether the byte flow has the handshake: that of a command which is kept out of it is, too.
+  enum class Shown { kYes, kNo };
+  bool MayPass(uint8_t cmd, Shown shown, int32_t* error);
+  int GateLocked(uint8_t cmd, Shown shown);
+  bool HandshakeLocked(Shown shown);
+  bool Exchange(uint32_t cmd, const std::vector<uint8_t>& payload, Shown shown,
+                std::vector<uint8_t>* reply);
   size_t PrefixSize() const { return reply_prefix_ ? 4 : 0; }
   void Log(const std::string& line);
 

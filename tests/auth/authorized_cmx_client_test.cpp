@@ -97,7 +97,9 @@ TEST(AuthorizedCmxClient, EveryProtectedCommandGetsItsOwnHandshake) {
   EXPECT_EQ(bench.ProbeAndSend(0x21), 0);
   EXPECT_EQ(bench.error, 0);
   EXPECT_EQ(bench.result, Bytes{0x77});
-  EXPECT_EQ(bench.client.QueryCommand({6}, bench.result, 0x21, false), 0);
+  EXPECT_EQ(bench.device->quiet, 0);
+  EXPECT_EQ(bench.client.QueryWithin(60000, {6}, bench.result, 0x21, nullptr), 0);
+  EXPECT_EQ(bench.device->quiet, 3) << "the whole handshake stays out of the byte flow";
   const std::vector<Sent> expected = {{0xDF, {}}, {0x66, {}},      {0xE0, kAnswer}, {0x21, {5}},
                                       {0x66, {}}, {0xE0, kAnswer}, {0x21, {6}}};
   EXPECT_EQ(bench.device->sent, expected);

@@ -47,6 +47,12 @@ class ScriptedSender : public kavel::lidar::CommandSender {
     return reply.error == 0 ? 0 : -1;
   }
 
+  int32_t QueryQuietly(const Bytes& payload, Bytes& result, uint8_t cmd, int32_t* error) override {
+    ++quiet;
+    return QueryCommand(payload, result, cmd, false, error);
+  }
+
+  int quiet = 0;  ///< how many of them are not shown to the user
   std::deque<Reply> replies;
   std::vector<Sent> sent;
 };
