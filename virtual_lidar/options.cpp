@@ -81,6 +81,8 @@ struct CommandLine {
   bool no_auth = false;
   std::vector<std::string> firmware;
   size_t firmware_kib = Options().firmware_size / 1024;
+  uint32_t line_baud = 0;
+  int line_latency_ms = 0;
   int restart_ms = static_cast<int>(ServerSetup().restart_time.count());
 };
 
@@ -104,6 +106,14 @@ void DeclareWhereToAnswer(CLI::App* app, CommandLine* line, Options* options) {
       ->capture_default_str();
   app->add_flag("--serial", line->serial,
                 "Answer on a pseudo-terminal, as serial models do anyway; with --port, on both");
+  app->add_option("--line-rate", line->line_baud,
+                  "Let bytes over a serial line no faster than this, in bit/s and ten bits a byte")
+      ->type_name("BAUD")
+      ->check(CLI::Range(300, 12500000).description(""));
+  app->add_option("--line-latency", line->line_latency_ms,
+                  "Let bytes over a serial line arrive so much later, each way")
+      ->type_name("MS")
+      ->check(CLI::Range(0, 1000).description(""));
   app->add_option("--udp", line->udp, "Send a point cloud of 1,200-byte packets to IP:PORT[@RATE]")
       ->type_name("IP:PORT[@RATE]")
       ->check(CLI::Validator(CheckTarget, ""));
@@ -165,6 +175,7 @@ void MakeSense(const CommandLine& line, Options* options) {
   options->firmware_size = line.firmware_kib * 1024;
   ServerSetup& server = options->server;
   server.restart_time = std::chrono::milliseconds(line.restart_ms);
+  server.line_speed = {line.line_baud, std::chrono::milliseconds(line.line_latency_ms)};
   const ConnectType connect = TraitsOf(options->model).connect;
   const bool serial = line.serial || connect != kNetworkLink;
   if (serial) {

@@ -27,14 +27,13 @@ std::shared_ptr<SerialClient> OpenLine(const LidarUnderTest& lidar) {
   return std::make_shared<SerialClient>(source, source);
 }
 
-TEST(SerialLine, AnswersAfterEachReopeningOfThePort) {
-  auto setup = OnSerialLine();
-  setup.server.tcp_port = 0;
-  LidarUnderTest lidar(std::move(setup));
+void ReopenThePort(const LidarUnderTest& lidar, std::chrono::milliseconds least) {
   for (int round = 0; round < 3; ++round) {
     const auto client = OpenLine(lidar);
     Bytes inner;
+    const auto start = std::chrono::steady_clock::now();
     ASSERT_EQ(client->SendCommand(0x30, {}, inner, kPatienceMs), 0) << "round " << round;
+    EXPECT_GE(std::chrono::steady_clock::now() - start, least);
     EXPECT_EQ(inner, (Bytes{4, 0x30, 0, 0x02, 0x58, 0xFD}));
     // Network settings do not cut a serial line, but they do cut a network.
     EXPECT_EQ(client->SendCommand(0x21, {10, 0, 0, 2}, inner, kPatienceMs), 0);
@@ -42,6 +41,16 @@ TEST(SerialLine, AnswersAfterEachReopeningOfThePort) {
     TcpEnd on_network = TcpEnd::To(lidar.port());
     on_network.Send({0x47, 0x74, 0x21, 0, 0, 0, 0, 4, 10, 0, 0, 3});
     EXPECT_TRUE(on_network.EndsHere());
+  }
+}
+
+TEST(SerialLine, AnswersAfterEachReopeningOfThePort) {
+  for (const LineSpeed speed : {LineSpeed{}, {115200, std::chrono::milliseconds(20)}}) {
+    auto setup = OnSerialLine();
+    setup.server.tcp_port = 0;
+    setup.server.line_speed = speed;
+    LidarUnderTest lidar(std::move(setup));
+    ReopenThePort(lidar, 2 * speed.latency);
   }
 }
 

@@ -104,19 +104,48 @@ void DeviceServer::OnClient(UniqueFd socket, const std::string& peer) {
 
 void DeviceServer::OpenSerial() {
   serial_link_.reset();
-  line_ = std::make_unique<PseudoTerminal>(loop_, [this] { ResetSerialLink(); });
-  int answer_fd = line_->fd();
+  slow_line_.reset();
+  slow_answer_line_.reset();
+  line_ = std::make_unique<PseudoTerminal>(loop_, [this] { OnPortClosed(); });
+  const int request_fd = DeviceEnd(*line_, &slow_line_);
+  int answer_fd = request_fd;
   if (setup_.serial == ServerSetup::Serial::kPair) {
     answer_line_ = std::make_unique<PseudoTerminal>(loop_, [] {});
-    answer_fd = answer_line_->fd();
+    answer_fd = DeviceEnd(*answer_line_, &slow_answer_line_);
     log_->Write("serial port 485 " + line_->name());
     log_->Write("serial port 232 " + answer_line_->name());
   } else {
     log_->Write("serial port " + line_->name());
   }
   LinkHost* const host = this;
-  serial_link_ = std::make_unique<Link>(loop_, host, line_->fd(), answer_fd,
+  serial_link_ = std::make_unique<Link>(loop_, host, request_fd, answer_fd,
                                         std::make_unique<SerialCodec>(), line_->name());
+}
+
+int DeviceServer::DeviceEnd(const PseudoTerminal& line, std::unique_ptr<SlowLine>* slow) {
+  if (!setup_.line_speed.is_limited()) {
+    return line.fd();
+  }
+  *slow =
+      std::make_unique<SlowLine>(loop_, line.fd(), setup_.line_speed, [this] { NoticeClosing(); });
+  return (*slow)->device_fd();
+}
+
+void DeviceServer::OnPortClosed() {
+  for (auto* line : {slow_line_.get(), slow_answer_line_.get()}) {
+    if (line != nullptr) {
+      line->Reset();
+    }
+  }
+  ResetSerialLink();
+}
+
+void DeviceServer::NoticeClosing() {
+  for (auto* line : {line_.get(), answer_line_.get()}) {
+    if (line != nullptr) {
+      line->NoticeClosing();
+    }
+  }
 }
 
 void DeviceServer::ResetSerialLink() {
@@ -127,13 +156,9 @@ void DeviceServer::ResetSerialLink() {
 }
 
 void DeviceServer::BeforeRequests(Link& link) {
-  if (&link != serial_link_.get()) {
-    return;
-  }
-  for (auto* line : {line_.get(), answer_line_.get()}) {
-    if (line != nullptr) {
-      line->NoticeClosing();
-    }
+  // On a slow line the news is as old as the bytes that have just entered it.
+  if (&link == serial_link_.get() && !slow_line_) {
+    NoticeClosing();
   }
 }
 

@@ -14,6 +14,7 @@
 #include "server/link.h"
 #include "server/point_cloud_sender.h"
 #include "server/pseudo_terminal.h"
+#include "server/slow_line.h"
 #include "server/tcp_listener.h"
 
 /// Where a virtual lidar can be reached.
@@ -24,6 +25,7 @@ struct ServerSetup {
   bool other_port_will_do = false;   ///< should that one be in use
   int protocol = 1;                  ///< version of the CMX frames over TCP: 1 or 2
   Serial serial = Serial::kNone;     ///< kPair: requests by one port, answers by the other
+  LineSpeed line_speed;              ///< of the serial lines
   std::optional<PointCloudTarget> point_cloud;
   std::chrono::milliseconds restart_time{300};  ///< how long a restart keeps the device away
   std::string dump_file;                        ///< rewritten after every change; empty: none
@@ -62,6 +64,9 @@ class DeviceServer : private LinkHost {
 
   void OnClient(UniqueFd socket, const std::string& peer);
   void OpenSerial();
+  int DeviceEnd(const PseudoTerminal& line, std::unique_ptr<SlowLine>* slow);
+  void NoticeClosing();
+  void OnPortClosed();
   void ResetSerialLink();
   void BeginRestart();
   void EndRestart();
@@ -78,6 +83,8 @@ class DeviceServer : private LinkHost {
   std::vector<std::unique_ptr<Client>> clients_;
   std::unique_ptr<PseudoTerminal> line_;  ///< requests, and answers when it is alone
   std::unique_ptr<PseudoTerminal> answer_line_;
+  std::unique_ptr<SlowLine> slow_line_;  ///< in front of each, when the line is slow
+  std::unique_ptr<SlowLine> slow_answer_line_;
   std::unique_ptr<Link> serial_link_;
   std::unique_ptr<PointCloudSender> point_cloud_;
   bool away_ = false;  ///< restarting
