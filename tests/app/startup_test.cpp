@@ -4,26 +4,15 @@
 
 #include <QApplication>
 #include <QDir>
-#include <QFile>
-#include <QTemporaryDir>
 #include <vector>
 
 #include "app/message_recorder.h"
+#include "support/test_folder.h"
 
 namespace {
 
-void Put(const QString& folder, const QString& path, const QByteArray& bytes) {
-  QDir(folder).mkpath(QFileInfo(path).path());
-  QFile file(QDir(folder).filePath(path));
-  ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-  ASSERT_EQ(file.write(bytes), bytes.size());
-}
-
 TEST(ScaleFactor, FollowsTheDesktopOrTheWidth) {
-  const struct {
-    int w, h, physical_w, physical_h;
-    const char* text;
-  } screens[] = {
+  const std::tuple<int, int, int, int, const char*> screens[] = {
       {1920, 1080, 1920, 1080, "1"},        // nothing to enlarge
       {2560, 1440, 2560, 1440, "1.33333"},  // a wide screen that the desktop leaves alone
       {1366, 768, 1366, 768, "1"},          // never smaller than designed
@@ -35,9 +24,9 @@ TEST(ScaleFactor, FollowsTheDesktopOrTheWidth) {
       {2560, 1440, -1, 1440, "1"},
   };
   const QByteArray before = qgetenv("QT_SCALE_FACTOR");
-  for (const auto& screen : screens) {
-    ApplyScaleFactor({screen.w, screen.h, screen.physical_w, screen.physical_h});
-    EXPECT_EQ(qgetenv("QT_SCALE_FACTOR"), screen.text) << screen.w << "x" << screen.h;
+  for (const auto& [width, height, physical_width, physical_height, text] : screens) {
+    ApplyScaleFactor({width, height, physical_width, physical_height});
+    EXPECT_EQ(qgetenv("QT_SCALE_FACTOR"), text) << width << "x" << height;
   }
   qputenv("QT_SCALE_FACTOR", before);
 }
@@ -54,43 +43,36 @@ TEST(Palette, IsAsDarkForADisabledControlAndLeavesTheOtherRolesAlone) {
 }
 
 TEST(InstallRoot, IsTheFirstFolderThatHoldsTheFontOrElseTheParent) {
-  const struct {
-    bool font_in_parent, font_beside_program, root_is_parent;
-    int warnings;
-  } cases[] = {{true, false, true, 0},
-               {false, true, false, 0},
-               {true, true, true, 0},
-               {false, false, true, 1}};
-  for (const auto& one : cases) {
-    const QTemporaryDir folder;
-    const QString parent = QDir(folder.path()).canonicalPath();
-    const QString exe_dir = parent + QStringLiteral("/bin");
-    ASSERT_TRUE(QDir(parent).mkpath(exe_dir));
-    if (one.font_in_parent) {
-      Put(parent, "fonts/Roboto-Regular-14.ttf", "font");
+  const char font[] = "fonts/Roboto-Regular-14.ttf";
+  for (const auto& [in_parent, beside_program] :
+       {std::pair(true, false), {false, true}, {true, true}, {false, false}}) {
+    const TestFolder folder;
+    folder.Write("bin/tevron", "");
+    if (in_parent) {
+      folder.Write(font, "font");
     }
-    if (one.font_beside_program) {
-      Put(exe_dir, "fonts/Roboto-Regular-14.ttf", "font");
+    if (beside_program) {
+      folder.Write(std::string("bin/") + font, "font");
     }
+    const QString parent = QDir(folder.path().c_str()).canonicalPath();
+    const QString exe_dir = parent + "/bin";
     const MessageRecorder messages;
-    EXPECT_EQ(ResolveInstallRoot(exe_dir), one.root_is_parent ? parent : exe_dir);
-    ASSERT_EQ(messages.warnings().size(), one.warnings);
-    if (one.warnings == 0) {
-      continue;
-    }
+    EXPECT_EQ(ResolveInstallRoot(exe_dir), in_parent || !beside_program ? parent : exe_dir);
     // The two bytes of the separator are no UTF-8, so the logger shows each as a replacement.
     const QString separator(2, QChar(QChar::ReplacementCharacter));
-    EXPECT_EQ(messages.warnings().first(),
-              QStringLiteral("[Tevron] install root heuristic: missing fonts/Roboto-Regular-14.ttf "
-                             "in \"%1\" and \"%2\" %3 using parent of exe dir: \"%2\"")
-                  .arg(exe_dir, parent, separator));
+    const QString warning = QString(
+                                "[Tevron] install root heuristic: missing %4 in \"%1\" and "
+                                "\"%2\" %3 using parent of exe dir: \"%2\"")
+                                .arg(exe_dir, parent, separator, font);
+    EXPECT_EQ(messages.warnings(),
+              in_parent || beside_program ? QStringList() : QStringList(warning));
   }
 }
 
 TEST(ApplicationData, GivesTheInterfaceItsFontAndItsIconOrSaysWhyNot) {
-  const QTemporaryDir folder;
-  const QString path = folder.path();
-  Put(path, "bad.ttf", "this is no font");
+  const TestFolder folder;
+  const QString path = folder.path().c_str();
+  folder.Write("bad.ttf", "this is no font");
   const MessageRecorder messages;
   EXPECT_EQ(LoadApplicationFont(path, "Bold"), -1) << "a folder is no file";
   EXPECT_EQ(LoadApplicationFont(path + "/bad.ttf", "Bold"), -1);
@@ -103,10 +85,7 @@ TEST(ApplicationData, GivesTheInterfaceItsFontAndItsIconOrSaysWhyNot) {
 }
 
 TEST(ModulePv, TakesTheFirstMatchingArgumentAfterTheProgram) {
-  const struct {
-    std::vector<std::string> arguments;
-    QString model;
-  } cases[] = {
+  const std::pair<std::vector<std::string>, QString> cases[] = {
       {{"tevron", "-modulePV=Osprey"}, "Osprey"},
       {{"tevron", "-x", "-modulePV=Osprey", "-modulePV=Orca"}, "Osprey"},
       {{"tevron", "-modulePV=", "-modulePV=Orca"}, ""},
@@ -115,12 +94,12 @@ TEST(ModulePv, TakesTheFirstMatchingArgumentAfterTheProgram) {
       {{"-modulePV=Orca"}, ""},
       {{"tevron", "-modulepv=Orca", "--modulePV=Orca", "modulePV=Orca"}, ""},
   };
-  for (auto one : cases) {
+  for (auto [arguments, model] : cases) {
     std::vector<char*> argv;
-    for (std::string& argument : one.arguments) {
+    for (std::string& argument : arguments) {
       argv.push_back(argument.data());
     }
-    EXPECT_EQ(ModulePvArgument(static_cast<int>(argv.size()), argv.data()), one.model);
+    EXPECT_EQ(ModulePvArgument(static_cast<int>(argv.size()), argv.data()), model);
   }
 }
 

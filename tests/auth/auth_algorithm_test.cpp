@@ -44,11 +44,7 @@ TEST(Aes256Cmac, PublishedVectors) {
 // Worked out one byte and one bit at a time, as the firmware does. Every bit of the mask word that
 // decides something is seen both set and clear.
 TEST(SessionKey, AgreesWithTheFirmware) {
-  const struct {
-    uint32_t crc, maskword;
-    MixConstants constants;
-    uint32_t key;
-  } cases[] = {
+  const std::tuple<uint32_t, uint32_t, MixConstants, uint32_t> cases[] = {
       {0x1FB17C23, 0xA170B338, {0xF28C105D, 0x39263059}, 0x8D3FC32C},
       {0xDBC496CB, 0x6B4CB242, {0x2217BEAD, 0x4A23D596}, 0x2BEFEBCC},
       {0x2E44158B, 0x923A7369, {0x1A61DBE2, 0x94E3BF91}, 0x9EDC3C71},
@@ -58,8 +54,8 @@ TEST(SessionKey, AgreesWithTheFirmware) {
       {0x62C33A4F, 0x58D5563D, {0xE3151288, 0xAB2CD31E}, 0x7F830A5B},
       {0x83F73F16, 0xA7ABE1C2, {0xF341E07A, 0x9E1A8EF4}, 0xDDF9C0E3},
   };
-  for (const auto& c : cases) {
-    EXPECT_EQ(MixSessionKey(c.crc, c.maskword, c.constants), c.key) << c.maskword;
+  for (const auto& [crc, maskword, constants, key] : cases) {
+    EXPECT_EQ(MixSessionKey(crc, maskword, constants), key) << maskword;
   }
 }
 

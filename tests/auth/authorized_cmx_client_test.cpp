@@ -59,12 +59,7 @@ const ScriptedSender::Reply kFailed = {kavel::lidar::kNoReply, {}};
 TEST(AuthorizedCmxClient, ProbeDecidesByTheValueItIsToldToRead) {
   const char* const required = "AUTH: probe value=1 required=true";
   const char* const too_short = "AUTH: probe payload too short, treat as not-required";
-  const struct {
-    Bytes reply;
-    int32_t offset, length;
-    bool little, prefix;
-    const char* line;
-  } cases[] = {
+  const std::tuple<Bytes, int32_t, int32_t, bool, bool, const char*> cases[] = {
       {{0, 1}, 0, 2, false, false, required},
       {{1, 0}, 0, 2, true, false, required},
       {{1, 0}, 0, 2, false, false, "AUTH: probe value=256 required=false"},
@@ -76,16 +71,16 @@ TEST(AuthorizedCmxClient, ProbeDecidesByTheValueItIsToldToRead) {
       {{}, 0, 1, false, false, too_short},
       {{0, 1}, 0x7FFFFFFF, 0x7FFFFFFF, false, true, too_short},
   };
-  for (const auto& c : cases) {
+  for (const auto& [reply, offset, length, little, prefix, line] : cases) {
     AuthConfig config = TwoByteConfig();
-    config.probe_offset = c.offset;
-    config.probe_len = c.length;
-    config.probe_little_endian = c.little;
+    config.probe_offset = offset;
+    config.probe_len = length;
+    config.probe_little_endian = little;
     // After the probe the challenge fails, so that "required" shows as a refusal.
-    Bench bench({{0, c.reply}}, config, c.prefix);
+    Bench bench({{0, reply}}, config, prefix);
     bench.client.Probe();
-    EXPECT_EQ(bench.log->lines, Lines{c.line});
-    EXPECT_EQ(bench.client.Gate(0x21), c.line == required ? -1 : 0) << c.line;
+    EXPECT_EQ(bench.log->lines, Lines{line});
+    EXPECT_EQ(bench.client.Gate(0x21), line == required ? -1 : 0) << line;
   }
   Bench unanswered({kFailed});
   EXPECT_EQ(unanswered.ProbeAndSend(0x21), -1);
@@ -112,36 +107,31 @@ TEST(AuthorizedCmxClient, EveryProtectedCommandGetsItsOwnHandshake) {
 TEST(AuthorizedCmxClient, TheLastStepDecidesAndIsNamed) {
   const char* const too_short = "AUTH: challenge payload too short for 16-byte random";
   const char* const waived = "AUTH: random all-zero, still valid, skip algorithm";
-  const struct {
-    const char* line;
-    Bytes sent;  ///< after the probe
-    std::deque<ScriptedSender::Reply> replies;
-    bool prefix = false;
-    Bytes answer = kAnswer;
-  } cases[] = {
-      {"AUTH: challenge failed", {0x66}, {kFailed}},
-      {too_short, {0x66}, {{0, Bytes(15, 1)}}},
-      {too_short, {0x66}, {{0, Bytes(19, 1)}}, true},
+  using Replies = std::deque<ScriptedSender::Reply>;
+  const std::tuple<const char*, Bytes, Replies, bool, Bytes> cases[] = {
+      {"AUTH: challenge failed", {0x66}, {kFailed}, false, kAnswer},
+      {too_short, {0x66}, {{0, Bytes(15, 1)}}, false, kAnswer},
+      {too_short, {0x66}, {{0, Bytes(19, 1)}}, true, kAnswer},
       {"AUTH: algorithm compute failed", {0x66}, {{0, kRandom}}, false, {}},
-      {"AUTH: response rejected", {0x66, 0xE0}, {{0, kRandom}, kFailed}},
-      {waived, {0x66, 0x21}, {{0, Bytes{0, 0, 0, 42} + Bytes(16)}, kFailed}, true},
+      {"AUTH: response rejected", {0x66, 0xE0}, {{0, kRandom}, kFailed}, false, kAnswer},
+      {waived, {0x66, 0x21}, {{0, Bytes{0, 0, 0, 42} + Bytes(16)}, kFailed}, true, kAnswer},
   };
-  for (const auto& c : cases) {
-    Bench bench(c.replies, TwoByteConfig(), c.prefix, std::make_unique<FixedAnswer>(c.answer));
-    bench.device->replies.push_front({0, Bytes(c.prefix ? 4 : 0) + Bytes{0, 1}});
+  for (const auto& [line, sent_after_probe, replies, prefix, answer] : cases) {
+    Bench bench(replies, TwoByteConfig(), prefix, std::make_unique<FixedAnswer>(answer));
+    bench.device->replies.push_front({0, Bytes(prefix ? 4 : 0) + Bytes{0, 1}});
     EXPECT_EQ(bench.ProbeAndSend(0x21), -1);
     Bytes sent;
     for (const Sent& each : bench.device->sent) {
       sent.push_back(each.cmd);
     }
-    EXPECT_EQ(sent, Bytes{0xDF} + c.sent);
-    Lines lines = {"AUTH: probe value=1 required=true", c.line};
-    if (c.line != waived) {
+    EXPECT_EQ(sent, Bytes{0xDF} + sent_after_probe);
+    Lines lines = {"AUTH: probe value=1 required=true", line};
+    if (line != waived) {
       lines.emplace_back("AUTH: handshake failed for protected cmd");
     }
     EXPECT_EQ(bench.log->lines, lines);
     // Without a refusal it is the device's own reason.
-    EXPECT_EQ(bench.error, c.line == waived ? kavel::lidar::kNoReply : kavel::lidar::kAuthRefused);
+    EXPECT_EQ(bench.error, line == waived ? kavel::lidar::kNoReply : kavel::lidar::kAuthRefused);
   }
 
   Bench no_algorithm({}, TwoByteConfig(), false, nullptr);

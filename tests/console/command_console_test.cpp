@@ -30,44 +30,34 @@ class Console : public testing::Test {
 };
 
 TEST_F(Console, KeepsTheLowBytesOfHexadecimalNumbersAndTellsWhatTheyDo) {
-  const struct {
-    const char* command;
-    const char* payload;
-    Sent sent;
-    const char* success;
-  } cases[] = {
+  const std::tuple<const char*, const char*, Sent, const char*> cases[] = {
       {"0x21", "01  02", {0x21, {1, 2}}, ""},  // two blanks are one gap
       {"0X2c", " fF 0x1FF ", {0x2C, {0xFF, 0xFF}}, ""},
       {"7fffff10", "7FFFFFFF", {0x10, {0xFF}}, "Lidar restart."},
       {"25", "   ", {0x25, {}}, "Lidar reset."},
   };
-  for (const auto& c : cases) {
+  for (const auto& [command, payload, sent, success] : cases) {
     lidar_.replies = {{0, {}}};
     lidar_.sent.clear();
-    EXPECT_EQ(Send(c.command, c.payload).success, c.success);
-    EXPECT_EQ(lidar_.sent, std::vector<Sent>{c.sent}) << c.command;
+    EXPECT_EQ(Send(command, payload).success, success);
+    EXPECT_EQ(lidar_.sent, std::vector<Sent>{sent}) << command;
   }
 }
 
 TEST_F(Console, NamesWhatCannotBeReadAndSendsNothing) {
-  const struct {
-    const char* command;
-    const char* payload;
-    const char* culprit;
-    const char* printed;
-  } cases[] = {
+  const std::array<const char*, 4> cases[] = {
       {"", "01", "header", "Invalid_argument\n"},
       {"2G", "01", "header", "Invalid_argument\n"},
       {"80000000", "01", "header", "Out_of_range\n"},
       {"21", "01,02", "payload", "Invalid_argument\n"},
       {"21", "01 80000000", "header", "Out_of_range\n"},  // any number out of range, on purpose
   };
-  for (const auto& c : cases) {
+  for (const auto& [command, payload, culprit, printed] : cases) {
     testing::internal::CaptureStdout();
-    Send(c.command, c.payload);
-    Send(c.command, c.payload, Family::kSerial);
-    EXPECT_EQ(testing::internal::GetCapturedStdout(), std::string(c.printed) + c.printed);
-    const std::string rest = std::string(c.culprit) + " was entered. Parsing failed.";
+    Send(command, payload);
+    Send(command, payload, Family::kSerial);
+    EXPECT_EQ(testing::internal::GetCapturedStdout(), std::string(printed) + printed);
+    const std::string rest = std::string(culprit) + " was entered. Parsing failed.";
     EXPECT_EQ(report_.Take(),
               (Lines{"error: Incorrect CMX " + rest, "error: Incorrect Serial " + rest}));
   }

@@ -76,19 +76,15 @@ TEST_F(ManagerSerialTest, APairOfPortsConnectsAndTheConsoleWorks) {
 TEST_F(ManagerSerialTest, PortsThatDoNotOpenAreNamed) {
   const VirtualLidarProcess lidar({"--model", "Lumo"});
   const QString none = "/dev/no-such-port";
-  const struct {
-    const char* model;
-    QString port_485;
-    const char* error;
-  } cases[] = {
+  const std::tuple<const char*, QString, const char*> cases[] = {
       {"Lumo", none, "Connection Failed. Please check your RS485 serial port."},
       {"Lumo", lidar.SerialPort("485"), "Connection Failed. Please check your UART serial port."},
       {"Kiva-CMX", none, "TCP connection failed."}};
-  for (const auto& attempt : cases) {
+  for (const auto& [model, port_485, error] : cases) {
     log_.clear();
-    Choose(attempt.model, attempt.port_485, none);
+    Choose(model, port_485, none);
     EXPECT_FALSE(Connect());
-    EXPECT_EQ(TakeErrors(), QStringList(attempt.error));
+    EXPECT_EQ(TakeErrors(), QStringList(error));
     EXPECT_EQ(LogLines("ERROR: ").filter(none).size(), 1);
   }
   EXPECT_TRUE(ConnectSerial("Lumo", lidar)) << "the port of the first half is free again";

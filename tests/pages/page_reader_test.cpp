@@ -71,11 +71,7 @@ TEST_F(PageReaderTest, SendsEachCommandOnceInKeyOrderAndCutsTheReplyUp) {
 }
 
 TEST_F(PageReaderTest, FailuresLeaveWhatWasThere) {
-  const struct {
-    ScriptedSender::Reply reply;
-    ReadOutcome outcome;
-    const char* reason;
-  } cases[] = {
+  const std::tuple<ScriptedSender::Reply, ReadOutcome, const char*> cases[] = {
       {{0, {0x02, 0x00, 0x07}}, ReadOutcome::kRead, nullptr},
       {{kavel::lidar::kNoReply, {}}, ReadOutcome::kNoAnswer, "no answer from the lidar"},
       {{3, {}}, ReadOutcome::kRefused, "lidar return code 3"},
@@ -83,10 +79,10 @@ TEST_F(PageReaderTest, FailuresLeaveWhatWasThere) {
       // Long enough for the first variable, but who knows of which command it is.
       {{0, {4, 0}}, ReadOutcome::kRefused, "the answer is too short, 2 of 3 bytes"},
   };
-  for (const auto& c : cases) {
-    lidar_.replies = {c.reply};
-    EXPECT_EQ(reader_.GetInfoFromLidarWithSameCmd(Vars({"Count", "Limit"}), &reason_), c.outcome);
-    EXPECT_TRUE(c.reason == nullptr || reason_ == c.reason) << reason_;
+  for (const auto& [reply, outcome, reason] : cases) {
+    lidar_.replies = {reply};
+    EXPECT_EQ(reader_.GetInfoFromLidarWithSameCmd(Vars({"Count", "Limit"}), &reason_), outcome);
+    EXPECT_TRUE(reason == nullptr || reason_ == reason) << reason_;
     EXPECT_EQ(fixture_.Text("Count"), "1.00");
     EXPECT_EQ(fixture_.Text("Limit"), "7");
   }

@@ -43,12 +43,7 @@ TEST_F(RangeCheckTest, EachVariableHasItsRule) {
   constexpr bool kOnPage = false;
   constexpr bool kAlone = true;  // the scaled value counts, and an end of 0 is no range
   using Texts = std::vector<const char*>;
-  const struct {
-    const char* name;
-    bool alone;
-    Texts good;
-    Texts bad;
-  } cases[] = {
+  const std::tuple<const char*, bool, Texts, Texts> cases[] = {
       {"Ranged", kOnPage, {"-5", "20"}, {"-6", "21"}},
       {"Ranged", kAlone, {"41.9", "41.9 m", "-11.9"}, {"42", "-12", "1e30"}},  // 20.95 is cut to 20
       {"From Zero", kOnPage, {"20"}, {"21"}},
@@ -63,15 +58,15 @@ TEST_F(RangeCheckTest, EachVariableHasItsRule) {
       {"Address", kOnPage, {"255.255.255.255"}, {"1.2.3", "1.2.3.256", "1.2.3.4.5", "1.2.3.4 "}},
       {"Hardware", kOnPage, {"aB:11:22:33:44:55"}, {"AB-11-22-33-44-55", "AB:11:22:33:44:5G"}},
   };
-  for (const auto& c : cases) {
-    for (const bool good : {true, false}) {
-      for (const char* text : good ? c.good : c.bad) {
-        Edit(c.name, text);
-        EXPECT_EQ(good, c.alone ? check_.CheckVar(fixture_[c.name]) : PageIsWithin())
-            << c.name << ' ' << text;
+  for (const auto& [name, alone, good, bad] : cases) {
+    for (const bool is_good : {true, false}) {
+      for (const char* text : is_good ? good : bad) {
+        Edit(name, text);
+        EXPECT_EQ(is_good, alone ? check_.CheckVar(fixture_[name]) : PageIsWithin())
+            << name << ' ' << text;
       }
     }
-    fixture_.table.DropEdits({&fixture_[c.name]});
+    fixture_.table.DropEdits({&fixture_[name]});
   }
   Edit("Filter", "0");
   Edit("Depending", "10");

@@ -4,8 +4,8 @@
 #include <gtest/gtest.h>
 
 #include <QDir>
-#include <QFile>
 #include <QRegularExpression>
+#include <QSettings>
 #include <QStandardPaths>
 #include <QTemporaryDir>
 
@@ -55,13 +55,11 @@ class WindowTest : public testing::Test {
   }
 
   void StartProgram() {
-    const QString settings = home_.filePath("Documents/CorvanViewDataFiles");
-    QDir().mkpath(settings);
-    QFile file(settings + "/RecvSettings.ini");
-    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-    file.write("[General]\ndevice_ip_address=127.0.0.1\ncmx_port=" +
-               QByteArray::number(lidar_->port()) + "\n");
-    file.close();
+    QSettings settings(home_.filePath("Documents/CorvanViewDataFiles/RecvSettings.ini"),
+                       QSettings::IniFormat);
+    settings.setValue("device_ip_address", "127.0.0.1");
+    settings.setValue("cmx_port", lidar_->port());
+    settings.sync();
     environment_.insert("HOME", home_.path());
     environment_.insert("XDG_CONFIG_HOME", home_.filePath(".config"));
     environment_.insert("QT_QPA_PLATFORM", "xcb");
@@ -75,10 +73,6 @@ class WindowTest : public testing::Test {
                   .trimmed()
                   .section('\n', -1);
     ASSERT_FALSE(window_.isEmpty()) << program_.Output().toStdString();
-    const QString geometry = XDoTool({"getwindowgeometry", "--shell", window_});
-    width_ = Number("WIDTH", geometry);
-    left_ = Number("X", geometry);
-    top_ = Number("Y", geometry);
   }
 
   QString XDoTool(const QStringList& arguments) const {
@@ -89,28 +83,20 @@ class WindowTest : public testing::Test {
     return tool.Output();
   }
 
-  static int Number(const QString& name, const QString& geometry) {
-    const QRegularExpression line("^" + name + "=(-?\\d+)$", QRegularExpression::MultilineOption);
-    return line.match(geometry).captured(1).toInt();
-  }
-
   void Click(int from_left, int from_top) const {
-    XDoTool({"mousemove", QString::number(left_ + from_left), QString::number(top_ + from_top),
-             "click", "1"});
+    XDoTool({"mousemove", "--window", window_, QString::number(from_left),
+             QString::number(from_top), "click", "1"});
   }
 
   // Connect stands in the top right corner. A click that comes before the scene has taken its place
   // hits nothing and is tried again.
   bool Connect() {
-    constexpr int kAttempts = 15;
-    constexpr int kAttemptMs = 2000;
-    for (int i = 0; i < kAttempts; ++i) {
-      Click(width_ - 171, 45);
-      if (WaitFor([&] { return lidar_->Output().contains("request 0x07"); }, kAttemptMs)) {
-        return true;
-      }
-    }
-    return false;
+    const QRegularExpression width("WIDTH=(\\d+)");
+    const QString geometry = XDoTool({"getwindowgeometry", "--shell", window_});
+    return WaitFor([&] {
+      Click(width.match(geometry).captured(1).toInt() - 171, 45);
+      return WaitFor([&] { return lidar_->Output().contains("request 0x07"); }, 2000);
+    });
   }
 
   QString Held(const QString& variable) const {
@@ -123,9 +109,6 @@ class WindowTest : public testing::Test {
   QProcessEnvironment environment_ = QProcessEnvironment::systemEnvironment();
   ChildProcess program_;
   QString window_;
-  int width_ = 0;
-  int left_ = 0;
-  int top_ = 0;
 };
 
 TEST_F(WindowTest, WritesATypedValueToTheLidarAndLeavesASilentOneAtOnce) {

@@ -39,11 +39,14 @@ TEST_F(ConfigParserTest, PlacesVariablesOneBehindTheOther) {
       "1,3,0x01,0x02,1,C,1,uint32,,,,,,,,,,0x01\n"
       "1,4,0x01,0x02,2,D,1,MAC,,,,,,,,,,0x01\n"
       "1,5,0x01,0x02,3,E,1,uint8,,hidden,,,,,,,,0x02\n"
-      "1,6,,,,F,1,uint8\n");
+      "1,6,,,,F,1,uint8\n"
+      "1,7,,0x03,1,G,1,raw,,,,,,,3,,\n"
+      "1,8,,0x03,2,Shared Secret Key,1,raw,,,,,,,4,,\n");
   using Place = std::pair<int32_t, int32_t>;
   const auto place = [this](const char* cmd, const char* id) {
     Place found(-1, -1);
-    EXPECT_TRUE(parser_.GetVarPosOffset(cmd, id, 9, found.first, found.second));
+    const bool is_found = parser_.GetVarPosOffset(cmd, id, 32, found.first, found.second);
+    EXPECT_EQ(is_found, found.first >= 0) << id;
     return found;
   };
   EXPECT_EQ(place("0x01", "1-1"), Place(0, 2));
@@ -51,30 +54,20 @@ TEST_F(ConfigParserTest, PlacesVariablesOneBehindTheOther) {
   EXPECT_EQ(place("0x01", "1-5"), Place(1, 1));
   EXPECT_EQ(place("0x02", "1-4"), Place(4, 6));
   EXPECT_EQ(place("0x02", "1-5"), Place(10, 1));
+  EXPECT_EQ(place("0x03", "1-8"), Place(0, 32)) << "the key has the length that is asked for";
+  EXPECT_EQ(Var("Shared Secret Key").offset, 32);
   EXPECT_EQ(parser_.WrittenBy("0x02"),
             (std::vector<const VarInfo*>{&Var("C"), &Var("D"), &Var("E")}));
 
-  int32_t pos = -1;
-  int32_t len = -1;
   testing::internal::CaptureStdout();
-  EXPECT_FALSE(parser_.GetVarPosOffset("0x02", "9-9", 1, pos, len));
-  EXPECT_FALSE(parser_.GetVarPosOffset("0x02", "1-6", 1, pos, len));
-  EXPECT_FALSE(parser_.GetVarPosOffset("0x77", "1-1", 1, pos, len));
+  EXPECT_EQ(place("0x02", "9-9"), Place(-1, -1));
+  place("0x02", "1-6");
+  place("0x77", "1-1");
+  const std::string function = "ConfigParser::GetVarPosOffset(): ";
   EXPECT_EQ(testing::internal::GetCapturedStdout(),
-            "ConfigParser::GetVarPosOffset(): ERROR. This var_id does not exist. Detail: var_id = "
-            "9-9, file_path = " +
-                file_->path() +
-                "\nConfigParser::GetVarPosOffset(): this var not supported. var_name = F\n"
-                "ConfigParser::GetVarPosOffset(): don't have this command\n");
-}
-
-TEST_F(ConfigParserTest, TheSharedSecretKeyHasTheLengthThatIsAskedFor) {
-  Load("1,1,,0x02,1,A,1,raw,,,,,,,3,,\n1,2,,0x02,2,Shared Secret Key,1,raw,,,,,,,4,,\n");
-  int32_t pos = -1;
-  int32_t len = -1;
-  EXPECT_TRUE(parser_.GetVarPosOffset("0x02", "1-2", 32, pos, len));
-  EXPECT_EQ(std::pair(pos, len), std::pair(0, 32));
-  EXPECT_EQ(Var("Shared Secret Key").offset, 32);
+            function + "ERROR. This var_id does not exist. Detail: var_id = 9-9, file_path = " +
+                file_->path() + '\n' + function + "this var not supported. var_name = F\n" +
+                function + "don't have this command\n");
 }
 
 TEST_F(ConfigParserTest, KeepsRowsOfGroupZeroAsDirectives) {

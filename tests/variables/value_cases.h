@@ -25,6 +25,8 @@ struct ValueCase {
   }
 };
 
+inline Bytes Ascii(const std::string& text) { return {text.begin(), text.end()}; }
+
 /// Hold in both directions: what the tool shows of the bytes, and what the virtual lidar makes of
 /// the text.
 inline const ValueCase kValueCases[] = {
@@ -43,7 +45,7 @@ inline const ValueCase kValueCases[] = {
     {"i64", "9223372036854775807000", {0x7F, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF}, 1000},
     {"float32", "360.00", {0x43, 0xB4, 0, 0}},
     {"double", "-0.10", {0xBF, 0xB9, 0x99, 0x99, 0x99, 0x99, 0x99, 0x9A}},
-    {"string", "Orca", {'O', 'r', 'c', 'a', 0, 0}},
+    {"string", "Orca", Ascii("Orca") + Bytes{0, 0}},
     {"IP", "192.168.1.201", {192, 168, 1, 201}},
     {"MAC", "02:AB:00:00:00:0F", {0x02, 0xAB, 0, 0, 0, 0x0F}},
     {"DT", "1 h 0 min 1 s", {0x00, 0x00, 0x0E, 0x11}},
@@ -54,19 +56,7 @@ inline const ValueCase kValueCases[] = {
     {"uint32", "10000000.00", {0x3B, 0x9A, 0xCA, 0x00}, 0.01F},
     {"float32", "1.50", {0x40, 0x40, 0, 0}, 0.5F},
     {"raw", "AA:BB:CC:DD:EE:FF", {0xAA, 0xBB, 0xCC, 0xDD, 0xEE, 0xFF}, 1, "MAC"},
-    {"raw",
-     "ORCA-HW-B3.1.258",
-     {'O', 'R', 'C', 'A', '-', 'H', 'W', '-', 'B', 3, 1, 1, 2, 0, 0, 0},
-     1,
-     "HWVER"},
-    {"string",
-     "ORCA-HW-B3.1.258.7",
-     {'O', 'R', 'C', 'A', '-', 'H', 'W', '-', 'B', 3, 1, 1, 2, 0, 7, 0},
-     1,
-     "HWVER"},
-    {"raw",
-     "2026-10-18 v2.7.1.255",
-     {'2', '0', '2', '6', '-', '1', '0', '-', '1', '8', ' ', 'v', 2, 7, 1, 255},
-     1,
-     "SWVER_YMD"},
+    {"raw", "ORCA-HW-B3.1.258", Ascii("ORCA-HW-B") + Bytes{3, 1, 1, 2, 0, 0, 0}, 1, "HWVER"},
+    {"string", "ORCA-HW-B3.1.258.7", Ascii("ORCA-HW-B") + Bytes{3, 1, 1, 2, 0, 7, 0}, 1, "HWVER"},
+    {"raw", "2026-10-18 v2.7.1.255", Ascii("2026-10-18 v") + Bytes{2, 7, 1, 255}, 1, "SWVER_YMD"},
 };
