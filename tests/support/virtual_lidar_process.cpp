@@ -29,6 +29,16 @@ VirtualLidarProcess::VirtualLidarProcess(const QStringList& arguments, quint16 p
   port_ = FirstMatch("^listening on 127\\.0\\.0\\.1:(\\d+)$", announced_).toUShort();
 }
 
+void VirtualLidarProcess::MakeFirmware(const QString& model, const QString& version,
+                                       const QString& file, int kib) {
+  ChildProcess maker(QStringLiteral(TEVRON_VIRTUAL_LIDAR),
+                     {"--config", "./Config", "--model", model, "--make-firmware", version, file,
+                      "--firmware-size", QString::number(kib)});
+  if (maker.ExitCode() != 0) {
+    throw std::runtime_error("no firmware was made: " + maker.Output().toStdString());
+  }
+}
+
 QString VirtualLidarProcess::SerialPort(const QString& kind) const {
   const QString pair = FirstMatch("^serial port 232 (\\S+)$", announced_);
   if (pair.isEmpty()) {

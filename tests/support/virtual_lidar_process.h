@@ -15,6 +15,10 @@ class VirtualLidarProcess {
   /// "--dump" excepted. Throws std::runtime_error with what it said when it does not become ready.
   explicit VirtualLidarProcess(const QStringList& arguments = {}, quint16 port = 0);
 
+  /// Has it write a firmware file for `model`, with images of `kib` KiB.
+  static void MakeFirmware(const QString& model, const QString& version, const QString& file,
+                           int kib);
+
   /// The TCP port on 127.0.0.1.
   quint16 port() const { return port_; }
   /// The serial line, or the one of the pair that is called `kind` ("485" or "232").

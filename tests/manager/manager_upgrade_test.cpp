@@ -1,0 +1,356 @@
+#include <QFile>
+#include <QRegularExpression>
+#include <QSignalSpy>
+#include <chrono>
+
+#include "firmware_upgrade.h"
+#include "manager_fixture.h"
+#include "support/recorded_report.h"
+
+namespace {
+
+using Lines = std::vector<std::string>;
+using std::chrono::milliseconds;
+
+constexpr char kSent[] =
+    "success: Upgrade package transmitted successfully. The lidar will automatically reboot";
+constexpr char kFailed[] = "error: Upgrade package transfer failed or is terminated.";
+constexpr char kNoReboot[] = "error: Auto reboot failed. Please reboot lidar manually.";
+
+/// Firmware for the virtual lidar, made on the spot.
+class Firmware {
+ public:
+  QUrl For(const QString& model, const QString& version, int kib = 8) const {
+    const QString path = folder_.filePath(model + version + ".patch");
+    VirtualLidarProcess::MakeFirmware(model, version, path, kib);
+    return QUrl::fromLocalFile(path);
+  }
+  QUrl Of(const QByteArray& bytes) const {
+    QFile file(folder_.filePath("other.patch"));
+    EXPECT_TRUE(file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size());
+    return QUrl::fromLocalFile(file.fileName());
+  }
+
+ private:
+  QTemporaryDir folder_;
+};
+
+/// A session with an upgrade beside it, as a program without screens has them, and with waits that
+/// a test can afford.
+class UpgradeBench {
+ public:
+  UpgradeBench(const QString& model, const VirtualLidarProcess& lidar)
+      : session({post_, report_, true, std::make_shared<ByteFlow>(report_), Handlers()}),
+        upgrade({post_,
+                 report_,
+                 session,
+                 [this] {
+                   report_.LogLine(session.state().upgrading ? "begins" : "ends", LogType::kCmx);
+                 },
+                 {milliseconds(1), milliseconds(1), milliseconds(50), milliseconds(4000)}}) {
+    session.SetModel(LoadLidarModel("./Config/varID/" + model.toStdString() + ".csv"));
+    ConnectionSettings settings;
+    settings.lidar_ip = "127.0.0.1";
+    settings.command_port = std::to_string(lidar.port());
+    settings.serial_port_485 = lidar.SerialPort("485").toStdString();
+    settings.serial_port_232 = lidar.SerialPort("232").toStdString();
+    EXPECT_TRUE(session.Connect(settings));
+    EXPECT_TRUE(WaitFor([this] { return !session.connecting() && !session.reading_facts(); }));
+    EXPECT_TRUE(session.state().connected);
+    report_.Take();
+  }
+  int Start(const QUrl& file, bool as_package) {
+    return as_package ? upgrade.StartPackage(file) : upgrade.Start(file);
+  }
+  bool Ends() {
+    return WaitFor([this] { return !upgrade.Now().running; });
+  }
+  /// The boxes, the begin and the end of the transfer, and the lines that begin with `also`.
+  Lines Told(const QString& also = "CMX: [be]") {
+    Lines told;
+    for (const std::string& line : report_.Take()) {
+      const QRegularExpression wanted("^(error|success|CMX: begins|CMX: ends|" + also + ")");
+      if (wanted.match(QString::fromStdString(line)).hasMatch()) {
+        told.push_back(line.rfind("CMX: ", 0) == 0 ? line.substr(5) : line);
+      }
+    }
+    return told;
+  }
+
+ private:
+  static LidarSession::Handlers Handlers() {
+    const auto nothing = [] {};
+    return {nothing, nothing, nothing, nothing, nothing, nothing};
+  }
+  QObject context_;
+  const Post post_ = [this](std::function<void()> task) {
+    QMetaObject::invokeMethod(&context_, std::move(task), Qt::QueuedConnection);
+  };
+  RecordedReport report_;
+
+ public:
+  LidarSession session;
+  FirmwareUpgrade upgrade;
+};
+
+class UpgradeTest : public testing::Test {
+ protected:
+  TestInstall install_;
+  Firmware firmware_;
+};
+
+TEST_F(UpgradeTest, TellsWhatWasSentAndWhatTheLidarRunsAfterwards) {
+  const std::string sent = std::string(kSent) + " within 10 seconds.";
+  const std::string streamed = std::string(kSent) + ".";
+  const std::string failed = kFailed;
+  const Lines kiva = {"begins", "ends",
+                      "success: Kiva upgrade completed. Restart command has been sent."};
+  const std::string unanswered = "Kiva restart command failed, ret:no answer from the lidar";
+  const struct {
+    const char* model;
+    const char* image_for;
+    QStringList faults;
+    bool as_package;
+    Lines told;
+    const char* outcome;  ///< an expression
+  } cases[] = {
+      {"Orca",
+       "Orca",
+       {},
+       false,
+       {"begins", "ends", sent},
+       "^Upgrade complete: was 2026-10-18 v2.7.1.0, is \\S+ v2.8.0.0\\.$"},
+      {"Orca",
+       "Osprey",
+       {},
+       false,
+       {"begins", "ends", failed},
+       "piece 1 of 8: lidar return code 8.* The lidar runs 2026-10-18 v2.7.1.0\\.$"},
+      {"Orca",
+       "Orca",
+       {"return-code=4@0x10"},
+       false,
+       {"begins", "ends", sent, kNoReboot},
+       "order to restart failed: lidar return code 4.* The lidar runs 2026-10-18 v2.7.1.0\\.$"},
+      {"Orca",
+       "Orca",
+       {"drop@0x10"},
+       false,
+       {"begins", "ends", sent, kNoReboot},
+       "^Upgrade complete: was 2026-10-18 v2.7.1.0, is \\S+ v2.8.0.0\\.$"},
+      {"Orca",
+       "Orca",
+       {"die-at-piece=5#1"},
+       false,
+       {"begins", "ends", failed},
+       "piece 5 of 8: .* The lidar runs 2026-10-18 v2.7.1.0\\.$"},
+      {"Osprey",
+       "Osprey",
+       {},
+       false,
+       {"begins", "ends", sent},
+       "^Upgrade complete: .*r2.8.0.0\\.$"},
+      {"Lumo", "Lumo", {}, false, {"begins", "ends", streamed}, "^Upgrade complete: .*2.8.0\\.$"},
+      {"Lumo-CMX",
+       "Lumo-CMX",
+       {},
+       false,
+       {"begins", "ends", streamed},
+       "^Upgrade complete: .*2.8.0\\.$"},
+      {"Lumo-CMX",
+       "Kiva-CMX",
+       {},
+       false,
+       {"begins", "ends", failed + " error:lidar return code 8"},
+       "The lidar runs "},
+      {"Kiva-CMX",
+       "Kiva-CMX",
+       {},
+       true,
+       kiva,
+       "^Upgrade complete: .* Taken: BMB_APP_B, BMB_FPGA, TMB_FPGA, TMB_PARAM\\.$"},
+      {"Kiva-CMX",
+       "Kiva-CMX",
+       {"drop@0x10"},
+       true,
+       {"begins", "ends", "error: " + unanswered,
+        "success: Kiva upgrade completed. The restart command was not acknowledged; please "
+        "power-cycle or reconnect the lidar if it does not respond."},
+       "^Upgrade complete: "},
+      {"Kiva-CMX",
+       "Orca",
+       {},
+       true,
+       {"begins", "error: Invalid Kiva OTA upgrade package", "ends"},
+       "^Invalid Kiva OTA upgrade package\\. The lidar runs "},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(std::string(c.model) + " " + c.image_for + " " + c.faults.join(' ').toStdString());
+    QStringList arguments = {"--model", c.model};
+    for (const QString& fault : c.faults) {
+      arguments << "--fault" << fault;
+    }
+    const VirtualLidarProcess lidar(arguments);
+    UpgradeBench bench(c.model, lidar);
+    ASSERT_EQ(bench.Start(firmware_.For(c.image_for, "2.8.0"), c.as_package), 0);
+    ASSERT_TRUE(bench.Ends());
+    const UpgradeSnapshot end = bench.upgrade.Now();
+    Lines told = bench.Told();
+    if (told.size() == c.told.size() && c.told.back().find("return code") != std::string::npos) {
+      told.back().resize(c.told.back().size());  // what the code means is said elsewhere
+    }
+    EXPECT_EQ(told, c.told);
+    EXPECT_TRUE(QRegularExpression(c.outcome).match(QString::fromStdString(end.outcome)).hasMatch())
+        << end.outcome;
+    EXPECT_EQ(end.failed, end.outcome.rfind("Upgrade complete", 0) != 0);
+    EXPECT_FALSE(end.version_before.empty());
+    EXPECT_FALSE(end.version_after.empty());
+    EXPECT_TRUE(bench.session.state().connected);
+  }
+}
+
+TEST_F(UpgradeTest, SaysWhatAKivaIsSentAndTellsTheVersionThatCameBack) {
+  const VirtualLidarProcess lidar({"--model", "Kiva-CMX"});
+  UpgradeBench bench("Kiva-CMX", lidar);
+  const QUrl file = firmware_.For("Kiva-CMX", "2.8.0");
+  const QString about_kiva = "INFO: (Kiva|restore)";
+  ASSERT_EQ(bench.Start(file, true), 0);
+  EXPECT_EQ(bench.Start(file, true), -1);
+  EXPECT_EQ(bench.Start(file, false), -1);
+  ASSERT_TRUE(bench.Ends());
+  const Lines told = bench.Told(about_kiva);
+  ASSERT_GE(told.size(), 6U);
+  EXPECT_EQ(told[1], "error: lidar is not connected, or lidar is upgrading");
+  EXPECT_EQ(told[2], "error: lidar is not connected, or lidar is upgrade");
+  EXPECT_EQ(told[3].rfind("INFO: Kiva OTA package parsed: flags=0x1f, total_size=", 0), 0U);
+  EXPECT_EQ(told[4], "INFO: Kiva upgrade: current partition=A");
+  EXPECT_EQ(told[5].rfind("INFO: Kiva upgrade: sending BMB_APP_B (type=0x02, size=", 0), 0U);
+  EXPECT_EQ(told[6], "INFO: Kiva upgrade: BMB_APP_B completed");
+  EXPECT_EQ(bench.upgrade.progress_kib(), bench.upgrade.total_kib());
+  const auto steps = bench.upgrade.Now().steps;
+  ASSERT_EQ(steps.size(), 7U);
+  for (const UpgradeStep& step : steps) {
+    EXPECT_EQ(step.state, UpgradeStepState::kDone) << step.name;
+  }
+  // The same package once more goes to the other partition, and shows no new version.
+  ASSERT_EQ(bench.Start(file, true), 0);
+  ASSERT_TRUE(bench.Ends());
+  EXPECT_EQ(bench.Told(about_kiva)[2], "INFO: Kiva upgrade: current partition=B");
+  EXPECT_EQ(bench.upgrade.Now().steps[0].name, "BMB_APP_A");
+  EXPECT_NE(bench.upgrade.Now().outcome.find(" as before: "), std::string::npos);
+}
+
+TEST_F(UpgradeTest, ALidarThatStaysAwayOrIsLetGoIsToldAsThat) {
+  const QUrl file = firmware_.For("Orca", "2.8.0");
+  for (const bool user_stops : {false, true}) {
+    VirtualLidarProcess lidar({"--restart-time", "600000"});
+    UpgradeBench bench("Orca", lidar);
+    ASSERT_EQ(bench.Start(file, false), 0);
+    ASSERT_TRUE(WaitFor([&] { return bench.session.connecting(); }));
+    EXPECT_FALSE(bench.session.state().upgrading);
+    EXPECT_EQ(bench.Start(file, false), -1);
+    if (user_stops) {
+      bench.session.Stop();
+    }
+    ASSERT_TRUE(bench.Ends());
+    const std::string outcome = bench.upgrade.Now().outcome;
+    EXPECT_TRUE(bench.upgrade.Now().failed);
+    EXPECT_NE(outcome.find(user_stops ? "not waited for any longer" : "not come back within 4 s"),
+              std::string::npos)
+        << outcome;
+    EXPECT_NE(outcome.find("It ran "), std::string::npos) << outcome;
+    EXPECT_EQ(bench.Told().size(), 4U) << "nothing but the refused second start";
+  }
+}
+
+TEST_F(UpgradeTest, EndsInTimeInEveryState) {
+  const auto runs = [](size_t step) {
+    return [step](UpgradeBench& bench) {
+      return bench.upgrade.Now().steps[step].state == UpgradeStepState::kRunning;
+    };
+  };
+  const struct {
+    const char* model;
+    const char* fault;
+    std::function<bool(UpgradeBench&)> reached;
+  } states[] = {
+      {"Orca", "delay=60000@0x83",
+       [](UpgradeBench& bench) { return bench.upgrade.progress_kib() > 0; }},
+      {"Orca", "delay=60000@0x10", runs(1)},
+      {"Orca", "drop@0x10", runs(2)},
+      {"Kiva-CMX", "drop@0x51", runs(0)},
+      {"Lumo", "drop@0x51", runs(0)},
+  };
+  for (const auto& state : states) {
+    SCOPED_TRACE(std::string(state.model) + " " + state.fault);
+    const VirtualLidarProcess lidar(
+        {"--model", state.model, "--fault", state.fault, "--restart-time", "600000"});
+    auto bench = std::make_unique<UpgradeBench>(state.model, lidar);
+    const QString model = state.model;
+    ASSERT_EQ(bench->Start(firmware_.For(model, "2.8.0"), model == "Kiva-CMX"), 0);
+    ASSERT_TRUE(WaitFor([&] { return state.reached(*bench); }));
+    const auto start = std::chrono::steady_clock::now();
+    bench.reset();
+    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(10));
+  }
+}
+
+class ManagerUpgradeTest : public ManagerFixture {
+ protected:
+  Firmware firmware_;
+};
+
+TEST_F(ManagerUpgradeTest, FilesAndLidarsThatCannotBeUsedAreRefusedInTheOperationsWords) {
+  const QUrl none = QUrl::fromLocalFile("/none.patch");
+  const QUrl empty = firmware_.Of({});
+  EXPECT_EQ(manager_->UpgradeLidar(empty, 0, 0, 0), -1);
+  EXPECT_EQ(manager_->KivaUpgradeLidar(empty), -1);
+  EXPECT_EQ(TakeErrors(), (QStringList{"lidar is not connected, or lidar is upgrade",
+                                       "lidar is not connected, or lidar is upgrading"}));
+  const VirtualLidarProcess line({"--model", "Kiva-CMX"});
+  manager_->InitConfigFileParser("Kiva-CMX");
+  manager_->setSerialPort485(line.SerialPort());
+  ASSERT_TRUE(Connect());
+  EXPECT_EQ(manager_->LumoUpgradeLidar(none), 0);
+  EXPECT_FALSE(manager_->isUpgrading());
+  manager_->KivaUpgradeLidar(none);
+  manager_->KivaUpgradeLidar(firmware_.Of(QByteArray(55, 'K')));
+  EXPECT_EQ(TakeErrors(),
+            (QStringList{"Failed to open upgrade file", "Upgrade package too small"}));
+  manager_->LumoSetUpgradeMode(1);
+  manager_->LumoSetUpgradeMode(0);
+  EXPECT_EQ(successes_,
+            QStringList({"set upgrade mode successful", "set upgrade mode successful"}));
+  manager_->LumoSetUpgradeMode(3);
+  EXPECT_EQ(TakeErrors().filter("set upgrade mode error, ret:").size(), 1);
+  EXPECT_FALSE(manager_->UpgradeNow().running);
+}
+
+TEST_F(ManagerUpgradeTest, AStopInTheMiddleEndsTheTransferAndNothingEmptyIsATransfer) {
+  const VirtualLidarProcess lidar({"--fault", "delay=60000@0x83"});
+  ASSERT_TRUE(ConnectTo(lidar));
+  QSignalSpy changed(manager_.get(), &TevronManager::isUpgradingChanged);
+  for (const bool empty : {true, false}) {
+    const QUrl file = firmware_.Of(QByteArray(empty ? 0 : 1023, '\1'));
+    ASSERT_EQ(manager_->UpgradeLidar(file, 0, 0, 0), 0);
+    EXPECT_TRUE(manager_->isUpgrading());
+    EXPECT_EQ(manager_->upgradeProgressTotalLen(), 0);
+    EXPECT_TRUE(manager_->CheckLidarConnection()) << "nothing waits for a line in use";
+    manager_->Run(0);
+    EXPECT_EQ(manager_->LumoUpgradeLidar(file), -1);
+    EXPECT_EQ(TakeErrors(), (QStringList{"Please wait for the lidar to upgrade completely",
+                                         "lidar is not connected, or lidar is upgrade"}));
+    if (!empty) {
+      ASSERT_TRUE(WaitFor([this] { return manager_->upgradeProgress() == 1; }));
+      manager_->Stop();
+    }
+    ASSERT_TRUE(WaitFor([this] { return !manager_->UpgradeNow().running; }));
+    EXPECT_EQ(TakeErrors(), QStringList("Upgrade package transfer failed or is terminated."));
+    EXPECT_FALSE(manager_->isUpgrading());
+    EXPECT_TRUE(manager_->UpgradeNow().failed);
+  }
+  EXPECT_EQ(changed.count(), 4);
+  EXPECT_EQ(successes_, QStringList());
+}
+
+}  // namespace
