@@ -38,7 +38,7 @@ FocusScope {
 
     // The window is to be closed, which an upgrade would not survive.
     function askToClose() {
-        messages.askClose(upgradeControl.waiting);
+        messages.askClose(upgradeControl.sending);
     }
 
     function confirmed(purpose) {

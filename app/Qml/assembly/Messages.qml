@@ -51,12 +51,12 @@ Item {
                      qsTr("Reset"));
     }
 
-    function askClose(waiting) {
+    function askClose(sending) {
         question.warnAndAsk("close", qsTr("Close during the upgrade?"),
-            waiting ? qsTr("The lidar is restarting with what it was sent, and the program waits for it.")
-                    : qsTr("The lidar is being upgraded."),
-            waiting ? qsTr("After closing, nothing here will tell which firmware it runs.")
-                    : qsTr("Closing breaks the upgrade off where it is, and nothing here will tell which firmware the lidar runs then."),
+            sending ? qsTr("The firmware is being sent to the lidar.")
+                    : qsTr("The upgrade is not over: the lidar has to restart and to tell what it runs then."),
+            sending ? qsTr("Closing breaks the transfer off, and nothing here will tell which firmware the lidar runs then.")
+                    : qsTr("After closing, nothing here will tell which firmware the lidar runs."),
             qsTr("Close Anyway"), qsTr("Stay"));
     }
 
