@@ -91,8 +91,18 @@ std::shared_ptr<Connection> ConnectAttempt::AwaitLidar() {
          std::chrono::steady_clock::now() < patience_ends_) {
     connection = Connect();
     pause = kRetryPause;
+    if (connection == nullptr) {
+      DropClient();
+    }
   }
   return connection;
+}
+
+// A serial line is free for the next try only when nothing holds the client of the last one.
+void ConnectAttempt::DropClient() {
+  ClientPtr client;
+  const std::lock_guard<std::mutex> lock(mutex_);
+  client.swap(client_in_work_);
 }
 
 float ConnectAttempt::ConnectTimeLimitS() const {

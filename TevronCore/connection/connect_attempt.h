@@ -75,6 +75,7 @@ class ConnectAttempt {
   std::shared_ptr<Connection> Join(const ClientPtr& client, const SerialPtr& serial);
   std::shared_ptr<Connection> CheckAlive(std::shared_ptr<Connection> connection);
   bool KeepInterruptible(const ClientPtr& client);
+  void DropClient();
   void ReportSerialFailure(const char* port_kind, const std::string& reason);
 
   const ConnectRequest request_;

@@ -1,7 +1,9 @@
 #include "app/screen.h"
 
+#include <QDropEvent>
 #include <QFile>
 #include <QGuiApplication>
+#include <QMimeData>
 #include <QPalette>
 #include <QQmlContext>
 #include <QResource>
@@ -84,6 +86,17 @@ void Screen::Click(const QString& name) {
   item->forceActiveFocus(Qt::OtherFocusReason);
   const QPointF middle(item->width() / 2, item->height() / 2);
   QTest::mouseClick(&view_, Qt::LeftButton, Qt::NoModifier, item->mapToScene(middle).toPoint());
+}
+
+void Screen::Drop(const QString& name, const QList<QUrl>& urls) {
+  const QQuickItem* item = Find(name);
+  const QPoint place = item->mapToScene(item->boundingRect().center()).toPoint();
+  QMimeData files;
+  files.setUrls(urls);
+  QDragEnterEvent enter(place, Qt::CopyAction, &files, Qt::LeftButton, Qt::NoModifier);
+  QCoreApplication::sendEvent(&view_, &enter);
+  QDropEvent drop(place, Qt::CopyAction, &files, Qt::LeftButton, Qt::NoModifier);
+  QCoreApplication::sendEvent(&view_, &drop);
 }
 
 void Screen::Key(int key, Qt::KeyboardModifiers modifiers) {

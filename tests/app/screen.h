@@ -1,9 +1,11 @@
 #pragma once
 
 #include <QColor>
+#include <QList>
 #include <QQuickItem>
 #include <QQuickView>
 #include <QString>
+#include <QUrl>
 
 #include "support/qt_wait_for.h"
 #include "support/test_install.h"
@@ -27,6 +29,8 @@ class Screen {
   /// Clicks into the middle of the item, which has to be visible and enabled.
   void Click(const QString& name);
   void Key(int key, Qt::KeyboardModifiers modifiers = Qt::NoModifier);
+  /// Drops files onto the item, as out of a file manager.
+  void Drop(const QString& name, const QList<QUrl>& urls);
   /// Clicks into a field and types over what it holds, without leaving it.
   void TypeInto(const QString& name, const QString& text);
 
@@ -41,6 +45,8 @@ class Screen {
   bool WaitForBox(const QString& text) const;
   /// Clicks the main button of the open box; false when another box is open after that.
   bool CloseBox();
+  /// Asks the scene for something, as the window does.
+  void Ask(const char* function) { QMetaObject::invokeMethod(view_.rootObject(), function); }
   /// Every line that the log window shows.
   QString LogText() const;
 

@@ -2,6 +2,11 @@
 
 #include <gtest/gtest.h>
 
+#include <QElapsedTimer>
+#include <QTemporaryDir>
+#include <QTimer>
+#include <algorithm>
+
 #include "app/screen.h"
 #include "support/virtual_lidar_process.h"
 
@@ -54,6 +59,53 @@ TEST(SerialScreenTest, ReadsAndSetsOverOneLine) {
   EXPECT_FALSE(screen.connected());
   EXPECT_EQ(screen.LampColor(), QColor("red"));
   EXPECT_EQ(screen.Text("destinationIp"), "") << "nothing is known of the next lidar";
+}
+
+// By drops and clicks, with the window alive and guarded all the while.
+TEST(SerialScreenTest, UpgradesTheLidarAndReadsWhatItRunsThen) {
+  Screen screen("Kiva-CMX");
+  // Away for longer than the first try to reach it takes.
+  const VirtualLidarProcess lidar({"--model", "Kiva-CMX", "--restart-time", "2500"});
+  const QTemporaryDir folder;
+  const QString file = folder.filePath(QString::fromUtf8("Kiva \u00fc #1.patch"));
+  VirtualLidarProcess::MakeFirmware("Kiva-CMX", "2.8.0", file, 1024);
+  screen.TypeInto("port485_field", lidar.SerialPort());
+  Connect(&screen);
+  screen.Find("attachFile")->forceActiveFocus();
+  EXPECT_FALSE(screen.Find("startUpgrade")->isEnabled());
+  screen.Drop("upgradeDrop", {QUrl::fromLocalFile(folder.filePath("Kiva.PATCH"))});
+  ASSERT_TRUE(screen.WaitForBox("Upgrade package rejected: it has to be a .patch file"));
+  ASSERT_TRUE(screen.CloseBox());
+  screen.Drop("upgradeDrop", {QUrl::fromLocalFile(file)});
+  EXPECT_EQ(screen.Text("upgradeComponents").count("1.0"), 4) << "images of 1 MiB each";
+
+  QElapsedTimer since_beat;
+  qint64 longest_ms = 0;
+  QTimer heart;
+  QObject::connect(&heart, &QTimer::timeout,
+                   [&] { longest_ms = std::max(longest_ms, since_beat.restart()); });
+  screen.Click("startUpgrade");
+  ASSERT_TRUE(WaitFor([&] { return screen.Find("upgradeBar") != nullptr; }));
+  since_beat.start();
+  heart.start(10);
+  screen.Click("connectButton");
+  ASSERT_TRUE(screen.WaitForBox("Disconnect REJECTED. Lidar is upgrading."));
+  ASSERT_TRUE(screen.CloseBox());
+  screen.Ask("askToClose");
+  ASSERT_TRUE(screen.WaitForBox("The firmware is being sent"));
+  ASSERT_TRUE(WaitFor([&] { return screen.Find("dialogReject")->hasActiveFocus(); }));
+  screen.Key(Qt::Key_Return);
+  ASSERT_TRUE(WaitFor([&] { return !screen.BoxMessage().contains("being sent"); }));
+  ASSERT_TRUE(screen.WaitForBox("Kiva upgrade completed."));
+  heart.stop();
+  EXPECT_LT(longest_ms, 1000) << "nothing of a transfer holds the window";
+  ASSERT_TRUE(screen.CloseBox());
+  ASSERT_TRUE(WaitFor([&] { return screen.Find("stopWaiting") != nullptr; }));
+  EXPECT_NE(screen.Find("connectingIndicator"), nullptr);
+  ASSERT_TRUE(WaitFor([&] { return screen.Find("upgradeOutcome") != nullptr; }, 60000));
+  EXPECT_TRUE(screen.Text("upgradeOutcome").contains("Upgrade complete: was 2.6.14"))
+      << screen.Text("upgradeOutcome").toStdString();
+  EXPECT_TRUE(screen.connected());
 }
 
 TEST(SerialScreenTest, SaysWhatAPairOfPortsCannotDo) {
