@@ -53,6 +53,10 @@ class LidarSession {
   LidarSession(const LidarSession&) = delete;
   LidarSession& operator=(const LidarSession&) = delete;
 
+  /// What the destructor does. Nothing but destruction may follow; for an owner whose other workers
+  /// use the connection and have to be waited for.
+  void Close() { End(); }
+
   /// What is connected next; page 0 is in view. A connection or an attempt belongs to the model
   /// that it was made for: end it first, unless the new model has the same name.
   void SetModel(std::shared_ptr<LidarModel> model);

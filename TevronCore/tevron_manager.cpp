@@ -42,6 +42,8 @@ void TevronManager::InitConfigFileParser(const QString& model_name) {
   emit initInfoChanged();
   emit fovConfigChanged();
   emit lidarModelChanged();
+  emit monitorHwVersionListChanged();
+  emit currentMonitorHwVersionChanged();
   emit myMapChanged();
   emit lidarShowModel();
   ReportFaults(parts_->model()->faults);

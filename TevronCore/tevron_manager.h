@@ -10,6 +10,8 @@
 
 #include "upgrade/upgrade_status.h"
 
+class MonitorFeed;
+
 /// The one object behind all screens. It owns the parts that do the work (settings, variable table,
 /// connection, page refresh), starts them, and turns what they report into properties and signals;
 /// it decides nothing about a lidar itself.
@@ -241,18 +243,26 @@ class TevronManager : public QObject {
   void setCmxClientHostPort(const QString& port);
   void setIsDownloadLog(bool running);
   void setMonitorAutoRefresh(bool on);
+  /// 1 s to a week, and 1 s to an hour. A number beyond that is brought within it, and
+  /// monitorRecordParamsChanged makes the field show what holds. A running recording keeps its own.
   void setMonitorRecordDurationSec(int seconds);
   void setMonitorRecordIntervalSec(int seconds);
+
+  /// What the monitor page says over time.
+  MonitorFeed& Monitor();
 
  private:
   struct Parts;
 
   void ShowRefreshedPage();
   void ShowAll();
+  void ShowCaughtUp();
   void ShowPage(int page);
   void ShowFov();
   void ReportFaults(const std::vector<std::string>& faults);
   void TakeSetting(std::string* setting, const QString& text);
+  void ShowLink();
+  void ShowMonitorPage();
   int RefuseForNow(const char* operation);
 
   const std::unique_ptr<Parts> parts_;

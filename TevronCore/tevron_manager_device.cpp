@@ -148,13 +148,3 @@ void TevronManager::LumoSetUpgradeMode(int mode) {
   SetUpgradeMode(connection == nullptr ? nullptr : connection->serial().get(),
                  parts_->session.state(), mode, parts_->report);
 }
-
-void TevronManager::selectMonitorHwVersion(const QString& /*version*/) {
-  RefuseForNow("The monitor");
-}
-
-void TevronManager::refreshMonitor() { RefuseForNow("The monitor"); }
-
-void TevronManager::startMonitorRecord(const QUrl& /*folderUrl*/) { RefuseForNow("Recording"); }
-
-void TevronManager::stopMonitorRecord() { RefuseForNow("Recording"); }

@@ -26,6 +26,11 @@ void TevronManager::ShowAll() {
   UpdateUI();
 }
 
+void TevronManager::ShowCaughtUp() {
+  parts_->monitor.TakeReading();
+  ShowAll();
+}
+
 void TevronManager::ShowPage(int page) {
   ShowFov();
   parts_->pages.UpdatePage(page);
@@ -37,6 +42,7 @@ void TevronManager::setModuleIndexUse(int module) { parts_->session.SetPageInVie
 void TevronManager::ShowRefreshedPage() {
   ShowFov();
   parts_->pages.UpdatePage(parts_->session.page_in_view());
+  parts_->monitor.TakeReading();
   emit myTimerMapChanged();
 }
 
@@ -54,6 +60,9 @@ void TevronManager::GetLidarModuleInfo(int module) {
   const Unread unread =
       reader.Read(vars, "TevronManager::GetLidarModuleInfo", parts_->session.TakeReadingTime());
   parts_->session.ReadSoon(model, unread.left);
+  if (unread.left.empty()) {
+    parts_->monitor.TakeReading();
+  }
   ShowPage(module);
 }
 

@@ -33,8 +33,8 @@ void ScreenReport::LogLine(const std::string& text, LogType type) {
 LidarSession::Handlers TevronManager::Parts::HandlersOf(TevronManager& manager) {
   return {[&manager] { manager.ShowAll(); },
           [&manager] { manager.ShowRefreshedPage(); },
-          [&manager] { manager.ShowAll(); },
-          [&manager] { emit manager.isConnectedChanged(); },
+          [&manager] { manager.ShowCaughtUp(); },
+          [&manager] { manager.ShowLink(); },
           [&manager] { emit manager.lumoLidarInfoChanged(); },
           [&manager] { emit manager.isGetPBLVersionChanged(); }};
 }
@@ -48,7 +48,10 @@ TevronManager::Parts::Parts(TevronManager& manager, bool auto_receive,
       console(report),
       session({PostTo(manager), report, auto_receive, byte_flow, HandlersOf(manager)}),
       upgrade(
-          {PostTo(manager), report, session, [&manager] { emit manager.isUpgradingChanged(); }}) {
+          {PostTo(manager), report, session, [&manager] { emit manager.isUpgradingChanged(); }}),
+      monitor({session, PostTo(manager), report, posted,
+               LidarMonitor::Handlers{[&manager] { manager.ShowMonitorPage(); },
+                                      [&manager] { emit manager.isMonitorRecordingChanged(); }}}) {
   TakeModel(session.model());
   std::string fault;
   settings = LoadConnectionSettings(SettingsFilePath(), &fault);
@@ -57,12 +60,27 @@ TevronManager::Parts::Parts(TevronManager& manager, bool auto_receive,
   }
 }
 
+// The monitor's threads wait for the lidar over the session's connection.
+TevronManager::Parts::~Parts() { session.Close(); }
+
 void TevronManager::Parts::TakeModel(const std::shared_ptr<LidarModel>& loaded) {
   session.SetModel(loaded);
   edits = std::make_shared<EditSession>(*loaded->table);
   const std::vector<std::string> faults = pages.SetModel(loaded);
   loaded->faults.insert(loaded->faults.end(), faults.begin(), faults.end());
   pages.UpdateFov(edits->fov());
+  monitor.TakeModel();
+}
+
+void TevronManager::Parts::TakeMonitorVersion(const std::shared_ptr<LidarModel>& loaded) {
+  const int page_in_view = session.page_in_view();
+  session.SetModel(loaded);
+  session.SetPageInView(page_in_view);
+  const std::shared_ptr<EditSession> earlier = edits;
+  edits = std::make_shared<EditSession>(*loaded->table);
+  edits->TakeOver(*earlier);
+  pages.SetModel(loaded);
+  monitor.TakeModel();
 }
 
 const VarInfo* TevronManager::Parts::FindVariable(const QString& field, const QString& text) const {

@@ -8,6 +8,7 @@
 #include "console/byte_flow.h"
 #include "console/command_console.h"
 #include "firmware_upgrade.h"
+#include "lidar_monitor.h"
 #include "lidar_session.h"
 #include "maintenance/maintenance.h"
 #include "pages/edit_session.h"
@@ -31,6 +32,7 @@ class ScreenReport : public UserReport {
 /// its threads are gone before what they report to.
 struct TevronManager::Parts {
   Parts(TevronManager& manager, bool auto_receive, const std::string& table_path);
+  ~Parts();
 
   /// Turns what the session says into signals.
   static LidarSession::Handlers HandlersOf(TevronManager& manager);
@@ -46,18 +48,22 @@ struct TevronManager::Parts {
   std::string product_variant;
   QString error_message;
   QString success_message;
-  bool monitor_auto_refresh = false;
   int monitor_record_duration_s = 60;
   int monitor_record_interval_s = 1;
+  int monitor_revision = 0;
 
   ShownPages pages;
   std::shared_ptr<EditSession> edits;
   LidarSession session;
   FirmwareUpgrade upgrade;
+  LidarMonitor monitor;
 
   const std::shared_ptr<LidarModel>& model() const { return session.model(); }
   /// Shows another model. Adds what is wrong with its options to its faults.
   void TakeModel(const std::shared_ptr<LidarModel>& loaded);
+  /// Shows the same model with another table for its monitor page. Values, edits and the page in
+  /// view stay.
+  void TakeMonitorVersion(const std::shared_ptr<LidarModel>& loaded);
   /// The variable whose display field named `field` holds `text`; null if there is none.
   const VarInfo* FindVariable(const QString& field, const QString& text) const;
   Maintenance MaintenanceNow() {

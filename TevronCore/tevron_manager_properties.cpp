@@ -44,7 +44,6 @@ QVariantList TevronManager::myMap() const { return parts_->pages.map(); }
 QVariantList TevronManager::level1List() const { return parts_->pages.names(); }
 QVariantList TevronManager::level2List() const { return parts_->pages.rows(); }
 QVariantList TevronManager::fovList() const { return parts_->pages.fov_texts(); }
-int TevronManager::monitorModuleIndex() const { return parts_->model()->pages.monitor_page(); }
 
 QVariantList TevronManager::lidarModelList() const {
   QVariantList models;
@@ -81,31 +80,6 @@ QVariantList TevronManager::lumoLidarVersionInfo() const {
 bool TevronManager::isGetPBLVersion() const { return parts_->session.reading_facts(); }
 
 QVariantList TevronManager::logRepeaterModel() const { return {}; }
-QVariantList TevronManager::monitorHwVersionList() const { return {}; }
-QString TevronManager::currentMonitorHwVersion() const { return {}; }
-bool TevronManager::isMonitorRecording() const { return false; }
-int TevronManager::monitorContentRevision() const { return 0; }
-bool TevronManager::monitorAutoRefresh() const { return parts_->monitor_auto_refresh; }
-int TevronManager::monitorRecordDurationSec() const { return parts_->monitor_record_duration_s; }
-int TevronManager::monitorRecordIntervalSec() const { return parts_->monitor_record_interval_s; }
-
-void TevronManager::setMonitorAutoRefresh(bool on) {
-  if (std::exchange(parts_->monitor_auto_refresh, on) != on) {
-    emit monitorAutoRefreshChanged();
-  }
-}
-
-void TevronManager::setMonitorRecordDurationSec(int seconds) {
-  if (std::exchange(parts_->monitor_record_duration_s, seconds) != seconds) {
-    emit monitorRecordParamsChanged();
-  }
-}
-
-void TevronManager::setMonitorRecordIntervalSec(int seconds) {
-  if (std::exchange(parts_->monitor_record_interval_s, seconds) != seconds) {
-    emit monitorRecordParamsChanged();
-  }
-}
 
 QString TevronManager::ipAddress() const {
   return QString::fromStdString(parts_->settings.lidar_ip);

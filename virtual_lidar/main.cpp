@@ -10,7 +10,9 @@
 #include <filesystem>
 #include <iostream>
 #include <memory>
+#include <stdexcept>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "device/virtual_device.h"
@@ -20,6 +22,7 @@
 #include "server/event_loop.h"
 #include "table_check.h"
 #include "variables/model_list.h"
+#include "variables/monitor_tables.h"
 
 namespace {
 
@@ -71,6 +74,7 @@ DeviceProfile MakeProfile(const Options& options) {
   }
   profile.auth_keys = LoadAuthKeys(options.config_folder + "/auth_keys.ini");
   profile.auth_required = options.auth_required;
+  profile.seed = options.seed;
   return profile;
 }
 
@@ -83,6 +87,27 @@ std::string Listed(const std::vector<std::string>& names) {
   return text;
 }
 
+/// The model's table with the monitor table of *hardware on it; of the first version when that is
+/// empty, which it then names. A model without such tables is as it is.
+std::shared_ptr<const ConfigParser> LoadTables(const std::string& model_table,
+                                               std::string* hardware) {
+  auto table = std::make_shared<const ConfigParser>(LoadTable(model_table));
+  const std::vector<std::string> versions = ListMonitorVersions(model_table);
+  if (hardware->empty() && !versions.empty()) {
+    *hardware = versions.front();
+  }
+  if (hardware->empty()) {
+    return table;
+  }
+  std::vector<std::string> faults;
+  std::shared_ptr<const ConfigParser> with_monitor = WithMonitorTable(*table, *hardware, &faults);
+  if (with_monitor == nullptr) {
+    throw std::runtime_error("there is no monitor table of hardware \"" + *hardware +
+                             "\" that can be used; there are" + Listed(versions));
+  }
+  return with_monitor;
+}
+
 int Serve(const Options& options, int signals) {
   const std::string tables = options.config_folder + "/varID";
   const std::vector<std::string> models = ListModels(tables);
@@ -92,8 +117,9 @@ int Serve(const Options& options, int signals) {
   if (std::find(models.begin(), models.end(), options.model) == models.end()) {
     return Complain("there is no model \"" + options.model + "\"; there are" + Listed(models));
   }
-  const auto table =
-      std::make_shared<const ConfigParser>(LoadTable(tables + "/" + options.model + ".csv"));
+  DeviceProfile profile = MakeProfile(options);
+  profile.hardware = options.hardware;
+  const auto table = LoadTables(tables + "/" + options.model + ".csv", &profile.hardware);
   std::string error;
   if (options.make_firmware) {
     return WriteFirmwareFile(*table, options.model, options.firmware_version, options.firmware_size,
@@ -101,7 +127,7 @@ int Serve(const Options& options, int signals) {
                ? 0
                : Complain(error);
   }
-  VirtualDevice device(table, MakeProfile(options));
+  VirtualDevice device(table, std::move(profile));
   for (const auto& [name, text] : options.presets) {
     if (!device.Preset(name, text, &error)) {
       return Complain(error);

@@ -30,6 +30,7 @@ std::string FaultHelp() {
           "  virtual_lidar --port 0 --fault 'drop@0x12#1'   loses the answer to its first write\n"
           "  virtual_lidar --fault late=700@0x11            answers when nobody waits any more\n"
           "  virtual_lidar --set 'Spin Rate=1200' --dump state.json\n"
+          "  virtual_lidar --hardware B2 --seed 7           measures, and the same on every run\n"
           "  virtual_lidar --check-tables --config ./Config\n"
           "  virtual_lidar --model Orca --make-firmware 2.8.0 orca.patch\n\n"
           "Signals: SIGUSR1 writes the dump file anew; SIGTERM and SIGINT end at once.";
@@ -92,6 +93,9 @@ void DeclareWhereToAnswer(CLI::App* app, CommandLine* line, Options* options) {
                   "Model, by the name of its table; another name lists the models")
       ->type_name("MODEL")
       ->capture_default_str();
+  app->add_option("--hardware", options->hardware,
+                  "Hardware version, by the name of its monitor table; the first unless given")
+      ->type_name("VERSION");
   app->add_option("--config", line->config,
                   "Folder of the tables (./Config, else ../Config beside bin/)")
       ->type_name("DIR");
@@ -126,6 +130,10 @@ void DeclareHowToBehave(CLI::App* app, CommandLine* line, Options* options) {
       ->type_name("NAME=VALUE")
       ->allow_extra_args(false)
       ->check(CLI::Validator(CheckPreset, ""));
+  app->add_option("--seed", options->seed,
+                  "How the values of the monitor page move; 0 lets them stand still")
+      ->type_name("N")
+      ->capture_default_str();
   app->add_option("--dump", options->server.dump_file,
                   "Keep this file at what the device holds: JSON, rewritten after every change")
       ->type_name("FILE");

@@ -12,6 +12,8 @@
 struct Options {
   std::string model = "Orca";
   std::string config_folder;  ///< exists, unless an explicit --config names one that does not
+  std::string hardware;       ///< version of the monitor page; empty: the first that there is
+  uint32_t seed = 1;          ///< of what the device measures of itself; 0: it stands still
   bool auth_required = true;
   std::vector<FaultOrder> faults;
   std::vector<std::pair<std::string, std::string>> presets;  ///< variable and text

@@ -14,6 +14,7 @@
 #include "variables/csv_table.h"
 #include "variables/feature_config.h"
 #include "variables/model_list.h"
+#include "variables/monitor_tables.h"
 
 namespace {
 
@@ -32,6 +33,20 @@ std::string InFile(const std::string& path, const std::string& text) {
   return text.rfind(path, 0) == 0 ? text : Line({path, ": ", text});
 }
 
+void CheckMonitorTables(const ConfigParser& model, Faults* faults) {
+  for (const std::string& version : ListMonitorVersions(model.path())) {
+    WithMonitorTable(model, version, faults);
+    ConfigParser alone;
+    try {
+      alone.ExtractConfigInfo(MonitorTablePath(model.path(), version));
+    } catch (const std::exception&) {
+      continue;  // told already
+    }
+    const VariableMemory memory(alone);
+    faults->insert(faults->end(), memory.faults().begin(), memory.faults().end());
+  }
+}
+
 void CheckVariableTable(const std::string& path, Faults* faults) {
   ConfigParser parser;
   try {
@@ -45,6 +60,7 @@ void CheckVariableTable(const std::string& path, Faults* faults) {
   }
   const VariableMemory memory(parser);
   faults->insert(faults->end(), memory.faults().begin(), memory.faults().end());
+  CheckMonitorTables(parser, faults);
 }
 
 // The rows of a table that is looked up by model: broken rows, and models without a table.

@@ -30,6 +30,13 @@ class EditSession {
   /// `table` has to outlive the session.
   explicit EditSession(ConfigParser& table) : table_(table), fov_(table) {}
 
+  /// Goes on where `earlier` stopped: its marks and angles. Its other edits are in its table, of
+  /// which this one's has to be a copy.
+  void TakeOver(const EditSession& earlier) {
+    pending_ = earlier.pending_;
+    fov_.TakeEdits(earlier.fov_);
+  }
+
   /// Lays the user's input over `var` and marks its set command as pending. Switching on restores
   /// the last value that was not 0, else the lower end of the range, else 1. Input that means
   /// nothing (unknown kind, no such option, a variable that cannot be written) changes nothing and

@@ -35,6 +35,8 @@ class FovTable {
   /// variable, kInvalid for a text that is no number in [0, 360]; nothing is stored then.
   EditResult Edit(int index, const std::string& text);
   void DropEdits();
+  /// In place of the edits here.
+  void TakeEdits(const FovTable& other) { edits_ = other.edits_; }
   bool HasEdits() const;
 
   /// The angles with the edits in them; nothing while no table of this connection's lidar is known.

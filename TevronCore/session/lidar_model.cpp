@@ -2,8 +2,10 @@
 
 #include <algorithm>
 #include <exception>
+#include <utility>
 
 #include "variables/feature_config.h"
+#include "variables/monitor_tables.h"
 
 namespace {
 
@@ -48,4 +50,17 @@ std::shared_ptr<LidarModel> LoadLidarModel(const std::string& table_path) {
   }
   model->stale_input = StaleInputFor(features, model->name);
   return model;
+}
+
+std::shared_ptr<LidarModel> WithMonitorVersion(const LidarModel& model, const std::string& version,
+                                               std::vector<std::string>* faults) {
+  std::shared_ptr<ConfigParser> table = WithMonitorTable(*model.table, version, faults);
+  if (table == nullptr) {
+    return nullptr;
+  }
+  auto with_monitor = std::make_shared<LidarModel>(model);
+  with_monitor->table = std::move(table);
+  with_monitor->pages = PageModel(*with_monitor->table);
+  with_monitor->monitor_version = version;
+  return with_monitor;
 }

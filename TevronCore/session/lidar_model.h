@@ -21,6 +21,7 @@ struct LidarModel {
   kavel::lidar::StaleInput stale_input = kavel::lidar::StaleInput::kAlways;
   std::shared_ptr<ConfigParser> table = std::make_shared<ConfigParser>();
   PageModel pages;
+  std::string monitor_version;  ///< hardware version of the monitor page; empty: none is chosen
   /// What is wrong with the tables, one sentence each.
   std::vector<std::string> faults;
 };
@@ -29,3 +30,9 @@ struct LidarModel {
 /// Always gives a model: a table that cannot be used gives one without variables, and its faults
 /// say why.
 std::shared_ptr<LidarModel> LoadLidarModel(const std::string& table_path);
+
+/// `model` with the monitor table of `version` on its monitor page, and the values and edits that
+/// it has now. Null when there is no such table or it cannot be used. *faults gets what is wrong
+/// with it, see WithMonitorTable.
+std::shared_ptr<LidarModel> WithMonitorVersion(const LidarModel& model, const std::string& version,
+                                               std::vector<std::string>* faults);

@@ -29,27 +29,53 @@ const char* TextOf(ValueState state) {
   return "";
 }
 
-ConfigParser::ConfigParser(LoadedTable table) : table_(std::move(table)) { StartAnew(); }
+ConfigParser::ConfigParser(LoadedTable table)
+    : table_(std::make_shared<LoadedTable>(std::move(table))) {
+  StartAnew();
+}
+
+ConfigParser::ConfigParser(const ConfigParser& base, LoadedTable added)
+    : table_(base.table_), added_(std::make_shared<LoadedTable>(std::move(added))) {
+  for (VarInfo& var : added_->rows) {
+    var.table_position += static_cast<uint32_t>(table_->rows.size());
+  }
+  StartAnew();
+  const std::lock_guard lock(base.values_mutex_);
+  for (size_t i = 0; i < table_->rows.size(); ++i) {
+    if (base.live_[i] != nullptr) {
+      live_[i] = std::make_unique<Live>(*base.live_[i]);
+    }
+  }
+}
 
 void ConfigParser::ExtractConfigInfo(const std::string& path) {
-  table_ = LoadedTable();
-  table_.path = path;
+  table_ = std::make_shared<LoadedTable>();
+  added_ = std::make_shared<LoadedTable>();
+  table_->path = path;
   StartAnew();
-  table_ = LoadTable(path);
+  table_ = std::make_shared<LoadedTable>(LoadTable(path));
   StartAnew();
 }
 
 void ConfigParser::StartAnew() {
+  variables_ = table_->variables;
+  variables_.insert(variables_.end(), added_->variables.begin(), added_->variables.end());
   live_.clear();
-  live_.resize(table_.rows.size());
+  live_.resize(table_->rows.size() + added_->rows.size());
+}
+
+VarInfo& ConfigParser::Own(const VarInfo& var) {
+  const size_t own = table_->rows.size();
+  return var.table_position < own ? table_->rows[var.table_position]
+                                  : added_->rows[var.table_position - own];
 }
 
 std::optional<ConfigParser::Position> ConfigParser::PositionOf(const std::string& cmd,
                                                                const VarInfo& var,
                                                                int32_t wanted_length) const {
   const std::string key = CommandKey(cmd);
-  const bool is_set = table_.writes.count(key) != 0;
-  if (!is_set && table_.reads.count(key) == 0) {
+  const bool is_set = table_->writes.count(key) != 0;
+  if (!is_set && table_->reads.count(key) == 0 && added_->reads.count(key) == 0) {
     return std::nullopt;
   }
   if (var.var_name == kSharedSecretKey) {
@@ -84,20 +110,28 @@ bool ConfigParser::GetVarPosOffset(const std::string& cmd, const std::string& va
   return true;
 }
 
+const VarInfo* ConfigParser::FindBy(VarIndex LoadedTable::*index, const std::string& text) const {
+  for (const LoadedTable* table : {table_.get(), added_.get()}) {
+    const uint32_t position = (table->*index).Find(table->rows, text);
+    if (position != VarIndex::kNone) {
+      return &table->rows[position];
+    }
+  }
+  return nullptr;
+}
+
 const VarInfo* ConfigParser::Find(const std::string& var_id) const {
-  const uint32_t position = table_.by_id.Find(table_.rows, var_id);
-  return position == VarIndex::kNone ? nullptr : &table_.rows[position];
+  return FindBy(&LoadedTable::by_id, var_id);
 }
 
 const VarInfo* ConfigParser::FindByName(const std::string& var_name) const {
-  const uint32_t position = table_.by_name.Find(table_.rows, var_name);
-  return position == VarIndex::kNone ? nullptr : &table_.rows[position];
+  return FindBy(&LoadedTable::by_name, var_name);
 }
 
 const std::vector<const VarInfo*>& ConfigParser::WrittenBy(const std::string& set_cmd) const {
   static const std::vector<const VarInfo*> kNothing;
-  const auto found = table_.writes.find(CommandKey(set_cmd));
-  return found == table_.writes.end() ? kNothing : found->second->fields;
+  const auto found = table_->writes.find(CommandKey(set_cmd));
+  return found == table_->writes.end() ? kNothing : found->second->fields;
 }
 
 ConfigParser::Value ConfigParser::CopyValue(const VarInfo& var) const {
@@ -161,7 +195,7 @@ void ConfigParser::Compare(Live* live, std::vector<uint8_t> bytes) {
 
 void ConfigParser::ForgetReadings() {
   const std::lock_guard lock(values_mutex_);
-  for (const VarInfo* var : table_.variables) {
+  for (const VarInfo* var : variables_) {
     Live* live = live_[var->table_position].get();
     if (live == nullptr) {
       continue;

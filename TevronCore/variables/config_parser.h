@@ -51,6 +51,10 @@ class ConfigParser {
 
   ConfigParser() = default;
   explicit ConfigParser(LoadedTable table);
+  /// The variables of `base`'s own table, the same objects with the values that they have there
+  /// now, and behind them those of another table, unread. An edit or a reading of one parser is
+  /// none of the other from then on.
+  ConfigParser(const ConfigParser& base, LoadedTable added);
   ConfigParser(const ConfigParser&) = delete;
   ConfigParser& operator=(const ConfigParser&) = delete;
 
@@ -70,23 +74,24 @@ class ConfigParser {
   bool GetVarPosOffset(const std::string& cmd, const std::string& var_id, int32_t length,
                        int32_t& pos, int32_t& len);
 
-  /// The variable with this id or name; null if there is none.
+  /// The variable with this id or name; null if there is none. An added table counts only where
+  /// the own one has none.
   const VarInfo* Find(const std::string& var_id) const;
   const VarInfo* FindByName(const std::string& var_name) const;
 
-  /// File that the table was read from.
-  const std::string& path() const { return table_.path; }
+  /// File that the table was read from; of two tables the first.
+  const std::string& path() const { return table_->path; }
 
-  const std::vector<const VarInfo*>& InTableOrder() const { return table_.variables; }
+  const std::vector<const VarInfo*>& InTableOrder() const { return variables_; }
 
   /// Variables that this command writes, however its code is written: the fields of its payload.
   const std::vector<const VarInfo*>& WrittenBy(const std::string& set_cmd) const;
 
   /// Rows with "GroupID" 0, in table order: their non-empty cells from the second column on.
-  const std::vector<std::vector<std::string>>& Directives() const { return table_.directives; }
+  const std::vector<std::vector<std::string>>& Directives() const { return table_->directives; }
 
-  /// Everything found wrong while loading, in the order of the lines.
-  const std::vector<TableFault>& Faults() const { return table_.faults; }
+  /// Everything found wrong while loading the own table, in the order of the lines.
+  const std::vector<TableFault>& Faults() const { return table_->faults; }
 
   // Values. `var` is a variable of this parser.
 
@@ -138,13 +143,16 @@ class ConfigParser {
   };
 
   void StartAnew();
-  VarInfo& Own(const VarInfo& var) { return table_.rows[var.table_position]; }
+  VarInfo& Own(const VarInfo& var);
+  const VarInfo* FindBy(VarIndex LoadedTable::*index, const std::string& text) const;
   Live& LiveOf(const VarInfo& var);
   static void RememberSwitchOn(const VarInfo& var, Live* live);
   static void Compare(Live* live, std::vector<uint8_t> bytes);
   Value CopyValue(const VarInfo& var) const;
 
-  LoadedTable table_;
+  std::shared_ptr<LoadedTable> table_ = std::make_shared<LoadedTable>();
+  std::shared_ptr<LoadedTable> added_ = std::make_shared<LoadedTable>();
+  std::vector<const VarInfo*> variables_;    ///< of both
   std::vector<std::unique_ptr<Live>> live_;  ///< by VarInfo::table_position; null: nothing happened
   mutable std::mutex values_mutex_;
 };

@@ -2,6 +2,7 @@
 
 #include "variables/input_hint.h"
 #include "variables/model_list.h"
+#include "variables/monitor_tables.h"
 #include "variables/page_variants.h"
 
 namespace {
@@ -30,6 +31,27 @@ TEST(ShippedTables, HaveTheVariablesThatOthersAskFor) {
     EXPECT_NE(parser.FindByName("PN")->default_val.str().find(family), std::string::npos);
     for (const VarInfo* var : parser.InTableOrder()) {
       EXPECT_NE(InputHint(*var).rfind("Only ", 0), 0U) << var->var_name;
+    }
+  }
+}
+
+TEST(ShippedTables, GiveEveryHardwareVersionADozenValuesToDrawAndNoNameTwice) {
+  const std::pair<const char*, std::vector<std::string>> models[] = {{"Orca", {"A1", "B2"}},
+                                                                     {"Osprey", {"C1"}}};
+  for (const auto& [model, versions] : models) {
+    ConfigParser own;
+    own.ExtractConfigInfo(kTables + model + ".csv");
+    EXPECT_EQ(ListMonitorVersions(own.path()), versions);
+    for (const std::string& version : versions) {
+      std::vector<std::string> faults;
+      const auto table = WithMonitorTable(own, version, &faults);
+      ASSERT_NE(table, nullptr) << version;
+      EXPECT_TRUE(faults.empty()) << faults.front();
+      const PageModel pages(*table);
+      EXPECT_GE(DrawableVariables(pages, pages.monitor_page()).size(), 12U) << version;
+      for (const VarInfo* var : table->InTableOrder()) {
+        EXPECT_EQ(table->FindByName(var->var_name), var) << var->var_name;
+      }
     }
   }
 }

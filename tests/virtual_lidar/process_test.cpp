@@ -69,6 +69,7 @@ TEST(Process, RefusesACommandLineThatMakesNoSense) {
       {{"--set", "Speed"}, "NAME=VALUE"},
       {{"--set", "Nobody=1"}, "no variable \"Nobody\""},
       {{"--model", "Nowhere"}, "\"Nowhere\"; there are Kiva-CMX, Lumo, Lumo-CMX, Orca, Osprey"},
+      {{"--hardware", "Z9"}, "hardware \"Z9\" that can be used; there are A1, B2"},
       {{"--config", "/nonexistent"}, "there are no tables in /nonexistent/varID"},
       {{"--protocol", "3"}, "--protocol: "},
       {{"--udp", "127.0.0.1:1@0"}, "--udp: "},
@@ -94,6 +95,8 @@ TEST(Process, ChecksTheTables) {
         "GroupID,Index,Get,Set,VarName,Permission,VarType,DefaultValue,Options,Coefficient,VarLen,"
         "SetIndex,Unit,OptionDescription,FunctionModule,TimerUpdate,SetCoefficient\n"
         "1,1,0x01,,Wide,0,uint8,256,,,,,,,P,0,\n");
+  QDir().mkpath(config + "varID/Bad");
+  Write(config + "varID/Bad/Monitor_A.csv", "");
   Write(config + "varID/Short.csv", "GroupID,Index\n1,1\n");
   Write(config + "auth_config.csv",
         "Model,Enable,AlgorithmID,ProbeCmd,ChallengeCmd,ResponseCmd,ProtectedCmds,"
@@ -104,6 +107,7 @@ TEST(Process, ChecksTheTables) {
   Program bad({"--check-tables"}, folder.path());
   EXPECT_EQ(bad.ExitCode(), 1);
   for (const char* text : {"Bad.csv, line 2: \"Wide\": default \"256\"", "Short.csv",
+                           "Bad.csv: no row has \"monitor\" for its Options",
                            "\n./Config/feature_config.csv: No such file", "auth_config.csv, line 2",
                            "model \"Nobody\" has no variable table"}) {
     EXPECT_TRUE(bad.Output().contains(text)) << text << " in\n" << bad.Output().toStdString();

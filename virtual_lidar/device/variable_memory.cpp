@@ -8,6 +8,7 @@
 #include "device/value_encoder.h"
 #include "device/write_rules.h"
 #include "variables/command_code.h"
+#include "variables/monitor_tables.h"
 #include "variables/value_text.h"
 #include "wire/message.h"
 
@@ -66,6 +67,17 @@ VariableMemory::VariableMemory(const ConfigParser& table) {
     }
     AddToWriteGroup(*var, cell, &group_of);
   }
+  MarkMeasured(table);
+}
+
+void VariableMemory::MarkMeasured(const ConfigParser& table) {
+  const PageModel pages(table);
+  const std::vector<const VarInfo*> measured = DrawableVariables(pages, pages.monitor_page());
+  for (Cell& cell : cells_) {
+    if (std::find(measured.begin(), measured.end(), cell.var) != measured.end()) {
+      cell.start = cell.value;
+    }
+  }
 }
 
 void VariableMemory::AddCell(const ConfigParser& table, const VarInfo& var) {
@@ -123,6 +135,10 @@ std::optional<VariableMemory::Outcome> VariableMemory::Execute(uint8_t command,
     outcome.payload.resize(ReplySize(read->second));
     for (const size_t cell : read->second) {
       const VarInfo& var = *cells_[cell].var;
+      if (measurement_ && !cells_[cell].start.empty()) {
+        cells_[cell].value = measurement_->At(up_time_s, var, cells_[cell].start);
+        outcome.measured = true;
+      }
       Bytes value = ValueNow(cells_[cell], up_time_s);
       // Key material is held as long as it was written, and has its place alone.
       value.resize(static_cast<size_t>(var.offset));
@@ -147,9 +163,14 @@ std::optional<VariableMemory::Outcome> VariableMemory::Execute(uint8_t command,
   return refused;
 }
 
-// Rows that the table leaves out have their places, too.
+// Rows that the table leaves out have their places, too. A monitor table may read with a command of
+// the model's own.
 size_t VariableMemory::ReplySize(const std::vector<size_t>& cells) const {
-  return static_cast<size_t>(cells_[cells.front()].var->read->length);
+  int64_t size = 0;
+  for (const size_t cell : cells) {
+    size = std::max(size, cells_[cell].var->read->length);
+  }
+  return static_cast<size_t>(size);
 }
 
 const VariableMemory::WriteGroup* VariableMemory::FindWriteGroup(uint8_t command,
@@ -250,13 +271,30 @@ bool VariableMemory::Preset(const std::string& name, const std::string& text, st
     *error = name + ": " + *error;
     return false;
   }
+  if (!found->start.empty()) {
+    found->start = bytes;
+  }
   found->value = std::move(bytes);
   return true;
+}
+
+void VariableMemory::SetFactory(const VarInfo& var, const std::string& text) {
+  std::string error;
+  for (Cell& cell : cells_) {
+    Bytes bytes;
+    if (cell.var == &var && EncodeValueText(var, text, &bytes, &error)) {
+      cell.factory = bytes;
+      cell.value = std::move(bytes);
+    }
+  }
 }
 
 void VariableMemory::Reset() {
   for (Cell& cell : cells_) {
     cell.value = cell.factory;
+    if (!cell.start.empty()) {
+      cell.start = cell.factory;
+    }
   }
 }
 

@@ -7,6 +7,7 @@
 #include <utility>
 #include <vector>
 
+#include "device/measurement.h"
 #include "variables/config_parser.h"
 
 /// The bytes that the device holds for every variable of its table, and which commands read and
@@ -20,6 +21,7 @@ class VariableMemory {
     const VarInfo* var = nullptr;
     Bytes value;
     Bytes factory;          ///< value after a reset
+    Bytes start;            ///< of a measured value: what it moves around; else empty
     bool is_clock = false;  ///< counts seconds on top of its value
   };
 
@@ -29,11 +31,15 @@ class VariableMemory {
     Bytes payload;      ///< of the reply
     size_t fields = 0;  ///< how many variables were read or written
     bool written = false;
+    bool measured = false;  ///< values were measured anew for the reply
   };
 
   /// Every variable starts at its default. Defaults that cannot be encoded are listed in faults(),
   /// each with file and line, and leave zeros behind.
   explicit VariableMemory(const ConfigParser& table);
+
+  /// From now on the numbers on the monitor page are measured anew whenever they are read.
+  void Measure(uint32_t seed) { measurement_.emplace(seed); }
 
   /// Carries a command of the table out; nothing when the table does not know it. A write is
   /// refused as a whole when one of its values is.
@@ -47,6 +53,9 @@ class VariableMemory {
   /// Sets a variable, by name or id.
   /// Returns false with a sentence in *error when there is none or the text does not fit.
   bool Preset(const std::string& name, const std::string& text, std::string* error);
+
+  /// What the variable holds from now on, and after a reset; nothing when the text does not fit.
+  void SetFactory(const VarInfo& var, const std::string& text);
 
   /// Back to the factory's values.
   void Reset();
@@ -76,7 +85,10 @@ class VariableMemory {
   Outcome Write(const WriteGroup& group, const Bytes& payload);
   bool IsCheckedNow(const VarInfo& var, const std::map<size_t, Bytes>& incoming) const;
 
+  void MarkMeasured(const ConfigParser& table);
+
   std::vector<Cell> cells_;
+  std::optional<Measurement> measurement_;
   std::map<std::string, size_t> by_id_;
   std::map<std::pair<uint8_t, Bytes>, std::vector<size_t>> reads_;
   std::vector<WriteGroup> writes_;

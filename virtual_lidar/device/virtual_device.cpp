@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "CmxClient/device_commands.h"
+#include "variables/monitor_tables.h"
 
 namespace {
 
@@ -26,6 +27,11 @@ VirtualDevice::VirtualDevice(std::shared_ptr<const ConfigParser> table, DevicePr
       maintenance_(TraitsOf(profile.model).family),
       firmware_(profile.model, TraitsOf(profile.model).family),
       guard_(std::move(profile.auth), std::move(profile.auth_keys), profile.auth_required) {
+  memory_.Measure(profile.seed);
+  const VarInfo* block = MonitorBlockOf(*table_);
+  if (block != nullptr && !profile.hardware.empty()) {
+    memory_.SetFactory(*block, profile.hardware);
+  }
   SeedMaintenance();
   SeedFirmware(true);
 }
@@ -210,6 +216,7 @@ bool VirtualDevice::RunTableCommand(const DeviceRequest& request, DeviceReply* r
     return false;
   }
   const bool is_read = !outcome->payload.empty();
+  changed_ = changed_ || outcome->measured;
   reply->return_code = outcome->return_code;
   reply->payload = std::move(outcome->payload);
   if (outcome->fields == 0) {

@@ -19,6 +19,8 @@ struct DeviceProfile {
   AuthConfig auth;
   AuthKeys auth_keys;
   bool auth_required = true;  ///< what the probe says, where the model authenticates at all
+  std::string hardware;       ///< version that the monitor page tells; empty: the table's
+  uint32_t seed = 0;          ///< of what it measures; 0: it stands still
 };
 
 /// A lidar in software: takes requests, answers them, and remembers what was written. Knows nothing
