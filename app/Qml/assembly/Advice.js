@@ -64,7 +64,8 @@ const byMessage = [
 const bySuccess = [
     ["Upgrade package transmitted",
      qsTr("Leave the power on. The upgrade panel tells which version the lidar runs once it is back.")],
-    ["not acknowledged", ""],
+    ["restart command was not acknowledged",
+     qsTr("The upgrade panel tells which versions the lidar runs, once it answers.")],
     ["Kiva upgrade completed",
      qsTr("Leave the power on. The upgrade panel tells which versions the lidar runs once it is back.")],
     ["restart the lidar", qsTr("The gear button restarts it.")],

@@ -110,6 +110,12 @@ FocusScope {
     }
 
     ScrollArea {
+        id: area
+
+        function showEnd() {
+            contentY = Math.max(0, contentHeight - height);
+        }
+
         anchors.left: parent.left
         anchors.right: parent.right
         anchors.top: heading.bottom
@@ -206,6 +212,9 @@ FocusScope {
                 UpgradePanel {
                     width: parent.width
                     upgrade: screen.upgrade
+                    // What there is to see of an upgrade is brought into view when it changes.
+                    onImplicitHeightChanged: if (upgrade.chosen || upgrade.running || upgrade.outcome)
+                                                 Qt.callLater(area.showEnd)
                     onStartWanted: upgrade.start(0, 0, 0)
                 }
             }
