@@ -11,13 +11,11 @@ QVariantMap Leaf(const char* value, bool timed, const char* state = "read") {
   return {{"current_val", value}, {"timer_update", timed}, {"state", state}};
 }
 
-QVariantList Group(const QVariantList& leaves) { return {QVariant(leaves)}; }
-
 // A page of two groups: a timed row and a plain one, and a second plain one that was not read.
 QVariantList Map(const char* timed, const char* plain, const char* other) {
   const QVariantList first = {Leaf(timed, true), Leaf(plain, false)};
-  const QVariantList groups = {QVariant(first), QVariant(Group({Leaf(other, false, "unread")})[0])};
-  return {QVariant(groups)};
+  const QVariantList second = {Leaf(other, false, "unread")};
+  return {QVariant(QVariantList{QVariant(first), QVariant(second)})};
 }
 
 TEST(PageRowsTest, AnnouncesTheRowsThatDiffer) {

@@ -21,10 +21,6 @@ const char kReturnMode[] = "choice_2_0_2";
 const char kNoiseFilter[] = "switch_2_0_6";
 const char kNoiseFilterField[] = "field_2_0_6";
 
-QString Held(const VirtualLidarProcess& lidar, const QString& variable) {
-  return lidar.Variable(variable).value("text").toString();
-}
-
 class ScreensTest : public testing::Test {
  protected:
   void ConnectOnTab(const QString& tab) {
@@ -44,7 +40,7 @@ TEST_F(ScreensTest, ConnectsByAClickAndShowsTheLidarsValues) {
   EXPECT_EQ(screen_.LampColor(), QColor("#00FF6B"));
   EXPECT_EQ(screen_.Text("connectButton"), "Disconnect");
   EXPECT_FALSE(screen_.Find("modelChoice")->isEnabled());
-  EXPECT_EQ(screen_.Text("field_0_0_1"), Held(lidar_, "SN"));
+  EXPECT_EQ(screen_.Text("field_0_0_1"), lidar_.Held("SN"));
   EXPECT_TRUE(WaitFor([&] { return screen_.LogText().contains("[INFO] Lidar connected"); }));
   EXPECT_EQ(screen_.BoxMessage(), QString()) << "a lidar of the chosen model needs no warning";
 
@@ -77,12 +73,12 @@ TEST_F(ScreensTest, WritesWhatIsTypedAndMarksItUntilItIsSaved) {
 
   screen_.TypeInto(kMinimumDistance, "50");
   EXPECT_TRUE(screen_.Value(kMinimumDistance, "pending").toBool());
-  EXPECT_EQ(Held(lidar_, "Minimum Distance"), "20") << "nothing is written before Save";
+  EXPECT_EQ(lidar_.Held("Minimum Distance"), "20") << "nothing is written before Save";
 
   screen_.Key(Qt::Key_S, Qt::ControlModifier);
   ASSERT_TRUE(screen_.WaitForBox("Set Lidar Successfully"));
-  EXPECT_EQ(Held(lidar_, "Minimum Distance"), "50");
-  EXPECT_EQ(Held(lidar_, "Maximum Distance"), "200") << "a field beside it keeps its value";
+  EXPECT_EQ(lidar_.Held("Minimum Distance"), "50");
+  EXPECT_EQ(lidar_.Held("Maximum Distance"), "200") << "a field beside it keeps its value";
   EXPECT_EQ(screen_.Text(kMinimumDistance), "50");
   EXPECT_FALSE(screen_.Value(kMinimumDistance, "pending").toBool());
   EXPECT_TRUE(WaitFor([&] { return screen_.LogText().contains("[SUCCESS]"); }));
@@ -98,8 +94,8 @@ TEST_F(ScreensTest, WritesChoicesAndSwitches) {
   EXPECT_FALSE(screen_.Find(kNoiseFilterField)->isEnabled());
   screen_.Click("saveButton");
   ASSERT_TRUE(screen_.WaitForBox("Set Lidar Successfully"));
-  EXPECT_EQ(Held(lidar_, "Return Mode"), "1");
-  EXPECT_EQ(Held(lidar_, "Noise Filter"), "0");
+  EXPECT_EQ(lidar_.Held("Return Mode"), "1");
+  EXPECT_EQ(lidar_.Held("Noise Filter"), "0");
   EXPECT_TRUE(screen_.CloseBox()) << "one Save, one box";
 }
 
@@ -118,7 +114,7 @@ TEST_F(ScreensTest, AsksBeforeItWritesValuesOutOfRange) {
   ASSERT_TRUE(screen_.WaitForBox("Minimum Distance"));
   screen_.Click("dialogAccept");
   ASSERT_TRUE(screen_.WaitForBox("Set Failed: 0x12 SET Minimum Distance, Maximum Distance"));
-  EXPECT_EQ(Held(lidar_, "Minimum Distance"), "20") << "the lidar refuses them";
+  EXPECT_EQ(lidar_.Held("Minimum Distance"), "20") << "the lidar refuses them";
   EXPECT_EQ(screen_.Text(kMinimumDistance), "600") << "nothing that was typed is lost";
   EXPECT_TRUE(screen_.Value(kMinimumDistance, "pending").toBool());
 }
@@ -134,8 +130,7 @@ TEST_F(ScreensTest, SetsTheFieldOfView) {
   screen_.Click("saveButton");
   ASSERT_TRUE(screen_.WaitForBox("Set Lidar Successfully")) << screen_.LogText().toStdString();
   // 12.5 as a float32 behind the mode, the count byte and seven other angles.
-  EXPECT_EQ(lidar_.Variable("FOV Table").value("hex").toString().remove(' ').mid(60, 8).toLower(),
-            "41480000");
+  EXPECT_EQ(lidar_.Held("FOV Table", "hex").remove(' ').mid(60, 8).toLower(), "41480000");
   EXPECT_EQ(screen_.Text("fov_7"), "12.5");
 }
 

@@ -48,6 +48,7 @@ TEST(AuthConfigTable, NamesTheCellThatCannotBeUsed) {
       {"DF,66,E0,21||22,0,1", "empty hex byte @ auth.csv, line 3, column ProtectedCmds"},
       {"DF,66,E0,21|,0,1", "empty hex byte"},
       {"DF,66,E0, | ,0,1", "empty hex byte"},
+      {"\"DF\"x,66,E0,21,0,1", "a quotation mark stands"},  // it may have been the model's row
       {"DG,66,E0,21,0,1", "\"DG\" is no"},
       {"DF,66,1FFFFFFFF,21,0,1", "\"1FFFFFFFF\" is no"},
       {"DF,66,E0,21,,1", "\"\" is no decimal"},

@@ -1,24 +1,13 @@
 #include <QMetaProperty>
 #include <QSettings>
-#include <mutex>
 
-#include "Log/logger.h"
 #include "manager_fixture.h"
+#include "support/log_lines.h"
 
 namespace {
 
-using kavel::lidar::Logger;
-
 class ManagerAuthTest : public ManagerFixture {
  protected:
-  ManagerAuthTest() {
-    Logger::GetInstance().SetObserver([this](kavel::lidar::LogLevel, const std::string& text) {
-      const std::lock_guard<std::mutex> lock(mutex_);
-      device_log_ << QString::fromStdString(text);
-    });
-  }
-  ~ManagerAuthTest() override { Logger::GetInstance().SetObserver({}); }
-
   /// Everything the manager and the device library have told anyone so far.
   QString Told() {
     QString told;
@@ -28,9 +17,7 @@ class ManagerAuthTest : public ManagerFixture {
     for (int i = 0; i < type->propertyCount(); ++i) {
       stream << type->property(i).read(manager_.get());
     }
-    const std::lock_guard<std::mutex> lock(mutex_);
-    stream << device_log_;
-    return told;
+    return told + device_log_.All().c_str();
   }
 
   /// Saves a protected setting of a lidar that has this fault, and waits for the line that says why
@@ -43,13 +30,12 @@ class ManagerAuthTest : public ManagerFixture {
     Edit("Rain Filter", "4");
     Save("Weather");
     EXPECT_EQ(TakeErrors().filter("Set Failed: 0x57 SET Rain Filter, ").size(), 1);
-    EXPECT_EQ(lidar.Variable("Rain Filter")["text"].toString(), "2");
+    EXPECT_EQ(lidar.Held("Rain Filter"), "2");
     ASSERT_TRUE(WaitFor([this, line] { return LogLines(line).size() == 1; })) << line.toStdString();
   }
 
  private:
-  std::mutex mutex_;
-  QStringList device_log_;  ///< guarded by mutex_
+  const kavel::lidar::testing::LogLines device_log_;
 };
 
 TEST_F(ManagerAuthTest, WritesProtectedSettingsAndTellsNoKey) {
@@ -75,7 +61,7 @@ TEST_F(ManagerAuthTest, WritesProtectedSettingsAndTellsNoKey) {
     const QString told = (Told() + lidar.Output() + printed.c_str()).toLower().remove(' ');
     EXPECT_TRUE(TakeErrors().isEmpty());
     EXPECT_EQ(LogLines("CMX: AUTH: probe value=1 required=true").size(), 1);
-    EXPECT_EQ(lidar.Variable("Minimum Distance")["text"].toString(), "45");
+    EXPECT_EQ(lidar.Held("Minimum Distance"), "45");
     QSettings keys("Config/auth_keys.ini", QSettings::IniFormat);
     keys.beginGroup("keys");
     for (const char* name :

@@ -73,7 +73,7 @@ TEST_F(ManagerMonitorTest, RecordsWhatTheLidarMeasures) {
   EXPECT_EQ(names.size(), 17);
   for (int i = 1; i < names.size(); ++i) {
     const QString name = QString(names[i]).section(" (", 0, 0);
-    EXPECT_EQ(QString(last[i]), lidar.Variable(name)["text"].toString()) << names[i].constData();
+    EXPECT_EQ(QString(last[i]), lidar.Held(name)) << names[i].constData();
   }
   const MonitorFile read = ReadMonitorFile((Folder() + '/' + Files()[0]).toStdString());
   EXPECT_EQ(read.samples.size(), static_cast<size_t>(lines.size() - 2));

@@ -21,7 +21,7 @@ TEST_F(ManagerPagesTest, NetworkSettingsSucceedAlthoughTheLinkDrops) {
   EXPECT_EQ(LogLines("INFO: After its restart the lidar is reached at 192.168.1.201").size(), 1);
   EXPECT_EQ(Text("Gateway"), "192.168.1.254") << "accepted, though it cannot be read back";
   EXPECT_EQ(Leaf(Find("Gateway"))["state"], "written");
-  EXPECT_EQ(lidar.Variable("Gateway")["text"].toString(), "192.168.1.254");
+  EXPECT_EQ(lidar.Held("Gateway"), "192.168.1.254");
   EXPECT_FALSE(manager_->CheckLidarConnection());
 }
 

@@ -22,6 +22,16 @@ class LogLines {
   LogLines(const LogLines&) = delete;
   LogLines& operator=(const LogLines&) = delete;
 
+  /// Every line so far.
+  std::string All() const {
+    const std::lock_guard<std::mutex> lock(mutex_);
+    std::string all;
+    for (const auto& [level, line] : lines_) {
+      all += line + '\n';
+    }
+    return all;
+  }
+
   /// How many lines of this level begin with `text`.
   int Count(LogLevel level, const std::string& text) const {
     const std::lock_guard<std::mutex> lock(mutex_);

@@ -40,18 +40,13 @@ void VirtualLidarProcess::MakeFirmware(const QString& model, const QString& vers
 }
 
 QString VirtualLidarProcess::SerialPort(const QString& kind) const {
-  const QString pair = FirstMatch("^serial port 232 (\\S+)$", announced_);
-  if (pair.isEmpty()) {
-    return FirstMatch("^serial port (/\\S+)$", announced_);
-  }
-  return kind == "232" ? pair : FirstMatch("^serial port 485 (\\S+)$", announced_);
+  return FirstMatch("^serial port (?:" + kind + " )?(/\\S+)$", announced_);
 }
 
-QJsonObject VirtualLidarProcess::Variable(const QString& name) const {
+QString VirtualLidarProcess::Held(const QString& name, const QString& form) const {
   QFile file(folder_.filePath("state.json"));
   if (!file.open(QIODevice::ReadOnly)) {
     return {};
   }
-  const QJsonObject state = QJsonDocument::fromJson(file.readAll()).object();
-  return state.value("variables").toObject().value(name).toObject();
+  return QJsonDocument::fromJson(file.readAll())["variables"][name][form].toString();
 }

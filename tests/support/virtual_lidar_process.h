@@ -1,6 +1,5 @@
 #pragma once
 
-#include <QJsonObject>
 #include <QString>
 #include <QStringList>
 #include <QTemporaryDir>
@@ -22,12 +21,12 @@ class VirtualLidarProcess {
   /// The TCP port on 127.0.0.1.
   quint16 port() const { return port_; }
   /// The serial line, or the one of the pair that is called `kind` ("485" or "232").
-  QString SerialPort(const QString& kind = QString()) const;
+  QString SerialPort(const QString& kind = "485") const;
 
   /// Everything printed so far.
   QString Output() { return process_.Output(); }
-  /// What it holds for the variable `name`: {"id", "text", "hex"}.
-  QJsonObject Variable(const QString& name) const;
+  /// What it holds for the variable `name`, as its "text" or "hex"; empty when it has none.
+  QString Held(const QString& name, const QString& form = "text") const;
 
   /// Ends it at once, as a lidar that loses its power.
   void Kill() { process_.Kill(); }

@@ -99,10 +99,6 @@ class WindowTest : public testing::Test {
     });
   }
 
-  QString Held(const QString& variable) const {
-    return lidar_->Variable(variable).value("text").toString();
-  }
-
   ChildProcess screen_;
   std::unique_ptr<VirtualLidarProcess> lidar_;
   QTemporaryDir home_;
@@ -114,7 +110,7 @@ class WindowTest : public testing::Test {
 TEST_F(WindowTest, WritesATypedValueToTheLidarAndLeavesASilentOneAtOnce) {
   ASSERT_TRUE(Connect());
   ASSERT_TRUE(WaitFor([&] { return lidar_->Output().contains("request 0x02"); }));
-  ASSERT_EQ(Held("Minimum Distance"), "20");
+  ASSERT_EQ(lidar_->Held("Minimum Distance"), "20");
 
   // From the first tab two to the right to "Scan", and from there nine fields on.
   Click(55, 99);
@@ -128,7 +124,7 @@ TEST_F(WindowTest, WritesATypedValueToTheLidarAndLeavesASilentOneAtOnce) {
   XDoTool({"key", "ctrl+a"});
   XDoTool({"type", "55"});
   XDoTool({"key", "ctrl+s"});
-  EXPECT_TRUE(WaitFor([&] { return Held("Minimum Distance") == "55"; }))
+  EXPECT_TRUE(WaitFor([&] { return lidar_->Held("Minimum Distance") == "55"; }))
       << lidar_->Output().toStdString();
 
   lidar_->Freeze();
