@@ -1,7 +1,6 @@
 #pragma once
 
 #include "support/bytes.h"
-#include "support/lines.h"
 #include "support/test_folder.h"
 
 inline constexpr char kTestAes128Key[] = "2b7e151628aed2a6abf7158809cf4f3c";

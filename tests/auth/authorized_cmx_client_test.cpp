@@ -16,6 +16,11 @@ using Sent = ScriptedSender::Sent;
 const Bytes kRandom = FromHex("a0a1a2a3a4a5a6a7a8a9aaabacadaeaf");
 const Bytes kAnswer = {0x11, 0x22};
 
+struct CollectedLines : kavel::lidar::LogSink {
+  void WriteLine(const std::string& line) override { lines.push_back(line); }
+  Lines lines;
+};
+
 struct FixedAnswer : IAuthAlgorithm {
   explicit FixedAnswer(Bytes bytes) : answer(std::move(bytes)) {}
   Bytes Compute(const Bytes& challenge) override {

@@ -5,7 +5,9 @@
 #include <mutex>
 #include <string>
 #include <thread>
+#include <utility>
 
+#include "Wire/serial_stream.h"
 #include "support/pty_pair.h"
 
 namespace kavel::lidar::testing {
@@ -17,20 +19,46 @@ class SerialDevice {
   /// Called on the device's thread with one "$LDCMD," or "$LDOTA," request; what it returns is
   /// written to the line, and `kVanish` hangs up instead.
   using Answer = std::function<Bytes(const Bytes& request)>;
-  static const Bytes kVanish;
+  static inline const Bytes kVanish = {'v', 'a', 'n', 'i', 's', 'h'};
 
-  explicit SerialDevice(Answer answer);
-  ~SerialDevice();
+  explicit SerialDevice(Answer answer) : answer_(std::move(answer)), thread_([this] { Run(); }) {}
+  ~SerialDevice() {
+    running_ = false;
+    thread_.join();
+  }
 
   /// From the next request on.
-  void SetAnswer(const Bytes& bytes);
+  void SetAnswer(const Bytes& bytes) {
+    const std::lock_guard<std::mutex> lock(mutex_);
+    answer_ = [bytes](const Bytes&) { return bytes; };
+  }
 
   const std::string& path() const { return line_.path(); }
-  Bytes last_request() const;
+  Bytes last_request() const {
+    const std::lock_guard<std::mutex> lock(mutex_);
+    return last_request_;
+  }
 
  private:
-  void Run();
-  Bytes AnswerTo(const Bytes& request);
+  Bytes AnswerTo(const Bytes& request) {
+    const std::lock_guard<std::mutex> lock(mutex_);
+    last_request_ = request;
+    return answer_(request);
+  }
+  void Run() {
+    SerialStream stream(SerialListener::kDevice);
+    while (running_) {
+      const Bytes bytes = line_.Read(20);
+      stream.Append(bytes.data(), bytes.size());
+      while (const auto frame = stream.Next()) {
+        const Bytes answer = AnswerTo(frame->bytes);
+        if (answer == kVanish) {
+          return line_.HangUp();
+        }
+        line_.Write(answer);
+      }
+    }
+  }
 
   PtyPair line_;
   mutable std::mutex mutex_;
