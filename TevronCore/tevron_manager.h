@@ -8,9 +8,11 @@
 #include <string>
 #include <vector>
 
+#include "downloads/download_status.h"
 #include "upgrade/upgrade_status.h"
 
 class MonitorFeed;
+enum class OperationLogOutcome;
 
 /// The one object behind all screens. It owns the parts that do the work (settings, variable table,
 /// connection, page refresh), starts them, and turns what they report into properties and signals;
@@ -103,6 +105,10 @@ class TevronManager : public QObject {
   UpgradeSnapshot UpgradeNow() const;
   /// The firmware that the connected lidar runs, as far as it was read; "" while it is unknown.
   std::string RunningVersion() const;
+  /// The download of the operation log that runs; none otherwise.
+  DownloadSnapshot DownloadNow() const;
+  /// Ends it soon: downloadOperationLogFinished(false), without an error.
+  void CancelDownload();
   /// Whether this model is upgraded by a package of components (KivaUpgradeLidar), and not by one
   /// image.
   bool TakesPackages() const;
@@ -263,7 +269,7 @@ class TevronManager : public QObject {
   void TakeSetting(std::string* setting, const QString& text);
   void ShowLink();
   void ShowMonitorPage();
-  int RefuseForNow(const char* operation);
+  void FinishOperationLog(OperationLogOutcome outcome);
 
   const std::unique_ptr<Parts> parts_;
 };

@@ -1,4 +1,4 @@
-// What is done with a lidar besides its variables: console, maintenance, and what has yet to come.
+// What is done with a lidar besides its variables: console, maintenance, upgrade.
 
 #include <memory>
 #include <string>
@@ -100,14 +100,6 @@ void TevronManager::KivaSetIMURange(int angularRangeIndex, int accelRangeIndex) 
   parts_->AfterSetting(parts_->MaintenanceNow().WriteImuRange(angularRangeIndex, accelRangeIndex));
 }
 
-int TevronManager::RefuseForNow(const char* operation) {
-  parts_->report.LogLine(std::string(operation) + " is not available in this version.",
-                         LogType::kWarning);
-  return -1;
-}
-
-void TevronManager::StartGetConfigFile() { RefuseForNow("Reading the configuration file"); }
-
 UpgradeSnapshot TevronManager::UpgradeNow() const { return parts_->upgrade.Now(); }
 
 std::string TevronManager::RunningVersion() const { return parts_->session.RunningVersion(); }
@@ -125,22 +117,6 @@ int TevronManager::LumoUpgradeLidar(const QUrl& fileUrl) { return parts_->upgrad
 
 int TevronManager::KivaUpgradeLidar(const QUrl& fileUrl) {
   return parts_->upgrade.StartPackage(fileUrl);
-}
-
-int TevronManager::DownloadOperationLog(const QUrl& /*fileUrl*/) {
-  return RefuseForNow("Downloading the operation log");
-}
-
-int TevronManager::DownloadOperationLogThread(const QUrl& /*fileUrl*/) {
-  return RefuseForNow("Downloading the operation log");
-}
-
-int TevronManager::DownloadLog(const QUrl& /*fileUrl*/, const QString& /*type*/) {
-  return RefuseForNow("Downloading a log");
-}
-
-int TevronManager::LumoGetCorrection(const QString&) {
-  return RefuseForNow("Downloading the calibration");
 }
 
 void TevronManager::LumoSetUpgradeMode(int mode) {

@@ -7,6 +7,7 @@
 #include "connection/connection_settings.h"
 #include "console/byte_flow.h"
 #include "console/command_console.h"
+#include "downloads/operation_log_download.h"
 #include "firmware_upgrade.h"
 #include "lidar_monitor.h"
 #include "lidar_session.h"
@@ -54,6 +55,8 @@ struct TevronManager::Parts {
 
   ShownPages pages;
   std::shared_ptr<EditSession> edits;
+  /// Until its end has been told. It stands before the session, whose end wakes it.
+  std::unique_ptr<OperationLogDownload> operation_log;
   LidarSession session;
   FirmwareUpgrade upgrade;
   LidarMonitor monitor;

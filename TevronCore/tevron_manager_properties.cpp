@@ -79,8 +79,6 @@ QVariantList TevronManager::lumoLidarVersionInfo() const {
 }
 bool TevronManager::isGetPBLVersion() const { return parts_->session.reading_facts(); }
 
-QVariantList TevronManager::logRepeaterModel() const { return {}; }
-
 QString TevronManager::ipAddress() const {
   return QString::fromStdString(parts_->settings.lidar_ip);
 }

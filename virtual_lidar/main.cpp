@@ -75,6 +75,7 @@ DeviceProfile MakeProfile(const Options& options) {
   profile.auth_keys = LoadAuthKeys(options.config_folder + "/auth_keys.ini");
   profile.auth_required = options.auth_required;
   profile.seed = options.seed;
+  profile.log_size = options.log_size;
   return profile;
 }
 

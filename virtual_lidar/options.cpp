@@ -22,8 +22,8 @@ std::string FaultHelp() {
     text << "  " << name << std::string(22 - std::min<size_t>(name.size(), 21), ' ')
          << mode.sentence << '\n';
   }
-  text << "@CMD limits a fault to one command code, #TIMES to that many times (not "
-          "silent-after).\n\n"
+  text << "@CMD limits a fault to one command code, #TIMES to that many times, #FROM-TO to "
+          "those\n(not silent-after).\n\n"
           "Examples:\n"
           "  virtual_lidar                                  an Orca on 127.0.0.1:9347\n"
           "  virtual_lidar --model Kiva-CMX                 names the serial port to connect to\n"
@@ -137,6 +137,10 @@ void DeclareHowToBehave(CLI::App* app, CommandLine* line, Options* options) {
   app->add_option("--dump", options->server.dump_file,
                   "Keep this file at what the device holds: JSON, rewritten after every change")
       ->type_name("FILE");
+  app->add_option("--log-size", options->log_size, "Bytes of each log that can be downloaded")
+      ->type_name("BYTES")
+      ->check(CLI::Range(uint32_t{0}, LogStore::kMaxSize).description(""))
+      ->capture_default_str();
   app->add_option("--restart-time", line->restart_ms, "How long a restart takes, in ms")
       ->type_name("MS")
       ->check(CLI::Range(0, 600000).description(""))

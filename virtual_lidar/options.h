@@ -5,6 +5,7 @@
 #include <utility>
 #include <vector>
 
+#include "device/log_store.h"
 #include "faults/fault_modes.h"
 #include "server/device_server.h"
 
@@ -23,6 +24,7 @@ struct Options {
   std::string firmware_version;
   std::string firmware_file;
   size_t firmware_size = size_t{256} * 1024;  ///< of each image, in bytes
+  uint32_t log_size = LogStore::kUsualSize;
 };
 
 /// Reads the command line. Prints help or the fault in it itself.

@@ -13,6 +13,7 @@
 #include "variables/config_parser.h"
 #include "variables/csv_table.h"
 #include "variables/feature_config.h"
+#include "variables/log_variables.h"
 #include "variables/model_list.h"
 #include "variables/monitor_tables.h"
 
@@ -58,6 +59,7 @@ void CheckVariableTable(const std::string& path, Faults* faults) {
   for (const TableFault& fault : parser.Faults()) {
     faults->push_back(fault.text);
   }
+  OfferedLogs(parser, faults);
   const VariableMemory memory(parser);
   faults->insert(faults->end(), memory.faults().begin(), memory.faults().end());
   CheckMonitorTables(parser, faults);

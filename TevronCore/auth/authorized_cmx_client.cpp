@@ -92,6 +92,14 @@ int32_t AuthorizedCmxClient::QueryWithin(uint32_t timeout_ms, const std::vector<
              : -1;
 }
 
+int32_t AuthorizedCmxClient::QueryLong(const std::vector<uint8_t>& payload,
+                                       std::vector<uint8_t>& result, uint8_t cmd,
+                                       kavel::lidar::ReplyProgress& progress, int32_t* error) {
+  const std::lock_guard<kavel::lidar::TicketMutex> lock(mutex_);
+  return MayPass(cmd, Shown::kNo, error) ? client_->QueryLong(payload, result, cmd, progress, error)
+                                         : -1;
+}
+
 bool AuthorizedCmxClient::MayPass(uint8_t cmd, Shown shown, int32_t* error) {
   const bool passes = GateLocked(cmd, shown) == 0;
   if (!passes && error != nullptr) {

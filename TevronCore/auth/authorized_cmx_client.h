@@ -47,6 +47,8 @@ class AuthorizedCmxClient : public kavel::lidar::CommandSender {
                        uint8_t cmd, int32_t* error) override;
   int32_t QueryWithin(uint32_t timeout_ms, const std::vector<uint8_t>& payload,
                       std::vector<uint8_t>& result, uint8_t cmd, int32_t* error) override;
+  int32_t QueryLong(const std::vector<uint8_t>& payload, std::vector<uint8_t>& result, uint8_t cmd,
+                    kavel::lidar::ReplyProgress& progress, int32_t* error) override;
 
  private:
   /// Whether the byte flow has the handshake: that of a command which is kept out of it is, too.

@@ -15,6 +15,7 @@ constexpr char kRs485Key[] = "rs485_com";
 constexpr char kRs232Key[] = "rs232_com";
 constexpr char kBaudRateKey[] = "point_cloud_baudrate";
 constexpr char kUdpPortKey[] = "udp_port";
+constexpr char kDownloadFolderKey[] = "download_folder";
 
 QString HostPortKey(const std::string& model) {
   return QStringLiteral("cmx_client_host_port/%1").arg(QString::fromStdString(model));
@@ -93,4 +94,19 @@ bool SaveConnectionSettings(const QString& path, const ConnectionSettings& setti
   file.setValue(HostPortKey(model), QString::fromStdString(settings.host_port));
   file.sync();
   return file.status() == QSettings::NoError;
+}
+
+QString LoadDownloadFolder(const QString& path) {
+  const std::unique_ptr<QSettings> file = OpenSettings(path);
+  return file == nullptr ? QString() : file->value(kDownloadFolderKey).toString();
+}
+
+bool SaveDownloadFolder(const QString& path, const QString& folder) {
+  const std::unique_ptr<QSettings> file = OpenSettings(path);
+  if (file == nullptr) {
+    return false;
+  }
+  file->setValue(kDownloadFolderKey, folder);
+  file->sync();
+  return file->status() == QSettings::NoError;
 }

@@ -33,3 +33,9 @@ std::optional<std::string> LoadHostPort(const QString& path, const std::string& 
 /// hand. Returns false when the file could not be written; the file is then as it was.
 bool SaveConnectionSettings(const QString& path, const ConnectionSettings& settings,
                             const std::string& model);
+
+/// The folder that downloads were last saved to; empty when there was none.
+QString LoadDownloadFolder(const QString& path);
+
+/// Remembers it, as SaveConnectionSettings does the settings.
+bool SaveDownloadFolder(const QString& path, const QString& folder);

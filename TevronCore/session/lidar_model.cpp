@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "variables/feature_config.h"
+#include "variables/log_variables.h"
 #include "variables/monitor_tables.h"
 
 namespace {
@@ -41,6 +42,7 @@ std::shared_ptr<LidarModel> LoadLidarModel(const std::string& table_path) {
     model->faults.push_back(fault.text);
   }
   model->pages = PageModel(*model->table);
+  OfferedLogs(*model->table, &model->faults);
 
   const std::string features = model->config_folder + "/feature_config.csv";
   try {

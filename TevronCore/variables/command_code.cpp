@@ -34,8 +34,12 @@ WireCommand WireCommandOf(const std::string& text, const std::vector<uint8_t>& f
   if (text.size() < kLongCommandTextLength) {
     return {static_cast<uint8_t>(value), fixed_payload};
   }
+  return LongCommandOf(text, fixed_payload);
+}
+
+WireCommand LongCommandOf(const std::string& text, const std::vector<uint8_t>& fixed_payload) {
   std::optional<std::vector<uint8_t>> payload = HexPairs(WithoutHexPrefix(text));
-  if (!payload) {
+  if (!payload || payload->empty()) {
     throw std::invalid_argument("invalid stoi argument");
   }
   payload->insert(payload->end(), fixed_payload.begin(), fixed_payload.end());

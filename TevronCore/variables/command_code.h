@@ -25,6 +25,11 @@ constexpr size_t kLongCommandTextLength = 5;
 /// integer.
 WireCommand WireCommandOf(const std::string& text, const std::vector<uint8_t>& fixed_payload = {});
 
+/// The text as a long command, however short it is: its hexadecimal pairs ("0x" skipped), then
+/// `fixed_payload`, under 0xFF. Throws std::invalid_argument "invalid stoi argument" for a text
+/// that is empty or no row of hexadecimal digits.
+WireCommand LongCommandOf(const std::string& text, const std::vector<uint8_t>& fixed_payload);
+
 /// The same key for all texts that travel as one command, as "0x22" and "34" do. A text that is no
 /// command has a key of its own.
 std::string CommandKey(const std::string& text);

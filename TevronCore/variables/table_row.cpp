@@ -75,6 +75,7 @@ void TableRow::ReadRest(VarInfo* var) const {
   var->coefficient = ReadCoefficient(Column::kCoefficient, 1.0F);
   var->set_coefficient = ReadCoefficient(Column::kSetCoefficient, var->coefficient);
   var->default_val = SharedCell(Column::kDefaultValue);
+  var->set_payload = SharedCell(Column::kSetCmdPayload);
   var->function_module = SharedCell(Column::kFunctionModule);
   var->timer_update = ReadNumber(Column::kTimerUpdate) != 0;
   auto control = ParseControl(Cell(Column::kOptions), Cell(Column::kOptionDescription), *var);

@@ -62,6 +62,7 @@ struct VarInfo : Control {
   float coefficient = 1.0F;   ///< Shown value = device integer x coefficient. Never 0.
   float set_coefficient = 1.0F;  ///< Device integer = written value / set_coefficient. Never 0.
   SharedText default_val;        ///< Shown until something was read.
+  SharedText set_payload;        ///< "SetCmdPayload" cell, which downloads append to any command.
 
   const ValueType* value_type = &kUnknownType;  ///< What var_type names; never null.
   const FieldGroup* read = nullptr;   ///< Where get_start_pos counts; null without get_cmd.

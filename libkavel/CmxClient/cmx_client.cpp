@@ -54,6 +54,11 @@ int32_t CmxClient::QueryWithin(uint32_t timeout_ms, const std::vector<uint8_t>& 
   return Query(payload, result, cmd, {false, nullptr, timeouts}, error);
 }
 
+int32_t CmxClient::QueryLong(const std::vector<uint8_t>& payload, std::vector<uint8_t>& result,
+                             uint8_t cmd, ReplyProgress& progress, int32_t* error) {
+  return Query(payload, result, cmd, {false, nullptr, {}, &progress}, error);
+}
+
 int32_t CmxClient::Query(const std::vector<uint8_t>& payload, std::vector<uint8_t>& result,
                          uint8_t cmd, const Terms& terms, int32_t* error) {
   int32_t ignored = 0;
@@ -91,7 +96,7 @@ CmxExchange::Outcome CmxClient::RunExchange(const std::vector<uint8_t>& payload,
   if (wanted.recv_ms != now.recv_ms || wanted.send_ms != now.send_ms) {
     exchange_.UseTimeouts(wanted);
   }
-  CmxExchange::Outcome outcome = exchange_.Run(cmd, payload, terms.sink);
+  CmxExchange::Outcome outcome = exchange_.Run(cmd, payload, terms.sink, terms.progress);
   if (terms.with_header && !outcome.header.empty()) {
     outcome.header.insert(outcome.header.end(), outcome.payload.begin(), outcome.payload.end());
     result.swap(outcome.header);

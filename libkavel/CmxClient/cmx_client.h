@@ -71,6 +71,8 @@ class CmxClient : public CommandSender {
                        uint8_t cmd, int32_t* error) override;
   int32_t QueryWithin(uint32_t timeout_ms, const std::vector<uint8_t>& payload,
                       std::vector<uint8_t>& result, uint8_t cmd, int32_t* error) override;
+  int32_t QueryLong(const std::vector<uint8_t>& payload, std::vector<uint8_t>& result, uint8_t cmd,
+                    ReplyProgress& progress, int32_t* error) override;
 
   /// The reason of the last exchange that failed, on whichever thread; 0 before any failed. Another
   /// thread may have used the client since yours did: prefer the `error` of `QueryCommand`.
@@ -119,6 +121,7 @@ class CmxClient : public CommandSender {
     bool with_header = false;
     ByteSink* sink = nullptr;
     std::optional<CmxExchange::Timeouts> timeouts;
+    ReplyProgress* progress = nullptr;
   };
   int32_t Query(const std::vector<uint8_t>& payload, std::vector<uint8_t>& result, uint8_t cmd,
                 const Terms& terms, int32_t* error);

@@ -46,9 +46,10 @@ void CmxExchange::UseTimeouts(Timeouts timeouts) {
 }
 
 CmxExchange::Outcome CmxExchange::Run(uint8_t cmd, const std::vector<uint8_t>& payload,
-                                      ByteSink* sink) {
+                                      ByteSink* sink, ReplyProgress* progress) {
   Outcome outcome;
   outcome.error = kSendIncomplete;
+  progress_ = progress;
   told_by_transport_ = transport_->TakeSink(sink);
   // Until the exchange has ended well, the next one must expect remains of it.
   const bool expect_remains = std::exchange(trouble_, true);
@@ -184,6 +185,9 @@ void CmxExchange::Receive(uint8_t cmd, Outcome& outcome) {
     return;
   }
   const uint32_t length = PayloadLengthIn(outcome.header);
+  if (progress_ != nullptr) {
+    progress_->announced = length;
+  }
   // The payload of a refusal is left where it is.
   const auto deadline = now_() + milliseconds(in_force_.recv_ms) + TimeForPayload(length);
   outcome.accepted = outcome.error == 0 && ReceivePayload(outcome.payload, length, deadline);
@@ -284,6 +288,12 @@ bool CmxExchange::ReceivePayload(std::vector<uint8_t>& payload, uint32_t length,
       return false;
     }
     received += static_cast<size_t>(count);
+    if (progress_ != nullptr) {
+      progress_->received = static_cast<uint32_t>(received);
+      if (progress_->unwanted) {
+        return false;
+      }
+    }
   }
   return true;
 }

@@ -10,6 +10,7 @@
 
 #include "CmxClient/byte_sink.h"
 #include "CmxClient/client_base.h"
+#include "CmxClient/command_sender.h"
 #include "CmxClient/owed_answers.h"
 #include "CmxClient/stale_input.h"
 #include "Wire/cmx_header.h"
@@ -70,7 +71,9 @@ class CmxExchange {
   /// the payload from then on a receive time-out and one second for each 64 KiB announced; silence
   /// for a receive time-out ends the exchange as well. Memory grows with what arrives. Throws
   /// std::bad_alloc alone, and can be used on after it.
-  Outcome Run(uint8_t cmd, const std::vector<uint8_t>& payload, ByteSink* sink);
+  /// `progress` (may be null) follows the answer's payload.
+  Outcome Run(uint8_t cmd, const std::vector<uint8_t>& payload, ByteSink* sink,
+              ReplyProgress* progress = nullptr);
 
   /// Whether the transport tells the sink of the last `Run` itself.
   bool told_by_transport() const { return told_by_transport_; }
@@ -108,6 +111,7 @@ class CmxExchange {
   std::atomic<StaleInput> stale_input_{StaleInput::kAlways};
   std::atomic<int> liveness_{kNoLiveness};
   bool told_by_transport_ = false;
+  ReplyProgress* progress_ = nullptr;  ///< of the exchange that runs
 
   bool trouble_ = true;  ///< the last exchange did not end cleanly
   OwedAnswers owed_;

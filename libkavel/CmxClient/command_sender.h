@@ -1,5 +1,6 @@
 #pragma once
 
+#include <atomic>
 #include <cstdint>
 #include <vector>
 
@@ -14,6 +15,15 @@ constexpr int32_t kSendIncomplete = -4;  ///< the frame could not be sent whole
 constexpr int32_t kAuthRefused = -5;     ///< refused before sending: the lidar wants authentication
 constexpr int32_t kBadReply = -6;        ///< the reply's payload has an unexpected length
 constexpr int32_t kBadArgument = -7;     ///< the caller's value is out of range; nothing was sent
+
+/// How far a long answer has come, and whether anybody still wants it. Any thread.
+struct ReplyProgress {
+  std::atomic<uint32_t> announced{0};  ///< bytes of the payload; 0 until its header has come
+  std::atomic<uint32_t> received{0};
+  /// Set it, and the exchange ends with kReplyBrokeOff as soon as it has received something, and
+  /// after one receive time-out in any case.
+  std::atomic<bool> unwanted{false};
+};
 
 /// One command to the lidar and its answer. Everything that talks to a lidar does so through this
 /// interface, so that authentication or a recording can stand in between.
@@ -54,6 +64,13 @@ class CommandSender {
   /// commands. A sender that has no time-outs ignores it.
   virtual int32_t QueryWithin(uint32_t /*timeout_ms*/, const std::vector<uint8_t>& payload,
                               std::vector<uint8_t>& result, uint8_t cmd, int32_t* error) {
+    return QueryQuietly(payload, result, cmd, error);
+  }
+
+  /// As `QueryQuietly`, for an answer that may be long: what came of it is told while it comes.
+  /// Where the line hands an answer over as a whole, `progress` is not touched.
+  virtual int32_t QueryLong(const std::vector<uint8_t>& payload, std::vector<uint8_t>& result,
+                            uint8_t cmd, ReplyProgress& /*progress*/, int32_t* error) {
     return QueryQuietly(payload, result, cmd, error);
   }
 };

@@ -2,9 +2,11 @@
 
 #include <algorithm>
 #include <cstring>
+#include <utility>
 
 #include "Platform/ipv4_text.h"
 #include "Wire/big_endian.h"
+#include "Wire/calibration.h"
 
 namespace kavel::lidar {
 namespace {
@@ -231,6 +233,19 @@ int32_t GetActivePartition(CommandSender& sender, bool* is_b) {
     return kBadReply;
   }
   *is_b = reply[0] == 1;
+  return 0;
+}
+
+int32_t GetCalibration(CommandSender& sender, Bytes* calibration) {
+  Bytes reply;
+  const int32_t code = Ask(sender, kCmdGetCalibration, {}, &reply);
+  if (code != 0) {
+    return code;
+  }
+  if (!IsCalibration(reply)) {
+    return kBadReply;
+  }
+  *calibration = std::move(reply);
   return 0;
 }
 

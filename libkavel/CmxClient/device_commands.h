@@ -39,6 +39,7 @@ inline constexpr uint8_t kCmdGetVersions = 0x4D;
 inline constexpr uint8_t kCmdGetFunctionSafety = 0x4E;
 inline constexpr uint8_t kCmdGetStatus = 0x4F;
 inline constexpr uint8_t kCmdGetPartition = 0x53;
+inline constexpr uint8_t kCmdGetCalibration = 0x54;
 
 /// Serial and part numbers have at most this many printable ASCII characters.
 inline constexpr size_t kNumberTextSize = 32;
@@ -108,6 +109,10 @@ int32_t GetFunctionSafety(CommandSender& sender, std::vector<SafetyState>* state
 int32_t GetStatus(CommandSender& sender, DeviceStatus* status);
 /// Which application partition runs: A (false) or B. Any other answer is kBadReply.
 int32_t GetActivePartition(CommandSender& sender, bool* is_b);
+
+/// The calibration as the device holds it, which is also the file; kBadReply unless it is whole and
+/// its checksum right.
+int32_t GetCalibration(CommandSender& sender, std::vector<uint8_t>* calibration);
 
 /// 1 to kNumberTextSize printable ASCII characters.
 bool IsValidNumber(const std::string& number);

@@ -29,10 +29,13 @@ TEST(FaultModes, ReadsOrders) {
   ASSERT_TRUE(ParseFaultOrder("drop@33", &order, &error)) << error;
   EXPECT_EQ(order.command, uint8_t{33});
   EXPECT_FALSE(order.times.has_value());
+  ASSERT_TRUE(ParseFaultOrder("drop#2-4", &order, &error)) << error;
+  EXPECT_EQ(order.spared, 1U);
+  EXPECT_EQ(order.times, 3U);
 
-  for (const char* text :
-       {"", "dorp", "Drop", "drop=1", "delay", "delay=", "delay=0", "delay=1x", "return-code=256",
-        "drop@", "drop@256", "drop@0x", "drop@-1", "drop#0", "drop#", "silent-after=1@7"}) {
+  for (const char* text : {"", "dorp", "Drop", "drop=1", "delay", "delay=", "delay=0", "delay=1x",
+                           "return-code=256", "drop@", "drop@256", "drop@0x", "drop@-1", "drop#0",
+                           "drop#", "drop#0-2", "drop#3-2", "drop#2-", "silent-after=1@7"}) {
     error.clear();
     EXPECT_FALSE(ParseFaultOrder(text, &order, &error)) << text;
     EXPECT_FALSE(error.empty()) << text;
@@ -48,6 +51,11 @@ TEST(FaultBox, StrikesTheCommandsAndTimesAskedFor) {
   EXPECT_FALSE(box.Strike(Fault::kDrop, 0x20).has_value());
   EXPECT_EQ(box.TakeStruck(), std::vector<std::string>(4, "delay"));
   EXPECT_TRUE(box.TakeStruck().empty());
+
+  FaultBox second({{Fault::kDrop, 0, {}, 1U, 1U}});
+  EXPECT_FALSE(second.Strike(Fault::kDrop, 0x20).has_value());
+  EXPECT_TRUE(second.Strike(Fault::kDrop, 0x20).has_value());
+  EXPECT_FALSE(second.Strike(Fault::kDrop, 0x20).has_value());
 }
 
 }  // namespace

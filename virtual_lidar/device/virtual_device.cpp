@@ -26,6 +26,7 @@ VirtualDevice::VirtualDevice(std::shared_ptr<const ConfigParser> table, DevicePr
       memory_(*table_),
       maintenance_(TraitsOf(profile.model).family),
       firmware_(profile.model, TraitsOf(profile.model).family),
+      logs_(*table_, TraitsOf(profile.model).family, profile.log_size),
       guard_(std::move(profile.auth), std::move(profile.auth_keys), profile.auth_required) {
   memory_.Measure(profile.seed);
   const VarInfo* block = MonitorBlockOf(*table_);
@@ -79,6 +80,9 @@ DeviceReply VirtualDevice::CarryOut(const DeviceRequest& request, FaultBox* faul
   reply.code = request.code;
   if (RunBuiltIn(request, &reply, what)) {
     return reply;
+  }
+  if (auto answer = logs_.Answer(request, what)) {
+    return std::move(*answer);
   }
   if (auto answer = firmware_.Answer(request, maintenance_.in_upgrade_mode(), faults, what)) {
     if (answer->aftermath == Aftermath::kRestart) {

@@ -7,6 +7,7 @@
 
 #include "device/auth_guard.h"
 #include "device/firmware_unit.h"
+#include "device/log_store.h"
 #include "device/maintenance_unit.h"
 #include "device/variable_memory.h"
 #include "faults/fault_modes.h"
@@ -21,6 +22,7 @@ struct DeviceProfile {
   bool auth_required = true;  ///< what the probe says, where the model authenticates at all
   std::string hardware;       ///< version that the monitor page tells; empty: the table's
   uint32_t seed = 0;          ///< of what it measures; 0: it stands still
+  uint32_t log_size = LogStore::kUsualSize;  ///< bytes of each log
 };
 
 /// A lidar in software: takes requests, answers them, and remembers what was written. Knows nothing
@@ -73,6 +75,7 @@ class VirtualDevice {
   VariableMemory memory_;
   MaintenanceUnit maintenance_;
   FirmwareUnit firmware_;
+  LogStore logs_;
   AuthGuard guard_;
   bool changed_ = false;
 };

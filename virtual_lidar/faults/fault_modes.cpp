@@ -55,6 +55,21 @@ bool ReadArgument(const FaultMode& mode, const std::optional<std::string>& text,
   return true;
 }
 
+// "TIMES", or "FROM-TO".
+bool ReadTimes(const std::string& text, FaultOrder* order) {
+  std::string first = text;
+  const std::optional<std::string> last = CutTail(&first, '-');
+  uint32_t from = 1;
+  uint32_t to = 0;
+  if (!ReadNumber(last ? *last : first, &to) || (last && !ReadNumber(first, &from)) || from == 0 ||
+      to < from) {
+    return false;
+  }
+  order->spared = from - 1;
+  order->times = to - from + 1;
+  return true;
+}
+
 }  // namespace
 
 const std::vector<FaultMode>& FaultModes() {
@@ -141,10 +156,9 @@ bool ParseFaultOrder(const std::string& text, FaultOrder* order, std::string* er
     order->command = static_cast<uint8_t>(number);
   }
   if (times) {
-    if (!ReadNumber(*times, &number) || number == 0) {
+    if (!ReadTimes(*times, order)) {
       return Fail(error, "\"#" + *times + "\" is not a number of times from 1 up");
     }
-    order->times = number;
   }
   return true;
 }
@@ -158,6 +172,10 @@ std::optional<uint32_t> FaultBox::Strike(Fault fault, uint8_t command,
       continue;
     }
     if (order.command && *order.command != command) {
+      continue;
+    }
+    if (order.spared > 0) {
+      --order.spared;
       continue;
     }
     if (order.times) {

@@ -48,15 +48,16 @@ struct FaultMode {
 /// All fault modes, one for every enumerator, in the order of the enumeration.
 const std::vector<FaultMode>& FaultModes();
 
-/// One fault that was asked for: "NAME[=ARG][@CMD][#TIMES]".
+/// One fault that was asked for: "NAME[=ARG][@CMD][#TIMES]"; TIMES is a number, or "FROM-TO".
 struct FaultOrder {
   Fault fault = Fault::kDrop;
   uint32_t argument = 0;
   std::optional<uint8_t> command;  ///< only requests with this command code
   std::optional<uint32_t> times;   ///< only this many times; without it, always
+  uint32_t spared = 0;             ///< so many requests go unharmed first
 };
 
-/// Reads one --fault argument. CMD is decimal or, with "0x", hexadecimal; TIMES is at least 1.
+/// Reads one --fault argument. CMD is decimal or, with "0x", hexadecimal; TIMES counts from 1.
 /// Returns false with a sentence in *error for an unknown name, a missing, superfluous or
 ///         unsuitable argument, a command above 255, or a limit on "silent-after", which counts
 ///         all requests; *order is then unspecified.

@@ -1,0 +1,32 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "variables/command_code.h"
+#include "variables/config_parser.h"
+
+/// Variables that stand for something a lidar hands out whole: a log, its configuration. Their
+/// value is never shown; they are saved to files.
+
+/// The log of what the lidar's software did, which comes in four parts.
+inline constexpr char kOperationLog[] = "Operation Log";
+/// The lidar's configuration as one file.
+inline constexpr char kConfigFile[] = "Config File";
+
+/// The variables that the table's "log" directives name, in the order of the directives, each once.
+/// Appends a sentence to *faults (may be null) for each name that is no variable which can be asked
+/// for. The operation log is none of them: it has its own download.
+std::vector<const VarInfo*> OfferedLogs(const ConfigParser& table,
+                                        std::vector<std::string>* faults);
+
+/// The request for what `var` stands for: its read command, or its write command where it has no
+/// other, as a long command with its "SetCmdPayload". Throws std::invalid_argument when both are
+/// empty ("Can not find " + `called` + " command") or the text is no command.
+WireCommand DownloadRequestOf(const VarInfo& var, const std::string& called);
+
+/// The same for the variable named `name`. Throws std::invalid_argument "Can not find " + `called`
+/// + " name" when the table has none.
+WireCommand DownloadRequestOf(const ConfigParser& table, const std::string& name,
+                              const std::string& called);
