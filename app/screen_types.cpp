@@ -3,6 +3,7 @@
 #include <QtQml>
 
 #include "clipboard.h"
+#include "download_watch.h"
 #include "input_rules.h"
 #include "log_filter.h"
 #include "log_lines.h"
@@ -19,6 +20,7 @@ void RegisterScreenTypes() {
   qmlRegisterType<Clipboard>("Tevron", 1, 0, "Clipboard");
   qmlRegisterSingletonType<InputRules>("Tevron", 1, 0, "InputRules",
                                        [](QQmlEngine*, QJSEngine*) { return new InputRules; });
+  qmlRegisterType<DownloadWatch>("Tevron", 1, 0, "DownloadWatch");
   qmlRegisterType<SerialPortList>("Tevron", 1, 0, "SerialPortList");
   qmlRegisterType<UdpWatch>("Tevron", 1, 0, "UdpWatch");
   qmlRegisterType<UpgradeChoice>("Tevron", 1, 0, "UpgradeChoice");

@@ -4,7 +4,9 @@
 #include <gtest/gtest.h>
 
 #include <QClipboard>
+#include <QDir>
 #include <QGuiApplication>
+#include <QTemporaryDir>
 #include <QTest>
 
 #include "app/screen.h"
@@ -180,6 +182,45 @@ TEST_F(ScreensTest, ShowsAnotherModelsPages) {
   screen_.TypeInto("hostPortField", "80");
   EXPECT_EQ(screen_.Value("hostPortField", "problem").toString(),
             "Host port must be in [1024, 65535]");
+}
+
+TEST(LogsTest, AreSavedWhileTheWindowGoesOnWorking) {
+  Screen screen;
+  const VirtualLidarProcess lidar({"--log-size", "600000", "--fault", "drip=100@0xFF#2-2"});
+  const QTemporaryDir root;
+  const QString folder = root.path() + "/a #1";
+  screen.Click("logsButton");
+  ASSERT_NE(screen.Find("logsPanel"), nullptr);
+  EXPECT_EQ(screen.Find("pageRows"), nullptr);
+  screen.TypeInto("logsFolder", folder);
+  screen.Key(Qt::Key_Return);
+  EXPECT_EQ(screen.Text("logsFolderProblem"), "There is no such folder. Choose another one.");
+  ASSERT_TRUE(QDir().mkdir(folder));
+  screen.TypeInto("logsFolder", folder + '/');
+  screen.Key(Qt::Key_Return);
+  EXPECT_EQ(screen.Text("logsObstacle"), "Connect to the lidar first.");
+  EXPECT_FALSE(screen.Find("logsDownload_Event Log")->isEnabled());
+
+  ASSERT_TRUE(screen.ConnectTo(lidar.port()));
+  screen.Click("logsDownload_Event Log");
+  ASSERT_TRUE(WaitFor([&] { return screen.Text("logsNote_Event Log").startsWith("Saved at "); }));
+  EXPECT_EQ(QDir(folder).entryList(QDir::Files).filter("Event Log_").size(), 1);
+  ASSERT_TRUE(screen.WaitForBox("Event Log download successful."));
+  ASSERT_TRUE(screen.CloseBox());
+
+  screen.Click("logsDownload_Operation Log");
+  ASSERT_TRUE(WaitFor([&] {
+    return screen.Text("logsProgress").startsWith("Part 1 of 4: ") &&
+           screen.Text("logsProgress").endsWith(" of 585.9 KiB");
+  }));
+  EXPECT_FALSE(screen.Find("connectButton")->isEnabled());
+  EXPECT_FALSE(screen.Find("logsDownload_Event Log")->isEnabled());
+  screen.Click("logsCancel");
+  ASSERT_TRUE(WaitFor([&] { return screen.Text("logsNote_Operation Log") == "Cancelled"; }));
+  EXPECT_TRUE(screen.Find("connectButton")->isEnabled());
+  screen.Click("tab0");
+  EXPECT_EQ(screen.Find("logsPanel"), nullptr);
+  EXPECT_NE(screen.Find("pageRows"), nullptr);
 }
 
 TEST(ForeignLidarTest, IsWarnedAbout) {

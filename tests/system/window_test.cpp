@@ -112,12 +112,12 @@ TEST_F(WindowTest, WritesATypedValueToTheLidarAndLeavesASilentOneAtOnce) {
   ASSERT_TRUE(WaitFor([&] { return lidar_->Output().contains("request 0x02"); }));
   ASSERT_EQ(lidar_->Held("Minimum Distance"), "20");
 
-  // From the first tab two to the right to "Scan", and from there nine fields on.
+  // From the first tab two to the right to "Scan", and from there nine fields on, behind "Logs".
   Click(55, 99);
   XDoTool({"key", "Right", "Right"});
   ASSERT_TRUE(WaitFor([&] { return lidar_->Output().contains("request 0x11"); }));
   QStringList keys{"key"};
-  for (int field = 0; field < 9; ++field) {
+  for (int stop = 0; stop < 10; ++stop) {
     keys << "Tab";
   }
   XDoTool(keys);

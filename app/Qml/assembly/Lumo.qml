@@ -194,6 +194,17 @@ FocusScope {
                     screen.manager.LumoSetBaudRateFromUI(rate))
             }
 
+            LumoCalibration {
+                id: calibration
+
+                visible: screen.modelName.startsWith("Lumo")
+                obstacle: screen.notReady
+                onSaveWanted: screen.run(qsTr("Reading the calibration…"), () => {
+                    screen.manager.LumoGetCorrection(folder);
+                    calibration.lookAtFolder();
+                })
+            }
+
             LumoSafety {
                 id: safety
 

@@ -23,6 +23,7 @@ Item {
 
     // Edits belong to the page they were made on: another page starts without any.
     function selectTab(tab) {
+        logsButton.checked = false;
         manager.ClearSetMap();
         manager.setModuleIndexUse(tab);
         manager.GetLidarModuleInfo(tab);
@@ -54,12 +55,30 @@ Item {
 
         objectName: "pageTabs"
         anchors.left: parent.left
-        anchors.right: parent.right
+        anchors.right: logsButton.left
         anchors.leftMargin: Theme.gap
         anchors.rightMargin: Theme.gap
         visible: area.network
+        resting: logs.visible
         marked: page.hasEdits ? [area.currentTab] : []
         onSelected: area.selectTab(index)
+        onClicked: logsButton.checked = false
+    }
+
+    DefaultToolButton {
+        id: logsButton
+
+        objectName: "logsButton"
+        anchors.right: parent.right
+        anchors.rightMargin: Theme.gap
+        anchors.verticalCenter: tabs.verticalCenter
+        visible: area.network && logs.offersAny
+        width: visible ? implicitWidth : 0
+        checkable: true
+        text: logs.running ? qsTr("Logs…") : qsTr("Logs")
+        hint: qsTr("Download the logs of the lidar")
+        Keys.onReturnPressed: toggle()
+        Keys.onEnterPressed: toggle()
     }
 
     PageView {
@@ -70,13 +89,22 @@ Item {
         anchors.left: parent.left
         anchors.right: parent.right
         anchors.bottom: parent.bottom
-        visible: area.network
+        visible: area.network && !logs.visible
         manager: area.manager
         tab: area.currentTab
         upgrade: area.upgrade
         title: tabs.titles.length > area.currentTab ? tabs.titles[area.currentTab] : ""
         onRefused: area.refused(reason)
         onConfirmationWanted: area.confirmationWanted(names)
+    }
+
+    LogsPanel {
+        id: logs
+
+        objectName: "logsPanel"
+        anchors.fill: page
+        visible: area.network && offersAny && logsButton.checked
+        manager: area.manager
     }
 
     Loader {

@@ -9,15 +9,19 @@ import "../theme"
 // titles           the texts, in order
 // currentIndex     the selected tab; set it to select without `selected`
 // marked           indices of the tabs that hold edits not saved yet
+// resting          something else than the selected tab is in view
 // selected(index)  the user selected a tab
+// clicked()        the user clicked a tab, the selected one too
 FocusScope {
     id: tabs
 
     property var titles: []
     property int currentIndex: 0
     property var marked: []
+    property bool resting: false
 
     signal selected(int index)
+    signal clicked()
 
     function select(index) {
         if (index < 0 || index >= titles.length || index === currentIndex)
@@ -66,7 +70,7 @@ FocusScope {
         delegate: T.TabButton {
             id: tab
 
-            readonly property bool current: index === tabs.currentIndex
+            readonly property bool current: index === tabs.currentIndex && !tabs.resting
 
             objectName: "tab" + index
             implicitWidth: caption.implicitWidth + 2 * Theme.gapWide
@@ -78,6 +82,7 @@ FocusScope {
             text: modelData
             onClicked: {
                 tabs.forceActiveFocus(Qt.MouseFocusReason);
+                tabs.clicked();
                 tabs.select(index);
             }
 

@@ -1,0 +1,76 @@
+import QtQuick 2.15
+import QtQuick.Layouts 1.15
+import Qt.labs.platform 1.1 as Platform
+import Tevron 1.0
+import "../controls"
+import "../theme"
+
+// The folder that files are saved to: typed or chosen, and opened in the system's own window.
+//
+// watch   the DownloadWatch that keeps it
+ColumnLayout {
+    id: chooser
+
+    property DownloadWatch watch
+
+    spacing: Theme.gapTiny
+
+    PlainText {
+        text: qsTr("Folder")
+        font: Theme.captionFont
+        color: Theme.quietTextColor
+    }
+
+    RowLayout {
+        spacing: Theme.gap
+
+        DefaultTextField {
+            objectName: "logsFolder"
+            Layout.fillWidth: true
+            label: qsTr("Folder that the files are saved to")
+            hint: label
+            value: chooser.watch.folder
+            problem: chooser.watch.folderProblem
+            onCommitted: {
+                chooser.watch.ChooseFolder(text);
+                revert();
+            }
+        }
+        DefaultButton {
+            objectName: "logsChooseFolder"
+            text: qsTr("Choose…")
+            hint: qsTr("Choose the folder that the files are saved to")
+            onClicked: dialog.open()
+        }
+        DefaultButton {
+            objectName: "logsOpenFolder"
+            text: qsTr("Open")
+            hint: qsTr("Show the folder in the system's file window")
+            enabled: chooser.watch.folderProblem.length === 0
+            onClicked: {
+                if (chooser.watch.LookAtFolder())
+                    Qt.openUrlExternally(chooser.watch.folderUrl);
+            }
+        }
+    }
+
+    PlainText {
+        objectName: "logsFolderProblem"
+        Layout.fillWidth: true
+        visible: text.length > 0
+        text: chooser.watch.folderProblem
+        font: Theme.captionFont
+        color: Theme.errorColor
+        wrapMode: Text.Wrap
+        Accessible.role: Accessible.AlertMessage
+        Accessible.name: text
+    }
+
+    Platform.FolderDialog {
+        id: dialog
+
+        title: qsTr("Choose the folder that the files are saved to")
+        folder: chooser.watch.folderUrl
+        onAccepted: chooser.watch.ChooseFolder(folder.toString())
+    }
+}
