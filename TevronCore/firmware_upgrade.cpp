@@ -285,7 +285,7 @@ void FirmwareUpgrade::TakeReturn(LidarSession::Return outcome) {
 
 void FirmwareUpgrade::Conclude(const UpgradeReadBack& read_back) {
   const UpgradeOutcome outcome =
-      OutcomeOf(result_, shown_.version_before, read_back, set_up_.waits.lidar_returns);
+      OutcomeOf(result_, shown_.version_before, read_back, set_up_.waits.lidar_returns.returns);
   for (UpgradeStep& step : shown_.steps) {
     if (step.state == UpgradeStepState::kRunning) {
       step.state = outcome.failed ? UpgradeStepState::kFailed : UpgradeStepState::kDone;

@@ -53,11 +53,11 @@ bool LidarSession::Connect(const ConnectionSettings& settings) {
     Disconnect();
   }
   settings_ = settings;
-  StartAttempt({});
+  StartAttempt(std::nullopt);
   return true;
 }
 
-void LidarSession::StartAttempt(std::chrono::milliseconds patience) {
+void LidarSession::StartAttempt(std::optional<RestartPatience> patience) {
   ++*number_;
   connecting_ = true;
   const std::shared_ptr<UserReport> report = ReportOfNow();
@@ -72,8 +72,7 @@ void LidarSession::StartAttempt(std::chrono::milliseconds patience) {
       ConnectAttempt::Handlers{Later(&LidarSession::EndAttempt), Later(&LidarSession::Lose)});
 }
 
-void LidarSession::AwaitReturn(std::chrono::milliseconds patience,
-                               std::function<void(Return)> ended) {
+void LidarSession::AwaitReturn(const RestartPatience& patience, std::function<void(Return)> ended) {
   Disconnect();
   if (connecting_ || state_.connected) {
     return ended(Return::kGivenUp);  // a handler has begun something else

@@ -3,6 +3,7 @@
 #include <chrono>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -69,10 +70,10 @@ class LidarSession {
   /// How waiting for a lidar that restarts has ended.
   enum class Return { kBack, kNotBack, kGivenUp };
   /// Ends the connection, whose lidar restarts, and connects to it again with the same settings,
-  /// all without a message: the lidar has until `patience` is over to answer. connecting() is true
+  /// all without a message: the lidar has the time of `patience` to answer. connecting() is true
   /// meanwhile. `ended` is told once: kGivenUp when Stop, another attempt or another model came
   /// between. Not told on destruction.
-  void AwaitReturn(std::chrono::milliseconds patience, std::function<void(Return)> ended);
+  void AwaitReturn(const RestartPatience& patience, std::function<void(Return)> ended);
 
   /// Ends attempt and connection in any state, and says so in the log.
   void Stop();
@@ -132,7 +133,7 @@ class LidarSession {
   std::function<void(Args...)> Later(void (LidarSession::*handler)(Args...));
   std::shared_ptr<UserReport> ReportOfNow() const;
 
-  void StartAttempt(std::chrono::milliseconds patience);
+  void StartAttempt(std::optional<RestartPatience> patience);
   void EndAttempt();
   void TellReturn(Return outcome);
   void Adopt(std::shared_ptr<Connection> connection);

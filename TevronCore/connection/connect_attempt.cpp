@@ -26,8 +26,6 @@ constexpr uint8_t kProtocolVersion = 1;
 constexpr uint32_t kExchangeTimeoutMs = 500;
 constexpr float kConnectTimeLimitS = 5.0F;
 
-/// A lidar that restarts may still answer before it goes down.
-constexpr std::chrono::milliseconds kRestartBegins{1000};
 constexpr std::chrono::milliseconds kRetryPause{500};
 
 constexpr char kOpenFailed[] = "TCP connection failed.";
@@ -52,7 +50,8 @@ ConnectAttempt::ConnectAttempt(ConnectRequest request, std::shared_ptr<UserRepor
     : request_(std::move(request)),
       report_(IsPatient() ? std::make_shared<QuietReport>(std::move(report)) : std::move(report)),
       handlers_(std::move(handlers)),
-      patience_ends_(std::chrono::steady_clock::now() + request_.keep_trying_for),
+      patience_ends_(std::chrono::steady_clock::now() +
+                     request_.patience.value_or(RestartPatience{}).returns),
       thread_([this] { Run(); }) {}
 
 ConnectAttempt::~ConnectAttempt() {
@@ -86,7 +85,7 @@ std::shared_ptr<Connection> ConnectAttempt::TakeConnection() {
 
 std::shared_ptr<Connection> ConnectAttempt::AwaitLidar() {
   std::shared_ptr<Connection> connection;
-  std::chrono::milliseconds pause = kRestartBegins;
+  std::chrono::milliseconds pause = request_.patience->leaves;
   while (connection == nullptr && !stop_.WaitFor(pause) &&
          std::chrono::steady_clock::now() < patience_ends_) {
     connection = Connect();

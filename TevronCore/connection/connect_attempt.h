@@ -4,12 +4,14 @@
 #include <functional>
 #include <memory>
 #include <mutex>
+#include <optional>
 #include <string>
 #include <thread>
 
 #include "CmxClient/log_sink.h"
 #include "connection/connection.h"
 #include "connection/connection_settings.h"
+#include "connection/restart_patience.h"
 #include "console/byte_flow.h"
 #include "session/lidar_model.h"
 #include "session/stop_signal.h"
@@ -22,9 +24,8 @@ struct ConnectRequest {
   bool auto_receive = true;                         ///< handed to the network client
   std::shared_ptr<ByteFlow> byte_flow;              ///< shows the bytes of every exchange
   std::shared_ptr<kavel::lidar::LogSink> auth_log;  ///< gets the lines of the authentication
-  /// Above zero: the lidar restarts. It is left alone for a second, and then tried again and again
-  /// until it answers or this time is over. What fails meanwhile is no failure: only the log tells.
-  std::chrono::milliseconds keep_trying_for{0};
+  /// Set: the lidar restarts. What fails meanwhile is no failure: only the log tells.
+  std::optional<RestartPatience> patience;
 };
 
 /// One attempt to connect to a lidar, on a thread of its own. The model decides how: over the
@@ -61,7 +62,7 @@ class ConnectAttempt {
   void Run();
   std::shared_ptr<Connection> AwaitLidar();
   std::shared_ptr<Connection> Connect();
-  bool IsPatient() const { return request_.keep_trying_for.count() > 0; }
+  bool IsPatient() const { return request_.patience.has_value(); }
   float ConnectTimeLimitS() const;
   std::shared_ptr<Connection> ConnectNetwork();
   std::shared_ptr<Connection> ConnectSerialPair();

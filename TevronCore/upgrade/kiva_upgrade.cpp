@@ -118,9 +118,9 @@ class KivaUpgrade {
     Log()("Kiva upgrade: sending " + planned.name + " (type=0x0" + std::to_string(planned.type) +
           ", size=" + std::to_string(planned.image.size()) + ")");
     work_.step(planned.name, UpgradeStepState::kRunning);
-    const int32_t reason =
-        kavel::lidar::StreamFirmware(line_, planned.image, planned.type,
-                                     kavel::lidar::AfterImage::kStay, &work_.progress->done_kib);
+    const int32_t reason = kavel::lidar::StreamFirmware(
+        line_, planned.image, planned.type, kavel::lidar::AfterImage::kStay,
+        &work_.progress->done_kib, work_.waits.stream_piece_ms);
     end_kib_ += KibOf(planned.image);
     if (reason != 0) {
       work_.step(planned.name, UpgradeStepState::kFailed);

@@ -80,7 +80,7 @@ UpgradeResult SendPieces(UpgradeWork& work, const char* command_text) {
   int32_t reason = 0;
   const int32_t sent =
       kavel::lidar::TransferFile(*work.connection->sender(), work.image, command.code, false,
-                                 &work.progress->done_kib, &reason);
+                                 &work.progress->done_kib, &reason, work.waits.file_piece_ms);
   if (!Conclude(work, sent, kSentRestartFollows, kNotSent)) {
     UpgradeResult result;
     const bool is_last = work.progress->done_kib >= KibOf(work.image);
@@ -97,9 +97,9 @@ int32_t Stream(UpgradeWork& work) {
   kavel::lidar::SerialClient& line = *work.connection->serial();
   int32_t reason = EnterUpgradeMode(line);
   if (reason == 0) {
-    reason =
-        kavel::lidar::StreamFirmware(line, work.image, kavel::lidar::kApplicationImage,
-                                     kavel::lidar::AfterImage::kRestart, &work.progress->done_kib);
+    reason = kavel::lidar::StreamFirmware(line, work.image, kavel::lidar::kApplicationImage,
+                                          kavel::lidar::AfterImage::kRestart,
+                                          &work.progress->done_kib, work.waits.stream_piece_ms);
   }
   if (reason != 0) {
     LeaveUpgradeMode(line, *work.report);

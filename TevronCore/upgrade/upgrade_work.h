@@ -8,7 +8,10 @@
 #include <string>
 #include <vector>
 
+#include "CmxClient/file_transfer.h"
+#include "CmxClient/firmware_stream_client.h"
 #include "connection/connection.h"
+#include "connection/restart_patience.h"
 #include "session/lidar_model.h"
 #include "session/link_state.h"
 #include "session/stop_signal.h"
@@ -20,7 +23,10 @@ struct UpgradeWaits {
   std::chrono::milliseconds begin{300};       ///< before anything is sent
   std::chrono::milliseconds partition{3000};  ///< from the partition query to the first component
   std::chrono::milliseconds reboot{10000};    ///< from a network transfer to the restart
-  std::chrono::milliseconds lidar_returns{60000};  ///< the longest wait for the lidar
+  RestartPatience lidar_returns{};            ///< for the lidar after it
+  /// For the answer to a piece, by either way.
+  uint32_t file_piece_ms = kavel::lidar::kFilePieceTimeoutMs;
+  uint32_t stream_piece_ms = kavel::lidar::kStreamAnswerMs;
 };
 
 /// The steps that every upgrade has, by the names that the user sees.

@@ -5,13 +5,13 @@
 namespace kavel::lidar {
 namespace {
 
-constexpr uint32_t kPieceTimeoutMs = 60000;
 constexpr uint8_t kLongCommand = 0xFF;
 
 }  // namespace
 
 int32_t TransferFile(CommandSender& sender, const std::vector<uint8_t>& data, uint32_t code,
-                     bool long_command, std::atomic<int>* progress, int32_t* error) {
+                     bool long_command, std::atomic<int>* progress, int32_t* error,
+                     uint32_t timeout_ms) {
   int32_t ignored = 0;
   int32_t& reason = error != nullptr ? *error : ignored;
   const uint8_t cmd = long_command ? kLongCommand : static_cast<uint8_t>(code);
@@ -24,7 +24,7 @@ int32_t TransferFile(CommandSender& sender, const std::vector<uint8_t>& data, ui
       *progress = static_cast<int>(number);
     }
     const std::vector<uint8_t> piece = BuildFilePiece(data, number);
-    outcome = sender.QueryWithin(kPieceTimeoutMs, piece, answer, cmd, &reason);
+    outcome = sender.QueryWithin(timeout_ms, piece, answer, cmd, &reason);
   }
   return outcome;
 }

@@ -16,7 +16,6 @@ namespace {
 using Clock = std::chrono::steady_clock;
 using std::chrono::milliseconds;
 
-constexpr milliseconds kAnswerTime{2000};
 constexpr uint64_t kBitTimesPerByte = 10;
 constexpr uint64_t kAnswerBytes = kOtaUncounted + 8;
 constexpr size_t kBytesPerKib = 1024;
@@ -24,12 +23,13 @@ constexpr size_t kBytesPerKib = 1024;
 class FirmwareStreamer {
  public:
   FirmwareStreamer(SerialClient& line, const std::vector<uint8_t>& image, uint8_t component,
-                   std::atomic<int>* progress)
+                   std::atomic<int>* progress, milliseconds answer_time)
       : line_(line),
         image_(image),
         description_(DescribeImage(component, image)),
         progress_(progress),
-        progress_before_(progress != nullptr ? progress->load() : 0) {}
+        progress_before_(progress != nullptr ? progress->load() : 0),
+        answer_time_(answer_time) {}
 
   int32_t Run(AfterImage then) {
     int32_t code = Ask(kCmdStreamBegin, BuildStreamBegin(description_));
@@ -58,6 +58,7 @@ class FirmwareStreamer {
   const StreamImage description_;
   std::atomic<int>* const progress_;
   const int progress_before_;
+  const milliseconds answer_time_;
   size_t acknowledged_bytes_ = 0;
   bool is_repeated_ = false;  ///< the last request outside the window was sent more than once
   // Everything up to the last answer is through the line; the rest may still be on it.
@@ -77,7 +78,7 @@ int32_t FirmwareStreamer::Ask(uint8_t cmd, const std::vector<uint8_t>& payload) 
     }
     is_sending[frame] = true;
     is_repeated_ = sending > 0;
-    const Clock::time_point due = Clock::now() + LineTime() + kAnswerTime;
+    const Clock::time_point due = Clock::now() + LineTime() + answer_time_;
     OtaAnswer answer;
     while (Clock::now() < due && line_.Receive(&answer, due)) {
       Settle(answer.number);
@@ -111,7 +112,7 @@ int32_t FirmwareStreamer::SendPieces() {
       code = SendPiece(window, number);
     } else if (line_.Receive(&answer, window.NextDue())) {
       code = TakeAnswer(window, answer);
-      Expire(window, Clock::now() - kAnswerTime);
+      Expire(window, Clock::now() - answer_time_);
     } else if (!line_.IsOpen()) {
       code = kNotConnected;
     } else {
@@ -138,7 +139,7 @@ int32_t FirmwareStreamer::SendPiece(StreamWindow& window, uint32_t number) {
   if (!Send(kCmdStreamPiece, BuildStreamPiece(description_.component, image_, number), &frame)) {
     return Broken();
   }
-  window.Sent(number, frame, Clock::now() + LineTime() + kAnswerTime);
+  window.Sent(number, frame, Clock::now() + LineTime() + answer_time_);
   return 0;
 }
 
@@ -170,7 +171,7 @@ void FirmwareStreamer::CountAcknowledged(uint32_t number) {
 
 bool FirmwareStreamer::Send(uint8_t cmd, const std::vector<uint8_t>& payload, uint8_t* frame) {
   sent_bytes_ += payload.size() + kOtaRequestOverhead;
-  const milliseconds stall = LineTime() + kAnswerTime;
+  const milliseconds stall = LineTime() + answer_time_;
   *frame = line_.Send(cmd, payload, static_cast<uint32_t>(stall.count()));
   if (*frame == kOtaUnnumbered) {
     return false;
@@ -199,14 +200,16 @@ int32_t FirmwareStreamer::Broken() const {
 }  // namespace
 
 int32_t StreamFirmware(SerialClient& line, const std::vector<uint8_t>& image,
-                       uint8_t component_type, AfterImage then, std::atomic<int>* progress) {
+                       uint8_t component_type, AfterImage then, std::atomic<int>* progress,
+                       uint32_t answer_ms) {
   if (!IsStreamable(component_type, image.size())) {
     return kBadArgument;
   }
   if (!line.IsOpen()) {
     return kNotConnected;
   }
-  const int32_t code = FirmwareStreamer(line, image, component_type, progress).Run(then);
+  const int32_t code =
+      FirmwareStreamer(line, image, component_type, progress, milliseconds(answer_ms)).Run(then);
   if (code != 0) {
     KAVEL_LOG(kWarning, "the firmware stream ended with %d", code);
   }

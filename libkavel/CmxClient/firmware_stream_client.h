@@ -9,6 +9,9 @@
 
 namespace kavel::lidar {
 
+/// How long the device has for an answer, beside what the line needs.
+inline constexpr uint32_t kStreamAnswerMs = 2000;
+
 /// Sends one firmware image over a serial line to a device in upgrade mode, as
 /// docs/wire-formats.md ("Firmware stream") tells, and returns when the device has taken it.
 ///
@@ -20,12 +23,13 @@ namespace kavel::lidar {
 /// image, one above kStreamMaxImage or an unknown component, with nothing sent; kNotConnected when
 /// the line is not open, or was lost or interrupted meanwhile, which ends it at once;
 /// kSendIncomplete when the port takes no more bytes; kNoReply when one request had no answer in
-/// four attempts. With all KiB acknowledged kNoReply and kNotConnected leave it open whether the
-/// device has taken the image: only the very last answer was missing.
+/// four attempts of `answer_ms` each. With all KiB acknowledged kNoReply and kNotConnected leave it
+/// open whether the device has taken the image: only the very last answer was missing.
 ///
 /// Runs on the caller's thread and has the line for itself meanwhile: see SerialClient::Lease.
 /// Takes no memory beside that of a few pieces.
 int32_t StreamFirmware(SerialClient& line, const std::vector<uint8_t>& image,
-                       uint8_t component_type, AfterImage then, std::atomic<int>* progress);
+                       uint8_t component_type, AfterImage then, std::atomic<int>* progress,
+                       uint32_t answer_ms = kStreamAnswerMs);
 
 }  // namespace kavel::lidar

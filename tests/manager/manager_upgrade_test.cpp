@@ -3,13 +3,13 @@
 #include <QSignalSpy>
 #include <chrono>
 
-#include "firmware_upgrade.h"
 #include "manager_fixture.h"
-#include "support/recorded_report.h"
+#include "support/upgrade_bench.h"
 
 namespace {
 
 using Lines = std::vector<std::string>;
+
 using std::chrono::milliseconds;
 
 constexpr char kSent[] =
@@ -17,81 +17,13 @@ constexpr char kSent[] =
 constexpr char kFailed[] = "error: Upgrade package transfer failed or is terminated.";
 constexpr char kNoReboot[] = "error: Auto reboot failed. Please reboot lidar manually.";
 
-/// Firmware for the virtual lidar, made on the spot.
-class Firmware {
- public:
-  QUrl For(const QString& model, const QString& version, int kib = 8) const {
-    const QString path = folder_.filePath(model + version + ".patch");
-    VirtualLidarProcess::MakeFirmware(model, version, path, kib);
-    return QUrl::fromLocalFile(path);
-  }
-  QUrl Of(const QByteArray& bytes) const {
-    QFile file(folder_.filePath("other.patch"));
-    EXPECT_TRUE(file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size());
-    return QUrl::fromLocalFile(file.fileName());
-  }
-
- private:
-  QTemporaryDir folder_;
-};
-
-/// A session with an upgrade beside it, as a program without screens has them, and with waits that
-/// a test can afford.
-class UpgradeBench {
- public:
-  UpgradeBench(const QString& model, const VirtualLidarProcess& lidar)
-      : session({post_, report_, true, std::make_shared<ByteFlow>(report_), Handlers()}),
-        upgrade({post_,
-                 report_,
-                 session,
-                 [this] {
-                   report_.LogLine(session.state().upgrading ? "begins" : "ends", LogType::kCmx);
-                 },
-                 {milliseconds(1), milliseconds(1), milliseconds(50), milliseconds(4000)}}) {
-    session.SetModel(LoadLidarModel("./Config/varID/" + model.toStdString() + ".csv"));
-    ConnectionSettings settings;
-    settings.lidar_ip = "127.0.0.1";
-    settings.command_port = std::to_string(lidar.port());
-    settings.serial_port_485 = lidar.SerialPort("485").toStdString();
-    settings.serial_port_232 = lidar.SerialPort("232").toStdString();
-    EXPECT_TRUE(session.Connect(settings));
-    EXPECT_TRUE(WaitFor([this] { return !session.connecting() && !session.reading_facts(); }));
-    EXPECT_TRUE(session.state().connected);
-    report_.Take();
-  }
-  int Start(const QUrl& file, bool as_package) {
-    return as_package ? upgrade.StartPackage(file) : upgrade.Start(file);
-  }
-  bool Ends() {
-    return WaitFor([this] { return !upgrade.Now().running; });
-  }
-  /// The boxes, the begin and the end of the transfer, and the lines that begin with `also`.
-  Lines Told(const QString& also = "CMX: [be]") {
-    Lines told;
-    for (const std::string& line : report_.Take()) {
-      const QRegularExpression wanted("^(error|success|CMX: begins|CMX: ends|" + also + ")");
-      if (wanted.match(QString::fromStdString(line)).hasMatch()) {
-        told.push_back(line.rfind("CMX: ", 0) == 0 ? line.substr(5) : line);
-      }
-    }
-    return told;
-  }
-
- private:
-  static LidarSession::Handlers Handlers() {
-    const auto nothing = [] {};
-    return {nothing, nothing, nothing, nothing, nothing, nothing};
-  }
-  QObject context_;
-  const Post post_ = [this](std::function<void()> task) {
-    QMetaObject::invokeMethod(&context_, std::move(task), Qt::QueuedConnection);
-  };
-  RecordedReport report_;
-
- public:
-  LidarSession session;
-  FirmwareUpgrade upgrade;
-};
+UpgradeWaits ShortWaits() {
+  UpgradeWaits waits;
+  waits.begin = waits.partition = milliseconds(1);
+  waits.reboot = milliseconds(50);
+  waits.lidar_returns.returns = milliseconds(4000);
+  return waits;
+}
 
 class UpgradeTest : public testing::Test {
  protected:
@@ -191,7 +123,7 @@ TEST_F(UpgradeTest, TellsWhatWasSentAndWhatTheLidarRunsAfterwards) {
       arguments << "--fault" << fault;
     }
     const VirtualLidarProcess lidar(arguments);
-    UpgradeBench bench(c.model, lidar);
+    UpgradeBench bench(c.model, lidar, ShortWaits());
     ASSERT_EQ(bench.Start(firmware_.For(c.image_for, "2.8.0"), c.as_package), 0);
     ASSERT_TRUE(bench.Ends());
     const UpgradeSnapshot end = bench.upgrade.Now();
@@ -211,7 +143,7 @@ TEST_F(UpgradeTest, TellsWhatWasSentAndWhatTheLidarRunsAfterwards) {
 
 TEST_F(UpgradeTest, SaysWhatAKivaIsSentAndTellsTheVersionThatCameBack) {
   const VirtualLidarProcess lidar({"--model", "Kiva-CMX"});
-  UpgradeBench bench("Kiva-CMX", lidar);
+  UpgradeBench bench("Kiva-CMX", lidar, ShortWaits());
   const QUrl file = firmware_.For("Kiva-CMX", "2.8.0");
   const QString about_kiva = "INFO: (Kiva|restore)";
   ASSERT_EQ(bench.Start(file, true), 0);
@@ -243,8 +175,8 @@ TEST_F(UpgradeTest, SaysWhatAKivaIsSentAndTellsTheVersionThatCameBack) {
 TEST_F(UpgradeTest, ALidarThatStaysAwayOrIsLetGoIsToldAsThat) {
   const QUrl file = firmware_.For("Orca", "2.8.0");
   for (const bool user_stops : {false, true}) {
-    VirtualLidarProcess lidar({"--restart-time", "600000"});
-    UpgradeBench bench("Orca", lidar);
+    const VirtualLidarProcess lidar({"--restart-time", "600000"});
+    UpgradeBench bench("Orca", lidar, ShortWaits());
     ASSERT_EQ(bench.Start(file, false), 0);
     ASSERT_TRUE(WaitFor([&] { return bench.session.connecting(); }));
     EXPECT_FALSE(bench.session.state().upgrading);
@@ -285,7 +217,7 @@ TEST_F(UpgradeTest, EndsInTimeInEveryState) {
     SCOPED_TRACE(std::string(state.model) + " " + state.fault);
     const VirtualLidarProcess lidar(
         {"--model", state.model, "--fault", state.fault, "--restart-time", "600000"});
-    auto bench = std::make_unique<UpgradeBench>(state.model, lidar);
+    auto bench = std::make_unique<UpgradeBench>(state.model, lidar, ShortWaits());
     const QString model = state.model;
     ASSERT_EQ(bench->Start(firmware_.For(model, "2.8.0"), model == "Kiva-CMX"), 0);
     ASSERT_TRUE(WaitFor([&] { return state.reached(*bench); }));

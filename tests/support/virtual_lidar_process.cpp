@@ -7,9 +7,13 @@
 
 namespace {
 
-QString FirstMatch(const QString& pattern, const QString& text) {
+QString LastMatch(const QString& pattern, const QString& text) {
   const QRegularExpression expression(pattern, QRegularExpression::MultilineOption);
-  return expression.match(text).captured(1);
+  QString last;
+  for (auto matches = expression.globalMatch(text); matches.hasNext();) {
+    last = matches.next().captured(1);
+  }
+  return last;
 }
 
 }  // namespace
@@ -22,11 +26,10 @@ VirtualLidarProcess::VirtualLidarProcess(const QStringList& arguments, quint16 p
   process_.Start(QStringLiteral(TEVRON_VIRTUAL_LIDAR), all);
   // Its last line before the first request.
   const bool ready = process_.Prints("listening on ");
-  announced_ = Output();
   if (!ready) {
-    throw std::runtime_error("the virtual lidar is not ready: " + announced_.toStdString());
+    throw std::runtime_error("the virtual lidar is not ready: " + Output().toStdString());
   }
-  port_ = FirstMatch("^listening on 127\\.0\\.0\\.1:(\\d+)$", announced_).toUShort();
+  port_ = LastMatch("^listening on 127\\.0\\.0\\.1:(\\d+)$", Output()).toUShort();
 }
 
 void VirtualLidarProcess::MakeFirmware(const QString& model, const QString& version,
@@ -40,13 +43,18 @@ void VirtualLidarProcess::MakeFirmware(const QString& model, const QString& vers
 }
 
 QString VirtualLidarProcess::SerialPort(const QString& kind) const {
-  return FirstMatch("^serial port (?:" + kind + " )?(/\\S+)$", announced_);
+  return LastMatch("^serial port (?:" + kind + " )?(/\\S+)$", Output());
 }
 
-QString VirtualLidarProcess::Held(const QString& name, const QString& form) const {
+QJsonObject VirtualLidarProcess::State() const {
   QFile file(folder_.filePath("state.json"));
   if (!file.open(QIODevice::ReadOnly)) {
     return {};
   }
-  return QJsonDocument::fromJson(file.readAll())["variables"][name][form].toString();
+  return QJsonDocument::fromJson(file.readAll()).object();
+}
+
+QString VirtualLidarProcess::Held(const QString& name, const QString& form) const {
+  const QJsonObject variables = State()["variables"].toObject();
+  return variables[name][form].toString();
 }

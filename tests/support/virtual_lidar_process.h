@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QJsonObject>
 #include <QString>
 #include <QStringList>
 #include <QTemporaryDir>
@@ -20,11 +21,14 @@ class VirtualLidarProcess {
 
   /// The TCP port on 127.0.0.1.
   quint16 port() const { return port_; }
-  /// The serial line, or the one of the pair that is called `kind` ("485" or "232").
+  /// The serial line, or the one of the pair that is called `kind` ("485" or "232"): the one made
+  /// last, where the one before has gone.
   QString SerialPort(const QString& kind = "485") const;
 
   /// Everything printed so far.
-  QString Output() { return process_.Output(); }
+  QString Output() const { return process_.Output(); }
+  /// All that it holds, as its --dump tells it.
+  QJsonObject State() const;
   /// What it holds for the variable `name`, as its "text" or "hex"; empty when it has none.
   QString Held(const QString& name, const QString& form = "text") const;
 
@@ -35,7 +39,6 @@ class VirtualLidarProcess {
 
  private:
   QTemporaryDir folder_;
-  ChildProcess process_;
-  QString announced_;
+  mutable ChildProcess process_;  ///< collects what was printed whenever it is asked
   quint16 port_ = 0;
 };

@@ -67,6 +67,7 @@ const Row kRows[] = {
      kPiece + kUpgrade, Row::kHeld},
     {Fault::kLosePiece, "lose-piece=1", kLiveness, kUpgrade, Row::kHeld},
     {Fault::kDamagePiece, "damage-piece=1", PieceAnswer(7) + kLiveness, kUpgrade, Row::kHeld},
+    {Fault::kCloseAtPiece, "close-at-piece=1", {}, kUpgrade, Row::kHeld, Row::kHangsUp},
     {Fault::kDieAtPiece, "die-at-piece=1@0x83", {}, kUpgrade, Row::kHeld, Row::kHangsUp},
     {Fault::kSilentAfter, "silent-after=1", kLiveness, kLiveness + kSetSpeed, Row::kHeld},
 };

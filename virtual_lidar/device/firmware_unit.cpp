@@ -29,6 +29,9 @@ std::optional<std::pair<uint8_t, Aftermath>> StrikePiece(uint8_t command, uint32
   if (faults->Strike(Fault::kLosePiece, command, number)) {
     return std::pair(kAccepted, Aftermath::kNoAnswer);
   }
+  if (faults->Strike(Fault::kCloseAtPiece, command, number)) {
+    return std::pair(kAccepted, Aftermath::kHangUpUnanswered);
+  }
   if (faults->Strike(Fault::kDieAtPiece, command, number)) {
     return std::pair(kAccepted, Aftermath::kPowerCycle);
   }

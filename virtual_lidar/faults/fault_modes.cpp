@@ -112,6 +112,8 @@ const std::vector<FaultMode>& FaultModes() {
        "never sees piece N of a firmware image and does not answer it"},
       {Fault::kDamagePiece, "damage-piece", "N", 1, 65536,
        "takes piece N of a firmware image for damaged: return code 7"},
+      {Fault::kCloseAtPiece, "close-at-piece", "N", 1, 65536,
+       "closes the link at piece N of a firmware image, unanswered"},
       {Fault::kDieAtPiece, "die-at-piece", "N", 1, 65536,
        "loses its power for a moment at piece N of a firmware image, unanswered, and comes back "
        "with what it had"},

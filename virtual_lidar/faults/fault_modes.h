@@ -28,6 +28,7 @@ enum class Fault {
   kRefusePiece,
   kLosePiece,
   kDamagePiece,
+  kCloseAtPiece,
   kDieAtPiece,
   kAuthShortProbe,
   kAuthShortChallenge,
