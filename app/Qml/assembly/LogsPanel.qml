@@ -15,7 +15,6 @@ FocusScope {
     readonly property var offered: manager.logRepeaterModel
     property bool hasOperationLog: false
     readonly property bool offersAny: hasOperationLog || offered.length > 0
-    readonly property alias running: watch.running
     // What is fetched on this very thread: its row says so before the window has to wait.
     property string fetching: ""
     property bool cancelled: false

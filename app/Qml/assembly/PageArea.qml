@@ -75,7 +75,7 @@ Item {
         visible: area.network && logs.offersAny
         width: visible ? implicitWidth : 0
         checkable: true
-        text: logs.running ? qsTr("Logs…") : qsTr("Logs")
+        text: qsTr("Logs")
         hint: qsTr("Download the logs of the lidar")
         Keys.onReturnPressed: toggle()
         Keys.onEnterPressed: toggle()
