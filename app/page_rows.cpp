@@ -121,9 +121,16 @@ QVariantList PageRows::Edits() const {
   return edits;
 }
 
-bool PageRows::HasKind(int kind) const {
-  return std::any_of(rows_.begin(), rows_.end(),
-                     [kind](const Row& row) { return row.kind == kind; });
+bool PageRows::HasKind(int kind) const { return FirstOfKind(kind) != rows_.end(); }
+
+QVariantMap PageRows::LeafOfKind(int kind) const {
+  const auto row = FirstOfKind(kind);
+  return row == rows_.end() ? QVariantMap() : row->leaf;
+}
+
+std::vector<PageRows::Row>::const_iterator PageRows::FirstOfKind(int kind) const {
+  return std::find_if(rows_.begin(), rows_.end(),
+                      [kind](const Row& row) { return row.kind == kind; });
 }
 
 QVariantMap PageRows::LeafOf(const QVariantList& map, const Row& row) const {

@@ -57,6 +57,8 @@ class PageRows : public QAbstractListModel {
   Q_INVOKABLE QVariantList Edits() const;
   /// Whether a row of this kind is on the page.
   Q_INVOKABLE bool HasKind(int kind) const;
+  /// The variable of the first row of this kind as it was last taken; empty without such a row.
+  Q_INVOKABLE QVariantMap LeafOfKind(int kind) const;
 
  signals:
   void managerChanged();
@@ -72,6 +74,7 @@ class PageRows : public QAbstractListModel {
     QVariantMap leaf;
   };
 
+  std::vector<Row>::const_iterator FirstOfKind(int kind) const;
   QVariantMap LeafOf(const QVariantList& map, const Row& row) const;
   void Take(int row, const QVariantList& map);
 

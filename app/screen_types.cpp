@@ -7,7 +7,9 @@
 #include "input_rules.h"
 #include "log_filter.h"
 #include "log_lines.h"
+#include "monitor_source.h"
 #include "page_rows.h"
+#include "plot/plot_item.h"
 #include "serial_port_list.h"
 #include "udp_watch.h"
 #include "upgrade_choice.h"
@@ -25,4 +27,8 @@ void RegisterScreenTypes() {
   qmlRegisterType<UdpWatch>("Tevron", 1, 0, "UdpWatch");
   qmlRegisterType<UpgradeChoice>("Tevron", 1, 0, "UpgradeChoice");
   qmlRegisterType<UpgradeWatch>("Tevron", 1, 0, "UpgradeWatch");
+  qmlRegisterType<MonitorSource>("Tevron", 1, 0, "MonitorSource");
+  qmlRegisterType<PlotItem>("Tevron", 1, 0, "PlotItem");
+  qmlRegisterUncreatableType<PlotData>("Tevron", 1, 0, "PlotData",
+                                       "It belongs to a MonitorSource.");
 }

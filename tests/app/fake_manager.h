@@ -8,6 +8,8 @@
 #include <QVariant>
 #include <QVariantList>
 
+#include "plot/plot_data.h"
+
 /// Stands in for the manager where a screen is tested alone. It holds what a test puts into its
 /// properties, and notes every call as [name, arguments...] in `calls`.
 class FakeManager : public QObject {
@@ -20,6 +22,12 @@ class FakeManager : public QObject {
   Q_PROPERTY(bool IsUpgrading MEMBER upgrading NOTIFY isUpgradingChanged)
   Q_PROPERTY(bool IsDownloadLog MEMBER downloading NOTIFY isDownloadLogChanged)
   Q_PROPERTY(int connectType MEMBER connect_type NOTIFY connectTypeChanged)
+  Q_PROPERTY(QVariantList monitorHwVersionList MEMBER versions NOTIFY noted)
+  Q_PROPERTY(QString currentMonitorHwVersion MEMBER version NOTIFY noted)
+  Q_PROPERTY(bool monitorAutoRefresh MEMBER auto_refresh NOTIFY noted)
+  Q_PROPERTY(int monitorRecordDurationSec MEMBER duration_s NOTIFY noted)
+  Q_PROPERTY(int monitorRecordIntervalSec MEMBER interval_s NOTIFY noted)
+  Q_PROPERTY(bool isMonitorRecording MEMBER recording NOTIFY noted)
   // What the methods below answer, and the angles that a reading brings.
   Q_PROPERTY(QString pn MEMBER pn NOTIFY noted)
   Q_PROPERTY(QString sn MEMBER sn NOTIFY noted)
@@ -56,6 +64,20 @@ class FakeManager : public QObject {
   }
   Q_INVOKABLE QString getLidarPN() { return pn; }
   Q_INVOKABLE QString getLidarSN() { return sn; }
+  Q_INVOKABLE void selectMonitorHwVersion(const QString& name) {
+    Note({"selectMonitorHwVersion", name});
+  }
+  Q_INVOKABLE void refreshMonitor() { Note({"refreshMonitor"}); }
+  Q_INVOKABLE void stopMonitorRecord() { Note({"stopMonitorRecord"}); }
+  /// Puts readings of three values, one of them with long numbers, into the PlotData `data`.
+  Q_INVOKABLE static void Measure(QObject* data) {
+    auto* plot = qobject_cast<PlotData*>(data);
+    plot->Restart({{"Controller Temperature", "°C"}, {"Points Sent", ""}, {"Supply", "V"}});
+    for (int i = 0; i < 20; ++i) {
+      plot->Append(1000 * i, {{46.2 + i}, {4294967200.0 + i}, {kNothingRead}});
+    }
+    plot->Announce();
+  }
   Q_INVOKABLE void setErrorMsg(const QString& text) { Note({"setErrorMsg", text}); }
   /// The URL of a file of so many bytes in a folder of the manager's own; -1: no such file.
   Q_INVOKABLE QUrl MakeFile(const QString& name, int bytes) {
@@ -99,6 +121,12 @@ class FakeManager : public QObject {
   bool upgrading = false;
   bool downloading = false;
   int connect_type = 0;
+  QVariantList versions = {"A1", "B2"};
+  QString version = "A1";
+  bool auto_refresh = false;
+  int duration_s = 60;
+  int interval_s = 1;
+  bool recording = false;
   QString pn;
   QString sn;
   bool alive = true;

@@ -5,11 +5,13 @@
 
 #include <QClipboard>
 #include <QDir>
+#include <QFileInfo>
 #include <QGuiApplication>
 #include <QTemporaryDir>
 #include <QTest>
 
 #include "app/screen.h"
+#include "plot/plot_data.h"
 #include "support/virtual_lidar_process.h"
 
 namespace {
@@ -17,6 +19,7 @@ namespace {
 // Places of variables on Orca's pages.
 const char kScanTab[] = "tab2";
 const char kFovTab[] = "tab3";
+const char kMonitorTab[] = "tab8";
 const char kMinimumDistance[] = "field_2_0_7";
 const char kMaximumDistance[] = "field_2_0_8";
 const char kReturnMode[] = "choice_2_0_2";
@@ -166,6 +169,39 @@ TEST_F(ScreensTest, RestartsTheLidarOnlyAfterAQuestion) {
   EXPECT_FALSE(lidar_.Output().contains("request 0x10"));
   screen_.Click("dialogAccept");
   EXPECT_TRUE(WaitFor([&] { return lidar_.Output().contains("request 0x10"); }));
+}
+
+TEST_F(ScreensTest, WatchesTheMonitorRecordsItAndOpensTheRecording) {
+  ConnectOnTab(kMonitorTab);
+  screen_.Click("monitorVersion");
+  screen_.Key(Qt::Key_Home);
+  screen_.Key(Qt::Key_Return);
+  screen_.Click("monitorAuto");
+  QObject* source = screen_.FindObject("monitorSource");
+  const auto* live = source->property("live").value<PlotData*>();
+  ASSERT_TRUE(WaitFor([&] { return live->samples() >= 3; })) << screen_.LogText().toStdString();
+  EXPECT_GT(screen_.Text("monitorNow0").toDouble(), 0);
+
+  const QTemporaryDir folder;
+  const QUrl folder_url = QUrl::fromLocalFile(folder.path());
+  QMetaObject::invokeMethod(screen_.Find("monitorRecord"), "start", Q_ARG(QVariant, folder_url));
+  ASSERT_TRUE(WaitFor([&] { return screen_.Text("recordProgress").contains("2 samples"); }));
+  screen_.Click("recordButton");
+  ASSERT_TRUE(screen_.WaitForBox("Monitor record saved:"));
+  const QString file = screen_.BoxMessage().section('\n', 1, 1);
+  ASSERT_TRUE(screen_.CloseBox());
+
+  screen_.Click("connectButton");
+  EXPECT_EQ(screen_.Text("monitorNews"), "Not connected: these are the last readings.");
+  QMetaObject::invokeMethod(source, "Open", Q_ARG(QUrl, QUrl::fromLocalFile(file)));
+  ASSERT_TRUE(WaitFor([&] { return screen_.Find("closeRecording") != nullptr; }));
+  EXPECT_TRUE(screen_.Text("monitorNews").startsWith(QFileInfo(file).fileName()));
+  EXPECT_GE(source->property("recorded").value<PlotData*>()->samples(), 2);
+  screen_.Click("closeRecording");
+  EXPECT_TRUE(WaitFor([&] { return screen_.Find("closeRecording") == nullptr; }));
+
+  QMetaObject::invokeMethod(source, "Open", Q_ARG(QUrl, folder_url));
+  EXPECT_TRUE(screen_.WaitForBox(folder.path())) << "what is no recording is refused";
 }
 
 TEST_F(ScreensTest, ShowsAnotherModelsPages) {

@@ -8,6 +8,7 @@ import "../theme"
 // labels   a caption below each bar; may be shorter than `values`
 // maximum  the value of a full bar; 0: the largest of the values
 // unit     written behind the values
+// color    of the bars
 // title    name for assistive technology
 Item {
     id: histogram
@@ -16,6 +17,7 @@ Item {
     property var labels: []
     property real maximum: 0
     property string unit: ""
+    property color color: Theme.accentColor
     property string title: ""
     readonly property real fullScale: maximum > 0 ? maximum
                                                   : values.reduce((most, value) => Math.max(most, value), 0)
@@ -69,7 +71,7 @@ Item {
                                      (parent.height - captionText.height - number.height)
                                      * histogram.share(modelData))
                     radius: Theme.radiusSmall
-                    color: Theme.accentColor
+                    color: histogram.color
                 }
                 PlainText {
                     id: captionText

@@ -22,6 +22,11 @@ FocusScope {
     property var upgrade
     // The page's FovEdits.
     property var fovEdits
+    // On the page of a monitor: its MonitorSource, whose numbers are shown by the monitor itself.
+    // Texts, choices and what can be changed keep their rows.
+    property var monitor: null
+    readonly property bool isInMonitor: monitor !== null && (kind === kindMonitor
+        || (!editable && kind < kindSwitch && monitor.live.count > 0 && monitor.Draws(caption)))
     required property string caption
     required property int kind
     required property int level1
@@ -93,6 +98,8 @@ FocusScope {
     }
 
     function editorFile() {
+        if (isInMonitor)
+            return "";
         if (isFov)
             return "FovPanel.qml";
         switch (kind) {
@@ -100,7 +107,6 @@ FocusScope {
         case kindChoice:
         case kindTallChoice: return "ChoiceEditor.qml";
         case kindFile: return "FileEditor.qml";
-        case kindMonitor: return "MonitorEditor.qml";
         default: return leaf.current_val === undefined ? "" : "TextEditor.qml";
         }
     }
@@ -110,7 +116,8 @@ FocusScope {
     readonly property int lineHeight: isFov || isPanel ? loader.implicitHeight + Theme.gapWide
                                     : kind === kindTallChoice ? Theme.tallRowHeight : Theme.rowHeight
 
-    implicitHeight: lineHeight + groupGap
+    implicitHeight: isInMonitor ? 0 : lineHeight + groupGap
+    visible: !isInMonitor
 
     onActiveFocusChanged: if (activeFocus) entered()
     Component.onCompleted: loader.setSource(editorFile(), { row: row })

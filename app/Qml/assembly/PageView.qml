@@ -21,6 +21,7 @@ FocusScope {
     property var upgrade
     property string title: ""
     readonly property int kindFile: 4
+    readonly property int kindMonitor: 7
     readonly property bool hasEdits: pendingCommands > 0 || typing
     // A field of the page holds text that was not confirmed yet.
     readonly property bool typing: {
@@ -29,6 +30,8 @@ FocusScope {
     }
     property int pendingCommands: 0
     property bool holdsUpgrade: false
+    property bool holdsMonitor: false
+    property string reportedHardware: ""
 
     signal refused(string reason)
     signal confirmationWanted(var names)
@@ -36,7 +39,15 @@ FocusScope {
     // Brings the rows up to date that show something else.
     function takeValues() {
         rows.TakeAll();
+        takeHardware();
         countPending();
+    }
+
+    // What the lidar says that its monitor is made for.
+    function takeHardware() {
+        const leaf = rows.LeafOfKind(kindMonitor);
+        reportedHardware = leaf.current_val === undefined || leaf.state === "unread" ? ""
+                                                                                  : leaf.current_val;
     }
 
     function countPending() {
@@ -70,6 +81,7 @@ FocusScope {
         function onMyMapChanged() { page.takeValues(); }
         function onMyTimerMapChanged() {
             rows.TakeTimed();
+            page.takeHardware();
             page.countPending();
         }
         function onMonitorContentChanged() { rows.Rebuild(); }
@@ -83,8 +95,19 @@ FocusScope {
         page: page.tab
         onRebuilt: {
             page.holdsUpgrade = HasKind(page.kindFile);
+            page.holdsMonitor = HasKind(page.kindMonitor);
+            page.takeHardware();
             page.countPending();
         }
+    }
+
+    // Goes on while another page is in view.
+    MonitorSource {
+        id: monitorSource
+
+        objectName: "monitorSource"
+        manager: page.manager
+        onFailed: page.refused(reason)
     }
 
     FovEdits {
@@ -112,8 +135,32 @@ FocusScope {
         anchors.right: parent.right
         anchors.top: parent.top
         anchors.margins: Theme.gapWide
+        visible: !page.holdsMonitor
         text: page.title
         description: rows.description
+    }
+
+    // In the place of the heading and of nearly all rows. It keeps what it shows while other pages
+    // are in view.
+    Loader {
+        id: monitorLoader
+
+        anchors.left: parent.left
+        anchors.right: parent.right
+        anchors.top: parent.top
+        anchors.bottom: list.top
+        anchors.leftMargin: Theme.gapWide
+        anchors.rightMargin: Theme.gapWide
+        anchors.topMargin: Theme.gap
+        anchors.bottomMargin: Theme.gap
+        active: false
+        visible: page.holdsMonitor
+        onVisibleChanged: if (visible) active = true
+        sourceComponent: MonitorEditor {
+            manager: page.manager
+            source: monitorSource
+            reportedHardware: page.reportedHardware
+        }
     }
 
     ListView {
@@ -122,9 +169,10 @@ FocusScope {
         objectName: "pageRows"
         anchors.left: parent.left
         anchors.right: parent.right
-        anchors.top: heading.bottom
-        anchors.topMargin: Theme.gap
         anchors.bottom: saveBar.visible ? saveBar.top : parent.bottom
+        height: page.holdsMonitor ? Math.min(contentHeight, page.height / 3)
+                                  : (saveBar.visible ? saveBar.y : page.height) - heading.y
+                                    - heading.height - Theme.gap
         clip: true
         focus: true
         model: rows
@@ -145,6 +193,7 @@ FocusScope {
             manager: page.manager
             fovEdits: fov
             upgrade: page.upgrade
+            monitor: page.holdsMonitor ? monitorSource : null
             onEntered: {
                 list.currentIndex = index;
                 list.positionViewAtIndex(index, ListView.Contain);
@@ -168,7 +217,7 @@ FocusScope {
         anchors.left: parent.left
         anchors.right: parent.right
         anchors.bottom: parent.bottom
-        visible: !page.holdsUpgrade && rows.count > 0
+        visible: !page.holdsUpgrade && rows.count > 0 && (!page.holdsMonitor || page.hasEdits)
         hasEdits: page.hasEdits
         onSaveClicked: page.save()
         onCancelClicked: page.cancel()

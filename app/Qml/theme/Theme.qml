@@ -41,6 +41,12 @@ QtObject {
     readonly property color errorColor: "#ff7b72"
     readonly property color pendingColor: warningColor
 
+    // The lines of a plot, told apart on the darkest surface. None of them is the accent.
+    readonly property var lineColors: ["#58b4f0", "#f0ab3c", "#5fd38d", "#f07a9a", "#b394f5",
+                                       "#dcd65c", "#f08a52", "#4fd6c0", "#d884d8", "#a6c663",
+                                       "#8fa2ff", "#cfd4d8"]
+    readonly property color gridLineColor: "#34383b"
+
     // Every distance is a multiple of the grid.
     readonly property int grid: 4
     readonly property int hairline: 1
@@ -79,6 +85,12 @@ QtObject {
     readonly property int numberFieldWidth: 20 * grid
     readonly property int portFieldWidth: 46 * grid
     readonly property int portListWidth: 100 * grid
+    // The monitor: the values beside the plot, and the columns of their numbers.
+    readonly property int monitorPanelWidth: 92 * grid
+    readonly property int monitorNowWidth: 14 * grid
+    readonly property int monitorRangeWidth: 12 * grid
+    readonly property int distributionHeight: 27 * grid
+    readonly property int distributionTextWidth: 52 * grid
     // The heights of a page's rows: a plain one, and a choice that needs room.
     readonly property int rowHeight: 35
     readonly property int tallRowHeight: 80

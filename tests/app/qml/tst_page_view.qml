@@ -71,7 +71,17 @@ TestCase {
             keyClick(letter);
     }
 
-    function test_every_kind_has_its_editor_and_no_text_is_cut_off() {
+    // The monitor in the room that the smallest window leaves it, and a setting beside it.
+    function showMonitor() {
+        manager.level2List = [[["Monitor", 7, 0, 0, 0], ["Points Sent", 0, 0, 0, 2],
+                               ["Limit", 1, 0, 0, 1]]];
+        page.anchors.bottomMargin = test.height - 440;
+        tryVerify(() => editor("monitorPlot") !== null);
+        manager.Measure(findChild(page, "monitorSource").live);
+        tryVerify(() => editor("monitorNow2") !== null);
+    }
+
+    function test_every_kind_has_its_editor() {
         compare(editor("field_0_0_0").text, "10");
         compare(editor("field_0_0_2").enabled, false);
         compare(editor("switch_0_0_3").checked, true);
@@ -81,11 +91,6 @@ TestCase {
         compare(editor("fov_3").text, "3");
         compare(editor("pageRows").count, 8);
         compare(editor("pageRows").itemAtIndex(5).height, 80);
-        const isText = item => item.visible && item.text && item.truncated !== undefined;
-        const texts = items(page, isText);
-        verify(texts.length > 10);
-        for (const text of texts)
-            verify(!text.truncated, "cut off: " + text.text);
     }
 
     function items(below, wanted) {
@@ -93,19 +98,59 @@ TestCase {
                                                  wanted(below) ? [below] : []);
     }
 
-    function test_every_control_has_a_name_and_is_reached_by_tab() {
+    function test_no_text_is_cut_off_and_every_control_is_reached_by_tab_data() {
+        return [{ tag: "rows", prepare: () => {}, leastControls: 16 },
+                { tag: "monitor", prepare: showMonitor, leastControls: 15 },
+                { tag: "recording", leastControls: 13,
+                  prepare: () => { manager["isMonitorRecording"] = true; showMonitor(); } }];
+    }
+
+    function test_no_text_is_cut_off_and_every_control_is_reached_by_tab(data) {
+        data.prepare();
+        const texts = items(page, item => item.visible && item.text && item.truncated !== undefined);
+        verify(texts.length > 10);
+        for (const text of texts)
+            verify(!text.truncated, "cut off: " + text.text);
         const controls = items(page, item => item.visible && item.enabled && item.activeFocusOnTab);
-        verify(controls.length > 15);
+        verify(controls.length >= data.leastControls, controls.length);
         const reached = [];
         page.forceActiveFocus();
         for (let i = 0; i < controls.length + 1; ++i) {
             keyClick(Qt.Key_Tab);
-            reached.push(page.Window.window.activeFocusItem);
+            reached.push(...controls.filter(control => control.activeFocus));
         }
         for (const control of controls) {
             verify(control.Accessible.name.length > 0, control + " has no name");
             verify(reached.indexOf(control) >= 0, control.Accessible.name + " is not reached");
         }
+    }
+
+    function test_the_monitor_is_used_from_the_keyboard() {
+        showMonitor();
+        compare(editor("field_0_0_2").visible, false);
+        editor("monitorVersion").forceActiveFocus(Qt.TabFocusReason);
+        keyClick(Qt.Key_Down);
+        compare(editor("monitorVersion").currentText, "Hardware A1");
+        type("recordDuration", "9999999");
+        keyClick(Qt.Key_Return);
+        type("recordInterval", "5");
+        keyClick(Qt.Key_Return);
+        compare([manager["monitorRecordDurationSec"], manager["monitorRecordIntervalSec"]], [60, 5]);
+        compare(manager.calls, [["selectMonitorHwVersion", "B2"]]);
+
+        compare(editor("monitorNow2").text, "\u2014");
+        const live = findChild(page, "monitorSource").live;
+        editor("monitorValues").forceActiveFocus(Qt.TabFocusReason);
+        keyClick(Qt.Key_Down);
+        keyClick(Qt.Key_Space);
+        compare(editor("monitorTick1").color.a, 0);
+        const plot = editor("monitorPlot");
+        plot.forceActiveFocus(Qt.TabFocusReason);
+        keyClick(Qt.Key_Left, Qt.ShiftModifier);
+        keyClick(Qt.Key_Left, Qt.ShiftModifier);
+        verify(plot.readout.endsWith(": Controller Temperature 64.2 °C; Supply not read;"), plot.readout);
+        keyClick(Qt.Key_Space);
+        compare(editor("plotPause").text, "Go on");
     }
 
     function test_a_switch_needs_the_lidar_only_to_go_on_data() {
