@@ -1,6 +1,7 @@
 #include "faults/fault_modes.h"
 
 #include <algorithm>
+#include <iterator>
 #include <utility>
 
 #include "variables/number_text.h"
@@ -55,6 +56,59 @@ bool ReadArgument(const FaultMode& mode, const std::optional<std::string>& text,
   return true;
 }
 
+constexpr FaultMode kModes[] = {
+    {Fault::kDrop, "drop", "", 0, 0, "carries the command out and never answers"},
+    {Fault::kDelay, "delay", "MS", 1, 600000,
+     "takes MS milliseconds for the answer; requests that came meanwhile wait their turn"},
+    {Fault::kLate, "late", "MS", 1, 600000,
+     "answers MS milliseconds behind the request, however many others came since"},
+    {Fault::kCorrupt, "corrupt", "", 0, 0,
+     "flips bits in the frame of the answer, so that it can no longer be recognised"},
+    {Fault::kTruncate, "truncate", "", 0, 0,
+     "sends only the first half of the answer and keeps the link open"},
+    {Fault::kSplit, "split", "", 0, 0, "sends the answer byte by byte, 2 ms apart"},
+    {Fault::kDrip, "drip", "MS", 1, 600000,
+     "sends what follows the header of the answer byte by byte, MS milliseconds apart"},
+    {Fault::kGarbage, "garbage", "", 0, 0, "sends eleven stray bytes in front of the answer"},
+    {Fault::kBabble, "babble", "", 0, 0,
+     "sends stray bytes without end in place of the answer, until the link is closed"},
+    {Fault::kWrongCommand, "wrong-command", "", 0, 0,
+     "answers with the next higher command code and return code 0"},
+    {Fault::kReturnCode, "return-code", "N", 1, 255, "refuses with return code N and does nothing"},
+    {Fault::kCloseBeforeReply, "close-before-reply", "", 0, 0,
+     "carries the command out and closes the link in place of the answer"},
+    {Fault::kCloseMidReply, "close-mid-reply", "", 0, 0,
+     "closes the link after the first half of the answer"},
+    {Fault::kStale, "stale", "", 0, 0, "sends the answer twice in one piece"},
+    {Fault::kTwice, "twice", "", 0, 0,
+     "sends the answer again 20 ms behind it, in front of the next one"},
+    {Fault::kEcho, "echo", "", 0, 0,
+     "sends every byte of the request back at once, as a line that echoes"},
+    {Fault::kHugeLength, "huge-length", "", 0, 0,
+     "announces far more payload than the answer holds"},
+    {Fault::kSilentAfter, "silent-after", "N", 0, 1000000,
+     "neither carries out nor answers anything after the first N requests"},
+    {Fault::kRefusePiece, "refuse-piece", "N", 1, 65536,
+     "refuses piece N of a firmware image with return code 3"},
+    {Fault::kLosePiece, "lose-piece", "N", 1, 65536,
+     "never sees piece N of a firmware image and does not answer it"},
+    {Fault::kDamagePiece, "damage-piece", "N", 1, 65536,
+     "takes piece N of a firmware image for damaged: return code 7"},
+    {Fault::kCloseAtPiece, "close-at-piece", "N", 1, 65536,
+     "closes the link at piece N of a firmware image, unanswered"},
+    {Fault::kDieAtPiece, "die-at-piece", "N", 1, 65536,
+     "loses its power for a moment at piece N of a firmware image, unanswered, and comes back "
+     "with what it had"},
+    {Fault::kAuthShortProbe, "auth-short-probe", "", 0, 0,
+     "answers the authentication probe with too few bytes to hold the value"},
+    {Fault::kAuthShortChallenge, "auth-short-challenge", "", 0, 0,
+     "hands out a challenge that is only half as long as it has to be"},
+    {Fault::kAuthZeroChallenge, "auth-zero-challenge", "", 0, 0,
+     "hands out a challenge of zero bytes, which asks for no response"},
+    {Fault::kAuthRefuseResponse, "auth-refuse-response", "", 0, 0,
+     "refuses every authentication response, the right one too"},
+};
+
 // "TIMES", or "FROM-TO".
 bool ReadTimes(const std::string& text, FaultOrder* order) {
   std::string first = text;
@@ -73,59 +127,7 @@ bool ReadTimes(const std::string& text, FaultOrder* order) {
 }  // namespace
 
 const std::vector<FaultMode>& FaultModes() {
-  static const std::vector<FaultMode> modes = {
-      {Fault::kDrop, "drop", "", 0, 0, "carries the command out and never answers"},
-      {Fault::kDelay, "delay", "MS", 1, 600000,
-       "takes MS milliseconds for the answer; requests that came meanwhile wait their turn"},
-      {Fault::kLate, "late", "MS", 1, 600000,
-       "answers MS milliseconds behind the request, however many others came since"},
-      {Fault::kCorrupt, "corrupt", "", 0, 0,
-       "flips bits in the frame of the answer, so that it can no longer be recognised"},
-      {Fault::kTruncate, "truncate", "", 0, 0,
-       "sends only the first half of the answer and keeps the link open"},
-      {Fault::kSplit, "split", "", 0, 0, "sends the answer byte by byte, 2 ms apart"},
-      {Fault::kDrip, "drip", "MS", 1, 600000,
-       "sends what follows the header of the answer byte by byte, MS milliseconds apart"},
-      {Fault::kGarbage, "garbage", "", 0, 0, "sends eleven stray bytes in front of the answer"},
-      {Fault::kBabble, "babble", "", 0, 0,
-       "sends stray bytes without end in place of the answer, until the link is closed"},
-      {Fault::kWrongCommand, "wrong-command", "", 0, 0,
-       "answers with the next higher command code and return code 0"},
-      {Fault::kReturnCode, "return-code", "N", 1, 255,
-       "refuses with return code N and does nothing"},
-      {Fault::kCloseBeforeReply, "close-before-reply", "", 0, 0,
-       "carries the command out and closes the link in place of the answer"},
-      {Fault::kCloseMidReply, "close-mid-reply", "", 0, 0,
-       "closes the link after the first half of the answer"},
-      {Fault::kStale, "stale", "", 0, 0, "sends the answer twice in one piece"},
-      {Fault::kTwice, "twice", "", 0, 0,
-       "sends the answer again 20 ms behind it, in front of the next one"},
-      {Fault::kEcho, "echo", "", 0, 0,
-       "sends every byte of the request back at once, as a line that echoes"},
-      {Fault::kHugeLength, "huge-length", "", 0, 0,
-       "announces far more payload than the answer holds"},
-      {Fault::kSilentAfter, "silent-after", "N", 0, 1000000,
-       "neither carries out nor answers anything after the first N requests"},
-      {Fault::kRefusePiece, "refuse-piece", "N", 1, 65536,
-       "refuses piece N of a firmware image with return code 3"},
-      {Fault::kLosePiece, "lose-piece", "N", 1, 65536,
-       "never sees piece N of a firmware image and does not answer it"},
-      {Fault::kDamagePiece, "damage-piece", "N", 1, 65536,
-       "takes piece N of a firmware image for damaged: return code 7"},
-      {Fault::kCloseAtPiece, "close-at-piece", "N", 1, 65536,
-       "closes the link at piece N of a firmware image, unanswered"},
-      {Fault::kDieAtPiece, "die-at-piece", "N", 1, 65536,
-       "loses its power for a moment at piece N of a firmware image, unanswered, and comes back "
-       "with what it had"},
-      {Fault::kAuthShortProbe, "auth-short-probe", "", 0, 0,
-       "answers the authentication probe with too few bytes to hold the value"},
-      {Fault::kAuthShortChallenge, "auth-short-challenge", "", 0, 0,
-       "hands out a challenge that is only half as long as it has to be"},
-      {Fault::kAuthZeroChallenge, "auth-zero-challenge", "", 0, 0,
-       "hands out a challenge of zero bytes, which asks for no response"},
-      {Fault::kAuthRefuseResponse, "auth-refuse-response", "", 0, 0,
-       "refuses every authentication response, the right one too"},
-  };
+  static const std::vector<FaultMode> modes(std::begin(kModes), std::end(kModes));
   return modes;
 }
 
