@@ -6,8 +6,8 @@
 #include "session/posted_report.h"
 #include "upgrade/kiva_upgrade.h"
 #include "upgrade/network_upgrade.h"
+#include "upgrade/upgrade_mode.h"
 #include "upgrade/upgrade_package.h"
-#include "upgrade/version_reading.h"
 
 namespace {
 
@@ -19,21 +19,31 @@ constexpr std::chrono::milliseconds kVersionPause{500};
 /// Whether the lidar can no longer be reached over this connection.
 bool IsLost(const Connection& connection) { return !LidarAnswers(*connection.sender()); }
 
-UpgradeReadBack ReadBackOf(const std::string& version) {
-  return {version.empty() ? UpgradeReadBack::Found::kSilent : UpgradeReadBack::Found::kRead,
-          version};
+UpgradeReadBack ReadBackOf(const RunningFirmware& before, const RunningFirmware& after) {
+  using Found = UpgradeReadBack::Found;
+  if (after.version.empty()) {
+    return {Found::kSilent, ""};
+  }
+  const bool is_another = !before.serial_number.empty() && !after.serial_number.empty() &&
+                          after.serial_number != before.serial_number;
+  return {is_another ? Found::kAnother : Found::kRead, after.version};
 }
 
 UpgradeResult RunGuarded(UpgradeResult (*run)(UpgradeWork&), UpgradeWork& work) {
+  UpgradeResult result;
   try {
     return run(work);
   } catch (const std::bad_alloc&) {
-    work.report->Error("There is no memory for the upgrade.");
-    work.transfer_ended();
-    UpgradeResult result;
     result.reason = "There was no memory for the upgrade.";
-    return result;
+  } catch (const std::exception& e) {
+    result.reason = std::string("The upgrade broke off: ") + e.what() + ".";
   }
+  if (work.connection->serial() != nullptr) {
+    LeaveUpgradeMode(*work.connection->serial(), *work.report);
+  }
+  work.report->Error(result.reason);
+  work.transfer_ended();
+  return result;
 }
 
 }  // namespace
@@ -138,6 +148,7 @@ void FirmwareUpgrade::Begin(UpgradeFile file, Run run) {
   ++*number_;
   LidarSession& session = set_up_.session;
   result_ = {};
+  before_ = {};
   progress_->done_kib = 0;
   // Meant: cut down here, where the components of a package are rounded up.
   progress_->total_kib = static_cast<int>(file.size_bytes >> kKibShift);
@@ -151,12 +162,10 @@ void FirmwareUpgrade::Begin(UpgradeFile file, Run run) {
   const auto stop = std::make_shared<StopSignal>();
   const auto work = std::make_shared<UpgradeWork>(WorkOf(std::move(file), stop));
   session.state().upgrading = true;
+  session.KeepWhenLost(true);
   set_up_.upgrading_changed();
-  job_ = std::make_unique<Job>(
-      work->connection, stop,
-      [this, work, run, later = Later(), knows_version = !shown_.version_before.empty()] {
-        Work(*work, run, later, knows_version);
-      });
+  job_ = std::make_unique<Job>(work->connection, stop,
+                               [this, work, run, later = Later()] { Work(*work, run, later); });
 }
 
 UpgradeWork FirmwareUpgrade::WorkOf(UpgradeFile file, std::shared_ptr<StopSignal> stop) {
@@ -190,16 +199,14 @@ UpgradeWork FirmwareUpgrade::WorkOf(UpgradeFile file, std::shared_ptr<StopSignal
 }
 
 // On the worker's thread: touches nothing of the object but what never changes.
-void FirmwareUpgrade::Work(UpgradeWork& work, Run run, const Post& later, bool knows_version) {
+void FirmwareUpgrade::Work(UpgradeWork& work, Run run, const Post& later) {
   if (work.stop->WaitFor(work.waits.begin)) {
     return;
   }
   kavel::lidar::CommandSender& sender = *work.connection->sender();
-  if (!knows_version) {
-    later([this, version = ReadRunningVersion(sender, *work.model, work.report)] {
-      shown_.version_before = version;
-    });
-  }
+  // What the session knows may be older than a restart that it has not seen.
+  const RunningFirmware before = ReadRunningFirmware(sender, *work.model, work.report);
+  later([this, before] { TakeBefore(before); });
   if (set_up_.snapshot != nullptr) {
     set_up_.snapshot(sender);
   }
@@ -207,10 +214,15 @@ void FirmwareUpgrade::Work(UpgradeWork& work, Run run, const Post& later, bool k
   UpgradeReadBack read_back;
   bool may_be_gone = result.end == UpgradeResult::End::kRestarts;
   if (!may_be_gone && !work.stop->IsRaised()) {
-    read_back = ReadBackOf(ReadRunningVersion(sender, *work.model, work.report));
-    may_be_gone = read_back.version.empty() && IsLost(*work.connection);
+    read_back = ReadBackOf(before, ReadRunningFirmware(sender, *work.model, work.report));
+    may_be_gone = read_back.version.empty() && !work.stop->IsRaised() && IsLost(*work.connection);
   }
   later([this, result, read_back, may_be_gone] { TakeResult(result, read_back, may_be_gone); });
+}
+
+void FirmwareUpgrade::TakeBefore(const RunningFirmware& before) {
+  before_ = before;
+  shown_.version_before = before.version;
 }
 
 // Meant: the pause, the restart and the wait that follow are no longer the upgrade's alone.
@@ -244,7 +256,9 @@ bool FirmwareUpgrade::IsHeld() const { return set_up_.session.connection() == jo
 void FirmwareUpgrade::TakeResult(const UpgradeResult& result, const UpgradeReadBack& read_back,
                                  bool may_be_gone) {
   result_ = result;
-  if (!may_be_gone || !IsHeld()) {
+  set_up_.session.KeepWhenLost(false);
+  const bool is_lost = may_be_gone || !job_->connection->sender()->IsOpen();
+  if (!is_lost || !IsHeld()) {
     Conclude(IsHeld() || !read_back.version.empty() ? read_back : UpgradeReadBack{});
     return;
   }
@@ -265,21 +279,24 @@ void FirmwareUpgrade::TakeReturn(LidarSession::Return outcome) {
     return;
   }
   ShowStep(kReturnStep, UpgradeStepState::kDone);
-  ShowStep(kCompareStep, UpgradeStepState::kRunning);
+  if (result_.end == UpgradeResult::End::kRestarts) {
+    ShowStep(kCompareStep, UpgradeStepState::kRunning);
+  }
   const auto stop = std::make_shared<StopSignal>();
   const auto report = std::make_shared<PostedReport>(set_up_.post, set_up_.report, Current());
   const std::shared_ptr<Connection> connection = set_up_.session.connection();
   job_ = std::make_unique<Job>(
       connection, stop,
       [this, connection, stop, report, later = Later(), model = set_up_.session.model()] {
-        std::string version;
-        for (int i = 0; i < kVersionTries && version.empty(); ++i) {
+        RunningFirmware after;
+        for (int i = 0; i < kVersionTries && after.version.empty(); ++i) {
           if (i > 0 && stop->WaitFor(kVersionPause)) {
             return;
           }
-          version = ReadRunningVersion(*connection->sender(), *model, report);
+          after = ReadRunningFirmware(*connection->sender(), *model, report);
         }
-        later([this, version] { Conclude(IsHeld() ? ReadBackOf(version) : UpgradeReadBack{}); });
+        later(
+            [this, after] { Conclude(IsHeld() ? ReadBackOf(before_, after) : UpgradeReadBack{}); });
       });
 }
 
@@ -296,7 +313,7 @@ void FirmwareUpgrade::Conclude(const UpgradeReadBack& read_back) {
   shown_.running = false;
   shown_.failed = outcome.failed;
   shown_.outcome = outcome.text;
-  shown_.version_after = read_back.version;
+  shown_.version_after = read_back.found == UpgradeReadBack::Found::kRead ? read_back.version : "";
   set_up_.report.LogLine(outcome.text, outcome.failed ? LogType::kError : LogType::kSuccess);
 }
 

@@ -15,6 +15,7 @@
 #include "upgrade/upgrade_outcome.h"
 #include "upgrade/upgrade_status.h"
 #include "upgrade/upgrade_work.h"
+#include "upgrade/version_reading.h"
 
 /// One upgrade at a time, from the file to the version that the lidar runs afterwards: transfer,
 /// restart, waiting for the lidar and connecting to it again, comparing versions. Needs no screen;
@@ -68,8 +69,9 @@ class FirmwareUpgrade {
   bool MayStart() const;
   void Begin(UpgradeFile file, Run run);
   UpgradeWork WorkOf(UpgradeFile file, std::shared_ptr<StopSignal> stop);
-  void Work(UpgradeWork& work, Run run, const Post& later, bool knows_version);
+  void Work(UpgradeWork& work, Run run, const Post& later);
 
+  void TakeBefore(const RunningFirmware& before);
   void EndTransfer();
   void ShowStep(const std::string& name, UpgradeStepState state);
   void ShowPlan(const std::vector<std::string>& components);
@@ -83,6 +85,7 @@ class FirmwareUpgrade {
   const std::shared_ptr<int> number_ = std::make_shared<int>(0);
   const std::shared_ptr<UpgradeProgress> progress_ = std::make_shared<UpgradeProgress>();
   UpgradeSnapshot shown_;
+  RunningFirmware before_;  ///< read ahead of the first byte
   UpgradeResult result_;
   std::unique_ptr<Job> job_;
 };

@@ -167,8 +167,10 @@ void LidarSession::Lose(const std::string& reason) {
     return;  // a port may go and come back with the lidar that restarts
   }
   set_up_.report.LogLine(reason, LogType::kError);
-  set_up_.report.Error(reason);
-  Stop();
+  if (!keeps_when_lost_) {
+    set_up_.report.Error(reason);
+    Stop();
+  }
 }
 
 void LidarSession::Stop() {
@@ -209,6 +211,7 @@ void LidarSession::End() {
   connection_.reset();
   facts_ = {};
   reading_facts_ = false;
+  keeps_when_lost_ = false;
 }
 
 bool LidarSession::CheckLink() {

@@ -75,6 +75,10 @@ class LidarSession {
   /// between. Not told on destruction.
   void AwaitReturn(const RestartPatience& patience, std::function<void(Return)> ended);
 
+  /// While set, the loss of a port ends nothing and is told in the log alone: whoever set it sees
+  /// to the connection afterwards. The next connection begins without.
+  void KeepWhenLost(bool keep) { keeps_when_lost_ = keep; }
+
   /// Ends attempt and connection in any state, and says so in the log.
   void Stop();
 
@@ -157,6 +161,7 @@ class LidarSession {
   DeviceFacts facts_;
   bool reading_facts_ = false;
   bool connecting_ = false;
+  bool keeps_when_lost_ = false;
   ConnectionSettings settings_;
   std::function<void(Return)> return_ended_;  ///< set while a lidar that restarts is waited for
   // Destroyed from the last to the first: the threads are gone before what they use.

@@ -44,8 +44,10 @@ void FactsReading::Run() {
     if (due == Due::kAfterRestart) {
       WaitUntilBack();
     }
-    facts = Maintenance({sender_.get(), state_, connect_type_}, *report_)
-                .ReadFacts(facts, due == Due::kQuietly);
+    // The user has begun an upgrade meanwhile, and has not asked for facts that must wait for it.
+    const bool is_quiet = due == Due::kQuietly || state_.upgrading;
+    facts =
+        Maintenance({sender_.get(), state_, connect_type_}, *report_).ReadFacts(facts, is_quiet);
     done_(facts);
   }
 }

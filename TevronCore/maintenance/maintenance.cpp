@@ -223,42 +223,47 @@ int32_t Maintenance::RestartKiva() {
   return result;
 }
 
-int32_t Maintenance::Restart(const ConfigParser& table, bool silent) {
-  return Send(kTableRestart, table, silent);
+int32_t Maintenance::Restart(const ConfigParser& table, std::string* failure) {
+  return Send(kTableRestart, table, failure);
 }
 
-int32_t Maintenance::Reset(const ConfigParser& table, bool silent) {
-  return Send(kTableReset, table, silent);
-}
+int32_t Maintenance::Reset(const ConfigParser& table) { return Send(kTableReset, table, nullptr); }
 
-int32_t Maintenance::Send(const TableCommandTexts& texts, const ConfigParser& table, bool silent) {
+int32_t Maintenance::Send(const TableCommandTexts& texts, const ConfigParser& table,
+                          std::string* failure) {
   const VarInfo* const var = table.FindByName(texts.var_name);
   const char* obstacle = link_.state.Obstacle(link_.sender);
   if (obstacle == nullptr && (var == nullptr || var->set_cmd.empty())) {
     obstacle = texts.missing;
   }
   if (obstacle != nullptr) {
-    if (!silent) {
+    if (failure != nullptr) {
+      *failure = obstacle;
+    } else {
       report_.Error(obstacle);
     }
     return kNotConnected;
   }
 
+  std::string why;
   int32_t reason = 0;
   try {
     const WireCommand command = WireCommandOf(var->set_cmd, var->write->fixed_payload);
     std::vector<uint8_t> reply;
     if (link_.sender->QueryCommand(command.payload, reply, command.code, false, &reason) == 0) {
-      if (!silent) {
+      if (failure == nullptr) {
         report_.Success(texts.success);
       }
       return 0;
     }
+    why = CmxClient::ErrorText(reason);
   } catch (const std::exception& e) {  // the table's command text is no code
-    Fail(texts.failure + std::string(e.what()), silent);
-    return kNotConnected;
+    why = e.what();
   }
-  Fail(texts.failure + CmxClient::ErrorText(reason), silent);
+  Fail(texts.failure + why, failure != nullptr);
+  if (failure != nullptr) {
+    *failure = why;
+  }
   return reason == 0 ? kNotConnected : reason;
 }
 

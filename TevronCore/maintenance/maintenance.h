@@ -66,9 +66,10 @@ class Maintenance {
   int32_t RestartKiva();
 
   /// Sends what the table's variable "Restart" or "Reset" sets, over any kind of link: 0 when the
-  /// lidar accepted, else the reason (-1 when nothing was sent).
-  int32_t Restart(const ConfigParser& table, bool silent = false);
-  int32_t Reset(const ConfigParser& table, bool silent = false);
+  /// lidar accepted, else the reason (-1 when nothing was sent). With `failure` no box is shown,
+  /// and it gets the reason in words.
+  int32_t Restart(const ConfigParser& table, std::string* failure = nullptr);
+  int32_t Reset(const ConfigParser& table);
 
  private:
   /// Runs `exchange`, which is handed the sender and gives 0 or the reason of its failure, if the
@@ -79,7 +80,7 @@ class Maintenance {
   bool Conclude(const MaintenanceTexts& texts, int32_t result, bool silent = false);
   void Fail(const std::string& text, bool silent = false);
   void KeepValid(const std::string& number, const char* if_invalid, bool silent, std::string* kept);
-  int32_t Send(const TableCommandTexts& texts, const ConfigParser& table, bool silent);
+  int32_t Send(const TableCommandTexts& texts, const ConfigParser& table, std::string* failure);
 
   const MaintenanceLink link_;
   UserReport& report_;

@@ -125,7 +125,8 @@ class KivaUpgrade {
     if (reason != 0) {
       work_.step(planned.name, UpgradeStepState::kFailed);
       EndAndLog(who + " failed, error=" + CmxClient::ErrorText(reason));
-      result_.reason += MayHaveTakenAll(*work_.progress, end_kib_, reason) ? kMayHaveTakenAll : "";
+      result_.may_be_whole =
+          &planned == &plan_.back() && MayHaveTakenAll(*work_.progress, end_kib_, reason);
       return false;
     }
     work_.step(planned.name, UpgradeStepState::kDone);
@@ -143,9 +144,12 @@ class KivaUpgrade {
         reason == 0 ? "Kiva upgrade completed. Restart command has been sent."
                     : "Kiva upgrade completed. The restart command was not acknowledged; please "
                       "power-cycle or reconnect the lidar if it does not respond.");
-    work_.step(kRestartStep, reason == 0 ? UpgradeStepState::kDone : UpgradeStepState::kFailed);
+    if (reason == 0) {
+      work_.step(kRestartStep, UpgradeStepState::kDone);
+    } else {
+      result_.reason = RestartFailed(CmxClient::ErrorText(reason));
+    }
     result_.end = reason > 0 ? UpgradeResult::End::kNotRestarted : UpgradeResult::End::kRestarts;
-    result_.reason = reason == 0 ? "" : RestartFailed(reason);
     result_.version_shows = result_.taken != UpgradeComponentName(kTmbParam);
   }
 

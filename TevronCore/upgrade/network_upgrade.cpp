@@ -28,14 +28,15 @@ bool IsAnswerMissing(int32_t reason) {
   return reason == kavel::lidar::kNoReply || reason == kavel::lidar::kReplyBrokeOff;
 }
 
-/// Why the transfer ended and where, for the user. `is_open`: the last answer alone is missing.
-std::string FailureOf(const UpgradeWork& work, const char* unit, int32_t reason, bool is_open) {
-  if (work.image.empty()) {
-    return work.image_problem;
-  }
-  return std::string("The transfer ended at ") + unit + std::to_string(work.progress->done_kib) +
-         " of " + std::to_string(KibOf(work.image)) + ": " + CmxClient::ErrorText(reason) + "." +
-         (is_open ? kMayHaveTakenAll : "");
+/// A transfer that ended at `place`, in words, for `reason`. `may_be_whole` as in UpgradeResult.
+UpgradeResult Failure(const UpgradeWork& work, const std::string& place, int32_t reason,
+                      bool may_be_whole) {
+  UpgradeResult result;
+  result.reason = work.image.empty()
+                      ? work.image_problem
+                      : "The transfer ended " + place + ": " + CmxClient::ErrorText(reason) + ".";
+  result.may_be_whole = !work.image.empty() && may_be_whole;
+  return result;
 }
 
 /// Ends the transfer for everybody. True when it succeeded; otherwise `failure` is told.
@@ -60,18 +61,18 @@ UpgradeResult OrderRestart(UpgradeWork& work) {
     return result;
   }
   const MaintenanceLink link{work.connection->sender().get(), work.state, work.model->connect_type};
-  const int32_t reason = Maintenance(link, *work.report).Restart(*work.model->table, true);
-  if (reason != 0) {
+  std::string why;
+  const int32_t reason = Maintenance(link, *work.report).Restart(*work.model->table, &why);
+  if (reason == 0) {
+    work.step(kRestartStep, UpgradeStepState::kDone);
+  } else {
     work.report->Error(kNotRestarted);
+    result.reason = RestartFailed(why);
   }
-  work.step(kRestartStep, reason == 0 ? UpgradeStepState::kDone : UpgradeStepState::kFailed);
   // An order without an answer may have been carried out all the same.
   const bool may_restart =
       reason == 0 || IsAnswerMissing(reason) || !work.connection->sender()->IsOpen();
   result.end = may_restart ? UpgradeResult::End::kRestarts : UpgradeResult::End::kNotRestarted;
-  if (reason != 0) {
-    result.reason = RestartFailed(reason);
-  }
   return result;
 }
 
@@ -82,10 +83,10 @@ UpgradeResult SendPieces(UpgradeWork& work, const char* command_text) {
       kavel::lidar::TransferFile(*work.connection->sender(), work.image, command.code, false,
                                  &work.progress->done_kib, &reason, work.waits.file_piece_ms);
   if (!Conclude(work, sent, kSentRestartFollows, kNotSent)) {
-    UpgradeResult result;
-    const bool is_last = work.progress->done_kib >= KibOf(work.image);
-    result.reason = FailureOf(work, "piece ", reason, is_last && IsAnswerMissing(reason));
-    return result;
+    const int piece = work.progress->done_kib;
+    const int count = KibOf(work.image);
+    return Failure(work, "at piece " + std::to_string(piece) + " of " + std::to_string(count),
+                   reason, piece >= count && IsAnswerMissing(reason));
   }
   return OrderRestart(work);
 }
@@ -110,14 +111,16 @@ int32_t Stream(UpgradeWork& work) {
 UpgradeResult SendStream(UpgradeWork& work) {
   const int32_t reason = Stream(work);
   const std::string failure = std::string(kNotSent) + " error:" + CmxClient::ErrorText(reason);
-  UpgradeResult result;
-  if (Conclude(work, reason, kSentRestartsItself, failure)) {
-    work.step(kRestartStep, UpgradeStepState::kDone);
-    result.end = UpgradeResult::End::kRestarts;
-  } else {
-    const bool is_open = MayHaveTakenAll(*work.progress, KibOf(work.image), reason);
-    result.reason = FailureOf(work, "KiB ", reason, is_open);
+  if (!Conclude(work, reason, kSentRestartsItself, failure)) {
+    const int count = KibOf(work.image);
+    return Failure(work,
+                   "after " + std::to_string(work.progress->done_kib) + " of " +
+                       std::to_string(count) + " KiB",
+                   reason, MayHaveTakenAll(*work.progress, count, reason));
   }
+  work.step(kRestartStep, UpgradeStepState::kDone);
+  UpgradeResult result;
+  result.end = UpgradeResult::End::kRestarts;
   return result;
 }
 

@@ -1,10 +1,14 @@
 #include "upgrade/upgrade_outcome.h"
 
-#include "CmxClient/cmx_client.h"
+#include "CmxClient/command_sender.h"
 
 namespace {
 
 using Found = UpgradeReadBack::Found;
+
+std::string Taken(const UpgradeResult& result) {
+  return result.taken.empty() ? "" : " Taken: " + result.taken + ".";
+}
 
 std::string Unknown(const std::string& before) {
   const std::string known = before.empty() ? "" : " It ran " + before + " before.";
@@ -13,7 +17,7 @@ std::string Unknown(const std::string& before) {
 
 UpgradeOutcome Compared(const UpgradeResult& result, const std::string& before,
                         const std::string& after) {
-  const std::string taken = result.taken.empty() ? "" : " Taken: " + result.taken + ".";
+  const std::string taken = Taken(result);
   if (before.empty()) {
     return {false, "The lidar is back and runs " + after +
                        ". What it ran before is not known: compare this with what you sent." +
@@ -21,6 +25,9 @@ UpgradeOutcome Compared(const UpgradeResult& result, const std::string& before,
   }
   if (after != before) {
     return {false, "Upgrade complete: was " + before + ", is " + after + "." + taken};
+  }
+  if (!result.reason.empty()) {
+    return {true, result.reason + " It runs " + after + " as before." + taken};
   }
   if (!result.version_shows) {
     return {false, "Upgrade complete: " + result.taken +
@@ -33,44 +40,73 @@ UpgradeOutcome Compared(const UpgradeResult& result, const std::string& before,
                     taken};
 }
 
-UpgradeOutcome AfterRestart(const UpgradeResult& result, const std::string& before,
-                            const UpgradeReadBack& after, std::chrono::milliseconds patience) {
-  const std::string sent = result.reason.empty() ? "The lidar took the firmware." : result.reason;
+/// What was found out where no version of the lidar was.
+std::string Missed(const std::string& before, const UpgradeReadBack& after,
+                   std::chrono::milliseconds patience) {
   const auto seconds = std::chrono::duration_cast<std::chrono::seconds>(patience).count();
   switch (after.found) {
-    case Found::kRead:
-      return Compared(result, before, after.version);
-    case Found::kSilent:
-      return {true, sent + " It is back, but did not tell its version." + Unknown(before)};
+    case Found::kAnother:
+      return " What answers now runs " + after.version +
+             " and has another serial number, so it may be another lidar." + Unknown(before);
     case Found::kNotBack:
-      return {true, sent + " It did not come back within " + std::to_string(seconds) + " s." +
-                        Unknown(before) +
-                        " Check its power and its line, then connect to it to see its version."};
-    case Found::kEnded:
-      break;
+      return " The lidar did not come back within " + std::to_string(seconds) + " s." +
+             Unknown(before) +
+             " Check its power and its line, then connect to it to see its version.";
+    case Found::kSilent:
+      return " The lidar answers, but did not tell its version." + Unknown(before);
+    default:
+      return " It was not waited for any longer." + Unknown(before);
   }
-  return {true, sent + " It was not waited for any longer." + Unknown(before)};
+}
+
+UpgradeOutcome AfterRestart(const UpgradeResult& result, const std::string& before,
+                            const UpgradeReadBack& after, std::chrono::milliseconds patience) {
+  if (after.found == Found::kRead) {
+    return Compared(result, before, after.version);
+  }
+  const std::string sent = result.reason.empty() ? "The lidar took the firmware." : result.reason;
+  return {true, sent + Missed(before, after, patience)};
+}
+
+UpgradeOutcome WithoutRestart(const UpgradeResult& result, const std::string& before,
+                              const UpgradeReadBack& after, std::chrono::milliseconds patience) {
+  const bool is_read = after.found == Found::kRead;
+  if (result.may_be_whole && is_read && !before.empty() && after.version != before) {
+    return {false, "Upgrade complete: was " + before + ", is " + after.version +
+                       ". Only the last answer to the transfer did not arrive." + Taken(result)};
+  }
+  std::string text = result.reason;
+  if (result.may_be_whole) {
+    text +=
+        " Only the last answer is missing, so the lidar may start the new firmware at its next "
+        "restart.";
+  }
+  if (result.end == UpgradeResult::End::kNotRestarted) {
+    text += Taken(result);
+  } else if (!result.taken.empty()) {
+    text += " Taken before that: " + result.taken + ", to be used from a restart on.";
+  }
+  if (is_read) {
+    return {true, text + " The lidar runs " + after.version + "."};
+  }
+  const bool is_ended = after.found == Found::kEnded;
+  return {true, text + (is_ended ? Unknown(before) : Missed(before, after, patience))};
 }
 
 }  // namespace
 
 UpgradeOutcome OutcomeOf(const UpgradeResult& result, const std::string& before,
                          const UpgradeReadBack& after, std::chrono::milliseconds patience) {
-  if (result.end == UpgradeResult::End::kRestarts) {
-    return AfterRestart(result, before, after, patience);
-  }
-  const std::string taken = result.taken.empty()
-                                ? ""
-                                : " Taken before that: " + result.taken +
-                                      ", which the lidar uses from its next restart on.";
-  const std::string runs =
-      after.found == Found::kRead ? " The lidar runs " + after.version + "." : Unknown(before);
-  return {true, result.reason + taken + runs};
+  return result.end == UpgradeResult::End::kRestarts
+             ? AfterRestart(result, before, after, patience)
+             : WithoutRestart(result, before, after, patience);
 }
 
-std::string RestartFailed(int32_t reason) {
-  return "The lidar took the firmware, but the order to restart failed: " +
-         kavel::lidar::CmxClient::ErrorText(reason) +
+std::string RestartFailed(std::string reason) {
+  if (!reason.empty() && reason.back() == '.') {
+    reason.pop_back();
+  }
+  return "The lidar took the firmware, but the order to restart failed: " + reason +
          ". It starts the new firmware at its next restart.";
 }
 

@@ -10,6 +10,7 @@ struct UpgradeReadBack {
   enum class Found {
     kRead,     ///< `version` is what it runs now
     kSilent,   ///< it is there, but did not tell
+    kAnother,  ///< what answers has another serial number; `version` is what that runs
     kNotBack,  ///< it did not come back in time
     kEnded,    ///< it was not waited for any longer
   };
@@ -27,13 +28,9 @@ struct UpgradeOutcome {
 UpgradeOutcome OutcomeOf(const UpgradeResult& result, const std::string& before,
                          const UpgradeReadBack& after, std::chrono::milliseconds patience);
 
-/// A sentence or two on an order to restart that failed for `reason`, a code of command_sender.h.
-std::string RestartFailed(int32_t reason);
+/// A sentence or two on an order to restart that failed for `reason`, a sentence or part of one.
+std::string RestartFailed(std::string reason);
 
-/// What is said when the answer to the end of a transfer alone is missing.
-inline constexpr char kMayHaveTakenAll[] =
-    " Only the last answer is missing, so the lidar may start the new firmware at its next "
-    "restart.";
-
-/// Whether that is so of a stream that failed for `reason`; `end_kib` is the progress at its end.
+/// Whether a stream that failed for `reason`, a code of command_sender.h, misses its last answer
+/// alone; `end_kib` is the progress at its end.
 bool MayHaveTakenAll(const UpgradeProgress& progress, int end_kib, int32_t reason);

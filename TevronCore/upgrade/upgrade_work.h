@@ -74,7 +74,9 @@ struct UpgradeResult {
     kRestarts,      ///< the lidar has the firmware and restarts, as far as is known
   };
   End end = End::kFailed;
-  std::string reason;         ///< of the two first ends, a sentence
+  std::string reason;  ///< of the two first ends, and of a restart that was not answered
+  /// Of kFailed: the last answer alone is missing, so the lidar may have everything.
+  bool may_be_whole = false;
   std::string taken;          ///< components that the lidar took, "A, B"
   bool version_shows = true;  ///< what was taken has a version that the lidar tells
 };

@@ -1,5 +1,7 @@
 #include "upgrade/version_reading.h"
 
+#include <exception>
+
 #include "CmxClient/device_commands.h"
 #include "maintenance/device_facts.h"
 #include "pages/page_reader.h"
@@ -8,8 +10,8 @@
 namespace {
 
 std::string ReadVariable(kavel::lidar::CommandSender& sender, const LidarModel& model,
-                         UserReport& report) {
-  const VarInfo* var = model.table->FindByName("SWVER_YMD");
+                         const char* name, UserReport& report) {
+  const VarInfo* var = model.table->FindByName(name);
   if (var == nullptr) {
     return "";
   }
@@ -20,14 +22,38 @@ std::string ReadVariable(kavel::lidar::CommandSender& sender, const LidarModel& 
   return reader.GetInfoFromLidar(*var) ? model.table->ValueOf(*var).text : "";
 }
 
+RunningFirmware OfNetwork(kavel::lidar::CommandSender& sender, const LidarModel& model,
+                          UserReport& report) {
+  RunningFirmware running;
+  running.version = ReadVariable(sender, model, "SWVER_YMD", report);
+  if (!running.version.empty()) {
+    running.serial_number = ReadVariable(sender, model, "SN", report);
+  }
+  return running;
+}
+
+RunningFirmware OfSerial(kavel::lidar::CommandSender& sender, SerialFamily family) {
+  RunningFirmware running;
+  kavel::lidar::DeviceVersions versions;
+  std::string number;
+  if (GetVersions(sender, &versions) == 0) {
+    running.version = VersionText(versions, family);
+    if (GetSerialNumber(sender, &number) == 0 && kavel::lidar::IsValidNumber(number)) {
+      running.serial_number = number;
+    }
+  }
+  return running;
+}
+
 }  // namespace
 
-std::string ReadRunningVersion(kavel::lidar::CommandSender& sender, const LidarModel& model,
-                               const std::shared_ptr<UserReport>& report) {
-  if (model.connect_type == kNetworkLink) {
+RunningFirmware ReadRunningFirmware(kavel::lidar::CommandSender& sender, const LidarModel& model,
+                                    const std::shared_ptr<UserReport>& report) {
+  try {
     QuietReport quiet(report);
-    return ReadVariable(sender, model, quiet);
+    return model.connect_type == kNetworkLink ? OfNetwork(sender, model, quiet)
+                                              : OfSerial(sender, model.family);
+  } catch (const std::exception&) {  // no memory
+    return {};
   }
-  kavel::lidar::DeviceVersions versions;
-  return GetVersions(sender, &versions) == 0 ? VersionText(versions, model.family) : "";
 }

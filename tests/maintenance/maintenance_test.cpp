@@ -161,7 +161,9 @@ TEST_F(MaintenanceTest, RestartAndResetSendWhatTheTableNames) {
   const ModelFixture fixture("5,1,,0x0110,1,Restart,0,raw,,,,,,,0,0,,,0xAA\n");
   lidar_.replies = {{0, {}}, {4, {}}, {4, {}}};
   EXPECT_EQ(Over(kNetworkLink).Restart(fixture.table), 0);
-  EXPECT_EQ(Over(kSerialPair).Restart(fixture.table, true), 4);
+  std::string why;
+  EXPECT_EQ(Over(kSerialPair).Restart(fixture.table, &why), 4);
+  EXPECT_EQ(why, "lidar return code 4");
   EXPECT_EQ(serial_.Restart(fixture.table), 4);
   EXPECT_EQ(lidar_.sent, std::vector<Sent>(3, {0xFF, {0x01, 0x10, 0xAA}}));
   const std::string failure = "restart error, ret:lidar return code 4";
