@@ -223,6 +223,14 @@ std::shared_ptr<kavel::lidar::CommandSender> LidarSession::sender() const {
   return connection_ == nullptr ? nullptr : connection_->sender();
 }
 
+std::optional<UartArrivals> LidarSession::Uart() const {
+  if (connection_ == nullptr || model_->connect_type != kSerialPair) {
+    return std::nullopt;
+  }
+  const auto counters = connection_->serial()->AnswerCounters();
+  return UartArrivals{settings_.serial_port_232, counters.points, counters.skipped_bytes};
+}
+
 bool LidarSession::MayReadPages() const {
   return model_->connect_type == kNetworkLink && connection_ != nullptr && sender()->IsOpen() &&
          state_.MayRead();

@@ -11,6 +11,7 @@
 #include "connection/connect_attempt.h"
 #include "connection/connection.h"
 #include "connection/connection_settings.h"
+#include "connection/uart_arrivals.h"
 #include "console/byte_flow.h"
 #include "maintenance/device_facts.h"
 #include "maintenance/facts_reading.h"
@@ -91,6 +92,8 @@ class LidarSession {
   /// Null without a connection. For work that outlasts an exchange: whoever keeps it has to expect
   /// that the session closes it.
   const std::shared_ptr<Connection>& connection() const { return connection_; }
+  /// What arrives on the UART; none unless connected by a pair of serial ports. Waits for nothing.
+  std::optional<UartArrivals> Uart() const;
   /// What the connection or the last attempt was made with.
   const ConnectionSettings& settings() const { return settings_; }
   LinkState& state() { return state_; }

@@ -5,9 +5,11 @@
 #include <QUrl>
 #include <QVariantList>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
+#include "connection/uart_arrivals.h"
 #include "downloads/download_status.h"
 #include "upgrade/upgrade_status.h"
 
@@ -112,6 +114,8 @@ class TevronManager : public QObject {
   /// Whether this model is upgraded by a package of components (KivaUpgradeLidar), and not by one
   /// image.
   bool TakesPackages() const;
+  /// What arrives on the UART; none unless a lidar is connected by a pair of serial ports.
+  std::optional<UartArrivals> UartNow() const;
 
  signals:
   void isConnectedChanged();

@@ -104,6 +104,8 @@ UpgradeSnapshot TevronManager::UpgradeNow() const { return parts_->upgrade.Now()
 
 std::string TevronManager::RunningVersion() const { return parts_->session.RunningVersion(); }
 
+std::optional<UartArrivals> TevronManager::UartNow() const { return parts_->session.Uart(); }
+
 bool TevronManager::TakesPackages() const {
   return parts_->model()->family == SerialFamily::kKiva &&
          parts_->model()->connect_type == kSerialCmx;

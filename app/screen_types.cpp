@@ -11,6 +11,7 @@
 #include "page_rows.h"
 #include "plot/plot_item.h"
 #include "serial_port_list.h"
+#include "uart_watch.h"
 #include "udp_watch.h"
 #include "upgrade_choice.h"
 #include "upgrade_watch.h"
@@ -24,6 +25,7 @@ void RegisterScreenTypes() {
                                        [](QQmlEngine*, QJSEngine*) { return new InputRules; });
   qmlRegisterType<DownloadWatch>("Tevron", 1, 0, "DownloadWatch");
   qmlRegisterType<SerialPortList>("Tevron", 1, 0, "SerialPortList");
+  qmlRegisterType<UartWatch>("Tevron", 1, 0, "UartWatch");
   qmlRegisterType<UdpWatch>("Tevron", 1, 0, "UdpWatch");
   qmlRegisterType<UpgradeChoice>("Tevron", 1, 0, "UpgradeChoice");
   qmlRegisterType<UpgradeWatch>("Tevron", 1, 0, "UpgradeWatch");

@@ -4,15 +4,9 @@
 
 #include "Platform/ipv4_text.h"
 
-namespace {
-
-constexpr int kUpdateTimeMs = 250;
-
-}  // namespace
-
 UdpWatch::UdpWatch(QObject* parent)
     : QObject(parent), summary_(tr("Not watching for point-cloud packets.")) {
-  update_timer_.setInterval(kUpdateTimeMs);
+  update_timer_.setInterval(ArrivalRate::kLookEveryMs);
   connect(&update_timer_, &QTimer::timeout, this, &UdpWatch::ShowArrivals);
 }
 
@@ -47,8 +41,7 @@ bool UdpWatch::Start(const QString& port_text) {
   }
   listener_ = std::move(listener);
   shown_ = {};
-  packets_before_.fill(0);
-  packets_per_second_ = 0;
+  rate_.Restart(0);
   port_text_ = QString::number(port);
   update_timer_.start();
   SetSummary(tr("Waiting for packets on UDP port %1.").arg(port_text_));
@@ -61,7 +54,7 @@ void UdpWatch::Stop() {
   }
   update_timer_.stop();
   listener_.reset();
-  packets_per_second_ = 0;
+  rate_.Restart(0);
   SetSummary(tr("Not watching for point-cloud packets."));
 }
 
@@ -72,15 +65,12 @@ void UdpWatch::ShowArrivals() {
     return;
   }
   shown_ = listener_->totals();
-  uint64_t& a_second_ago = packets_before_[updates_++ % packets_before_.size()];
-  packets_per_second_ = shown_.packets - a_second_ago;
-  a_second_ago = shown_.packets;
+  rate_.Look(shown_.packets);
   if (shown_.packets == 0) {
     return;
   }
-  SetSummary(packets_per_second_ == 0
-                 ? tr("No packets for a second; the last came from %1.").arg(sender())
-                 : tr("%1 packets a second from %2.").arg(packets_per_second_).arg(sender()));
+  SetSummary(arriving() ? tr("%1 packets a second from %2.").arg(rate_.per_second()).arg(sender())
+                        : tr("No packets for a second; the last came from %1.").arg(sender()));
 }
 
 void UdpWatch::SetSummary(const QString& text) {

@@ -3,13 +3,11 @@
 #include <QObject>
 #include <QString>
 #include <QTimer>
-#include <array>
 #include <atomic>
-#include <cstddef>
-#include <cstdint>
 #include <memory>
 
 #include "Source/packet_listener.h"
+#include "arrival_rate.h"
 
 /// Tells whether point-cloud packets arrive on a UDP port, and from whom. Nothing is bound before
 /// Start. The properties change at most four times a second, on the GUI thread; packets are
@@ -34,7 +32,7 @@ class UdpWatch : public QObject {
   const QString& summary() const { return summary_; }
   QString sender() const;
   double packet_count() const { return static_cast<double>(shown_.packets); }
-  bool arriving() const { return packets_per_second_ > 0; }
+  bool arriving() const { return rate_.per_second() > 0; }
 
   /// Starts to watch the port written in `port_text` (1 to 65535). False, with the reason in
   /// `summary`, when the text is no such number or the port cannot be opened.
@@ -52,9 +50,7 @@ class UdpWatch : public QObject {
   std::atomic<bool> broken_{false};
   std::unique_ptr<kavel::lidar::PacketListener> listener_;
   kavel::lidar::PacketListener::Totals shown_;
-  std::array<uint64_t, 4> packets_before_{};  ///< at the last four updates: one second
-  size_t updates_ = 0;
-  uint64_t packets_per_second_ = 0;
+  ArrivalRate rate_;
   QString port_text_;
   QString summary_;
   QTimer update_timer_;

@@ -74,6 +74,7 @@ std::string CheckPreset(std::string& text) {
 struct CommandLine {
   std::string config;
   std::string udp;
+  uint32_t uart_points = 0;
   std::vector<std::string> faults;
   std::vector<std::string> presets;
   uint16_t port = kDefaultPort;
@@ -121,6 +122,10 @@ void DeclareWhereToAnswer(CLI::App* app, CommandLine* line, Options* options) {
   app->add_option("--udp", line->udp, "Send a point cloud of 1,200-byte packets to IP:PORT[@RATE]")
       ->type_name("IP:PORT[@RATE]")
       ->check(CLI::Validator(CheckTarget, ""));
+  app->add_option("--uart-points", line->uart_points,
+                  "Send it over the UART of a pair of ports, so many packets a second")
+      ->type_name("RATE")
+      ->check(CLI::Range(uint32_t{1}, PointCloudTarget::kMaxRate).description(""));
 }
 
 void DeclareHowToBehave(CLI::App* app, CommandLine* line, Options* options) {
@@ -198,6 +203,11 @@ void MakeSense(const CommandLine& line, Options* options) {
     server.tcp_port = line.port;
     server.other_port_will_do = !line.port_given;
   }
+  server.uart_points_per_second = line.uart_points;
+  if (line.uart_points != 0 && server.serial != ServerSetup::Serial::kPair) {
+    throw CLI::ValidationError("--uart-points",
+                               options->model + " has no pair of serial ports, such as Lumo has");
+  }
   if (!line.udp.empty()) {
     ParsePointCloudTarget(line.udp, &server.point_cloud.emplace(), &error);
   }
@@ -222,11 +232,11 @@ std::optional<Options> ParseOptions(int argc, char** argv, int* exit_code) {
   DeclareFirmware(&app, &line);
   try {
     app.parse(argc, argv);
+    line.port_given = app.count("--port") > 0;
+    MakeSense(line, &options);
   } catch (const CLI::ParseError& error) {
     *exit_code = app.exit(error);
     return std::nullopt;
   }
-  line.port_given = app.count("--port") > 0;
-  MakeSense(line, &options);
   return options;
 }

@@ -165,6 +165,7 @@ FocusScope {
         anchors.left: parent.left
         anchors.right: parent.right
         anchors.bottom: parent.bottom
+        manager: window.manager
         port: window.manager.udpPort
         onPortEntered: window.manager.udpPort = text
     }

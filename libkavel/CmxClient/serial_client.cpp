@@ -151,6 +151,10 @@ bool SerialClient::SendFrame(const std::vector<uint8_t>& frame, uint32_t stall_m
   return sent >= 0 && static_cast<size_t>(sent) == frame.size();
 }
 
+SerialSource::Counters SerialClient::AnswerCounters() const {
+  return answers_ == nullptr ? SerialSource::Counters() : answers_->GetCounters();
+}
+
 int32_t SerialClient::SetBaudRate(uint32_t requests_bps, uint32_t answers_bps) {
   const std::lock_guard<TicketMutex> lock(mutex_);
   if (!IsOpen() || !requests_->SetBaudRate(requests_bps)) {

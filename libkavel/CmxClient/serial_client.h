@@ -75,6 +75,9 @@ class SerialClient {
   /// Why a port was lost, as a sentence for the user; "" while there was no failure.
   std::string LastError() const;
 
+  /// What came on the line of the answers. Does not wait for an exchange.
+  SerialSource::Counters AnswerCounters() const;
+
   /// The line for one user alone, for what is not one request and one answer. Exchanges of others
   /// wait until it is gone, however long that takes, and then follow in the order in which they
   /// were asked for; Interrupt and Close work as ever. One thread uses it, the one that made it.

@@ -110,7 +110,7 @@ TEST(SerialScreenTest, UpgradesTheLidarAndReadsWhatItRunsThen) {
 
 TEST(SerialScreenTest, SaysWhatAPairOfPortsCannotDo) {
   Screen screen("Lumo");
-  const VirtualLidarProcess lidar({"--model", "Lumo"});
+  const VirtualLidarProcess lidar({"--model", "Lumo", "--uart-points", "50"});
   screen.TypeInto("port485_field", lidar.SerialPort("485"));
   screen.TypeInto("port232_field", lidar.SerialPort("232"));
   Connect(&screen);
@@ -118,6 +118,16 @@ TEST(SerialScreenTest, SaysWhatAPairOfPortsCannotDo) {
   EXPECT_FALSE(screen.Find("netSet")->isEnabled());
   EXPECT_EQ(screen.Find("imuSet"), nullptr);
   EXPECT_TRUE(screen.Find("returnModeSet")->isEnabled());
+
+  EXPECT_TRUE(WaitFor([&] { return screen.Text("uartTally").endsWith(" packets so far"); }));
+  EXPECT_TRUE(WaitFor([&] {
+    return screen.Text("uartSummary")
+        .endsWith(" packets a second on " + lidar.SerialPort("232") + ".");
+  }));
+  EXPECT_EQ(screen.Find("udpSummary"), nullptr) << "nobody asked for UDP";
+  screen.Click("connectButton");
+  EXPECT_TRUE(WaitFor([&] { return screen.Find("udpSummary") != nullptr; }));
+  EXPECT_EQ(screen.Find("uartSummary"), nullptr);
 }
 
 }  // namespace

@@ -122,6 +122,10 @@ TEST_F(UpgradeTest, TellsWhatWasSentAndWhatTheLidarRunsAfterwards) {
     for (const QString& fault : c.faults) {
       arguments << "--fault" << fault;
     }
+    if (arguments[1] == "Lumo") {
+      arguments << "--uart-points"
+                << "500";  // on the line of the acknowledgements
+    }
     const VirtualLidarProcess lidar(arguments);
     UpgradeBench bench(c.model, lidar, ShortWaits());
     ASSERT_EQ(bench.Start(firmware_.For(c.image_for, "2.8.0"), c.as_package), 0);

@@ -73,6 +73,7 @@ TEST(Process, RefusesACommandLineThatMakesNoSense) {
       {{"--config", "/nonexistent"}, "there are no tables in /nonexistent/varID"},
       {{"--protocol", "3"}, "--protocol: "},
       {{"--udp", "127.0.0.1:1@0"}, "--udp: "},
+      {{"--model", "Lumo-CMX", "--uart-points", "9"}, "Lumo-CMX has no pair of serial ports"},
       {{"--make-firmware", "v2", "/nonexistent/f"}, "\"v2\" is no version"},
       {{"--make-firmware", "2", "/nonexistent/f"}, "cannot write /nonexistent/f: "},
       {{"--dump", "/nonexistent/state.json"}, "cannot write /nonexistent/state.json: "},

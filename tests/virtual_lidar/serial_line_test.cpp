@@ -4,10 +4,12 @@
 
 #include "CmxClient/serial_client.h"
 #include "lidar_under_test.h"
+#include "support/wait_for.h"
 
 namespace {
 
 using kavel::lidar::SerialClient;
+using kavel::lidar::testing::WaitFor;
 
 constexpr uint32_t kPatienceMs = 5000;
 
@@ -19,11 +21,17 @@ LidarUnderTest::Setup OnSerialLine(std::vector<std::string> faults = {}) {
   return setup;
 }
 
+std::shared_ptr<kavel::lidar::SerialSource> OpenPort(const LidarUnderTest& lidar, size_t port,
+                                                     int receive_type) {
+  auto source = std::make_shared<kavel::lidar::SerialSource>(lidar.serial_ports().at(port), 115200,
+                                                             receive_type);
+  EXPECT_TRUE(source->Open()) << source->LastError();
+  return source;
+}
+
 // One port for both directions.
 std::shared_ptr<SerialClient> OpenLine(const LidarUnderTest& lidar) {
-  auto source = std::make_shared<kavel::lidar::SerialSource>(lidar.serial_ports().at(0), 115200,
-                                                             kavel::lidar::kReceiveAnswers);
-  EXPECT_TRUE(source->Open()) << source->LastError();
+  const auto source = OpenPort(lidar, 0, kavel::lidar::kReceiveAnswers);
   return std::make_shared<SerialClient>(source, source);
 }
 
@@ -51,6 +59,31 @@ TEST(SerialLine, AnswersAfterEachReopeningOfThePort) {
     setup.server.line_speed = speed;
     LidarUnderTest lidar(std::move(setup));
     ReopenThePort(lidar, 2 * speed.latency);
+  }
+}
+
+// The first port takes requests, the second answers; it goes on sending when nobody reads.
+TEST(SerialLine, PairCarriesThePointCloudBetweenAnswers) {
+  for (const LineSpeed speed : {LineSpeed{}, {921600, std::chrono::milliseconds(5)}}) {
+    auto setup = OnSerialLine({"split"});
+    setup.server.serial = ServerSetup::Serial::kPair;
+    setup.server.line_speed = speed;
+    setup.server.uart_points_per_second = 2000;
+    LidarUnderTest lidar(std::move(setup));
+    for (int round = 0; round < 3; ++round) {
+      const auto requests = OpenPort(lidar, 0, kavel::lidar::kReceiveAnswers);
+      const auto answers = OpenPort(lidar, 1, kavel::lidar::kReceiveAnswersAndPoints);
+      SerialClient client(requests, answers);
+      for (int i = 0; i < 5; ++i) {
+        const uint64_t before = client.AnswerCounters().points;
+        Bytes inner;
+        ASSERT_EQ(client.SendCommand(0x30, {}, inner, kPatienceMs), 0) << "round " << round;
+        ASSERT_TRUE(WaitFor([&] { return client.AnswerCounters().points > before; }));
+      }
+      kavel::lidar::UdpPacket packet;
+      ASSERT_EQ(answers->Receive(packet, 1500, 0, 0), 1200);
+      EXPECT_EQ(std::string(packet.data.begin(), packet.data.begin() + 4), "KPCL");
+    }
   }
 }
 

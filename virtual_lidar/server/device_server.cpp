@@ -5,6 +5,7 @@
 #include <system_error>
 #include <utility>
 
+#include "Wire/serial_stream.h"
 #include "device/state_dump.h"
 #include "wire/cmx_codec.h"
 #include "wire/serial_codec.h"
@@ -14,6 +15,10 @@ namespace {
 // More clients at a time than this are turned away.
 constexpr size_t kMaxClients = 64;
 constexpr std::chrono::milliseconds kRetryListening{100};
+// A client that has left more than this unread on the UART does not follow the point cloud, and an
+// answer should not have to wait behind it.
+constexpr size_t kMostUnreadOnUart = 2 * PointCloudSender::kPacketSize;
+static_assert(PointCloudSender::kPacketSize <= kavel::lidar::kPointCloudMaxData);
 
 std::string HexByte(uint8_t byte) {
   char text[8] = "";
@@ -68,7 +73,13 @@ bool DeviceServer::Start(std::string* error) {
       log_->Write("listening on 127.0.0.1:" + std::to_string(listener_.port()));
     }
     if (setup_.point_cloud) {
-      point_cloud_ = std::make_unique<PointCloudSender>(loop_, *setup_.point_cloud);
+      point_cloud_ = std::make_unique<PointCloudSender>(
+          loop_, setup_.point_cloud->packets_per_second, UdpOutlet(*setup_.point_cloud));
+    }
+    if (setup_.serial == ServerSetup::Serial::kPair && setup_.uart_points_per_second != 0) {
+      uart_points_ = std::make_unique<PointCloudSender>(
+          loop_, setup_.uart_points_per_second,
+          [this](const std::vector<uint8_t>& packet) { SendOnUart(packet); });
     }
   } catch (const std::system_error& failure) {
     *error = failure.what();
@@ -100,6 +111,15 @@ void DeviceServer::OnClient(UniqueFd socket, const std::string& peer) {
     return;
   }
   clients_.push_back(std::make_unique<Client>(this, std::move(socket), peer));
+}
+
+// A UART does not ask whether anybody listens: what finds no room is lost.
+void DeviceServer::SendOnUart(const std::vector<uint8_t>& packet) {
+  const bool has_room = answer_line_->unread() <= kMostUnreadOnUart &&
+                        (slow_answer_line_ == nullptr || slow_answer_line_->HasTakenAll());
+  if (has_room && !away_) {
+    serial_link_->SendBetween(kavel::lidar::BuildPointCloudFrame(packet));
+  }
 }
 
 void DeviceServer::OpenSerial() {

@@ -27,6 +27,7 @@ struct ServerSetup {
   Serial serial = Serial::kNone;     ///< kPair: requests by one port, answers by the other
   LineSpeed line_speed;              ///< of the serial lines
   std::optional<PointCloudTarget> point_cloud;
+  uint32_t uart_points_per_second = 0;  ///< packets on the answering port of a pair; 0: none
   std::chrono::milliseconds restart_time{300};  ///< how long a restart keeps the device away
   std::string dump_file;                        ///< rewritten after every change; empty: none
 };
@@ -63,6 +64,7 @@ class DeviceServer : private LinkHost {
   void OnRestartDue() override;
 
   void OnClient(UniqueFd socket, const std::string& peer);
+  void SendOnUart(const std::vector<uint8_t>& packet);
   void OpenSerial();
   int DeviceEnd(const PseudoTerminal& line, std::unique_ptr<SlowLine>* slow);
   void NoticeClosing();
@@ -87,6 +89,7 @@ class DeviceServer : private LinkHost {
   std::unique_ptr<SlowLine> slow_answer_line_;
   std::unique_ptr<Link> serial_link_;
   std::unique_ptr<PointCloudSender> point_cloud_;
+  std::unique_ptr<PointCloudSender> uart_points_;
   bool away_ = false;  ///< restarting
   bool restart_pending_ = false;
 };

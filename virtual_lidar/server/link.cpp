@@ -62,7 +62,8 @@ void Link::Reset(std::unique_ptr<WireCodec> codec) {
   auth_ = AuthSession();
   client_ = NextClient();
   answers_.clear();
-  next_step_ = sent_of_step_ = waiting_bytes_ = 0;
+  between_.clear();
+  next_step_ = sent_of_step_ = sent_of_between_ = waiting_bytes_ = 0;
   waited_ = out_blocked_ = dead_ = false;
   UpdateWatches();
 }
@@ -129,7 +130,31 @@ void Link::Enqueue(Answer answer) {
   }
 }
 
+void Link::SendBetween(std::vector<uint8_t> bytes) {
+  const bool answering = next_step_ != 0 || sent_of_step_ != 0;
+  if (dead_ || out_blocked_ || answering || !between_.empty()) {
+    return;
+  }
+  between_ = std::move(bytes);
+  FinishBetween();
+}
+
+bool Link::FinishBetween() {
+  if (between_.empty()) {
+    return true;
+  }
+  if (out_blocked_ || !Write(between_, &sent_of_between_)) {
+    return false;
+  }
+  between_.clear();
+  sent_of_between_ = 0;
+  return true;
+}
+
 void Link::SendWaiting() {
+  if (!FinishBetween()) {
+    return;
+  }
   while (!answers_.empty() && !dead_ && !out_blocked_ && timer_ == 0) {
     const auto& [plan, arrived] = answers_.front();
     if (next_step_ == plan.steps.size()) {
@@ -140,7 +165,7 @@ void Link::SendWaiting() {
     if (!waited_ && !WaitFor(step, arrived)) {
       return;
     }
-    if (!WriteStep(step)) {
+    if (!Write(step.bytes, &sent_of_step_)) {
       return;
     }
     waiting_bytes_ -= step.bytes.size();
@@ -154,12 +179,12 @@ void Link::SendWaiting() {
   }
 }
 
-bool Link::WriteStep(const SendStep& step) {
-  while (sent_of_step_ < step.bytes.size()) {
+bool Link::Write(const std::vector<uint8_t>& bytes, size_t* sent_of_them) {
+  while (*sent_of_them < bytes.size()) {
     const ssize_t sent =
-        WriteSome(out_fd_, step.bytes.data() + sent_of_step_, step.bytes.size() - sent_of_step_);
+        WriteSome(out_fd_, bytes.data() + *sent_of_them, bytes.size() - *sent_of_them);
     if (sent > 0) {
-      sent_of_step_ += static_cast<size_t>(sent);
+      *sent_of_them += static_cast<size_t>(sent);
     } else if (sent < 0 && errno == EINTR) {
       continue;
     } else if (sent < 0 && errno == EAGAIN) {

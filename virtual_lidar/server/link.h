@@ -46,6 +46,10 @@ class Link {
   const std::string& name() const { return name_; }
   AuthSession* auth() { return &auth_; }
 
+  /// Sends bytes that answer nothing, ahead of the answers that have not begun. They are dropped
+  /// while an answer is on its way, when the far end takes no more, and when it has gone.
+  void SendBetween(std::vector<uint8_t> bytes);
+
   /// Forgets half requests, waiting answers and the authentication, as for a new client.
   void Reset(std::unique_ptr<WireCodec> codec);
 
@@ -60,8 +64,9 @@ class Link {
   void ReadRequests();
   void Enqueue(Answer answer);
   void SendWaiting();
-  /// False when the far end takes no more for now, or has gone.
-  bool WriteStep(const SendStep& step);
+  /// Writes what has not left yet. False when the far end takes no more for now, or has gone.
+  bool Write(const std::vector<uint8_t>& bytes, size_t* sent_of_them);
+  bool FinishBetween();
   void FinishPlan();
   /// True when the step may leave now; otherwise its time has been set.
   bool WaitFor(const SendStep& step, EventLoop::Clock::time_point arrived);
@@ -77,10 +82,12 @@ class Link {
   uint32_t client_;  ///< number of the client that is there now
 
   std::deque<Answer> answers_;
-  size_t next_step_ = 0;      ///< of answers_.front()
-  size_t sent_of_step_ = 0;   ///< bytes of that step that have left
-  bool waited_ = false;       ///< that step's wait is over
-  bool out_blocked_ = false;  ///< the far end takes no more for now
+  size_t next_step_ = 0;          ///< of answers_.front()
+  size_t sent_of_step_ = 0;       ///< bytes of that step that have left
+  bool waited_ = false;           ///< that step's wait is over
+  bool out_blocked_ = false;      ///< the far end takes no more for now
+  std::vector<uint8_t> between_;  ///< not all of it has left
+  size_t sent_of_between_ = 0;
   size_t waiting_bytes_ = 0;
   EventLoop::TimerId timer_ = 0;
   bool dead_ = false;

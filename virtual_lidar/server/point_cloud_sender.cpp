@@ -7,11 +7,13 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
+#include <memory>
 #include <system_error>
-#include <vector>
+#include <utility>
 
 #include "Platform/ipv4_text.h"
 #include "Wire/big_endian.h"
+#include "server/unique_fd.h"
 #include "variables/number_text.h"
 
 namespace {
@@ -52,14 +54,27 @@ bool ParsePointCloudTarget(const std::string& text, PointCloudTarget* target, st
   return true;
 }
 
-PointCloudSender::PointCloudSender(EventLoop* loop, const PointCloudTarget& target)
-    : loop_(loop),
-      target_(target),
-      fd_(socket(AF_INET, SOCK_DGRAM | SOCK_NONBLOCK | SOCK_CLOEXEC, 0)),
-      start_(EventLoop::Clock::now()) {
-  if (!fd_.valid()) {
+PointCloudSender::Outlet UdpOutlet(const PointCloudTarget& target) {
+  const auto fd =
+      std::make_shared<UniqueFd>(socket(AF_INET, SOCK_DGRAM | SOCK_NONBLOCK | SOCK_CLOEXEC, 0));
+  if (!fd->valid()) {
     throw std::system_error(errno, std::generic_category(), "no UDP socket");
   }
+  sockaddr_in to = {};
+  to.sin_family = AF_INET;
+  to.sin_port = htons(target.port);
+  std::memcpy(&to.sin_addr, target.address.data(), target.address.size());
+  return [fd, to](const std::vector<uint8_t>& packet) {
+    sendto(fd->get(), packet.data(), packet.size(), 0, reinterpret_cast<const sockaddr*>(&to),
+           sizeof to);
+  };
+}
+
+PointCloudSender::PointCloudSender(EventLoop* loop, uint32_t packets_per_second, Outlet outlet)
+    : loop_(loop),
+      packets_per_second_(packets_per_second),
+      outlet_(std::move(outlet)),
+      start_(EventLoop::Clock::now()) {
   SendDue();
 }
 
@@ -68,14 +83,14 @@ PointCloudSender::~PointCloudSender() { loop_->Cancel(timer_); }
 void PointCloudSender::SendDue() {
   const auto elapsed =
       std::chrono::duration_cast<microseconds>(EventLoop::Clock::now() - start_).count();
-  const uint64_t due = 1 + static_cast<uint64_t>(elapsed) * target_.packets_per_second / 1000000;
+  const uint64_t due = 1 + static_cast<uint64_t>(elapsed) * packets_per_second_ / 1000000;
   const uint64_t burst = std::min(due - std::min(due, sent_), kMaxBurst);
   for (uint64_t i = 0; i < burst; ++i) {
     SendOne();
   }
   sent_ = due;
   // Fast streams leave a bunch each millisecond, slow ones packet by packet.
-  const microseconds pause(std::max<uint32_t>(1000, 1000000 / target_.packets_per_second));
+  const microseconds pause(std::max<uint32_t>(1000, 1000000 / packets_per_second_));
   timer_ = loop_->After(pause, [this] { SendDue(); });
 }
 
@@ -95,10 +110,5 @@ void PointCloudSender::SendOne() {
     kavel::lidar::AppendBigEndian16(packet, static_cast<uint16_t>(64 + step % 128));
   }
   ++sent_;
-  sockaddr_in to = {};
-  to.sin_family = AF_INET;
-  to.sin_port = htons(target_.port);
-  std::memcpy(&to.sin_addr, target_.address.data(), target_.address.size());
-  sendto(fd_.get(), packet.data(), packet.size(), 0, reinterpret_cast<const sockaddr*>(&to),
-         sizeof to);
+  outlet_(packet);
 }

@@ -54,6 +54,11 @@ void PseudoTerminal::Open() {
   }
 }
 
+size_t PseudoTerminal::unread() const {
+  int bytes = 0;
+  return ioctl(client_end_.get(), FIONREAD, &bytes) == 0 ? static_cast<size_t>(bytes) : 0;
+}
+
 void PseudoTerminal::NoticeClosing() {
   alignas(inotify_event) std::array<char, 4096> buffer;
   bool closed = false;

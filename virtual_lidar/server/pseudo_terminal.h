@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <functional>
 #include <string>
 
@@ -23,6 +24,9 @@ class PseudoTerminal {
   const std::string& name() const { return name_; }
   /// The device's end, non-blocking; stays open as long as this object.
   int fd() const { return device_end_.get(); }
+
+  /// Bytes that wait to be read by a client, as far as the port tells: it counts up to 4,095.
+  size_t unread() const;
 
   /// Calls the handler when a client has closed the port and that was not noticed yet. Poll may
   /// tell of the next client's first bytes without telling of the closing before them; whoever has

@@ -1,6 +1,7 @@
 #include "server/slow_line.h"
 
 #include <poll.h>
+#include <sys/ioctl.h>
 #include <sys/socket.h>
 #include <unistd.h>
 
@@ -56,6 +57,11 @@ void SlowLine::Reset() {
     way->busy = way->blocked = false;
   }
   UpdateWatches();
+}
+
+bool SlowLine::HasTakenAll() const {
+  int waiting = 0;
+  return ioctl(line_end_.get(), FIONREAD, &waiting) == 0 && waiting == 0;
 }
 
 void SlowLine::OnEvents(int fd, short events) {

@@ -33,6 +33,9 @@ class SlowLine {
   /// Where the device reads and writes.
   int device_fd() const { return device_end_.get(); }
 
+  /// Whether everything that the device has written is on its way.
+  bool HasTakenAll() const;
+
   /// Forgets every byte on its way.
   void Reset();
 

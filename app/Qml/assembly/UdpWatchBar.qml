@@ -4,13 +4,19 @@ import Tevron 1.0
 import "../controls"
 import "../theme"
 
-// The line at the bottom that tells, when asked, whether point-cloud packets arrive and from whom.
+// The line at the bottom that tells whether point-cloud packets arrive: over UDP, when asked, and
+// from whom; on the UART of a pair of serial ports for as long as that is connected.
 //
+// manager            the manager, for what its connection receives
 // port               the UDP port; portEntered(text) asks for another
 FocusScope {
     id: bar
 
+    property QtObject manager: null
     property string port: ""
+
+    // A watch that failed has something to say as well.
+    property bool udpAsked: false
 
     signal portEntered(string text)
 
@@ -20,6 +26,12 @@ FocusScope {
         id: watch
 
         objectName: "udpWatch"
+    }
+
+    UartWatch {
+        id: uart
+
+        manager: bar.manager
     }
 
     Rectangle {
@@ -58,11 +70,15 @@ FocusScope {
             text: watch.running ? qsTr("Stop watching") : qsTr("Watch")
             icon.source: watch.running ? "../icons/stop.svg" : "../icons/play.svg"
             hint: qsTr("See whether packets arrive on this port, and from whom")
-            onClicked: watch.running ? watch.Stop() : watch.Start(bar.port)
+            onClicked: {
+                bar.udpAsked = !watch.running;
+                watch.running ? watch.Stop() : watch.Start(bar.port);
+            }
         }
 
         PlainText {
             objectName: "udpSummary"
+            visible: bar.udpAsked || !uart.running
             Layout.fillWidth: true
             text: watch.summary
             font: Theme.captionFont
@@ -75,6 +91,33 @@ FocusScope {
         PlainText {
             visible: watch.packetCount > 0
             text: qsTr("%1 packets so far").arg(watch.packetCount)
+            font: Theme.captionFont
+            color: Theme.quietTextColor
+        }
+
+        PlainText {
+            visible: uart.running
+            text: qsTr("On the UART:")
+            font: Theme.captionFont
+            color: Theme.quietTextColor
+        }
+
+        PlainText {
+            objectName: "uartSummary"
+            visible: uart.running
+            Layout.fillWidth: true
+            text: uart.summary
+            font: Theme.captionFont
+            color: uart.arriving ? Theme.successColor : Theme.quietTextColor
+            elide: Text.ElideRight
+            Accessible.role: Accessible.StaticText
+            Accessible.name: qsTr("On the UART:") + " " + text
+        }
+
+        PlainText {
+            objectName: "uartTally"
+            visible: text !== ""
+            text: uart.tally
             font: Theme.captionFont
             color: Theme.quietTextColor
         }
