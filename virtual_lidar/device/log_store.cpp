@@ -15,19 +15,26 @@ using Bytes = std::vector<uint8_t>;
 
 constexpr uint8_t kLogParts = 4;
 constexpr size_t kRecordSize = 16;
+constexpr size_t kSourceAt = 8;
 constexpr uint32_t kRecordGapMs = 250;
 constexpr int kChannels = 16;
 
-// A record of a log: number, time in ms since power-up, source, severity, code, value.
-void AppendRecord(Bytes* log, uint32_t number, uint8_t source, uint8_t severity) {
-  // Any well-spread bits will do.
-  const uint32_t noise = (number + 1) * 2654435761U ^ source * 40503U;
-  kavel::lidar::AppendBigEndian32(*log, number);
-  kavel::lidar::AppendBigEndian32(*log, number * kRecordGapMs + noise % kRecordGapMs);
-  log->push_back(source);
-  log->push_back(severity);
-  kavel::lidar::AppendBigEndian16(*log, static_cast<uint16_t>(noise >> 24));
-  kavel::lidar::AppendBigEndian32(*log, noise);
+// Records of number, time in ms since power-up, source, severity, code, value; source and severity
+// are left at zero.
+Bytes Records(size_t size) {
+  Bytes log((size + kRecordSize - 1) / kRecordSize * kRecordSize);
+  uint32_t number = 0;
+  for (size_t at = 0; at < log.size(); at += kRecordSize, ++number) {
+    uint8_t* record = log.data() + at;
+    // Any well-spread bits will do.
+    const uint32_t noise = (number + 1) * 2654435761U;
+    kavel::lidar::WriteBigEndian32(record, number);
+    kavel::lidar::WriteBigEndian32(record + 4, number * kRecordGapMs + noise % kRecordGapMs);
+    kavel::lidar::WriteBigEndian32(record + kSourceAt, noise >> 24);
+    kavel::lidar::WriteBigEndian32(record + 12, noise);
+  }
+  log.resize(size);
+  return log;
 }
 
 Bytes Calibration() {
@@ -48,7 +55,7 @@ bool StartsWith(const Bytes& bytes, const Bytes& head) {
 }  // namespace
 
 LogStore::LogStore(const ConfigParser& table, SerialFamily family, uint32_t size)
-    : family_(family), size_(size) {
+    : family_(family), records_(Records(size)) {
   for (const VarInfo* var : OfferedLogs(table, nullptr)) {
     Offer(*var, false);
   }
@@ -105,15 +112,15 @@ std::optional<DeviceReply> LogStore::Answer(const DeviceRequest& request, std::s
   return std::nullopt;
 }
 
+// A client waits half a second for the head of even the longest log.
 Bytes LogStore::Content(const DeviceRequest& request, size_t log, uint8_t part) const {
-  const uint32_t size = request.serial_line ? std::min(size_, kMaxOnSerialLine) : size_;
-  // Warnings are the first two parts of the operation log, errors the others.
-  const auto severity = static_cast<uint8_t>(part < kLogParts / 2 ? 1 : 2);
-  Bytes bytes;
-  bytes.reserve(size + kRecordSize);
-  for (uint32_t number = 0; bytes.size() < size; ++number) {
-    AppendRecord(&bytes, number, static_cast<uint8_t>(log * kLogParts + part), severity);
+  const size_t most = request.serial_line ? kMaxOnSerialLine : kMaxSize;
+  const auto size = static_cast<std::ptrdiff_t>(std::min(records_.size(), most));
+  Bytes bytes(records_.begin(), records_.begin() + size);
+  for (size_t at = kSourceAt; at + 1 < bytes.size(); at += kRecordSize) {
+    bytes[at] = static_cast<uint8_t>(log * kLogParts + part);
+    // Warnings are the first two parts of the operation log, errors the others.
+    bytes[at + 1] = part < kLogParts / 2 ? 1 : 2;
   }
-  bytes.resize(size);
   return bytes;
 }

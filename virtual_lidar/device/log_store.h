@@ -40,5 +40,5 @@ class LogStore {
 
   std::vector<Log> logs_;
   SerialFamily family_;
-  uint32_t size_;
+  std::vector<uint8_t> records_;  ///< of every log, but for what tells them apart
 };
