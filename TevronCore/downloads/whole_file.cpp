@@ -7,13 +7,9 @@
 FileOutcome WriteWholeFile(const QString& path, const std::vector<uint8_t>& bytes) {
   FileOutcome outcome;
   QSaveFile file(path);
-  const auto fail = [&] {
-    outcome.reason = file.errorString().toStdString();
-    file.cancelWriting();
-  };
   outcome.opened = file.open(QIODevice::WriteOnly);
   if (!outcome.opened) {
-    fail();
+    outcome.reason = file.errorString().toStdString();
     return outcome;
   }
   // A disk that fills up takes part of the bytes without an error, and a commit would then give the
@@ -24,11 +20,11 @@ FileOutcome WriteWholeFile(const QString& path, const std::vector<uint8_t>& byte
     outcome.written = true;
     return outcome;
   }
-  fail();
-  if (file.error() == QFileDevice::NoError) {
-    outcome.reason = "only " + std::to_string(taken) + " of " + std::to_string(size) +
-                     " bytes could be written, the disk may be full";
-  }
+  outcome.reason = file.error() != QFileDevice::NoError
+                       ? file.errorString().toStdString()
+                       : "only " + std::to_string(taken) + " of " + std::to_string(size) +
+                             " bytes could be written, the disk may be full";
+  file.cancelWriting();
   return outcome;
 }
 

@@ -15,6 +15,14 @@ ColumnLayout {
 
     spacing: Theme.gapTiny
 
+    // A folder that has vanished may come back, on a stick that is plugged in again.
+    Timer {
+        interval: 1000
+        repeat: true
+        running: chooser.visible && chooser.watch.folderProblem.length > 0
+        onTriggered: chooser.watch.LookAtFolder()
+    }
+
     PlainText {
         text: qsTr("Folder")
         font: Theme.captionFont
