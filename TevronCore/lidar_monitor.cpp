@@ -1,6 +1,7 @@
 #include "lidar_monitor.h"
 
 #include <QDateTime>
+#include <QLocale>
 #include <algorithm>
 #include <filesystem>
 #include <utility>
@@ -137,7 +138,7 @@ void LidarMonitor::StartRecord(const QUrl& folder, std::chrono::seconds duration
 
 std::string LidarMonitor::FileIn(const std::string& folder) const {
   const std::string version = model_->monitor_version.empty() ? "NA" : model_->monitor_version;
-  const QString start = QDateTime::currentDateTime().toString("yyyyMMdd_HHmmss");
+  const QString start = QLocale::c().toString(QDateTime::currentDateTime(), "yyyyMMdd_HHmmss");
   return (std::filesystem::path(folder) /
           ("Monitor_" + version + '_' + start.toStdString() + ".csv"))
       .string();

@@ -9,6 +9,7 @@
 #include "log_lines.h"
 #include "monitor_source.h"
 #include "page_rows.h"
+#include "path_dialog.h"
 #include "plot/plot_item.h"
 #include "serial_port_list.h"
 #include "uart_watch.h"
@@ -20,6 +21,7 @@ void RegisterScreenTypes() {
   qmlRegisterType<LogLines>("Tevron", 1, 0, "LogLines");
   qmlRegisterType<LogFilter>("Tevron", 1, 0, "LogFilter");
   qmlRegisterType<PageRows>("Tevron", 1, 0, "PageRows");
+  qmlRegisterType<PathDialog>("Tevron", 1, 0, "PathDialog");
   qmlRegisterType<Clipboard>("Tevron", 1, 0, "Clipboard");
   qmlRegisterSingletonType<InputRules>("Tevron", 1, 0, "InputRules",
                                        [](QQmlEngine*, QJSEngine*) { return new InputRules; });

@@ -101,7 +101,7 @@ bool WriteFirmwareFile(const ConfigParser& table, const std::string& model,
   if (!error->empty()) {
     return false;
   }
-  const std::string today = QDate::currentDate().toString("yyyy-MM-dd").toStdString();
+  const std::string today = QDate::currentDate().toString(Qt::ISODate).toStdString();
   const Bytes bytes = MakeFirmware(model, {version, today}, image_size);
   QSaveFile file(QString::fromStdString(path));
   if (file.open(QIODevice::WriteOnly)) {

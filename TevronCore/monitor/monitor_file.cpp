@@ -1,6 +1,7 @@
 #include "monitor/monitor_file.h"
 
 #include <QDateTime>
+#include <QLocale>
 #include <QString>
 #include <limits>
 #include <optional>
@@ -160,7 +161,7 @@ std::string RecordLine(const std::string& first_cell, const std::vector<std::str
 }
 
 std::string RecordTime() {
-  return QDateTime::currentDateTime().toString(kTimeFormat).toStdString();
+  return QLocale::c().toString(QDateTime::currentDateTime(), kTimeFormat).toStdString();
 }
 
 MonitorFile ReadMonitorFile(const std::string& path) { return Reading(path).Run(); }

@@ -14,7 +14,7 @@ std::string RecordLine(const std::string& first_cell, const std::vector<std::str
 
 inline constexpr char kRecordFirstColumn[] = "timestamp";
 
-/// The first cell of a line that is written now.
+/// The first cell of a line that is written now, in digits whatever the user's language.
 std::string RecordTime();
 
 /// A recording as it was read from its file.

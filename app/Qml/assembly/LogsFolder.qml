@@ -1,6 +1,5 @@
 import QtQuick 2.15
 import QtQuick.Layouts 1.15
-import Qt.labs.platform 1.1 as Platform
 import Tevron 1.0
 import "../controls"
 import "../theme"
@@ -48,7 +47,10 @@ ColumnLayout {
             objectName: "logsChooseFolder"
             text: qsTr("Choose…")
             hint: qsTr("Choose the folder that the files are saved to")
-            onClicked: dialog.open()
+            onClicked: {
+                dialog.folder = chooser.watch.folderUrl;
+                dialog.open();
+            }
         }
         DefaultButton {
             objectName: "logsOpenFolder"
@@ -74,11 +76,10 @@ ColumnLayout {
         Accessible.name: text
     }
 
-    Platform.FolderDialog {
+    PathDialog {
         id: dialog
 
         title: qsTr("Choose the folder that the files are saved to")
-        folder: chooser.watch.folderUrl
-        onAccepted: chooser.watch.ChooseFolder(folder.toString())
+        onChosen: chooser.watch.ChooseFolder(url.toString())
     }
 }

@@ -153,19 +153,22 @@ FocusScope {
         }
     }
 
-    Platform.FolderDialog {
+    PathDialog {
         id: folderDialog
 
         title: qsTr("Choose the folder for the recording")
         folder: Platform.StandardPaths.writableLocation(Platform.StandardPaths.DocumentsLocation)
-        onAccepted: record.start(folder)
+        onChosen: {
+            fileDialog.folder = url;
+            record.start(url);
+        }
     }
-    Platform.FileDialog {
+    PathDialog {
         id: fileDialog
 
         title: qsTr("Open a recording")
         folder: folderDialog.folder
         nameFilters: [qsTr("Recordings (*.csv)"), qsTr("All files (*)")]
-        onAccepted: record.source.Open(file)
+        onChosen: record.source.Open(url)
     }
 }
