@@ -5,6 +5,8 @@
 #include <utility>
 
 #include "CmxClient/device_commands.h"
+#include "Wire/big_endian.h"
+#include "Wire/crc32.h"
 #include "Wire/file_piece.h"
 #include "Wire/firmware_stream.h"
 #include "firmware_file.h"
@@ -18,6 +20,7 @@ using kavel::lidar::BuildFilePiece;
 using kavel::lidar::BuildStreamBegin;
 using kavel::lidar::BuildStreamEnd;
 using kavel::lidar::BuildStreamPiece;
+using kavel::lidar::Crc32Ieee;
 using kavel::lidar::DescribeImage;
 
 const FirmwareVersion kNew = {"2.8.0", "2026-11-21"};
@@ -97,6 +100,19 @@ TEST_F(Upgrade, TakesPiecesInOrderAndShowsTheVersionAfterTheRestart) {
   std::string error;
   EXPECT_TRUE(device_->Preset("SWVER_YMD", "2020-01-02 r1.2.3.4", &error));
   EXPECT_EQ(firmware().running().number, "1.2.3.4");
+}
+
+TEST_F(Upgrade, RefusesAHeaderThatIsNotAsItHasToBe) {
+  Become("Orca");
+  const Bytes image = MakeFirmware("Orca", kNew, 100);
+  const size_t places[] = {0, 8, 23, 24, 39, 42, 44, 45, 51};
+  for (const size_t at : places) {
+    Bytes changed = image;
+    changed[at] ^= 0x80;
+    EXPECT_EQ(Piece(changed, 1), kForeignImage) << at;
+    kavel::lidar::WriteBigEndian32(changed.data() + 60, Crc32Ieee(changed.data(), 60));
+    EXPECT_EQ(Piece(changed, 1), kForeignImage) << at;
+  }
 }
 
 TEST_F(Upgrade, TakesAStreamInAnyOrderAndJudgesItAtTheEnd) {

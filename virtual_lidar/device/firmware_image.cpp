@@ -38,8 +38,7 @@ std::string TextAt(const Bytes& image, size_t at, size_t room) {
   return {begin, std::find(begin, begin + static_cast<std::ptrdiff_t>(room), uint8_t{0})};
 }
 
-// Whatever stands at the places of the digits is taken for digits; the header tells a build's date
-// to show it, and nothing hangs on it.
+// A date of another form than FirmwareVersion's makes an image that no device takes.
 void PutDate(const std::string& date, Bytes* image) {
   const auto number = [&date](size_t at, size_t digits) {
     return at + digits <= date.size()
@@ -51,6 +50,26 @@ void PutDate(const std::string& date, Bytes* image) {
   (*image)[kDateAt + 1] = static_cast<uint8_t>(year);
   (*image)[kDateAt + 2] = static_cast<uint8_t>(number(5, 2));
   (*image)[kDateAt + 3] = static_cast<uint8_t>(number(8, 2));
+}
+
+bool HasZeros(const Bytes& image, size_t from, size_t to) {
+  return std::all_of(image.begin() + static_cast<std::ptrdiff_t>(from),
+                     image.begin() + static_cast<std::ptrdiff_t>(to),
+                     [](uint8_t byte) { return byte == 0; });
+}
+
+// As far as it has to be shown; how many days a month has is nothing to a device.
+bool ReadDate(const Bytes& image, std::string* date) {
+  const unsigned year = ReadBigEndian16(image.data() + kDateAt);
+  const unsigned month = image[kDateAt + 2];
+  const unsigned day = image[kDateAt + 3];
+  if (year > 9999 || month < 1 || month > 12 || day < 1 || day > 31) {
+    return false;
+  }
+  std::array<char, 32> text = {};
+  snprintf(text.data(), text.size(), "%04u-%02u-%02u", year, month, day);
+  *date = text.data();
+  return true;
 }
 
 }  // namespace
@@ -102,13 +121,13 @@ std::optional<FirmwareHeader> ReadImageHeader(const Bytes& image) {
   FirmwareHeader header;
   header.model = TextAt(image, kModelAt, kMaxImageModelSize);
   header.version.number = TextAt(image, kVersionAt, kVersionSize);
-  std::array<char, 32> date = {};
-  snprintf(date.data(), date.size(), "%04u-%02u-%02u",
-           ReadBigEndian16(image.data() + kDateAt) % 10000U, image[kDateAt + 2] % 100U,
-           image[kDateAt + 3] % 100U);
-  header.version.date = date.data();
   header.component = image[kComponentAt];
-  return IsVersionNumber(header.version.number) ? std::optional(header) : std::nullopt;
+  const bool is_padded = HasZeros(image, kModelAt + header.model.size(), kVersionAt) &&
+                         HasZeros(image, kVersionAt + header.version.number.size(), kDateAt) &&
+                         HasZeros(image, kZerosAt, kBodySizeAt);
+  const bool is_sound =
+      is_padded && ReadDate(image, &header.version.date) && IsVersionNumber(header.version.number);
+  return is_sound ? std::optional(header) : std::nullopt;
 }
 
 bool IsWholeImage(const Bytes& image) {

@@ -33,7 +33,8 @@ bool IsVersionNumber(const std::string& text);
 std::vector<uint8_t> MakeImage(const FirmwareHeader& header, size_t size);
 
 /// Reads the header at the beginning of an image, of which the rest may be missing.
-/// Returns nothing when the bytes are the beginning of no image.
+/// Returns nothing when the bytes are the beginning of no image: another magic, a wrong checksum,
+/// something else than zeros where zeros belong, no version or no date.
 std::optional<FirmwareHeader> ReadImageHeader(const std::vector<uint8_t>& image);
 
 /// Whether length and checksum of the body are those that the header tells. Only for images whose
