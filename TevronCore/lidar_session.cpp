@@ -216,7 +216,8 @@ void LidarSession::End() {
 
 bool LidarSession::CheckLink() {
   const std::shared_ptr<kavel::lidar::CommandSender> to_lidar = sender();
-  return to_lidar != nullptr && to_lidar->IsOpen() && (state_.upgrading || LidarAnswers(*to_lidar));
+  return to_lidar != nullptr &&
+         (keeps_when_lost_ || (to_lidar->IsOpen() && LidarAnswers(*to_lidar)));
 }
 
 std::shared_ptr<kavel::lidar::CommandSender> LidarSession::sender() const {

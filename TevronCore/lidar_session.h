@@ -76,15 +76,15 @@ class LidarSession {
   /// between. Not told on destruction.
   void AwaitReturn(const RestartPatience& patience, std::function<void(Return)> ended);
 
-  /// While set, the loss of a port ends nothing and is told in the log alone: whoever set it sees
-  /// to the connection afterwards. The next connection begins without.
+  /// While set, the loss of a port ends nothing and is told in the log alone, and CheckLink does
+  /// not ask: whoever set it sees to the connection afterwards. The next connection begins without.
   void KeepWhenLost(bool keep) { keeps_when_lost_ = keep; }
 
   /// Ends attempt and connection in any state, and says so in the log.
   void Stop();
 
-  /// One exchange, or two: true when the lidar answers. While an upgrade has the line to itself the
-  /// lidar is not asked, and counts as there.
+  /// One exchange, or two: true when the lidar answers. While an upgrade has the line to itself, or
+  /// has just ordered a restart, the lidar is not asked and counts as there.
   bool CheckLink();
 
   /// Where commands go; null without a connection.

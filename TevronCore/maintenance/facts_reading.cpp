@@ -56,7 +56,7 @@ void FactsReading::WaitUntilBack() {
   const auto patience_ends = std::chrono::steady_clock::now() + kRestartPatience;
   std::chrono::milliseconds pause = kRestartBegins;
   while (!stop_.WaitFor(pause) && std::chrono::steady_clock::now() < patience_ends) {
-    if (LidarAnswers(*sender_)) {
+    if (state_.upgrading || LidarAnswers(*sender_)) {
       return;
     }
     pause = kRestartPoll;

@@ -225,6 +225,7 @@ TEST_F(UpgradeTest, EndsInTimeInEveryState) {
     const QString model = state.model;
     ASSERT_EQ(bench->Start(firmware_.For(model, "2.8.0"), model == "Kiva-CMX"), 0);
     ASSERT_TRUE(WaitFor([&] { return state.reached(*bench); }));
+    EXPECT_EQ(bench->session.CheckLink(), bench->session.state().connected) << "not asked";
     const auto start = std::chrono::steady_clock::now();
     bench.reset();
     EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(10));
