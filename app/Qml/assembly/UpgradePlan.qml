@@ -18,8 +18,8 @@ Column {
                           : [plan.upgrade.modelName, plan.upgrade.watch.serialNumber].filter(text => text).join(", ")],
             [qsTr("Runs now"), plan.upgrade.watch.runningVersion || Theme.unreadText],
             [qsTr("Start does"), plan.upgrade.watch.takesPackages
-                ? qsTr("The components that the lidar needs are sent, one after another; then it is restarted and its versions are read again. It does not measure meanwhile.")
-                : qsTr("The file is sent and the lidar restarted; the program connects again and reads which version it runs then. It does not measure meanwhile.")]
+                ? qsTr("The components that the lidar needs are sent, one after another; then it is restarted and its versions are read again. The lidar does not measure meanwhile.")
+                : qsTr("The file is sent and the lidar restarted; the program connects again and reads which version it runs then. The lidar does not measure meanwhile.")]
         ]
 
         Row {
