@@ -222,7 +222,7 @@ TEST_F(ScreensTest, ShowsAnotherModelsPages) {
 
 TEST(LogsTest, AreSavedWhileTheWindowGoesOnWorking) {
   Screen screen;
-  const VirtualLidarProcess lidar({"--log-size", "600000", "--fault", "drip=100@0xFF#2-2"});
+  const VirtualLidarProcess lidar({"--log-size", "60000", "--fault", "drip=100@0xFF#2-2"});
   const QTemporaryDir root;
   const QString folder = root.path() + "/a #1";
   screen.Click("logsButton");
@@ -247,7 +247,7 @@ TEST(LogsTest, AreSavedWhileTheWindowGoesOnWorking) {
   screen.Click("logsDownload_Operation Log");
   ASSERT_TRUE(WaitFor([&] {
     return screen.Text("logsProgress").startsWith("Part 1 of 4: ") &&
-           screen.Text("logsProgress").endsWith(" of 585.9 KiB");
+           screen.Text("logsProgress").endsWith(" of 58.6 KiB");
   }));
   EXPECT_FALSE(screen.Find("connectButton")->isEnabled());
   EXPECT_FALSE(screen.Find("logsDownload_Event Log")->isEnabled());

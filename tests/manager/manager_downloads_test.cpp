@@ -17,7 +17,7 @@ namespace {
 
 constexpr int kLogSize = 1000;
 // The time that an answer may take goes by its size: this one has many seconds.
-constexpr int kLongLogSize = 600000;
+constexpr int kLongLogSize = 60000;
 constexpr char kTable[] = "Config/varID/Orca.csv";
 
 /// The disk is full for whoever writes more than `bytes` to a file while it lives.
