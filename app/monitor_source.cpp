@@ -3,6 +3,7 @@
 #include <QFileInfo>
 #include <algorithm>
 #include <memory>
+#include <new>
 #include <numeric>
 #include <stdexcept>
 #include <utility>
@@ -116,6 +117,8 @@ void MonitorSource::Open(const QUrl& url) {
       *file = ReadMonitorFile(path.toStdString());
     } catch (const std::runtime_error& error) {
       problem = QString::fromStdString(error.what());
+    } catch (const std::bad_alloc&) {
+      problem = tr("There is not enough memory for %1.").arg(path);
     }
     const auto take = [this, path, file, problem] {
       EndReading();
@@ -173,6 +176,11 @@ void MonitorSource::TakeFile(const QString& name, const MonitorFile& file) {
   recorded_bridge_ms_ = BridgeOf(file.samples);
   open_file_ = name;
   faults_.clear();
+  if (file.samples.size() > PlotSeries::kCapacity) {
+    faults_ << tr("Only the last %1 of %2 samples are shown.")
+                   .arg(PlotSeries::kCapacity)
+                   .arg(file.samples.size());
+  }
   for (const std::string& fault : file.faults) {
     faults_ << QString::fromStdString(fault);
   }
