@@ -74,7 +74,7 @@ class FakeManager : public QObject {
     auto* plot = qobject_cast<PlotData*>(data);
     plot->Restart({{"Controller Temperature", "°C"}, {"Points Sent", ""}, {"Supply", "V"}});
     for (int i = 0; i < 20; ++i) {
-      plot->Append(1000 * i, {{46.2 + i}, {4294967200.0 + i}, {kNothingRead}});
+      plot->Append(int64_t{1000} * i, {{46.2 + i}, {4294967200.0 + i}, {kNothingRead}});
     }
     plot->Announce();
   }

@@ -63,7 +63,7 @@ QJsonObject DumpFirmware(const FirmwareUnit& firmware) {
   const char* const names[] = {"A", "B"};
   QJsonObject partitions;
   QJsonArray waiting;
-  for (const size_t i : {0, 1}) {
+  for (const size_t i : {size_t{0}, size_t{1}}) {
     const FirmwareVersion& version = firmware.partition(i);
     partitions[names[i]] = QJsonObject{{"version", QString::fromStdString(version.number)},
                                        {"date", QString::fromStdString(version.date)}};
