@@ -34,9 +34,10 @@ UpgradeOutcome Compared(const UpgradeResult& result, const std::string& before,
                        ", which has no version of its own. The lidar is back and runs " + after +
                        "."};
   }
-  return {true, "The lidar is back and runs " + after +
-                    " as before: it did not start the new firmware, unless the file holds this "
-                    "very version." +
+  // It may also have answered before it went down: that it restarted was not seen.
+  return {true, "The lidar answers and runs " + after +
+                    " as before: it has not started the new firmware, or the file holds this very "
+                    "version. Connect to it again in a minute to see whether it still restarts." +
                     taken};
 }
 
