@@ -49,12 +49,13 @@ void TevronManager::InitConfigFileParser(const QString& model_name) {
   ReportFaults(parts_->model()->faults);
 }
 
-void TevronManager::ReportFaults(const std::vector<std::string>& faults) {
+void TevronManager::ReportFaults(const TableFaults& faults) {
   constexpr size_t kMaxLines = 20;
   // Posted, so that what is wrong with the first model, which is loaded before there are screens,
   // stands in the log window as well.
   for (size_t i = 0; i < faults.size() && i < kMaxLines; ++i) {
-    parts_->posted->LogLine(faults[i], LogType::kError);
+    const bool is_warning = faults[i].severity == TableFault::Severity::kWarning;
+    parts_->posted->LogLine(faults[i].text, is_warning ? LogType::kWarning : LogType::kError);
   }
   if (faults.size() > kMaxLines) {
     parts_->posted->LogLine(
@@ -65,7 +66,7 @@ void TevronManager::ReportFaults(const std::vector<std::string>& faults) {
     return;
   }
   parts_->report.Error("No variables could be loaded for the model " + parts_->model()->name +
-                       ". " + (faults.empty() ? "Its table is empty." : faults.front()));
+                       ". " + (faults.empty() ? "Its table is empty." : faults.front().text));
   // A message from before the screens existed is still there now: announce it once more.
   QMetaObject::invokeMethod(
       this,

@@ -12,6 +12,7 @@
 #include "connection/uart_arrivals.h"
 #include "downloads/download_status.h"
 #include "upgrade/upgrade_status.h"
+#include "variables/table_fault.h"
 
 class MonitorFeed;
 enum class OperationLogOutcome;
@@ -269,7 +270,7 @@ class TevronManager : public QObject {
   void ShowCaughtUp();
   void ShowPage(int page);
   void ShowFov();
-  void ReportFaults(const std::vector<std::string>& faults);
+  void ReportFaults(const TableFaults& faults);
   void TakeSetting(std::string* setting, const QString& text);
   void ShowLink();
   void ShowMonitorPage();

@@ -68,7 +68,7 @@ void TevronManager::selectMonitorHwVersion(const QString& version) {
     parts_->report.Error("Stop recording before switching hardware version");
     return;
   }
-  std::vector<std::string> faults;
+  TableFaults faults;
   const std::shared_ptr<LidarModel> loaded =
       WithMonitorVersion(*parts_->model(), version.toStdString(), &faults);
   if (!faults.empty()) {

@@ -66,8 +66,9 @@ TevronManager::Parts::~Parts() { session.Close(); }
 void TevronManager::Parts::TakeModel(const std::shared_ptr<LidarModel>& loaded) {
   session.SetModel(loaded);
   edits = std::make_shared<EditSession>(*loaded->table);
-  const std::vector<std::string> faults = pages.SetModel(loaded);
-  loaded->faults.insert(loaded->faults.end(), faults.begin(), faults.end());
+  for (const std::string& error : pages.SetModel(loaded)) {
+    loaded->faults.push_back({0, error});
+  }
   pages.UpdateFov(edits->fov());
   monitor.TakeModel();
 }

@@ -100,7 +100,7 @@ std::shared_ptr<const ConfigParser> LoadTables(const std::string& model_table,
   if (hardware->empty()) {
     return table;
   }
-  std::vector<std::string> faults;
+  TableFaults faults;
   std::shared_ptr<const ConfigParser> with_monitor = WithMonitorTable(*table, *hardware, &faults);
   if (with_monitor == nullptr) {
     throw std::runtime_error("there is no monitor table of hardware \"" + *hardware +

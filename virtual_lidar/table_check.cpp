@@ -19,8 +19,6 @@
 
 namespace {
 
-using Faults = std::vector<std::string>;
-
 std::string Line(std::initializer_list<std::string_view> parts) {
   std::string line;
   for (const std::string_view part : parts) {
@@ -34,7 +32,13 @@ std::string InFile(const std::string& path, const std::string& text) {
   return text.rfind(path, 0) == 0 ? text : Line({path, ": ", text});
 }
 
-void CheckMonitorTables(const ConfigParser& model, Faults* faults) {
+void AddDefaults(const VariableMemory& memory, TableFaults* faults) {
+  for (const std::string& fault : memory.faults()) {
+    faults->push_back({0, fault});
+  }
+}
+
+void CheckMonitorTables(const ConfigParser& model, TableFaults* faults) {
   for (const std::string& version : ListMonitorVersions(model.path())) {
     WithMonitorTable(model, version, faults);
     ConfigParser alone;
@@ -44,42 +48,43 @@ void CheckMonitorTables(const ConfigParser& model, Faults* faults) {
       continue;  // told already
     }
     const VariableMemory memory(alone);
-    faults->insert(faults->end(), memory.faults().begin(), memory.faults().end());
+    AddDefaults(memory, faults);
   }
 }
 
-void CheckVariableTable(const std::string& path, Faults* faults) {
+void CheckVariableTable(const std::string& path, TableFaults* faults) {
   ConfigParser parser;
   try {
     parser.ExtractConfigInfo(path);
   } catch (const std::exception& error) {
-    faults->push_back(InFile(path, error.what()));
+    faults->push_back({0, InFile(path, error.what())});
     return;
   }
-  for (const TableFault& fault : parser.Faults()) {
-    faults->push_back(fault.text);
-  }
+  faults->insert(faults->end(), parser.Faults().begin(), parser.Faults().end());
   OfferedLogs(parser, faults);
   const VariableMemory memory(parser);
-  faults->insert(faults->end(), memory.faults().begin(), memory.faults().end());
+  AddDefaults(memory, faults);
   CheckMonitorTables(parser, faults);
 }
 
 // The rows of a table that is looked up by model: broken rows, and models without a table.
 std::vector<std::string> CheckModelColumn(const std::string& path,
-                                          const std::set<std::string>& models, Faults* faults) {
+                                          const std::set<std::string>& models,
+                                          TableFaults* faults) {
   std::vector<std::string> named;
   const CsvTable table(path);
   for (const CsvFault& fault : table.faults()) {
-    faults->push_back(Line({path, ", line ", std::to_string(fault.line), ": ", fault.reason}));
+    faults->push_back(
+        {fault.line, Line({path, ", line ", std::to_string(fault.line), ": ", fault.reason})});
   }
   const size_t column = table.header().Column("Model");
   for (size_t row = 0; row < table.row_count(); ++row) {
     const std::string model(table.Cell(row, column));
     named.push_back(model);
     if (models.count(model) == 0) {
-      faults->push_back(Line({path, ", line ", std::to_string(table.LineOf(row)), ": model \"",
-                              model, "\" has no variable table"}));
+      faults->push_back(
+          {table.LineOf(row), Line({path, ", line ", std::to_string(table.LineOf(row)),
+                                    ": model \"", model, "\" has no variable table"})});
     }
   }
   return named;
@@ -102,20 +107,20 @@ std::string AuthFault(const AuthConfig& config, const AuthKeys& keys) {
 
 // Runs a check whose failure as a whole is one more fault.
 template <typename Check>
-void Guarded(const std::string& path, Faults* faults, Check check) {
+void Guarded(const std::string& path, TableFaults* faults, Check check) {
   try {
     check();
   } catch (const AuthConfigError& error) {
-    faults->push_back(error.place() + ": " + error.what());
+    faults->push_back({0, error.place() + ": " + error.what()});
   } catch (const std::exception& error) {
-    faults->push_back(InFile(path, error.what()));
+    faults->push_back({0, InFile(path, error.what())});
   }
 }
 
 }  // namespace
 
 int CheckTables(const std::string& config_folder, std::ostream& out) {
-  Faults faults;
+  TableFaults faults;
   const std::string tables = config_folder + "/varID";
   std::set<std::string> models;
   for (const std::string& model : ListModels(tables)) {
@@ -123,7 +128,7 @@ int CheckTables(const std::string& config_folder, std::ostream& out) {
     CheckVariableTable(Line({tables, "/", model, ".csv"}), &faults);
   }
   if (models.empty()) {
-    faults.push_back(tables + ": no variable tables here");
+    faults.push_back({0, tables + ": no variable tables here"});
   }
 
   const std::string feature = config_folder + "/feature_config.csv";
@@ -142,13 +147,13 @@ int CheckTables(const std::string& config_folder, std::ostream& out) {
       const AuthConfig config = LoadAuthConfig(auth, model);
       const std::string fault = config.enabled ? AuthFault(config, keys) : "";
       if (!fault.empty()) {
-        faults.push_back(Line({auth, ": model \"", model, "\": ", fault}));
+        faults.push_back({0, Line({auth, ": model \"", model, "\": ", fault})});
       }
     });
   }
 
-  for (const std::string& fault : faults) {
-    out << fault << '\n';
+  for (const TableFault& fault : faults) {
+    out << fault.text << '\n';
   }
   out << models.size() << " variable tables checked, " << faults.size()
       << (faults.size() == 1 ? " fault" : " faults") << std::endl;

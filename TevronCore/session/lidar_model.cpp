@@ -36,11 +36,10 @@ std::shared_ptr<LidarModel> LoadLidarModel(const std::string& table_path) {
   try {
     model->table = std::make_shared<ConfigParser>(LoadTable(table_path));
   } catch (const std::exception& e) {
-    model->faults.push_back(table_path + ": " + e.what());
+    model->faults.push_back({0, table_path + ": " + e.what()});
   }
-  for (const TableFault& fault : model->table->Faults()) {
-    model->faults.push_back(fault.text);
-  }
+  const TableFaults& faults = model->table->Faults();
+  model->faults.insert(model->faults.end(), faults.begin(), faults.end());
   model->pages = PageModel(*model->table);
   OfferedLogs(*model->table, &model->faults);
 
@@ -48,14 +47,14 @@ std::shared_ptr<LidarModel> LoadLidarModel(const std::string& table_path) {
   try {
     model->host_port_enabled = IsHostPortUiEnabled(features, model->name);
   } catch (const std::exception& e) {
-    model->faults.push_back(features + ": " + e.what());
+    model->faults.push_back({0, features + ": " + e.what()});
   }
   model->stale_input = StaleInputFor(features, model->name);
   return model;
 }
 
 std::shared_ptr<LidarModel> WithMonitorVersion(const LidarModel& model, const std::string& version,
-                                               std::vector<std::string>* faults) {
+                                               TableFaults* faults) {
   std::shared_ptr<ConfigParser> table = WithMonitorTable(*model.table, version, faults);
   if (table == nullptr) {
     return nullptr;

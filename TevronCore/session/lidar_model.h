@@ -22,8 +22,7 @@ struct LidarModel {
   std::shared_ptr<ConfigParser> table = std::make_shared<ConfigParser>();
   PageModel pages;
   std::string monitor_version;  ///< hardware version of the monitor page; empty: none is chosen
-  /// What is wrong with the tables, one sentence each.
-  std::vector<std::string> faults;
+  TableFaults faults;           ///< What is wrong with the tables.
 };
 
 /// Loads the model whose variable table is `table_path`; its name is the file's without ".csv".
@@ -35,4 +34,4 @@ std::shared_ptr<LidarModel> LoadLidarModel(const std::string& table_path);
 /// it has now. Null when there is no such table or it cannot be used. *faults gets what is wrong
 /// with it, see WithMonitorTable.
 std::shared_ptr<LidarModel> WithMonitorVersion(const LidarModel& model, const std::string& version,
-                                               std::vector<std::string>* faults);
+                                               TableFaults* faults);

@@ -91,7 +91,7 @@ class ConfigParser {
   const std::vector<std::vector<std::string>>& Directives() const { return table_->directives; }
 
   /// Everything found wrong while loading the own table, in the order of the lines.
-  const std::vector<TableFault>& Faults() const { return table_->faults; }
+  const TableFaults& Faults() const { return table_->faults; }
 
   // Values. `var` is a variable of this parser.
 

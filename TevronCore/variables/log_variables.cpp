@@ -12,8 +12,7 @@ constexpr std::string_view kLogDirective = "log";
 
 }  // namespace
 
-std::vector<const VarInfo*> OfferedLogs(const ConfigParser& table,
-                                        std::vector<std::string>* faults) {
+std::vector<const VarInfo*> OfferedLogs(const ConfigParser& table, TableFaults* faults) {
   std::vector<const VarInfo*> offered;
   for (const std::vector<std::string>& directive : table.Directives()) {
     if (directive.size() < 2 || directive[0] != kLogDirective || directive[1] == kOperationLog) {
@@ -23,8 +22,8 @@ std::vector<const VarInfo*> OfferedLogs(const ConfigParser& table,
     const bool can_be_asked_for = var != nullptr && !(var->get_cmd.empty() && var->set_cmd.empty());
     if (!can_be_asked_for) {
       if (faults != nullptr) {
-        faults->push_back(table.path() + ": the log \"" + directive[1] +
-                          "\" is offered and no variable with a command");
+        faults->push_back({0, table.path() + ": the log \"" + directive[1] +
+                                  "\" is offered and no variable with a command"});
       }
     } else if (std::find(offered.begin(), offered.end(), var) == offered.end()) {
       offered.push_back(var);

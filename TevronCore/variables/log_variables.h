@@ -16,10 +16,9 @@ inline constexpr char kOperationLog[] = "Operation Log";
 inline constexpr char kConfigFile[] = "Config File";
 
 /// The variables that the table's "log" directives name, in the order of the directives, each once.
-/// Appends a sentence to *faults (may be null) for each name that is no variable which can be asked
+/// Appends to *faults (may be null) for each name that is no variable which can be asked
 /// for. The operation log is none of them: it has its own download.
-std::vector<const VarInfo*> OfferedLogs(const ConfigParser& table,
-                                        std::vector<std::string>* faults);
+std::vector<const VarInfo*> OfferedLogs(const ConfigParser& table, TableFaults* faults);
 
 /// The request for what `var` stands for: its read command, or its write command where it has no
 /// other, as a long command with its "SetCmdPayload". Throws std::invalid_argument when both are

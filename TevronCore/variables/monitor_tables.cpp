@@ -49,9 +49,10 @@ void TakeWriteAway(VarInfo* var) {
 
 /// Puts every row on the monitor page, and takes away whatever would change the lidar.
 void MakeMonitor(const ConfigParser& base, const std::string& version, SharedText page,
-                 LoadedTable* table, std::vector<std::string>* faults) {
+                 LoadedTable* table, TableFaults* faults) {
   const auto fault = [&](const VarInfo& var, const std::string& reason) {
-    faults->push_back(table->path + ", line " + std::to_string(var.line) + ": " + reason);
+    faults->push_back(
+        {var.line, table->path + ", line " + std::to_string(var.line) + ": " + reason});
   };
   for (VarInfo& var : table->rows) {
     var.function_module = page;
@@ -92,26 +93,24 @@ std::vector<std::string> ListMonitorVersions(const std::string& model_table) {
 }
 
 std::shared_ptr<ConfigParser> WithMonitorTable(const ConfigParser& base, const std::string& version,
-                                               std::vector<std::string>* faults) {
+                                               TableFaults* faults) {
   const std::string path = MonitorTablePath(base.path(), version);
   if (path.empty()) {
     return nullptr;
   }
   const VarInfo* block = MonitorBlockOf(base);
   if (block == nullptr) {
-    faults->push_back(base.path() + ": no row has \"monitor\" for its Options");
+    faults->push_back({0, base.path() + ": no row has \"monitor\" for its Options"});
     return nullptr;
   }
   try {
     LoadedTable table = LoadTable(path);
-    for (const TableFault& fault : table.faults) {
-      faults->push_back(fault.text);
-    }
+    faults->insert(faults->end(), table.faults.begin(), table.faults.end());
     MakeMonitor(base, version, block->function_module, &table, faults);
     return table.variables.empty() ? nullptr
                                    : std::make_shared<ConfigParser>(base, std::move(table));
   } catch (const std::exception& error) {
-    faults->push_back(path + ": " + error.what());
+    faults->push_back({0, path + ": " + error.what()});
     return nullptr;
   }
 }

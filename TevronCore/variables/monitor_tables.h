@@ -31,9 +31,9 @@ const VarInfo* MonitorBlockOf(const ConfigParser& table);
 /// reading, and are never written. Their ids and names need not differ from those of the own table.
 ///
 /// Null when `base` has no monitor page, or the table is missing, cannot be used or has no
-/// variable. *faults gets what is wrong with it, one sentence each, either way.
+/// variable. *faults gets what is wrong with it either way.
 std::shared_ptr<ConfigParser> WithMonitorTable(const ConfigParser& base, const std::string& version,
-                                               std::vector<std::string>* faults);
+                                               TableFaults* faults);
 
 /// The variables of the page that change by themselves and are numbers, in page order: what is
 /// worth drawing over time. None for an index out of range.

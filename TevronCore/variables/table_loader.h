@@ -10,14 +10,9 @@
 
 #include "variables/field_group.h"
 #include "variables/shared_text.h"
+#include "variables/table_fault.h"
 #include "variables/var_index.h"
 #include "variables/var_info.h"
-
-/// Something wrong in a table. `text` is complete: file, line and reason.
-struct TableFault {
-  size_t line = 0;  ///< 1-based line of the file; 0 when the fault is the whole file's.
-  std::string text;
-};
 
 /// A table as it was read, finished. Its parts point at one another; moving it keeps them valid.
 struct LoadedTable {
@@ -31,7 +26,7 @@ struct LoadedTable {
   std::unordered_map<std::string, FieldGroup*> writes;  ///< By CommandKey of the command.
   std::unordered_set<std::string> reads;                ///< CommandKeys of the commands that read.
   std::vector<std::vector<std::string>> directives;     ///< See ConfigParser::Directives.
-  std::vector<TableFault> faults;
+  TableFaults faults;
 };
 
 /// Longest value that a row may describe, in bytes: more than any payload of a lidar carries.

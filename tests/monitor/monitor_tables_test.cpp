@@ -55,7 +55,7 @@ TEST(MonitorTables, AddRowsToTheMonitorPageAndLeaveEverythingElseAlone) {
   EditSession edits(*own->table);
   edits.SetText(EditSession::kTextInput, *own->table->FindByName("Speed"), "77", report);
 
-  std::vector<std::string> faults;
+  TableFaults faults;
   EXPECT_EQ(WithMonitorVersion(*own, "B", &faults), nullptr);
   EXPECT_TRUE(faults.empty());
   std::shared_ptr<LidarModel> model = WithMonitorVersion(*own, "A", &faults);

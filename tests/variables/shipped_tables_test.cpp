@@ -43,10 +43,10 @@ TEST(ShippedTables, GiveEveryHardwareVersionADozenValuesToDrawAndNoNameTwice) {
     own.ExtractConfigInfo(kTables + model + ".csv");
     EXPECT_EQ(ListMonitorVersions(own.path()), versions);
     for (const std::string& version : versions) {
-      std::vector<std::string> faults;
+      TableFaults faults;
       const auto table = WithMonitorTable(own, version, &faults);
       ASSERT_NE(table, nullptr) << version;
-      EXPECT_TRUE(faults.empty()) << faults.front();
+      EXPECT_TRUE(faults.empty()) << faults.front().text;
       const PageModel pages(*table);
       EXPECT_GE(DrawableVariables(pages, pages.monitor_page()).size(), 12U) << version;
       for (const VarInfo* var : table->InTableOrder()) {

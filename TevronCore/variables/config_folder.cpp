@@ -1,0 +1,49 @@
+#include "variables/config_folder.h"
+
+#include <algorithm>
+#include <filesystem>
+
+#include "variables/model_list.h"
+
+namespace {
+
+bool IsFile(const std::string& path) {
+  std::error_code ignored;
+  return std::filesystem::is_regular_file(path, ignored);
+}
+
+}  // namespace
+
+ConfigFolder ConfigFolder::Of(const std::string& table_path) {
+  const auto upwards = [](std::filesystem::path path) {
+    path = path.parent_path();
+    return path.empty() ? std::filesystem::path(".") : path;
+  };
+  const std::filesystem::path folder = upwards(upwards(table_path));
+  return ConfigFolder((folder.filename() == "site" ? upwards(folder) : folder).string());
+}
+
+std::vector<std::string> ConfigFolder::Models() const {
+  std::vector<std::string> models = ListModels(path_ + "/varID");
+  const std::vector<std::string> own = ListModels(site_path() + "/varID");
+  models.insert(models.end(), own.begin(), own.end());
+  std::sort(models.begin(), models.end());
+  models.erase(std::unique(models.begin(), models.end()), models.end());
+  return models;
+}
+
+std::string ConfigFolder::TableOf(const std::string& model) const {
+  const std::string below = "/varID/" + model + ".csv";
+  const std::string own = site_path() + below;
+  return IsFile(own) ? own : path_ + below;
+}
+
+std::vector<std::string> ConfigFolder::FilesCalled(const std::string& name) const {
+  std::vector<std::string> files;
+  for (const std::string& folder : {path_, site_path()}) {
+    if (const std::string file = folder + '/' + name; IsFile(file)) {
+      files.push_back(file);
+    }
+  }
+  return files;
+}

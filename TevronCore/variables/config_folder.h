@@ -1,0 +1,32 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+/// A folder of tables and keys as "./Config" is, and the site's own in its sub-folder "site": the
+/// same layout, read after what ships, so that an update replaces nothing of it. Where both say
+/// something of one model, the site counts.
+class ConfigFolder {
+ public:
+  explicit ConfigFolder(std::string path) : path_(std::move(path)) {}
+
+  /// The folder that a model's table lies in, as "./Config/varID/Orca.csv" and
+  /// "./Config/site/varID/Orca.csv" lie in "./Config".
+  static ConfigFolder Of(const std::string& table_path);
+
+  const std::string& path() const { return path_; }
+  std::string site_path() const { return path_ + "/site"; }
+
+  /// The models that can be chosen: those with a table in "varID" of either, sorted, each once.
+  std::vector<std::string> Models() const;
+
+  /// Path of the model's table: the site's where it has one, else the one that ships, whether that
+  /// exists or not.
+  std::string TableOf(const std::string& model) const;
+
+  /// The files of this name ("auth_config.csv") that exist, in the order in which they are read.
+  std::vector<std::string> FilesCalled(const std::string& name) const;
+
+ private:
+  std::string path_;
+};
