@@ -17,7 +17,7 @@ class UserReport {
 
   /// A failure the user has to see now: shown in the error box. An empty text shows nothing.
   virtual void Error(const std::string& text) = 0;
-  /// A result the user waits for: shown in the success box. An empty text shows nothing.
+  /// A result the user waits for: shown in a notice that passes. An empty text shows nothing.
   virtual void Success(const std::string& text) = 0;
   /// One line of the log window.
   virtual void LogLine(const std::string& text, LogType type) = 0;

@@ -173,6 +173,10 @@ FocusScope {
     Messages {
         id: messages
 
+        anchors.left: parent.left
+        anchors.right: parent.right
+        anchors.top: connectionBar.bottom
+        anchors.bottom: udpBar.top
         manager: window.manager
         programName: window.programName
         modelName: window.modelName

@@ -131,6 +131,10 @@ bool Screen::WaitForBox(const QString& text) const {
   return WaitFor([&] { return BoxMessage().contains(text); });
 }
 
+bool Screen::WaitForNotice(const QString& text) const {
+  return WaitFor([&] { return Text(QStringLiteral("noticeText")).contains(text); });
+}
+
 bool Screen::CloseBox() {
   Click(QStringLiteral("dialogAccept"));
   return WaitFor([this] { return BoxMessage().isEmpty(); });

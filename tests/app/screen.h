@@ -43,6 +43,8 @@ class Screen {
   QString BoxMessage() const;
   /// Waits for a box that holds `text`.
   bool WaitForBox(const QString& text) const;
+  /// Waits for a notice of success that holds `text`.
+  bool WaitForNotice(const QString& text) const;
   /// Clicks the main button of the open box; false when another box is open after that.
   bool CloseBox();
   /// Asks the scene for something, as the window does.

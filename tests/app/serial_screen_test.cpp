@@ -26,8 +26,8 @@ void Connect(Screen* screen) {
   screen->Key(Qt::Key_Return);
   screen->Click("connectButton");
   ASSERT_TRUE(WaitFor([&] { return screen->connected(); })) << screen->LogText().toStdString();
-  ASSERT_TRUE(screen->WaitForBox("Serial is operation completed."));
-  ASSERT_TRUE(screen->CloseBox());
+  ASSERT_TRUE(screen->WaitForNotice("Serial is operation completed."));
+  screen->Click("noticeClose");
   ASSERT_TRUE(WaitFor([&] { return screen->Find("serialActivity") == nullptr; }));
 }
 
@@ -49,8 +49,7 @@ TEST(SerialScreenTest, ReadsAndSetsOverOneLine) {
   screen.TypeInto("destinationIp", "10.1.2.3");
   screen.TypeInto("destinationPort", "3000");
   screen.Click("destinationSet");
-  ASSERT_TRUE(screen.WaitForBox("set destination IP and port successful"));
-  ASSERT_TRUE(screen.CloseBox());
+  ASSERT_TRUE(screen.WaitForNotice("set destination IP and port successful"));
   screen.TypeInto("destinationIp", "9.9.9.9");
   screen.Click("destinationRead");
   EXPECT_TRUE(WaitFor([&] { return screen.Text("destinationIp") == "10.1.2.3"; }));
@@ -96,12 +95,11 @@ TEST(SerialScreenTest, UpgradesTheLidarAndReadsWhatItRunsThen) {
   ASSERT_TRUE(WaitFor([&] { return screen.Find("dialogReject")->hasActiveFocus(); }));
   screen.Key(Qt::Key_Return);
   ASSERT_TRUE(WaitFor([&] { return !screen.BoxMessage().contains("being sent"); }));
-  ASSERT_TRUE(screen.WaitForBox("Kiva upgrade completed."));
+  ASSERT_TRUE(screen.WaitForNotice("Kiva upgrade completed."));
   heart.stop();
   EXPECT_LT(longest_ms, 1000) << "nothing of a transfer holds the window";
-  ASSERT_TRUE(screen.CloseBox());
   ASSERT_TRUE(WaitFor([&] { return screen.Find("stopWaiting") != nullptr; }));
-  EXPECT_NE(screen.Find("connectingIndicator"), nullptr);
+  EXPECT_TRUE(WaitFor([&] { return screen.Find("connectingIndicator") != nullptr; }));
   ASSERT_TRUE(WaitFor([&] { return screen.Find("upgradeOutcome") != nullptr; }, 60000));
   EXPECT_TRUE(screen.Text("upgradeOutcome").contains("Upgrade complete: was 2.6.14"))
       << screen.Text("upgradeOutcome").toStdString();

@@ -1,17 +1,19 @@
 .pragma library
 
 // What to do next after each kind of failure, by a piece of its message. The first that fits counts.
+// Nothing is said here that the message alone does not make certain.
 const byMessage = [
     ["Please connect to lidar first",
      qsTr("Say at the top how the lidar is reached and press Connect.")],
     ["not connected",
-     qsTr("Say at the top how the lidar is reached and press Connect; then try again.")],
+     qsTr("Connect at the top, or wait until the upgrade has ended; then try again.")],
     ["Connection Failed",
      qsTr("Check power and cable, and that nothing else holds the connection; then press Connect.")],
     ["TCP connection failed",
      qsTr("Check power, cable, address and port; then press Connect.")],
     ["Is Connecting Lidar",
-     qsTr("The lamp at the top turns green once the lidar has answered.")],
+     qsTr("The lamp at the top turns green once the lidar has answered. Cancel or Escape ends the "
+          + "attempt.")],
     ["Lidar is upgrading",
      qsTr("Leave power and connection alone until the upgrade has ended.")],
     ["Please wait for the lidar to upgrade",
@@ -19,15 +21,15 @@ const byMessage = [
     ["Please wait for the operation log",
      qsTr("Try again once the download has ended.")],
     ["Operation log download failed",
-     qsTr("The log names the part that failed and the reason. The parts before it are saved.")],
+     qsTr("The log names each part that was saved, and why another one was not.")],
     ["Failed to open file",
-     qsTr("Choose a folder that exists and may be written to; the log names the reason.")],
+     qsTr("The log names the reason; another folder may do.")],
     ["Failed to write binary data",
-     qsTr("The disk may be full. Nothing was saved; the log names the reason.")],
+     qsTr("No file was made; the log names the reason.")],
     ["create calibration file fail",
-     qsTr("Choose a folder that exists and has room; the log names the reason.")],
+     qsTr("The log names the reason; another folder may do.")],
     ["download failed. return code",
-     qsTr("Check the connection and try again. A code above 0 is the lidar's own: it refused.")],
+     qsTr("A code above 0 is the lidar's own: it refused. Any other means that no whole answer came.")],
     ["Can not find",
      qsTr("The table of this model, in Config/varID, does not say how to ask for it.")],
     ["Nothing to be saved",
@@ -35,8 +37,6 @@ const byMessage = [
     ["Set Failed",
      qsTr("What the lidar did not take is still marked as edited. The log names the command that "
           + "failed.")],
-    ["out of range",
-     qsTr("The field's tooltip names its range.")],
     ["Parsing failed",
      qsTr("Write the command as one or two hexadecimal digits, the payload as such pairs.")],
     ["Input value of fov",
@@ -49,8 +49,8 @@ const byMessage = [
      qsTr("The file was sent. Switch the lidar's power off and on, connect again, and compare the "
           + "version that it shows.")],
     ["transfer failed or is terminated",
-     qsTr("The upgrade panel tells how far it came and what the lidar runs. Check power and cable, "
-          + "connect again if need be, and start the upgrade once more.")],
+     qsTr("The upgrade panel tells how far it came and what is known of the lidar. Check power and "
+          + "cable, connect again if need be, and start the upgrade once more.")],
     ["Invalid Kiva OTA upgrade package",
      qsTr("Nothing was sent. Choose the upgrade package that came for this model; the log says what "
           + "is wrong with this one.")],
@@ -69,7 +69,7 @@ const byMessage = [
     ["no answer from the lidar",
      qsTr("Check the lidar's power and cable; after a restart it needs a while. Then try again.")],
     ["lidar return code",
-     qsTr("The lidar refused: it may not take this value, or not at the moment.")],
+     qsTr("The lidar answered, and refused.")],
 ];
 
 // What to do next after a success, by a piece of its message.
@@ -80,16 +80,13 @@ const bySuccess = [
      qsTr("The upgrade panel tells which versions the lidar runs, once it answers.")],
     ["Kiva upgrade completed",
      qsTr("Leave the power on. The upgrade panel tells which versions the lidar runs once it is back.")],
-    ["restart the lidar", qsTr("The gear button restarts it.")],
 ];
 
-// The advice for `message`, or `fallback`.
-function forMessage(message, fallback) {
-    const found = byMessage.find(entry => message.indexOf(entry[0]) >= 0);
-    return found === undefined ? fallback : found[1];
-}
-
-function forSuccess(message) {
-    const found = bySuccess.find(entry => message.indexOf(entry[0]) >= 0);
+function find(entries, message) {
+    const found = entries.find(entry => message.indexOf(entry[0]) >= 0);
     return found === undefined ? "" : found[1];
 }
+
+// The advice for a message; "" where nothing is known.
+function forMessage(message) { return find(byMessage, message); }
+function forSuccess(message) { return find(bySuccess, message); }

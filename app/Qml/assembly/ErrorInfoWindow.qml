@@ -7,8 +7,7 @@ import "Advice.js" as Advice
 NoticeWindow {
     objectName: "errorInfoWindow"
     title: qsTr("Something went wrong")
-    adviceFor: message => Advice.forMessage(message,
-        qsTr("The log lists every step. Put right what it names and try again."))
+    adviceFor: message => Advice.forMessage(message)
     iconSource: "../icons/error.svg"
     tone: Theme.errorColor
 }

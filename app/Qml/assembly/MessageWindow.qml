@@ -2,49 +2,50 @@ import QtQuick 2.15
 import "../controls"
 import "../theme"
 
-// A question or a warning. Set title, message and advice, or call ask(); `accepted` and `rejected`
-// bring the answer, and `purpose` tells the asker which question was answered.
+// A question or a warning. What is asked while another one is on the screen waits in line.
 //
-// ask(purpose, title, message, advice, acceptText)  opens the box with a way out
-// warnAndAsk(purpose, title, message, advice, acceptText, rejectText)  the same for what cannot be
-//                                                   taken back: the way out has the keyboard
-// warn(title, message, advice)                      opens it with "OK" alone
+// ask(question)  a map with "title", "message", "advice" and "accept", the words of the main answer,
+//                and as far as needed: "reject", the words of the way out ("Cancel" unless told
+//                otherwise; null leaves it away), "other", those of a third answer, "dangerous" and
+//                "guarded" as in DialogFrame, "purpose" and "argument" for whoever asks
+// answered(answer, purpose, argument)  "accept", "reject" or "other"
 DialogFrame {
+    id: box
+
     property string purpose: ""
+    property var argument
+    property var queue: []
 
-    function ask(newPurpose, newTitle, newMessage, newAdvice, newAcceptText) {
-        purpose = newPurpose;
-        title = newTitle;
-        message = newMessage;
-        advice = newAdvice;
-        acceptText = newAcceptText === undefined ? qsTr("Continue") : newAcceptText;
-        rejectText = qsTr("Cancel");
-        cancellable = true;
-        dangerous = false;
-        open();
+    signal answered(string answer, string purpose, var argument)
+
+    function ask(question) {
+        queue = queue.concat([question]);
+        if (!visible)
+            askNext();
     }
 
-    function warnAndAsk(newPurpose, newTitle, newMessage, newAdvice, newAcceptText, newRejectText) {
-        ask(newPurpose, newTitle, newMessage, newAdvice, newAcceptText);
-        rejectText = newRejectText;
-        dangerous = true;
-    }
-
-    function warn(newTitle, newMessage, newAdvice) {
-        purpose = "";
-        title = newTitle;
-        message = newMessage;
-        advice = newAdvice;
-        acceptText = qsTr("OK");
-        cancellable = false;
-        dangerous = false;
+    function askNext() {
+        const next = queue[0];
+        queue = queue.slice(1);
+        purpose = next.purpose || "";
+        argument = next.argument;
+        title = next.title;
+        message = next.message;
+        advice = next.advice;
+        acceptText = next.accept;
+        cancellable = next.reject !== null;
+        rejectText = next.reject || qsTr("Cancel");
+        otherText = next.other || "";
+        dangerous = next.dangerous === true;
+        guarded = dangerous || next.guarded === true;
         open();
     }
 
     objectName: "messageWindow"
-    title: qsTr("Please confirm")
-    acceptText: qsTr("Continue")
-    cancellable: true
     iconSource: "../icons/warning.svg"
     tone: Theme.warningColor
+    onAccepted: answered("accept", purpose, argument)
+    onRejected: answered("reject", purpose, argument)
+    onOther: answered("other", purpose, argument)
+    onClosed: if (queue.length > 0) askNext()
 }

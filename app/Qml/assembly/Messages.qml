@@ -1,21 +1,30 @@
 import QtQuick 2.15
+import "../controls"
+import "../theme"
 import "Advice.js" as Advice
 
-// Every box of the window: what the manager reports, what has to be confirmed, and what this
-// program is. Each report goes to the log as well.
+// All that the window says and asks: what the manager reports, what has to be confirmed, and what
+// this program is. Each report goes to the log as well. A success is a notice that passes; trouble
+// is a box.
 //
+// logSuccesses        somebody else shows what succeeds: the log alone tells of it here
 // logged(text, tag)   a line for the log
 // confirmed(purpose)  the question that was asked for `purpose` was answered with yes
+// editsAnswered(answer, purpose, argument)  see Questions
 Item {
     id: messages
 
     property var manager
     property string programName: ""
     property string modelName: ""
+    property bool logSuccesses: false
     property var successes: []
+    readonly property string serialBusy: "Please wait for the PBL version to be obtained. Serial is working. Please wait."
+    readonly property string serialFree: "Serial is operation completed. Please processed with other tasks."
 
     signal logged(string text, string tag)
     signal confirmed(string purpose)
+    signal editsAnswered(string answer, string purpose, var argument)
 
     function refuse(reason) {
         errorBox.show(reason);
@@ -23,42 +32,15 @@ Item {
 
     function warnAboutModel(text) {
         logged(text, "WARNING");
-        question.warn(qsTr("Check the lidar's model"), text, "");
+        questions.warn(qsTr("Check the lidar's model"), text);
     }
 
-    function showAbout() {
-        aboutBox.open();
-    }
-
-    function askSave(names) {
-        question.ask("save", qsTr("Values out of range"),
-            qsTr("These values are out of range or badly written:\n%1").arg(names.join("\n")),
-            qsTr("The lidar may refuse them. Continue writes them all the same; Cancel goes back to the page."),
-            qsTr("Continue"));
-    }
-
-    function askRestart() {
-        question.ask("restart", qsTr("Restart the lidar?"),
-                     qsTr("The lidar restarts and does not measure until it is up again."),
-                     qsTr("The connection may be lost; press Connect once the lidar is back."),
-                     qsTr("Restart"));
-    }
-
-    function askReset() {
-        question.ask("reset", qsTr("Reset to factory settings?"),
-                     qsTr("Every setting on the lidar goes back to its factory value."),
-                     qsTr("This cannot be undone. The address may change; press Connect again then."),
-                     qsTr("Reset"));
-    }
-
-    function askClose(sending) {
-        question.warnAndAsk("close", qsTr("Close during the upgrade?"),
-            sending ? qsTr("The firmware is being sent to the lidar.")
-                    : qsTr("The upgrade is not over: the lidar has to restart and to tell what it runs then."),
-            sending ? qsTr("Closing breaks the transfer off, and nothing here will tell which firmware the lidar runs then.")
-                    : qsTr("After closing, nothing here will tell which firmware the lidar runs."),
-            qsTr("Close Anyway"), qsTr("Stay"));
-    }
+    function showAbout() { aboutBox.open(); }
+    function askSave(names) { questions.askSave(names); }
+    function askRestart() { questions.askRestart(); }
+    function askReset() { questions.askReset(); }
+    function askClose(sending) { questions.askClose(sending); }
+    function askEdits(purpose, argument) { questions.askEdits(purpose, argument); }
 
     function showError() {
         const text = manager.errorMessage;
@@ -78,32 +60,52 @@ Item {
             return;
         }
         logged(text, "SUCCESS");
-        successes = successes.concat([text]);
-        Qt.callLater(showSuccesses);
+        if (!logSuccesses) {
+            successes = successes.concat([text]);
+            Qt.callLater(showSuccesses);
+        }
         manager.setSuccessMsg("");
     }
 
-    // What one action of the user brought, in one box: saving a page reports every command.
+    // What one action of the user brought, in one notice: saving a page reports every command.
     function showSuccesses() {
         const text = successes.join("\n");
-        successBox.show(text, Advice.forSuccess(text));
+        notices.show(text, Advice.forSuccess(text));
         successes = [];
+    }
+
+    function tellOfSerialLine(busy) {
+        if (busy) {
+            notices.keep(serialBusy);
+        } else {
+            notices.drop(serialBusy);
+            notices.show(serialFree);
+        }
     }
 
     Connections {
         target: messages.manager
         function onErrorMessageChanged() { messages.showError(); }
         function onSuccessMessageChanged() { messages.showSuccess(); }
-        function onIsGetPBLVersionChanged() { serialBox.tell(messages.manager.isGetPBLVersion); }
+        function onIsGetPBLVersionChanged() { messages.tellOfSerialLine(messages.manager.isGetPBLVersion); }
+    }
+
+    SuccessInfoWindow {
+        id: notices
+
+        anchors.horizontalCenter: parent.horizontalCenter
+        anchors.bottom: parent.bottom
+        anchors.bottomMargin: Theme.gapWide
+        width: Math.min(Theme.dialogWidth, parent.width - 2 * Theme.gapWide)
     }
 
     ErrorInfoWindow { id: errorBox }
-    SuccessInfoWindow { id: successBox }
-    SerialBusyWindow { id: serialBox }
-    MessageWindow {
-        id: question
+    Questions {
+        id: questions
 
-        onAccepted: messages.confirmed(purpose)
+        manager: messages.manager
+        onConfirmed: messages.confirmed(purpose)
+        onEditsAnswered: messages.editsAnswered(answer, purpose, argument)
     }
     AboutWindow {
         id: aboutBox

@@ -3,8 +3,12 @@ import QtQuick.Templates 2.15 as T
 import "../theme"
 
 // What every message box shares: a title, what happened, what to do next, and a row of buttons.
-// Enter takes the main button, Escape the way out; when the main button is dangerous, Enter takes
-// the way out, too. It opens in the middle of the window.
+// Enter takes the main button, Escape the way out. A guarded box makes the way out its main button,
+// so that nothing is lost by a hasty Enter. It opens in the middle of the window.
+//
+// otherText  a third answer; left out while empty
+// dangerous  the answer named by acceptText cannot be taken back; the box is guarded then
+// other()    the third answer was given
 T.Dialog {
     id: frame
 
@@ -15,9 +19,13 @@ T.Dialog {
     property string acceptText: qsTr("OK")
     property string rejectText: qsTr("Cancel")
     property bool cancellable: false
+    property string otherText: ""
     property bool dangerous: false
+    property bool guarded: dangerous
     // What a special box shows between the advice and the buttons.
     property alias extra: extraSlot.data
+
+    signal other()
 
     parent: T.Overlay.overlay
     x: parent ? Math.round((parent.width - width) / 2) : 0
@@ -32,7 +40,7 @@ T.Dialog {
     closePolicy: T.Popup.CloseOnEscape
     font: Theme.bodyFont
 
-    onOpened: (dangerous ? rejectButton : acceptButton).forceActiveFocus(Qt.TabFocusReason)
+    onOpened: (guarded ? rejectButton : acceptButton).forceActiveFocus(Qt.TabFocusReason)
 
     T.Overlay.modal: Rectangle { color: Theme.dimmingColor }
 
@@ -144,10 +152,21 @@ T.Dialog {
             spacing: Theme.gap
 
             DefaultButton {
+                objectName: "dialogOther"
+                visible: text.length > 0
+                dangerous: true
+                text: frame.otherText
+                onClicked: {
+                    frame.close();
+                    frame.other();
+                }
+            }
+            DefaultButton {
                 id: rejectButton
 
                 objectName: "dialogReject"
                 visible: frame.cancellable
+                emphasised: frame.guarded
                 text: frame.rejectText
                 onClicked: frame.reject()
             }
@@ -155,7 +174,7 @@ T.Dialog {
                 id: acceptButton
 
                 objectName: "dialogAccept"
-                emphasised: !frame.dangerous
+                emphasised: !frame.guarded
                 dangerous: frame.dangerous
                 text: frame.acceptText
                 onClicked: frame.accept()

@@ -68,6 +68,7 @@ QtObject {
     readonly property int histogramBarWidth: 16 * grid
     readonly property int scrollBarWidth: 2 * grid
     readonly property int dialogWidth: 120 * grid
+    readonly property int noticeLimit: 4
     readonly property int toolTipWidth: 80 * grid
     // The areas of the window.
     readonly property int windowWidth: 325 * grid
@@ -113,5 +114,6 @@ QtObject {
 
     readonly property int toolTipDelayMs: 600
     readonly property int fadeMs: 120
+    readonly property int noticeMs: 6000
     readonly property int spinMs: 1200
 }

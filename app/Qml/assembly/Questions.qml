@@ -1,0 +1,107 @@
+import QtQuick 2.15
+import Tevron 1.0
+
+// Everything that the window asks about, one question at a time.
+//
+// manager   the object that holds the values which a question may be about
+// confirmed(purpose)  the question that was asked for `purpose` was answered with yes
+// editsAnswered(answer, purpose, argument)  what becomes of unsaved edits: "save" or "discard"; the
+//           user who stays is not told of
+Item {
+    id: questions
+
+    property var manager
+
+    signal confirmed(string purpose)
+    signal editsAnswered(string answer, string purpose, var argument)
+
+    readonly property var editsTitles: ({
+        "tab": qsTr("Leave the page with unsaved edits?"),
+        "model": qsTr("Choose another model with unsaved edits?"),
+        "connect": qsTr("Connect with unsaved edits?"),
+        "disconnect": qsTr("Disconnect with unsaved edits?"),
+        "close": qsTr("Close the window with unsaved edits?")
+    })
+
+    function warn(title, message) {
+        box.ask({ "title": title, "message": message, "advice": "", "accept": qsTr("OK"), "reject": null });
+    }
+
+    function askEdits(purpose, argument) {
+        box.ask({ "purpose": "edits", "argument": { "purpose": purpose, "argument": argument },
+                  "title": editsTitles[purpose],
+                  "message": qsTr("What you changed on this page is not saved."),
+                  "advice": qsTr("Save writes it to the lidar first; Discard drops it."),
+                  "accept": qsTr("Save"), "other": qsTr("Discard"), "reject": qsTr("Stay"),
+                  "guarded": true });
+    }
+
+    function askSave(names) {
+        box.ask({ "purpose": "save", "title": qsTr("Values out of range"),
+                  "message": qsTr("These values are out of range or badly written:\n%1")
+                                 .arg(names.map(describe).join("\n")),
+                  "advice": qsTr("The lidar may refuse them. Continue writes them all the same; Cancel goes back to the page."),
+                  "accept": qsTr("Continue"), "dangerous": true });
+    }
+
+    function askRestart() {
+        box.ask({ "purpose": "restart", "title": qsTr("Restart the lidar?"),
+                  "message": qsTr("The lidar restarts and does not measure until it is up again."),
+                  "advice": qsTr("The connection may be lost meanwhile."),
+                  "accept": qsTr("Restart") });
+    }
+
+    function askReset() {
+        box.ask({ "purpose": "reset", "title": qsTr("Reset to factory settings?"),
+                  "message": qsTr("Every setting on the lidar goes back to its factory value."),
+                  "advice": qsTr("This cannot be undone. The address may change; connect to the new one then."),
+                  "accept": qsTr("Reset"), "dangerous": true });
+    }
+
+    function askClose(sending) {
+        box.ask({ "purpose": "close", "title": qsTr("Close during the upgrade?"),
+                  "message": sending ? qsTr("The firmware is being sent to the lidar.")
+                           : qsTr("The upgrade is not over: the lidar has to restart and to tell what it runs then."),
+                  "advice": sending ? qsTr("Closing breaks the transfer off, and nothing here will tell which firmware the lidar runs then.")
+                          : qsTr("After closing, nothing here will tell which firmware the lidar runs."),
+                  "accept": qsTr("Close Anyway"), "reject": qsTr("Stay"), "dangerous": true });
+    }
+
+    // The map entry of the variable `name`; null when no page shows it.
+    function leafOf(name) {
+        for (const page of manager.myMap) {
+            for (const group of page) {
+                const leaf = group.find(entry => entry.var_name === name);
+                if (leaf !== undefined)
+                    return leaf;
+            }
+        }
+        return null;
+    }
+
+    // A value and what would be allowed, in one line.
+    function describe(name) {
+        const leaf = leafOf(name);
+        if (leaf === null)
+            return name;
+        const allowed = leaf.range_min !== 0 || leaf.range_max !== 0
+            ? qsTr("%1 to %2 %3").arg(leaf.range_min).arg(leaf.range_max).arg(leaf.unit || "").trim()
+            : InputRules.ValueProblem(leaf, leaf.current_val).toLowerCase();
+        return allowed === "" ? qsTr("%1: %2").arg(name).arg(leaf.current_val)
+             : qsTr("%1: %2; allowed: %3").arg(name).arg(leaf.current_val).arg(allowed);
+    }
+
+    MessageWindow {
+        id: box
+
+        onAnswered: {
+            if (purpose !== "edits") {
+                if (answer === "accept" && purpose !== "")
+                    questions.confirmed(purpose);
+            } else if (answer !== "reject") {
+                questions.editsAnswered(answer === "accept" ? "save" : "discard", argument.purpose,
+                                        argument.argument);
+            }
+        }
+    }
+}
