@@ -6,5 +6,6 @@
 struct TestInstall : InstallRoot {
   TestInstall() {
     std::filesystem::copy(TEVRON_CONFIG_SOURCE, "Config", std::filesystem::copy_options::recursive);
+    std::filesystem::remove_all("Config/site");  // a developer's own
   }
 };
