@@ -2,7 +2,9 @@
 // what the user is told agrees with what the lidar itself says that it holds, and the next upgrade
 // succeeds.
 
+#include <fcntl.h>
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 #include <QJsonObject>
 #include <chrono>
@@ -64,6 +66,19 @@ UpgradeWaits WaitsFor(Expect expect) {
   return waits;
 }
 
+/// A port whose name no other process of the machine gets while this lives, gone or not.
+class HeldPort {
+ public:
+  explicit HeldPort(const QString& name)
+      : fd_(open(name.toStdString().c_str(), O_RDWR | O_NOCTTY | O_CLOEXEC)) {}
+  ~HeldPort() { close(fd_); }
+  HeldPort(const HeldPort&) = delete;
+  HeldPort& operator=(const HeldPort&) = delete;
+
+ private:
+  const int fd_;
+};
+
 /// The version that the lidar itself says that it runs.
 std::string RunningOn(const VirtualLidarProcess& lidar) {
   const QJsonObject firmware = lidar.State().value("firmware").toObject();
@@ -92,6 +107,7 @@ void UpgradeCut::Break(int piece) {
   VirtualLidarProcess lidar({"--model", cut_.model, "--fault", fault, "--restart-time", "20"});
   const std::string old_version = RunningOn(lidar);
   const QString old_port = lidar.SerialPort();
+  const HeldPort held(cut_.expect == Expect::kUnknown ? old_port : "");
   {
     UpgradeBench bench(cut_.model, lidar, WaitsFor(cut_.expect));
     ASSERT_EQ(bench.Start(first_, false), 0);
@@ -119,8 +135,8 @@ void UpgradeCut::Break(int piece) {
   EXPECT_TRUE(Holds(outcome, "Upgrade complete") && Holds(outcome, "2.9.0.1")) << outcome;
 }
 
-TEST_P(UpgradeCut, AtEveryPiece) {
-  for (int piece = 1; piece <= kPieces && !HasFailure(); ++piece) {
+TEST_P(UpgradeCut, AtAnyPiece) {
+  for (int piece = 1; piece <= kPieces && !HasFailure(); piece += CUT_EVERY) {
     SCOPED_TRACE("piece " + std::to_string(piece));
     Break(piece);
   }
