@@ -15,7 +15,7 @@
 
 QVariantList TevronManager::logRepeaterModel() const {
   QVariantList names;
-  for (const VarInfo* var : OfferedLogs(*parts_->model()->table, nullptr)) {
+  for (const VarInfo* var : OfferedLogs(*parts_->model()->table)) {
     names.append(QString::fromStdString(var->var_name));
   }
   return names;

@@ -20,9 +20,10 @@
 #include "options.h"
 #include "server/device_server.h"
 #include "server/event_loop.h"
-#include "table_check.h"
+#include "table_check/table_check.h"
 #include "variables/model_list.h"
 #include "variables/monitor_tables.h"
+#include "variables/table_rules.h"
 
 namespace {
 
@@ -89,10 +90,15 @@ std::string Listed(const std::vector<std::string>& names) {
 }
 
 /// The model's table with the monitor table of *hardware on it; of the first version when that is
-/// empty, which it then names. A model without such tables is as it is.
+/// empty, which it then names. A model without such tables is as it is. *faults gets what is wrong
+/// with them.
 std::shared_ptr<const ConfigParser> LoadTables(const std::string& model_table,
-                                               std::string* hardware) {
-  auto table = std::make_shared<const ConfigParser>(LoadTable(model_table));
+                                               std::string* hardware, TableFaults* faults) {
+  auto table = std::make_shared<const ConfigParser>(LoadModelTable(model_table));
+  *faults = table->Faults();
+  if (table->InTableOrder().empty() && !faults->empty()) {
+    throw std::runtime_error(faults->front().text);
+  }
   const std::vector<std::string> versions = ListMonitorVersions(model_table);
   if (hardware->empty() && !versions.empty()) {
     *hardware = versions.front();
@@ -100,13 +106,19 @@ std::shared_ptr<const ConfigParser> LoadTables(const std::string& model_table,
   if (hardware->empty()) {
     return table;
   }
-  TableFaults faults;
-  std::shared_ptr<const ConfigParser> with_monitor = WithMonitorTable(*table, *hardware, &faults);
+  std::shared_ptr<const ConfigParser> with_monitor = WithMonitorTable(*table, *hardware, faults);
   if (with_monitor == nullptr) {
     throw std::runtime_error("there is no monitor table of hardware \"" + *hardware +
                              "\" that can be used; there are" + Listed(versions));
   }
   return with_monitor;
+}
+
+int CheckAndPrint(const Options& options) {
+  const TableReport report =
+      CheckTables(ConfigFolder(options.config_folder), options.checked_model);
+  PrintReport(report, std::cout);
+  return report.FaultCount() == 0 ? 0 : 1;
 }
 
 int Serve(const Options& options, int signals) {
@@ -120,7 +132,9 @@ int Serve(const Options& options, int signals) {
   }
   DeviceProfile profile = MakeProfile(options);
   profile.hardware = options.hardware;
-  const auto table = LoadTables(tables + "/" + options.model + ".csv", &profile.hardware);
+  TableFaults table_faults;
+  const auto table =
+      LoadTables(tables + "/" + options.model + ".csv", &profile.hardware, &table_faults);
   std::string error;
   if (options.make_firmware) {
     return WriteFirmwareFile(*table, options.model, options.firmware_version, options.firmware_size,
@@ -135,8 +149,8 @@ int Serve(const Options& options, int signals) {
     }
   }
   const LineLog log(STDOUT_FILENO);
-  for (const std::string& fault : device.memory().faults()) {
-    log.Write(fault);
+  for (const TableFault& fault : table_faults) {
+    log.Write(fault.text);
   }
   FaultBox faults(options.faults);
   EventLoop loop;
@@ -157,12 +171,12 @@ int main(int argc, char** argv) {
   if (!options) {
     return exit_code;
   }
-  if (options->check_tables) {
-    return CheckTables(options->config_folder, std::cout) == 0 ? 0 : 1;
-  }
-  OutliveTheReader();
-  const int signals = OpenSignals();
   try {
+    if (options->check_tables) {
+      return CheckAndPrint(*options);
+    }
+    OutliveTheReader();
+    const int signals = OpenSignals();
     return Serve(*options, signals);
   } catch (const std::exception& error) {
     return Complain(error.what());

@@ -31,7 +31,7 @@ std::string FaultHelp() {
           "  virtual_lidar --fault late=700@0x11            answers when nobody waits any more\n"
           "  virtual_lidar --set 'Spin Rate=1200' --dump state.json\n"
           "  virtual_lidar --hardware B2 --seed 7           measures, and the same on every run\n"
-          "  virtual_lidar --check-tables --config ./Config\n"
+          "  virtual_lidar --check-tables Heron             what is wrong with the tables of it\n"
           "  virtual_lidar --model Orca --make-firmware 2.8.0 orca.patch\n\n"
           "Signals: SIGUSR1 writes the dump file anew; SIGTERM and SIGINT end at once.";
   return text.str();
@@ -156,8 +156,11 @@ void DeclareHowToBehave(CLI::App* app, CommandLine* line, Options* options) {
       ->type_name("FAULT")
       ->allow_extra_args(false)
       ->check(CLI::Validator(CheckFault, ""));
-  app->add_flag("--check-tables", options->check_tables,
-                "Check every table of the folder, list each fault, and end (1: there are some)");
+  app->add_option("--check-tables", options->checked_model,
+                  "Check the tables of every model, or of this one (also that of --model), list "
+                  "what is wrong, and end (1: there are faults)")
+      ->type_name("[MODEL]")
+      ->expected(0, 1);
 }
 
 void DeclareFirmware(CLI::App* app, CommandLine* line) {
@@ -233,6 +236,10 @@ std::optional<Options> ParseOptions(int argc, char** argv, int* exit_code) {
   try {
     app.parse(argc, argv);
     line.port_given = app.count("--port") > 0;
+    options.check_tables = app.count("--check-tables") > 0;
+    if (options.checked_model.empty() && app.count("--model") > 0) {
+      options.checked_model = options.model;
+    }
     MakeSense(line, &options);
   } catch (const CLI::ParseError& error) {
     *exit_code = app.exit(error);

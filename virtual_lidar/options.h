@@ -20,6 +20,7 @@ struct Options {
   std::vector<std::pair<std::string, std::string>> presets;  ///< variable and text
   ServerSetup server;
   bool check_tables = false;
+  std::string checked_model;  ///< whose tables; empty: of every model
   bool make_firmware = false;
   std::string firmware_version;
   std::string firmware_file;

@@ -5,8 +5,8 @@
 #include <utility>
 
 #include "variables/feature_config.h"
-#include "variables/log_variables.h"
 #include "variables/monitor_tables.h"
+#include "variables/table_rules.h"
 
 namespace {
 
@@ -33,15 +33,9 @@ std::shared_ptr<LidarModel> LoadLidarModel(const std::string& table_path) {
   const ModelTraits traits = TraitsOf(model->name);
   model->connect_type = traits.connect;
   model->family = traits.family;
-  try {
-    model->table = std::make_shared<ConfigParser>(LoadTable(table_path));
-  } catch (const std::exception& e) {
-    model->faults.push_back({0, table_path + ": " + e.what()});
-  }
-  const TableFaults& faults = model->table->Faults();
-  model->faults.insert(model->faults.end(), faults.begin(), faults.end());
+  model->table = std::make_shared<ConfigParser>(LoadModelTable(table_path));
+  model->faults = model->table->Faults();
   model->pages = PageModel(*model->table);
-  OfferedLogs(*model->table, &model->faults);
 
   const std::string features = model->config_folder + "/feature_config.csv";
   try {

@@ -87,8 +87,8 @@ class ConfigParser {
   /// Variables that this command writes, however its code is written: the fields of its payload.
   const std::vector<const VarInfo*>& WrittenBy(const std::string& set_cmd) const;
 
-  /// Rows with "GroupID" 0, in table order: their non-empty cells from the second column on.
-  const std::vector<std::vector<std::string>>& Directives() const { return table_->directives; }
+  /// Rows with "GroupID" 0, in table order.
+  const std::vector<TableDirective>& Directives() const { return table_->directives; }
 
   /// Everything found wrong while loading the own table, in the order of the lines.
   const TableFaults& Faults() const { return table_->faults; }

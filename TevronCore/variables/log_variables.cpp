@@ -2,30 +2,19 @@
 
 #include <algorithm>
 #include <stdexcept>
-#include <string_view>
 
 #include "variables/hex_cell.h"
 
-namespace {
-
-constexpr std::string_view kLogDirective = "log";
-
-}  // namespace
-
-std::vector<const VarInfo*> OfferedLogs(const ConfigParser& table, TableFaults* faults) {
+std::vector<const VarInfo*> OfferedLogs(const ConfigParser& table) {
   std::vector<const VarInfo*> offered;
-  for (const std::vector<std::string>& directive : table.Directives()) {
-    if (directive.size() < 2 || directive[0] != kLogDirective || directive[1] == kOperationLog) {
+  for (const TableDirective& directive : table.Directives()) {
+    if (directive.cells.size() < 2 || directive.name() != kLogDirective ||
+        directive.cells[1] == kOperationLog) {
       continue;
     }
-    const VarInfo* var = table.FindByName(directive[1]);
+    const VarInfo* var = table.FindByName(directive.cells[1]);
     const bool can_be_asked_for = var != nullptr && !(var->get_cmd.empty() && var->set_cmd.empty());
-    if (!can_be_asked_for) {
-      if (faults != nullptr) {
-        faults->push_back({0, table.path() + ": the log \"" + directive[1] +
-                                  "\" is offered and no variable with a command"});
-      }
-    } else if (std::find(offered.begin(), offered.end(), var) == offered.end()) {
+    if (can_be_asked_for && std::find(offered.begin(), offered.end(), var) == offered.end()) {
       offered.push_back(var);
     }
   }

@@ -15,10 +15,12 @@ inline constexpr char kOperationLog[] = "Operation Log";
 /// The lidar's configuration as one file.
 inline constexpr char kConfigFile[] = "Config File";
 
-/// The variables that the table's "log" directives name, in the order of the directives, each once.
-/// Appends to *faults (may be null) for each name that is no variable which can be asked
-/// for. The operation log is none of them: it has its own download.
-std::vector<const VarInfo*> OfferedLogs(const ConfigParser& table, TableFaults* faults);
+/// The directive that puts a variable on the list from which the user downloads.
+inline constexpr char kLogDirective[] = "log";
+
+/// The variables that the table's "log" directives name and that can be asked for, in the order of
+/// the directives, each once. The operation log is none of them: it has its own download.
+std::vector<const VarInfo*> OfferedLogs(const ConfigParser& table);
 
 /// The request for what `var` stands for: its read command, or its write command where it has no
 /// other, as a long command with its "SetCmdPayload". Throws std::invalid_argument when both are

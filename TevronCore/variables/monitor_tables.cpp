@@ -7,6 +7,8 @@
 #include <string_view>
 #include <utility>
 
+#include "variables/table_rules.h"
+
 namespace {
 
 constexpr std::string_view kHead = "Monitor_";
@@ -105,6 +107,7 @@ std::shared_ptr<ConfigParser> WithMonitorTable(const ConfigParser& base, const s
   }
   try {
     LoadedTable table = LoadTable(path);
+    ApplyMonitorTableRules(&table);
     faults->insert(faults->end(), table.faults.begin(), table.faults.end());
     MakeMonitor(base, version, block->function_module, &table, faults);
     return table.variables.empty() ? nullptr

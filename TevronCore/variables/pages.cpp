@@ -5,8 +5,6 @@
 
 namespace {
 
-constexpr std::string_view kPageDirective = "page";
-
 bool Fits(int index, size_t size) { return index >= 0 && static_cast<size_t>(index) < size; }
 
 }  // namespace
@@ -43,13 +41,13 @@ PageModel::PageModel(const ConfigParser& parser) {
       monitor_page_ = static_cast<int>(page_index);
     }
   }
-  for (const std::vector<std::string>& directive : parser.Directives()) {
-    if (directive.size() < 3 || directive[0] != kPageDirective) {
+  for (const TableDirective& directive : parser.Directives()) {
+    if (directive.cells.size() < 3 || directive.name() != kPageDirective) {
       continue;
     }
-    const auto page = page_of_name.find(directive[1]);
+    const auto page = page_of_name.find(directive.cells[1]);
     if (page != page_of_name.end()) {
-      pages_[page->second].description = directive[2];
+      pages_[page->second].description = directive.cells[2];
     }
   }
 }

@@ -5,6 +5,9 @@
 
 #include "variables/config_parser.h"
 
+/// The directive that gives a page the line under its title.
+inline constexpr char kPageDirective[] = "page";
+
 /// A page of the screens: the variables with one "FunctionModule" text.
 struct Page {
   struct Group {

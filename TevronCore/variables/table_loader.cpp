@@ -74,8 +74,7 @@ LoadedTable Loader::Load() {
   ListVariables();
   places_.Fill();
   CheckSwitchReferences();
-  std::stable_sort(table_.faults.begin(), table_.faults.end(),
-                   [](const TableFault& a, const TableFault& b) { return a.line < b.line; });
+  SortByLine(&table_.faults);
   std::cout << std::flush;
   return std::move(table_);
 }
@@ -104,7 +103,7 @@ void Loader::LoadRows() {
 }
 
 void Loader::FaultAt(size_t line, const std::string& reason) {
-  table_.faults.push_back({line, table_.path + ", line " + std::to_string(line) + ": " + reason});
+  FileFaults(table_.path, &table_.faults).Fault(line, reason);
 }
 
 void Loader::LoadRow() {
@@ -156,7 +155,7 @@ void Loader::KeepDirective() {
       cells.emplace_back(cell);
     }
   }
-  table_.directives.push_back(std::move(cells));
+  table_.directives.push_back({csv_->line(), std::move(cells)});
 }
 
 void Loader::KeepName(VarInfo* var) {

@@ -14,6 +14,15 @@
 #include "variables/var_index.h"
 #include "variables/var_info.h"
 
+/// A row with "GroupID" 0.
+struct TableDirective {
+  size_t line = 0;                 ///< 1-based line of the file where the row starts.
+  std::vector<std::string> cells;  ///< Its cells from the second column on that are not empty.
+
+  /// Its "Index" cell.
+  const std::string& name() const { return cells.front(); }
+};
+
 /// A table as it was read, finished. Its parts point at one another; moving it keeps them valid.
 struct LoadedTable {
   std::string path;
@@ -25,7 +34,7 @@ struct LoadedTable {
   std::deque<FieldGroup> groups;
   std::unordered_map<std::string, FieldGroup*> writes;  ///< By CommandKey of the command.
   std::unordered_set<std::string> reads;                ///< CommandKeys of the commands that read.
-  std::vector<std::vector<std::string>> directives;     ///< See ConfigParser::Directives.
+  std::vector<TableDirective> directives;               ///< In table order.
   TableFaults faults;
 };
 

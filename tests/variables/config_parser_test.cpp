@@ -72,8 +72,11 @@ TEST_F(ConfigParserTest, PlacesVariablesOneBehindTheOther) {
 
 TEST_F(ConfigParserTest, KeepsRowsOfGroupZeroAsDirectives) {
   Load("0,page,,Scan,,\"How it turns, and more\"\n1,1,0x01,,,A,0,uint8\n0,future\n");
-  EXPECT_EQ(parser_.Directives(), (std::vector<std::vector<std::string>>{
-                                      {"page", "Scan", "How it turns, and more"}, {"future"}}));
+  ASSERT_EQ(parser_.Directives().size(), 2U);
+  EXPECT_EQ(parser_.Directives()[0].cells,
+            (std::vector<std::string>{"page", "Scan", "How it turns, and more"}));
+  EXPECT_EQ(parser_.Directives()[1].cells, std::vector<std::string>{"future"});
+  EXPECT_EQ(parser_.Directives()[1].line, 4U);
   EXPECT_EQ(parser_.InTableOrder().size(), 1U);
 }
 

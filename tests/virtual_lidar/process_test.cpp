@@ -107,9 +107,9 @@ TEST(Process, ChecksTheTables) {
   // The default folder is the one below the current directory.
   Program bad({"--check-tables"}, folder.path());
   EXPECT_EQ(bad.ExitCode(), 1);
-  for (const char* text : {"Bad.csv, line 2: \"Wide\": default \"256\"", "Short.csv",
+  for (const char* text : {"Bad.csv, line 2: \"Wide\": DefaultValue \"256\"", "Short.csv",
                            "Bad.csv: no row has \"monitor\" for its Options",
-                           "\n./Config/feature_config.csv: No such file", "auth_config.csv, line 2",
+                           "./Config/feature_config.csv: ", "auth_config.csv, line 2",
                            "model \"Nobody\" has no variable table"}) {
     EXPECT_TRUE(bad.Output().contains(text)) << text << " in\n" << bad.Output().toStdString();
   }

@@ -56,7 +56,7 @@ bool StartsWith(const Bytes& bytes, const Bytes& head) {
 
 LogStore::LogStore(const ConfigParser& table, SerialFamily family, uint32_t size)
     : family_(family), records_(Records(size)) {
-  for (const VarInfo* var : OfferedLogs(table, nullptr)) {
+  for (const VarInfo* var : OfferedLogs(table)) {
     Offer(*var, false);
   }
   if (const VarInfo* var = table.FindByName(kConfigFile)) {

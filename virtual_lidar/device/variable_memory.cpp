@@ -5,10 +5,10 @@
 
 #include "CmxClient/fov_command.h"
 #include "Wire/big_endian.h"
-#include "device/value_encoder.h"
 #include "device/write_rules.h"
 #include "variables/command_code.h"
 #include "variables/monitor_tables.h"
+#include "variables/value_encoder.h"
 #include "variables/value_text.h"
 #include "wire/message.h"
 
@@ -60,7 +60,7 @@ VariableMemory::VariableMemory(const ConfigParser& table) {
   std::map<const FieldGroup*, size_t> group_of;
   for (const VarInfo* var : table.InTableOrder()) {
     const size_t cell = cells_.size();
-    AddCell(table, *var);
+    AddCell(*var);
     by_id_[var->var_id] = cell;
     if (auto read = WireCommandIn(var->get_cmd, var->read)) {
       reads_[{read->code, std::move(read->payload)}].push_back(cell);
@@ -80,21 +80,12 @@ void VariableMemory::MarkMeasured(const ConfigParser& table) {
   }
 }
 
-void VariableMemory::AddCell(const ConfigParser& table, const VarInfo& var) {
-  const auto report = [&](const std::string& reason) {
-    faults_.push_back(table.path() + ", line " + std::to_string(var.line) + ": \"" + var.var_name +
-                      "\": " + reason);
-  };
+void VariableMemory::AddCell(const VarInfo& var) {
   Cell cell;
   cell.var = &var;
-  std::string error;
-  if (!EncodeValueText(var, var.default_val, &cell.factory, &error)) {
-    report("default " + error);
-  }
+  std::string ignored;
+  EncodeValueText(var, var.default_val, &cell.factory, &ignored);
   if (IsFovTable(var) && !IsAcceptableFovTable(cell.factory)) {
-    if (!var.default_val.empty()) {
-      report("the default is no field-of-view table");
-    }
     cell.factory = FullTurn();
   }
   cell.value = cell.factory;

@@ -34,8 +34,7 @@ class VariableMemory {
     bool measured = false;  ///< values were measured anew for the reply
   };
 
-  /// Every variable starts at its default. Defaults that cannot be encoded are listed in faults(),
-  /// each with file and line, and leave zeros behind.
+  /// Every variable starts at its default; one that cannot be encoded leaves zeros behind.
   explicit VariableMemory(const ConfigParser& table);
 
   /// From now on the numbers on the monitor page are measured anew whenever they are read.
@@ -65,7 +64,6 @@ class VariableMemory {
   static Bytes ValueNow(const Cell& cell, uint32_t up_time_s);
   /// Text of the variable named so, as a client would show it; nothing when there is none.
   std::optional<std::string> TextOf(const std::string& name) const;
-  const std::vector<std::string>& faults() const { return faults_; }
 
  private:
   struct WriteGroup {
@@ -77,7 +75,7 @@ class VariableMemory {
     bool is_fov_table = false;
   };
 
-  void AddCell(const ConfigParser& table, const VarInfo& var);
+  void AddCell(const VarInfo& var);
   void AddToWriteGroup(const VarInfo& var, size_t cell,
                        std::map<const FieldGroup*, size_t>* group_of);
   size_t ReplySize(const std::vector<size_t>& cells) const;
@@ -92,5 +90,4 @@ class VariableMemory {
   std::map<std::string, size_t> by_id_;
   std::map<std::pair<uint8_t, Bytes>, std::vector<size_t>> reads_;
   std::vector<WriteGroup> writes_;
-  std::vector<std::string> faults_;
 };

@@ -8,9 +8,9 @@
 
 #include "CmxClient/fov_command.h"
 #include "Wire/big_endian.h"
-#include "device/value_encoder.h"
 #include "variables/exact_number.h"
 #include "variables/number_text.h"
+#include "variables/value_encoder.h"
 
 namespace {
 

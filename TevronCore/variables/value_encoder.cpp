@@ -1,4 +1,4 @@
-#include "device/value_encoder.h"
+#include "variables/value_encoder.h"
 
 #include <algorithm>
 #include <charconv>
