@@ -21,6 +21,16 @@ std::vector<const VarInfo*> OfferedLogs(const ConfigParser& table) {
   return offered;
 }
 
+bool IsDownload(const LoadedTable& table, const VarInfo& var) {
+  const auto names_it = [&var](const TableDirective& directive) {
+    return directive.name() == kLogDirective && directive.cells.size() > 1 &&
+           directive.cells[1] == var.var_name;
+  };
+  return var.function_module.empty() &&
+         (var.var_name == kOperationLog || var.var_name == kConfigFile ||
+          std::any_of(table.directives.begin(), table.directives.end(), names_it));
+}
+
 WireCommand DownloadRequestOf(const VarInfo& var, const std::string& called) {
   const std::string& text = var.get_cmd.empty() ? var.set_cmd : var.get_cmd;
   if (text.empty()) {

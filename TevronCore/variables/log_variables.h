@@ -22,6 +22,10 @@ inline constexpr char kLogDirective[] = "log";
 /// the directives, each once. The operation log is none of them: it has its own download.
 std::vector<const VarInfo*> OfferedLogs(const ConfigParser& table);
 
+/// Whether the variable stands for something that is downloaded, and for nothing else: one of the
+/// two above or named by a "log" directive, and on no page.
+bool IsDownload(const LoadedTable& table, const VarInfo& var);
+
 /// The request for what `var` stands for: its read command, or its write command where it has no
 /// other, as a long command with its "SetCmdPayload". Throws std::invalid_argument when both are
 /// empty ("Can not find " + `called` + " command") or the text is no command.

@@ -8,6 +8,9 @@
 /// The directive that gives a page the line under its title.
 inline constexpr char kPageDirective[] = "page";
 
+/// The directive that gives the rows of one GroupID a caption.
+inline constexpr char kGroupDirective[] = "group";
+
 /// A page of the screens: the variables with one "FunctionModule" text.
 struct Page {
   struct Group {

@@ -1,5 +1,7 @@
 #include "CmxClient/fov_command.h"
 
+#include <algorithm>
+
 #include "Wire/big_endian.h"
 
 namespace kavel::lidar {
@@ -38,6 +40,14 @@ bool ParseFovTable(const std::vector<uint8_t>& payload, std::array<float, 10>* d
     angle_bytes += sizeof(uint32_t);
   }
   return true;
+}
+
+bool IsValidFovTable(const std::vector<uint8_t>& payload) {
+  std::array<float, 10> degrees = {};
+  uint8_t mode = 0;
+  return ParseFovTable(payload, &degrees, &mode) &&
+         std::all_of(degrees.begin(), degrees.end(),
+                     [](float angle) { return angle >= 0 && angle <= 360; });
 }
 
 }  // namespace kavel::lidar

@@ -30,4 +30,8 @@ int32_t SendFovTable(CommandSender& sender, const std::array<float, 10>& degrees
 bool ParseFovTable(const std::vector<uint8_t>& payload, std::array<float, 10>* degrees,
                    uint8_t* mode);
 
+/// Whether a lidar takes this payload as its table: one of that layout, all its angles from 0 to
+/// 360 degrees.
+bool IsValidFovTable(const std::vector<uint8_t>& payload);
+
 }  // namespace kavel::lidar

@@ -85,7 +85,7 @@ void VariableMemory::AddCell(const VarInfo& var) {
   cell.var = &var;
   std::string ignored;
   EncodeValueText(var, var.default_val, &cell.factory, &ignored);
-  if (IsFovTable(var) && !IsAcceptableFovTable(cell.factory)) {
+  if (IsFovTable(var) && !kavel::lidar::IsValidFovTable(cell.factory)) {
     cell.factory = FullTurn();
   }
   cell.value = cell.factory;
@@ -200,7 +200,7 @@ VariableMemory::Outcome VariableMemory::Write(const WriteGroup& group, const Byt
   for (const auto& [cell, bytes] : incoming) {
     const VarInfo& var = *cells_[cell].var;
     const bool acceptable = group.is_fov_table
-                                ? IsAcceptableFovTable(bytes)
+                                ? kavel::lidar::IsValidFovTable(bytes)
                                 : bytes == cells_[cell].value || !IsCheckedNow(var, incoming) ||
                                       IsAcceptableValue(var, bytes);
     if (!acceptable) {

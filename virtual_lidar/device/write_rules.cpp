@@ -1,12 +1,10 @@
 #include "device/write_rules.h"
 
 #include <algorithm>
-#include <array>
 #include <cmath>
 #include <optional>
 #include <string>
 
-#include "CmxClient/fov_command.h"
 #include "Wire/big_endian.h"
 #include "variables/exact_number.h"
 #include "variables/number_text.h"
@@ -68,12 +66,4 @@ bool IsAcceptableValue(const VarInfo& var, const Bytes& bytes) {
   // A client that sends back what it read has the one scale, one that encodes anew the other.
   return IsWithinRange(var, bytes, var.coefficient) ||
          IsWithinRange(var, bytes, var.set_coefficient);
-}
-
-bool IsAcceptableFovTable(const Bytes& bytes) {
-  std::array<float, 10> degrees = {};
-  uint8_t mode = 0;
-  return kavel::lidar::ParseFovTable(bytes, &degrees, &mode) &&
-         std::all_of(degrees.begin(), degrees.end(),
-                     [](float angle) { return angle >= 0 && angle <= 360; });
 }

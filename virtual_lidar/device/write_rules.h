@@ -9,7 +9,3 @@
 /// range (0 always passes for a switch), one of the options of a choice, a finite float.
 /// `bytes` has exactly the variable's length.
 bool IsAcceptableValue(const VarInfo& var, const std::vector<uint8_t>& bytes);
-
-/// Whether the device takes these bytes as its field-of-view table: mode, count 5, and ten angles
-/// from 0 to 360 degrees.
-bool IsAcceptableFovTable(const std::vector<uint8_t>& bytes);
