@@ -280,7 +280,7 @@ std::shared_ptr<Connection> ConnectAttempt::Join(const ClientPtr& client, const 
       report_->LogLine(warning, LogType::kWarning);
     }
   }
-  const bool reply_prefix = request_.model->connect_type == kSerialCmx;
+  const bool reply_prefix = request_.model->connect_type != kNetworkLink;
   const auto sender = std::make_shared<AuthorizedCmxClient>(
       client, config, reply_prefix, request_.auth_log, std::move(algorithm));
   auto connection = std::make_shared<Connection>(client, sender, serial);

@@ -57,7 +57,11 @@ TEST_F(ManagerSerialTest, OneLineConnectsIdentifiesSetsVanishesAndLeavesThePortF
   }
 }
 
-TEST_F(ManagerSerialTest, APairOfPortsConnectsAndTheConsoleWorks) {
+TEST_F(ManagerSerialTest, APairOfPortsConnectsTheConsoleWorksAndSettingsAreProtected) {
+  install_.Write("Config/auth_config.csv",
+                 "Model,Enable,AlgorithmID,ProbeCmd,ChallengeCmd,ResponseCmd,ProtectedCmds,"
+                 "ProbeValueOffset,ProbeValueLen,ProbeEndian\n"
+                 "Lumo,1,3,0xDF,0x66,0xE0,0x47,0,1,big\n");
   const VirtualLidarProcess lidar({"--model", "Lumo"});
   QStringList order;
   QObject::connect(manager_.get(), &TevronManager::isConnectedChanged, [this, &order] {
@@ -70,6 +74,8 @@ TEST_F(ManagerSerialTest, APairOfPortsConnectsAndTheConsoleWorks) {
   EXPECT_EQ(manager_->connectType(), 1);
   manager_->SendCommand("4B", "");
   EXPECT_FALSE(manager_->getSendCmxCommandReturnPayload().isEmpty());
+  manager_->LumoSetSpinRate(900);
+  EXPECT_TRUE(Tells(3, 900));
   EXPECT_EQ(manager_->Restart(), 0);
 }
 
