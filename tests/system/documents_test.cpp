@@ -1,0 +1,85 @@
+// What the pages of docs/ promise to people who have nothing else, tried on the real programs.
+
+#include <gtest/gtest.h>
+
+#include <fstream>
+#include <iterator>
+#include <regex>
+
+#include "auth/auth_algorithm.h"
+#include "auth/auth_keys.h"
+#include "support/bytes.h"
+#include "support/child_process.h"
+#include "support/test_install.h"
+#include "support/virtual_lidar_process.h"
+
+namespace {
+
+constexpr char kWireFormats[] = TEVRON_SOURCE "/docs/wire-formats.md";
+
+std::string ReadAll(const std::string& path) {
+  std::ifstream file(path, std::ios::binary);
+  return {std::istreambuf_iterator<char>(file), {}};
+}
+
+/// What the first match of `pattern` in `text` holds in its group; empty without one.
+std::string Group(const std::string& text, const std::string& pattern) {
+  std::smatch match;
+  return std::regex_search(text, match, std::regex(pattern)) ? match[1].str() : std::string();
+}
+
+/// Runs the client that was written from the page; "" when it is content.
+std::string SecondReader(const QStringList& arguments) {
+  ChildProcess reader("python3",
+                      QStringList{TEVRON_SOURCE "/tests/system/second_reader.py"} + arguments);
+  const int code = reader.ExitCode();
+  return code == 0 ? "" : std::to_string(code) + ": " + reader.Output().toStdString();
+}
+
+TEST(WireFormats, FramesOfTheExamplesAreSound) {
+  EXPECT_EQ(SecondReader({"examples", kWireFormats}), "");
+}
+
+TEST(WireFormats, ResponsesOfTheExamplesAreRight) {
+  const TestFolder folder;
+  const std::string page = ReadAll(kWireFormats);
+  const std::string key_file = Group(page, "```ini\n([^`]*)```");
+  EXPECT_NE(ReadAll(TEVRON_CONFIG_SOURCE "/auth_keys.ini").find(Group(key_file, "(aes128[^`]*)")),
+            std::string::npos)
+      << "the keys that ship";
+  const AuthKeys keys = LoadAuthKeys(folder.Write("keys.ini", key_file));
+  const Bytes challenge = FromHex(Group(page, "response to the challenge ([0-9a-f ]*) \\|"));
+  for (const int id : {1, 2, 3, 4}) {
+    const std::string row = "\\| " + std::to_string(id) + " \\| [^|]* \\| ([0-9a-f ]*) \\|\n";
+    EXPECT_TRUE(VerifyAuthResponse(id, keys, challenge, FromHex(Group(page, row)))) << id;
+  }
+}
+
+// Both kinds of lines, each algorithm, variables of a table and maintenance commands.
+TEST(WireFormats, AreEnoughToWriteAnotherClient) {
+  struct Case {
+    const char* model;
+    const char* commands;  ///< what is read and written: two commands, and where in their payload
+    int offset;
+    int algorithm;
+  };
+  const TestInstall install;
+  const std::string shipped = ReadAll("Config/auth_config.csv");
+  for (const auto& [model, commands, offset, algorithm] :
+       {Case{"Osprey", "54 55", 2, 3}, Case{"Osprey", "54 55", 2, 1}, Case{"Osprey", "54 55", 2, 2},
+        Case{"Kiva-CMX", "42 43", 4, 4}}) {
+    const std::string row = std::string(model) + ",1,";
+    install.Write("Config/auth_config.csv", std::regex_replace(shipped, std::regex(row + "[1-4]"),
+                                                               row + std::to_string(algorithm)));
+    const VirtualLidarProcess lidar({"--model", model, "--serial"});
+    const QStringList rest = QStringList{QString::number(algorithm), "Config/auth_keys.ini"} +
+                             QString(commands).split(' ') + QStringList{QString::number(offset)};
+    const QString address = "127.0.0.1:" + QString::number(lidar.port());
+    EXPECT_EQ(SecondReader(QStringList{address} + rest + QStringList{"fff6"}), "")
+        << model << algorithm;
+    EXPECT_EQ(SecondReader(QStringList{lidar.SerialPort()} + rest + QStringList{"fff4"}), "")
+        << model << algorithm;
+  }
+}
+
+}  // namespace
