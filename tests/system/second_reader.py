@@ -7,6 +7,7 @@ there shows here.
       READ and WRITE (hexadecimal) carry, which is protected, and reads them back
 """
 
+import fcntl
 import os
 import re
 import socket
@@ -48,6 +49,7 @@ class SerialLine:
 
     def __init__(self, port):
         self.line = os.open(port, os.O_RDWR | os.O_NOCTTY)
+        fcntl.flock(self.line, fcntl.LOCK_EX)  # as Tevron does: its port is nobody else's
         tty.setraw(self.line)
 
     def ask(self, command, payload=b""):
