@@ -15,9 +15,22 @@ constexpr unsigned kKibShift = 10;
 /// A lidar that has just come back may miss a command.
 constexpr int kVersionTries = 3;
 constexpr std::chrono::milliseconds kVersionPause{500};
+constexpr std::chrono::milliseconds kLeavePause{100};
 
 /// Whether the lidar can no longer be reached over this connection.
 bool IsLost(const Connection& connection) { return !LidarAnswers(*connection.sender()); }
+
+/// Watches the lidar fall silent after the order to restart. One that is slow to go down answers
+/// with its old version until it does.
+bool IsSeenLeaving(const UpgradeWork& work) {
+  const auto ends = std::chrono::steady_clock::now() + work.waits.lidar_leaves;
+  while (std::chrono::steady_clock::now() < ends && !work.stop->WaitFor(kLeavePause)) {
+    if (!work.connection->IsAnswered()) {
+      return true;
+    }
+  }
+  return false;
+}
 
 UpgradeReadBack ReadBackOf(const RunningFirmware& before, const RunningFirmware& after) {
   using Found = UpgradeReadBack::Found;
@@ -213,7 +226,10 @@ void FirmwareUpgrade::Work(UpgradeWork& work, Run run, const Post& later) {
   UpgradeResult result = RunGuarded(run, work);
   UpgradeReadBack read_back;
   bool may_be_gone = result.end == UpgradeResult::End::kRestarts;
-  if (!may_be_gone && !work.stop->IsRaised()) {
+  if (may_be_gone) {
+    work.step(kReturnStep, UpgradeStepState::kRunning);
+    result.has_left = IsSeenLeaving(work);
+  } else if (!work.stop->IsRaised()) {
     read_back = ReadBackOf(before, ReadRunningFirmware(sender, *work.model, work.report));
     may_be_gone = read_back.version.empty() && !work.stop->IsRaised() && IsLost(*work.connection);
   }

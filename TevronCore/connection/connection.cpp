@@ -2,8 +2,6 @@
 
 #include <utility>
 
-#include "CmxClient/device_commands.h"
-
 Connection::Connection(std::shared_ptr<kavel::lidar::CmxClient> client,
                        std::shared_ptr<kavel::lidar::CommandSender> sender,
                        std::shared_ptr<kavel::lidar::SerialClient> serial)
@@ -16,6 +14,15 @@ void Connection::Close() {
   if (serial_ != nullptr) {
     serial_->Close();
   }
+}
+
+void Connection::SetLivenessCommand(uint8_t cmd) {
+  liveness_command_ = cmd;
+  client_->SetLivenessCommand(cmd);
+}
+
+bool Connection::IsAnswered() const {
+  return kavel::lidar::CheckAlive(*sender_, liveness_command_) >= 0;
 }
 
 // The serial client tells of the exchanges that do not pass through the command client.

@@ -7,6 +7,7 @@
 #include "CmxClient/byte_sink.h"
 #include "CmxClient/cmx_client.h"
 #include "CmxClient/command_sender.h"
+#include "CmxClient/device_commands.h"
 #include "CmxClient/serial_client.h"
 
 /// An open connection to one lidar: everything that ends with it. Operations hold the sender; the
@@ -30,7 +31,9 @@ class Connection {
   void SetByteSink(const std::shared_ptr<kavel::lidar::ByteSink>& sink);
 
   /// The liveness command that this lidar answers: it keeps late answers away from other commands.
-  void SetLivenessCommand(uint8_t cmd) { client_->SetLivenessCommand(cmd); }
+  void SetLivenessCommand(uint8_t cmd);
+  /// Asks once, with that command. False without an answer; a refusal is one.
+  bool IsAnswered() const;
 
   const std::shared_ptr<kavel::lidar::CommandSender>& sender() const { return sender_; }
   /// Null for a connection over the network.
@@ -40,6 +43,7 @@ class Connection {
   const std::shared_ptr<kavel::lidar::CmxClient> client_;
   const std::shared_ptr<kavel::lidar::CommandSender> sender_;
   const std::shared_ptr<kavel::lidar::SerialClient> serial_;
+  uint8_t liveness_command_ = kavel::lidar::kCmdLiveness;
 };
 
 /// Which of the two liveness commands the lidar answers, the newer one first; none when it answers

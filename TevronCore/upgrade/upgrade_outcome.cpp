@@ -18,10 +18,11 @@ std::string Unknown(const std::string& before) {
 UpgradeOutcome Compared(const UpgradeResult& result, const std::string& before,
                         const std::string& after) {
   const std::string taken = Taken(result);
+  const std::string now = std::string(result.has_left ? "The lidar is back" : "The lidar answers") +
+                          " and runs " + after;
   if (before.empty()) {
-    return {false, "The lidar is back and runs " + after +
-                       ". What it ran before is not known: compare this with what you sent." +
-                       taken};
+    return {false,
+            now + ". What it ran before is not known: compare this with what you sent." + taken};
   }
   if (after != before) {
     return {false, "Upgrade complete: was " + before + ", is " + after + "." + taken};
@@ -29,15 +30,19 @@ UpgradeOutcome Compared(const UpgradeResult& result, const std::string& before,
   if (!result.reason.empty()) {
     return {true, result.reason + " It runs " + after + " as before." + taken};
   }
-  if (!result.version_shows) {
-    return {false, "Upgrade complete: " + result.taken +
-                       ", which has no version of its own. The lidar is back and runs " + after +
-                       "."};
+  if (!result.has_left) {
+    return {true, now +
+                      " as before. It was not seen to restart: connect to it again in a minute to "
+                      "see whether it still does." +
+                      taken};
   }
-  // It may also have answered before it went down: that it restarted was not seen.
-  return {true, "The lidar answers and runs " + after +
-                    " as before: it has not started the new firmware, or the file holds this very "
-                    "version. Connect to it again in a minute to see whether it still restarts." +
+  if (!result.version_shows) {
+    return {false, "Upgrade complete: " + result.taken + ", which has no version of its own. " +
+                       now + "."};
+  }
+  return {true, now +
+                    " as before: it did not start the new firmware, unless the file holds this "
+                    "very version." +
                     taken};
 }
 

@@ -23,7 +23,9 @@ struct UpgradeWaits {
   std::chrono::milliseconds begin{300};       ///< before anything is sent
   std::chrono::milliseconds partition{3000};  ///< from the partition query to the first component
   std::chrono::milliseconds reboot{10000};    ///< from a network transfer to the restart
-  RestartPatience lidar_returns{};            ///< for the lidar after it
+  /// From the order to restart on, for the lidar to fall silent; 0 does not look whether it does.
+  std::chrono::milliseconds lidar_leaves{5000};
+  RestartPatience lidar_returns{};  ///< for the lidar after that
   /// For the answer to a piece, by either way.
   uint32_t file_piece_ms = kavel::lidar::kFilePieceTimeoutMs;
   uint32_t stream_piece_ms = kavel::lidar::kStreamAnswerMs;
@@ -79,4 +81,5 @@ struct UpgradeResult {
   bool may_be_whole = false;
   std::string taken;          ///< components that the lidar took, "A, B"
   bool version_shows = true;  ///< what was taken has a version that the lidar tells
+  bool has_left = false;      ///< of kRestarts: it fell silent, so what answers later has restarted
 };

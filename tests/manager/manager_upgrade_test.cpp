@@ -3,6 +3,7 @@
 #include <QSignalSpy>
 #include <chrono>
 
+#include "CmxClient/device_commands.h"
 #include "manager_fixture.h"
 #include "support/upgrade_bench.h"
 
@@ -173,7 +174,7 @@ TEST_F(UpgradeTest, SaysWhatAKivaIsSentAndTellsTheVersionThatCameBack) {
   ASSERT_TRUE(bench.Ends());
   EXPECT_EQ(bench.Told(about_kiva)[2], "INFO: Kiva upgrade: current partition=B");
   EXPECT_EQ(bench.upgrade.Now().steps[0].name, "BMB_APP_A");
-  EXPECT_NE(bench.upgrade.Now().outcome.find(" as before: "), std::string::npos);
+  EXPECT_NE(bench.upgrade.Now().outcome.find("did not start the new firmware"), std::string::npos);
 }
 
 TEST_F(UpgradeTest, ALidarThatStaysAwayOrIsLetGoIsToldAsThat) {
@@ -199,6 +200,33 @@ TEST_F(UpgradeTest, ALidarThatStaysAwayOrIsLetGoIsToldAsThat) {
   }
 }
 
+TEST_F(UpgradeTest, WatchesALidarThatIsSlowToGoDownAndSaysWhenItNeverDid) {
+  const QUrl file = firmware_.For("Orca", "2.8.0");
+  for (const bool leaves : {true, false}) {
+    const VirtualLidarProcess lidar(
+        {"--fault", leaves ? "return-code=0@0x10#1" : "return-code=0@0x10"});
+    UpgradeWaits waits = ShortWaits();
+    waits.lidar_leaves = milliseconds(leaves ? 60000 : 300);
+    waits.lidar_returns.leaves = milliseconds(1);
+    UpgradeBench bench("Orca", lidar, waits);
+    ASSERT_EQ(bench.Start(file, false), 0);
+    if (leaves) {
+      ASSERT_TRUE(WaitFor([&] {
+        const QString asked = lidar.Output().section("not carried out", 1);
+        return asked.count("liveness") > 4;
+      }));
+      UpgradeBench other("Orca", lidar, ShortWaits());
+      EXPECT_EQ(kavel::lidar::RestartDevice(*other.session.sender()), 0);
+    }
+    ASSERT_TRUE(bench.Ends());
+    const UpgradeSnapshot end = bench.upgrade.Now();
+    EXPECT_EQ(end.failed, !leaves);
+    EXPECT_NE(end.outcome.find(leaves ? "Upgrade complete" : "not seen to restart"),
+              std::string::npos)
+        << end.outcome;
+  }
+}
+
 TEST_F(UpgradeTest, EndsInTimeInEveryState) {
   const auto runs = [](size_t step) {
     return [step](UpgradeBench& bench) {
@@ -214,6 +242,7 @@ TEST_F(UpgradeTest, EndsInTimeInEveryState) {
        [](UpgradeBench& bench) { return bench.upgrade.progress_kib() > 0; }},
       {"Orca", "delay=60000@0x10", runs(1)},
       {"Orca", "drop@0x10", runs(2)},
+      {"Orca", "return-code=0@0x10", runs(2)},
       {"Kiva-CMX", "drop@0x51", runs(0)},
       {"Lumo", "drop@0x51", runs(0)},
   };

@@ -51,6 +51,7 @@ const Cut kCuts[] = {
 UpgradeWaits ShortWaits() {
   UpgradeWaits waits;
   waits.begin = waits.partition = waits.reboot = milliseconds(1);
+  waits.lidar_leaves = milliseconds(0);
   waits.lidar_returns.leaves = milliseconds(50);
   return waits;
 }

@@ -45,7 +45,7 @@ DeviceReply VirtualDevice::Answer(const DeviceRequest& request, AuthSession* ses
     *what = "too long";
     reply.return_code = kBadLength;
   } else if (const auto code = faults->Strike(Fault::kReturnCode, request.code)) {
-    *what = "refused";
+    *what = "not carried out";
     reply.return_code = static_cast<uint8_t>(*code);
   } else if (auto handshake = guard_.Answer(request, session, faults)) {
     *what = "authentication";
