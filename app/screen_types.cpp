@@ -16,6 +16,7 @@
 #include "udp_watch.h"
 #include "upgrade_choice.h"
 #include "upgrade_watch.h"
+#include "window_state.h"
 
 void RegisterScreenTypes() {
   qmlRegisterType<LogLines>("Tevron", 1, 0, "LogLines");
@@ -31,6 +32,7 @@ void RegisterScreenTypes() {
   qmlRegisterType<UdpWatch>("Tevron", 1, 0, "UdpWatch");
   qmlRegisterType<UpgradeChoice>("Tevron", 1, 0, "UpgradeChoice");
   qmlRegisterType<UpgradeWatch>("Tevron", 1, 0, "UpgradeWatch");
+  qmlRegisterType<WindowState>("Tevron", 1, 0, "WindowState");
   qmlRegisterType<MonitorSource>("Tevron", 1, 0, "MonitorSource");
   qmlRegisterType<PlotItem>("Tevron", 1, 0, "PlotItem");
   qmlRegisterUncreatableType<PlotData>("Tevron", 1, 0, "PlotData",

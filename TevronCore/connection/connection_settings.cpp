@@ -96,17 +96,23 @@ bool SaveConnectionSettings(const QString& path, const ConnectionSettings& setti
   return file.status() == QSettings::NoError;
 }
 
-QString LoadDownloadFolder(const QString& path) {
+QString LoadKeptText(const QString& path, const QString& key) {
   const std::unique_ptr<QSettings> file = OpenSettings(path);
-  return file == nullptr ? QString() : file->value(kDownloadFolderKey).toString();
+  return file == nullptr ? QString() : file->value(key).toString();
 }
 
-bool SaveDownloadFolder(const QString& path, const QString& folder) {
+bool SaveKeptText(const QString& path, const QString& key, const QString& text) {
   const std::unique_ptr<QSettings> file = OpenSettings(path);
   if (file == nullptr) {
     return false;
   }
-  file->setValue(kDownloadFolderKey, folder);
+  file->setValue(key, text);
   file->sync();
   return file->status() == QSettings::NoError;
+}
+
+QString LoadDownloadFolder(const QString& path) { return LoadKeptText(path, kDownloadFolderKey); }
+
+bool SaveDownloadFolder(const QString& path, const QString& folder) {
+  return SaveKeptText(path, kDownloadFolderKey, folder);
 }

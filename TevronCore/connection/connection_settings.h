@@ -34,8 +34,13 @@ std::optional<std::string> LoadHostPort(const QString& path, const std::string& 
 bool SaveConnectionSettings(const QString& path, const ConnectionSettings& settings,
                             const std::string& model);
 
+/// A text that is kept across starts beside the settings, under "name" or "group/name"; empty when
+/// there is none.
+QString LoadKeptText(const QString& path, const QString& key);
+
+/// Remembers it, as SaveConnectionSettings does the settings; the other keys of the file stay.
+bool SaveKeptText(const QString& path, const QString& key, const QString& text);
+
 /// The folder that downloads were last saved to; empty when there was none.
 QString LoadDownloadFolder(const QString& path);
-
-/// Remembers it, as SaveConnectionSettings does the settings.
 bool SaveDownloadFolder(const QString& path, const QString& folder);

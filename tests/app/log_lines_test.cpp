@@ -40,6 +40,46 @@ TEST(LogLinesTest, DropsTheOldestLinesWhenItIsFull) {
   ASSERT_TRUE(QTest::qWaitFor([&] { return Texts(lines).contains("5009"); }));
   EXPECT_EQ(lines.count(), LogLines::kMaximumLines);
   EXPECT_EQ(Texts(lines).first(), "10");
+
+  // Long lines fill it as well: one that is as long as the whole log is then alone in it.
+  const QString half(LogLines::kMaximumLength / 2, 'h');
+  lines.Append(half, "BYTESFLOW");
+  lines.Append("short", "INFO");
+  ASSERT_TRUE(QTest::qWaitFor([&] { return lines.last_text() == "short"; }));
+  lines.Append(half, "BYTESFLOW");
+  ASSERT_TRUE(QTest::qWaitFor([&] { return lines.count() == 2; }));
+  EXPECT_EQ(Texts(lines), QStringList({"short", half}));
+  lines.Append(half + half + "cut", "BYTESFLOW");
+  EXPECT_EQ(Texts(lines), QStringList({half + half}));
+  EXPECT_LT(lines.index(0, 0).data(LogLines::kShownRole).toString().size(),
+            LogLines::kShownLength + 100);
+}
+
+TEST(LogLinesTest, CountsRepetitionsAndWhatNobodyHasSeen) {
+  LogLines lines;
+  const auto wait = [&](const char* last) {
+    EXPECT_TRUE(QTest::qWaitFor([&] { return lines.last_text() == last; })) << last;
+  };
+  lines.Append("no answer", "WARNING");
+  lines.Append("no answer", "WARNING");
+  wait("no answer (x 2)");
+  lines.Append("no answer", "WARNING");
+  lines.Append("SEND: 07", "BYTESFLOW");
+  lines.Append("SEND: 07", "BYTESFLOW");
+  wait("no answer (x 3)");
+  EXPECT_EQ(Texts(lines), QStringList({"no answer", "SEND: 07", "SEND: 07"}));
+  EXPECT_TRUE(lines.index(0, 0).data(LogLines::kLineRole).toString().endsWith("answer (x 3)"));
+  EXPECT_EQ(lines.last_tag(), "WARNING") << "raw bytes are no message";
+  EXPECT_EQ(lines.unseen_warnings(), 3);
+
+  lines.SetInView(true);
+  lines.Append("refused", "ERROR");
+  wait("refused");
+  EXPECT_EQ(lines.unseen_warnings() + lines.unseen_errors(), 0);
+  lines.SetInView(false);
+  lines.Append("refused again", "ERROR");
+  wait("refused again");
+  EXPECT_EQ(lines.unseen_errors(), 1);
 }
 
 TEST(LogFilterTest, ShowsWhatHasAShownTagAndTheText) {

@@ -143,6 +143,10 @@ TEST_F(ScreensTest, SetsTheFieldOfView) {
 
 TEST_F(ScreensTest, SendsCommandsByHandAndRecallsThem) {
   ConnectOnTab("tab0");
+  EXPECT_EQ(screen_.Find("commandConsole"), nullptr) << "the page has the room at first";
+  screen_.Key(Qt::Key_F12);
+  screen_.Click("consoleStrip");
+  EXPECT_EQ(screen_.Find("logLine"), nullptr);
   screen_.Click("bytesFlowSwitch");
   screen_.TypeInto("consoleCommand", "0x11");
   screen_.Key(Qt::Key_Return);

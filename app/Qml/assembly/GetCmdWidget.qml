@@ -11,6 +11,7 @@ import "../theme"
 //                                       record_time, send_cmd_history and send_payload_history
 // sendRequested(command, payload)       the user wants to send
 // copyRequested(text)                   the user wants the text on the clipboard
+// foldWanted()                          the user wants the console out of the way
 FocusScope {
     id: widget
 
@@ -23,6 +24,7 @@ FocusScope {
 
     signal sendRequested(string command, string payload)
     signal copyRequested(string text)
+    signal foldWanted()
 
     function send() {
         sendRequested(commandField.text, payloadField.text);
@@ -47,10 +49,21 @@ FocusScope {
         anchors.margins: Theme.gapWide
         spacing: Theme.gap
 
-        SectionTitle {
-            Layout.fillWidth: true
-            text: qsTr("Command console")
-            description: qsTr("Commands logged: %1").arg(widget.commandCount)
+        RowLayout {
+            spacing: Theme.gap
+
+            SectionTitle {
+                Layout.fillWidth: true
+                text: qsTr("Command console")
+                description: qsTr("Commands logged: %1").arg(widget.commandCount)
+            }
+            DefaultToolButton {
+                objectName: "consoleFold"
+                Layout.alignment: Qt.AlignTop
+                icon.source: "../icons/chevron-right.svg"
+                label: qsTr("Fold the console (F11)")
+                onClicked: widget.foldWanted()
+            }
         }
 
         RowLayout {

@@ -14,6 +14,7 @@ FocusScope {
     signal bytesFlowSwitched(bool on)
     signal copyWanted()
     signal clearWanted()
+    signal foldWanted()
 
     implicitHeight: Theme.controlHeight + Theme.gap
 
@@ -82,6 +83,13 @@ FocusScope {
             text: qsTr("Clear")
             hint: qsTr("Empty the log")
             onClicked: tools.clearWanted()
+        }
+        DefaultToolButton {
+            objectName: "logFold"
+            anchors.verticalCenter: parent.verticalCenter
+            icon.source: "../icons/chevron.svg"
+            label: qsTr("Fold the log (F12)")
+            onClicked: tools.foldWanted()
         }
     }
 }

@@ -7,14 +7,19 @@ import "../theme"
 // The log: tagged lines, which stay at the end until scrolled up, with filters by tag and text.
 //
 // append(text, tag)     adds a line; the tag is written without brackets
+// lines                 all of them
 // bytesFlow             whether raw bytes are logged; bytesFlowSwitched(on) asks for the change
+// foldWanted()          the user wants the log out of the way
 FocusScope {
     id: log
 
     property bool bytesFlow: false
     readonly property var tags: ["INFO", "SUCCESS", "WARNING", "ERROR", "CMX", "BYTESFLOW"]
 
+    readonly property alias lines: lines
+
     signal bytesFlowSwitched(bool on)
+    signal foldWanted()
 
     function append(text, tag) {
         lines.Append(text, tag);
@@ -44,7 +49,12 @@ FocusScope {
         clipboard.Copy(text);
     }
 
-    LogLines { id: lines; objectName: "logLines" }
+    LogLines {
+        id: lines
+
+        objectName: "logLines"
+        inView: log.visible
+    }
     LogFilter {
         id: filter
 
@@ -66,6 +76,7 @@ FocusScope {
         onBytesFlowSwitched: log.bytesFlowSwitched(on)
         onCopyWanted: log.copy()
         onClearWanted: lines.Clear()
+        onFoldWanted: log.foldWanted()
     }
 
     Rectangle {
@@ -121,7 +132,7 @@ FocusScope {
         delegate: PlainText {
             x: Theme.gapWide
             width: ListView.view.width - 2 * Theme.gapWide
-            text: "[" + model.tag + "] " + model.text
+            text: model.shown
             font: Theme.codeFont
             color: log.colorOf(model.tag)
             wrapMode: Text.WrapAtWordBoundaryOrAnywhere

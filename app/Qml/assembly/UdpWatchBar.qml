@@ -7,6 +7,7 @@ import "../theme"
 // The line at the bottom that tells whether point-cloud packets arrive: over UDP, when asked, and
 // from whom; on the UART of a pair of serial ports for as long as that is connected.
 //
+// brief              there is little room: what nobody asked for is left out
 // manager            the manager, for what its connection receives
 // port               the UDP port; portEntered(text) asks for another
 FocusScope {
@@ -14,13 +15,15 @@ FocusScope {
 
     property QtObject manager: null
     property string port: ""
+    property bool brief: false
 
     // A watch that failed has something to say as well.
     property bool udpAsked: false
 
     signal portEntered(string text)
 
-    implicitHeight: Theme.controlHeight + 2 * Theme.gapTiny
+    implicitWidth: content.implicitWidth + 2 * Theme.gapWide
+    implicitHeight: Theme.stripWidth
 
     UdpWatch {
         id: watch
@@ -40,13 +43,15 @@ FocusScope {
     }
 
     RowLayout {
+        id: content
+
         anchors.fill: parent
         anchors.leftMargin: Theme.gapWide
         anchors.rightMargin: Theme.gapWide
         spacing: Theme.gap
 
         PlainText {
-            text: qsTr("Point cloud on UDP port")
+            text: bar.brief ? qsTr("UDP") : qsTr("Point cloud on UDP port")
             font: Theme.captionFont
             color: Theme.quietTextColor
         }
@@ -54,6 +59,7 @@ FocusScope {
         DefaultTextField {
             objectName: "udpPortField"
             Layout.preferredWidth: Theme.numberFieldWidth
+            Layout.preferredHeight: Theme.smallControlHeight
             enabled: !watch.running
             value: bar.port
             problem: InputRules.PortProblem(text)
@@ -67,6 +73,8 @@ FocusScope {
 
         DefaultToolButton {
             objectName: "udpWatchButton"
+            Layout.preferredHeight: Theme.smallControlHeight
+            font: Theme.captionFont
             text: watch.running ? qsTr("Stop watching") : qsTr("Watch")
             icon.source: watch.running ? "../icons/stop.svg" : "../icons/play.svg"
             hint: qsTr("See whether packets arrive on this port, and from whom")
@@ -78,7 +86,7 @@ FocusScope {
 
         PlainText {
             objectName: "udpSummary"
-            visible: bar.udpAsked || !uart.running
+            visible: bar.udpAsked || !uart.running && !bar.brief
             Layout.fillWidth: true
             text: watch.summary
             font: Theme.captionFont
@@ -89,7 +97,7 @@ FocusScope {
         }
 
         PlainText {
-            visible: watch.packetCount > 0
+            visible: watch.packetCount > 0 && !bar.brief
             text: qsTr("%1 packets so far").arg(watch.packetCount)
             font: Theme.captionFont
             color: Theme.quietTextColor
@@ -97,7 +105,7 @@ FocusScope {
 
         PlainText {
             visible: uart.running
-            text: qsTr("On the UART:")
+            text: bar.brief ? qsTr("UART") : qsTr("On the UART:")
             font: Theme.captionFont
             color: Theme.quietTextColor
         }
@@ -116,7 +124,7 @@ FocusScope {
 
         PlainText {
             objectName: "uartTally"
-            visible: text !== ""
+            visible: text !== "" && !bar.brief
             text: uart.tally
             font: Theme.captionFont
             color: Theme.quietTextColor

@@ -76,6 +76,12 @@ QtObject {
     readonly property int topBarHeight: 17 * grid
     readonly property int consoleWidth: 100 * grid
     readonly property int logHeight: 47 * grid
+    readonly property int stripWidth: 9 * grid
+    // An area that is open is never smaller than this.
+    readonly property int pageMinimumWidth: 140 * grid
+    readonly property int pageMinimumHeight: 70 * grid
+    readonly property int consoleMinimumWidth: 85 * grid
+    readonly property int logMinimumHeight: 28 * grid
     readonly property int serialPanelWidth: 90 * grid
     // The widths of fields and captions that are no plain fieldWidth.
     readonly property int captionWidth: 72 * grid
