@@ -1,10 +1,12 @@
 #include "main_window.h"
 
 #include <QCloseEvent>
+#include <QGuiApplication>
 #include <QQmlContext>
 #include <QQuickItem>
 #include <QQuickView>
 #include <QUrl>
+#include <QWindow>
 
 #include "screen_types.h"
 #include "tevron_manager.h"
@@ -20,6 +22,9 @@ constexpr char kFirstScreen[] = "qrc:/Qml/main.qml";
 // Larger than the window starts out with, on purpose: the layout grows the window to fit the scene.
 constexpr int kLeastSceneWidth = 1300;
 constexpr int kLeastSceneHeight = 800;
+
+constexpr int kKeyboardRequestIntervalMs = 20;
+constexpr int kMaxKeyboardRequests = 25;
 
 }  // namespace
 
@@ -58,6 +63,31 @@ void MainWindow::closeEvent(QCloseEvent* event) {
   QMetaObject::invokeMethod(scene, "askToClose");
 }
 
+// A desktop without a window manager gives the keyboard to nobody, so the window takes it.
+void MainWindow::showEvent(QShowEvent* event) {
+  QMainWindow::showEvent(event);
+  activateWindow();
+}
+
+void MainWindow::WatchKeyboard(const QWindow* focused) {
+  keyboard_requests_ = 0;
+  if (focused != nullptr && focused == windowHandle()) {
+    keyboard_timer_.start();
+  } else {
+    keyboard_timer_.stop();
+  }
+}
+
+// Under X11 a request is dropped that seems older than what gave the outer window the keyboard, and
+// the time that Qt puts into it is that of the last event it has seen. The request itself brings
+// such an event, so that the second one counts.
+void MainWindow::AskForKeyboard() {
+  if (++keyboard_requests_ >= kMaxKeyboardRequests) {
+    keyboard_timer_.stop();
+  }
+  view_->requestActivate();
+}
+
 void MainWindow::CloseWithoutAsking() {
   asks_before_closing_ = false;
   close();
@@ -79,4 +109,7 @@ void MainWindow::HostScene() {
   container->setMinimumSize(kLeastSceneWidth, kLeastSceneHeight);
   container->setFocusPolicy(Qt::TabFocus);
   form_->horizontalLayout3D->addWidget(container);
+  keyboard_timer_.setInterval(kKeyboardRequestIntervalMs);
+  connect(&keyboard_timer_, &QTimer::timeout, this, &MainWindow::AskForKeyboard);
+  connect(qGuiApp, &QGuiApplication::focusWindowChanged, this, &MainWindow::WatchKeyboard);
 }

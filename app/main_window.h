@@ -2,10 +2,12 @@
 
 #include <QMainWindow>
 #include <QString>
+#include <QTimer>
 #include <memory>
 
 class QCloseEvent;
 class QQuickView;
+class QWindow;
 class TevronManager;
 
 namespace Ui {
@@ -31,15 +33,22 @@ class MainWindow : public QMainWindow {
 
  protected:
   void closeEvent(QCloseEvent* event) override;
+  void showEvent(QShowEvent* event) override;
 
  private slots:
   void CloseWithoutAsking();
 
  private:
   void HostScene();
+  void WatchKeyboard(const QWindow* focused);
+  void AskForKeyboard();
 
   std::unique_ptr<Ui::MainWindow> form_;
   std::unique_ptr<QQuickView> view_;
   std::unique_ptr<TevronManager> manager_;
   bool asks_before_closing_ = true;
+  // Runs while the desktop has given the keyboard to the outer window, where nothing would take a
+  // key: all that the user sees is the scene.
+  QTimer keyboard_timer_;
+  int keyboard_requests_ = 0;
 };

@@ -55,8 +55,7 @@ class WindowTest : public testing::Test {
   }
 
   void StartProgram() {
-    QSettings settings(home_.filePath("Documents/CorvanViewDataFiles/RecvSettings.ini"),
-                       QSettings::IniFormat);
+    QSettings settings(SettingsPath(), QSettings::IniFormat);
     settings.setValue("device_ip_address", "127.0.0.1");
     settings.setValue("cmx_port", lidar_->port());
     settings.sync();
@@ -99,6 +98,21 @@ class WindowTest : public testing::Test {
     });
   }
 
+  // Presses F12 until the log is open or folded, as the settings file tells.
+  bool SwitchLog(const char* folded) const {
+    const auto is_kept = [&] {
+      return QSettings(SettingsPath(), QSettings::IniFormat).value("window/log_folded") == folded;
+    };
+    return WaitFor([&] {
+      XDoTool({"key", "F12"});
+      return WaitFor(is_kept, 2000);
+    });
+  }
+
+  QString SettingsPath() const {
+    return home_.filePath("Documents/CorvanViewDataFiles/RecvSettings.ini");
+  }
+
   ChildProcess screen_;
   std::unique_ptr<VirtualLidarProcess> lidar_;
   QTemporaryDir home_;
@@ -108,6 +122,10 @@ class WindowTest : public testing::Test {
 };
 
 TEST_F(WindowTest, WritesATypedValueToTheLidarAndLeavesASilentOneAtOnce) {
+  EXPECT_TRUE(SwitchLog("0")) << "keys count before anything was clicked";
+  XDoTool({"windowfocus", "--sync", window_});
+  EXPECT_TRUE(SwitchLog("1")) << "and when the desktop has given them to the outer window";
+
   ASSERT_TRUE(Connect());
   ASSERT_TRUE(WaitFor([&] { return lidar_->Output().contains("request 0x02"); }));
   ASSERT_EQ(lidar_->Held("Minimum Distance"), "20");
