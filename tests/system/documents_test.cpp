@@ -5,6 +5,7 @@
 #include <fstream>
 #include <iterator>
 #include <regex>
+#include <set>
 
 #include "auth/auth_algorithm.h"
 #include "auth/auth_keys.h"
@@ -16,6 +17,7 @@
 namespace {
 
 constexpr char kWireFormats[] = TEVRON_SOURCE "/docs/wire-formats.md";
+constexpr char kVirtualLidar[] = TEVRON_SOURCE "/docs/virtual-lidar.md";
 
 std::string ReadAll(const std::string& path) {
   std::ifstream file(path, std::ios::binary);
@@ -26,6 +28,17 @@ std::string ReadAll(const std::string& path) {
 std::string Group(const std::string& text, const std::string& pattern) {
   std::smatch match;
   return std::regex_search(text, match, std::regex(pattern)) ? match[1].str() : std::string();
+}
+
+/// What the first group of `pattern` holds in each of its matches, once.
+std::set<std::string> Groups(const std::string& text, const std::string& pattern) {
+  const std::regex expression(pattern);
+  std::set<std::string> found;
+  for (std::sregex_iterator i(text.begin(), text.end(), expression); i != std::sregex_iterator();
+       ++i) {
+    found.insert((*i)[1]);
+  }
+  return found;
 }
 
 /// Runs the client that was written from the page; "" when it is content.
@@ -79,6 +92,28 @@ TEST(WireFormats, AreEnoughToWriteAnotherClient) {
         << model << algorithm;
     EXPECT_EQ(SecondReader(QStringList{lidar.SerialPort()} + rest + QStringList{"fff4"}), "")
         << model << algorithm;
+  }
+}
+
+TEST(VirtualLidarPage, NamesEveryOptionAndItsExamplesRun) {
+  const TestInstall install;
+  const std::string page = ReadAll(kVirtualLidar);
+  ChildProcess help(TEVRON_VIRTUAL_LIDAR, {"--help"});
+  EXPECT_EQ(help.ExitCode(), 0);
+  std::set<std::string> options = Groups(help.Output().toStdString(), "\n  (?:-h,)?(--[a-z-]+)");
+  options.erase("--help");
+  EXPECT_EQ(Groups(page, "\n\\| `(--[a-z-]+)"), options);
+
+  const std::set<std::string> examples = Groups(page, "\n(?:\\$ )?virtual_lidar( [^\n]+)");
+  EXPECT_GT(examples.size(), 8U);
+  for (const std::string& arguments : examples) {
+    SCOPED_TRACE(arguments);
+    const bool has_port = arguments.find("--port") != std::string::npos;
+    ChildProcess lidar("sh", {"-c", ("exec '" TEVRON_VIRTUAL_LIDAR "' --config ./Config" +
+                                     std::string(has_port ? "" : " --port 0") + arguments)
+                                        .c_str()});
+    EXPECT_TRUE(lidar.Prints("listening on ") || lidar.ExitCode() == 0)
+        << lidar.Output().toStdString();
   }
 }
 
