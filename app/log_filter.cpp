@@ -30,16 +30,20 @@ void LogFilter::SetHiddenTags(const QStringList& tags) {
   emit filterChanged();
 }
 
-QString LogFilter::ShownText() const {
+QString LogFilter::TextOf(int first, int last) const {
   QString text;
-  for (int row = 0; row < rowCount(); ++row) {
-    text += LineAt(row) + QLatin1Char('\n');
+  for (int row = first; row <= last; ++row) {
+    text += index(row, 0).data(LogLines::kLineRole).toString() + QLatin1Char('\n');
   }
   return text;
 }
 
-QString LogFilter::LineAt(int row) const {
-  return index(row, 0).data(LogLines::kLineRole).toString();
+int LogFilter::LastRowOf(const QString& tag) const {
+  int row = rowCount() - 1;
+  while (row >= 0 && index(row, 0).data(LogLines::kTagRole).toString() != tag) {
+    --row;
+  }
+  return row;
 }
 
 bool LogFilter::filterAcceptsRow(int source_row, const QModelIndex& source_parent) const {

@@ -27,9 +27,11 @@ class LogFilter : public QSortFilterProxyModel {
   void SetHiddenTags(const QStringList& tags);
 
   /// Every shown line with time and tag, each ended by a line feed.
-  Q_INVOKABLE QString ShownText() const;
-  /// The shown line in row `row` with time and tag, without a line feed; empty when there is none.
-  Q_INVOKABLE QString LineAt(int row) const;
+  Q_INVOKABLE QString ShownText() const { return TextOf(0, rowCount() - 1); }
+  /// The shown lines from row `first` to row `last`, in the same way.
+  QString TextOf(int first, int last) const;
+  /// The row of the last shown line with this tag; -1 when there is none.
+  Q_INVOKABLE int LastRowOf(const QString& tag) const;
 
  signals:
   void linesChanged();

@@ -98,6 +98,7 @@ void LogLines::Clear() {
   bundle_.clear();
   bundle_length_ = 0;
   length_ = 0;
+  errors_ = 0;
   last_ = {};
   unseen_warnings_ = 0;
   unseen_errors_ = 0;
@@ -106,6 +107,8 @@ void LogLines::Clear() {
   endResetModel();
   emit changed();
 }
+
+bool LogLines::IsError(const Line& line) { return line.tag == kErrorTag; }
 
 void LogLines::ShowBundle() {
   bundle_timer_.stop();
@@ -122,6 +125,7 @@ void LogLines::ShowBundle() {
   if (added > 0) {
     MakeRoom(added, bundle_length_);
     beginInsertRows({}, count(), count() + added - 1);
+    errors_ += static_cast<int>(std::count_if(first, bundle_.end(), IsError));
     std::move(first, bundle_.end(), std::back_inserter(lines_));
     length_ += bundle_length_;
     endInsertRows();
@@ -177,6 +181,7 @@ void LogLines::MakeRoom(int lines, int length) {
     return;
   }
   beginRemoveRows({}, 0, drop - 1);
+  errors_ -= static_cast<int>(std::count_if(lines_.begin(), lines_.begin() + drop, IsError));
   lines_.erase(lines_.begin(), lines_.begin() + drop);
   length_ = kept;
   endRemoveRows();

@@ -16,6 +16,7 @@ class LogLines : public QAbstractListModel {
   Q_PROPERTY(QString lastTime READ last_time NOTIFY changed)
   Q_PROPERTY(QString lastTag READ last_tag NOTIFY changed)
   Q_PROPERTY(QString lastText READ last_text NOTIFY changed)
+  Q_PROPERTY(bool hasErrors READ has_errors NOTIFY changed)
   /// Whether the user sees the lines; while that is so none of them counts as unseen.
   Q_PROPERTY(bool inView READ in_view WRITE SetInView NOTIFY changed)
   /// Warnings and errors that came since the lines were last in view, repeated ones each time.
@@ -45,6 +46,7 @@ class LogLines : public QAbstractListModel {
   QString last_time() const { return last_.time.left(kShownTimeLength); }
   const QString& last_tag() const { return last_.tag; }
   QString last_text() const;
+  bool has_errors() const { return errors_ > 0; }
   bool in_view() const { return in_view_; }
   void SetInView(bool in_view);
   int unseen_warnings() const { return unseen_warnings_; }
@@ -71,6 +73,7 @@ class LogLines : public QAbstractListModel {
     int times = 1;
   };
 
+  static bool IsError(const Line& line);
   void ShowBundle();
   void CountUnseen(const Line& line);
   void JoinRepetition();
@@ -80,6 +83,7 @@ class LogLines : public QAbstractListModel {
   std::vector<Line> bundle_;
   int length_ = 0;
   int bundle_length_ = 0;
+  int errors_ = 0;  ///< lines of them, in lines_
   Line last_;
   bool in_view_ = false;
   int unseen_warnings_ = 0;

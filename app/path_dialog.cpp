@@ -1,6 +1,7 @@
 #include "path_dialog.h"
 
 #include <QApplication>
+#include <QFileInfo>
 
 PathDialog::PathDialog(QObject* parent) : QObject(parent) {}
 
@@ -17,8 +18,13 @@ void PathDialog::open() {
     dialog_->setFileMode(QFileDialog::Directory);
     dialog_->setOption(QFileDialog::ShowDirsOnly);
   } else {
-    dialog_->setFileMode(QFileDialog::ExistingFile);
+    dialog_->setFileMode(save_name_.isEmpty() ? QFileDialog::ExistingFile : QFileDialog::AnyFile);
     dialog_->setNameFilters(name_filters_);
+  }
+  if (!save_name_.isEmpty()) {
+    dialog_->setAcceptMode(QFileDialog::AcceptSave);
+    dialog_->setDefaultSuffix(QFileInfo(save_name_).suffix());
+    dialog_->selectFile(save_name_);
   }
   connect(dialog_, &QDialog::accepted, this, [this] { Take(dialog_->selectedUrls().value(0)); });
   dialog_->open();

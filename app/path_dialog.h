@@ -7,9 +7,9 @@
 #include <QStringList>
 #include <QUrl>
 
-/// Lets the user choose a folder or an existing file: with the desktop's own dialog, or with one
-/// made of widgets where the desktop has none. The dialog of Qt.labs.platform gives, in the second
-/// case, the folder around the one that was chosen. GUI thread only.
+/// Lets the user choose a folder, an existing file or a file to write: with the desktop's own
+/// dialog, or with one made of widgets where the desktop has none. The dialog of Qt.labs.platform
+/// gives, in the second case, the folder around the one that was chosen. GUI thread only.
 class PathDialog : public QObject {
   Q_OBJECT
   Q_PROPERTY(QString title MEMBER title_)
@@ -18,6 +18,9 @@ class PathDialog : public QObject {
   /// Patterns of the files to choose from, such as "Texts (*.txt)"; without any, a folder is
   /// chosen.
   Q_PROPERTY(QStringList nameFilters MEMBER name_filters_)
+  /// A name for a file to write, which may exist: the user is asked before one is overwritten.
+  /// Needs name filters.
+  Q_PROPERTY(QString saveName MEMBER save_name_)
 
  public:
   explicit PathDialog(QObject* parent = nullptr);
@@ -36,5 +39,6 @@ class PathDialog : public QObject {
   QString title_;
   QUrl folder_;
   QStringList name_filters_;
+  QString save_name_;
   QPointer<QFileDialog> dialog_;
 };

@@ -7,11 +7,13 @@
 #include "input_rules.h"
 #include "log_filter.h"
 #include "log_lines.h"
+#include "log_selection.h"
 #include "monitor_source.h"
 #include "page_rows.h"
 #include "path_dialog.h"
 #include "plot/plot_item.h"
 #include "serial_port_list.h"
+#include "text_file.h"
 #include "uart_watch.h"
 #include "udp_watch.h"
 #include "upgrade_choice.h"
@@ -21,6 +23,8 @@
 void RegisterScreenTypes() {
   qmlRegisterType<LogLines>("Tevron", 1, 0, "LogLines");
   qmlRegisterType<LogFilter>("Tevron", 1, 0, "LogFilter");
+  qmlRegisterType<LogSelection>("Tevron", 1, 0, "LogSelection");
+  qmlRegisterType<TextFile>("Tevron", 1, 0, "TextFile");
   qmlRegisterType<PageRows>("Tevron", 1, 0, "PageRows");
   qmlRegisterType<PathDialog>("Tevron", 1, 0, "PathDialog");
   qmlRegisterType<Clipboard>("Tevron", 1, 0, "Clipboard");

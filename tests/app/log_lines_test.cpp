@@ -6,6 +6,7 @@
 #include <QTest>
 
 #include "log_filter.h"
+#include "log_selection.h"
 
 namespace {
 
@@ -96,13 +97,43 @@ TEST(LogFilterTest, ShowsWhatHasAShownTagAndTheText) {
   filter.SetHiddenTags({"INFO"});
   EXPECT_EQ(Texts(filter), QStringList({"lidar gone"}));
   EXPECT_TRUE(filter.ShownText().endsWith("[ERROR] lidar gone\n"));
-  EXPECT_EQ(filter.LineAt(1), QString());
 
   filter.SetText("");
   lines.Append("late", "INFO");
   lines.Append("later", "WARNING");
   ASSERT_TRUE(QTest::qWaitFor([&] { return lines.count() == 5; }));
   EXPECT_EQ(Texts(filter), QStringList({"SEND: 47 74", "lidar gone", "later"}));
+}
+
+TEST(LogSelectionTest, StaysOnItsLinesWhileOthersComeAndGo) {
+  LogLines lines;
+  LogFilter filter;
+  filter.SetLines(&lines);
+  LogSelection selection;
+  selection.SetFilter(&filter);
+  selection.Select(3, true);
+  EXPECT_EQ(selection.first(), -1) << "there is nothing to select";
+  for (const char* text : {"one", "two", "three", "four"}) {
+    lines.Append(text, "INFO");
+  }
+  ASSERT_TRUE(QTest::qWaitFor([&] { return filter.rowCount() == 4; }));
+  EXPECT_EQ(selection.Text(), QString());
+  selection.Select(2, false);
+  selection.Select(1, true);
+  EXPECT_EQ(selection.Text().count('\n'), 2);
+  EXPECT_TRUE(selection.Text().endsWith("[INFO] three\n"));
+
+  filter.SetText("t");
+  EXPECT_EQ(selection.first(), 0) << "one went from above";
+  EXPECT_EQ(selection.current(), 0);
+  EXPECT_EQ(selection.last(), 1);
+  filter.SetText("three");
+  EXPECT_EQ(selection.last(), -1) << "an end of it went";
+  filter.SetText("");
+  selection.Select(99, false);
+  EXPECT_EQ(selection.current(), 3);
+  selection.SelectAll();
+  EXPECT_EQ(selection.Text(), filter.ShownText());
 }
 
 }  // namespace

@@ -7,14 +7,23 @@ FocusScope {
     id: tools
 
     property var tags: []
+    property var hiddenTags: []
+    property var colorOf: tag => Theme.textColor
     property bool bytesFlow: false
+    property bool hasErrors: false
     readonly property alias filterText: search.text
 
     signal tagSwitched(string tag, bool shown)
     signal bytesFlowSwitched(bool on)
+    signal lastErrorWanted()
     signal copyWanted()
+    signal saveWanted()
     signal clearWanted()
     signal foldWanted()
+
+    function clearFilterText() {
+        search.text = "";
+    }
 
     implicitHeight: Theme.controlHeight + Theme.gap
 
@@ -34,13 +43,13 @@ FocusScope {
         Repeater {
             model: tools.tags
 
-            DefaultCheckBox {
+            ToggleChip {
                 anchors.verticalCenter: parent.verticalCenter
                 objectName: "logTag_" + modelData
                 text: modelData
-                font: Theme.captionFont
-                checked: true
-                hint: qsTr("Show the lines tagged [%1]").arg(modelData)
+                ink: tools.colorOf(modelData)
+                label: qsTr("Show the lines tagged [%1]").arg(modelData)
+                checked: tools.hiddenTags.indexOf(modelData) < 0
                 onToggled: tools.tagSwitched(modelData, checked)
             }
         }
@@ -65,17 +74,32 @@ FocusScope {
 
             objectName: "logSearch"
             anchors.verticalCenter: parent.verticalCenter
-            width: Theme.fieldWidth
+            width: Theme.logSearchWidth
             placeholderText: qsTr("Filter text")
             label: qsTr("Show only lines that contain this text")
             hint: label
         }
         DefaultToolButton {
+            objectName: "logLastError"
+            anchors.verticalCenter: parent.verticalCenter
+            enabled: tools.hasErrors
+            text: qsTr("Last error")
+            hint: qsTr("Go to the last error (Shift+F12)")
+            onClicked: tools.lastErrorWanted()
+        }
+        DefaultToolButton {
             objectName: "logCopy"
             anchors.verticalCenter: parent.verticalCenter
             text: qsTr("Copy")
-            hint: qsTr("Copy the lines shown to the clipboard (Ctrl+C)")
+            hint: qsTr("Copy the lines selected, or else all that are shown (Ctrl+C)")
             onClicked: tools.copyWanted()
+        }
+        DefaultToolButton {
+            objectName: "logSave"
+            anchors.verticalCenter: parent.verticalCenter
+            text: qsTr("Save…")
+            hint: qsTr("Save the lines shown to a file")
+            onClicked: tools.saveWanted()
         }
         DefaultToolButton {
             objectName: "logClear"

@@ -1,28 +1,40 @@
 import QtQuick 2.15
-import QtQuick.Templates 2.15 as T
 import Tevron 1.0
 import "../controls"
 import "../theme"
 
-// The log: tagged lines, which stay at the end until scrolled up, with filters by tag and text.
+// The log: tagged lines with their time, filters by tag and text, and ways to take lines along.
 //
 // append(text, tag)     adds a line; the tag is written without brackets
+// showLastError()       goes to it, whatever the filters leave out
 // lines                 all of them
 // bytesFlow             whether raw bytes are logged; bytesFlowSwitched(on) asks for the change
 // foldWanted()          the user wants the log out of the way
+// refused(reason)       what the user wanted cannot be done
 FocusScope {
     id: log
 
     property bool bytesFlow: false
-    readonly property var tags: ["INFO", "SUCCESS", "WARNING", "ERROR", "CMX", "BYTESFLOW"]
-
     readonly property alias lines: lines
+    readonly property var tags: ["INFO", "SUCCESS", "WARNING", "ERROR", "CMX", "BYTESFLOW"]
 
     signal bytesFlowSwitched(bool on)
     signal foldWanted()
+    signal refused(string reason)
 
     function append(text, tag) {
         lines.Append(text, tag);
+    }
+
+    function showLastError() {
+        if (filter.LastRowOf("ERROR") < 0) {
+            tools.clearFilterText();
+            showTag("ERROR", true);
+        }
+        const row = filter.LastRowOf("ERROR");
+        if (row >= 0)
+            view.showRow(row);
+        view.forceActiveFocus(Qt.ShortcutFocusReason);
     }
 
     function colorOf(tag) {
@@ -42,7 +54,7 @@ FocusScope {
     }
 
     function copy() {
-        copyText(filter.ShownText());
+        copyText(view.selection.Text() || filter.ShownText());
     }
 
     function copyText(text) {
@@ -63,6 +75,12 @@ FocusScope {
         text: tools.filterText
     }
     Clipboard { id: clipboard }
+    SaveText {
+        id: saver
+
+        onSaved: log.append(qsTr("The log is saved: %1").arg(path), "INFO")
+        onRefused: log.refused(reason)
+    }
 
     LogTools {
         id: tools
@@ -71,10 +89,15 @@ FocusScope {
         anchors.right: parent.right
         anchors.top: parent.top
         tags: log.tags
+        hiddenTags: filter.hiddenTags
+        colorOf: log.colorOf
         bytesFlow: log.bytesFlow
+        hasErrors: lines.hasErrors
         onTagSwitched: log.showTag(tag, shown)
         onBytesFlowSwitched: log.bytesFlowSwitched(on)
+        onLastErrorWanted: log.showLastError()
         onCopyWanted: log.copy()
+        onSaveWanted: saver.save(qsTr("Save the lines shown"), "Tevron_log_%1.txt", filter.ShownText())
         onClearWanted: lines.Clear()
         onFoldWanted: log.foldWanted()
     }
@@ -84,66 +107,17 @@ FocusScope {
         color: Theme.wellColor
     }
 
-    ListView {
+    LogView {
         id: view
-
-        // Follows the newest line until the user scrolls up, and again once at the end.
-        property bool following: true
 
         objectName: "logView"
         anchors.left: parent.left
         anchors.right: parent.right
         anchors.top: tools.bottom
         anchors.bottom: parent.bottom
-        topMargin: Theme.gapTiny
-        bottomMargin: Theme.gapTiny
-        clip: true
-        focus: true
-        activeFocusOnTab: true
-        model: filter
-        boundsBehavior: Flickable.StopAtBounds
-        T.ScrollBar.vertical: DefaultScrollBar { onPressedChanged: view.following = view.atYEnd }
-
-        onCountChanged: if (following) Qt.callLater(positionViewAtEnd)
-        onHeightChanged: if (following) Qt.callLater(positionViewAtEnd)
-        onMovementStarted: following = false
-        onMovementEnded: following = atYEnd
-
-        Accessible.role: Accessible.List
-        Accessible.name: qsTr("Log lines")
-
-        Keys.onPressed: {
-            if (event.matches(StandardKey.Copy)) {
-                log.copy();
-            } else if (event.key === Qt.Key_PageUp || event.key === Qt.Key_PageDown) {
-                const step = event.key === Qt.Key_PageUp ? -height : height;
-                contentY = Math.max(originY, Math.min(originY + contentHeight - height,
-                                                      contentY + step));
-                following = atYEnd;
-            } else if (event.key === Qt.Key_End) {
-                following = true;
-                positionViewAtEnd();
-            } else {
-                return;
-            }
-            event.accepted = true;
-        }
-
-        delegate: PlainText {
-            x: Theme.gapWide
-            width: ListView.view.width - 2 * Theme.gapWide
-            text: model.shown
-            font: Theme.codeFont
-            color: log.colorOf(model.tag)
-            wrapMode: Text.WrapAtWordBoundaryOrAnywhere
-            Accessible.role: Accessible.ListItem
-            Accessible.name: text
-        }
-
-        FocusRing {
-            anchors.margins: 0
-            shown: view.activeFocus
-        }
+        filter: filter
+        colorOf: log.colorOf
+        onCopyWanted: log.copy()
     }
 
     EmptyNote {

@@ -64,6 +64,13 @@ FocusScope {
         sequence: "F12"
         onActivated: area.showLog(kept.logFolded)
     }
+    Shortcut {
+        sequence: "Shift+F12"
+        onActivated: {
+            area.showLog(true);
+            logWindow.showLastError();
+        }
+    }
 
     T.SplitView {
         id: rows
@@ -146,6 +153,7 @@ FocusScope {
                 area.manager.SetLogBytesFlowStatus(on);
             }
             onFoldWanted: area.showLog(false)
+            onRefused: area.refused(reason)
         }
     }
 

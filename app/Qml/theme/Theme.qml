@@ -82,6 +82,7 @@ QtObject {
     readonly property int pageMinimumHeight: 70 * grid
     readonly property int consoleMinimumWidth: 85 * grid
     readonly property int logMinimumHeight: 28 * grid
+    readonly property int logSearchWidth: 38 * grid
     readonly property int serialPanelWidth: 90 * grid
     // The widths of fields and captions that are no plain fieldWidth.
     readonly property int captionWidth: 72 * grid
@@ -120,6 +121,7 @@ QtObject {
 
     readonly property int toolTipDelayMs: 600
     readonly property int fadeMs: 120
+    readonly property int dragScrollMs: 30
     readonly property int noticeMs: 6000
     readonly property int spinMs: 1200
 }
