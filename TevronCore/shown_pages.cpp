@@ -10,7 +10,7 @@ namespace {
 /// Whether both look the same on the screen.
 bool LooksLike(const ConfigParser::Value& a, const ConfigParser::Value& b) {
   return a.edited == b.edited && a.state == b.state && a.read_at == b.read_at && a.text == b.text &&
-         a.wanted == b.wanted;
+         a.wanted == b.wanted && a.reading == b.reading && a.read_failure == b.read_failure;
 }
 
 /// What `holder` holds, to be changed in place: it is copied only where somebody shares it.

@@ -5,7 +5,20 @@
 
 #include "Platform/ipv4_text.h"
 #include "variables/host_port.h"
-#include "variables/input_problem.h"
+#include "variables/var_info.h"
+
+InputProblem ProblemOfLeaf(const QVariantMap& leaf, const QString& text) {
+  if (leaf["permission"].toInt() == 0) {
+    return {};
+  }
+  InputRule rule;
+  rule.type = &ValueTypeOf(leaf["var_type"].toString().toStdString());
+  rule.set_coefficient = leaf.value("set_coefficient", 1.0F).toFloat();
+  rule.range_min = leaf["range_min"].toInt();
+  rule.range_max = leaf["range_max"].toInt();
+  rule.is_switch = leaf["type"].toInt() == RowKind::kSwitch;
+  return FindInputProblem(rule, text.toStdString());
+}
 
 QString InputRules::AddressProblem(const QString& text) {
   uint8_t octets[4];
@@ -27,12 +40,14 @@ QString InputRules::HostPortProblem(const QString& text) {
 }
 
 QString InputRules::ValueProblem(const QVariantMap& leaf, const QString& text) {
-  if (leaf["permission"].toInt() == 0) {
-    return {};
-  }
-  const ValueType& type = ValueTypeOf(leaf["var_type"].toString().toStdString());
-  return QString::fromStdString(
-      InputProblem(type, leaf["range_min"].toInt(), leaf["range_max"].toInt(), text.toStdString()));
+  return QString::fromStdString(ProblemOfLeaf(leaf, text).text);
+}
+
+QVariantMap InputRules::Judge(const QVariantMap& leaf, const QString& text) {
+  const InputProblem problem = ProblemOfLeaf(leaf, text);
+  return {{"text", QString::fromStdString(problem.text)},
+          {"rounded", problem.kind == InputProblem::Kind::kRounded},
+          {"impossible", problem.kind == InputProblem::Kind::kImpossible}};
 }
 
 QString InputRules::NumberProblem(const QString& text, int lowest, int highest) {

@@ -1,6 +1,11 @@
 #include "page_rows.h"
 
 #include <algorithm>
+#include <functional>
+
+#include "CmxClient/fov_command.h"
+#include "input_rules.h"
+#include "variables/command_code.h"
 
 namespace {
 
@@ -81,12 +86,13 @@ void PageRows::Rebuild() {
             At(cells, 4).toInt(),
             false,
             QVariantMap()};
-    row.starts_group = !rows_.empty() && rows_.back().level2 != row.level2;
+    row.starts_group = rows_.empty() || rows_.back().level2 != row.level2;
     row.leaf = LeafOf(map, row);
     rows_.push_back(row);
   }
   endResetModel();
   emit rebuilt();
+  emit taken();
 }
 
 void PageRows::TakeAll() {
@@ -94,6 +100,7 @@ void PageRows::TakeAll() {
   for (int row = 0; row < count(); ++row) {
     Take(row, map);
   }
+  emit taken();
 }
 
 void PageRows::TakeTimed() {
@@ -104,14 +111,52 @@ void PageRows::TakeTimed() {
       Take(row, map);
     }
   }
+  emit taken();
 }
 
-void PageRows::TakeRow(int row) { Take(row, ListOf(manager_, "myMap")); }
+void PageRows::TakeRow(int row) {
+  Take(row, ListOf(manager_, "myMap"));
+  emit taken();
+}
+
+bool PageRows::Row::IsEdited() const { return leaf.value("edited").toBool(); }
+
+bool PageRows::Row::IsFaulty() const {
+  return IsEdited() && ProblemOfLeaf(leaf, leaf.value("current_val").toString()).kind ==
+                           InputProblem::Kind::kImpossible;
+}
+
+int PageRows::editCount() const {
+  return static_cast<int>(std::count_if(rows_.begin(), rows_.end(), std::mem_fn(&Row::IsEdited)));
+}
+
+int PageRows::faultCount() const {
+  return static_cast<int>(std::count_if(rows_.begin(), rows_.end(), std::mem_fn(&Row::IsFaulty)));
+}
+
+int PageRows::FirstFault() const {
+  const auto row = std::find_if(rows_.begin(), rows_.end(), std::mem_fn(&Row::IsFaulty));
+  return row == rows_.end() ? -1 : static_cast<int>(row - rows_.begin());
+}
+
+int PageRows::FirstFov() const {
+  const auto row = std::find_if(rows_.begin(), rows_.end(), [](const Row& one) {
+    return IsCommand(one.leaf.value("set_cmd").toString().toStdString(), kavel::lidar::kFovCommand);
+  });
+  return row == rows_.end() ? -1 : static_cast<int>(row - rows_.begin());
+}
+
+QVariantMap PageRows::LeafAt(int level1, int level2, int level3) const {
+  const auto row = std::find_if(rows_.begin(), rows_.end(), [=](const Row& one) {
+    return one.level1 == level1 && one.level2 == level2 && one.level3 == level3;
+  });
+  return row == rows_.end() ? QVariantMap() : row->leaf;
+}
 
 QVariantList PageRows::Edits() const {
   QVariantList edits;
   for (const Row& row : rows_) {
-    if (row.leaf.value("edited").toBool()) {
+    if (row.IsEdited()) {
       edits.append(QVariantMap{{"level1", row.level1},
                                {"level2", row.level2},
                                {"level3", row.level3},

@@ -19,16 +19,19 @@ class PageRows : public QAbstractListModel {
   Q_PROPERTY(int count READ count NOTIFY rebuilt)
   /// The line under the page's title; empty without one.
   Q_PROPERTY(QString description READ description NOTIFY rebuilt)
+  /// How many values were edited, and how many of them have to be corrected before a Save.
+  Q_PROPERTY(int editCount READ editCount NOTIFY taken)
+  Q_PROPERTY(int faultCount READ faultCount NOTIFY taken)
 
  public:
   enum Role {
-    kCaptionRole = Qt::UserRole + 1,  ///< "caption"
+    kCaptionRole = Qt::UserRole + 1,  ///< "caption", without the unit
     kKindRole,                        ///< "kind": the row kind, see the manager's level2List
     kLevel1Role,                      ///< "level1", "level2", "level3": the place in myMap
     kLevel2Role,
     kLevel3Role,
     kLeafRole,         ///< "leaf": the fields of the variable; empty where myMap has no such place
-    kStartsGroupRole,  ///< "startsGroup": the first row of its group, but for the page's first
+    kStartsGroupRole,  ///< "startsGroup": the first row of its group
   };
 
   using QAbstractListModel::QAbstractListModel;
@@ -43,6 +46,8 @@ class PageRows : public QAbstractListModel {
   void SetPage(int page);
   int count() const { return static_cast<int>(rows_.size()); }
   QString description() const;
+  int editCount() const;
+  int faultCount() const;
 
   /// Builds the rows anew: for another page, model or monitor table.
   Q_INVOKABLE void Rebuild();
@@ -55,6 +60,12 @@ class PageRows : public QAbstractListModel {
   Q_INVOKABLE void TakeRow(int row);
   /// The edits of the page as it was last taken: maps with "level1", "level2", "level3" and "text".
   Q_INVOKABLE QVariantList Edits() const;
+  /// The first row whose edited text cannot be saved; -1 without one.
+  Q_INVOKABLE int FirstFault() const;
+  /// The row of the field-of-view table; -1 without one.
+  Q_INVOKABLE int FirstFov() const;
+  /// The variable of a row that stands at this place; empty without one.
+  Q_INVOKABLE QVariantMap LeafAt(int level1, int level2, int level3) const;
   /// Whether a row of this kind is on the page.
   Q_INVOKABLE bool HasKind(int kind) const;
   /// The variable of the first row of this kind as it was last taken; empty without such a row.
@@ -64,6 +75,8 @@ class PageRows : public QAbstractListModel {
   void managerChanged();
   void pageChanged();
   void rebuilt();
+  /// The variables of some rows were taken.
+  void taken();
 
  private:
   struct Row {
@@ -72,6 +85,9 @@ class PageRows : public QAbstractListModel {
     int level1, level2, level3;
     bool starts_group;
     QVariantMap leaf;
+
+    bool IsEdited() const;
+    bool IsFaulty() const;
   };
 
   std::vector<Row>::const_iterator FirstOfKind(int kind) const;

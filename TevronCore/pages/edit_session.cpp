@@ -76,6 +76,10 @@ void EditSession::Clear() {
 }
 
 void EditSession::SetValue(const VarInfo& var, std::string text) {
+  if (table_.IsReading(var, text)) {
+    DropEdits({&var});
+    return;
+  }
   table_.Edit(var, std::move(text));
   pending_.insert(CommandOf(var));
 }

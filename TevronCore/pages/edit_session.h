@@ -38,9 +38,10 @@ class EditSession {
   }
 
   /// Lays the user's input over `var` and marks its set command as pending. Switching on restores
-  /// the last value that was not 0, else the lower end of the range, else 1. Input that means
-  /// nothing (unknown kind, no such option, a variable that cannot be written) changes nothing and
-  /// is reported.
+  /// the last value that was not 0, else the lower end of the range, else 1. The text that the
+  /// lidar holds takes the edit back, and the mark as DropEdits does. Input that means nothing
+  /// (unknown kind, no such option, a variable that cannot be written) changes nothing and is
+  /// reported.
   void SetText(int kind, const VarInfo& var, const std::string& text, UserReport& report);
 
   /// The same for one angle of the field-of-view table. True when the table changed.

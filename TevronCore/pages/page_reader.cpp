@@ -65,9 +65,7 @@ Unread PageReader::Read(const std::vector<const VarInfo*>& vars, const char* cal
   int unanswered = 0;
   for (const auto& [key, group] : groups) {
     if (unanswered == kMaxUnansweredInARow) {
-      for (const VarInfo* var : group) {
-        unread.failed[var] = "the lidar is silent";
-      }
+      NoteFailure(group, "the lidar is silent", &unread);
     } else if (std::chrono::steady_clock::now() >= end) {
       unread.left.insert(unread.left.end(), group.begin(), group.end());
     } else {
@@ -102,9 +100,7 @@ ReadOutcome PageReader::ReadGroupNow(const std::string& key, const ReadGroup& gr
     failures_.WasRead(key);
     return outcome;
   }
-  for (const VarInfo* var : group) {
-    unread->failed[var] = reason;
-  }
+  NoteFailure(group, reason, unread);
   // Not being allowed to ask is no failure: whoever forbade it says so.
   if (outcome != ReadOutcome::kNotSent && failures_.IsNews(key)) {
     report_.LogLine(group.front()->function_module.str() + ": " + NamesOf(group) +
@@ -112,6 +108,13 @@ ReadOutcome PageReader::ReadGroupNow(const std::string& key, const ReadGroup& gr
                     LogType::kWarning);
   }
   return outcome;
+}
+
+void PageReader::NoteFailure(const ReadGroup& group, const std::string& reason, Unread* unread) {
+  for (const VarInfo* var : group) {
+    unread->failed[var] = reason;
+  }
+  table_.NoteReadFailure(group, reason);
 }
 
 ReadOutcome PageReader::GetInfoFromLidarWithSameCmd(const ReadGroup& group, std::string* reason) {

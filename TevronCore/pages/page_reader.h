@@ -74,6 +74,7 @@ class PageReader {
  private:
   ReadOutcome ReadGroupNow(const std::string& key, const ReadGroup& group, const char* caller,
                            Unread* unread);
+  void NoteFailure(const ReadGroup& group, const std::string& reason, Unread* unread);
 
   kavel::lidar::CommandSender& sender_;
   ConfigParser& table_;

@@ -147,6 +147,10 @@ ConfigParser::Value ConfigParser::CopyValue(const VarInfo& var) const {
     if (live->state == ValueState::kDiffers) {
       value.wanted = live->written_text;
     }
+    if (live->edited && live->state != ValueState::kNotRead) {
+      value.reading = live->reading;
+    }
+    value.read_failure = live->read_failure;
   }
   return value;
 }
@@ -191,6 +195,7 @@ void ConfigParser::Compare(Live* live, std::vector<uint8_t> bytes) {
   live->bytes = std::move(bytes);
   live->has_bytes = true;
   live->read_at = std::chrono::system_clock::now();
+  live->read_failure.clear();
 }
 
 void ConfigParser::ForgetReadings() {
@@ -225,6 +230,14 @@ void ConfigParser::StoreBytes(const VarInfo& var, std::vector<uint8_t> bytes) {
   StoreReading(var, {}, std::move(bytes));
 }
 
+void ConfigParser::NoteReadFailure(const std::vector<const VarInfo*>& vars,
+                                   const std::string& reason) {
+  const std::lock_guard lock(values_mutex_);
+  for (const VarInfo* var : vars) {
+    LiveOf(*var).read_failure = reason;
+  }
+}
+
 void ConfigParser::StoreWritten(const VarInfo& var, const std::string& text,
                                 std::vector<uint8_t> bytes) {
   const std::lock_guard lock(values_mutex_);
@@ -241,6 +254,12 @@ void ConfigParser::StoreWritten(const VarInfo& var, const std::string& text,
   if (!live.edited) {
     RememberSwitchOn(var, &live);
   }
+}
+
+bool ConfigParser::IsReading(const VarInfo& var, const std::string& text) const {
+  const std::lock_guard lock(values_mutex_);
+  const Live* live = live_[var.table_position].get();
+  return live != nullptr && live->state != ValueState::kNotRead && live->reading == text;
 }
 
 void ConfigParser::Edit(const VarInfo& var, std::string text) {

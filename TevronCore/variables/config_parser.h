@@ -40,7 +40,9 @@ class ConfigParser {
     bool edited = false;         ///< The text is the user's and has not been saved.
     ValueState state = ValueState::kNotRead;
     std::optional<std::chrono::system_clock::time_point> read_at;  ///< Of the last reading.
-    std::string wanted;  ///< In the state kDiffers: the text that was written.
+    std::string wanted;   ///< In the state kDiffers: the text that was written.
+    std::string reading;  ///< Of an edit: the text that it is laid over; empty if nothing was read.
+    std::string read_failure;  ///< Why the last attempt to read it failed; empty if it did not.
   };
 
   /// A place in a payload, in bytes.
@@ -112,8 +114,15 @@ class ConfigParser {
   /// default is nothing that the lidar said.
   void StoreBytes(const VarInfo& var, std::vector<uint8_t> bytes);
 
+  /// Remembers until the next reading why the variables could not be read.
+  void NoteReadFailure(const std::vector<const VarInfo*>& vars, const std::string& reason);
+
   /// Takes over what the lidar accepted: the reading from now on. An edit of the same text ends.
   void StoreWritten(const VarInfo& var, const std::string& text, std::vector<uint8_t> bytes);
+
+  /// Whether the lidar told or accepted exactly this text, so that an edit to it would change
+  /// nothing.
+  bool IsReading(const VarInfo& var, const std::string& text) const;
 
   /// Shows the user's text until DropEdits.
   void Edit(const VarInfo& var, std::string text);
@@ -133,6 +142,7 @@ class ConfigParser {
     std::string written_text;
     std::string reading;
     std::string edit;
+    std::string read_failure;
     std::string last_on;  ///< last text that was not 0, of a switch
     std::optional<std::chrono::system_clock::time_point> read_at;
     ValueState state = ValueState::kNotRead;  ///< without regard to the edit

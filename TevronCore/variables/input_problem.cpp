@@ -1,9 +1,16 @@
 #include "variables/input_problem.h"
 
+#include <algorithm>
+#include <cmath>
+#include <memory>
 #include <regex>
 #include <stdexcept>
+#include <vector>
 
+#include "Wire/big_endian.h"
+#include "variables/exact_number.h"
 #include "variables/number_text.h"
+#include "variables/str_parser.h"
 
 namespace {
 
@@ -14,6 +21,71 @@ bool IsWithin(const std::string& text, int32_t lowest, int32_t highest) {
     return number >= lowest && number <= highest;
   } catch (const std::logic_error&) {
     return false;
+  }
+}
+
+using Kind = InputProblem::Kind;
+
+bool HasRange(const InputRule& rule) { return rule.range_min != 0 || rule.range_max != 0; }
+
+std::string RangeText(const InputRule& rule) {
+  return std::to_string(rule.range_min) + " to " + std::to_string(rule.range_max);
+}
+
+// Why a text that is no number, or none that the type holds, has no bytes.
+InputProblem Refusal(const InputRule& rule, const std::string& text, const std::string& reason) {
+  if (rule.type->kind == ValueKind::kAddress) {
+    return {Kind::kImpossible, "An address like 192.168.1.201"};
+  }
+  if (rule.type->kind == ValueKind::kMac) {
+    return {Kind::kImpossible, "Six pairs like AA:BB:CC:DD:EE:FF"};
+  }
+  const bool is_number = SignedDecimal(text).has_value();
+  if (!is_number) {
+    const std::string wanted = HasRange(rule) ? "A number from " + RangeText(rule) : "A number";
+    const bool has_comma = text.find(',') != std::string::npos;
+    return {Kind::kImpossible, wanted + (has_comma ? ", point as decimal sign" : " is needed")};
+  }
+  if (HasRange(rule) && !IsWithin(text, rule.range_min, rule.range_max)) {
+    return {Kind::kImpossible, "Outside " + RangeText(rule)};
+  }
+  if (rule.type->is_exact) {
+    const size_t colon = reason.find(": ");  // behind the name of the parser
+    return {Kind::kImpossible, reason.substr(colon == std::string::npos ? 0 : colon + 2)};
+  }
+  return {Kind::kImpossible, TakesOnlyZero(*rule.type)
+                                 ? "Only 0 can be saved"
+                                 : "Outside " + TypeRange(*rule.type, rule.set_coefficient)};
+}
+
+// What the bytes of an integer mean, where that is not what the text says.
+InputProblem Rounding(const InputRule& rule, const std::string& text,
+                      const std::vector<uint8_t>& bytes) {
+  if (rule.type->kind != ValueKind::kInteger || rule.type->is_exact) {
+    return {};
+  }
+  const uint64_t bits = kavel::lidar::ReadBigEndian(bytes.data(), bytes.size());
+  const int64_t number = rule.type->is_signed ? kavel::lidar::SignExtended(bits, bytes.size())
+                                              : static_cast<int64_t>(bits);
+  const double stored = static_cast<double>(number) * AsWritten(rule.set_coefficient);
+  const double typed = SignedDecimal(text).value_or(stored);
+  constexpr double kAlike = 1e-9;
+  if (std::fabs(stored - typed) <= kAlike * std::max(1.0, std::fabs(typed))) {
+    return {};
+  }
+  return {Kind::kRounded, "Would be stored as " + (rule.set_coefficient == 1.0F
+                                                       ? std::to_string(number)
+                                                       : ShortText(static_cast<float>(stored)))};
+}
+
+bool IsWellWritten(const InputRule& rule, const std::string& text) {
+  switch (rule.type->kind) {
+    case ValueKind::kAddress:
+      return IsAddressText(text);
+    case ValueKind::kMac:
+      return IsMacText(text);
+    default:
+      return SignedDecimal(text).has_value();
   }
 }
 
@@ -30,25 +102,43 @@ bool IsMacText(const std::string& text) {
   return std::regex_match(text, pattern);
 }
 
-std::string InputProblem(const ValueType& type, int32_t range_min, int32_t range_max,
-                         const std::string& text) {
-  if (type.kind == ValueKind::kAddress) {
-    return IsAddressText(text) ? "" : "An address like 192.168.1.201";
+bool TakesOnlyZero(const ValueType& type) {
+  return type.kind == ValueKind::kInteger && !type.is_signed && type.size >= 4 && !type.is_exact;
+}
+
+std::string TypeRange(const ValueType& type, float set_coefficient) {
+  if (type.is_exact) {
+    return ExactRange(type, set_coefficient);
   }
-  if (type.kind == ValueKind::kMac) {
-    return IsMacText(text) ? "" : "Six pairs like AA:BB:CC:DD:EE:FF";
-  }
-  if (!type.is_number()) {
+  const int bits = 8 * type.size - (type.is_signed ? 1 : 0);
+  const double factor = AsWritten(set_coefficient);
+  const double ends[] = {(type.is_signed ? -std::ldexp(1.0, bits) : 0) * factor,
+                         (std::ldexp(1.0, bits) - 1) * factor};
+  return ShortText(static_cast<float>(std::min(ends[0], ends[1]))) + " to " +
+         ShortText(static_cast<float>(std::max(ends[0], ends[1])));
+}
+
+InputProblem FindInputProblem(const InputRule& rule, const std::string& text) {
+  if (!rule.type->has_input) {
     return {};
   }
-  const std::optional<double> number = SignedDecimal(text);
-  if (!number) {
-    return "A number is needed";
+  std::vector<uint8_t> bytes;
+  try {
+    bytes = CreateStrParser(std::string(rule.type->name))->Parse(text, rule.set_coefficient);
+  } catch (const std::invalid_argument& e) {
+    return Refusal(rule, text, e.what());
   }
-  const bool has_range = range_min != 0 || range_max != 0;
-  const bool is_within = type.is_exact ? *number >= range_min && *number <= range_max
-                                       : IsWithin(text, range_min, range_max);
-  return has_range && !is_within
-             ? "Outside " + std::to_string(range_min) + " to " + std::to_string(range_max)
-             : "";
+  if (!IsWellWritten(rule, text)) {
+    InputProblem problem = Refusal(rule, text, "");
+    problem.kind = rule.type->is_number() ? Kind::kImpossible : Kind::kUnwanted;
+    return problem;
+  }
+  const bool is_off = rule.is_switch && text == "0";
+  const bool is_within = is_off || !HasRange(rule) ||
+                         (rule.type->is_exact ? *SignedDecimal(text) >= rule.range_min &&
+                                                    *SignedDecimal(text) <= rule.range_max
+                                              : IsWithin(text, rule.range_min, rule.range_max));
+  return is_within || !rule.type->is_number()
+             ? Rounding(rule, text, bytes)
+             : InputProblem{Kind::kUnwanted, "Outside " + RangeText(rule)};
 }

@@ -53,6 +53,8 @@ void InsertValue(const VarInfo& var, const ConfigParser::Value& value, QVariantM
   map->insert("state", TextOf(value.state));
   map->insert("read_at", LocalTime(value.read_at));
   map->insert("wanted", Text(value.wanted));
+  map->insert("reading", Text(value.reading));
+  map->insert("read_failure", Text(value.read_failure));
 }
 
 QVariantMap VariableMap(const VarInfo& var, const ConfigParser::Value& value) {
@@ -74,6 +76,8 @@ QVariantMap VariableMap(const VarInfo& var, const ConfigParser::Value& value) {
 
   map.insert("unit", Text(var.unit));
   map.insert("unit_suffix", Text(UnitSuffix(var)));
+  map.insert("coefficient", var.coefficient);
+  map.insert("set_coefficient", var.set_coefficient);
   map.insert("range_min", var.range_min);
   map.insert("range_max", var.range_max);
   map.insert("length_limit", LengthLimitOf(var));
@@ -106,6 +110,7 @@ QVariantList PagesAsVariants(const ConfigParser& parser, const PageModel& pages,
       for (const VarInfo* var : group.vars) {
         QVariantMap map = VariableMap(*var, values[next++]);
         map.insert("page_description", Text(page.description));
+        map.insert("group_caption", Text(group.caption));
         level3.append(map);
         if (errors != nullptr && HasOddLabels(*var)) {
           errors->push_back("config file error, Please check the configuration of type 2 of " +

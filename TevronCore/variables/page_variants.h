@@ -29,10 +29,12 @@ QVariantList PageRows(const PageModel& pages);
 /// on), "visible", "option_num", "type" (numbers), "varname_value_to_option" (map from value text
 /// to label), "options" (list of the texts to offer); and beyond the record: "option_values" (list,
 /// beside "options"), "option_index" (number: the entry that matches current_val, -1 none), "unit",
-/// "unit_suffix", "range_min", "range_max", "length_limit" (numbers), "switch_var_id",
-/// "check_enable" (number), "edited", "editable", "timer_update" (booleans), "hint" (see
-/// InputHint), "group_id", "page", "page_description", "state" (see TextOf), "read_at" (local time
-/// of the last reading), "wanted" (in the state "differs": what was written).
+/// "unit_suffix", "coefficient", "set_coefficient", "range_min", "range_max", "length_limit"
+/// (numbers), "switch_var_id", "check_enable" (number), "edited", "editable", "timer_update"
+/// (booleans), "hint" (see InputHint), "group_id", "group_caption", "page", "page_description",
+/// "state" (see TextOf), "read_at" (local time of the last reading), "wanted" (in the state
+/// "differs": what was written), "reading" (in the state "edited": what the lidar holds),
+/// "read_failure" (why the last attempt to read it failed).
 QVariantMap VariableMap(const VarInfo& var, const ConfigParser::Value& value);
 
 /// Those of the fields that depend on the value.

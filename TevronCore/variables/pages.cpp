@@ -30,7 +30,7 @@ PageModel::PageModel(const ConfigParser& parser) {
     const auto [group_entry, new_group] =
         group_of_id[page_index].try_emplace(GroupIdOf(*var), groups.size());
     if (new_group) {
-      groups.push_back({std::string(GroupIdOf(*var)), {}});
+      groups.push_back({std::string(GroupIdOf(*var)), {}, {}});
     }
     std::vector<const VarInfo*>& vars = groups[group_entry->second].vars;
     positions_[var->table_position] = {static_cast<int>(page_index),
@@ -41,13 +41,28 @@ PageModel::PageModel(const ConfigParser& parser) {
       monitor_page_ = static_cast<int>(page_index);
     }
   }
+  TakeDirectives(parser);
+}
+
+// A group whose variables stand on several pages has its caption on each of them.
+void PageModel::TakeDirectives(const ConfigParser& parser) {
+  std::unordered_map<std::string_view, std::string_view> descriptions;
+  std::unordered_map<std::string_view, std::string_view> captions;
   for (const TableDirective& directive : parser.Directives()) {
-    if (directive.cells.size() < 3 || directive.name() != kPageDirective) {
+    const std::vector<std::string>& cells = directive.cells;
+    if (cells.size() < 3) {
       continue;
     }
-    const auto page = page_of_name.find(directive.cells[1]);
-    if (page != page_of_name.end()) {
-      pages_[page->second].description = directive.cells[2];
+    if (directive.name() == kPageDirective) {
+      descriptions[cells[1]] = cells[2];
+    } else if (directive.name() == kGroupDirective) {
+      captions[cells[1]] = cells[2];
+    }
+  }
+  for (Page& page : pages_) {
+    page.description = descriptions[page.name];
+    for (Page::Group& group : page.groups) {
+      group.caption = captions[group.id];
     }
   }
 }

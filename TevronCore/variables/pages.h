@@ -14,7 +14,8 @@ inline constexpr char kGroupDirective[] = "group";
 /// A page of the screens: the variables with one "FunctionModule" text.
 struct Page {
   struct Group {
-    std::string id;  ///< "GroupID" text.
+    std::string id;       ///< "GroupID" text.
+    std::string caption;  ///< From the table's "group" directive; may be empty.
     std::vector<const VarInfo*> vars;
   };
   std::string name;
@@ -56,6 +57,8 @@ class PageModel {
   std::vector<const VarInfo*> VariablesOf(int page) const;
 
  private:
+  void TakeDirectives(const ConfigParser& parser);
+
   std::vector<Page> pages_;
   std::vector<PagePosition> positions_;  // by VarInfo::table_position
   int monitor_page_ = -1;

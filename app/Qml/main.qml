@@ -115,6 +115,7 @@ FocusScope {
             onRefused: messages.refuse(reason)
             onConfirmationWanted: messages.askSave(names)
             onRestartWanted: messages.askRestart()
+            onLeaveAsked: pages.selectTab(tab)
         }
     }
 

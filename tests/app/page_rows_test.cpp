@@ -34,7 +34,7 @@ TEST(PageRowsTest, AnnouncesTheRowsThatDiffer) {
   for (int row = 0; row < rows.count(); ++row) {
     starts += rows.index(row).data(PageRows::kStartsGroupRole).toBool() ? 'x' : '.';
   }
-  EXPECT_EQ(starts, "..xx");
+  EXPECT_EQ(starts, "x.xx");
   EXPECT_TRUE(rows.HasKind(4));
 
   QSignalSpy changed(&rows, &QAbstractItemModel::dataChanged);

@@ -44,6 +44,19 @@ TEST_F(EditSessionTest, EditsMarkTheirCommandUntilTheyAreDropped) {
   EXPECT_TRUE(session_.pending().empty());
 }
 
+TEST_F(EditSessionTest, TheTextThatTheLidarHoldsIsNoEdit) {
+  Set(EditSession::kTextInput, "Limit", "5");
+  EXPECT_EQ((PendingCommands{"0x31"}), session_.pending()) << "a default is no reading";
+  fixture_.table.StoreReading(fixture_["Limit"], "7", {7});
+  EXPECT_EQ(fixture_.table.ValueOf(fixture_["Limit"]).reading, "7");
+  Set(EditSession::kTextInput, "Filter", "9");
+  Set(EditSession::kTextInput, "Limit", "7");
+  EXPECT_FALSE(fixture_.table.ValueOf(fixture_["Limit"]).edited);
+  EXPECT_EQ((PendingCommands{"0x31"}), session_.pending()) << "Filter is still edited";
+  session_.DropEdits({&fixture_["Filter"]});
+  EXPECT_TRUE(session_.pending().empty());
+}
+
 TEST_F(EditSessionTest, ASwitchComesBackWithItsLastValue) {
   Set(EditSession::kSwitchInput, "Filter", "1");
   EXPECT_EQ(fixture_.Text("Filter"), "3");

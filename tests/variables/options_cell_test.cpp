@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "variables/input_hint.h"
+#include "variables/input_problem.h"
 
 namespace {
 
@@ -78,22 +79,56 @@ TEST(InputHint, TellsBeforeSavingWhatWouldBeRefused) {
     static_cast<Control&>(var) = std::get<Control>(ParseControl(options, "", var));
     return InputHint(var);
   };
-  EXPECT_EQ(hint("uint32"), "Only 0 can be saved: uint32 takes no other value.");
+  EXPECT_EQ(hint("uint32"), "Only 0 can be saved.");
   EXPECT_EQ(hint("uint32", "0|1"), hint("uint32"));
   EXPECT_EQ(hint("uint64", "", 0.1F),
             "Only values from 0 up to, not including, 0.1 can be saved, and are stored as 0.");
-  EXPECT_EQ(hint("i32", "", 0.01F), "Multiple of 0.01 from -21474836.48 to 21474836.47.");
+  EXPECT_EQ(hint("i32", "", 0.01F), "steps of 0.01");
   EXPECT_EQ(hint("DT"), "Cannot be changed: there is no way to enter the type \"DT\".");
-  EXPECT_EQ(hint("uint8", "", 0.5F), "Number from 0 to 127.5.");
-  EXPECT_EQ(hint("int16", "-45..45@7-1"),
-            "Whole number from -32768 to 32767. Allowed: -45 to 45, while the switch it depends on "
-            "is on.");
-  EXPECT_EQ(hint("uint8", "switch:10..100"),
-            "Whole number from 0 to 255. Allowed: 10 to 100, or 0 for off.");
-  EXPECT_EQ(hint("uint8", "switch"), "Switch: 0 is off.");
-  VarInfo var = Variable("uint8", 0);
-  var.unit = texts.Share("V");
-  EXPECT_EQ(InputHint(var), "Read-only. Unit: V.");
+  EXPECT_EQ(hint("int16", "-45..45@7-1", 0.25F), "-45 to 45, steps of 0.25");
+  EXPECT_EQ(hint("uint8", "switch:10..100"), "10 to 100, or off");
+  for (const char* options : {"switch", "1|2", ""}) {
+    EXPECT_EQ(hint("uint8", options), "") << options;
+  }
+  EXPECT_EQ(InputHint(Variable("uint8", 0)), "");
+}
+
+TEST(InputProblem, TellsBeforeSavingWhatWouldBeStoredQuestionedOrRefused) {
+  using Kind = InputProblem::Kind;
+  struct Case {
+    const char* type;
+    float set_coefficient;
+    int32_t range_max;
+    const char* text;
+    Kind kind;
+    const char* told;
+  };
+  const Case cases[] = {
+      {"int16", 0.25F, 100, "12.25", Kind::kNone, ""},
+      {"int16", 0.1F, 100, "0.3", Kind::kNone, ""},
+      {"int16", 0.25F, 100, "12.3", Kind::kRounded, "Would be stored as 12.25"},
+      {"int32", 1, 0, "16777217", Kind::kRounded, "Would be stored as 16777216"},
+      {"uint8", 1, 0, "7.9", Kind::kRounded, "Would be stored as 7"},
+      {"uint8", 1, 100, "101", Kind::kUnwanted, "Outside 0 to 100"},
+      {"uint8", 1, 100, "300", Kind::kImpossible, "Outside 0 to 100"},
+      {"int8", 0.5F, 0, "64", Kind::kImpossible, "Outside -64 to 63.5"},
+      {"uint8", 1, 100, "12,5", Kind::kImpossible, "A number from 0 to 100, point as decimal sign"},
+      {"double", 1, 0, "nan", Kind::kImpossible, "A number is needed"},
+      {"u32", 0.01F, 0, "0.005", Kind::kImpossible, "\"0.005\" is no multiple of 0.01"},
+      {"uint32", 1, 0, "5", Kind::kImpossible, "Only 0 can be saved"},
+      {"IP", 1, 0, "1.2.3.+4", Kind::kUnwanted, "An address like 192.168.1.201"},
+      {"IP", 1, 0, "1.2.3", Kind::kImpossible, "An address like 192.168.1.201"},
+      {"string", 1, 0, "whatever", Kind::kNone, ""},
+  };
+  for (const Case& it : cases) {
+    const InputProblem problem =
+        FindInputProblem({&ValueTypeOf(it.type), it.set_coefficient, 0, it.range_max}, it.text);
+    EXPECT_EQ(problem.text, it.told) << it.type << ' ' << it.text;
+    EXPECT_EQ(problem.kind, it.kind) << it.type << ' ' << it.text;
+  }
+  const InputRule filter{&ValueTypeOf("uint8"), 1, 1, 10, true};
+  EXPECT_EQ(FindInputProblem(filter, "0").kind, Kind::kNone) << "off";
+  EXPECT_EQ(FindInputProblem(filter, "11").kind, Kind::kUnwanted);
 }
 
 }  // namespace

@@ -12,6 +12,7 @@ class PagesTest : public TableTest {
   void SetUp() override {
     Load(
         "0,page,Scan,How it turns\n"
+        "0,group,1,Amplifier\n"
         "2,1,0x01,0x02,1,Speed,1,uint8,3,1|3,rpm,,Slow|Fast,Scan\n"
         "2,2,0x01,0x02,2,Reserved,0,uint8,0,hidden,,,,Scan\n"
         "2,3,0x01,0x02,3,Filter,1,uint8,0,switch,,,,Scan\n"
@@ -58,6 +59,8 @@ TEST_F(PagesTest, LeavesShowTheVariableAndItsValue) {
   EXPECT_EQ(shown(0, 0, "option_index"), 0);
   EXPECT_EQ(shown(0, 0, "varname_value_to_option").toMap()["3"], "Fast");
   EXPECT_EQ(shown(0, 0, "page_description"), "How it turns");
+  EXPECT_EQ(shown(0, 0, "group_caption"), "");
+  EXPECT_EQ(shown(1, 0, "group_caption"), "Amplifier");
   EXPECT_EQ(shown(0, 1, "switch_index"), "0");
   EXPECT_EQ(shown(0, 2, "current_val"), "-7");
   EXPECT_EQ(shown(0, 2, "edited"), true);
@@ -68,11 +71,11 @@ TEST_F(PagesTest, LeavesShowTheVariableAndItsValue) {
   const QStringList keys = VariableMap(Var("Serial"), {}).keys();
   EXPECT_EQ(
       keys.join(' ').toStdString(),
-      "check_enable current_val default_val editable edited get_cmd get_start_pos group_id hint "
-      "index length_limit offset option_index option_num option_values options page permission "
-      "range_max range_min read_at set_cmd set_start_pos state switch_index switch_var_id "
-      "timer_update type unit unit_suffix var_id var_name var_type varname_value_to_option "
-      "visible wanted");
+      "check_enable coefficient current_val default_val editable edited get_cmd get_start_pos "
+      "group_id hint index length_limit offset option_index option_num option_values options page "
+      "permission range_max range_min read_at read_failure reading set_cmd set_coefficient "
+      "set_start_pos state switch_index switch_var_id timer_update type unit unit_suffix var_id "
+      "var_name var_type varname_value_to_option visible wanted");
 }
 
 }  // namespace

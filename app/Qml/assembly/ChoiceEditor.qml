@@ -6,6 +6,7 @@ FocusScope {
     id: editor
 
     property var row
+    focus: true
     readonly property var leaf: row.leaf
 
     implicitHeight: Theme.controlHeight

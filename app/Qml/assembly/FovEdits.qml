@@ -1,40 +1,84 @@
 import QtQuick 2.15
 
 // The field-of-view angles that were edited here and are not saved yet. The manager shows ten angles
-// and does not tell which of them are edits, so this remembers what it shows for each edited one.
+// and does not tell which of them are edits, so this remembers what it shows for each edited one, and
+// the texts that it did not take.
 //
 // manager      the object that holds the angles (FovList)
+// releasing    what the manager takes back now is meant to go; at other times it is handed over again
 // angles       the edits by their index
-// cancelled()  the page was read again to be rid of all edits, also of what is only typed
+// refused      the texts that are no angles, by their index
 Item {
     id: edits
 
     property var manager
+    property bool releasing: false
     property var angles: ({})
+    property var refused: ({})
+    readonly property int editCount: Object.keys(angles).length
+    readonly property int faultCount: Object.keys(refused).length
+    property bool restoring: false
 
+    // The page was read again to be rid of all edits, also of what is only typed.
     signal cancelled()
 
     function problemWith(text) {
         const value = Number(text);
-        return text.trim().length > 0 && value >= 0 && value <= 360 ? "" : qsTr("0 to 360 degrees");
+        return text.trim().length > 0 && value >= 0 && value <= 360 ? ""
+             : text.indexOf(",") >= 0 ? qsTr("0 to 360, point as decimal sign") : qsTr("0 to 360 degrees");
     }
 
-    // The manager refuses a text with a problem.
+    function without(map, index) {
+        const left = Object.assign({}, map);
+        delete left[index];
+        return left;
+    }
+
+    // Keeps a text that is no angle, to be corrected.
+    function refuse(index, text) {
+        refused = Object.assign({}, refused, { [index]: text });
+    }
+
+    // The manager says why it refuses a text with a problem.
     function set(index, text) {
+        if (problemWith(text) !== "") {
+            // Its message takes the keyboard away, so this comes first.
+            refuse(index, text);
+            manager.SetMultiFovConfig(index, text);
+            return;
+        }
+        refused = without(refused, index);
         manager.SetMultiFovConfig(index, text);
-        if (problemWith(text) === "")
-            angles = Object.assign({}, angles, { [index]: manager.FovList[index] });
+        angles = Object.assign({}, angles, { [index]: manager.FovList[index] });
+    }
+
+    // Gives up a text that was refused.
+    function forget(index) {
+        refused = without(refused, index);
+    }
+
+    function clear() {
+        angles = {};
+        refused = {};
+        cancelled();
     }
 
     // Hands over again those of `kept` that the manager does not show any more.
     function restore(kept) {
+        restoring = true;
         Object.keys(kept).filter(i => kept[i] !== manager.FovList[i]).forEach(i => set(i, kept[i]));
+        restoring = false;
     }
 
     Connections {
         target: edits.manager
-        // An edit that is not shown any more was taken back.
         function onFovConfigChanged() {
+            if (edits.restoring)
+                return;
+            if (!edits.releasing) {
+                edits.restore(edits.angles);
+                return;
+            }
             const left = {};
             for (const i in edits.angles) {
                 if (edits.angles[i] === edits.manager.FovList[i])

@@ -7,29 +7,37 @@ FocusScope {
     id: panel
 
     property var row
+    focus: true
     readonly property var edits: row.fovEdits
 
+    // What is typed and not confirmed yet. A text that is no angle is only marked: the caller says why
+    // it stays.
     function commit() {
         for (let i = 0; i < fields.count; ++i) {
             const field = fields.itemAt(i);
-            if (field.typing && field.text !== field.value)
+            if (!field.typing || field.text === field.value)
+                continue;
+            if (field.problem === "") {
                 handOver(field);
+            } else {
+                field.typing = false;
+                edits.refuse(i, field.text);
+            }
         }
     }
 
-    // Hands over what was typed; the field shows what came of it. A refused text stays like one that
-    // is being typed, and is not handed over again when the keyboard leaves.
+    // The field shows what came of it.
     function handOver(field) {
-        const refused = edits.problemWith(field.text) !== "";
-        const again = refused && field.text === field.refusedText;
-        // The message takes the keyboard away, so this comes first.
-        field.refusedText = refused ? field.text : "";
-        field.typing = refused;
-        if (!again)
-            edits.set(field.index, field.text);
-        if (!refused)
-            field.revert();
+        field.typing = false;
+        edits.set(field.index, field.text);
+        field.revert();
         row.edited();
+    }
+
+    // Goes to the first text that was refused.
+    function goToFault() {
+        const first = Object.keys(edits.refused)[0];
+        (fields.itemAt(first === undefined ? 0 : first)).forceActiveFocus();
     }
 
     Connections {
@@ -68,13 +76,13 @@ FocusScope {
 
             DefaultTextField {
                 required property int index
-                property string refusedText: ""
-                readonly property bool changed: panel.edits.angles[index] !== undefined
+                readonly property bool refused: panel.edits.refused[index] !== undefined
+                readonly property bool changed: refused || panel.edits.angles[index] !== undefined
 
                 objectName: "fov_" + index
                 width: Theme.fieldWidth / 2
                 focus: index === 0
-                value: panel.row.manager.FovList[index]
+                value: refused ? panel.edits.refused[index] : panel.row.manager.FovList[index]
                 placeholderText: Theme.unreadText
                 stale: panel.row.stale && !changed
                 pending: changed || (typing && text !== value)
@@ -84,7 +92,7 @@ FocusScope {
                                                                    .arg(Math.floor(index / 2) + 1)
                 label: qsTr("Field-of-view angle %1").arg(index + 1)
                 onCommitted: panel.handOver(this)
-                onTextEdited: refusedText = ""
+                Keys.onEscapePressed: panel.edits.forget(index)
             }
         }
     }

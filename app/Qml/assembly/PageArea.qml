@@ -11,23 +11,44 @@ Item {
     property var upgrade
     property int currentTab: 0
     readonly property bool network: manager.connectType === 0
+    // What is typed counts.
+    readonly property bool hasEdits: network && page.hasEdits
+    // The page's edits are on their way to the lidar.
+    readonly property alias saving: page.saving
 
     signal refused(string reason)
     signal confirmationWanted(var names)
     signal restartWanted()
+    // Another page is wanted while this one has edits: answered by selectTab() or nothing.
+    signal leaveAsked(int tab)
 
     // Writes the edits of the page in view, whatever their values.
     function write() {
         page.write();
     }
 
-    // Edits belong to the page they were made on: another page starts without any.
+    // Saves what is edited; true when nothing is left to be saved or lost.
+    function settle() {
+        page.forceActiveFocus();
+        if (hasEdits)
+            page.save();
+        return !hasEdits;
+    }
+
+    // Drops what is edited.
+    function discard() {
+        page.discard();
+    }
+
+    // Shows another page. Edits belong to the page they were made on: they go with it.
     function selectTab(tab) {
         logsButton.checked = false;
-        manager.ClearSetMap();
-        manager.setModuleIndexUse(tab);
-        manager.GetLidarModuleInfo(tab);
-        currentTab = tab;
+        page.release(() => {
+            manager.ClearSetMap();
+            manager.setModuleIndexUse(tab);
+            manager.GetLidarModuleInfo(tab);
+            currentTab = tab;
+        });
     }
 
     function showTabs() {
@@ -36,7 +57,6 @@ Item {
 
     function rebuild() {
         showTabs();
-        tabs.currentIndex = 0;
         currentTab = 0;
         manager.setModuleIndexUse(0);
     }
@@ -59,9 +79,10 @@ Item {
         anchors.leftMargin: Theme.gap
         anchors.rightMargin: Theme.gap
         visible: area.network
+        currentIndex: area.currentTab
         resting: logs.visible
         marked: page.hasEdits ? [area.currentTab] : []
-        onSelected: area.selectTab(index)
+        onSelected: area.hasEdits ? area.leaveAsked(index) : area.selectTab(index)
         onClicked: logsButton.checked = false
     }
 

@@ -27,6 +27,7 @@ FocusScope {
     property var monitor: null
     readonly property bool isInMonitor: monitor !== null && (kind === kindMonitor
         || (!editable && kind < kindSwitch && monitor.live.count > 0 && monitor.Draws(caption)))
+    required property int index
     required property string caption
     required property int kind
     required property int level1
@@ -97,6 +98,13 @@ FocusScope {
             loader.item.commit();
     }
 
+    // Takes the keyboard to what has to be corrected.
+    function goToFault() {
+        forceActiveFocus();
+        if (loader.item && loader.item.goToFault)
+            loader.item.goToFault();
+    }
+
     function editorFile() {
         if (isInMonitor)
             return "";
@@ -112,7 +120,7 @@ FocusScope {
     }
 
     // Every group but the first stands a little apart.
-    readonly property int groupGap: startsGroup ? Theme.gapWide : 0
+    readonly property int groupGap: startsGroup && index > 0 ? Theme.gapWide : 0
     readonly property int lineHeight: isFov || isPanel ? loader.implicitHeight + Theme.gapWide
                                     : kind === kindTallChoice ? Theme.tallRowHeight : Theme.rowHeight
 
@@ -129,7 +137,7 @@ FocusScope {
         anchors.rightMargin: Theme.gapWide
         y: row.groupGap / 2
         height: Theme.hairline
-        visible: row.startsGroup
+        visible: row.startsGroup && row.index > 0
         color: Theme.outlineColor
     }
 

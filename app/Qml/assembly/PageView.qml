@@ -22,7 +22,10 @@ FocusScope {
     property string title: ""
     readonly property int kindFile: 4
     readonly property int kindMonitor: 7
-    readonly property bool hasEdits: pendingCommands > 0 || typing
+    readonly property bool hasEdits: pendingCommands > 0 || typing || fov.faultCount > 0
+    readonly property alias saving: saveControl.writing
+    // The page itself ends its edits now; at other times they outlive a reading.
+    property bool releasing: false
     // A field of the page holds text that was not confirmed yet.
     readonly property bool typing: {
         const item = Window.activeFocusItem;
@@ -36,9 +39,11 @@ FocusScope {
     signal refused(string reason)
     signal confirmationWanted(var names)
 
-    // Brings the rows up to date that show something else.
+    // Brings the rows up to date that show something else. What was typed stays, whoever read the page.
     function takeValues() {
+        const edits = releasing || saving ? [] : rows.Edits();
         rows.TakeAll();
+        saveControl.giveBack(edits);
         takeHardware();
         countPending();
     }
@@ -60,20 +65,42 @@ FocusScope {
             list.currentItem.commit();
     }
 
+    // Does `reading`, after which no edit is left.
+    function release(reading) {
+        releasing = true;
+        reading();
+        fov.clear();
+        releasing = false;
+        takeValues();
+    }
+
     function cancel() {
         page.forceActiveFocus();
-        manager.GetLidarModuleInfo(tab);
-        fov.cancelled();
-        takeValues();
+        release(() => manager.GetLidarModuleInfo(tab));
+    }
+
+    function discard() {
+        page.forceActiveFocus();
+        release(() => manager.ClearSetMap());
     }
 
     function save() {
         commitTyping();
-        saving.save();
+        saveControl.save();
     }
 
     function write() {
-        saving.write();
+        saveControl.write();
+    }
+
+    // Goes to the first field that has to be corrected, unless a message has the keyboard.
+    function goToFault() {
+        const first = rows.FirstFault();
+        const row = first >= 0 ? first : rows.FirstFov();
+        if (!activeFocus || row < 0)
+            return;
+        list.positionViewAtIndex(row, ListView.Contain);
+        list.itemAtIndex(row).goToFault();
     }
 
     Connections {
@@ -85,7 +112,10 @@ FocusScope {
             page.countPending();
         }
         function onMonitorContentChanged() { rows.Rebuild(); }
-        function onLidarModelChanged() { rows.Rebuild(); }
+        function onLidarModelChanged() {
+            fov.clear();
+            rows.Rebuild();
+        }
     }
 
     PageRows {
@@ -114,10 +144,11 @@ FocusScope {
         id: fov
 
         manager: page.manager
+        releasing: page.releasing || page.saving
     }
 
     SaveControl {
-        id: saving
+        id: saveControl
 
         manager: page.manager
         tab: page.tab
@@ -125,6 +156,7 @@ FocusScope {
         fovEdits: fov
         onRefused: page.refused(reason)
         onConfirmationWanted: page.confirmationWanted(names)
+        onFaultFound: page.goToFault()
         onReread: page.takeValues()
     }
 
@@ -187,8 +219,6 @@ FocusScope {
         T.ScrollBar.vertical: DefaultScrollBar {}
 
         delegate: PageRow {
-            required property int index
-
             width: list.width
             manager: page.manager
             fovEdits: fov

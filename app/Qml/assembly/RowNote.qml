@@ -8,10 +8,12 @@ import "../theme"
 PlainText {
     property var row
     property string problem: ""
+    property string rounding: ""
     property bool pending: row.pending
 
     objectName: "note_" + row.place
     text: problem.length > 0 ? problem
+        : rounding.length > 0 ? rounding
         : pending ? qsTr("Edited, not saved") + (row.range.length > 0 ? " · " + row.range : "")
         : row.news || row.range || row.hint
     font: Theme.captionFont

@@ -6,7 +6,9 @@ import QtQuick 2.15
 // tab       the page
 // pageRows  its rows, a PageRows
 // fovEdits  its edited angles, a FovEdits
+// writing   a Save is on its way to the lidar
 // refused(reason)            there is nothing to write, or nowhere to write it
+// faultFound()               a field holds what no conversion takes, and nothing was sent
 // confirmationWanted(names)  values are out of their range: answered by write() or nothing
 // reread()                   the page was read again after a writing
 Item {
@@ -16,20 +18,25 @@ Item {
     property int tab: 0
     property var pageRows
     property var fovEdits
+    property bool writing: false
 
     signal refused(string reason)
+    signal faultFound()
     signal confirmationWanted(var names)
     signal reread()
 
     function save() {
-        if (!manager.IsConnected) {
+        if (!manager.IsConnected)
             refused(qsTr("Please connect to lidar first"));
-            return;
-        }
-        if (manager.getSetMapSize() <= 0) {
+        else if (pageRows.faultCount + fovEdits.faultCount > 0)
+            faultFound();
+        else if (manager.getSetMapSize() <= 0)
             refused(qsTr("Nothing to be saved"));
-            return;
-        }
+        else
+            check();
+    }
+
+    function check() {
         outOfRange.names = [];
         outOfRange.enabled = true;
         const inRange = manager.CheckModuleVarsWithinRange(tab);
@@ -43,14 +50,28 @@ Item {
     // What the lidar did not take is handed over again after the reading, which shows what the lidar
     // holds and ends all edits.
     function write() {
+        writing = true;
         manager.Run(tab);
         pageRows.TakeAll();
         const untaken = pageRows.Edits();
         const angles = fovEdits.angles;
         manager.GetLidarModuleInfo(tab);
-        untaken.forEach(edit => manager.SetText(1, edit.level1, edit.level2, edit.level3, edit.text));
+        handOver(untaken);
         fovEdits.restore(angles);
+        writing = false;
         reread();
+    }
+
+    // The edits that the manager does not hold any more.
+    function giveBack(edits) {
+        const lost = edits.filter(it => !pageRows.LeafAt(it.level1, it.level2, it.level3).edited);
+        handOver(lost);
+        if (lost.length > 0)
+            pageRows.TakeAll();
+    }
+
+    function handOver(edits) {
+        edits.forEach(it => manager.SetText(1, it.level1, it.level2, it.level3, it.text));
     }
 
     Connections {

@@ -8,6 +8,7 @@ FocusScope {
     id: editor
 
     property var row
+    focus: true
     readonly property var leaf: row.leaf
     readonly property bool on: leaf.switch_index !== "0"
 
@@ -55,6 +56,8 @@ FocusScope {
     DefaultTextField {
         id: field
 
+        readonly property var verdict: pending && toggle.checked ? InputRules.Judge(editor.leaf, text) : ({})
+
         objectName: "field_" + editor.row.place
         anchors.left: toggle.right
         anchors.leftMargin: Theme.gapWide
@@ -65,7 +68,7 @@ FocusScope {
         placeholderText: editor.row.unread ? Theme.unreadText : ""
         stale: editor.row.stale
         pending: editor.row.pending || (typing && text !== value)
-        problem: pending && toggle.checked ? InputRules.ValueProblem(editor.leaf, text) : ""
+        problem: verdict.rounded ? "" : verdict.text || ""
         hint: editor.row.hint
         label: editor.row.caption
         onCommitted: editor.handOver()
@@ -78,6 +81,7 @@ FocusScope {
         anchors.verticalCenter: parent.verticalCenter
         row: editor.row
         problem: field.problem
+        rounding: field.verdict.rounded ? field.verdict.text : ""
         pending: field.pending
     }
 }

@@ -7,10 +7,10 @@ import "../theme"
 // End move along it.
 //
 // titles           the texts, in order
-// currentIndex     the selected tab; set it to select without `selected`
+// currentIndex     the selected tab, which the owner sets
 // marked           indices of the tabs that hold edits not saved yet
 // resting          something else than the selected tab is in view
-// selected(index)  the user selected a tab
+// selected(index)  the user wants another tab
 // clicked()        the user clicked a tab, the selected one too
 FocusScope {
     id: tabs
@@ -24,10 +24,8 @@ FocusScope {
     signal clicked()
 
     function select(index) {
-        if (index < 0 || index >= titles.length || index === currentIndex)
-            return;
-        currentIndex = index;
-        selected(index);
+        if (index >= 0 && index < titles.length && index !== currentIndex)
+            selected(index);
     }
 
     implicitHeight: Theme.controlHeight + Theme.gap

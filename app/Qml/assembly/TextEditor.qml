@@ -7,6 +7,7 @@ FocusScope {
     id: editor
 
     property var row
+    focus: true
     readonly property var leaf: row.leaf
 
     // Hands over what the user typed. The field shows what came of it.
@@ -26,6 +27,8 @@ FocusScope {
     DefaultTextField {
         id: field
 
+        readonly property var verdict: pending ? InputRules.Judge(editor.leaf, text) : ({})
+
         objectName: "field_" + editor.row.place
         width: Theme.fieldWidth
         anchors.verticalCenter: parent.verticalCenter
@@ -35,7 +38,7 @@ FocusScope {
         placeholderText: editor.row.unread ? Theme.unreadText : ""
         stale: editor.row.stale
         pending: editor.row.pending || (typing && text !== value)
-        problem: pending ? InputRules.ValueProblem(editor.leaf, text) : ""
+        problem: verdict.rounded ? "" : verdict.text || ""
         hint: editor.row.hint
         label: editor.row.caption
         onCommitted: editor.handOver()
@@ -48,6 +51,7 @@ FocusScope {
         anchors.verticalCenter: parent.verticalCenter
         row: editor.row
         problem: field.problem
+        rounding: field.verdict.rounded ? field.verdict.text : ""
         pending: field.pending
     }
 }

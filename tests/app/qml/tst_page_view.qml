@@ -260,6 +260,42 @@ TestCase {
                 ["SetText", "CheckModuleVarsWithinRange", "Run", "GetLidarModuleInfo"]);
     }
 
+    function test_save_goes_to_what_cannot_be_saved_and_sends_nothing() {
+        for (const [index, text] of [[1, "12,5"], [0, "11"]]) {
+            put(index, "current_val", text);
+            put(index, "edited", true);
+        }
+        manager.myMapChanged();
+        editor("saveButton").forceActiveFocus();
+        keyClick(Qt.Key_Return);
+        verify(editor("field_0_0_1").activeFocus);
+        compare(editor("note_0_0_1").text, "A number from 0 to 100, point as decimal sign");
+        put(1, "edited", false);
+        manager.myMapChanged();
+        type("fov_3", "400");
+        keyClick(Qt.Key_S, Qt.ControlModifier);
+        verify(editor("fov_3").activeFocus);
+        verify(page.hasEdits);
+        compare(manager.calls.filter(call => call[0] !== "SetText"), []);
+        keyClick(Qt.Key_Escape);
+        compare(editor("fov_3").text, "3");
+    }
+
+    function test_a_reading_that_the_page_did_not_ask_for_takes_no_edit_back() {
+        put(1, "current_val", "42");
+        put(1, "edited", true);
+        manager.myMapChanged();
+        type("fov_7", "5");
+        keyClick(Qt.Key_Return);
+        manager.calls = [];
+        put(1, "current_val", "20");
+        put(1, "edited", false);
+        manager.GetLidarModuleInfo(0);
+        compare(manager.calls, [["GetLidarModuleInfo", 0], ["SetMultiFovConfig", 7, "5"],
+                                ["SetText", 1, 0, 0, 1, "42"]]);
+        verify(editor("fov_7").pending);
+    }
+
     function test_what_the_user_edited_stays_an_edit_until_it_is_written_or_cancelled() {
         const writing = [["Run", 0], ["GetLidarModuleInfo", 0]];
         for (const held of ["", "200"]) {
