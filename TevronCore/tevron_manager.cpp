@@ -4,7 +4,6 @@
 
 #include "connection/connection_settings.h"
 #include "tevron_manager_parts.h"
-#include "variables/model_list.h"
 
 TevronManager* TevronManager::Instance(bool flag, const std::string& table_path) {
   static std::once_flag once;
@@ -35,7 +34,7 @@ void TevronManager::InitConfigFileParser(const QString& model_name) {
     Stop();
   }
   emit lidarClearModel();
-  parts_->TakeModel(LoadLidarModel(parts_->table_folder + "/" + name + ".csv"));
+  parts_->TakeModel(LoadLidarModel(parts_->config.TableOf(name)));
   parts_->settings.host_port = LoadHostPort(SettingsFilePath(), name).value_or("ANY");
   emit connectTypeChanged();
   emit featureConfigChanged();
@@ -46,8 +45,11 @@ void TevronManager::InitConfigFileParser(const QString& model_name) {
   emit currentMonitorHwVersionChanged();
   emit myMapChanged();
   emit lidarShowModel();
+  parts_->posted->LogLine(parts_->config.Describe(name), LogType::kInfo);
   ReportFaults(parts_->model()->faults);
 }
+
+std::shared_ptr<const LidarModel> TevronManager::Model() const { return parts_->model(); }
 
 void TevronManager::ReportFaults(const TableFaults& faults) {
   constexpr size_t kMaxLines = 20;

@@ -15,6 +15,7 @@
 #include "variables/table_fault.h"
 
 class MonitorFeed;
+struct LidarModel;
 enum class OperationLogOutcome;
 
 /// The one object behind all screens. It owns the parts that do the work (settings, variable table,
@@ -90,9 +91,9 @@ class TevronManager : public QObject {
   static TevronManager* Instance(bool flag, const std::string& table_path);
 
   /// `flag` is the auto-receive flag handed to the network client. `table_path` names the variable
-  /// table of the first model; its folder is where the tables of the other models are looked for,
-  /// and the folder above that holds the feature and authentication tables. No table is loaded
-  /// until InitConfigFileParser. Takes the last-used connection settings from the settings file.
+  /// table of the first model, "./Config/varID/Orca.csv": it says in which folder all tables are
+  /// looked for, those of the site included, see ConfigFolder. No table is loaded until
+  /// InitConfigFileParser. Takes the last-used connection settings from the settings file.
   TevronManager(bool flag, const std::string& table_path);
   /// Ends every thread of the manager, at most 1.5 s later whatever the lidar does.
   ~TevronManager() override;
@@ -115,6 +116,12 @@ class TevronManager : public QObject {
   /// Whether this model is upgraded by a package of components (KivaUpgradeLidar), and not by one
   /// image.
   bool TakesPackages() const;
+  /// The chosen model as loaded; never null.
+  std::shared_ptr<const LidarModel> Model() const;
+  /// Tells an error as setErrorMsg does, with what the user can do about it.
+  void ShowError(const QString& text, const QString& remedy);
+  /// What the user can do about errorMessage(), where its cause is known; else empty.
+  const QString& ErrorRemedy() const;
   /// What arrives on the UART; none unless a lidar is connected by a pair of serial ports.
   std::optional<UartArrivals> UartNow() const;
 

@@ -1,6 +1,5 @@
 #include "tevron_manager_parts.h"
 
-#include <QFileInfo>
 #include <utility>
 
 #include "variables/page_variants.h"
@@ -17,6 +16,10 @@ Post PostTo(TevronManager& manager) {
 
 void ScreenReport::Error(const std::string& text) {
   manager_.setErrorMsg(QString::fromStdString(text));
+}
+
+void ScreenReport::ErrorWithRemedy(const std::string& text, const std::string& remedy) {
+  manager_.ShowError(QString::fromStdString(text), QString::fromStdString(remedy));
 }
 
 void ScreenReport::Success(const std::string& text) {
@@ -41,7 +44,7 @@ LidarSession::Handlers TevronManager::Parts::HandlersOf(TevronManager& manager) 
 
 TevronManager::Parts::Parts(TevronManager& manager, bool auto_receive,
                             const std::string& table_path)
-    : table_folder(QFileInfo(QString::fromStdString(table_path)).path().toStdString()),
+    : config(ConfigFolder::Of(table_path)),
       report(manager),
       posted(std::make_shared<PostedReport>(PostTo(manager), report, [] { return true; })),
       byte_flow(std::make_shared<ByteFlow>(*posted)),

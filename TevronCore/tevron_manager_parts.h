@@ -16,12 +16,14 @@
 #include "session/posted_report.h"
 #include "shown_pages.h"
 #include "tevron_manager.h"
+#include "variables/config_folder.h"
 
 /// Shows reports on the manager's own thread, at once.
 class ScreenReport : public UserReport {
  public:
   explicit ScreenReport(TevronManager& manager) : manager_(manager) {}
   void Error(const std::string& text) override;
+  void ErrorWithRemedy(const std::string& text, const std::string& remedy) override;
   void Success(const std::string& text) override;
   void LogLine(const std::string& text, LogType type) override;
 
@@ -38,7 +40,7 @@ struct TevronManager::Parts {
   /// Turns what the session says into signals.
   static LidarSession::Handlers HandlersOf(TevronManager& manager);
 
-  const std::string table_folder;
+  const ConfigFolder config;
   ScreenReport report;
   /// For what is said on another thread, or before the screens exist.
   const std::shared_ptr<PostedReport> posted;
@@ -48,6 +50,7 @@ struct TevronManager::Parts {
   ConnectionSettings settings;
   std::string product_variant;
   QString error_message;
+  QString error_remedy;  ///< of error_message
   QString success_message;
   int monitor_record_duration_s = 60;
   int monitor_record_interval_s = 1;

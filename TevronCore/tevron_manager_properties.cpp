@@ -6,7 +6,6 @@
 
 #include "tevron_manager.h"
 #include "tevron_manager_parts.h"
-#include "variables/model_list.h"
 
 namespace {
 
@@ -23,9 +22,12 @@ bool TakeNumber(const QString& text, int max, int32_t* value) {
 
 }  // namespace
 
-void TevronManager::setErrorMsg(const QString& str) {
-  parts_->error_message = str;
-  if (!str.isEmpty()) {
+void TevronManager::setErrorMsg(const QString& str) { ShowError(str, {}); }
+
+void TevronManager::ShowError(const QString& text, const QString& remedy) {
+  parts_->error_message = text;
+  parts_->error_remedy = remedy;
+  if (!text.isEmpty()) {
     emit errorMessageChanged();
   }
 }
@@ -38,6 +40,7 @@ void TevronManager::setSuccessMsg(const QString& str) {
 }
 
 QString TevronManager::errorMessage() const { return parts_->error_message; }
+const QString& TevronManager::ErrorRemedy() const { return parts_->error_remedy; }
 QString TevronManager::successMessage() const { return parts_->success_message; }
 
 QVariantList TevronManager::myMap() const { return parts_->pages.map(); }
@@ -47,7 +50,7 @@ QVariantList TevronManager::fovList() const { return parts_->pages.fov_texts(); 
 
 QVariantList TevronManager::lidarModelList() const {
   QVariantList models;
-  for (const std::string& model : ListModels(parts_->table_folder)) {
+  for (const std::string& model : parts_->config.Models()) {
     models.append(QString::fromStdString(model));
   }
   return models;

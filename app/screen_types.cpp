@@ -8,6 +8,7 @@
 #include "log_filter.h"
 #include "log_lines.h"
 #include "log_selection.h"
+#include "manager_facts.h"
 #include "monitor_source.h"
 #include "page_rows.h"
 #include "path_dialog.h"
@@ -30,6 +31,7 @@ void RegisterScreenTypes() {
   qmlRegisterType<Clipboard>("Tevron", 1, 0, "Clipboard");
   qmlRegisterSingletonType<InputRules>("Tevron", 1, 0, "InputRules",
                                        [](QQmlEngine*, QJSEngine*) { return new InputRules; });
+  qmlRegisterType<ManagerFacts>("Tevron", 1, 0, "ManagerFacts");
   qmlRegisterType<DownloadWatch>("Tevron", 1, 0, "DownloadWatch");
   qmlRegisterType<SerialPortList>("Tevron", 1, 0, "SerialPortList");
   qmlRegisterType<UartWatch>("Tevron", 1, 0, "UartWatch");

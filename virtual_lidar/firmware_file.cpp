@@ -10,7 +10,6 @@
 
 #include "Wire/big_endian.h"
 #include "Wire/firmware_stream.h"
-#include "variables/model_traits.h"
 
 namespace {
 
@@ -61,9 +60,8 @@ Bytes MakePackage(FirmwareHeader header, size_t image_size) {
 }
 
 // Why no firmware can be made; "" when it can.
-std::string ProblemWith(const ConfigParser& table, const std::string& model,
+std::string ProblemWith(const ConfigParser& table, const std::string& model, SerialFamily family,
                         const std::string& version) {
-  const SerialFamily family = TraitsOf(model).family;
   if (!IsVersionNumber(version)) {
     return "\"" + version +
            "\" is no version: one to four numbers from 0 to 255 with dots "
@@ -88,21 +86,22 @@ std::string ProblemWith(const ConfigParser& table, const std::string& model,
 
 }  // namespace
 
-Bytes MakeFirmware(const std::string& model, const FirmwareVersion& version, size_t image_size) {
+Bytes MakeFirmware(const std::string& model, SerialFamily family, const FirmwareVersion& version,
+                   size_t image_size) {
   const FirmwareHeader header = {model, version, kavel::lidar::kApplicationImage};
-  return TraitsOf(model).family == SerialFamily::kKiva ? MakePackage(header, image_size)
-                                                       : MakeImage(header, image_size);
+  return family == SerialFamily::kKiva ? MakePackage(header, image_size)
+                                       : MakeImage(header, image_size);
 }
 
-bool WriteFirmwareFile(const ConfigParser& table, const std::string& model,
+bool WriteFirmwareFile(const ConfigParser& table, const std::string& model, SerialFamily family,
                        const std::string& version, size_t image_size, const std::string& path,
                        std::string* error) {
-  *error = ProblemWith(table, model, version);
+  *error = ProblemWith(table, model, family, version);
   if (!error->empty()) {
     return false;
   }
   const std::string today = QDate::currentDate().toString(Qt::ISODate).toStdString();
-  const Bytes bytes = MakeFirmware(model, {version, today}, image_size);
+  const Bytes bytes = MakeFirmware(model, family, {version, today}, image_size);
   QSaveFile file(QString::fromStdString(path));
   if (file.open(QIODevice::WriteOnly)) {
     const auto size = static_cast<qint64>(bytes.size());

@@ -21,7 +21,8 @@
 #include "server/device_server.h"
 #include "server/event_loop.h"
 #include "table_check/table_check.h"
-#include "variables/model_list.h"
+#include "variables/config_folder.h"
+#include "variables/feature_config.h"
 #include "variables/monitor_tables.h"
 #include "variables/table_rules.h"
 
@@ -69,6 +70,7 @@ void OnSignal(int fd, EventLoop* loop, DeviceServer* server) {
 DeviceProfile MakeProfile(const Options& options) {
   DeviceProfile profile;
   profile.model = options.model;
+  profile.family = options.features.family;
   const std::string auth_table = options.config_folder + "/auth_config.csv";
   if (std::filesystem::exists(auth_table)) {
     profile.auth = LoadAuthConfig(auth_table, options.model);
@@ -121,11 +123,26 @@ int CheckAndPrint(const Options& options) {
   return report.FaultCount() == 0 ? 0 : 1;
 }
 
+/// One line a model, for people and scripts: the parts stand behind tabs.
+int PrintModels(const ConfigFolder& config) {
+  constexpr const char* reached[] = {"network", "serial pair", "serial line"};
+  constexpr const char* kinds[] = {"none", "Lumo", "Kiva"};
+  for (const std::string& model : config.Models()) {
+    TableFaults told_by_the_check;
+    const ModelFeatures features = LoadFeatures(config, model, &told_by_the_check);
+    std::cout << model << '\t' << reached[features.connect_type] << '\t'
+              << kinds[static_cast<int>(features.family)] << '\t'
+              << AbsolutePath(config.TableOf(model)) << '\n';
+  }
+  return 0;
+}
+
 int Serve(const Options& options, int signals) {
-  const std::string tables = options.config_folder + "/varID";
-  const std::vector<std::string> models = ListModels(tables);
+  const ConfigFolder config(options.config_folder);
+  const std::vector<std::string> models = config.Models();
   if (models.empty()) {
-    return Complain("there are no tables in " + tables + "; name their folder with --config");
+    return Complain("there are no tables in " + options.config_folder +
+                    "/varID; name their folder with --config");
   }
   if (std::find(models.begin(), models.end(), options.model) == models.end()) {
     return Complain("there is no model \"" + options.model + "\"; there are" + Listed(models));
@@ -133,12 +150,12 @@ int Serve(const Options& options, int signals) {
   DeviceProfile profile = MakeProfile(options);
   profile.hardware = options.hardware;
   TableFaults table_faults;
-  const auto table =
-      LoadTables(tables + "/" + options.model + ".csv", &profile.hardware, &table_faults);
+  const auto table = LoadTables(config.TableOf(options.model), &profile.hardware, &table_faults);
   std::string error;
   if (options.make_firmware) {
-    return WriteFirmwareFile(*table, options.model, options.firmware_version, options.firmware_size,
-                             options.firmware_file, &error)
+    return WriteFirmwareFile(*table, options.model, options.features.family,
+                             options.firmware_version, options.firmware_size, options.firmware_file,
+                             &error)
                ? 0
                : Complain(error);
   }
@@ -149,6 +166,9 @@ int Serve(const Options& options, int signals) {
     }
   }
   const LineLog log(STDOUT_FILENO);
+  log.Write(config.Describe(options.model));
+  table_faults.insert(table_faults.end(), options.feature_faults.begin(),
+                      options.feature_faults.end());
   for (const TableFault& fault : table_faults) {
     log.Write(fault.text);
   }
@@ -174,6 +194,9 @@ int main(int argc, char** argv) {
   try {
     if (options->check_tables) {
       return CheckAndPrint(*options);
+    }
+    if (options->list_models) {
+      return PrintModels(ConfigFolder(options->config_folder));
     }
     OutliveTheReader();
     const int signals = OpenSignals();

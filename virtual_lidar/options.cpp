@@ -5,8 +5,6 @@
 #include <filesystem>
 #include <sstream>
 
-#include "variables/model_traits.h"
-
 namespace {
 
 constexpr uint16_t kDefaultPort = 9347;
@@ -37,19 +35,17 @@ std::string FaultHelp() {
   return text.str();
 }
 
-// The folder that was asked for; by default ./Config, else the one beside the executable's folder.
-std::string ConfigFolder(const std::string& asked) {
-  if (!asked.empty()) {
-    return asked;
-  }
-  const std::filesystem::path here = "./Config";
+// The tables of the program's own install root, whatever the current directory is: those that the
+// window beside it reads.
+std::string OwnConfigFolder() {
   std::error_code ignored;
-  if (std::filesystem::is_directory(here, ignored)) {
-    return here.string();
-  }
   const auto program = std::filesystem::read_symlink("/proc/self/exe", ignored);
-  const auto beside = program.parent_path().parent_path() / "Config";
-  return std::filesystem::is_directory(beside, ignored) ? beside.string() : here.string();
+  const auto folder = program.parent_path();
+  const auto usual = folder.parent_path() / "Config";
+  const auto flat = folder / "Config";
+  const bool is_flat = !std::filesystem::is_directory(usual, ignored) &&
+                       std::filesystem::is_directory(flat, ignored);
+  return (is_flat ? flat : usual).string();
 }
 
 std::string CheckFault(std::string& text) {
@@ -98,7 +94,7 @@ void DeclareWhereToAnswer(CLI::App* app, CommandLine* line, Options* options) {
                   "Hardware version, by the name of its monitor table; the first unless given")
       ->type_name("VERSION");
   app->add_option("--config", line->config,
-                  "Folder of the tables (./Config, else ../Config beside bin/)")
+                  "Folder of the tables; Config beside the bin/ of this program unless given")
       ->type_name("DIR");
   app->add_option("--port", line->port,
                   "TCP port on 127.0.0.1; 0, or 9347 in use, lets the system pick")
@@ -161,6 +157,8 @@ void DeclareHowToBehave(CLI::App* app, CommandLine* line, Options* options) {
                   "what is wrong, and end (1: there are faults)")
       ->type_name("[MODEL]")
       ->expected(0, 1);
+  app->add_flag("--list-models", options->list_models,
+                "Tell of each model its name, how it is reached, its kind and its table, and end");
 }
 
 void DeclareFirmware(CLI::App* app, CommandLine* line) {
@@ -178,7 +176,9 @@ void DeclareFirmware(CLI::App* app, CommandLine* line) {
 // The texts have passed their checks while they were read.
 void MakeSense(const CommandLine& line, Options* options) {
   std::string error;
-  options->config_folder = ConfigFolder(line.config);
+  options->config_folder = line.config.empty() ? OwnConfigFolder() : line.config;
+  options->features =
+      LoadFeatures(ConfigFolder(options->config_folder), options->model, &options->feature_faults);
   options->auth_required = !line.no_auth;
   for (const std::string& text : line.faults) {
     ParseFaultOrder(text, &options->faults.emplace_back(), &error);
@@ -196,7 +196,7 @@ void MakeSense(const CommandLine& line, Options* options) {
   ServerSetup& server = options->server;
   server.restart_time = std::chrono::milliseconds(line.restart_ms);
   server.line_speed = {line.line_baud, std::chrono::milliseconds(line.line_latency_ms)};
-  const ConnectType connect = TraitsOf(options->model).connect;
+  const ConnectType connect = options->features.connect_type;
   const bool serial = line.serial || connect != kNetworkLink;
   if (serial) {
     server.serial =

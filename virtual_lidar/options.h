@@ -8,19 +8,23 @@
 #include "device/log_store.h"
 #include "faults/fault_modes.h"
 #include "server/device_server.h"
+#include "variables/feature_config.h"
 
 /// What the command line asks for.
 struct Options {
   std::string model = "Orca";
-  std::string config_folder;  ///< exists, unless an explicit --config names one that does not
-  std::string hardware;       ///< version of the monitor page; empty: the first that there is
-  uint32_t seed = 1;          ///< of what the device measures of itself; 0: it stands still
+  std::string config_folder;  ///< of the tables and keys, see ConfigFolder; it need not exist
+  ModelFeatures features;     ///< of the model
+  TableFaults feature_faults;
+  std::string hardware;  ///< version of the monitor page; empty: the first that there is
+  uint32_t seed = 1;     ///< of what the device measures of itself; 0: it stands still
   bool auth_required = true;
   std::vector<FaultOrder> faults;
   std::vector<std::pair<std::string, std::string>> presets;  ///< variable and text
   ServerSetup server;
   bool check_tables = false;
   std::string checked_model;  ///< whose tables; empty: of every model
+  bool list_models = false;
   bool make_firmware = false;
   std::string firmware_version;
   std::string firmware_file;

@@ -249,9 +249,10 @@ ConnectAttempt::SerialPtr ConnectAttempt::OpenSerialCmx() {
   if (line->Open()) {
     return std::make_shared<SerialClient>(line, line);
   }
-  report_->LogLine(line->LastError(), LogType::kError);
+  const std::string reason = line->LastError();
+  report_->LogLine(reason, LogType::kError);
   // The words of the network, deliberately: one message for a command client that does not open.
-  report_->Error(kOpenFailed);
+  report_->ErrorWithRemedy(kOpenFailed, reason);
   return nullptr;
 }
 
@@ -315,7 +316,8 @@ bool ConnectAttempt::KeepInterruptible(const ClientPtr& client) {
 
 void ConnectAttempt::ReportSerialFailure(const char* port_kind, const std::string& reason) {
   const std::string kind = port_kind;
-  report_->Error("Connection Failed. Please check your " + kind + " serial port.");
+  report_->ErrorWithRemedy("Connection Failed. Please check your " + kind + " serial port.",
+                           reason);
   report_->LogLine("Connection Error: " + kind + " serial open fail", LogType::kError);
   report_->LogLine(reason, LogType::kError);
 }

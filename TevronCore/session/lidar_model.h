@@ -4,21 +4,16 @@
 #include <string>
 #include <vector>
 
-#include "CmxClient/stale_input.h"
 #include "variables/config_parser.h"
-#include "variables/model_traits.h"
+#include "variables/feature_config.h"
 #include "variables/pages.h"
 
 /// One model as loaded: what stands in its tables, and the values of its variables. The shape never
 /// changes after loading, so that an operation which holds the pointer can finish its work while
 /// another model is being chosen. The values are guarded inside the table.
-struct LidarModel {
+struct LidarModel : ModelFeatures {
   std::string name;
-  std::string config_folder;  ///< holds the feature and authentication tables
-  ConnectType connect_type = kNetworkLink;
-  SerialFamily family = SerialFamily::kNone;
-  bool host_port_enabled = false;
-  kavel::lidar::StaleInput stale_input = kavel::lidar::StaleInput::kAlways;
+  std::string config_folder;  ///< holds the feature and authentication tables, see ConfigFolder
   std::shared_ptr<ConfigParser> table = std::make_shared<ConfigParser>();
   PageModel pages;
   std::string monitor_version;  ///< hardware version of the monitor page; empty: none is chosen

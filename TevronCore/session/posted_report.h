@@ -20,6 +20,9 @@ class PostedReport : public UserReport {
   void Error(const std::string& text) override {
     Hand([text](UserReport& target) { target.Error(text); });
   }
+  void ErrorWithRemedy(const std::string& text, const std::string& remedy) override {
+    Hand([text, remedy](UserReport& target) { target.ErrorWithRemedy(text, remedy); });
+  }
   void Success(const std::string& text) override {
     Hand([text](UserReport& target) { target.Success(text); });
   }

@@ -17,6 +17,11 @@ class UserReport {
 
   /// A failure the user has to see now: shown in the error box. An empty text shows nothing.
   virtual void Error(const std::string& text) = 0;
+  /// A failure whose cause is known: the box says what to do about it, in place of what is usually
+  /// to be done. Where there is no such box it is an Error.
+  virtual void ErrorWithRemedy(const std::string& text, const std::string& /*remedy*/) {
+    Error(text);
+  }
   /// A result the user waits for: shown in a notice that passes. An empty text shows nothing.
   virtual void Success(const std::string& text) = 0;
   /// One line of the log window.

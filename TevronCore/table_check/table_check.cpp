@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <exception>
-#include <filesystem>
 #include <stdexcept>
 
 #include "auth/auth_algorithm.h"
@@ -20,12 +19,6 @@ namespace {
 // "1 page", "3 pages", "no page"
 std::string Counted(size_t count, const std::string& what) {
   return (count == 0 ? "no" : std::to_string(count)) + ' ' + what + (count > 1 ? "s" : "");
-}
-
-std::string Absolute(const std::string& path) {
-  std::error_code error;
-  const std::filesystem::path absolute = std::filesystem::canonical(path, error);
-  return error ? std::filesystem::absolute(path).string() : absolute.string();
 }
 
 std::string Listed(const std::vector<std::string>& names) {
@@ -57,7 +50,7 @@ class Check {
   Check(const ConfigFolder& folder, TableReport* report) : folder_(folder), report_(*report) {}
 
   void VariableTables(const std::string& model);
-  void FeatureTables(const std::vector<std::string>& models);
+  void FeatureTables();
   void AuthTables(const std::vector<std::string>& models);
 
  private:
@@ -91,13 +84,9 @@ void Check::MonitorTables(const ConfigParser& table) {
   }
 }
 
-void Check::FeatureTables(const std::vector<std::string>& models) {
-  const std::string path = folder_.path() + "/feature_config.csv";
-  try {
-    ModelColumn(path, models);
-    IsHostPortUiEnabled(path, "");
-  } catch (const std::exception& error) {
-    FileFaults(path, &report_.findings).Fault(0, error.what());
+void Check::FeatureTables() {
+  for (const auto& [path, rows] : CheckFeatures(folder_, &report_.findings)) {
+    report_.files.push_back({path, Counted(rows, "model")});
   }
 }
 
@@ -165,16 +154,15 @@ TableReport CheckTables(const ConfigFolder& folder, const std::string& model) {
   TableReport report;
   const std::vector<std::string> models = ModelsToCheck(folder, model);
   report.models = models.size();
-  report.folders.push_back(Absolute(folder.path()));
-  std::error_code ignored;
-  if (std::filesystem::is_directory(folder.site_path(), ignored)) {
-    report.folders.push_back(Absolute(folder.site_path()));
+  report.folders.push_back(AbsolutePath(folder.path()));
+  if (folder.has_site()) {
+    report.folders.push_back(AbsolutePath(folder.site_path()));
   }
   Check check(folder, &report);
   for (const std::string& name : models) {
     check.VariableTables(name);
   }
-  check.FeatureTables(folder.Models());
+  check.FeatureTables();
   check.AuthTables(models);
   return report;
 }

@@ -14,6 +14,12 @@ bool IsFile(const std::string& path) {
 
 }  // namespace
 
+std::string AbsolutePath(const std::string& path) {
+  std::error_code error;
+  const std::filesystem::path whole = std::filesystem::weakly_canonical(path, error);
+  return error ? path : whole.string();
+}
+
 ConfigFolder ConfigFolder::Of(const std::string& table_path) {
   const auto upwards = [](std::filesystem::path path) {
     path = path.parent_path();
@@ -21,6 +27,11 @@ ConfigFolder ConfigFolder::Of(const std::string& table_path) {
   };
   const std::filesystem::path folder = upwards(upwards(table_path));
   return ConfigFolder((folder.filename() == "site" ? upwards(folder) : folder).string());
+}
+
+bool ConfigFolder::has_site() const {
+  std::error_code ignored;
+  return std::filesystem::is_directory(site_path(), ignored);
 }
 
 std::vector<std::string> ConfigFolder::Models() const {
@@ -36,6 +47,12 @@ std::string ConfigFolder::TableOf(const std::string& model) const {
   const std::string below = "/varID/" + model + ".csv";
   const std::string own = site_path() + below;
   return IsFile(own) ? own : path_ + below;
+}
+
+std::string ConfigFolder::Describe(const std::string& model) const {
+  const std::string table = model + " is described by " + AbsolutePath(TableOf(model));
+  return has_site() ? table + "; tables of this site are read from " + AbsolutePath(site_path())
+                    : table;
 }
 
 std::vector<std::string> ConfigFolder::FilesCalled(const std::string& name) const {

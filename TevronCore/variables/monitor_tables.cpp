@@ -7,6 +7,7 @@
 #include <string_view>
 #include <utility>
 
+#include "variables/config_folder.h"
 #include "variables/table_rules.h"
 
 namespace {
@@ -21,10 +22,10 @@ bool EndsAsTable(std::string_view name) {
          });
 }
 
-/// The files by version. Of two names that differ only in the case of ".csv" the first counts.
-std::map<std::string, std::string> FilesByVersion(const std::string& model_table) {
+/// The files of one folder by version. Of two names that differ only in the case of ".csv" the
+/// first counts.
+std::map<std::string, std::string> FilesIn(const std::filesystem::path& folder) {
   std::map<std::string, std::string> files;
-  const std::filesystem::path folder = std::filesystem::path(model_table).replace_extension();
   std::error_code error;
   for (std::filesystem::directory_iterator entry(folder, error), end; !error && entry != end;
        entry.increment(error)) {
@@ -36,6 +37,17 @@ std::map<std::string, std::string> FilesByVersion(const std::string& model_table
     std::string& file = files[version];
     file = file.empty() ? entry->path().string() : std::min(file, entry->path().string());
   }
+  return files;
+}
+
+/// The files that ship and the site's, which count where both have a version. A site can have
+/// versions of a model that ships, and its own table of a model whose versions ship.
+std::map<std::string, std::string> FilesByVersion(const std::string& model_table) {
+  const ConfigFolder config = ConfigFolder::Of(model_table);
+  const std::filesystem::path table = model_table;
+  const std::filesystem::path below = table.parent_path().filename() / table.stem();
+  std::map<std::string, std::string> files = FilesIn(config.site_path() / below);
+  files.merge(FilesIn(config.path() / below));
   return files;
 }
 

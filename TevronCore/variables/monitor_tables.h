@@ -8,8 +8,8 @@
 #include "variables/pages.h"
 
 // Monitor tables describe the values of a model's monitor page, one table a hardware version. They
-// lie in the folder that is called like the model's own table without ".csv", and are called
-// "Monitor_", the version, ".csv".
+// lie in the folder that is called like the model's own table without ".csv", in the folder that
+// ships and in the site's, and are called "Monitor_", the version, ".csv".
 
 /// The version that a file of this name describes; empty when it is no monitor table's name.
 /// "Monitor_" has to be written so, ".csv" in any case; everything between is the version.

@@ -44,6 +44,7 @@ TEST(SerialScreenTest, ReadsAndSetsOverOneLine) {
   EXPECT_EQ(screen.LampColor(), QColor("#00FF6B"));
   EXPECT_FALSE(Facts(screen, "lidarInfo").contains("Serial Number=xxxxxxxx"));
   EXPECT_TRUE(Facts(screen, "lidarVersions").contains("BMB FPGA Version="));
+  EXPECT_EQ(screen.Find("calibrationSave"), nullptr) << "a Lumo's alone";
   EXPECT_EQ(screen.Text("netIp").count('.'), 3);
 
   screen.TypeInto("destinationIp", "10.1.2.3");

@@ -89,6 +89,7 @@ class ManagerFixture : public testing::Test {
   TestInstall install_;
   QStringList log_;
   QStringList errors_;
+  QString remedy_;  ///< of the last of them
   QStringList successes_;
   std::unique_ptr<TevronManager> manager_;
 
@@ -101,6 +102,7 @@ class ManagerFixture : public testing::Test {
     // The screens clear a message once they have shown it.
     QObject::connect(manager, &TevronManager::errorMessageChanged, [this, manager] {
       errors_ << manager->errorMessage();
+      remedy_ = manager->ErrorRemedy();
       manager->setErrorMsg("");
     });
     QObject::connect(manager, &TevronManager::successMessageChanged, [this, manager] {

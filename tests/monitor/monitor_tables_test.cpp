@@ -37,13 +37,20 @@ TEST(MonitorTables, AreFoundByTheirNames) {
   const TestFolder folder;
   for (const auto& [name, version] : names) {
     EXPECT_EQ(MonitorVersionOf(name), version) << name;
-    folder.Write(std::string("Model/") + name, "");
+    folder.Write(std::string("varID/Model/") + name, "");
   }
-  std::filesystem::create_directory(folder.path() + "/Model/Monitor_D.csv");
-  folder.Write("Monitor_E.csv", "");
-  EXPECT_EQ(ListMonitorVersions(folder.path() + "/Model.csv"),
+  std::filesystem::create_directory(folder.path() + "/varID/Model/Monitor_D.csv");
+  folder.Write("varID/Monitor_E.csv", "");
+  const std::string table = folder.path() + "/varID/Model.csv";
+  EXPECT_EQ(ListMonitorVersions(table),
             (std::vector<std::string>{"A1", "A1_rev 2", "Monitor_.csv"}));
-  EXPECT_TRUE(ListMonitorVersions(folder.path() + "/Nobody.csv").empty());
+  EXPECT_TRUE(ListMonitorVersions(folder.path() + "/varID/Nobody.csv").empty());
+
+  const std::string sites = folder.Write("site/varID/Model/Monitor_A1.csv", "");
+  folder.Write("site/varID/Model/Monitor_S.csv", "");
+  EXPECT_EQ(ListMonitorVersions(table),
+            (std::vector<std::string>{"A1", "A1_rev 2", "Monitor_.csv", "S"}));
+  EXPECT_EQ(MonitorTablePath(table, "A1"), sites);
 }
 
 TEST(MonitorTables, AddRowsToTheMonitorPageAndLeaveEverythingElseAlone) {

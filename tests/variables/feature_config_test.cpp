@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <filesystem>
 
 #include "support/table_fixture.h"
@@ -11,25 +12,111 @@ namespace {
 
 using kavel::lidar::StaleInput;
 
-TEST(FeatureConfig, SwitchesOnWhatTheRowOfTheModelSays) {
-  const TableFile file(
-      "StaleInputWait,Model,EnableCmxClientHostPortUi\n"
-      "trouble, Orca\t,1\n"
-      "always,Osprey, 1 \n"
-      " trouble ,Lumo,true\n"
-      ",Kiva,11\n");
-  const auto features = [](const std::string& table, const char* model) {
-    return std::pair(IsHostPortUiEnabled(table, model), StaleInputFor(table, model));
+constexpr char kHeader[] =
+    "Model,EnableCmxClientHostPortUi,StaleInputWait,ConnectType,SerialKind\n";
+constexpr char kFile[] = "feature_config.csv";
+
+/// A feature table's cells behind the model's name, what they mean, and the pieces of its faults.
+struct Row {
+  const char* model;
+  const char* cells;
+  ConnectType connect;
+  int family;
+  bool host_port;
+  bool after_trouble;
+  std::vector<std::string> faults;
+};
+
+void ExpectFaults(const TableFaults& faults, const std::vector<std::string>& pieces) {
+  EXPECT_EQ(faults.size(), pieces.size());
+  for (size_t i = 0; i < std::min(faults.size(), pieces.size()); ++i) {
+    EXPECT_NE(faults[i].text.find(pieces[i]), std::string::npos)
+        << faults[i].text << "\n  says nothing of: " << pieces[i];
+  }
+}
+
+TEST(FeatureConfig, TakesEachCellForWhatItSaysAndTellsWhatItShouldSay) {
+  const Row rows[] = {
+      {"Orca", "1,trouble,0,0", kNetworkLink, 0, true, true, {}},
+      {"Orca\t", " 1 , always,,", kNetworkLink, 0, true, false, {}},
+      {"Orca",
+       "yes,troubel,7,x",
+       kNetworkLink,
+       0,
+       false,
+       false,
+       {"line 2: EnableCmxClientHostPortUi \"yes\" is unknown and counts as empty: write 1 ",
+        "StaleInputWait \"troubel\"", "ConnectType \"7\"", "SerialKind \"x\""}},
+      {"Orca", "11,,,", kNetworkLink, 0, false, false, {"EnableCmxClientHostPortUi \"11\""}},
+      // Where a table says nothing, the name does.
+      {"Lumo", "0,,,", kSerialPair, 1, false, false, {}},
+      {"Lumo", "0", kSerialPair, 1, false, false, {}},
+      {"Kiva-CMX", "0,,two,", kSerialCmx, 2, false, false, {"ConnectType \"two\""}},
+      {"Lumo-CMX", "0,,0,0", kNetworkLink, 0, false, false, {}},
+      {"Heron", "0,,1,1", kSerialPair, 1, false, false, {}},
+      {"Heron", "0,,2,2", kSerialCmx, 2, false, false, {}},
+      {"Heron", "0,,2,", kSerialCmx, 0, false, false, {"write 1 for a Lumo, 2 for a Kiva"}},
+      {"Lumo", "0,,,0", kSerialPair, 0, false, false, {"does not say what kind of model"}},
+      {"Heron",
+       "\xE9,,,",
+       kNetworkLink,
+       0,
+       false,
+       false,
+       {"EnableCmxClientHostPortUi is no UTF-8 text", "is unknown"}},
+      {"orca", "1,trouble,2,2\nOrca,0,,,", kSerialCmx, 2, true, true, {}},
+      {"Heron",
+       "1,,,\nOrca,0,,,\nHeron,0,,,",
+       kNetworkLink,
+       0,
+       true,
+       false,
+       {"line 4: model \"Heron\" has its row on line 2 already"}},
+      {"Heron", "1,,,\n\"broken", kNetworkLink, 0, true, false, {"line 3: "}},
   };
-  EXPECT_EQ(features(file.path(), "Orca"), std::pair(true, StaleInput::kAfterTrouble));
-  EXPECT_EQ(features(file.path(), "Osprey"), std::pair(true, StaleInput::kAlways));
-  EXPECT_EQ(features(file.path(), "Lumo"), std::pair(false, StaleInput::kAfterTrouble));
-  EXPECT_EQ(features(file.path(), "Kiva"), std::pair(false, StaleInput::kAlways));
-  EXPECT_EQ(features(file.path(), "orca"), std::pair(false, StaleInput::kAlways));
-  EXPECT_EQ(features("missing.csv", "Orca"), std::pair(false, StaleInput::kAlways));
-  const TableFile narrow("Model,Other\nOrca,1\n");
-  EXPECT_THROW(IsHostPortUiEnabled(narrow.path(), "Orca"), std::runtime_error);
-  EXPECT_EQ(StaleInputFor(narrow.path(), "Orca"), StaleInput::kAlways);
+  for (const Row& row : rows) {
+    const std::string text = std::string(row.model) + ',' + row.cells;
+    SCOPED_TRACE(text);
+    const TestFolder folder;
+    folder.Write(kFile, kHeader + text + '\n');
+    const std::string model(row.model, std::string(row.model).find_last_not_of('\t') + 1);
+    TableFaults faults;
+    const ModelFeatures got = LoadFeatures(ConfigFolder(folder.path()), model, &faults);
+    EXPECT_EQ(got.connect_type, row.connect);
+    EXPECT_EQ(static_cast<int>(got.family), row.family);
+    EXPECT_EQ(got.host_port_enabled, row.host_port);
+    EXPECT_EQ(got.stale_input == StaleInput::kAfterTrouble, row.after_trouble);
+    ExpectFaults(faults, row.faults);
+    EXPECT_EQ(IsHostPortUiEnabled(folder.path() + '/' + kFile, model), row.host_port);
+  }
+}
+
+TEST(FeatureConfig, LetsTheSitesRowStandInThePlaceOfTheOneThatShips) {
+  const TestFolder folder;
+  const ConfigFolder config(folder.path());
+  TableFaults faults;
+  EXPECT_EQ(LoadFeatures(config, "Lumo", &faults).connect_type, kSerialPair);
+  EXPECT_TRUE(faults.empty()) << "without any table";
+  CheckFeatures(config, &faults);
+  ExpectFaults(faults, {"feature_config.csv: No such file"});
+
+  folder.Write(kFile, std::string(kHeader) + "Orca,1,trouble,,\nOsprey,1,,,\n");
+  folder.Write(std::string("site/") + kFile, "Model,SerialKind,ConectType\nOrca,2,2\n,1,\n");
+  folder.Write("varID/Osprey.csv", "");
+  folder.Write("site/varID/Orca.csv", "");
+  faults.clear();
+  const ModelFeatures orca = LoadFeatures(config, "Orca", &faults);
+  EXPECT_FALSE(orca.host_port_enabled);
+  EXPECT_EQ(orca.stale_input, StaleInput::kAlways);
+  EXPECT_EQ(orca.family, SerialFamily::kKiva);
+  EXPECT_TRUE(LoadFeatures(config, "Osprey", &faults).host_port_enabled);
+  faults.clear();
+  CheckFeatures(config, &faults);
+  ExpectFaults(faults,
+               {"site/feature_config.csv: Can't find a column named EnableCmxClientHostPortUi",
+                "column \"ConectType\" is unknown", "line 3: model \"\" has no variable table"});
+  EXPECT_THROW(IsHostPortUiEnabled(folder.path() + "/site/" + kFile, "Orca"), std::runtime_error);
+  EXPECT_FALSE(IsHostPortUiEnabled("missing.csv", "Orca"));
 }
 
 TEST(ModelList, ListsTheTablesAndNothingElse) {

@@ -60,7 +60,7 @@ TEST(AuthGuard, ProbeTellsWhetherItIsRequiredAtTheTablesPlace) {
 }
 
 TEST(AuthGuard, OneRightResponseLetsOneProtectedCommandPass) {
-  std::filesystem::current_path(SOURCE_FOLDER);
+  std::filesystem::current_path(INSTALL_ROOT);
   const auto algorithm = CreateAuthAlgorithm(kAes256Cmac);
   Dealings device(Config());
   const Bytes first = algorithm->Compute(device.Ask(kChallenge).payload);

@@ -22,7 +22,8 @@ const Bytes kWrite = kSetSpeed + kLiveness;
 // An image in one piece. What a fault makes of it leaves the setting alone.
 const Bytes kPiece = kavel::lidar::BuildCmxFrame(
     kavel::lidar::kCmxHeader1, 0x83, 0,
-    kavel::lidar::BuildFilePiece(MakeFirmware("Test", {"2.8.0", "2026-11-21"}, 100), 1));
+    kavel::lidar::BuildFilePiece(
+        MakeFirmware("Test", SerialFamily::kNone, {"2.8.0", "2026-11-21"}, 100), 1));
 const Bytes kUpgrade = kPiece + kLiveness;
 
 Bytes PieceAnswer(uint8_t return_code) { return {0x47, 0x74, 0x83, return_code, 0, 0, 0, 0}; }

@@ -28,9 +28,10 @@ constexpr char kVersionRow[] = "1,1,0x30,,,SWVER_YMD,0,raw,2026-09-02 r5.12.0.3,
 
 class Upgrade : public testing::Test {
  protected:
-  void Become(const char* model) {
+  void Become(const char* model, SerialFamily family = SerialFamily::kNone) {
     DeviceProfile profile;
     profile.model = model;
+    profile.family = family;
     device_ = std::make_unique<VirtualDevice>(LoadRows(kVersionRow), std::move(profile));
   }
   int Answer(uint8_t code, const Bytes& payload = {}, uint32_t client = 1) {
@@ -66,9 +67,9 @@ class Upgrade : public testing::Test {
 
 TEST_F(Upgrade, TakesPiecesInOrderAndShowsTheVersionAfterTheRestart) {
   Become("Orca");
-  const Bytes image = MakeFirmware("Orca", kNew, 3073);
-  const Bytes longer = MakeFirmware("Orca", kNew, 5120);
-  const Bytes foreign = MakeFirmware("Osprey", kNew, 3072);
+  const Bytes image = MakeFirmware("Orca", SerialFamily::kNone, kNew, 3073);
+  const Bytes longer = MakeFirmware("Orca", SerialFamily::kNone, kNew, 5120);
+  const Bytes foreign = MakeFirmware("Osprey", SerialFamily::kNone, kNew, 3072);
   Bytes damaged = image;
   damaged[3000] ^= 1;
   const struct {
@@ -104,7 +105,7 @@ TEST_F(Upgrade, TakesPiecesInOrderAndShowsTheVersionAfterTheRestart) {
 
 TEST_F(Upgrade, RefusesAHeaderThatIsNotAsItHasToBe) {
   Become("Orca");
-  const Bytes image = MakeFirmware("Orca", kNew, 100);
+  const Bytes image = MakeFirmware("Orca", SerialFamily::kNone, kNew, 100);
   const size_t places[] = {0, 8, 23, 24, 39, 42, 44, 45, 51};
   for (const size_t at : places) {
     Bytes changed = image;
@@ -116,7 +117,7 @@ TEST_F(Upgrade, RefusesAHeaderThatIsNotAsItHasToBe) {
 }
 
 TEST_F(Upgrade, TakesAStreamInAnyOrderAndJudgesItAtTheEnd) {
-  Become("Kiva-CMX");
+  Become("Kiva-CMX", SerialFamily::kKiva);
   const auto app = kavel::lidar::kApplicationImage;
   const Bytes image = MakeImage({"Kiva-CMX", kNew, app}, 10000);
   EXPECT_EQ(Begin(app, image), kNotAllowedNow);
@@ -150,8 +151,8 @@ TEST_F(Upgrade, TakesAStreamInAnyOrderAndJudgesItAtTheEnd) {
 }
 
 TEST_F(Upgrade, TakesEveryComponentOfThePackageThatItMakes) {
-  Become("Kiva-CMX");
-  const Bytes package = MakeFirmware("Kiva-CMX", kNew, 5000);
+  Become("Kiva-CMX", SerialFamily::kKiva);
+  const Bytes package = MakeFirmware("Kiva-CMX", SerialFamily::kKiva, kNew, 5000);
   UpgradePackageHeader header;
   const auto log = [](const std::string& problem) { ADD_FAILURE() << problem; };
   ASSERT_TRUE(ParseUpgradePackage(package, header, log));

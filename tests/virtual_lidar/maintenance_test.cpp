@@ -11,7 +11,7 @@ class Maintenance : public testing::Test {
   }
   static DeviceProfile Kiva() {
     DeviceProfile profile;
-    profile.model = "Kiva-CMX";
+    profile.family = SerialFamily::kKiva;
     return profile;
   }
 

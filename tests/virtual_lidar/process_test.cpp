@@ -3,32 +3,23 @@
 #include <gtest/gtest.h>
 #include <signal.h>
 
-#include <QDir>
 #include <QFile>
 #include <QTemporaryDir>
 #include <string>
 
 #include "support/child_process.h"
+#include "support/table_fixture.h"
 #include "support/wait_for.h"
 
 namespace {
 
 constexpr int kPatienceMs = 20000;
 
-// The program finds the tables below the current directory.
+// Without --config it finds the tables of its own install root, from wherever it is started.
 class Program : public ChildProcess {
  public:
-  explicit Program(const QStringList& arguments, const QString& folder = SOURCE_FOLDER) {
-    SetFolder(folder);
-    Start(VIRTUAL_LIDAR_PROGRAM, arguments);
-  }
+  explicit Program(const QStringList& arguments) : ChildProcess(VIRTUAL_LIDAR_PROGRAM, arguments) {}
 };
-
-void Write(const QString& name, const QByteArray& content) {
-  QFile file(name);
-  ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-  ASSERT_EQ(file.write(content), content.size());
-}
 
 TEST(Process, DumpsOnOneSignalAndEndsOnTwoOthers) {
   for (const int number : {SIGTERM, SIGINT}) {
@@ -51,7 +42,6 @@ TEST(Process, OutlivesTheReaderOfItsLog) {
   QTemporaryDir folder;
   QProcess lidar;
   QProcess reader;
-  lidar.setWorkingDirectory(SOURCE_FOLDER);
   lidar.setStandardOutputProcess(&reader);
   lidar.start(VIRTUAL_LIDAR_PROGRAM, {"--port", "0", "--dump", folder.filePath("state.json")});
   reader.start("head", {"-n", "1"});
@@ -89,30 +79,55 @@ TEST(Process, ChecksTheTables) {
   Program good({"--check-tables"});
   EXPECT_EQ(good.ExitCode(), 0) << good.Output().toStdString();
 
-  const QTemporaryDir folder;
-  const QString config = folder.filePath("Config/");
-  QDir().mkpath(config + "varID");
-  Write(config + "varID/Bad.csv",
-        "GroupID,Index,Get,Set,VarName,Permission,VarType,DefaultValue,Options,Coefficient,VarLen,"
-        "SetIndex,Unit,OptionDescription,FunctionModule,TimerUpdate,SetCoefficient\n"
-        "1,1,0x01,,Wide,0,uint8,256,,,,,,,P,0,\n");
-  QDir().mkpath(config + "varID/Bad");
-  Write(config + "varID/Bad/Monitor_A.csv", "");
-  Write(config + "varID/Short.csv", "GroupID,Index\n1,1\n");
-  Write(config + "auth_config.csv",
-        "Model,Enable,AlgorithmID,ProbeCmd,ChallengeCmd,ResponseCmd,ProtectedCmds,"
-        "ProbeValueOffset,ProbeValueLen,ProbeEndian\n"
-        "Bad,1,3,0xDF,0x66,0xE0,0x21||0x22,0,1,big\n"
-        "Nobody,0,,,,,,,,\n");
-  // The default folder is the one below the current directory.
-  Program bad({"--check-tables"}, folder.path());
+  const TestFolder config;
+  config.Write("varID/Bad.csv",
+               "GroupID,Index,Get,Set,VarName,Permission,VarType,DefaultValue,Options,Coefficient,"
+               "VarLen,SetIndex,Unit,OptionDescription,FunctionModule,TimerUpdate,SetCoefficient\n"
+               "1,1,0x01,,Wide,0,uint8,256,,,,,,,P,0,\n");
+  config.Write("varID/Bad/Monitor_A.csv", "");
+  config.Write("varID/Short.csv", "GroupID,Index\n1,1\n");
+  config.Write("auth_config.csv",
+               "Model,Enable,AlgorithmID,ProbeCmd,ChallengeCmd,ResponseCmd,ProtectedCmds,"
+               "ProbeValueOffset,ProbeValueLen,ProbeEndian\n"
+               "Bad,1,3,0xDF,0x66,0xE0,0x21||0x22,0,1,big\n"
+               "Nobody,0,,,,,,,,\n");
+  Program bad({"--check-tables", "--config", QString::fromStdString(config.path())});
   EXPECT_EQ(bad.ExitCode(), 1);
-  for (const char* text : {"Bad.csv, line 2: \"Wide\": DefaultValue \"256\"", "Short.csv",
-                           "Bad.csv: no row has \"monitor\" for its Options",
-                           "./Config/feature_config.csv: ", "auth_config.csv, line 2",
-                           "model \"Nobody\" has no variable table"}) {
+  for (const char* text :
+       {"Bad.csv, line 2: \"Wide\": DefaultValue \"256\"", "Short.csv",
+        "Bad.csv: no row has \"monitor\" for its Options", "/feature_config.csv: No such file",
+        "auth_config.csv, line 2", "model \"Nobody\" has no variable table"}) {
     EXPECT_TRUE(bad.Output().contains(text)) << text << " in\n" << bad.Output().toStdString();
   }
+}
+
+// A model that no program knows the name of is what its tables say it is.
+TEST(Process, ServesASerialModelThatOnlyTheTablesOfTheSiteKnow) {
+  const TestFolder folder;
+  std::filesystem::copy(TEVRON_CONFIG_SOURCE, folder.path(),
+                        std::filesystem::copy_options::recursive);
+  std::filesystem::remove_all(folder.path() + "/site");
+  folder.Write("site/varID/Heron.csv",
+               std::string(kTableHeader) + "1,1,0x01,,,PN,0,string,Heron-16,,,,,Device,16\n");
+  folder.Write("site/feature_config.csv",
+               "Model,EnableCmxClientHostPortUi,ConnectType,SerialKind\nHeron,0,2,2\n");
+  const QString config = QString::fromStdString(folder.path());
+  Program list({"--list-models", "--config", config});
+  EXPECT_EQ(list.ExitCode(), 0);
+  EXPECT_TRUE(list.Output().contains("Heron\tserial line\tKiva\t" + config + "/site/varID/"))
+      << list.Output().toStdString();
+
+  Program heron({"--model", "Heron", "--config", config});
+  ASSERT_TRUE(heron.Prints("serial port /dev/")) << heron.Output().toStdString();
+  EXPECT_TRUE(heron.Output().contains("Heron is described by " + config + "/site/varID/Heron.csv"));
+  EXPECT_FALSE(heron.Output().contains("listening"));
+
+  const QString file = config + "/heron.patch";
+  Program maker({"--model", "Heron", "--config", config, "--make-firmware", "2.8.0", file});
+  ASSERT_EQ(maker.ExitCode(), 0) << maker.Output().toStdString();
+  QFile package(file);
+  ASSERT_TRUE(package.open(QIODevice::ReadOnly));
+  EXPECT_EQ(package.read(4), "KVOT") << "a package, as a Kiva takes";
 }
 
 }  // namespace

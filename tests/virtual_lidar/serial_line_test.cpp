@@ -17,7 +17,7 @@ LidarUnderTest::Setup OnSerialLine(std::vector<std::string> faults = {}) {
   LidarUnderTest::Setup setup;
   setup.faults = std::move(faults);
   setup.server.serial = ServerSetup::Serial::kOneLine;
-  setup.profile.model = "Kiva-CMX";
+  setup.profile.family = SerialFamily::kKiva;
   return setup;
 }
 

@@ -24,9 +24,9 @@ VirtualDevice::VirtualDevice(std::shared_ptr<const ConfigParser> table, DevicePr
       clock_(std::move(clock)),
       start_(clock_()),
       memory_(*table_),
-      maintenance_(TraitsOf(profile.model).family),
-      firmware_(profile.model, TraitsOf(profile.model).family),
-      logs_(*table_, TraitsOf(profile.model).family, profile.log_size),
+      maintenance_(profile.family),
+      firmware_(profile.model, profile.family),
+      logs_(*table_, profile.family, profile.log_size),
       guard_(std::move(profile.auth), std::move(profile.auth_keys), profile.auth_required) {
   memory_.Measure(profile.seed);
   const VarInfo* block = MonitorBlockOf(*table_);

@@ -17,6 +17,7 @@
 /// What kind of device a virtual lidar is.
 struct DeviceProfile {
   std::string model;
+  SerialFamily family = SerialFamily::kNone;  ///< kNone: it knows no maintenance commands
   AuthConfig auth;
   AuthKeys auth_keys;
   bool auth_required = true;  ///< what the probe says, where the model authenticates at all

@@ -1,5 +1,6 @@
 import QtQuick 2.15
 import QtQuick.Layouts 1.15
+import Tevron 1.0
 import "../controls"
 import "../theme"
 
@@ -66,6 +67,12 @@ FocusScope {
         target: screen.manager
         function onIsConnectedChanged() { screen.forget(); }
         function onIsGetPBLVersionChanged() { screen.readSettings(); }
+    }
+
+    ManagerFacts {
+        id: facts
+
+        manager: screen.manager
     }
 
     Timer {
@@ -197,7 +204,7 @@ FocusScope {
             LumoCalibration {
                 id: calibration
 
-                visible: screen.modelName.startsWith("Lumo")
+                visible: facts.hasCalibration
                 obstacle: screen.notReady
                 onSaveWanted: screen.run(qsTr("Reading the calibration…"), () => {
                     screen.manager.LumoGetCorrection(folder);

@@ -1,4 +1,5 @@
 import QtQuick 2.15
+import Tevron 1.0
 import "../controls"
 import "../theme"
 import "Advice.js" as Advice
@@ -49,7 +50,7 @@ Item {
             return;
         }
         logged(text, "ERROR");
-        errorBox.show(text);
+        errorBox.show(text, facts.Remedy());
         manager.setErrorMsg("");
     }
 
@@ -99,6 +100,12 @@ Item {
         width: Math.min(Theme.dialogWidth, parent.width - 2 * Theme.gapWide)
     }
 
+    ManagerFacts {
+        id: facts
+
+        manager: messages.manager
+    }
+
     ErrorInfoWindow { id: errorBox }
     Questions {
         id: questions
@@ -111,6 +118,6 @@ Item {
         id: aboutBox
 
         applicationName: messages.programName
-        details: [qsTr("Model in use: %1").arg(messages.modelName)]
+        details: [qsTr("Model in use: %1").arg(messages.modelName)].concat(facts.tables)
     }
 }
