@@ -10,8 +10,8 @@
 #include "CmxClient/fov_command.h"
 #include "variables/command_code.h"
 #include "variables/directive_rules.h"
+#include "variables/feature_config.h"
 #include "variables/log_variables.h"
-#include "variables/model_traits.h"
 #include "variables/monitor_tables.h"
 #include "variables/number_text.h"
 #include "variables/reserved_codes.h"
@@ -240,7 +240,10 @@ void CheckWholeTable(const std::string& model, LoadedTable* table) {
   CheckDownloads(*table, faults);
   CheckMonitor(*table, faults);
   CheckFov(table, faults);
-  TakeReservedCodes(TraitsOf(model).family, table, faults);
+  TableFaults of_the_features;  // told by whoever loads these
+  const ModelFeatures features =
+      LoadFeatures(ConfigFolder::Of(table->path), model, &of_the_features);
+  TakeReservedCodes(features.family, table, faults);
   CheckFilePages(*table, faults);
 }
 
