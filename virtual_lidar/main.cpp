@@ -7,7 +7,6 @@
 #include <algorithm>
 #include <cstdio>
 #include <exception>
-#include <filesystem>
 #include <iostream>
 #include <memory>
 #include <stdexcept>
@@ -71,11 +70,9 @@ DeviceProfile MakeProfile(const Options& options) {
   DeviceProfile profile;
   profile.model = options.model;
   profile.family = options.features.family;
-  const std::string auth_table = options.config_folder + "/auth_config.csv";
-  if (std::filesystem::exists(auth_table)) {
-    profile.auth = LoadAuthConfig(auth_table, options.model);
-  }
-  profile.auth_keys = LoadAuthKeys(options.config_folder + "/auth_keys.ini");
+  const ConfigFolder folder(options.config_folder);
+  profile.auth = AuthConfigOf(folder, options.model);
+  profile.auth_keys = LoadAuthKeys(folder);
   profile.auth_required = options.auth_required;
   profile.seed = options.seed;
   profile.log_size = options.log_size;
@@ -201,6 +198,8 @@ int main(int argc, char** argv) {
     OutliveTheReader();
     const int signals = OpenSignals();
     return Serve(*options, signals);
+  } catch (const AuthConfigError& error) {
+    return Complain(error.text());
   } catch (const std::exception& error) {
     return Complain(error.what());
   }

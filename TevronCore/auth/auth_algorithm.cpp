@@ -83,19 +83,10 @@ class MaskwordSessionKeyAlgorithm : public IAuthAlgorithm {
   const SecretBytes c2_;
 };
 
-std::unique_ptr<IAuthAlgorithm> MakeMaskword(SecretBytes AuthKeys::*maskword) {
-  AuthKeys keys = LoadAuthKeys(kAuthKeysPath);
-  if ((keys.*maskword).empty() || keys.mix_c1.empty() || keys.mix_c2.empty()) {
-    return nullptr;
-  }
-  return std::make_unique<MaskwordSessionKeyAlgorithm>(
-      std::move(keys.*maskword), std::move(keys.mix_c1), std::move(keys.mix_c2));
-}
+constexpr char kInstalledConfig[] = "./Config";  // the folder of kAuthKeysPath
 
-template <typename Algorithm>
-std::unique_ptr<IAuthAlgorithm> MakeAes(SecretBytes AuthKeys::*key) {
-  AuthKeys keys = LoadAuthKeys(kAuthKeysPath);
-  return (keys.*key).empty() ? nullptr : std::make_unique<Algorithm>(std::move(keys.*key));
+AuthAlgorithmFactory FactoryOf(int id) {
+  return [id] { return CreateAuthAlgorithm(id, LoadAuthKeys(ConfigFolder(kInstalledConfig))); };
 }
 
 bool Equal(const std::vector<uint8_t>& expected, const std::vector<uint8_t>& actual) {
@@ -119,10 +110,10 @@ bool VerifyCbcResponse(const SecretBytes& key, const std::vector<uint8_t>& chall
 
 const std::map<int, AuthAlgorithmFactory>& AuthAlgorithmFactories() {
   static const std::map<int, AuthAlgorithmFactory> factories = {
-      {kMaskwordOne, [] { return MakeMaskword(&AuthKeys::maskword_1); }},
-      {kMaskwordTwo, [] { return MakeMaskword(&AuthKeys::maskword_2); }},
-      {kAes256Cmac, [] { return MakeAes<Aes256CmacAlgorithm>(&AuthKeys::aes256_key); }},
-      {kAes128Cbc, [] { return MakeAes<Aes128CbcAlgorithm>(&AuthKeys::aes128_key); }},
+      {kMaskwordOne, FactoryOf(kMaskwordOne)},
+      {kMaskwordTwo, FactoryOf(kMaskwordTwo)},
+      {kAes256Cmac, FactoryOf(kAes256Cmac)},
+      {kAes128Cbc, FactoryOf(kAes128Cbc)},
   };
   return factories;
 }
@@ -131,6 +122,45 @@ std::unique_ptr<IAuthAlgorithm> CreateAuthAlgorithm(int id) {
   const auto& factories = AuthAlgorithmFactories();
   const auto found = factories.find(id);
   return found == factories.end() ? nullptr : found->second();
+}
+
+std::unique_ptr<IAuthAlgorithm> CreateAuthAlgorithm(int id, AuthKeys keys) {
+  for (const AuthKeyKind* kind : KeysNeededBy(id)) {
+    if ((keys.*kind->member).empty()) {
+      return nullptr;
+    }
+  }
+  switch (id) {
+    case kMaskwordOne:
+    case kMaskwordTwo:
+      return std::make_unique<MaskwordSessionKeyAlgorithm>(
+          std::move(id == kMaskwordOne ? keys.maskword_1 : keys.maskword_2), std::move(keys.mix_c1),
+          std::move(keys.mix_c2));
+    case kAes256Cmac:
+      return std::make_unique<Aes256CmacAlgorithm>(std::move(keys.aes256_key));
+    case kAes128Cbc:
+      return std::make_unique<Aes128CbcAlgorithm>(std::move(keys.aes128_key));
+    default:
+      return nullptr;
+  }
+}
+
+std::vector<const AuthKeyKind*> KeysNeededBy(int id) {
+  const auto needs = [id](const AuthKeyKind& kind) {
+    const bool is_maskword = id == kMaskwordOne || id == kMaskwordTwo;
+    return (id == kAes128Cbc && kind.member == &AuthKeys::aes128_key) ||
+           (id == kAes256Cmac && kind.member == &AuthKeys::aes256_key) ||
+           (id == kMaskwordOne && kind.member == &AuthKeys::maskword_1) ||
+           (id == kMaskwordTwo && kind.member == &AuthKeys::maskword_2) ||
+           (is_maskword && (kind.member == &AuthKeys::mix_c1 || kind.member == &AuthKeys::mix_c2));
+  };
+  std::vector<const AuthKeyKind*> kinds;
+  for (const AuthKeyKind& kind : kAuthKeyKinds) {
+    if (needs(kind)) {
+      kinds.push_back(&kind);
+    }
+  }
+  return kinds;
 }
 
 int ParseAuthAlgorithmId(const std::string& text) {

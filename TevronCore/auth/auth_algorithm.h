@@ -30,13 +30,19 @@ enum AuthAlgorithmId : int {
 using AuthAlgorithmFactory = std::function<std::unique_ptr<IAuthAlgorithm>()>;
 
 /// Every algorithm there is, by identifier; filled once on first use and the same for the whole
-/// process. A factory reads its keys from kAuthKeysPath each time it is called, and gives null when
-/// one that it needs is unavailable.
+/// process. A factory reads its keys from kAuthKeysPath and the site's file each time it is called,
+/// and gives null when one that it needs is unavailable.
 const std::map<int, AuthAlgorithmFactory>& AuthAlgorithmFactories();
 
 /// A new algorithm for an identifier; null when the identifier is unknown or its keys are
 /// unavailable.
 std::unique_ptr<IAuthAlgorithm> CreateAuthAlgorithm(int id);
+
+/// The same with these keys.
+std::unique_ptr<IAuthAlgorithm> CreateAuthAlgorithm(int id, AuthKeys keys);
+
+/// The keys that an algorithm needs; none for an unknown identifier.
+std::vector<const AuthKeyKind*> KeysNeededBy(int id);
 
 /// The identifier that a table cell names: a decimal number, blanks around it allowed. Anything
 /// else is kNoAuthAlgorithm, which no factory serves.

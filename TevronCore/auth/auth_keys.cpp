@@ -1,8 +1,10 @@
 #include "auth/auth_keys.h"
 
+#include <algorithm>
 #include <cctype>
 #include <filesystem>
 #include <fstream>
+#include <optional>
 #include <string_view>
 #include <system_error>
 #include <utility>
@@ -15,24 +17,29 @@ namespace {
 // lives as long as the process, and the keys with it. Here the text is in one buffer that is wiped.
 
 constexpr size_t kLargestFile = size_t{64} * 1024;
-constexpr size_t kWordSize = 4;
+constexpr std::string_view kKeyGroup = "keys";
+constexpr std::string_view kDemo = "demo";
 
-/// The whole file; empty when it cannot be read or is larger than a key file can be.
-SecretBytes ReadFile(const std::string& path) {
+/// The whole file; nothing when it cannot be read or is larger than a key file can be.
+std::optional<SecretBytes> ReadFile(const std::string& path) {
   std::error_code error;
   const auto size = std::filesystem::file_size(path, error);
   if (error || size > kLargestFile) {
-    return {};
+    return std::nullopt;
   }
   SecretBytes text(static_cast<size_t>(size));
   std::ifstream file;
   file.rdbuf()->pubsetbuf(nullptr, 0);  // no second copy in a buffer that nobody wipes
   file.open(path, std::ios::binary);
   file.read(reinterpret_cast<char*>(text.data()), static_cast<std::streamsize>(text.size()));
-  return static_cast<size_t>(file.gcount()) == text.size() ? std::move(text) : SecretBytes();
+  if (!file.good() || static_cast<size_t>(file.gcount()) != text.size()) {
+    return std::nullopt;
+  }
+  return text;
 }
 
-/// Calls visit(group, name, value) for every assignment. The views end with `text`.
+/// Calls visit(line, group, name, value) for every assignment; lines count from 1. The views end
+/// with `text`.
 template <typename Visitor>
 void ForEachValue(const SecretBytes& text, Visitor visit) {
   std::string_view rest(reinterpret_cast<const char*>(text.data()), text.size());
@@ -40,7 +47,7 @@ void ForEachValue(const SecretBytes& text, Visitor visit) {
   if (rest.substr(0, 3) == "\xEF\xBB\xBF") {
     rest.remove_prefix(3);  // the byte-order mark of some editors
   }
-  while (!rest.empty()) {
+  for (size_t number = 1; !rest.empty(); ++number) {
     const size_t end = rest.find('\n');
     const std::string_view line = Trim(rest.substr(0, end));
     rest = end == std::string_view::npos ? std::string_view() : rest.substr(end + 1);
@@ -51,7 +58,7 @@ void ForEachValue(const SecretBytes& text, Visitor visit) {
     if (line.front() == '[' && line.back() == ']') {
       group = Trim(line.substr(1, line.size() - 2));
     } else if (equals != std::string_view::npos) {
-      visit(group, Trim(line.substr(0, equals)), Trim(line.substr(equals + 1)));
+      visit(number, group, Trim(line.substr(0, equals)), Trim(line.substr(equals + 1)));
     }
   }
 }
@@ -86,51 +93,102 @@ SecretBytes ParseHex(std::string_view text, size_t size, size_t least_digits) {
   return bytes;
 }
 
-SecretBytes ParseKey(std::string_view text, size_t size) { return ParseHex(text, size, 2 * size); }
+const AuthKeyKind* KindOf(std::string_view group, std::string_view name) {
+  const auto* kind = std::find_if(kAuthKeyKinds.begin(), kAuthKeyKinds.end(),
+                                  [name](const AuthKeyKind& known) { return known.name == name; });
+  return group == kKeyGroup && kind != kAuthKeyKinds.end() ? kind : nullptr;
+}
 
-SecretBytes ParseWord(std::string_view text) { return ParseHex(text, kWordSize, 1); }
+/// Replaces each key that the file names.
+void TakeKeys(const std::string& path, AuthKeys* keys) {
+  const std::optional<SecretBytes> text = ReadFile(path);
+  if (!text) {
+    *keys = AuthKeys();
+    return;
+  }
+  ForEachValue(
+      *text, [keys](size_t, std::string_view group, std::string_view name, std::string_view value) {
+        if (const AuthKeyKind* kind = KindOf(group, name)) {
+          keys->*kind->member = ParseHex(value, kind->size, kind->least_digits);
+        }
+      });
+}
+
+std::string DigitsOf(const AuthKeyKind& kind) {
+  const std::string most = std::to_string(2 * kind.size);
+  return kind.least_digits == 2 * kind.size ? most : "1 to " + most;
+}
+
+void CheckLine(size_t line, std::string_view group, std::string_view name, std::string_view value,
+               const FileFaults& faults) {
+  const AuthKeyKind* const kind = KindOf(group, name);
+  if (kind == nullptr) {
+    if (name != kDemo) {
+      faults.Warn(line,
+                  "this line is no key and means nothing; the keys stand below [keys] and are "
+                  "aes128_key, aes256_key, maskword_1, maskword_2, mix_c1 and mix_c2");
+    }
+  } else if (ParseHex(value, kind->size, kind->least_digits).empty()) {
+    faults.Fault(line, std::string(kind->name) + " is malformed; write " + DigitsOf(*kind) +
+                           " hexadecimal digits. The algorithms that need it are unavailable until "
+                           "then");
+  }
+}
 
 }  // namespace
 
 AuthKeys LoadAuthKeys(const std::string& path) {
   AuthKeys keys;
-  const SecretBytes text = ReadFile(path);
-  ForEachValue(text,
-               [&keys](std::string_view group, std::string_view name, std::string_view value) {
-                 if (group != "keys") {
-                   return;
-                 }
-                 if (name == "aes128_key") {
-                   keys.aes128_key = ParseKey(value, 16);
-                 } else if (name == "aes256_key") {
-                   keys.aes256_key = ParseKey(value, 32);
-                 } else if (name == "maskword_1") {
-                   keys.maskword_1 = ParseWord(value);
-                 } else if (name == "maskword_2") {
-                   keys.maskword_2 = ParseWord(value);
-                 } else if (name == "mix_c1") {
-                   keys.mix_c1 = ParseWord(value);
-                 } else if (name == "mix_c2") {
-                   keys.mix_c2 = ParseWord(value);
-                 }
-               });
+  TakeKeys(path, &keys);
   return keys;
+}
+
+AuthKeys LoadAuthKeys(const ConfigFolder& folder) {
+  AuthKeys keys;
+  for (const std::string& file : folder.FilesCalled(kAuthKeysName)) {
+    TakeKeys(file, &keys);
+  }
+  return keys;
+}
+
+bool IsDemoKeyFile(const std::string& path) {
+  bool is_demo = false;
+  if (const std::optional<SecretBytes> text = ReadFile(path)) {
+    ForEachValue(
+        *text, [&is_demo](size_t, std::string_view, std::string_view name, std::string_view value) {
+          is_demo = is_demo || (name == kDemo && value == "true");
+        });
+  }
+  return is_demo;
 }
 
 std::string AuthKeyFileWarning(const std::string& path) {
   std::error_code error;
   const std::filesystem::perms permissions = std::filesystem::status(path, error).permissions();
-  if (error ||
-      (permissions & std::filesystem::perms::others_read) == std::filesystem::perms::none) {
-    return "";
+  const bool is_private =
+      error || (permissions & std::filesystem::perms::others_read) == std::filesystem::perms::none;
+  return is_private || IsDemoKeyFile(path)
+             ? ""
+             : "The key file " + path +
+                   " can be read by every user of this computer. Allow only its owner to read it "
+                   "(chmod 600).";
+}
+
+void CheckAuthKeys(const ConfigFolder& folder, TableFaults* faults) {
+  for (const std::string& path : folder.FilesCalled(kAuthKeysName)) {
+    const FileFaults file(path, faults);
+    const std::optional<SecretBytes> text = ReadFile(path);
+    if (!text) {
+      file.Fault(0,
+                 "cannot be read as a key file, so that no algorithm has keys; let the user of "
+                 "this program read it, and keep it below 64 KiB");
+      continue;
+    }
+    ForEachValue(*text,
+                 [&file](size_t line, std::string_view group, std::string_view name,
+                         std::string_view value) { CheckLine(line, group, name, value, file); });
+    if (const std::string warning = AuthKeyFileWarning(path); !warning.empty()) {
+      faults->push_back({0, warning, TableFault::Severity::kWarning});
+    }
   }
-  bool demo = false;
-  const SecretBytes text = ReadFile(path);
-  ForEachValue(text, [&demo](std::string_view, std::string_view name, std::string_view value) {
-    demo = demo || (name == "demo" && value == "true");
-  });
-  return demo ? ""
-              : "The key file " + path +
-                    " can be read by every user of this computer. Allow only its owner to read it "
-                    "(chmod 600).";
 }

@@ -1,7 +1,5 @@
 #include "connection/connect_attempt.h"
 
-#include <QFileInfo>
-#include <QString>
 #include <algorithm>
 #include <exception>
 #include <iostream>
@@ -13,6 +11,7 @@
 #include "auth/auth_keys.h"
 #include "auth/authorized_cmx_client.h"
 #include "session/quiet_report.h"
+#include "variables/config_folder.h"
 #include "variables/host_port.h"
 
 namespace {
@@ -37,10 +36,10 @@ void AnnounceTcpAttempt() {
             << std::flush;
 }
 
-std::string MissingAlgorithm(int id) {
+std::string MissingAlgorithm(int id, const ConfigFolder& folder) {
   return "Authentication algorithm " + std::to_string(id) +
-         " is unknown, or its keys are missing or malformed in " + kAuthKeysPath +
-         ": protected commands will be refused.";
+         " is unknown, or its keys are missing or malformed in " + folder.path() + '/' +
+         kAuthKeysName + " or the site's: protected commands will be refused.";
 }
 
 }  // namespace
@@ -120,7 +119,7 @@ std::shared_ptr<Connection> ConnectAttempt::Connect() {
         return ConnectNetwork();
     }
   } catch (const AuthConfigError& e) {
-    report_->Error("The lidar was not connected: " + e.place() + ": " + e.what());
+    report_->Error("The lidar was not connected: " + e.text());
   } catch (const std::exception& e) {
     report_->Error(std::string("The lidar was not connected: ") + e.what());
   }
@@ -265,22 +264,14 @@ std::shared_ptr<Connection> ConnectAttempt::Join(const ClientPtr& client, const 
   if (IsPatient() && !LidarAnswers(*client)) {
     return nullptr;  // before the probe, whose answer would be taken for the lidar's
   }
-  const std::string table = request_.model->config_folder + "/auth_config.csv";
-  AuthConfig config;
-  if (QFileInfo::exists(QString::fromStdString(table))) {
-    config = LoadAuthConfig(table, request_.model->name);
-  } else {
-    report_->LogLine(table + " is missing: connecting without authentication.", LogType::kWarning);
+  const ConfigFolder folder(request_.model->config_folder);
+  const AuthConfig config = AuthConfigOf(folder, request_.model->name);
+  if (folder.FilesCalled(kAuthTableName).empty()) {
+    report_->LogLine(
+        folder.path() + '/' + kAuthTableName + " is missing: connecting without authentication.",
+        LogType::kWarning);
   }
-  std::unique_ptr<IAuthAlgorithm> algorithm;
-  if (config.enabled) {
-    algorithm = CreateAuthAlgorithm(config.algorithm_id);
-    const std::string warning = algorithm == nullptr ? MissingAlgorithm(config.algorithm_id)
-                                                     : AuthKeyFileWarning(kAuthKeysPath);
-    if (!warning.empty()) {
-      report_->LogLine(warning, LogType::kWarning);
-    }
-  }
+  std::unique_ptr<IAuthAlgorithm> algorithm = AlgorithmFor(config);
   const bool reply_prefix = request_.model->connect_type != kNetworkLink;
   const auto sender = std::make_shared<AuthorizedCmxClient>(
       client, config, reply_prefix, request_.auth_log, std::move(algorithm));
@@ -289,6 +280,24 @@ std::shared_ptr<Connection> ConnectAttempt::Join(const ClientPtr& client, const 
       std::make_shared<ByteFlowSink>(request_.byte_flow, SecretCommands(*request_.model->table)));
   sender->Probe();
   return connection;
+}
+
+std::unique_ptr<IAuthAlgorithm> ConnectAttempt::AlgorithmFor(const AuthConfig& config) {
+  if (!config.enabled) {
+    return nullptr;
+  }
+  const ConfigFolder folder(request_.model->config_folder);
+  auto algorithm = CreateAuthAlgorithm(config.algorithm_id, LoadAuthKeys(folder));
+  if (algorithm == nullptr) {
+    report_->LogLine(MissingAlgorithm(config.algorithm_id, folder), LogType::kWarning);
+    return nullptr;
+  }
+  for (const std::string& file : folder.FilesCalled(kAuthKeysName)) {
+    if (const std::string warning = AuthKeyFileWarning(file); !warning.empty()) {
+      report_->LogLine(warning, LogType::kWarning);
+    }
+  }
+  return algorithm;
 }
 
 std::shared_ptr<Connection> ConnectAttempt::CheckAlive(std::shared_ptr<Connection> connection) {

@@ -9,6 +9,8 @@
 #include <thread>
 
 #include "CmxClient/log_sink.h"
+#include "auth/auth_algorithm.h"
+#include "auth/auth_config.h"
 #include "connection/connection.h"
 #include "connection/connection_settings.h"
 #include "connection/restart_patience.h"
@@ -74,6 +76,7 @@ class ConnectAttempt {
   SerialPtr OpenSerialCmx();
   ClientPtr ClientOver(const SerialPtr& serial);
   std::shared_ptr<Connection> Join(const ClientPtr& client, const SerialPtr& serial);
+  std::unique_ptr<IAuthAlgorithm> AlgorithmFor(const AuthConfig& config);
   std::shared_ptr<Connection> CheckAlive(std::shared_ptr<Connection> connection);
   bool KeepInterruptible(const ClientPtr& client);
   void DropClient();

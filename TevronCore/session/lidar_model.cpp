@@ -4,6 +4,7 @@
 #include <exception>
 #include <utility>
 
+#include "auth/auth_rules.h"
 #include "variables/feature_config.h"
 #include "variables/monitor_tables.h"
 #include "variables/table_rules.h"
@@ -29,6 +30,7 @@ std::shared_ptr<LidarModel> LoadLidarModel(const std::string& table_path) {
   model->faults = model->table->Faults();
   model->pages = PageModel(*model->table);
   static_cast<ModelFeatures&>(*model) = LoadFeatures(config, model->name, &model->faults);
+  CheckAuth(config, model->name, model->family, *model->table, &model->faults);
   return model;
 }
 

@@ -2,13 +2,14 @@
 
 #include <algorithm>
 #include <exception>
+#include <set>
 #include <stdexcept>
 
 #include "auth/auth_algorithm.h"
-#include "auth/auth_config.h"
 #include "auth/auth_keys.h"
+#include "auth/auth_rules.h"
+#include "auth/auth_table.h"
 #include "variables/config_parser.h"
-#include "variables/csv_table.h"
 #include "variables/feature_config.h"
 #include "variables/monitor_tables.h"
 #include "variables/pages.h"
@@ -44,6 +45,37 @@ std::vector<std::string> ModelsToCheck(const ConfigFolder& folder, const std::st
   return {model};
 }
 
+// "3 models, 2 of them protected"
+std::string ProtectionIn(const std::string& path) {
+  try {
+    const AuthTable table(path);
+    size_t enabled = 0;
+    for (size_t row = 0; row < table.row_count(); ++row) {
+      enabled += table.EnableOf(row) == "1" ? 1 : 0;
+    }
+    return Counted(table.row_count(), "model") + ", " +
+           (enabled == 0 ? "none" : std::to_string(enabled)) + " of them protected";
+  } catch (const std::exception&) {
+    return "cannot be used";
+  }
+}
+
+// "keys for the algorithms 1, 2, 3, 4; the demonstration set"
+std::string KeysIn(const std::string& path) {
+  const AuthKeys keys = LoadAuthKeys(path);
+  std::vector<std::string> algorithms;
+  for (const auto& [id, factory] : AuthAlgorithmFactories()) {
+    const std::vector<const AuthKeyKind*> needed = KeysNeededBy(id);
+    if (std::none_of(needed.begin(), needed.end(),
+                     [&keys](const AuthKeyKind* kind) { return (keys.*kind->member).empty(); })) {
+      algorithms.push_back(std::to_string(id));
+    }
+  }
+  return (algorithms.empty() ? "keys for no algorithm"
+                             : "keys for the algorithms " + Listed(algorithms)) +
+         (IsDemoKeyFile(path) ? "; the demonstration set" : "");
+}
+
 /// One check of one folder.
 class Check {
  public:
@@ -55,14 +87,21 @@ class Check {
 
  private:
   void MonitorTables(const ConfigParser& table);
-  void ModelColumn(const std::string& path, const std::vector<std::string>& models);
-  void Add(const TableFaults& faults) {
-    report_.findings.insert(report_.findings.end(), faults.begin(), faults.end());
-  }
+  void Add(const TableFaults& faults);
 
   const ConfigFolder& folder_;
   TableReport& report_;
+  std::set<std::string> told_;
 };
+
+// What is wrong with a whole file is found for every model anew.
+void Check::Add(const TableFaults& faults) {
+  for (const TableFault& fault : faults) {
+    if (told_.insert(fault.text).second) {
+      report_.findings.push_back(fault);
+    }
+  }
+}
 
 void Check::VariableTables(const std::string& model) {
   const ConfigParser table(LoadModelTable(folder_.TableOf(model)));
@@ -75,6 +114,9 @@ void Check::VariableTables(const std::string& model) {
 }
 
 void Check::MonitorTables(const ConfigParser& table) {
+  if (MonitorBlockOf(table) == nullptr) {
+    return;  // a fault of the model's own table
+  }
   for (const std::string& version : ListMonitorVersions(table.path())) {
     const auto with_monitor = WithMonitorTable(table, version, &report_.findings);
     const size_t count = with_monitor == nullptr
@@ -85,61 +127,28 @@ void Check::MonitorTables(const ConfigParser& table) {
 }
 
 void Check::FeatureTables() {
-  for (const auto& [path, rows] : CheckFeatures(folder_, &report_.findings)) {
+  TableFaults faults;
+  for (const auto& [path, rows] : CheckFeatures(folder_, &faults)) {
     report_.files.push_back({path, Counted(rows, "model")});
   }
-}
-
-// The rows of a table that is looked up by model: broken rows, and models without a table.
-void Check::ModelColumn(const std::string& path, const std::vector<std::string>& models) {
-  const FileFaults faults(path, &report_.findings);
-  const CsvTable table(path);
-  report_.files.push_back({path, Counted(table.row_count(), "model")});
-  for (const CsvFault& fault : table.faults()) {
-    faults.Fault(fault.line, fault.reason);
-  }
-  const size_t column = table.header().Column("Model");
-  for (size_t row = 0; row < table.row_count(); ++row) {
-    const std::string model(table.Cell(row, column));
-    if (std::find(models.begin(), models.end(), model) == models.end()) {
-      faults.Fault(table.LineOf(row), "model \"" + model + "\" has no variable table");
-    }
-  }
-}
-
-// The reason why a model cannot authenticate; empty when it can.
-std::string AuthFault(const AuthConfig& config, const AuthKeys& keys) {
-  const std::string algorithm = std::to_string(config.algorithm_id);
-  if (config.algorithm_id < kMaskwordOne || config.algorithm_id > kAes128Cbc) {
-    return "there is no algorithm " + algorithm;
-  }
-  const bool mix = !keys.mix_c1.empty() && !keys.mix_c2.empty();
-  const bool has_keys[] = {mix && !keys.maskword_1.empty(), mix && !keys.maskword_2.empty(),
-                           !keys.aes256_key.empty(), !keys.aes128_key.empty()};
-  if (has_keys[config.algorithm_id - 1]) {
-    return "";
-  }
-  return "the keys of algorithm " + algorithm + " are missing or malformed";
+  Add(faults);
 }
 
 void Check::AuthTables(const std::vector<std::string>& models) {
-  const std::string path = folder_.path() + "/auth_config.csv";
-  const FileFaults faults(path, &report_.findings);
-  const AuthKeys keys = LoadAuthKeys(folder_.path() + "/auth_keys.ini");
-  try {
-    ModelColumn(path, folder_.Models());
-    for (const std::string& model : models) {
-      const AuthConfig config = LoadAuthConfig(path, model);
-      const std::string fault = config.enabled ? AuthFault(config, keys) : "";
-      if (!fault.empty()) {
-        faults.Fault(0, "model \"" + model + "\": " + fault);
-      }
-    }
-  } catch (const AuthConfigError& error) {
-    report_.findings.push_back({0, error.place() + ": " + error.what()});
-  } catch (const std::exception& error) {
-    faults.Fault(0, error.what());
+  for (const std::string& file : folder_.FilesCalled(kAuthTableName)) {
+    report_.files.push_back({file, ProtectionIn(file)});
   }
+  for (const std::string& file : folder_.FilesCalled(kAuthKeysName)) {
+    report_.files.push_back({file, KeysIn(file)});
+  }
+  TableFaults faults;
+  for (const std::string& model : models) {
+    TableFaults told_already;
+    CheckAuth(folder_, model, LoadFeatures(folder_, model, &told_already).family,
+              ConfigParser(LoadModelTable(folder_.TableOf(model))), &faults);
+  }
+  CheckAuthFiles(folder_, &faults);
+  Add(faults);
 }
 
 }  // namespace

@@ -58,7 +58,9 @@ std::string ConfigFolder::Describe(const std::string& model) const {
 std::vector<std::string> ConfigFolder::FilesCalled(const std::string& name) const {
   std::vector<std::string> files;
   for (const std::string& folder : {path_, site_path()}) {
-    if (const std::string file = folder + '/' + name; IsFile(file)) {
+    const std::string file = folder + '/' + name;
+    std::error_code ignored;
+    if (std::filesystem::status(file, ignored).type() != std::filesystem::file_type::not_found) {
       files.push_back(file);
     }
   }

@@ -33,6 +33,7 @@ class ConfigFolder {
   std::string Describe(const std::string& model) const;
 
   /// The files of this name ("auth_config.csv") that exist, in the order in which they are read.
+  /// One that cannot be read is among them: what it says would count.
   std::vector<std::string> FilesCalled(const std::string& name) const;
 
  private:

@@ -53,13 +53,16 @@ TEST(AuthConfigTable, NamesTheCellThatCannotBeUsed) {
       {"DF,66,1FFFFFFFF,21,0,1", "\"1FFFFFFFF\" is no"},
       {"DF,66,E0,21,,1", "\"\" is no decimal"},
       {"DF,66,E0,21,0,0x1", "\"0x1\" is no decimal"},
+      {"DF,66,E0,21|0x112,0,1", "\"0x112\" is longer than a byte"},  // and not 0x12
+      {"DF,66,E0,21,0,1,big\nOsprey,0,", "model \"Osprey\" has its row on line 3 already"},
   };
   for (const auto& [cells, begin] : cases) {
     try {
       Load(std::string("Orca,0\nOsprey,1,3,") + cells + ",big\n");
       ADD_FAILURE() << cells;
     } catch (const AuthConfigError& error) {
-      EXPECT_EQ((error.what() + (" @ " + error.place())).rfind(begin, 0), 0U) << begin;
+      EXPECT_EQ((error.what() + (" @ " + error.place())).rfind(begin, 0), 0U)
+          << error.text() << " instead of " << begin;
     }
   }
 }
