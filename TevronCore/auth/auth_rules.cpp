@@ -199,7 +199,8 @@ void CheckAuthFiles(const ConfigFolder& folder, TableFaults* faults) {
   const std::vector<std::string> files = folder.FilesCalled(kAuthTableName);
   if (files.empty()) {
     const std::string path = folder.path() + '/' + kAuthTableName;
-    FileFaults(path, faults).Warn(0, "there is no such file; every model is connected without authentication");
+    FileFaults(path, faults)
+        .Warn(0, "there is no such file; every model is connected without authentication");
   }
   for (const std::string& file : files) {
     try {

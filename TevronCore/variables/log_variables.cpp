@@ -26,9 +26,8 @@ bool IsDownload(const LoadedTable& table, const VarInfo& var) {
     return directive.name() == kLogDirective && directive.cells.size() > 1 &&
            directive.cells[1] == var.var_name;
   };
-  return var.function_module.empty() &&
-         (var.var_name == kOperationLog || var.var_name == kConfigFile ||
-          std::any_of(table.directives.begin(), table.directives.end(), names_it));
+  return var.var_name == kOperationLog || var.var_name == kConfigFile ||
+         std::any_of(table.directives.begin(), table.directives.end(), names_it);
 }
 
 WireCommand DownloadRequestOf(const VarInfo& var, const std::string& called) {

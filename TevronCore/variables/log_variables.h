@@ -22,8 +22,8 @@ inline constexpr char kLogDirective[] = "log";
 /// the directives, each once. The operation log is none of them: it has its own download.
 std::vector<const VarInfo*> OfferedLogs(const ConfigParser& table);
 
-/// Whether the variable stands for something that is downloaded, and for nothing else: one of the
-/// two above or named by a "log" directive, and on no page.
+/// Whether the variable stands for something that is downloaded: one of the two above, or named by
+/// a "log" directive.
 bool IsDownload(const LoadedTable& table, const VarInfo& var);
 
 /// The request for what `var` stands for: its read command, or its write command where it has no

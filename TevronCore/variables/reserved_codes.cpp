@@ -108,8 +108,9 @@ void TakeReservedCodes(SerialFamily family, LoadedTable* table, const FileFaults
     const std::string text = is_read ? first.get_cmd : first.set_cmd;
     const std::optional<uint8_t> code = ShortCode(text);
     const bool is_download =
-        std::all_of(group.fields.begin(), group.fields.end(),
-                    [table](const VarInfo* var) { return IsDownload(*table, *var); });
+        std::all_of(group.fields.begin(), group.fields.end(), [table](const VarInfo* var) {
+          return var->function_module.empty() && IsDownload(*table, *var);
+        });
     const char* const use =
         code && !is_download ? ReasonAgainst(*code, family, group, is_read) : nullptr;
     if (use != nullptr) {

@@ -211,9 +211,7 @@ void CheckFilePages(const LoadedTable& table, const FileFaults& faults) {
 }
 
 void CheckDownloads(const LoadedTable& table, const FileFaults& faults) {
-  const auto is_named = [&table](const VarInfo& var) {
-    return var.var_name == kOperationLog || var.var_name == kConfigFile || IsDownload(table, var);
-  };
+  const auto is_named = [&table](const VarInfo& var) { return IsDownload(table, var); };
   for (const VarInfo* var : Variables(table, is_named)) {
     if (var->value_type->kind != ValueKind::kRaw || var->offset != 0 ||
         !var->function_module.empty()) {
@@ -264,6 +262,15 @@ LoadedTable LoadModelTable(const std::string& path) {
 
 void ApplyMonitorTableRules(LoadedTable* table) {
   const FileFaults faults(table->path, &table->faults);
+  const auto is_drawn = [](const VarInfo* var) {
+    return !var->get_cmd.empty() &&
+           (var->value_type->is_number() || var->value_type->kind == ValueKind::kDuration);
+  };
+  if (std::none_of(table->variables.begin(), table->variables.end(), is_drawn)) {
+    faults.Warn(0,
+                "nothing here is drawn over time; write rows of numbers, with the command that "
+                "reads them in Get");
+  }
   CheckDefaults(*table, faults);
   TakeReservedCodes(SerialFamily::kNone, table, faults);
   if (!table->directives.empty()) {
