@@ -4,6 +4,7 @@
 #include <iostream>
 #include <utility>
 
+#include "CmxClient/cmx_client.h"
 #include "session/posted_report.h"
 
 LidarSession::LidarSession(SetUp set_up)
@@ -34,6 +35,9 @@ std::shared_ptr<UserReport> LidarSession::ReportOfNow() const {
 }
 
 void LidarSession::SetModel(std::shared_ptr<LidarModel> model) {
+  if (model->name != model_->name) {
+    loss_.reset();
+  }
   model_ = std::move(model);
   SetPageInView(0);
 }
@@ -60,6 +64,7 @@ bool LidarSession::Connect(const ConnectionSettings& settings) {
 void LidarSession::StartAttempt(std::optional<RestartPatience> patience) {
   ++*number_;
   connecting_ = true;
+  failure_.clear();
   const std::shared_ptr<UserReport> report = ReportOfNow();
   const ConnectRequest request{settings_,
                                model_,
@@ -72,11 +77,15 @@ void LidarSession::StartAttempt(std::optional<RestartPatience> patience) {
       ConnectAttempt::Handlers{Later(&LidarSession::EndAttempt), Later(&LidarSession::Lose)});
 }
 
-void LidarSession::AwaitReturn(const RestartPatience& patience, std::function<void(Return)> ended) {
+void LidarSession::AwaitAt(const ConnectionSettings& settings, const RestartPatience& patience,
+                           std::function<void(Return)> ended) {
+  const ConnectionSettings there = settings;
   Disconnect();
   if (connecting_ || state_.connected) {
     return ended(Return::kGivenUp);  // a handler has begun something else
   }
+  settings_ = there;
+  give_up_at_ = std::chrono::system_clock::now() + patience.returns;
   return_ended_ = std::move(ended);
   StartAttempt(patience);
 }
@@ -90,8 +99,12 @@ void LidarSession::TellReturn(Return outcome) {
 void LidarSession::EndAttempt() {
   const std::function<bool()> is_current = Current();
   std::shared_ptr<Connection> connection = attempt_->TakeConnection();
+  failure_ = attempt_->Failure();
   attempt_.reset();
   const Return outcome = connection != nullptr ? Return::kBack : Return::kNotBack;
+  if (outcome == Return::kNotBack && return_ended_ != nullptr) {
+    NoteLoss("the lidar did not come back" + (failure_.empty() ? "" : " (" + failure_ + ")"));
+  }
   if (connection != nullptr) {
     Adopt(std::move(connection));
   }
@@ -108,6 +121,8 @@ void LidarSession::Adopt(std::shared_ptr<Connection> connection) {
   model_->table->ForgetReadings();
   read_failures_.Clear();
   is_silent_ = false;
+  loss_.reset();
+  next_place_.reset();
   if (model_->connect_type == kNetworkLink) {
     refresh_ = std::make_unique<PageRefresh>(
         connection_->sender(), state_, read_failures_, ReportOfNow(),
@@ -154,6 +169,7 @@ void LidarSession::StartReadingFacts() {
 
 void LidarSession::TakeFacts(DeviceFacts facts) {
   facts_ = std::move(facts);
+  facts_read_at_ = std::chrono::system_clock::now();
   // Only the first reading of a connection keeps the user waiting, the later ones are quiet.
   const bool was_first = std::exchange(reading_facts_, false);
   set_up_.handlers.facts_changed();
@@ -168,9 +184,19 @@ void LidarSession::Lose(const std::string& reason) {
   }
   set_up_.report.LogLine(reason, LogType::kError);
   if (!keeps_when_lost_) {
+    NoteLoss(reason);
     set_up_.report.Error(reason);
     Stop();
   }
+}
+
+void LidarSession::NoteLoss(const std::string& reason) {
+  loss_ = {reason, std::chrono::system_clock::now()};
+}
+
+void LidarSession::NoteNextPlace(NetworkPlace place) {
+  next_place_ = std::move(place);
+  ++next_places_;
 }
 
 void LidarSession::Stop() {
@@ -210,14 +236,27 @@ void LidarSession::End() {
   facts_reading_.reset();
   connection_.reset();
   facts_ = {};
+  facts_read_at_.reset();
   reading_facts_ = false;
   keeps_when_lost_ = false;
 }
 
 bool LidarSession::CheckLink() {
   const std::shared_ptr<kavel::lidar::CommandSender> to_lidar = sender();
-  return to_lidar != nullptr &&
-         (keeps_when_lost_ || (to_lidar->IsOpen() && LidarAnswers(*to_lidar)));
+  if (to_lidar == nullptr) {
+    return false;
+  }
+  int32_t error = kavel::lidar::kNotConnected;
+  if (keeps_when_lost_ || (to_lidar->IsOpen() && LidarAnswers(*to_lidar, &error))) {
+    loss_.reset();
+    return true;
+  }
+  const bool is_broken =
+      error == kavel::lidar::kNotConnected || error == kavel::lidar::kSendIncomplete;
+  NoteLoss(is_broken ? "the connection is broken" : kavel::lidar::CmxClient::ErrorText(error));
+  set_up_.report.LogLine("The lidar does not answer the link check: " + loss_->reason,
+                         LogType::kWarning);
+  return false;
 }
 
 std::shared_ptr<kavel::lidar::CommandSender> LidarSession::sender() const {
@@ -247,24 +286,4 @@ void LidarSession::ReadFactsAfterRestart() {
   if (facts_reading_ != nullptr) {
     facts_reading_->RequestAfterRestart();
   }
-}
-
-std::string LidarSession::RunningVersion() const {
-  if (model_->connect_type != kNetworkLink) {
-    return VersionText(facts_.versions, model_->family);
-  }
-  const std::string version = Identity("SWVER_YMD", kUnread);
-  return version == kUnread ? "" : version;
-}
-
-std::string LidarSession::Identity(const char* name, const std::string& asked) const {
-  if (model_->connect_type != kNetworkLink) {
-    return asked;
-  }
-  const VarInfo* var = model_->table->FindByName(name);
-  if (var == nullptr || !state_.connected) {
-    return kUnread;
-  }
-  ConfigParser::Value value = model_->table->ValueOf(*var);
-  return value.has_bytes ? std::move(value.text) : kUnread;
 }

@@ -11,6 +11,7 @@
 #include "connection/connect_attempt.h"
 #include "connection/connection.h"
 #include "connection/connection_settings.h"
+#include "connection/link_snapshot.h"
 #include "connection/uart_arrivals.h"
 #include "console/byte_flow.h"
 #include "maintenance/device_facts.h"
@@ -74,7 +75,18 @@ class LidarSession {
   /// all without a message: the lidar has the time of `patience` to answer. connecting() is true
   /// meanwhile. `ended` is told once: kGivenUp when Stop, another attempt or another model came
   /// between. Not told on destruction.
-  void AwaitReturn(const RestartPatience& patience, std::function<void(Return)> ended);
+  void AwaitReturn(const RestartPatience& patience, std::function<void(Return)> ended) {
+    AwaitAt(settings_, patience, std::move(ended));
+  }
+  /// The same for a lidar that is reached otherwise from now on.
+  void AwaitAt(const ConnectionSettings& settings, const RestartPatience& patience,
+               std::function<void(Return)> ended);
+
+  /// Network settings were taken: after its restart the lidar is reached there.
+  void NoteNextPlace(NetworkPlace place);
+
+  /// How it stands with the connection.
+  LinkSnapshot LinkNow() const;
 
   /// While set, the loss of a port ends nothing and is told in the log alone, and CheckLink does
   /// not ask: whoever set it sees to the connection afterwards. The next connection begins without.
@@ -149,8 +161,10 @@ class LidarSession {
   void ShowPage();
   void ShowCaughtUp();
   void Lose(const std::string& reason);
+  void NoteLoss(const std::string& reason);
   void Disconnect();
   void End();
+  std::optional<std::chrono::system_clock::time_point> NewestInView() const;
   std::string Identity(const char* name, const std::string& asked) const;
 
   const SetUp set_up_;
@@ -167,6 +181,12 @@ class LidarSession {
   bool keeps_when_lost_ = false;
   ConnectionSettings settings_;
   std::function<void(Return)> return_ended_;  ///< set while a lidar that restarts is waited for
+  std::chrono::system_clock::time_point give_up_at_;  ///< of that wait
+  std::string failure_;                               ///< of the last attempt
+  std::optional<LinkLoss> loss_;
+  std::optional<NetworkPlace> next_place_;
+  int next_places_ = 0;
+  std::optional<std::chrono::system_clock::time_point> facts_read_at_;
   // Destroyed from the last to the first: the threads are gone before what they use.
   std::shared_ptr<Connection> connection_;
   std::unique_ptr<PageRefresh> refresh_;

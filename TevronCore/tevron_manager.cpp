@@ -92,6 +92,22 @@ bool TevronManager::ConnectLidar() {
   return true;
 }
 
+LinkSnapshot TevronManager::LinkNow() const { return parts_->session.LinkNow(); }
+
+void TevronManager::AwaitLidar() {
+  const LinkSnapshot link = LinkNow();
+  const ConnectionSettings& settings = parts_->session.settings();
+  AwaitLidarAt(link.next_place.value_or(NetworkPlace{settings.lidar_ip, settings.command_port}));
+}
+
+void TevronManager::AwaitLidarAt(const NetworkPlace& place) {
+  ConnectionSettings settings = parts_->session.settings();
+  settings.lidar_ip = parts_->settings.lidar_ip = place.address;
+  settings.command_port = parts_->settings.command_port = place.port;
+  emit initInfoChanged();
+  parts_->session.AwaitAt(settings, RestartPatience{}, [](LidarSession::Return) {});
+}
+
 void TevronManager::Stop() { parts_->session.Stop(); }
 
 bool TevronManager::GetIsConnectingLidar() { return parts_->session.connecting(); }

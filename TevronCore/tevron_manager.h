@@ -9,6 +9,7 @@
 #include <string>
 #include <vector>
 
+#include "connection/link_snapshot.h"
 #include "connection/uart_arrivals.h"
 #include "downloads/download_status.h"
 #include "upgrade/upgrade_status.h"
@@ -104,6 +105,14 @@ class TevronManager : public QObject {
   /// nothing; otherwise the model is loaded, becomes the fixed one of getPVNowName(), and
   /// lidarModelListChanged is emitted.
   void SetModulePV(const QString& model_name);
+
+  /// How it stands with the connection.
+  LinkSnapshot LinkNow() const;
+  /// Ends the connection to a lidar that restarts and connects again as soon as it answers, for a
+  /// minute at most; where it has taken another address, there. Stop ends the wait.
+  void AwaitLidar();
+  /// The same for a lidar that is at this place from now on, which becomes the one that is set.
+  void AwaitLidarAt(const NetworkPlace& place);
 
   /// The upgrade that runs, or the last one.
   UpgradeSnapshot UpgradeNow() const;

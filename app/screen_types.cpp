@@ -5,6 +5,7 @@
 #include "clipboard.h"
 #include "download_watch.h"
 #include "input_rules.h"
+#include "link_watch.h"
 #include "log_filter.h"
 #include "log_lines.h"
 #include "log_selection.h"
@@ -31,6 +32,7 @@ void RegisterScreenTypes() {
   qmlRegisterType<Clipboard>("Tevron", 1, 0, "Clipboard");
   qmlRegisterSingletonType<InputRules>("Tevron", 1, 0, "InputRules",
                                        [](QQmlEngine*, QJSEngine*) { return new InputRules; });
+  qmlRegisterType<LinkWatch>("Tevron", 1, 0, "LinkWatch");
   qmlRegisterType<ManagerFacts>("Tevron", 1, 0, "ManagerFacts");
   qmlRegisterType<DownloadWatch>("Tevron", 1, 0, "DownloadWatch");
   qmlRegisterType<SerialPortList>("Tevron", 1, 0, "SerialPortList");

@@ -82,6 +82,16 @@ std::shared_ptr<Connection> ConnectAttempt::TakeConnection() {
   return std::move(connection_);
 }
 
+std::string ConnectAttempt::Failure() {
+  const std::lock_guard<std::mutex> lock(mutex_);
+  return failure_;
+}
+
+void ConnectAttempt::NoteFailure(std::string sentence) {
+  const std::lock_guard<std::mutex> lock(mutex_);
+  failure_ = std::move(sentence);
+}
+
 std::shared_ptr<Connection> ConnectAttempt::AwaitLidar() {
   std::shared_ptr<Connection> connection;
   std::chrono::milliseconds pause = request_.patience->leaves;
@@ -144,9 +154,13 @@ std::shared_ptr<Connection> ConnectAttempt::ConnectNetwork() {
     return nullptr;
   }
   if (!WaitUntilConnected(client)) {
-    const std::string reason = client->ConnectFailure();
-    if (!reason.empty()) {
-      report_->LogLine(reason, LogType::kError);
+    NoteFailure(request_.settings.lidar_ip.empty() && client->ConnectFailure().empty()
+                    ? "No packet came on UDP port " + std::to_string(request_.settings.udp_port) +
+                          ", so that the lidar's address is not known."
+                    : client->ConnectFailure());
+    // While a lidar restarts it is no news that it is away.
+    if (!IsPatient() && !Failure().empty()) {
+      report_->LogLine(Failure(), LogType::kError);
     }
     report_->Error(kOpenFailed);
     return nullptr;
@@ -249,6 +263,7 @@ ConnectAttempt::SerialPtr ConnectAttempt::OpenSerialCmx() {
     return std::make_shared<SerialClient>(line, line);
   }
   const std::string reason = line->LastError();
+  NoteFailure(reason);
   report_->LogLine(reason, LogType::kError);
   // The words of the network, deliberately: one message for a command client that does not open.
   report_->ErrorWithRemedy(kOpenFailed, reason);
@@ -307,10 +322,16 @@ std::shared_ptr<Connection> ConnectAttempt::CheckAlive(std::shared_ptr<Connectio
   if (!connection->sender()->IsOpen()) {
     std::cout << "CmxClient haven't initialized\n" << std::flush;
   }
-  if (const auto liveness = AnsweredLiveness(*connection->sender())) {
+  int32_t error = 0;
+  if (const auto liveness = AnsweredLiveness(*connection->sender(), &error)) {
     connection->SetLivenessCommand(*liveness);
     return connection;
   }
+  NoteFailure(PlaceText(request_.settings, request_.model->connect_type) +
+              (error == kavel::lidar::kNoReply
+                   ? ": the connection is taken, but no command is answered."
+                   : ": something answers, but not as a lidar does (" +
+                         CmxClient::ErrorText(error) + ")."));
   // The missing first letter is part of the line.
   std::cout << "DEBUG: heckLidarConnection() == false\n" << std::flush;
   report_->Error("Lidar has No CMX reply.");
@@ -325,6 +346,7 @@ bool ConnectAttempt::KeepInterruptible(const ClientPtr& client) {
 
 void ConnectAttempt::ReportSerialFailure(const char* port_kind, const std::string& reason) {
   const std::string kind = port_kind;
+  NoteFailure(reason);
   report_->ErrorWithRemedy("Connection Failed. Please check your " + kind + " serial port.",
                            reason);
   report_->LogLine("Connection Error: " + kind + " serial open fail", LogType::kError);

@@ -57,6 +57,10 @@ class ConnectAttempt {
   /// connection that nobody takes ends with the attempt.
   std::shared_ptr<Connection> TakeConnection();
 
+  /// What the last try failed at, a sentence that names the place; "" while nothing has failed.
+  /// Known before the failure is reported. Any thread.
+  std::string Failure();
+
  private:
   using ClientPtr = std::shared_ptr<kavel::lidar::CmxClient>;
   using SerialPtr = std::shared_ptr<kavel::lidar::SerialClient>;
@@ -80,6 +84,7 @@ class ConnectAttempt {
   std::shared_ptr<Connection> CheckAlive(std::shared_ptr<Connection> connection);
   bool KeepInterruptible(const ClientPtr& client);
   void DropClient();
+  void NoteFailure(std::string sentence);
   void ReportSerialFailure(const char* port_kind, const std::string& reason);
 
   const ConnectRequest request_;
@@ -89,6 +94,7 @@ class ConnectAttempt {
   const std::chrono::steady_clock::time_point patience_ends_;
   std::mutex mutex_;
   ClientPtr client_in_work_;                ///< guarded by mutex_; what Cancel has to interrupt
+  std::string failure_;                     ///< guarded by mutex_
   std::shared_ptr<Connection> connection_;  ///< guarded by mutex_
   std::thread thread_;
 };

@@ -33,15 +33,19 @@ void Connection::SetByteSink(const std::shared_ptr<kavel::lidar::ByteSink>& sink
   }
 }
 
-std::optional<uint8_t> AnsweredLiveness(kavel::lidar::CommandSender& sender) {
+std::optional<uint8_t> AnsweredLiveness(kavel::lidar::CommandSender& sender, int32_t* error) {
   for (const uint8_t cmd : {kavel::lidar::kCmdLiveness, kavel::lidar::kCmdLivenessOld}) {
-    if (kavel::lidar::CheckAlive(sender, cmd) == 0) {
+    const int32_t result = kavel::lidar::CheckAlive(sender, cmd);
+    if (result == 0) {
       return cmd;
+    }
+    if (error != nullptr) {
+      *error = result;
     }
   }
   return std::nullopt;
 }
 
-bool LidarAnswers(kavel::lidar::CommandSender& sender) {
-  return AnsweredLiveness(sender).has_value();
+bool LidarAnswers(kavel::lidar::CommandSender& sender, int32_t* error) {
+  return AnsweredLiveness(sender, error).has_value();
 }

@@ -47,8 +47,10 @@ class Connection {
 };
 
 /// Which of the two liveness commands the lidar answers, the newer one first; none when it answers
-/// neither. Their bytes stay out of the log window, which a periodic check would flood.
-std::optional<uint8_t> AnsweredLiveness(kavel::lidar::CommandSender& sender);
+/// neither, and *error (may be null) says why not. Their bytes stay out of the log window, which a
+/// periodic check would flood.
+std::optional<uint8_t> AnsweredLiveness(kavel::lidar::CommandSender& sender,
+                                        int32_t* error = nullptr);
 
 /// The link check: true when the lidar answers either.
-bool LidarAnswers(kavel::lidar::CommandSender& sender);
+bool LidarAnswers(kavel::lidar::CommandSender& sender, int32_t* error = nullptr);

@@ -46,6 +46,18 @@ void ReadNumber(const QSettings& file, const char* key, int32_t max, int32_t* va
 
 }  // namespace
 
+std::string PlaceText(const ConnectionSettings& settings, ConnectType connect_type) {
+  switch (connect_type) {
+    case kSerialPair:
+      return settings.serial_port_485 + " and " + settings.serial_port_232;
+    case kSerialCmx:
+      return settings.serial_port_485;
+    default:
+      return (settings.lidar_ip.empty() ? "any address" : settings.lidar_ip) + ", port " +
+             settings.command_port;
+  }
+}
+
 QString SettingsFilePath() {
   return QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation) +
          QStringLiteral("/CorvanViewDataFiles/RecvSettings.ini");

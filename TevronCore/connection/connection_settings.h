@@ -5,6 +5,8 @@
 #include <optional>
 #include <string>
 
+#include "variables/model_traits.h"
+
 /// How a lidar is reached: what the user last entered. A connect attempt works on its own copy.
 struct ConnectionSettings {
   std::string lidar_ip = "192.168.1.201";  ///< empty: learned from the lidar's UDP packets
@@ -16,6 +18,9 @@ struct ConnectionSettings {
   int32_t udp_port = 2368;                 ///< where point-cloud packets arrive
   std::string host_port = "ANY";           ///< local port of the command connection, or "ANY"
 };
+
+/// Where they reach a lidar of this kind, for the user: "10.0.0.7, port 9347", or the serial ports.
+std::string PlaceText(const ConnectionSettings& settings, ConnectType connect_type);
 
 /// "RecvSettings.ini" in the tool's folder among the user's documents.
 QString SettingsFilePath();

@@ -19,6 +19,9 @@ constexpr uint8_t kNetworkCommand = 0x21;
 /// Reading before a write begins no further command after this: the window waits.
 constexpr std::chrono::seconds kReadingTime{1};
 
+/// The variable with the port on which the lidar takes commands, where its table has one.
+constexpr char kCommandPort[] = "Command Port";
+
 constexpr char kAllSet[] =
     "Set Lidar Successfully\nNote that if you have changed the TCP-related settings, you will need "
     "to restart the lidar for it to work.";
@@ -209,8 +212,13 @@ void PageWriter::NameNextAddress(const std::string& set_cmd) {
   if (address == vars.end()) {
     return;
   }
-  parts_.report.LogLine("After its restart the lidar is reached at " +
-                            parts_.table.ValueOf(**address).text +
+  next_place_ = {parts_.table.ValueOf(**address).text, ""};
+  const auto port = std::find_if(vars.begin(), vars.end(),
+                                 [](const VarInfo* var) { return var->var_name == kCommandPort; });
+  if (port != vars.end()) {
+    next_place_->port = parts_.table.ValueOf(**port).text;
+  }
+  parts_.report.LogLine("After its restart the lidar is reached at " + next_place_->address +
                             ": use this address for the next connection.",
                         LogType::kInfo);
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -10,6 +11,7 @@
 #include "pages/payload_builder.h"
 #include "pages/read_failures.h"
 #include "session/link_state.h"
+#include "session/network_place.h"
 #include "session/user_report.h"
 #include "variables/config_parser.h"
 #include "variables/pages.h"
@@ -44,6 +46,10 @@ class PageWriter {
   /// Writes page `module`; at most once per writer. What happened goes to the report.
   Outcome Run(int module);
 
+  /// The network settings that Run sent were taken: where the lidar is reached after its restart.
+  /// The port is "" where the table has none among them.
+  const std::optional<NetworkPlace>& next_place() const { return next_place_; }
+
  private:
   bool MayWrite();
   void Gather(int module);
@@ -63,6 +69,7 @@ class PageWriter {
   std::vector<const VarInfo*> to_read_;
   Unread unread_;
   std::vector<std::string> applied_;
+  std::optional<NetworkPlace> next_place_;
   bool lidar_answered_ = false;  ///< the last exchange reached it
   // What a failure report names: the command in hand, and whether any was issued.
   std::string command_;

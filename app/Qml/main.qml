@@ -31,13 +31,22 @@ FocusScope {
         messages.askClose(upgradeControl.sending);
     }
 
-    function confirmed(purpose) {
+    // With the same settings as before; what is connected or connecting stays so.
+    function reconnect() {
+        if (!manager.IsConnected && !link.connecting)
+            connectionBar.connectOrDisconnect();
+    }
+
+    function confirmed(purpose, argument) {
         switch (purpose) {
         case "save":
             pages.write();
             break;
         case "restart":
-            manager.Restart();
+            link.restart();
+            break;
+        case "place":
+            link.connectTo(argument.address, argument.port);
             break;
         case "reset":
             manager.Reset();
@@ -64,6 +73,17 @@ FocusScope {
         upgrading: upgradeControl.running
         onRefused: messages.refuse(reason)
         onWarned: messages.warnAboutModel(text)
+        onNextPlaceTold: messages.askNextPlace(address, port)
+    }
+
+    Shortcut {
+        sequence: "Escape"
+        enabled: link.connecting
+        onActivated: link.cancel()
+    }
+    Shortcut {
+        sequence: "F5"
+        onActivated: window.reconnect()
     }
 
     UpgradeControl {
@@ -90,9 +110,22 @@ FocusScope {
         connecting: link.connecting
         onModelChosen: window.chooseModel(name)
         onConnectClicked: link.toggle()
+        onCancelClicked: link.cancel()
         onRestartWanted: messages.askRestart()
         onResetWanted: messages.askReset()
         onAboutWanted: messages.showAbout()
+    }
+
+    LinkStrip {
+        id: linkStrip
+
+        anchors.left: parent.left
+        anchors.right: parent.right
+        anchors.top: connectionBar.bottom
+        manager: window.manager
+        watch: link.watch
+        onReconnectWanted: window.reconnect()
+        onCancelWanted: link.cancel()
     }
 
     WorkArea {
@@ -100,7 +133,7 @@ FocusScope {
 
         anchors.left: parent.left
         anchors.right: parent.right
-        anchors.top: connectionBar.bottom
+        anchors.top: linkStrip.bottom
         anchors.bottom: parent.bottom
         manager: window.manager
         onRefused: messages.refuse(reason)
@@ -128,9 +161,10 @@ FocusScope {
         anchors.bottom: parent.bottom
         anchors.bottomMargin: Theme.stripWidth
         manager: window.manager
+        watch: link.watch
         programName: window.programName
         modelName: window.modelName
         onLogged: work.log(text, tag)
-        onConfirmed: window.confirmed(purpose)
+        onConfirmed: window.confirmed(purpose, argument)
     }
 }

@@ -57,8 +57,8 @@ class ClientBase {
   /// they do not travel there as they are handed over. False: they do, and the caller knows all.
   virtual bool TakeSink(ByteSink* /*sink*/) { return false; }
 
-  /// A sentence for the user on why the last open failed, when there is more to say than that the
-  /// lidar was not reached; "" otherwise.
+  /// A sentence for the user on why the last `TryOpen` failed; "" when it did not, or when nothing
+  /// is known.
   virtual std::string OpenFailure() { return {}; }
 };
 

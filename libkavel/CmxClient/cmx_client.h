@@ -84,8 +84,7 @@ class CmxClient : public CommandSender {
   /// Returns when connecting has succeeded, was given up or was shut down: `IsOpen`.
   bool WaitUntilConnected();
 
-  /// Why connecting failed, as a sentence for the user, when there is more to say than that the
-  /// lidar was not reached (the local port is in use); "" otherwise.
+  /// Why the last try to connect failed, as a sentence for the user; "" when it did not.
   std::string ConnectFailure();
 
   /// Ends connecting and every exchange, running and to come. Returns at once; idempotent.

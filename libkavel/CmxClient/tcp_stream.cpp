@@ -92,6 +92,32 @@ int LocalPortFault(const StreamRequest& request, const ConnectResult& result) {
   return is_taken ? kSocketAddressInUse : result.bind_error;
 }
 
+std::string ConnectFailureText(const StreamRequest& request, const ConnectResult& result) {
+  const int port_fault = LocalPortFault(request, result);
+  if (port_fault != 0) {
+    return BindFailureText(request.host_port, port_fault);
+  }
+  const std::string place = request.ip + ", port " + std::to_string(request.port);
+  switch (result.stage) {
+    case ConnectStage::kDone:
+      return {};
+    case ConnectStage::kAddress:
+      return "\"" + request.ip + "\" is no IPv4 address.";
+    default:
+      break;
+  }
+  if (result.error == kSocketRefused) {
+    return place + ": the connection was refused, nothing takes connections there.";
+  }
+  if (result.error == kSocketNoNetwork || result.error == kSocketNoHost) {
+    return place + ": there is no route to this address.";
+  }
+  if (IsPending(result.error) || result.error == kSocketTimedOut) {
+    return place + ": nothing answered.";
+  }
+  return place + ": " + SocketErrorText(result.error) + '.';
+}
+
 void LogTry(const StreamRequest& request, const ConnectResult& result) {
   const unsigned port = request.port;
   const unsigned host_port = request.host_port;
@@ -166,8 +192,7 @@ UniqueSocket TryConnect(const StreamRequest& request, const std::atomic<bool>* i
   ConnectResult result = Connect(request, interrupted);
   LogTry(request, result);
   if (failure != nullptr) {
-    const int fault = LocalPortFault(request, result);
-    *failure = fault != 0 ? BindFailureText(request.host_port, fault) : "";
+    *failure = ConnectFailureText(request, result);
   }
   return std::move(result.socket);
 }

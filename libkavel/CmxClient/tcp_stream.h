@@ -41,7 +41,7 @@ struct ConnectResult {
 ConnectResult Connect(const StreamRequest& request, const std::atomic<bool>* interrupted);
 
 /// The same with the log lines that both transports write. `*failure` (may be null) is a sentence
-/// for the user when the local port was the cause, else "".
+/// for the user on why there is no connection, "" when there is one.
 UniqueSocket TryConnect(const StreamRequest& request, const std::atomic<bool>* interrupted,
                         std::string* failure);
 

@@ -29,6 +29,9 @@ constexpr int kSocketInterrupted = WSAEINTR;
 constexpr int kSocketTimedOut = WSAETIMEDOUT;
 constexpr int kSocketAddressInUse = WSAEADDRINUSE;
 constexpr int kSocketAddressTaken = WSAEADDRINUSE;
+constexpr int kSocketRefused = WSAECONNREFUSED;
+constexpr int kSocketNoNetwork = WSAENETUNREACH;
+constexpr int kSocketNoHost = WSAEHOSTUNREACH;
 #else
 using SocketHandle = int;
 constexpr int kSocketInProgress = EINPROGRESS;
@@ -38,6 +41,9 @@ constexpr int kSocketInterrupted = EINTR;
 constexpr int kSocketTimedOut = ETIMEDOUT;
 constexpr int kSocketAddressInUse = EADDRINUSE;
 constexpr int kSocketAddressTaken = EADDRNOTAVAIL;
+constexpr int kSocketRefused = ECONNREFUSED;
+constexpr int kSocketNoNetwork = ENETUNREACH;
+constexpr int kSocketNoHost = EHOSTUNREACH;
 #endif
 constexpr SocketHandle kInvalidSocket = static_cast<SocketHandle>(-1);
 

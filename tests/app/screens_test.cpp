@@ -48,6 +48,11 @@ TEST_F(ScreensTest, ConnectsByAClickAndShowsTheLidarsValues) {
   EXPECT_EQ(screen_.Text("field_0_0_1"), lidar_.Held("SN"));
   EXPECT_TRUE(WaitFor([&] { return screen_.LogText().contains("[INFO] Lidar connected"); }));
   EXPECT_EQ(screen_.BoxMessage(), QString()) << "a lidar of the chosen model needs no warning";
+  EXPECT_EQ(screen_.Text("identityPn"), lidar_.Held("PN"));
+  EXPECT_EQ(screen_.Text("identitySn"), lidar_.Held("SN"));
+  EXPECT_EQ(screen_.Text("identityVersion"), lidar_.Held("SWVER_YMD"));
+  EXPECT_EQ(screen_.Text("identityPlace"), QString("127.0.0.1, port %1").arg(lidar_.port()));
+  EXPECT_TRUE(screen_.Text("identityReadAt").endsWith(" · every 3 s"));
 
   screen_.Click("connectButton");
   EXPECT_FALSE(screen_.connected());
@@ -64,9 +69,55 @@ TEST_F(ScreensTest, TellsWhyALidarCannotBeReached) {
   screen_.Click("connectButton");
   EXPECT_TRUE(screen_.WaitForBox("Is Connecting Lidar... Please wait."));
   screen_.Click("dialogAccept");
-  EXPECT_TRUE(screen_.WaitForBox("TCP connection failed."));
+  ASSERT_TRUE(screen_.WaitForBox(
+      QString("TCP connection failed.\n127.0.0.1, port %1: the connection was refused")
+          .arg(lidar_.port())));
+  ASSERT_TRUE(screen_.CloseBox());
   EXPECT_TRUE(WaitFor([&] { return screen_.Find("connectingIndicator") == nullptr; }));
   EXPECT_EQ(screen_.LampColor(), QColor("red"));
+
+  screen_.Click("connectButton");
+  EXPECT_FALSE(screen_.Value("connectButton", "emphasised").toBool());
+  EXPECT_TRUE(WaitFor([&] { return screen_.Value("busyLine", "shown").toBool(); }));
+  screen_.Key(Qt::Key_Escape);
+  EXPECT_EQ(screen_.Find("cancelConnecting"), nullptr) << "a cancelled attempt is over at once";
+  EXPECT_EQ(screen_.BoxMessage(), QString());
+
+  screen_.TypeInto("ipField", "127.0.0");
+  screen_.Click("connectButton");
+  EXPECT_EQ(screen_.Find("connectingIndicator"), nullptr) << "nothing is dialled";
+  EXPECT_EQ(screen_.Text("connectionProblem"), "IP address: An address like 192.168.1.201");
+  EXPECT_TRUE(screen_.Find("ipField")->hasActiveFocus());
+}
+
+TEST_F(ScreensTest, TellsSinceWhenAndWhyTheLidarIsGoneAndReconnectsByOneKey) {
+  ConnectOnTab(kScanTab);
+  const quint16 port = lidar_.port();
+  lidar_.Kill();
+  QMetaObject::invokeMethod(screen_.FindObject("linkCheckTimer"), "triggered");
+  ASSERT_TRUE(WaitFor([&] { return !screen_.connected(); }));
+  EXPECT_TRUE(screen_.Text("linkNews").contains(" lost at "))
+      << screen_.Text("linkNews").toStdString();
+  EXPECT_EQ(screen_.Find("identityPn"), nullptr);
+  ASSERT_TRUE(WaitFor([&] { return screen_.Find("reconnectButton")->hasActiveFocus(); }));
+  const VirtualLidarProcess again(QStringList(), port);
+  screen_.Key(Qt::Key_Return);
+  EXPECT_TRUE(WaitFor([&] { return screen_.connected(); }));
+  EXPECT_EQ(screen_.Find("linkNews"), nullptr);
+}
+
+TEST(NetworkSettingsTest, AreFollowedByAnOfferToConnectThere) {
+  Screen screen;
+  const VirtualLidarProcess lidar({"--set", "IP Address=127.0.0.9"});
+  ASSERT_TRUE(screen.ConnectTo(lidar.port()));
+  screen.Click("tab1");
+  screen.TypeInto("field_1_0_0", "127.0.0.1");
+  screen.Click("saveButton");
+  ASSERT_TRUE(screen.WaitForBox("the lidar is reached at 127.0.0.1."));
+  EXPECT_EQ(screen.Text("dialogAccept"), "Connect to 127.0.0.1");
+  screen.Click("dialogAccept");
+  ASSERT_TRUE(WaitFor([&] { return screen.Text("linkNews").startsWith("Waiting until "); }));
+  EXPECT_TRUE(WaitFor([&] { return screen.connected(); }));
 }
 
 TEST_F(ScreensTest, WritesWhatIsTypedAndMarksItUntilItIsSaved) {
@@ -175,6 +226,20 @@ TEST_F(ScreensTest, RestartsTheLidarOnlyAfterAQuestion) {
   EXPECT_FALSE(lidar_.Output().contains("request 0x10"));
   screen_.Click("dialogAccept");
   EXPECT_TRUE(WaitFor([&] { return lidar_.Output().contains("request 0x10"); }));
+  ASSERT_TRUE(WaitFor([&] { return screen_.Find("stopAwaiting") != nullptr; }));
+  EXPECT_FALSE(screen_.connected());
+  EXPECT_TRUE(WaitFor([&] { return screen_.connected(); })) << "it comes back by itself";
+
+  screen_.Click("gearButton");
+  ASSERT_TRUE(WaitFor([&] { return screen_.Find("restartEntry") != nullptr; }));
+  screen_.Click("restartEntry");
+  ASSERT_TRUE(screen_.WaitForBox("The lidar restarts"));
+  screen_.Click("dialogAccept");
+  ASSERT_TRUE(WaitFor([&] { return screen_.Find("stopAwaiting") != nullptr; }));
+  ASSERT_TRUE(WaitFor([&] { return screen_.BoxMessage().isEmpty(); }));
+  screen_.Click("stopAwaiting");
+  EXPECT_EQ(screen_.Find("linkNews"), nullptr);
+  EXPECT_FALSE(screen_.FindObject("linkCheckTimer")->property("running").toBool());
 }
 
 TEST_F(ScreensTest, WatchesTheMonitorRecordsItAndOpensTheRecording) {

@@ -131,7 +131,7 @@ TEST_F(WindowTest, WritesATypedValueToTheLidarAndLeavesASilentOneAtOnce) {
   ASSERT_EQ(lidar_->Held("Minimum Distance"), "20");
 
   // From the first tab two to the right to "Scan", and from there nine fields on, behind "Logs".
-  Click(55, 99);
+  Click(55, 135);
   XDoTool({"key", "Right", "Right"});
   ASSERT_TRUE(WaitFor([&] { return lidar_->Output().contains("request 0x11"); }));
   QStringList keys{"key"};

@@ -11,6 +11,8 @@ const byMessage = [
      qsTr("Check power and cable, and that nothing else holds the connection; then press Connect.")],
     ["TCP connection failed",
      qsTr("Check power, cable, address and port; then press Connect.")],
+    ["Lidar has No CMX reply",
+     qsTr("Check that address and port are the lidar's own, and whether it has started.")],
     ["Is Connecting Lidar",
      qsTr("The lamp at the top turns green once the lidar has answered. Cancel or Escape ends the "
           + "attempt.")],
@@ -85,6 +87,12 @@ const bySuccess = [
 function find(entries, message) {
     const found = entries.find(entry => message.indexOf(entry[0]) >= 0);
     return found === undefined ? "" : found[1];
+}
+
+// Whether a message tells of an attempt to connect that failed.
+function isOfConnecting(message) {
+    return ["TCP connection failed.", "Lidar has No CMX reply.", "Connection Failed."]
+        .some(beginning => message.startsWith(beginning));
 }
 
 // The advice for a message; "" where nothing is known.

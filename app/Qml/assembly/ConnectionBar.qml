@@ -9,6 +9,7 @@ import "../theme"
 // manager       the object that holds the connection settings
 // modelName     the chosen model
 // connecting    an attempt runs
+// connectClicked()  connect or disconnect; not told while an address or port cannot be used
 FocusScope {
     id: bar
 
@@ -22,9 +23,21 @@ FocusScope {
 
     signal modelChosen(string name)
     signal connectClicked()
+    signal cancelClicked()
     signal restartWanted()
     signal resetWanted()
     signal aboutWanted()
+
+    // Says beside the fields what cannot be used, before anything is dialled.
+    function connectOrDisconnect() {
+        asked = !open && network && networkFields.problem !== "";
+        if (asked)
+            networkFields.showProblem();
+        else
+            connectClicked();
+    }
+
+    property bool asked: false
 
     implicitHeight: Theme.topBarHeight
 
@@ -63,6 +76,8 @@ FocusScope {
         }
 
         NetworkFields {
+            id: networkFields
+
             visible: bar.network
             enabled: !bar.open
             manager: bar.manager
@@ -75,7 +90,17 @@ FocusScope {
             pair: bar.serialPair
         }
 
-        Item { Layout.fillWidth: true }
+        PlainText {
+            objectName: "connectionProblem"
+            Layout.fillWidth: true
+            text: bar.asked && bar.network ? networkFields.problem : ""
+            font: Theme.captionFont
+            color: Theme.errorColor
+            wrapMode: Text.Wrap
+            maximumLineCount: 3
+            Accessible.role: Accessible.AlertMessage
+            Accessible.name: text
+        }
 
         LoadingWidget {
             objectName: "connectingIndicator"
@@ -90,13 +115,19 @@ FocusScope {
         }
 
         DefaultButton {
+            objectName: "cancelConnecting"
+            visible: bar.connecting
+            emphasised: true
+            text: qsTr("Cancel")
+            onClicked: bar.cancelClicked()
+        }
+
+        DefaultButton {
             objectName: "connectButton"
-            emphasised: !bar.manager.IsConnected
+            emphasised: !bar.open
             enabled: !bar.manager.IsDownloadLog
             text: bar.manager.IsConnected ? qsTr("Disconnect") : qsTr("Connect")
-            hint: bar.manager.IsConnected ? qsTr("End the connection to the lidar")
-                                          : qsTr("Connect to the lidar with these settings")
-            onClicked: bar.connectClicked()
+            onClicked: bar.connectOrDisconnect()
         }
 
         GearMenu {

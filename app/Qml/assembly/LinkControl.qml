@@ -1,13 +1,17 @@
 import QtQuick 2.15
+import Tevron 1.0
 
-// What the Connect button does, and what follows from a connection: the waiting indicator, the link
-// check, the comparison of the lidar's numbers with the chosen model, and the first reading.
+// What the Connect button does, and what follows from a connection: the link check, the comparison
+// of the lidar's numbers with the chosen model, and the first reading; and what follows from a
+// restart: the lidar is waited for.
 //
 // manager      the object that connects and knows whether a lidar is connected
 // modelName    the chosen model
 // tab          the page that is shown, which is read again after connecting
 // upgrading    an upgrade runs, in which the manager connects by itself when the lidar is back
+// watch        how it stands with the connection, a LinkWatch
 // connecting   an attempt runs
+// nextPlaceTold(address, port)  network settings were taken: the lidar is reached there next
 Item {
     id: link
 
@@ -15,8 +19,13 @@ Item {
     property string modelName: ""
     property int tab: 0
     property bool upgrading: false
-    property bool connecting: false
+    property LinkWatch watch: LinkWatch {
+        manager: link.manager
+        onNextPlaceTold: link.nextPlaceTold(address, port)
+    }
+    readonly property bool connecting: watch.connecting
 
+    signal nextPlaceTold(string address, string port)
     signal refused(string reason)
     signal warned(string text)
 
@@ -30,13 +39,30 @@ Item {
             refused("Is Connecting Lidar... Please wait.");
         } else if (!manager.IsConnected) {
             manager.ConnectLidar();
-            connecting = true;
+            watch.Look();
         } else if (manager.IsUpgrading) {
             refused("Disconnect REJECTED. Lidar is upgrading.");
         } else {
             manager.Stop();
             linkCheck.stop();
         }
+    }
+
+    // Ends an attempt, or the wait for a lidar that restarts.
+    function cancel() {
+        if (manager.GetIsConnectingLidar())
+            manager.Stop();
+        watch.Look();
+    }
+
+    // An upgrade that runs sees to the connection itself; a serial line stays.
+    function restart() {
+        if (manager.Restart() === 0 && manager.connectType === networkType && !upgrading)
+            watch.AwaitLidar();
+    }
+
+    function connectTo(address, port) {
+        watch.AwaitLidarAt(address, port);
     }
 
     // Compares part and serial number with the model's name and its first two letters. The six
@@ -58,7 +84,6 @@ Item {
     }
 
     function onLink() {
-        connecting = false;
         if (!manager.IsConnected || manager.connectType !== networkType) {
             linkCheck.stop();
             return;
@@ -88,14 +113,5 @@ Item {
                 link.toggle();
             }
         }
-    }
-
-    // A failed attempt has no signal of its own, and neither has one of an upgrade; they are looked
-    // for only while there may be one.
-    Timer {
-        interval: 100
-        repeat: true
-        running: link.connecting || link.upgrading
-        onTriggered: link.connecting = link.manager.GetIsConnectingLidar()
     }
 }

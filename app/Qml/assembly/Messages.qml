@@ -8,14 +8,16 @@ import "Advice.js" as Advice
 // this program is. Each report goes to the log as well. A success is a notice that passes; trouble
 // is a box.
 //
+// watch               how it stands with the connection, a LinkWatch
 // logSuccesses        somebody else shows what succeeds: the log alone tells of it here
 // logged(text, tag)   a line for the log
-// confirmed(purpose)  the question that was asked for `purpose` was answered with yes
+// confirmed(purpose, argument)  the question that was asked for `purpose` was answered with yes
 // editsAnswered(answer, purpose, argument)  see Questions
 Item {
     id: messages
 
     property var manager
+    property var watch
     property string programName: ""
     property string modelName: ""
     property bool logSuccesses: false
@@ -24,7 +26,7 @@ Item {
     readonly property string serialFree: "Serial is operation completed. Please processed with other tasks."
 
     signal logged(string text, string tag)
-    signal confirmed(string purpose)
+    signal confirmed(string purpose, var argument)
     signal editsAnswered(string answer, string purpose, var argument)
 
     function refuse(reason) {
@@ -40,6 +42,9 @@ Item {
     function askSave(names) { questions.askSave(names); }
     function askRestart() { questions.askRestart(); }
     function askReset() { questions.askReset(); }
+    function askNextPlace(address, port) {
+        questions.askNextPlace(address, port, manager.port);
+    }
     function askClose(sending) { questions.askClose(sending); }
     function askEdits(purpose, argument) { questions.askEdits(purpose, argument); }
 
@@ -50,7 +55,10 @@ Item {
             return;
         }
         logged(text, "ERROR");
-        errorBox.show(text, facts.Remedy());
+        watch.Look();
+        const remedy = facts.Remedy();
+        const reason = remedy === "" && Advice.isOfConnecting(text) ? watch.failure : "";
+        errorBox.show(reason === "" ? text : text + "\n" + reason, remedy);
         manager.setErrorMsg("");
     }
 
@@ -111,7 +119,7 @@ Item {
         id: questions
 
         manager: messages.manager
-        onConfirmed: messages.confirmed(purpose)
+        onConfirmed: messages.confirmed(purpose, argument)
         onEditsAnswered: messages.editsAnswered(answer, purpose, argument)
     }
     AboutWindow {

@@ -6,10 +6,20 @@ import "../theme"
 // Where a lidar on the network is: its address and the two ports.
 //
 // manager   the object that holds the connection settings
+// problem   what is wrong with the first text that cannot be used; empty when nothing is
 Row {
     id: fields
 
     property var manager
+    readonly property var inputs: [ipField, portField].concat(hostPort.visible ? [hostPortField] : [])
+    readonly property var wrong: inputs.find(field => field.problem !== "") || null
+    readonly property string problem: wrong === null ? ""
+        : qsTr("%1: %2").arg(wrong.label).arg(wrong.problem)
+
+    // The keyboard goes to the text that has to be put right.
+    function showProblem() {
+        wrong.forceActiveFocus(Qt.OtherFocusReason);
+    }
 
     spacing: Theme.gapWide
 
@@ -17,12 +27,14 @@ Row {
         caption: qsTr("IP address")
 
         DefaultTextField {
+            id: ipField
+
             objectName: "ipField"
             width: Theme.addressFieldWidth
             value: fields.manager.ip_address
-            problem: InputRules.AddressProblem(text)
+            problem: text.trim().length > 0 ? InputRules.AddressProblem(text.trim()) : ""
             label: parent.caption
-            hint: qsTr("Address of the lidar on the network")
+            hint: qsTr("Address of the lidar on the network; empty: learned from its packets")
             onCommitted: fields.manager.ip_address = text
         }
     }
@@ -31,10 +43,12 @@ Row {
         caption: qsTr("Port")
 
         DefaultTextField {
+            id: portField
+
             objectName: "portField"
             width: Theme.numberFieldWidth
             value: fields.manager.port
-            problem: InputRules.PortProblem(text)
+            problem: InputRules.PortProblem(text.trim())
             label: qsTr("Command port")
             hint: qsTr("TCP port on which the lidar takes commands, 1 to 65535")
             onCommitted: fields.manager.port = text
@@ -42,14 +56,18 @@ Row {
     }
 
     LabelledField {
+        id: hostPort
+
         visible: fields.manager.enableCmxClientHostPortUi
         caption: qsTr("Host port")
 
         DefaultTextField {
+            id: hostPortField
+
             objectName: "hostPortField"
             width: Theme.numberFieldWidth
             value: fields.manager.cmxClientHostPort
-            problem: InputRules.HostPortProblem(text)
+            problem: InputRules.HostPortProblem(text.trim())
             label: parent.caption
             hint: qsTr("Local TCP port of the connection: ANY, or 1024 to 65535")
             onCommitted: fields.manager.cmxClientHostPort = text

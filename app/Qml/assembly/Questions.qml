@@ -4,7 +4,7 @@ import Tevron 1.0
 // Everything that the window asks about, one question at a time.
 //
 // manager   the object that holds the values which a question may be about
-// confirmed(purpose)  the question that was asked for `purpose` was answered with yes
+// confirmed(purpose, argument)  the question that was asked for `purpose` was answered with yes
 // editsAnswered(answer, purpose, argument)  what becomes of unsaved edits: "save" or "discard"; the
 //           user who stays is not told of
 Item {
@@ -12,7 +12,7 @@ Item {
 
     property var manager
 
-    signal confirmed(string purpose)
+    signal confirmed(string purpose, var argument)
     signal editsAnswered(string answer, string purpose, var argument)
 
     readonly property var editsTitles: ({
@@ -58,6 +58,16 @@ Item {
                   "accept": qsTr("Reset"), "dangerous": true });
     }
 
+    // The lidar has taken network settings, and is reached there from its next restart on.
+    function askNextPlace(address, port, portNow) {
+        const place = port === portNow ? address : qsTr("%1, port %2").arg(address).arg(port);
+        box.ask({ "purpose": "place", "argument": { "address": address, "port": port },
+                  "title": qsTr("The lidar has taken network settings"),
+                  "message": qsTr("Once they are in force, the lidar is reached at %1.").arg(place),
+                  "advice": qsTr("Connecting waits there for a minute. Some lidars need a restart first: Stay leaves everything as it is, and the gear button restarts the lidar."),
+                  "accept": qsTr("Connect to %1").arg(place), "reject": qsTr("Stay") });
+    }
+
     function askClose(sending) {
         box.ask({ "purpose": "close", "title": qsTr("Close during the upgrade?"),
                   "message": sending ? qsTr("The firmware is being sent to the lidar.")
@@ -97,7 +107,7 @@ Item {
         onAnswered: {
             if (purpose !== "edits") {
                 if (answer === "accept" && purpose !== "")
-                    questions.confirmed(purpose);
+                    questions.confirmed(purpose, argument);
             } else if (answer !== "reject") {
                 questions.editsAnswered(answer === "accept" ? "save" : "discard", argument.purpose,
                                         argument.argument);

@@ -74,6 +74,7 @@ QtObject {
     readonly property int windowWidth: 325 * grid
     readonly property int windowHeight: 200 * grid
     readonly property int topBarHeight: 17 * grid
+    readonly property int linkStripHeight: 9 * grid
     readonly property int consoleWidth: 100 * grid
     readonly property int logHeight: 47 * grid
     readonly property int stripWidth: 9 * grid
@@ -123,5 +124,6 @@ QtObject {
     readonly property int fadeMs: 120
     readonly property int dragScrollMs: 30
     readonly property int noticeMs: 6000
+    readonly property int busyAfterMs: 150
     readonly property int spinMs: 1200
 }

@@ -1,0 +1,31 @@
+#pragma once
+
+#include <chrono>
+#include <optional>
+#include <string>
+
+#include "session/network_place.h"
+
+/// A connection that ended although nobody ended it.
+struct LinkLoss {
+  std::string reason;  ///< a sentence for the user
+  std::chrono::system_clock::time_point at;
+};
+
+/// How it stands with the connection, for whoever shows it.
+struct LinkSnapshot {
+  bool connected = false;
+  bool connecting = false;
+  bool awaiting = false;         ///< connecting to a lidar that restarts: it has until give_up_at
+  std::string place;             ///< of the connection or the last attempt, see PlaceText
+  std::string failure;           ///< of the last attempt, a sentence; "" while none is known
+  std::optional<LinkLoss> loss;  ///< until a lidar is connected, or another model chosen
+  std::optional<NetworkPlace> next_place;  ///< where the lidar is reached after its restart
+  int next_places = 0;                     ///< how often that has been told
+  std::chrono::system_clock::time_point give_up_at;
+  // The connected lidar, as far as it was read; "" while unread.
+  std::string part_number;
+  std::string serial_number;
+  std::string version;
+  std::optional<std::chrono::system_clock::time_point> read_at;  ///< the newest value in view
+};

@@ -1,0 +1,96 @@
+#include "link_watch.h"
+
+#include <QDateTime>
+
+#include "tevron_manager.h"
+
+namespace {
+
+constexpr int kLookEveryMs = 100;
+
+QString LocalTime(const std::chrono::system_clock::time_point& time) {
+  const auto since_epoch =
+      std::chrono::duration_cast<std::chrono::milliseconds>(time.time_since_epoch());
+  return QDateTime::fromMSecsSinceEpoch(since_epoch.count()).toString(QStringLiteral("hh:mm:ss"));
+}
+
+}  // namespace
+
+LinkWatch::LinkWatch(QObject* parent) : QObject(parent) {
+  timer_.setInterval(kLookEveryMs);
+  connect(&timer_, &QTimer::timeout, this, &LinkWatch::Look);
+}
+
+QObject* LinkWatch::manager() const { return manager_; }
+
+void LinkWatch::SetManager(QObject* manager) {
+  if (manager_ != nullptr) {
+    disconnect(manager_, nullptr, this, nullptr);
+  }
+  manager_ = qobject_cast<TevronManager*>(manager);
+  if (manager_ != nullptr) {
+    for (const auto news :
+         {&TevronManager::isConnectedChanged, &TevronManager::isUpgradingChanged,
+          &TevronManager::myMapChanged, &TevronManager::myTimerMapChanged,
+          &TevronManager::lumoLidarInfoChanged, &TevronManager::lidarModelChanged}) {
+      connect(manager_, news, this, &LinkWatch::Look);
+    }
+    now_ = manager_->LinkNow();
+  }
+  emit managerChanged();
+  Look();
+}
+
+QString LinkWatch::news() const {
+  if (now_.awaiting) {
+    return tr("Waiting until %2 for the lidar at %1, which restarts or has taken new settings.")
+        .arg(place(), LocalTime(now_.give_up_at));
+  }
+  if (!lost()) {
+    return {};
+  }
+  return now_.connecting ? tr("Connecting to %1.").arg(place())
+                         : tr("Connection to %1 lost at %2: %3")
+                               .arg(place(), LocalTime(now_.loss->at),
+                                    QString::fromStdString(now_.loss->reason));
+}
+
+QString LinkWatch::read_at() const { return now_.read_at ? LocalTime(*now_.read_at) : QString(); }
+
+void LinkWatch::AwaitLidar() {
+  if (manager_ != nullptr) {
+    manager_->AwaitLidar();
+    Look();
+  }
+}
+
+void LinkWatch::AwaitLidarAt(const QString& address, const QString& port) {
+  if (manager_ != nullptr) {
+    manager_->AwaitLidarAt({address.toStdString(), port.toStdString()});
+    Look();
+  }
+}
+
+void LinkWatch::Look() {
+  if (manager_ == nullptr) {
+    return;
+  }
+  const int places_before = now_.next_places;
+  now_ = manager_->LinkNow();
+  if (!now_.connecting && !manager_->UpgradeNow().running) {
+    timer_.stop();
+  } else if (!timer_.isActive()) {
+    timer_.start();
+  }
+  emit changed();
+  if (now_.next_places != places_before && now_.next_place) {
+    // Later, since what is written is read back before the window is free again.
+    QMetaObject::invokeMethod(
+        this,
+        [this, place = *now_.next_place] {
+          emit nextPlaceTold(QString::fromStdString(place.address),
+                             QString::fromStdString(place.port));
+        },
+        Qt::QueuedConnection);
+  }
+}

@@ -1,0 +1,75 @@
+#pragma once
+
+#include <QObject>
+#include <QPointer>
+#include <QString>
+#include <QTimer>
+
+#include "connection/link_snapshot.h"
+
+class TevronManager;
+
+/// What the screens show of the connection: whether one is made, was lost or is waited for, why an
+/// attempt failed, and who the connected lidar is. The manager announces neither the end of an
+/// attempt that failed nor that an upgrade connects, so that both are looked for ten times a second
+/// while there may be one, and not at all otherwise. GUI thread only.
+class LinkWatch : public QObject {
+  Q_OBJECT
+  /// The manager; anything else never connects.
+  Q_PROPERTY(QObject* manager READ manager WRITE SetManager NOTIFY managerChanged)
+  Q_PROPERTY(bool connecting READ connecting NOTIFY changed)
+  /// Connecting to a lidar that restarts.
+  Q_PROPERTY(bool awaiting READ awaiting NOTIFY changed)
+  /// The connection ended although nobody ended it, and there is none since.
+  Q_PROPERTY(bool lost READ lost NOTIFY changed)
+  /// What is waited for, or since when the connection is lost and why: a sentence; else empty.
+  Q_PROPERTY(QString news READ news NOTIFY changed)
+  /// Why the last attempt failed, a sentence with its place; empty while none is known.
+  Q_PROPERTY(QString failure READ failure NOTIFY changed)
+  /// The connected lidar; empty while unread.
+  Q_PROPERTY(QString partNumber READ part_number NOTIFY changed)
+  Q_PROPERTY(QString serialNumber READ serial_number NOTIFY changed)
+  Q_PROPERTY(QString version READ version NOTIFY changed)
+  /// How it is reached, or was last.
+  Q_PROPERTY(QString place READ place NOTIFY changed)
+  /// The local time of the newest value in view; empty without one.
+  Q_PROPERTY(QString readAt READ read_at NOTIFY changed)
+
+ public:
+  explicit LinkWatch(QObject* parent = nullptr);
+
+  QObject* manager() const;
+  void SetManager(QObject* manager);
+
+  bool connecting() const { return now_.connecting; }
+  bool awaiting() const { return now_.awaiting; }
+  bool lost() const { return now_.loss.has_value() && !now_.connected; }
+  QString news() const;
+  QString failure() const { return QString::fromStdString(now_.failure); }
+  QString part_number() const { return QString::fromStdString(now_.part_number); }
+  QString serial_number() const { return QString::fromStdString(now_.serial_number); }
+  QString version() const { return QString::fromStdString(now_.version); }
+  QString place() const { return QString::fromStdString(now_.place); }
+  QString read_at() const;
+
+  /// The connected lidar restarts: connects again when it is back.
+  Q_INVOKABLE void AwaitLidar();
+  /// The same for a lidar that is reached there from now on.
+  Q_INVOKABLE void AwaitLidarAt(const QString& address, const QString& port);
+
+ public slots:
+  /// Looks now.
+  void Look();
+
+ signals:
+  void managerChanged();
+  void changed();
+  /// The lidar took network settings: after its restart it is reached there. Told when whoever sent
+  /// them has done.
+  void nextPlaceTold(const QString& address, const QString& port);
+
+ private:
+  QPointer<TevronManager> manager_;
+  LinkSnapshot now_;
+  QTimer timer_;
+};
