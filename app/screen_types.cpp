@@ -3,6 +3,9 @@
 #include <QtQml>
 
 #include "clipboard.h"
+#include "command_favourites.h"
+#include "command_names.h"
+#include "console_words.h"
 #include "download_watch.h"
 #include "input_rules.h"
 #include "link_watch.h"
@@ -30,6 +33,10 @@ void RegisterScreenTypes() {
   qmlRegisterType<PageRows>("Tevron", 1, 0, "PageRows");
   qmlRegisterType<PathDialog>("Tevron", 1, 0, "PathDialog");
   qmlRegisterType<Clipboard>("Tevron", 1, 0, "Clipboard");
+  qmlRegisterType<CommandFavourites>("Tevron", 1, 0, "CommandFavourites");
+  qmlRegisterType<CommandNames>("Tevron", 1, 0, "CommandNames");
+  qmlRegisterSingletonType<ConsoleWords>("Tevron", 1, 0, "ConsoleWords",
+                                         [](QQmlEngine*, QJSEngine*) { return new ConsoleWords; });
   qmlRegisterSingletonType<InputRules>("Tevron", 1, 0, "InputRules",
                                        [](QQmlEngine*, QJSEngine*) { return new InputRules; });
   qmlRegisterType<LinkWatch>("Tevron", 1, 0, "LinkWatch");

@@ -200,21 +200,33 @@ TEST_F(ScreensTest, SendsCommandsByHandAndRecallsThem) {
   EXPECT_EQ(screen_.Find("logLine"), nullptr);
   screen_.Click("bytesFlowSwitch");
   screen_.TypeInto("consoleCommand", "0x11");
+  EXPECT_TRUE(screen_.Text("consoleNote").startsWith("0x11 reads Scan: Spin Rate, "));
   screen_.Key(Qt::Key_Return);
   EXPECT_TRUE(screen_.Text("replyHeader").startsWith("47 74 11 "));
   EXPECT_TRUE(screen_.Text("replyPayload").startsWith("02 58 "));  // 600 rpm
+  EXPECT_TRUE(screen_.Text("consoleVerdict").startsWith("0x11 answered, "));
   EXPECT_TRUE(WaitFor([&] { return screen_.LogText().contains("[BYTESFLOW] RECV: 47 74 11"); }));
 
-  screen_.TypeInto("consoleCommand", "07");
+  screen_.TypeInto("consoleCommand", "99");
   screen_.TypeInto("consolePayload", "01 02");
   screen_.Click("consoleSend");
+  EXPECT_EQ(screen_.Text("consoleVerdict"), "0x99 refused: 1 unknown command");
   screen_.Click("consoleCommand");
   screen_.Key(Qt::Key_Up);
+  screen_.Key(Qt::Key_Up);
+  EXPECT_EQ(screen_.Text("consoleCommand"), "0x11");
+  EXPECT_TRUE(screen_.Text("replyPayload").startsWith("02 58 ")) << "it has its reply back";
+  screen_.Key(Qt::Key_Down);
   EXPECT_EQ(screen_.Text("consolePayload"), "01 02");
   screen_.Click("history_1_copy");
   EXPECT_EQ(QGuiApplication::clipboard()->text(), "0x11");
   screen_.Click("history_1_send");
   EXPECT_EQ(screen_.Value("consoleHistory", "count").toInt(), 3);
+
+  screen_.Click("connectButton");
+  screen_.Click("history_0_send");
+  EXPECT_EQ(screen_.Text("consoleVerdict"), "Not sent: Please connect to lidar first");
+  EXPECT_EQ(screen_.Text("replyHeader"), QString()) << "no old reply beside it";
 }
 
 TEST_F(ScreensTest, RestartsTheLidarOnlyAfterAQuestion) {

@@ -1,48 +1,62 @@
 import QtQuick 2.15
 import QtQuick.Layouts 1.15
-import QtQuick.Templates 2.15 as T
+import Tevron 1.0
 import "../controls"
 import "../theme"
 
-// The command console: a command and a payload in hexadecimal, the reply, and the last commands.
-// Up and Down in either field walk through the history.
+// The command console: a command and a payload in hexadecimal, the reply with its verdict in words,
+// and the commands at hand. Up and Down in either field walk through the history.
 //
-// replyHeader, replyPayload, commandCount, history   what to show; an entry of `history` has
-//                                       record_time, send_cmd_history and send_payload_history
-// sendRequested(command, payload)       the user wants to send
-// copyRequested(text)                   the user wants the text on the clipboard
-// foldWanted()                          the user wants the console out of the way
+// manager               the object that sends, and holds the history and the model's variables
+// copyRequested(text)   the user wants the text on the clipboard
+// logged(text, tag)     a line for the log
+// refused(reason)       what the user wanted cannot be done
+// foldWanted()          the user wants the console out of the way
 FocusScope {
     id: widget
 
-    property string replyHeader: ""
-    property string replyPayload: ""
-    property int commandCount: 0
-    property var history: []
-    // The history entry that the fields show; -1: what the user typed.
-    property int recalled: -1
+    property var manager
+    property var colorOf: tag => Theme.textColor
 
-    signal sendRequested(string command, string payload)
     signal copyRequested(string text)
+    signal logged(string text, string tag)
+    signal refused(string reason)
     signal foldWanted()
 
-    function send() {
-        sendRequested(commandField.text, payloadField.text);
+    function send(command, payload) {
+        control.send(command, payload);
     }
 
+    function fill(command, payload) {
+        fields.command = command;
+        fields.payload = payload;
+    }
+
+    // Shows an entry of the history with its reply; -1 empties the fields.
     function recall(entry) {
-        if (entry < -1 || entry >= history.length)
+        if (entry < -1 || entry >= control.history.length)
             return;
-        recalled = entry;
-        commandField.text = entry < 0 ? "" : history[entry].send_cmd_history;
-        payloadField.text = entry < 0 ? "" : history[entry].send_payload_history;
+        control.chosen = entry;
+        fill(entry < 0 ? "" : control.history[entry].send_cmd_history,
+             entry < 0 ? "" : control.history[entry].send_payload_history);
     }
 
-    function textOf(entry) {
-        return (entry.send_cmd_history + " " + entry.send_payload_history).trim();
-    }
+    CommandControl {
+        id: control
 
-    onHistoryChanged: recalled = -1
+        manager: widget.manager
+    }
+    CommandNames {
+        id: names
+
+        manager: widget.manager
+    }
+    SaveText {
+        id: saver
+
+        onSaved: widget.logged(qsTr("The command history is saved: %1").arg(path), "INFO")
+        onRefused: widget.refused(reason)
+    }
 
     ColumnLayout {
         anchors.fill: parent
@@ -55,7 +69,7 @@ FocusScope {
             SectionTitle {
                 Layout.fillWidth: true
                 text: qsTr("Command console")
-                description: qsTr("Commands logged: %1").arg(widget.commandCount)
+                description: qsTr("Commands logged: %1").arg(widget.manager.CommandLogCnt)
             }
             DefaultToolButton {
                 objectName: "consoleFold"
@@ -66,95 +80,61 @@ FocusScope {
             }
         }
 
-        RowLayout {
-            spacing: Theme.gap
+        CommandFields {
+            id: fields
 
-            DefaultTextField {
-                id: commandField
-
-                objectName: "consoleCommand"
-                Layout.preferredWidth: Theme.fieldWidth / 2
-                focus: true
-                font: Theme.codeFont
-                placeholderText: qsTr("Command")
-                label: qsTr("Command code in hexadecimal")
-                hint: qsTr("Command code in hexadecimal, like 0x07; Up and Down recall")
-                Keys.onUpPressed: widget.recall(widget.recalled + 1)
-                Keys.onDownPressed: widget.recall(widget.recalled - 1)
-                onAccepted: widget.send()
-            }
-            DefaultTextField {
-                id: payloadField
-
-                objectName: "consolePayload"
-                Layout.fillWidth: true
-                font: Theme.codeFont
-                placeholderText: qsTr("Payload bytes")
-                label: qsTr("Payload bytes in hexadecimal, separated by blanks")
-                hint: qsTr("Payload bytes in hexadecimal, separated by blanks, like 01 ff; "
-                           + "Up and Down recall")
-                Keys.onUpPressed: widget.recall(widget.recalled + 1)
-                Keys.onDownPressed: widget.recall(widget.recalled - 1)
-                onAccepted: widget.send()
-            }
-            DefaultButton {
-                objectName: "consoleSend"
-                text: qsTr("Send")
-                hint: qsTr("Send the command to the lidar (Enter)")
-                onClicked: widget.send()
-            }
+            Layout.fillWidth: true
+            nameOf: names.Of
+            onSendWanted: widget.send(command, payload)
+            onKeepWanted: lists.keep(command, payload, name.split(":")[0])
+            onRecallWanted: widget.recall(control.chosen + step)
         }
 
+        PlainText {
+            objectName: "consoleVerdict"
+            Layout.fillWidth: true
+            text: control.chosen < 0 ? control.verdict
+                : qsTr("%1 (from the history)").arg(control.verdict)
+            color: widget.colorOf(control.tag)
+            wrapMode: Text.Wrap
+            Accessible.role: Accessible.StaticText
+            Accessible.name: text
+        }
         ReplyText {
             objectName: "replyHeader"
             Layout.fillWidth: true
             Layout.preferredHeight: Theme.smallControlHeight + Theme.gapTiny
             caption: qsTr("Reply header")
-            text: widget.replyHeader
+            text: control.header
         }
         ReplyText {
+            id: replyBytes
+
             objectName: "replyPayload"
             Layout.fillWidth: true
             Layout.fillHeight: true
             Layout.minimumHeight: 2 * Theme.controlHeight
             caption: qsTr("Reply payload")
-            text: widget.replyPayload
+            text: control.payload
+            layOut: columns => ConsoleWords.Dump(replyBytes.text, columns >= longLine ? 16 : 8)
+            // Characters of a line of 16 bytes: its place, the bytes, what they stand for.
+            readonly property int longLine: 71
         }
 
-        PlainText {
-            text: qsTr("History")
-            font: Theme.boldFont
-        }
+        CommandLists {
+            id: lists
 
-        ListView {
-            id: historyView
-
-            objectName: "consoleHistory"
             Layout.fillWidth: true
-            Layout.preferredHeight: 5 * Theme.smallControlHeight
-            clip: true
-            activeFocusOnTab: count > 0
-            model: widget.history
-            boundsBehavior: Flickable.StopAtBounds
-            T.ScrollBar.vertical: DefaultScrollBar {}
-
-            Accessible.role: Accessible.Table
-            Accessible.name: qsTr("Command history")
-
-            delegate: HistoryRow {
-                required property int index
-                required property var modelData
-
-                width: ListView.view.width
-                objectName: "history_" + index
-                time: modelData.record_time
-                text: widget.textOf(modelData)
-                current: index === widget.recalled
-                onRecalled: widget.recall(index)
-                onSentAgain: widget.sendRequested(modelData.send_cmd_history,
-                                                    modelData.send_payload_history)
-                onCopied: widget.copyRequested(text)
-            }
+            Layout.fillHeight: true
+            Layout.maximumHeight: 12 * Theme.smallControlHeight
+            history: control.history
+            current: control.chosen
+            onRecalled: widget.recall(entry)
+            onFilled: widget.fill(command, payload)
+            onSent: widget.send(command, payload)
+            onCopied: widget.copyRequested(text)
+            onSaveWanted: saver.save(qsTr("Save the command history"), "Tevron_commands_%1.txt",
+                                     control.historyText())
         }
     }
 }

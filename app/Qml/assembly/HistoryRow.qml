@@ -2,23 +2,27 @@ import QtQuick 2.15
 import "../controls"
 import "../theme"
 
-// One entry of the command history: a click puts it into the fields; it can be sent again and
-// copied.
+// One command of a list: a click puts it into the fields; it can be sent again, and copied or
+// removed.
+//
+// title      its time or its name; text   the command with its payload
 Item {
     id: entry
 
-    property string time: ""
+    property string title: ""
     property string text: ""
     property bool current: false
+    property bool removable: false
 
     signal recalled()
     signal sentAgain()
     signal copied()
+    signal removed()
 
     implicitHeight: Theme.smallControlHeight
 
     Accessible.role: Accessible.Row
-    Accessible.name: time + " " + text
+    Accessible.name: title + " " + text
 
     Rectangle {
         anchors.fill: parent
@@ -39,7 +43,7 @@ Item {
         anchors.leftMargin: Theme.gap
         anchors.right: buttons.left
         anchors.verticalCenter: parent.verticalCenter
-        text: entry.time.substring(entry.time.indexOf(" ") + 1) + "  " + entry.text
+        text: entry.title + "  " + entry.text
         font: Theme.codeFont
         elide: Text.ElideRight
     }
@@ -56,16 +60,26 @@ Item {
             height: entry.height
             font: Theme.captionFont
             text: qsTr("Send")
-            hint: qsTr("Send this command again")
+            label: qsTr("Send %1 again").arg(entry.text)
             onClicked: entry.sentAgain()
         }
         DefaultToolButton {
             objectName: entry.objectName + "_copy"
             height: entry.height
+            visible: !entry.removable
             font: Theme.captionFont
             text: qsTr("Copy")
-            hint: qsTr("Copy this command to the clipboard")
+            label: qsTr("Copy %1").arg(entry.text)
             onClicked: entry.copied()
+        }
+        DefaultToolButton {
+            objectName: entry.objectName + "_remove"
+            height: entry.height
+            visible: entry.removable
+            font: Theme.captionFont
+            text: qsTr("Remove")
+            label: qsTr("Remove the favourite %1").arg(entry.title)
+            onClicked: entry.removed()
         }
     }
 }

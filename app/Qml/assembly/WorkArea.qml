@@ -47,13 +47,6 @@ FocusScope {
 
     property Item cameFrom: null
 
-    function sendCommand(command, payload) {
-        if (manager.IsConnected)
-            manager.SendCommand(command, payload);
-        else
-            refused(qsTr("Please connect to lidar first"));
-    }
-
     WindowState { id: kept }
 
     Shortcut {
@@ -115,11 +108,10 @@ FocusScope {
                     T.SplitView.preferredWidth: kept.consoleWidth || Theme.consoleWidth
                     T.SplitView.minimumWidth: Theme.consoleMinimumWidth
                     T.SplitView.maximumWidth: columns.width - Theme.pageMinimumWidth - Theme.gapTiny
-                    replyHeader: area.manager.SendCmxCommandReturnHeader
-                    replyPayload: area.manager.SendCmxCommandReturnPayload
-                    commandCount: area.manager.CommandLogCnt
-                    history: area.manager.SendCommandHistory
-                    onSendRequested: area.sendCommand(command, payload)
+                    manager: area.manager
+                    colorOf: logWindow.colorOf
+                    onLogged: logWindow.append(text, tag)
+                    onRefused: area.refused(reason)
                     onCopyRequested: logWindow.copyText(text)
                     onFoldWanted: area.showConsole(false)
                 }

@@ -3,11 +3,14 @@ import QtQuick.Templates 2.15 as T
 import "../theme"
 
 // Bytes of a reply: they can be selected and copied, not changed.
+//
+// layOut(columns)   a function that gives the bytes as lines of at most so many characters
 FocusScope {
     id: reply
 
     property string caption: ""
     property string text: ""
+    property var layOut: columns => text
 
     Rectangle {
         anchors.fill: parent
@@ -17,6 +20,13 @@ FocusScope {
         border.color: Theme.outlineColor
 
         FocusRing { shown: edit.activeFocus }
+    }
+
+    TextMetrics {
+        id: digit
+
+        font: Theme.codeFont
+        text: "0"
     }
 
     Flickable {
@@ -39,8 +49,9 @@ FocusScope {
             activeFocusOnTab: true
             readOnly: true
             selectByMouse: true
-            text: reply.text
+            text: reply.layOut(Math.floor(width / digit.advanceWidth))
             font: Theme.codeFont
+            textFormat: TextEdit.PlainText
             color: Theme.textColor
             selectionColor: Theme.selectionColor
             selectedTextColor: Theme.textColor
