@@ -9,6 +9,7 @@
 
 #include "auth/auth_algorithm.h"
 #include "auth/auth_keys.h"
+#include "manager/manager_fixture.h"
 #include "support/bytes.h"
 #include "support/child_process.h"
 #include "support/test_install.h"
@@ -17,6 +18,7 @@
 namespace {
 
 constexpr char kWireFormats[] = TEVRON_SOURCE "/docs/wire-formats.md";
+constexpr char kModels[] = TEVRON_SOURCE "/docs/models.md";
 constexpr char kVirtualLidar[] = TEVRON_SOURCE "/docs/virtual-lidar.md";
 
 std::string ReadAll(const std::string& path) {
@@ -115,6 +117,46 @@ TEST(VirtualLidarPage, NamesEveryOptionAndItsExamplesRun) {
     EXPECT_TRUE(lidar.Prints("listening on ") || lidar.ExitCode() == 0)
         << lidar.Output().toStdString();
   }
+}
+
+class Models : public ManagerFixture {
+ protected:
+  /// Writes the files that the page shows to where it says that they belong.
+  Models() {
+    const std::string page = ReadAll(kModels);
+    const std::regex file("`(Config/[^`]*)`\n\n```csv\n([^`]*)```");
+    for (std::sregex_iterator i(page.begin(), page.end(), file); i != std::sregex_iterator(); ++i) {
+      install_.Write((*i)[1], (*i)[2]);
+      ++files_;
+    }
+  }
+
+  int files_ = 0;
+};
+
+TEST_F(Models, ThePageMakesAModelThatWorks) {
+  ASSERT_EQ(files_, 4);
+  ChildProcess checker(TEVRON_VIRTUAL_LIDAR, {"--config", "./Config", "--check-tables", "Heron"});
+  EXPECT_EQ(checker.ExitCode(), 0);
+  EXPECT_TRUE(checker.Output().contains("1 model checked: no fault, no warning"))
+      << checker.Output().toStdString();
+
+  const VirtualLidarProcess lidar({"--model", "Heron", "--seed", "0"});
+  manager_->InitConfigFileParser("Heron");
+  EXPECT_EQ(manager_->level1List(), (QVariantList{"Lidar", "Health", "Upgrade"}));
+  ASSERT_TRUE(ConnectTo(lidar));
+  OpenPage("Lidar");
+  EXPECT_EQ(Text("Start Azimuth"), "90.00");
+  Edit("Start Azimuth", "45");
+  Save("Lidar");
+  EXPECT_EQ(lidar.Held("Start Azimuth", "hex"), "00 5a");
+  EXPECT_TRUE(WaitFor([&] { return lidar.Output().contains("0xE0 (16 bytes)"); })) << "protected";
+
+  manager_->selectMonitorHwVersion("R1");
+  OpenPage("Health");
+  EXPECT_EQ(Text("Motor Current"), "0.42");
+  EXPECT_EQ(manager_->DownloadLog(QUrl::fromLocalFile(install_.path().c_str()), "Event Log"), 0);
+  EXPECT_TRUE(TakeErrors().isEmpty());
 }
 
 }  // namespace
