@@ -53,7 +53,7 @@ MainWindow::~MainWindow() {
 
 void MainWindow::closeEvent(QCloseEvent* event) {
   QObject* scene = view_->rootObject();
-  if (!asks_before_closing_ || scene == nullptr || !manager_->UpgradeNow().running) {
+  if (!asks_before_closing_ || scene == nullptr || IsSafeToClose(*scene)) {
     QMainWindow::closeEvent(event);
     return;
   }
@@ -61,6 +61,10 @@ void MainWindow::closeEvent(QCloseEvent* event) {
   // The question is answered from the keyboard, which is the window's until something is clicked.
   view_->requestActivate();
   QMetaObject::invokeMethod(scene, "askToClose");
+}
+
+bool MainWindow::IsSafeToClose(const QObject& scene) const {
+  return !manager_->UpgradeNow().running && !scene.property("hasEdits").toBool();
 }
 
 // A desktop without a window manager gives the keyboard to nobody, so the window takes it.

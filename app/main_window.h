@@ -18,7 +18,7 @@ class MainWindow;
 /// all screens talk to, publishes it to the scene as "tevron_manager", and takes it down again: the
 /// form first, then the scene, then the manager, so that no screen outlives what it is bound to.
 ///
-/// Closing it while an upgrade runs is asked about first.
+/// Closing it while an upgrade runs, or with edits that are not saved, is asked about first.
 ///
 /// Data folders are looked for in the current directory, which has to be the install root.
 class MainWindow : public QMainWindow {
@@ -40,6 +40,7 @@ class MainWindow : public QMainWindow {
 
  private:
   void HostScene();
+  bool IsSafeToClose(const QObject& scene) const;
   void WatchKeyboard(const QWindow* focused);
   void AskForKeyboard();
 

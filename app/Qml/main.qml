@@ -11,6 +11,21 @@ FocusScope {
     readonly property var manager: tevron_manager
     readonly property string programName: "Tevron"
     property string modelName: ""
+    // Something was changed that the lidar has not got.
+    readonly property bool hasEdits: pages.hasEdits
+
+    // What follows once nothing speaks against it any more, by its purpose.
+    readonly property var actions: ({
+        "save": () => pages.write(),
+        "restart": () => link.restart(),
+        "reset": () => manager.Reset(),
+        "place": there => link.connectTo(there.address, there.port),
+        "tab": tab => pages.selectTab(tab),
+        "model": name => chooseModel(name),
+        "disconnect": () => link.toggle(),
+        "upgrading": () => leave("close"),
+        "close": () => closeConfirmed()
+    })
 
     // The user knows what closing the window costs and wants it.
     signal closeConfirmed()
@@ -20,41 +35,52 @@ FocusScope {
     implicitHeight: Theme.windowHeight
     focus: true
 
+    // Does something that would lose what was typed on the page, once the user has settled that.
+    function leave(purpose, argument) {
+        if (pages.hasEdits)
+            messages.askEdits(purpose, argument);
+        else
+            go(purpose, argument);
+    }
+
+    function settleAndGo(answer, purpose, argument) {
+        if (answer === "discard")
+            pages.discard();
+        if (answer === "discard" || pages.settle())
+            go(purpose, argument);
+    }
+
+    function go(purpose, argument) {
+        actions[purpose](argument);
+    }
+
     function chooseModel(name) {
         work.log("Current selected model is " + name, "INFO");
         modelName = name;
         manager.InitConfigFileParser(name);
     }
 
-    // The window is to be closed, which an upgrade would not survive.
+    // The window is to be closed, which neither an upgrade nor an edit would survive.
     function askToClose() {
-        messages.askClose(upgradeControl.sending);
+        if (upgradeControl.running)
+            messages.askClose(upgradeControl.sending);
+        else
+            leave("close");
+    }
+
+    // Edits outlive a connection that comes or breaks; after one that the user ends nothing can
+    // take them any more.
+    function connectOrDisconnect() {
+        if (manager.IsConnected && !manager.IsUpgrading && !link.connecting)
+            leave("disconnect");
+        else
+            link.toggle();
     }
 
     // With the same settings as before; what is connected or connecting stays so.
     function reconnect() {
         if (!manager.IsConnected && !link.connecting)
             connectionBar.connectOrDisconnect();
-    }
-
-    function confirmed(purpose, argument) {
-        switch (purpose) {
-        case "save":
-            pages.write();
-            break;
-        case "restart":
-            link.restart();
-            break;
-        case "place":
-            link.connectTo(argument.address, argument.port);
-            break;
-        case "reset":
-            manager.Reset();
-            break;
-        case "close":
-            closeConfirmed();
-            break;
-        }
     }
 
     Component.onCompleted: modelName = manager.getPVNowName() || "Orca"
@@ -108,8 +134,8 @@ FocusScope {
         manager: window.manager
         modelName: window.modelName
         connecting: link.connecting
-        onModelChosen: window.chooseModel(name)
-        onConnectClicked: link.toggle()
+        onModelChosen: window.leave("model", name)
+        onConnectClicked: window.connectOrDisconnect()
         onCancelClicked: link.cancel()
         onRestartWanted: messages.askRestart()
         onResetWanted: messages.askReset()
@@ -148,7 +174,7 @@ FocusScope {
             onRefused: messages.refuse(reason)
             onConfirmationWanted: messages.askSave(names)
             onRestartWanted: messages.askRestart()
-            onLeaveAsked: pages.selectTab(tab)
+            onLeaveAsked: window.leave("tab", tab)
         }
     }
 
@@ -164,7 +190,8 @@ FocusScope {
         watch: link.watch
         programName: window.programName
         modelName: window.modelName
+        onEditsAnswered: window.settleAndGo(answer, purpose, argument)
         onLogged: work.log(text, tag)
-        onConfirmed: window.confirmed(purpose, argument)
+        onConfirmed: window.go(purpose, argument)
     }
 }

@@ -124,8 +124,32 @@ TEST_F(ScreensTest, WritesWhatIsTypedAndMarksItUntilItIsSaved) {
   ConnectOnTab(kScanTab);
   screen_.TypeInto(kMaximumDistance, "78");
   screen_.Click("tab1");
+  ASSERT_TRUE(screen_.WaitForBox("What you changed on this page is not saved."));
+  ASSERT_TRUE(WaitFor([&] { return screen_.Find("dialogReject")->hasActiveFocus(); }));
+  screen_.Key(Qt::Key_Return);
+  ASSERT_TRUE(WaitFor([&] { return screen_.BoxMessage().isEmpty(); }));
+  EXPECT_EQ(screen_.Text(kMaximumDistance), "78") << "whoever stays loses nothing";
+  screen_.Click("tab1");
+  ASSERT_TRUE(screen_.WaitForBox("What you changed on this page is not saved."));
+  screen_.Click("dialogOther");
+  ASSERT_TRUE(WaitFor([&] { return screen_.Value("pageTabs", "currentIndex").toInt() == 1; }));
+  ASSERT_TRUE(WaitFor([&] { return screen_.BoxMessage().isEmpty(); }));
   screen_.Click(kScanTab);
-  EXPECT_EQ(screen_.Text(kMaximumDistance), "200") << "leaving a tab drops its edits";
+  EXPECT_EQ(screen_.Text(kMaximumDistance), "200");
+
+  screen_.TypeInto(kMaximumDistance, "90");
+  screen_.Ask("askToClose");
+  ASSERT_TRUE(screen_.WaitForBox("What you changed on this page is not saved."));
+  screen_.Key(Qt::Key_Escape);
+  ASSERT_TRUE(WaitFor([&] { return screen_.BoxMessage().isEmpty(); }));
+  screen_.Click("connectButton");
+  ASSERT_TRUE(screen_.WaitForBox("What you changed on this page is not saved."));
+  screen_.Click("dialogAccept");
+  ASSERT_TRUE(WaitFor([&] { return !screen_.connected(); }));
+  EXPECT_EQ(lidar_.Held("Maximum Distance"), "90") << "saved before it is let go";
+  ASSERT_TRUE(WaitFor([&] { return screen_.BoxMessage().isEmpty(); }));
+  screen_.Click("connectButton");
+  ASSERT_TRUE(WaitFor([&] { return screen_.connected(); }));
 
   screen_.TypeInto(kMinimumDistance, "50");
   EXPECT_TRUE(screen_.Value(kMinimumDistance, "pending").toBool());
@@ -134,7 +158,7 @@ TEST_F(ScreensTest, WritesWhatIsTypedAndMarksItUntilItIsSaved) {
   screen_.Key(Qt::Key_S, Qt::ControlModifier);
   ASSERT_TRUE(screen_.WaitForNotice("Set Lidar Successfully"));
   EXPECT_EQ(lidar_.Held("Minimum Distance"), "50");
-  EXPECT_EQ(lidar_.Held("Maximum Distance"), "200") << "a field beside it keeps its value";
+  EXPECT_EQ(lidar_.Held("Maximum Distance"), "90") << "a field beside it keeps its value";
   EXPECT_EQ(screen_.Text(kMinimumDistance), "50");
   EXPECT_FALSE(screen_.Value(kMinimumDistance, "pending").toBool());
   EXPECT_TRUE(WaitFor([&] { return screen_.LogText().contains("[SUCCESS]"); }));

@@ -71,7 +71,12 @@ FocusScope {
                 label: qsTr("Lidar model")
                 hint: enabled ? qsTr("Choose the model of the lidar before connecting")
                               : qsTr("The model cannot be changed now")
-                onChosen: bar.modelChosen(model[index])
+                // What is chosen comes back with modelName, unless something speaks against it.
+                onChosen: {
+                    const name = model[index];
+                    revert();
+                    bar.modelChosen(name);
+                }
             }
         }
 

@@ -18,7 +18,6 @@ Item {
     readonly property var editsTitles: ({
         "tab": qsTr("Leave the page with unsaved edits?"),
         "model": qsTr("Choose another model with unsaved edits?"),
-        "connect": qsTr("Connect with unsaved edits?"),
         "disconnect": qsTr("Disconnect with unsaved edits?"),
         "close": qsTr("Close the window with unsaved edits?")
     })
@@ -69,7 +68,7 @@ Item {
     }
 
     function askClose(sending) {
-        box.ask({ "purpose": "close", "title": qsTr("Close during the upgrade?"),
+        box.ask({ "purpose": "upgrading", "title": qsTr("Close during the upgrade?"),
                   "message": sending ? qsTr("The firmware is being sent to the lidar.")
                            : qsTr("The upgrade is not over: the lidar has to restart and to tell what it runs then."),
                   "advice": sending ? qsTr("Closing breaks the transfer off, and nothing here will tell which firmware the lidar runs then.")
