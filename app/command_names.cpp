@@ -58,6 +58,29 @@ QHash<uint8_t, QString> BuiltIn() {
            CommandNames::tr("a long command, whose bytes stand at the head of the payload")}};
 }
 
+// Those that serial-attached lidars know besides, which have no variables.
+QHash<uint8_t, QString> BuiltInOfSerial() {
+  using namespace kavel::lidar;
+  return {{kCmdGetBaudRate, CommandNames::tr("reads the baud rate")},
+          {kCmdSetBaudRate, CommandNames::tr("writes the baud rate")},
+          {kCmdGetDestination, CommandNames::tr("reads where the points are sent")},
+          {kCmdSetDestination, CommandNames::tr("writes where the points are sent")},
+          {kCmdGetNet, CommandNames::tr("reads the network settings")},
+          {kCmdSetNet, CommandNames::tr("writes the network settings")},
+          {kCmdSetReturnMode, CommandNames::tr("writes the return mode")},
+          {kCmdSetSpinRate, CommandNames::tr("writes the spin rate")},
+          {kCmdSetStandby, CommandNames::tr("writes standby")},
+          {kCmdSetImuRange, CommandNames::tr("writes the ranges of the IMU")},
+          {kCmdGetPblVersion, CommandNames::tr("reads the PBL version")},
+          {kCmdGetSerialNumber, CommandNames::tr("reads the serial number")},
+          {kCmdGetPartNumber, CommandNames::tr("reads the part number")},
+          {kCmdGetVersions, CommandNames::tr("reads the versions")},
+          {kCmdGetFunctionSafety, CommandNames::tr("reads the function safety")},
+          {kCmdGetStatus, CommandNames::tr("reads the status")},
+          {kCmdGetPartition, CommandNames::tr("reads the partition")},
+          {kCmdGetCalibration, CommandNames::tr("reads the calibration")}};
+}
+
 }  // namespace
 
 void CommandNames::SetManager(QObject* manager) {
@@ -97,7 +120,10 @@ void CommandNames::Read() {
   for (auto command = writes.begin(); command != writes.end(); ++command) {
     names_[command.key()] = Described(tr("writes"), *command);
   }
-  const QHash<uint8_t, QString> built_in = BuiltIn();
+  QHash<uint8_t, QString> built_in = BuiltIn();
+  if (manager_ != nullptr && manager_->property("connectType").toInt() != 0) {
+    built_in.insert(BuiltInOfSerial());
+  }
   for (auto command = built_in.begin(); command != built_in.end(); ++command) {
     names_[command.key()] = *command;
   }

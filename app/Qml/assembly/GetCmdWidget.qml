@@ -114,6 +114,7 @@ FocusScope {
             Layout.fillWidth: true
             Layout.fillHeight: true
             Layout.minimumHeight: 2 * Theme.controlHeight
+            Layout.preferredHeight: 6 * Theme.controlHeight
             caption: qsTr("Reply payload")
             text: control.payload
             layOut: columns => ConsoleWords.Dump(replyBytes.text, columns >= longLine ? 16 : 8)
