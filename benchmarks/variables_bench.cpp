@@ -30,8 +30,8 @@ const std::string& TableWithRows(int64_t rows) {
           "GetCmdPayload\n";
   for (int64_t i = 0; i < rows; ++i) {
     const std::string group = std::to_string(i / 50 + 1);
-    file << group << ',' << i % 50 << ",0x" << std::hex << i / 1000 + 0x100 << ",0x"
-         << i / 1000 + 0x800 << std::dec << ',' << i + 1 << ",Variable of the table " << i
+    file << group << ',' << i % 50 << ",0x" << std::hex << i / 1000 + 0x1000 << ",0x"
+         << i / 1000 + 0x2000 << std::dec << ',' << i + 1 << ",Variable of the table " << i
          << ",1,uint16,2.50," << (i % 4 == 0 ? "1..900" : "") << ",mm,0.5,,Page " << i * 8 / rows
          << ",2,0,," << (i % 10 == 0 ? "0x0102" : "") << '\n';
   }

@@ -2,6 +2,7 @@
 
 #include <exception>
 #include <limits>
+#include <stdexcept>
 
 #include "CmxClient/cmx_client.h"
 #include "CmxClient/device_commands.h"
@@ -248,6 +249,9 @@ int32_t Maintenance::Send(const TableCommandTexts& texts, const ConfigParser& ta
   std::string why;
   int32_t reason = 0;
   try {
+    if (!var->write->obstacle.empty()) {
+      throw std::runtime_error(var->write->obstacle);
+    }
     const WireCommand command = WireCommandOf(var->set_cmd, var->write->fixed_payload);
     std::vector<uint8_t> reply;
     if (link_.sender->QueryCommand(command.payload, reply, command.code, false, &reason) == 0) {
@@ -257,7 +261,7 @@ int32_t Maintenance::Send(const TableCommandTexts& texts, const ConfigParser& ta
       return 0;
     }
     why = CmxClient::ErrorText(reason);
-  } catch (const std::exception& e) {  // the table's command text is no code
+  } catch (const std::exception& e) {  // the table is wrong here
     why = e.what();
   }
   Fail(texts.failure + why, failure != nullptr);

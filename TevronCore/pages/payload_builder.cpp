@@ -14,7 +14,10 @@ void Append(const std::vector<uint8_t>& bytes, std::vector<uint8_t>* payload) {
 }
 
 std::vector<uint8_t> Convert(const VarInfo& var, const std::string& text) {
-  const std::unique_ptr<StrParser> parser = CreateStrParser(var.var_type);
+  std::unique_ptr<StrParser> parser = CreateStrParser(var.var_type);
+  if (var.value_type->kind == ValueKind::kUnknown) {
+    parser.reset();  // the table does not say what the number would be multiplied with
+  }
   if (parser == nullptr) {
     qDebug().noquote() << "(): This var_type" << '"' + QString::fromStdString(var.var_type) + '"'
                        << "is not supported currently.";

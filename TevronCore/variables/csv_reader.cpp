@@ -10,6 +10,8 @@
 #include <new>
 #include <stdexcept>
 
+#include "variables/utf8_text.h"
+
 namespace {
 
 constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
@@ -21,9 +23,13 @@ constexpr size_t kBite = 4096;
 constexpr char kMisplacedQuote[] =
     "a quotation mark stands where none may be; quote the whole cell and double the quotation "
     "marks inside";
-constexpr char kOpenQuote[] = "the quotation mark that opens a cell is never closed";
-constexpr char kTooManyCells[] = "more than 256 cells";
-constexpr char kLongCell[] = "a cell is longer than 4 KiB; maybe a quotation mark is not closed";
+constexpr char kOpenQuote[] =
+    "the quotation mark that opens a cell is never closed; write one behind the cell";
+constexpr char kTooManyCells[] =
+    "more than 256 cells; a row has no more of them than the header, and a cell with a comma "
+    "stands in quotation marks";
+constexpr char kLongCell[] =
+    "a cell is longer than 4 KiB; write less, or close the quotation mark that opens it";
 
 std::string ReadWholeFile(const std::string& path) {
   std::error_code error;
@@ -35,7 +41,7 @@ std::string ReadWholeFile(const std::string& path) {
     throw std::runtime_error(path + ": " + error.message());
   }
   if (size > CsvReader::kMaxFileBytes) {
-    throw std::runtime_error(path + ": larger than 64 MiB");
+    throw std::runtime_error(path + ": larger than 64 MiB; a table has to be smaller");
   }
   std::ifstream file(path, std::ios::binary);
   if (!file) {
@@ -94,8 +100,11 @@ class CsvReader::Parser {
   csv_parser parser_;
 };
 
-CsvReader::CsvReader(const std::string& path)
+CsvReader::CsvReader(const std::string& path, Foreign foreign)
     : input_(ReadWholeFile(path)), parser_(std::make_unique<Parser>()) {
+  if (foreign == Foreign::kReplaced && Utf8PrefixOf(input_) != input_.size()) {
+    input_ = Utf8Of(input_, kMaxForeignLines, &foreign_lines_);
+  }
   if (std::string_view(input_).substr(0, kByteOrderMark.size()) == kByteOrderMark) {
     position_ = kByteOrderMark.size();
   }

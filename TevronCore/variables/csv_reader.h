@@ -38,6 +38,12 @@ class CsvReader {
   /// Reading stops after this many broken rows: the file is then no table at all.
   static constexpr size_t kMaxBrokenRows = 100;
 
+  /// Of so many lines that are not UTF-8 the numbers are kept.
+  static constexpr size_t kMaxForeignLines = 100;
+
+  /// What becomes of bytes that are not UTF-8.
+  enum class Foreign { kKept, kReplaced };
+
   enum class Event {
     kRow,
     kBrokenRow,  ///< reason() says why; the cells in front of the fault can be asked for
@@ -47,12 +53,20 @@ class CsvReader {
   /// Reads the file and its header. Throws std::runtime_error, whose text names the file and the
   /// reason, when it is missing, not a regular file, too large or unreadable. An empty file has no
   /// columns. A broken header leaves none either: it is then the one row that Next() tells.
-  explicit CsvReader(const std::string& path);
+  /// With `foreign` kReplaced, bytes that are not UTF-8 are read as replacement characters.
+  explicit CsvReader(const std::string& path, Foreign foreign = Foreign::kKept);
   ~CsvReader();
   CsvReader(const CsvReader&) = delete;
   CsvReader& operator=(const CsvReader&) = delete;
 
   const CsvHeader& header() const { return header_; }
+
+  /// The first lines where something was replaced, 1-based.
+  const std::vector<size_t>& foreign_lines() const { return foreign_lines_; }
+
+  /// Whether the rest of the file was left out because too many rows are broken. Known when kEnd
+  /// was told.
+  bool gave_up() const { return position_ < input_.size(); }
 
   /// Lines of the file: no more rows than this come.
   size_t MostRows() const;
@@ -90,6 +104,7 @@ class CsvReader {
   static void OnRow(int terminator, void* self);
 
   std::string input_;
+  std::vector<size_t> foreign_lines_;
   std::unique_ptr<Parser> parser_;
   CsvHeader header_;
   bool header_is_broken_ = false;

@@ -19,6 +19,10 @@ std::string Refusal(const VarInfo& var) {
   if (var.write != nullptr && !var.write->obstacle.empty()) {
     return "Cannot be changed: " + var.write->obstacle + '.';
   }
+  if (var.value_type->kind == ValueKind::kUnknown) {
+    return "Cannot be changed: line " + std::to_string(var.line) +
+           " of the table does not say what the value means.";
+  }
   return "Cannot be changed: there is no way to enter the type \"" + var.var_type.str() + "\".";
 }
 

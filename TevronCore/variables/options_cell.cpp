@@ -1,11 +1,13 @@
 #include "variables/options_cell.h"
 
+#include <cmath>
 #include <limits>
 #include <optional>
 #include <unordered_set>
 #include <utility>
 #include <vector>
 
+#include "variables/fault_list.h"
 #include "variables/number_text.h"
 
 namespace {
@@ -27,8 +29,6 @@ std::vector<std::string_view> Split(std::string_view text, char separator) {
   }
 }
 
-std::string Quoted(std::string_view text) { return '"' + std::string(text) + '"'; }
-
 // Whether a number of the device can be this value at all.
 bool IsOfType(int64_t value, const ValueType& type) {
   const int value_bits = 8 * type.size - (type.is_signed ? 1 : 0);
@@ -37,14 +37,27 @@ bool IsOfType(int64_t value, const ValueType& type) {
   return value <= highest && value >= (type.is_signed ? -highest - 1 : 0);
 }
 
+// Whether a number of the device can show this text at all. It is cut off at the point.
+bool IsShownBy(int32_t shown, const VarInfo& var) {
+  const ValueType& type = *var.value_type;
+  if (type.kind != ValueKind::kInteger) {
+    return true;
+  }
+  const double number = static_cast<double>(shown) / AsWritten(var.set_coefficient);
+  const int value_bits = 8 * type.size - (type.is_signed ? 1 : 0);
+  const double beyond = std::ldexp(1.0, value_bits);
+  return number < beyond && number >= (type.is_signed ? -beyond : 0.0);
+}
+
 // Values of a control that is not text are compared as texts, so they have to be whole numbers as
 // the device sends them.
 std::string CheckPlainInteger(const VarInfo& var, const char* control) {
   if (var.value_type->kind != ValueKind::kInteger) {
-    return std::string("a ") + control + " needs an integer VarType, not " + Quoted(var.var_type);
+    return std::string("a ") + control + " needs an integer VarType; write one instead of " +
+           Quoted(var.var_type);
   }
   if (var.coefficient != 1.0F || var.set_coefficient != 1.0F) {
-    return std::string("a ") + control + " needs the coefficients 1";
+    return std::string("a ") + control + " needs the coefficients 1; leave those cells empty";
   }
   return {};
 }
@@ -54,16 +67,26 @@ Parsed ParseRange(std::string_view text, const VarInfo& var) {
   const auto low = WholeNumber(Trim(text.substr(0, dots)));
   const auto high = WholeNumber(Trim(text.substr(dots + 2)));
   if (!low || !high) {
-    return "Options " + Quoted(text) + " is no range of 32-bit whole numbers";
+    return "Options " + Quoted(text) + " is no range of 32-bit whole numbers; write it as 1..10";
   }
   if (*low > *high) {
-    return "Options " + Quoted(text) + ": the range ends before it begins";
+    return "Options " + Quoted(text) + ": the range ends before it begins; write " +
+           Quoted(std::to_string(*high) + ".." + std::to_string(*low));
   }
   if (*low == 0 && *high == 0) {
-    return "Options " + Quoted(text) + " would not limit anything";
+    return "Options " + Quoted(text) + " would not limit anything; write a range, or nothing";
   }
   if (!var.value_type->is_number()) {
-    return "a range needs a numeric VarType, not " + Quoted(var.var_type);
+    return "a range needs a numeric VarType; write one instead of " + Quoted(var.var_type);
+  }
+  for (const int32_t end : {*low, *high}) {
+    if (!IsShownBy(end, var)) {
+      return "Options " + Quoted(text) + ": " + std::to_string(end) + " does not fit " +
+             var.var_type.str() +
+             (var.set_coefficient == 1.0F ? std::string()
+                                          : " when divided by " + ShortText(var.set_coefficient)) +
+             "; write a range within the type";
+    }
   }
   Control control;
   control.type = kText;
@@ -80,7 +103,7 @@ Parsed ParseSwitch(std::string_view text, std::string_view labels, const VarInfo
   text.remove_prefix(kSwitchWord.size());
   if (!text.empty()) {
     if (text.front() != ':' || text.find("..") == std::string_view::npos) {
-      return "Options " + Quoted(text) + " after \"switch\" is no range";
+      return "Options " + Quoted(text) + " after \"switch\" is no range; write it as switch:1..10";
     }
     Parsed range = ParseRange(text.substr(1), var);
     if (range.index() != 0) {
@@ -89,7 +112,7 @@ Parsed ParseSwitch(std::string_view text, std::string_view labels, const VarInfo
     control = std::get<Control>(std::move(range));
   }
   control.type = kSwitch;
-  // Only for show: that they are two is checked when they are shown.
+  // Only for show, so that another number of them than two is no reason to do without the switch.
   if (!labels.empty()) {
     for (const std::string_view label : Split(labels, '|')) {
       control.options.push_back({static_cast<int32_t>(control.options.size()), std::string(label)});
@@ -106,13 +129,16 @@ Parsed ParseChoice(std::string_view text, std::string_view descriptions, RowKind
   const std::vector<std::string_view> values = Split(text, '|');
   const std::vector<std::string_view> labels =
       descriptions.empty() ? values : Split(descriptions, '|');
+  if (values.size() < 2) {
+    return "Options " + Quoted(text) + " is a choice of one; write two values or more, split by |";
+  }
   if (values.size() > kMaxOptions) {
-    return "Options has " + std::to_string(values.size()) + " values, more than " +
+    return "Options has " + std::to_string(values.size()) + " values; write at most " +
            std::to_string(kMaxOptions);
   }
   if (labels.size() != values.size()) {
     return "Options has " + std::to_string(values.size()) + " values, OptionDescription " +
-           std::to_string(labels.size()) + " labels";
+           std::to_string(labels.size()) + " labels; write as many, split by |";
   }
   Control control;
   control.type = kind;
@@ -120,13 +146,16 @@ Parsed ParseChoice(std::string_view text, std::string_view descriptions, RowKind
   for (size_t i = 0; i < values.size(); ++i) {
     const auto value = WholeNumber(values[i]);
     if (!value) {
-      return "Options: " + Quoted(values[i]) + " is no 32-bit whole number";
+      return "Options: " + Quoted(values[i]) +
+             " is no 32-bit whole number; write numbers as the lidar sends them, and the words in "
+             "OptionDescription";
     }
     if (!IsOfType(*value, *var.value_type)) {
-      return "Options: " + Quoted(values[i]) + " does not fit " + var.var_type.str();
+      return "Options: " + Quoted(values[i]) + " does not fit " + var.var_type.str() +
+             "; write values within the type";
     }
     if (!known.insert(*value).second) {
-      return "Options: the value " + Quoted(values[i]) + " stands twice";
+      return "Options: the value " + Quoted(values[i]) + " stands twice; write each once";
     }
     control.options.push_back({*value, std::string(labels[i])});
   }
@@ -165,13 +194,20 @@ Parsed ParseWords(std::string_view text, std::string_view labels, const VarInfo&
   }
   Control control = PlainText(var);
   if (text == "file") {
+    if (var.value_type->kind != ValueKind::kRaw || var.offset != 0 || !var.get_cmd.empty() ||
+        !var.set_cmd.empty()) {
+      return "a file is raw with VarLen 0 and neither Get nor Set; write it so";
+    }
     control.type = kFile;
   } else if (text == "monitor") {
     control.type = kMonitor;
   } else if (text == "hidden") {
     control.hidden = true;
   } else if (!text.empty()) {
-    return "Options " + Quoted(text) + " is no range, choice, switch or known word";
+    return "Options " + Quoted(text) +
+           " is no range, choice, switch or known word; write it as 1..10, 1|2|3, switch, "
+           "list:1|2, "
+           "file, monitor or hidden";
   }
   return control;
 }
@@ -201,10 +237,10 @@ std::variant<Control, std::string> ParseControl(std::string_view options, std::s
   }
   auto& control = std::get<Control>(parsed);
   if (!IsVariableId(reference)) {
-    return "Options: \"@\" is not followed by a GroupID, \"-\" and an Index";
+    return "Options: \"@\" is not followed by a switch; write its GroupID, \"-\" and its Index";
   }
   if (!TakesSwitchReference(control)) {
-    return "Options " + Quoted(words) + " cannot depend on a switch";
+    return "Options " + Quoted(words) + " cannot depend on a switch; leave out what begins with @";
   }
   control.switch_var_id = reference;
   return parsed;

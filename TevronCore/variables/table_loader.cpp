@@ -7,8 +7,7 @@
 #include <string_view>
 #include <utility>
 
-#include "variables/command_code.h"
-#include "variables/number_text.h"
+#include "variables/fault_list.h"
 #include "variables/table_places.h"
 #include "variables/table_row.h"
 
@@ -20,13 +19,10 @@ void Report(const std::string& text) {
   std::cout << "ConfigParser::ExtractConfigInfo" << text << '\n';
 }
 
-std::string Quoted(std::string_view text) { return '"' + std::string(text) + '"'; }
-
 /// One loading: rows to records, then their places in the payloads.
 class Loader {
  public:
-  explicit Loader(const std::string& path)
-      : places_(&table_, [this](size_t line, const std::string& text) { FaultAt(line, text); }) {
+  explicit Loader(const std::string& path) : faults_(path), places_(&table_, &faults_) {
     table_.path = path;
   }
 
@@ -37,15 +33,17 @@ class Loader {
   void LoadRow();
   void LoadBrokenRow();
   void LoadRowWithoutId();
+  bool IsEmptyRow() const;
   void KeepDirective();
   void KeepName(VarInfo* var);
   void KeepId(VarInfo* var);
   void ListVariables();
   void CheckSwitchReferences();
-  void Fault(const std::string& reason) { FaultAt(csv_->line(), reason); }
-  void FaultAt(size_t line, const std::string& reason);
+  void LeaveOutRest(const std::string& reason);
+  void Fault(const std::string& reason) { faults_.Fault(csv_->line(), reason); }
 
   LoadedTable table_;
+  FaultList faults_;
   std::optional<CsvReader> csv_;
   std::optional<TableRow> row_;
   TablePlaces places_;
@@ -55,9 +53,10 @@ class Loader {
 
 LoadedTable Loader::Load() {
   try {
-    csv_.emplace(table_.path);
+    csv_.emplace(table_.path, CsvReader::Foreign::kReplaced);
   } catch (const std::runtime_error& error) {
     Report("(): error with csv_reader_, loc = " + table_.path);
+    // The text begins with the path.
     table_.faults.push_back({0, error.what()});
     return std::move(table_);
   }
@@ -65,16 +64,23 @@ LoadedTable Loader::Load() {
     // It is the header that is broken, which says more than a column that is not found.
     Report("(): error with csv_reader_, loc = " + table_.path + ":1");
     Fault(csv_->reason());
+    table_.faults = faults_.Take();
     return std::move(table_);
   }
-  row_.emplace(*csv_, &table_.texts, [this](const std::string& reason) { Fault(reason); });
+  row_.emplace(*csv_, &table_.texts, &faults_);
+  places_.HinderWrites(row_->CheckHeader());
+  for (const size_t line : csv_->foreign_lines()) {
+    faults_.Fault(line,
+                  "the text is not UTF-8, and its unknown characters are shown as \uFFFD; save the "
+                  "file as UTF-8");
+  }
   LoadRows();
   row_.reset();
   csv_.reset();  // as large as the file
   ListVariables();
   places_.Fill();
   CheckSwitchReferences();
-  SortByLine(&table_.faults);
+  table_.faults = faults_.Take();
   std::cout << std::flush;
   return std::move(table_);
 }
@@ -88,10 +94,14 @@ void Loader::LoadRows() {
   for (size_t count = 0;; ++count) {
     const CsvReader::Event event = csv_->Next();
     if (event == CsvReader::Event::kEnd) {
+      if (csv_->gave_up()) {
+        LeaveOutRest("more than " + std::to_string(CsvReader::kMaxBrokenRows) +
+                     " broken rows; mend them");
+      }
       return;
     }
     if (count == kMaxTableRows) {
-      Fault("more than " + std::to_string(kMaxTableRows) + " rows; the rest is left out");
+      LeaveOutRest("more than " + std::to_string(kMaxTableRows) + " rows; write fewer");
       return;
     }
     if (event == CsvReader::Event::kBrokenRow) {
@@ -102,8 +112,11 @@ void Loader::LoadRows() {
   }
 }
 
-void Loader::FaultAt(size_t line, const std::string& reason) {
-  FileFaults(table_.path, &table_.faults).Fault(line, reason);
+// The rows that are not known may belong to any command.
+void Loader::LeaveOutRest(const std::string& reason) {
+  Fault(reason + ". The rest is left out, and nothing is written until then");
+  places_.HinderWrites("the rows from line " + std::to_string(csv_->line()) +
+                       " of the table on are left out");
 }
 
 void Loader::LoadRow() {
@@ -113,6 +126,10 @@ void Loader::LoadRow() {
   }
   if (row_->Cell(Column::kGroupId) == kDirectiveGroup) {
     KeepDirective();
+    return;
+  }
+  if (row_->IsShifted()) {
+    places_.AddBroken(*row_, static_cast<uint32_t>(csv_->line()));
     return;
   }
   VarInfo& var = table_.rows.emplace_back();
@@ -134,10 +151,25 @@ void Loader::LoadRowWithoutId() {
   Report("(): WARNING: something with config file - Some var lacks \"GroupID\" or \"Index\"");
   std::cout << "---Detailed Infomation: file path = " << table_.path
             << ", var name = " << row_->Cell(Column::kVarName) << '\n';
-  Fault("GroupID or Index is empty; the row is left out");
-  if (row_->Cell(Column::kGroupId) != kDirectiveGroup) {
-    places_.AddLeftOut(*row_, static_cast<uint32_t>(csv_->line()));
+  const auto line = static_cast<uint32_t>(csv_->line());
+  if (IsEmptyRow()) {
+    faults_.Warn(line, "the row has only empty cells; remove it");
+  } else if (row_->Cell(Column::kGroupId) == kDirectiveGroup) {
+    Fault("Index is empty; write which directive the row is. The row is left out");
+  } else if (row_->IsShifted()) {
+    places_.AddBroken(*row_, line);
+  } else {
+    Fault("GroupID or Index is empty; write both. The row is left out");
+    places_.AddLeftOut(*row_, line);
   }
+}
+
+bool Loader::IsEmptyRow() const {
+  size_t column = 0;
+  while (column < csv_->cell_count() && csv_->Cell(column).empty()) {
+    ++column;
+  }
+  return column == csv_->cell_count();
 }
 
 void Loader::LoadBrokenRow() {
@@ -162,6 +194,7 @@ void Loader::KeepName(VarInfo* var) {
   uint32_t* slot = &table_.by_name.Position(table_.rows, var->var_name);
   if (*slot != VarIndex::kNone) {
     const std::string name = var->var_name;
+    const uint32_t earlier_line = table_.rows[*slot].line;
     var->var_name += '_' + var->set_cmd.str();
     slot = &table_.by_name.Position(table_.rows, var->var_name);
     if (*slot != VarIndex::kNone) {
@@ -169,8 +202,8 @@ void Loader::KeepName(VarInfo* var) {
       slot = &table_.by_name.Position(table_.rows, var->var_name);
     }
     Report(var->var_name + " is used in other cmd");  // without a separator on purpose
-    Fault("VarName " + Quoted(name) + " is taken by an earlier row; this one is shown as " +
-          Quoted(var->var_name));
+    Fault("VarName " + Quoted(name) + " is that of line " + std::to_string(earlier_line) +
+          "; write another. It is shown as " + Quoted(var->var_name) + " until then");
   }
   if (*slot == VarIndex::kNone) {
     *slot = var->table_position;
@@ -187,7 +220,8 @@ void Loader::KeepId(VarInfo* var) {
            ", var_name = " + var->var_name);
     const VarInfo& earlier = table_.rows[slot];
     Fault("GroupID and Index " + var->var_id + " are those of line " +
-          std::to_string(earlier.line) + ", which this row replaces");
+          std::to_string(earlier.line) +
+          "; write another Index. This row replaces that one until then");
     has_replaced_ = true;
   }
   slot = var->table_position;
@@ -220,8 +254,9 @@ void Loader::CheckSwitchReferences() {
     }
     const uint32_t position = table_.by_id.Find(table_.rows, var.switch_var_id);
     if (position == VarIndex::kNone || table_.rows[position].type != kSwitch) {
-      FaultAt(var.line,
-              "Options: " + var.switch_var_id + " is no switch; the value is always checked");
+      faults_.Fault(var.line, "Options: " + var.switch_var_id +
+                                  " is no switch; write GroupID and Index of one behind @. The "
+                                  "value is always checked until then");
       var.switch_var_id.clear();
     }
   }

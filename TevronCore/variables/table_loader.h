@@ -36,6 +36,9 @@ struct LoadedTable {
   std::unordered_set<std::string> reads;                ///< CommandKeys of the commands that read.
   std::vector<TableDirective> directives;               ///< In table order.
   TableFaults faults;
+
+  /// The group that the variable is written with; null without one.
+  FieldGroup* WriteGroupOf(const VarInfo& var);
 };
 
 /// Longest value that a row may describe, in bytes: more than any payload of a lidar carries.

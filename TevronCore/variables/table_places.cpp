@@ -1,33 +1,49 @@
 #include "variables/table_places.h"
 
-#include <exception>
+#include <optional>
 
 #include "CmxClient/fov_command.h"
+#include "variables/code_conflicts.h"
 #include "variables/command_code.h"
 #include "variables/hex_cell.h"
+#include "variables/number_text.h"
+#include "variables/set_payloads.h"
 
 namespace {
-
-std::string Quoted(const std::string& text) { return '"' + text + '"'; }
 
 std::string BrokenLine(size_t line) {
   return "line " + std::to_string(line) + " of the table is broken";
 }
 
+std::string WrongCode(size_t line) {
+  return "the code of line " + std::to_string(line) + " is wrong";
+}
+
+std::string SetIndexOf(size_t line) { return "SetIndex of line " + std::to_string(line); }
+
+std::string UnknownLength(size_t line) {
+  return "the length of line " + std::to_string(line) + " is unknown";
+}
+
 }  // namespace
+
+FieldGroup* LoadedTable::WriteGroupOf(const VarInfo& var) {
+  return var.write == nullptr ? nullptr : writes.at(CommandKey(var.set_cmd));
+}
 
 void TablePlaces::Add(const TableRow& row, VarInfo* var) {
   Field field = FieldOf(row, *var);
   field.var = var;
-  if (!next_is_unusable_.empty()) {
-    TakeOutOfUse(field, next_is_unusable_);
-    next_is_unusable_.clear();
-  }
   fields_.push_back(field);
+  if (var->value_type->kind == ValueKind::kUnknown &&
+      ValueTypeOf(var->var_type).kind == ValueKind::kUnknown &&
+      Trim(row.Cell(Column::kVarLen)).empty()) {
+    TakeOutOfUse(field, UnknownLength(var->line));
+  }
 }
 
 void TablePlaces::AddUnknownLength(const TableRow& row, const VarInfo& var) {
-  TakeOutOfUse(FieldOf(row, var), "the length of line " + std::to_string(var.line) + " is unknown");
+  TakeOutOfUse(FieldOf(row, var), UnknownLength(var.line));
 }
 
 void TablePlaces::AddLeftOut(const TableRow& row, uint32_t line) {
@@ -38,19 +54,16 @@ void TablePlaces::AddLeftOut(const TableRow& row, uint32_t line) {
     return;
   }
   const Field field = FieldOf(row, var);
-  if (field.write != nullptr && field.write->obstacle.empty()) {
-    field.write->obstacle = BrokenLine(line);
-  }
+  Hinder(field.write, BrokenLine(line));
   fields_.push_back(field);
 }
 
 void TablePlaces::AddBroken(const TableRow& row, uint32_t line) {
+  const std::string reason = BrokenLine(line);
   const bool has_commands = row.Has(Column::kGet) && row.Has(Column::kSet);
   if (!has_commands) {
-    next_is_unusable_ = BrokenLine(line);
-    if (!fields_.empty()) {
-      TakeOutOfUse(fields_.back(), next_is_unusable_);
-    }
+    DoubtBeside(&reads_, reason);
+    DoubtBeside(&writes_, reason);
     return;
   }
   if (row.Has(Column::kVarType) && row.Has(Column::kVarLen) && row.Has(Column::kGetCmdPayload)) {
@@ -60,139 +73,197 @@ void TablePlaces::AddBroken(const TableRow& row, uint32_t line) {
   VarInfo var;
   var.line = line;
   var.set_cmd = row.SharedCell(Column::kSet);
-  TakeOutOfUse(FieldOf(row, var), BrokenLine(line));
+  TakeOutOfUse(FieldOf(row, var), reason);
   if (const std::string get_cmd(row.Cell(Column::kGet)); !get_cmd.empty()) {
-    // The payload that it is sent with stands behind the fault, so it may be any.
-    unusable_reads_.emplace(CommandKey(get_cmd), BrokenLine(line));
+    if (const std::string* const key = KeyOf(&reads_, get_cmd, line)) {
+      // The payload that it is sent with stands behind the fault, so it may be any.
+      out_of_use_.AddReads(*key, reason);
+    } else {
+      DoubtBeside(&reads_, reason);
+    }
   }
 }
 
 void TablePlaces::Fill() {
-  auto next = table_.variables.begin();
-  for (const Field& field : fields_) {
-    const bool is_variable = field.var != nullptr;
-    if (is_variable && (next == table_.variables.end() || *next != field.var)) {
-      continue;  // a later row replaces it: it takes no room either
-    }
-    next += is_variable ? 1 : 0;
-    Place(field);
-  }
+  PlaceAll();
   for (const FieldGroup& group : table_.groups) {
     if (group.length > kMaxLength) {
-      unusable_.emplace(&group, "its fields have more than 16 MiB");
+      out_of_use_.Add(&group, "its fields have more than 16 MiB; write a smaller VarLen");
     }
   }
-  if (!unusable_.empty() || !unusable_reads_.empty()) {
-    for (const Field& field : fields_) {
-      if (field.var != nullptr) {
-        TakeCommandsAway(field.var);
-      }
+  TakeSetPayloads(&table_, &out_of_use_, &faults_);
+  CheckDownloads(table_, &out_of_use_, &faults_);
+  FindCodeConflicts(table_, &out_of_use_, &faults_);
+  HinderWhereReplaced();
+  out_of_use_.Apply(&table_, &faults_);
+  for (const auto& [key, group] : table_.writes) {
+    if (!hinders_all_.empty()) {
+      Hinder(group, hinders_all_);
     }
-    for (FieldGroup& group : table_.groups) {
-      if (unusable_.count(&group) != 0) {
-        group.fields.clear();
-      }
+    if (!group->fields.empty() &&
+        IsCommand(group->fields.front()->set_cmd, kavel::lidar::kFovCommand) &&
+        group->length != int64_t{kavel::lidar::kFovPayloadSize}) {
+      const VarInfo& first = *group->fields.front();
+      faults_.Fault(first.line, "the field-of-view table takes " +
+                                    std::to_string(kavel::lidar::kFovPayloadSize) + " bytes, and " +
+                                    first.set_cmd.str() + " has " + std::to_string(group->length) +
+                                    "; write it as one raw variable of that length");
     }
   }
-  CheckWrites();
 }
 
 TablePlaces::Field TablePlaces::FieldOf(const TableRow& row, const VarInfo& var) {
   Field field{nullptr, nullptr, nullptr, var.offset, var.line};
-  if (!var.get_cmd.empty()) {
-    field.read = ReadGroupOf(row, var);
-  }
+  const bool takes_room = field.length != 0;
   if (!var.set_cmd.empty()) {
     field.write = WriteGroupOf(row, var);
+    if (field.write == nullptr && takes_room) {
+      DoubtBeside(&writes_, WrongCode(var.line));
+    }
+  }
+  if (!var.get_cmd.empty()) {
+    field.read = ReadGroupOf(row, var);
+    if (field.read == nullptr) {
+      Hinder(field.write, WrongCode(var.line));
+      if (takes_room) {
+        DoubtBeside(&reads_, WrongCode(var.line));
+      }
+    }
   }
   return field;
 }
 
 FieldGroup* TablePlaces::ReadGroupOf(const TableRow& row, const VarInfo& var) {
   const std::string_view cell = row.Cell(Column::kGetCmdPayload);
-  if (last_read_ != nullptr && var.get_cmd == last_get_ && cell == last_get_payload_) {
-    return last_read_;
+  if (reads_.last != nullptr && var.get_cmd == reads_.last_text && cell == last_get_payload_) {
+    EndDoubt(&reads_, reads_.last);
+    return reads_.last;
   }
-  last_get_ = var.get_cmd;
+  const std::string* const command = KeyOf(&reads_, var.get_cmd, var.line);
+  if (command == nullptr) {
+    return nullptr;
+  }
+  reads_.last_text = var.get_cmd;
   last_get_payload_ = cell;
   // One that does not convert is none, and no error.
-  std::vector<uint8_t> payload = PayloadOfCell(cell).value_or(std::vector<uint8_t>());
-  const std::string& command = KeyOf(&get_keys_, "Get", var);
-  table_.reads.insert(command);
-  std::string key = command;
-  key.append(payload.begin(), payload.end());
-  FieldGroup*& group = reads_[key];
+  auto payload = PayloadOfCell(cell);
+  if (!payload) {
+    faults_.Warn(var.line, "GetCmdPayload " + Quoted(cell) +
+                               " is no row of hexadecimal pairs and is not sent; write pairs of "
+                               "digits, such as 0x0102");
+    payload.emplace();
+  }
+  table_.reads.insert(*command);
+  std::string key = *command;
+  key.append(payload->begin(), payload->end());
+  FieldGroup*& group = read_groups_[key];
   if (group == nullptr) {
     group = &table_.groups.emplace_back();
     group->name = var.get_cmd.str() + last_get_payload_;
-    group->fixed_payload = std::move(payload);
+    group->fixed_payload = std::move(*payload);
   }
-  last_read_ = group;
+  reads_.last = group;
+  EndDoubt(&reads_, group);
   return group;
 }
 
 FieldGroup* TablePlaces::WriteGroupOf(const TableRow& row, const VarInfo& var) {
-  std::vector<uint8_t> payload;
-  if (!row.Cell(Column::kSetCmdPayload).empty()) {
-    payload = row.ReadPayload(Column::kSetCmdPayload);
-  }
-  if (last_write_ == nullptr || var.set_cmd != last_set_) {
-    last_set_ = var.set_cmd;
-    FieldGroup*& group = table_.writes[KeyOf(&set_keys_, "Set", var)];
+  if (writes_.last == nullptr || var.set_cmd != writes_.last_text) {
+    const std::string* const command = KeyOf(&writes_, var.set_cmd, var.line);
+    if (command == nullptr) {
+      return nullptr;
+    }
+    writes_.last_text = var.set_cmd;
+    FieldGroup*& group = table_.writes[*command];
     if (group == nullptr) {
       group = &table_.groups.emplace_back();
       group->name = var.set_cmd;
-      group->fixed_payload = std::move(payload);
     }
-    last_write_ = group;
+    writes_.last = group;
   }
+  EndDoubt(&writes_, writes_.last);
   CheckSetIndex(row, var);
-  return last_write_;
+  return writes_.last;
 }
 
-// Of the row's command; a text that is none is a fault.
-const std::string& TablePlaces::KeyOf(Keys* keys, const char* column, const VarInfo& var) {
-  const std::string& text = (keys == &get_keys_ ? var.get_cmd : var.set_cmd).str();
-  const auto [key, is_new] = keys->try_emplace(text);
+// Null for a text that is no command, which is told.
+const std::string* TablePlaces::KeyOf(Side* side, const std::string& text, size_t line) {
+  const auto [found, is_new] = side->commands.try_emplace(text);
+  Command& command = found->second;
   if (is_new) {
-    key->second = CommandKey(text);
-    CheckCommandText(column, text, var.line);
+    command.key = CommandKey(text);
+    command.problem = ProblemOfCommand(text);
+    if (!command.problem.warning.empty()) {
+      faults_.Warn(line, std::string(side->column) + ' ' + command.problem.warning);
+    }
   }
-  return key->second;
+  if (command.problem.fault.empty()) {
+    return &command.key;
+  }
+  faults_.Fault(line, std::string(side->column) + ' ' + command.problem.fault +
+                          ". It is not sent until then");
+  return nullptr;
 }
 
-void TablePlaces::CheckCommandText(const char* column, const std::string& text, uint32_t line) {
-  const std::string cell = std::string(column) + ' ' + Quoted(text);
-  try {
-    const WireCommand command = WireCommandOf(text);
-    const bool is_short = text.size() < kLongCommandTextLength;
-    size_t end = 0;  // of the number in the text: "0x2G" would be sent as 0x02
-    if (is_short && (std::stol(text, &end, 0) != long{command.code} || end != text.size())) {
-      fault_(line, cell + " is no command code from 0 to 255");
-    }
-  } catch (const std::exception& error) {
-    fault_(line, cell + " is no command code: " + error.what());
+// The row between has a command that is not known: it may be one of those beside it.
+void TablePlaces::DoubtBeside(Side* side, const std::string& reason) {
+  out_of_use_.Add(side->last, reason);
+  side->next_is_unusable = reason;
+}
+
+void TablePlaces::EndDoubt(Side* side, const FieldGroup* group) {
+  if (!side->next_is_unusable.empty()) {
+    out_of_use_.Add(group, side->next_is_unusable);
+    side->next_is_unusable.clear();
   }
 }
 
 void TablePlaces::CheckSetIndex(const TableRow& row, const VarInfo& var) {
-  const std::optional<int32_t> index = row.ReadSetIndex();
-  if (!index) {
+  const std::string_view cell = Trim(row.Cell(Column::kSetIndex));
+  if (cell.empty()) {
     return;
   }
-  const auto [last, is_first] = set_indices_.try_emplace(last_write_, *index);
+  const auto index = WholeNumber(cell);
+  if (!index) {
+    faults_.Fault(var.line, "SetIndex " + Quoted(cell) +
+                                " is no whole number; write the field's place in " +
+                                var.set_cmd.str() + ". It is not written until then");
+    Hinder(writes_.last, SetIndexOf(var.line) + " is no number");
+    return;
+  }
+  const auto [last, is_first] = set_indices_.try_emplace(writes_.last, *index);
   if (!is_first && *index <= last->second) {
-    fault_(var.line, "SetIndex " + std::to_string(*index) + " of " + var.set_cmd.str() +
-                         " does not ascend; fields are written in the order of the rows");
+    faults_.Fault(var.line, "SetIndex " + std::to_string(*index) + " of " + var.set_cmd.str() +
+                                " does not ascend; write the rows in the order of the fields, and "
+                                "more than " +
+                                std::to_string(last->second) +
+                                " here. It is not written until then");
+    Hinder(writes_.last, SetIndexOf(var.line) + " does not ascend");
   }
   last->second = *index;
 }
 
 void TablePlaces::TakeOutOfUse(const Field& field, const std::string& reason) {
-  for (const FieldGroup* group : {field.read, field.write}) {
-    if (group != nullptr) {
-      unusable_.emplace(group, reason);
+  out_of_use_.Add(field.read, reason);
+  out_of_use_.Add(field.write, reason);
+}
+
+void TablePlaces::PlaceAll() {
+  auto next = table_.variables.begin();
+  for (const Field& field : fields_) {
+    const bool is_variable = field.var != nullptr;
+    if (is_variable && (next == table_.variables.end() || *next != field.var)) {
+      // A later row replaces it: it takes no room either.
+      const std::string reason =
+          "line " + std::to_string(field.line) + " has the GroupID and the Index of another row";
+      Hinder(field.write, reason);
+      if (field.read != nullptr) {
+        replaced_.emplace(field.read, reason);
+      }
+      continue;
     }
+    next += is_variable ? 1 : 0;
+    Place(field);
   }
 }
 
@@ -204,6 +275,8 @@ void TablePlaces::Place(const Field& field) {
       field.read->fields.push_back(field.var);
     }
     field.read->length += field.length;
+  } else if (field.var != nullptr) {
+    field.var->get_cmd = SharedText();
   }
   if (field.write != nullptr) {
     if (field.var != nullptr) {
@@ -212,47 +285,21 @@ void TablePlaces::Place(const Field& field) {
       field.write->fields.push_back(field.var);
     }
     field.write->length += field.length;
+  } else if (field.var != nullptr) {
+    field.var->set_cmd = SharedText();
   }
 }
 
-void TablePlaces::TakeCommandsAway(VarInfo* var) {
-  if (var->read != nullptr) {
-    auto reason = unusable_.find(var->read);
-    const auto by_command = unusable_reads_.find(CommandKey(var->get_cmd));
-    if (reason != unusable_.end() || by_command != unusable_reads_.end()) {
-      const std::string& text = reason != unusable_.end() ? reason->second : by_command->second;
-      fault_(var->line,
-             Quoted(var->var_name) + " is not read with " + var->get_cmd.str() + ": " + text);
-      unusable_.emplace(var->read, text);
-      var->get_cmd = SharedText();
-      var->get_start_pos = 0;
-      var->read = nullptr;
-    }
+// Both rows of one id were meant, and the places behind the first of them with them. What is read
+// there is shown, but must not be written back.
+void TablePlaces::HinderWhereReplaced() {
+  if (replaced_.empty()) {
+    return;
   }
-  const auto reason = unusable_.find(var->write);
-  if (var->write != nullptr && reason != unusable_.end()) {
-    fault_(var->line, Quoted(var->var_name) + " cannot be changed with " + var->set_cmd.str() +
-                          ": " + reason->second);
-    var->set_cmd = SharedText();
-    var->set_start_pos = 0;
-    var->write = nullptr;
-  }
-}
-
-void TablePlaces::CheckWrites() {
-  for (const auto& [key, group] : table_.writes) {
-    if (group->fields.empty()) {
-      continue;
-    }
-    const VarInfo& first = *group->fields.front();
-    if (table_.reads.count(key) != 0) {
-      fault_(first.line, "the code " + first.set_cmd.str() + " stands both in Get and in Set");
-    }
-    if (IsCommand(first.set_cmd, kavel::lidar::kFovCommand) &&
-        group->length != int64_t{kavel::lidar::kFovPayloadSize}) {
-      fault_(first.line, "the field-of-view table takes " +
-                             std::to_string(kavel::lidar::kFovPayloadSize) + " bytes, and " +
-                             first.set_cmd.str() + " has " + std::to_string(group->length));
+  for (const Field& field : fields_) {
+    const auto reason = replaced_.find(field.read);
+    if (reason != replaced_.end()) {
+      Hinder(field.write, reason->second);
     }
   }
 }

@@ -1,14 +1,14 @@
 #pragma once
 
 #include <cstdint>
-#include <functional>
-#include <optional>
 #include <string>
 #include <string_view>
 #include <unordered_map>
-#include <utility>
 #include <vector>
 
+#include "variables/command_cell.h"
+#include "variables/fault_list.h"
+#include "variables/out_of_use.h"
 #include "variables/table_loader.h"
 #include "variables/table_row.h"
 
@@ -17,15 +17,13 @@
 ///
 /// A row that is left out has a place all the same, or the fields behind it would be read from and
 /// written to their neighbours' bytes. Where that place is not known, the commands concerned are
-/// taken out of use.
+/// taken out of use. A command whose fields can be read and not be written for certain is hindered.
 class TablePlaces {
  public:
   /// A payload longer than this is a slip of the table, whatever its rows say.
   static constexpr int64_t kMaxLength = int64_t{16} * 1024 * 1024;
 
-  using FaultHandler = std::function<void(size_t line, const std::string& reason)>;
-
-  TablePlaces(LoadedTable* table, FaultHandler fault) : table_(*table), fault_(std::move(fault)) {}
+  TablePlaces(LoadedTable* table, FaultList* faults) : table_(*table), faults_(*faults) {}
 
   void Reserve(size_t rows) { fields_.reserve(rows); }
 
@@ -39,8 +37,11 @@ class TablePlaces {
   /// The next row, complete, but none of the table's variables.
   void AddLeftOut(const TableRow& row, uint32_t line);
 
-  /// The next row, which holds only the cells in front of a fault.
+  /// The next row, of which only some cells can be trusted.
   void AddBroken(const TableRow& row, uint32_t line);
+
+  /// Nothing must be written by this table, for this reason.
+  void HinderWrites(const std::string& reason) { hinders_all_ = reason; }
 
   /// Fills groups and places of the table's variables, and takes the commands from those whose
   /// place is not known.
@@ -54,35 +55,42 @@ class TablePlaces {
     int32_t length;
     uint32_t line;
   };
-  using Keys = std::unordered_map<std::string, std::string>;  // of command texts
+  /// A command text, looked at once.
+  struct Command {
+    std::string key;
+    CommandCellProblem problem;
+  };
+  /// What is kept of the commands that read, or of those that write.
+  struct Side {
+    const char* column;
+    std::unordered_map<std::string, Command> commands;  ///< by their text
+    /// What the row before asked for: mostly the next one asks for the same.
+    std::string last_text;
+    FieldGroup* last = nullptr;
+    std::string next_is_unusable;  ///< why the group of the row to come is out of use
+  };
 
   Field FieldOf(const TableRow& row, const VarInfo& var);
   FieldGroup* ReadGroupOf(const TableRow& row, const VarInfo& var);
   FieldGroup* WriteGroupOf(const TableRow& row, const VarInfo& var);
-  const std::string& KeyOf(Keys* keys, const char* column, const VarInfo& var);
-  void CheckCommandText(const char* column, const std::string& text, uint32_t line);
+  const std::string* KeyOf(Side* side, const std::string& text, size_t line);
+  void DoubtBeside(Side* side, const std::string& reason);
+  void EndDoubt(Side* side, const FieldGroup* group);
   void CheckSetIndex(const TableRow& row, const VarInfo& var);
   void TakeOutOfUse(const Field& field, const std::string& reason);
+  void PlaceAll();
   void Place(const Field& field);
-  void TakeCommandsAway(VarInfo* var);
-  void CheckWrites();
+  void HinderWhereReplaced();
 
   LoadedTable& table_;
-  const FaultHandler fault_;
+  FaultList& faults_;
   std::vector<Field> fields_;
-  Keys get_keys_;
-  Keys set_keys_;
-  std::unordered_map<std::string, FieldGroup*> reads_;          // by command key and payload
-  std::unordered_map<const FieldGroup*, int32_t> set_indices_;  // the last of each
-
-  // What the row before asked for: mostly the next one asks for the same.
-  std::string last_get_;
+  Side reads_{"Get", {}, {}, nullptr, {}};
+  Side writes_{"Set", {}, {}, nullptr, {}};
+  std::unordered_map<std::string, FieldGroup*> read_groups_;  // by command key and payload
   std::string last_get_payload_;
-  FieldGroup* last_read_ = nullptr;
-  std::string last_set_;
-  FieldGroup* last_write_ = nullptr;
-
-  std::unordered_map<const FieldGroup*, std::string> unusable_;  // with the reason
-  std::unordered_map<std::string, std::string> unusable_reads_;  // the same, by command key
-  std::string next_is_unusable_;  // why the commands of the row to come are out of use
+  std::unordered_map<const FieldGroup*, int32_t> set_indices_;   // the last of each
+  std::unordered_map<const FieldGroup*, std::string> replaced_;  // rows of these, with the reason
+  OutOfUse out_of_use_;
+  std::string hinders_all_;
 };

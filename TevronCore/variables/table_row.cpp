@@ -1,12 +1,14 @@
 #include "variables/table_row.h"
 
 #include <algorithm>
+#include <cctype>
+#include <cmath>
 #include <utility>
 #include <variant>
 
-#include "variables/hex_cell.h"
 #include "variables/number_text.h"
 #include "variables/options_cell.h"
+#include "variables/row_rules.h"
 #include "variables/table_loader.h"
 
 namespace {
@@ -22,14 +24,24 @@ constexpr std::array<const char*, static_cast<size_t>(Column::kCount)> kNames = 
 // A column beyond every row: its cells are empty.
 constexpr size_t kNoColumn = std::numeric_limits<size_t>::max();
 
-std::string Quoted(std::string_view text) { return '"' + std::string(text) + '"'; }
-
 std::string NameOf(Column column) { return kNames[static_cast<size_t>(column)]; }
+
+// Bytes of a count of seconds.
+constexpr int32_t kLongestDuration = 8;
+
+// The same name to someone who looks at the header with a spreadsheet.
+bool LooksLike(std::string_view header, std::string_view name) {
+  header = Trim(header);
+  return std::equal(header.begin(), header.end(), name.begin(), name.end(), [](char a, char b) {
+    return std::tolower(static_cast<unsigned char>(a)) ==
+           std::tolower(static_cast<unsigned char>(b));
+  });
+}
 
 }  // namespace
 
-TableRow::TableRow(const CsvReader& csv, TextPool* texts, FaultHandler fault)
-    : csv_(csv), texts_(*texts), fault_(std::move(fault)) {
+TableRow::TableRow(const CsvReader& csv, TextPool* texts, FaultList* faults)
+    : csv_(csv), texts_(*texts), faults_(*faults) {
   for (size_t column = 0; column < kNames.size(); ++column) {
     columns_[column] = column < static_cast<size_t>(Column::kGetCmdPayload)
                            ? csv.header().Column(kNames[column])
@@ -37,9 +49,26 @@ TableRow::TableRow(const CsvReader& csv, TextPool* texts, FaultHandler fault)
   }
 }
 
-std::string_view TableRow::Cell(Column column) const {
-  return csv_.Cell(columns_[static_cast<size_t>(column)]);
+std::string TableRow::CheckHeader() const {
+  std::string obstacle;
+  const std::vector<std::string>& header = csv_.header().names;
+  for (const char* const name : kNames) {
+    const auto is_name = [name](const std::string& column) { return column == name; };
+    if (std::count_if(header.begin(), header.end(), is_name) > 1) {
+      faults_.Fault(1, "the column " + std::string(name) +
+                           " stands twice; leave one of them. Nothing is written until then");
+      obstacle = "the column " + std::string(name) + " stands twice in the table";
+    }
+    for (const std::string& column : header) {
+      if (column != name && LooksLike(column, name)) {
+        faults_.Warn(1, "the column " + Quoted(column) + " is ignored; write " + name);
+      }
+    }
+  }
+  return obstacle;
 }
+
+std::string_view TableRow::Cell(Column column) const { return csv_.Cell(PositionOf(column)); }
 
 SharedText TableRow::SharedCell(Column column) const {
   SharedText& last = last_[static_cast<size_t>(column)];
@@ -49,9 +78,32 @@ SharedText TableRow::SharedCell(Column column) const {
   return last;
 }
 
+bool TableRow::IsShifted() {
+  // Nearly every row is like the one before it in what tells a shift.
+  const std::string_view type = Cell(Column::kVarType);
+  const std::string_view length = Cell(Column::kVarLen);
+  if (type == usual_type_ && csv_.cell_count() <= csv_.header().names.size() &&
+      (length.empty() || length == usual_length_)) {
+    return false;
+  }
+  const std::string& page = last_[static_cast<size_t>(Column::kFunctionModule)];
+  const auto shift =
+      FindShift(csv_, PositionOf(Column::kVarType), PositionOf(Column::kVarLen), page);
+  if (shift) {
+    shifted_line_ = line();
+    trusted_cells_ = shift->trusted_cells;
+    Fault(shift->reason + ". The row is left out");
+  } else if (ValueTypeOf(type).kind != ValueKind::kUnknown && WholeNumber(length)) {
+    usual_type_ = type;
+    usual_length_ = length;
+  }
+  return shift.has_value();
+}
+
 bool TableRow::Has(Column column) const {
-  const size_t position = columns_[static_cast<size_t>(column)];
-  return position == kNoColumn || position < csv_.cell_count();
+  const size_t position = PositionOf(column);
+  const size_t trusted = shifted_line_ == line() ? trusted_cells_ : csv_.cell_count();
+  return position < trusted || (position == kNoColumn && trusted != 0);
 }
 
 bool TableRow::ReadPlace(VarInfo* var) const {
@@ -65,26 +117,47 @@ bool TableRow::ReadPlace(VarInfo* var) const {
 }
 
 void TableRow::ReadRest(VarInfo* var) const {
-  if (const std::string_view group_id = Cell(Column::kGroupId); !WholeNumber(Trim(group_id))) {
-    fault_("GroupID " + Quoted(group_id) + " is no whole number");
-  }
-  var->index = ReadNumber(Column::kIndex);
+  CheckId(Column::kGroupId);
+  CheckId(Column::kIndex);
+  var->index = WholeNumber(Trim(Cell(Column::kIndex))).value_or(0);
   var->var_name = Cell(Column::kVarName);
-  var->permission = ReadNumber(Column::kPermission);
+  var->permission = ReadNumber(Column::kPermission,
+                               "write 0 for read-only, 1 for what the user may change; it is "
+                               "read-only until then");
   var->unit = SharedCell(Column::kUnit);
-  var->coefficient = ReadCoefficient(Column::kCoefficient, 1.0F);
-  var->set_coefficient = ReadCoefficient(Column::kSetCoefficient, var->coefficient);
+  if (!ReadCoefficients(var)) {
+    var->value_type = &kUnknownType;
+  }
   var->default_val = SharedCell(Column::kDefaultValue);
   var->set_payload = SharedCell(Column::kSetCmdPayload);
   var->function_module = SharedCell(Column::kFunctionModule);
-  var->timer_update = ReadNumber(Column::kTimerUpdate) != 0;
-  auto control = ParseControl(Cell(Column::kOptions), Cell(Column::kOptionDescription), *var);
+  var->timer_update =
+      ReadNumber(Column::kTimerUpdate, "write 1 for what follows the page's refresh, else 0") != 0;
+  ReadControl(var);
+  CheckRow(*var, &faults_);
+  if (!Cell(Column::kGetCmdPayload).empty() && var->get_cmd.empty()) {
+    faults_.Warn(line(), "GetCmdPayload is not sent without Get; write both, or none");
+  }
+}
+
+void TableRow::ReadControl(VarInfo* var) const {
+  const std::string_view labels = Trim(Cell(Column::kOptionDescription));
+  auto control = ParseControl(Cell(Column::kOptions), labels, *var);
   if (const auto* reason = std::get_if<std::string>(&control)) {
-    fault_(*reason + "; the variable becomes a text field");
-    control = PlainText(*var);
+    // What a value can be is a question only where it is known what it means.
+    if (var->value_type->kind != ValueKind::kUnknown) {
+      Fault(*reason + ". It is a text field until then");
+    }
+    static_cast<Control&>(*var) = PlainText(*var);
+    return;
   }
   static_cast<Control&>(*var) = std::get<Control>(std::move(control));
-  Check(*var);
+  const bool takes_labels =
+      var->type == kChoice || var->type == kTallChoice || var->type == kSwitch;
+  if (!labels.empty() && !takes_labels) {
+    faults_.Warn(line(),
+                 "OptionDescription labels nothing but choices and switches; leave it empty");
+  }
 }
 
 bool TableRow::ReadLength(VarInfo* var) const {
@@ -97,84 +170,76 @@ bool TableRow::ReadLength(VarInfo* var) const {
   if (length && *length >= 0 && *length <= kMaxValueLength) {
     var->offset = *length;
     if (natural != 0 && natural != *length) {
-      fault_("VarLen " + Quoted(cell) + " does not fit " + var->var_type.str() + ", which takes " +
-             std::to_string(natural));
+      Fault("VarLen " + Quoted(cell) + " does not fit " + var->var_type.str() + "; write " +
+            std::to_string(natural) + " or nothing. It cannot be changed until then");
+    }
+    if (var->value_type->kind == ValueKind::kDuration && *length > kLongestDuration) {
+      Fault("VarLen " + Quoted(cell) + " is too long for DT; write 1 to " +
+            std::to_string(kLongestDuration) + ". The value is not shown until then");
+      var->value_type = &kUnknownType;
     }
     return true;
   }
-  const std::string reason =
-      "VarLen " + Quoted(cell) + " is no whole number from 0 to " + std::to_string(kMaxValueLength);
-  if (natural == 0) {
-    fault_(reason + "; the row is left out");
-    return false;
-  }
-  fault_(reason + "; " + std::to_string(natural) + " is used");
-  return true;
+  const bool is_text = cell.find_first_of("0123456789") == std::string_view::npos;
+  Fault("VarLen " + Quoted(cell) + " is no whole number from 0 to " +
+        std::to_string(kMaxValueLength) + "; write " +
+        (natural == 0 ? "the length in bytes" : std::to_string(natural) + " or nothing") +
+        (is_text ? ", and quotation marks around any cell with a comma" : "") +
+        ". The row is left out");
+  return false;
 }
 
-std::optional<int32_t> TableRow::ReadSetIndex() const {
-  const std::string_view cell = Trim(Cell(Column::kSetIndex));
-  const auto index = WholeNumber(cell);
-  if (!index && !cell.empty()) {
-    fault_("SetIndex " + Quoted(cell) + " is no whole number");
-  }
-  return index;
-}
-
-int32_t TableRow::ReadNumber(Column column) const {
+int32_t TableRow::ReadNumber(Column column, const char* what_to_write) const {
   const std::string_view cell = Trim(Cell(column));
   if (cell.empty()) {
     return 0;
   }
   const auto number = WholeNumber(cell);
   if (!number) {
-    fault_(NameOf(column) + ' ' + Quoted(cell) + " is no whole number; 0 is used");
+    Fault(NameOf(column) + ' ' + Quoted(cell) + " is no whole number; " + what_to_write);
   }
   return number.value_or(0);
 }
 
-float TableRow::ReadCoefficient(Column column, float when_empty) const {
+// The id is what the cells say; as numbers they are what "@" refers to.
+void TableRow::CheckId(Column column) const {
+  const std::string_view cell = Cell(column);
+  const bool has_padding = cell.size() > 1 && cell.front() == '0';
+  const bool is_negative = !cell.empty() && cell.front() == '-';
+  if (is_negative || has_padding || !WholeNumber(cell)) {
+    Fault(NameOf(column) + ' ' + Quoted(cell) +
+          " is no whole number; write digits alone, without blanks and leading zeros");
+  }
+}
+
+// What a coefficient is instead cannot be known, so neither can what the value means.
+bool TableRow::ReadCoefficients(VarInfo* var) const {
+  const auto coefficient = ReadCoefficient(Column::kCoefficient, 1.0F);
+  const auto set_coefficient = ReadCoefficient(Column::kSetCoefficient, coefficient.value_or(1.0F));
+  if (!coefficient || !set_coefficient) {
+    return false;
+  }
+  var->coefficient = *coefficient;
+  var->set_coefficient = *set_coefficient;
+  if (std::signbit(*coefficient) != std::signbit(*set_coefficient)) {
+    faults_.Warn(line(),
+                 "Coefficient and SetCoefficient have different signs, so that what is written is "
+                 "read with the other sign; give them the same");
+  }
+  return true;
+}
+
+std::optional<float> TableRow::ReadCoefficient(Column column, float when_empty) const {
   const std::string_view cell = Trim(Cell(column));
   if (cell.empty()) {
     return when_empty;
   }
   const auto coefficient = DecimalNumber(cell);
-  if (!coefficient || *coefficient == 0.0F) {
-    fault_(NameOf(column) + ' ' + Quoted(cell) + " is no number other than 0; " +
-           ShortText(when_empty) + " is used");
-    return when_empty;
+  if (coefficient && *coefficient != 0.0F) {
+    return coefficient;
   }
-  return *coefficient;
-}
-
-std::vector<uint8_t> TableRow::ReadPayload(Column column) const {
-  auto payload = PayloadOfCell(Cell(column));
-  if (!payload) {
-    fault_(NameOf(column) + ' ' + Quoted(Cell(column)) +
-           " is no row of hexadecimal pairs; no bytes are sent");
-    return {};
-  }
-  return std::move(*payload);
-}
-
-void TableRow::Check(const VarInfo& var) const {
-  if (var.var_name.empty()) {
-    fault_("VarName is empty");
-  }
-  if (var.value_type->kind == ValueKind::kUnknown) {
-    fault_("VarType " + Quoted(var.var_type) + " is unknown");
-  }
-  if (var.get_cmd.empty() && !var.set_cmd.empty() && var.value_type->kind != ValueKind::kRaw) {
-    fault_("a variable with Set and without Get has to be raw");
-  }
-  const bool has_values = var.type == kChoice || var.type == kTallChoice;
-  if (has_values && OptionIndexOf(var, var.default_val) < 0) {
-    fault_("DefaultValue " + Quoted(var.default_val) + " is none of the Options");
-  }
-  for (size_t column = csv_.header().names.size(); column < csv_.cell_count(); ++column) {
-    if (!csv_.Cell(column).empty()) {
-      fault_("the row has more cells than the header");
-      return;
-    }
-  }
+  Fault(NameOf(column) + ' ' + Quoted(cell) +
+        " is no number other than 0; write one with a point, such as 0.5. The value is neither "
+        "shown nor changed until then");
+  return std::nullopt;
 }

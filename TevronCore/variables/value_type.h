@@ -5,7 +5,7 @@
 
 /// How the bytes of a value are meant. Whoever treats types differently switches over this.
 enum class ValueKind {
-  kUnknown,   ///< the table names a type that does not exist: neither shown nor changed
+  kUnknown,   ///< the table does not say what the value means: neither shown nor changed
   kInteger,   ///< big-endian, 1, 2, 4 or 8 bytes
   kReal,      ///< IEEE 754, 4 or 8 bytes
   kText,      ///< characters; zero bytes at the end are padding

@@ -12,12 +12,12 @@ using ConfigParserTest = TableTest;
 
 TEST_F(ConfigParserTest, FillsARecordFromEveryColumn) {
   Load(
-      "4,11,0x11,0x12,1,Start,1,int16,2.50,-100..100,deg,0.5,,Scan,2,1,0.25,0x0aFF,01\n"
+      "4,11,0x11,0x5A12,1,Start,1,int16,2.50,-100..100,deg,0.5,,Scan,2,1,0.25,0x0aFF,01\n"
       "1,1,,,,Empty,,double,,,,,,,,,\n1,2,,,,Scaled,,raw,,,,0.5,,,7,,\n");
   EXPECT_EQ(output_, "");
   const VarInfo* var = &Var("Start");
   EXPECT_EQ(var->var_id, "4-11");
-  EXPECT_EQ(var->get_cmd.str() + var->set_cmd.str(), "0x110x12");
+  EXPECT_EQ(var->get_cmd.str() + var->set_cmd.str(), "0x110x5A12");
   EXPECT_EQ(UnitSuffix(*var), " (deg)");
   EXPECT_EQ(var->coefficient, 0.5F);
   EXPECT_EQ(var->set_coefficient, 0.25F);

@@ -44,10 +44,13 @@ TEST(CsvReader, TellsABrokenRowAndReadsOnBehindItsFirstLine) {
       {"4, \"\"\"x", quote + "|4"},
       {"\"two\nlines\"x", quote},
       {"6," + std::string(5000, 'x'),
-       "3: a cell is longer than 4 KiB; maybe a quotation mark is not closed|6"},
+       "3: a cell is longer than 4 KiB; write less, or close the quotation mark that opens it|6"},
       {"7,\"" + std::string(70000, '\n'),
-       "3: a cell is longer than 4 KiB; maybe a quotation mark is not closed|7"},
-      {std::string(300, ','), "3: more than 256 cells" + std::string(256, '|')},
+       "3: a cell is longer than 4 KiB; write less, or close the quotation mark that opens it|7"},
+      {std::string(300, ','),
+       "3: more than 256 cells; a row has no more of them than the header, and a cell with a comma "
+       "stands in quotation marks" +
+           std::string(256, '|')},
   };
   for (const auto& [broken, told] : cases) {
     const Texts rows = Rows("A,B\n1,2\n" + broken + "\n\"5\",6\n7,8\n");
@@ -56,8 +59,10 @@ TEST(CsvReader, TellsABrokenRowAndReadsOnBehindItsFirstLine) {
     EXPECT_EQ(rows[rows.size() - 2], "|5|6") << told;
     EXPECT_EQ(rows.back(), "|7|8") << told;
   }
-  EXPECT_EQ(Rows("A,B\n1,\"open\n"),
-            (Texts{"2: the quotation mark that opens a cell is never closed|1"}));
+  EXPECT_EQ(
+      Rows("A,B\n1,\"open\n"),
+      (Texts{
+          "2: the quotation mark that opens a cell is never closed; write one behind the cell|1"}));
   CsvReader reader(TableFile("A,B\n1,\"two\nlines\"\n\n3,4\n").path());
   reader.Next();
   reader.Next();

@@ -42,33 +42,52 @@ TEST(OptionsCell, MakesControlsOfTheGrammarOrSaysWhatDoesNotFit) {
       {"uint16", "switch", "", "2 0..0@"},
       {"uint16", "switch:10..5000@7-1", "Off|On", "2 10..5000@7-1 0=Off 1=On"},
       {"uint8", "1|2 @ 7-1", "", "3 0..0@7-1 1=1 2=2"},
-      {"raw", "file", "", "4 0..0@"},
+      {"raw", "file", "", "a file is raw with VarLen 0 and neither Get nor Set"},
       {"raw", "monitor", "", "7 0..0@"},
       {"uint8", "yes", "", "Options \"yes\" is no range, choice, switch or known word"},
       {"uint8", "1..5000000000", "",
        "Options \"1..5000000000\" is no range of 32-bit whole numbers"},
       {"uint8", "9..1", "", "Options \"9..1\": the range ends before it begins"},
       {"uint8", "0..0", "", "Options \"0..0\" would not limit anything"},
-      {"string", "1..5", "", "a range needs a numeric VarType, not \"string\""},
+      {"string", "1..5", "", "a range needs a numeric VarType"},
       {"uint8", "1|2|3", "One|Two", "Options has 3 values, OptionDescription 2 labels"},
       {"uint8", "1|two", "", "Options: \"two\" is no 32-bit whole number"},
       {"uint8", "1|1", "", "Options: the value \"1\" stands twice"},
       {"uint8", "1|256", "", "Options: \"256\" does not fit uint8"},
       {"uint64", "-1|0", "", "Options: \"-1\" does not fit uint64"},
-      {"uint8", std::string(4096, '|'), "", "Options has 4097 values, more than 4096"},
-      {"float32", "1|2", "", "a choice needs an integer VarType, not \"float32\""},
+      {"uint8", std::string(4096, '|'), "", "Options has 4097 values; write at most 4096"},
+      {"float32", "1|2", "", "a choice needs an integer VarType"},
       {"uint8", "switch:5", "", "Options \":5\" after \"switch\" is no range"},
-      {"uint8", "1..5@seven", "",
-       "Options: \"@\" is not followed by a GroupID, \"-\" and an Index"},
+      {"uint8", "1..5@seven", "", "Options: \"@\" is not followed by a switch; write its GroupID"},
+      {"uint8", "list:1", "", "Options \"1\" is a choice of one; write two"},
+      {"uint8", "0..256", "", "Options \"0..256\": 256 does not fit uint8; write"},
+      {"uint16", "-1..9", "", "Options \"-1..9\": -1 does not fit uint16; write"},
+      {"int8", "switch:1..128", "", "Options \"1..128\": 128 does not fit int8; write"},
       {"uint8", "list:1|2@7-1", "", "Options \"list:1|2\" cannot depend on a switch"},
   };
   for (const auto& [type, options, labels, expected] : cases) {
-    EXPECT_EQ(Parsed(options, labels, Variable(type)), expected);
+    const std::string parsed = Parsed(options, labels, Variable(type));
+    // What to write instead stands behind the reason.
+    EXPECT_EQ(parsed.substr(0, expected.size()), expected);
+    EXPECT_TRUE(parsed == expected || parsed.find("; write ") != std::string::npos ||
+                parsed.find("; leave ") != std::string::npos)
+        << parsed;
   }
   EXPECT_EQ(Parsed("hidden", "", Variable("uint8", 0)), "0 0..0@ hidden");
   VarInfo scaled = Variable("uint8");
   scaled.coefficient = 0.5F;
-  EXPECT_EQ(Parsed("switch", "", scaled), "a switch needs the coefficients 1");
+  EXPECT_EQ(Parsed("switch", "", scaled).rfind("a switch needs the coefficients 1", 0), 0U);
+  // 51 / 0.2 is 255, 52 / 0.2 is beyond a byte; a negative coefficient turns the range round.
+  scaled.set_coefficient = 0.2F;
+  EXPECT_EQ(Parsed("0..51", "", scaled), "1 0..51@");
+  EXPECT_NE(Parsed("0..52", "", scaled).find("52 does not fit uint8 when divided by 0.2"),
+            std::string::npos);
+  scaled.set_coefficient = -1;
+  EXPECT_EQ(Parsed("-255..0", "", scaled), "1 -255..0@");
+  VarInfo file = Variable("raw");
+  file.set_cmd = SharedText();
+  file.offset = 0;
+  EXPECT_EQ(Parsed("file", "", file), "4 0..0@");
 }
 
 TEST(InputHint, TellsBeforeSavingWhatWouldBeRefused) {

@@ -34,7 +34,7 @@ TEST(TableRules, NameTheRowAndWhatToWrite) {
       {"3,1,0x11,0x66,1,A,1,uint8,,,,,,Scan", "written with 0x66, which asks for the challenge"},
       {"3,1,0x11,224,1,A,1,uint8,,,,,,Scan", "written with 224, which answers the challenge"},
       {"3,1,0x11,0x10,1,A,1,uint8,,,,,,Scan", "with 0x10, which restarts the lidar"},
-      {"3,1,0x25,,,A,0,uint8,,,,,,Scan", "read with 0x25, which resets the lidar"},
+      {"3,1,0x25,,,A,0,uint8,,,,,,Scan", "Get 0x25 is the Set of line 5 as well"},
       {"3,1,0x21,,,A,0,uint8,,,,,,Scan", "with 0x21, which writes the network settings"},
       {"3,1,0x20,0x21,1,A,1,uint8,,,,,,Scan\n4,1,0x41,0x45,1,B,1,uint8,,,,,,Scan", ""},
       {"3,1,0x11,0x22,1,A,0,raw,,,,,,Scan,40\n3,2,0x11,0x22,2,B,0,raw,,,,,,Scan,2",
