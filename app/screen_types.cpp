@@ -17,6 +17,7 @@
 #include "page_rows.h"
 #include "path_dialog.h"
 #include "plot/plot_item.h"
+#include "recent_lidars.h"
 #include "serial_port_list.h"
 #include "text_file.h"
 #include "uart_watch.h"
@@ -39,6 +40,7 @@ void RegisterScreenTypes() {
                                          [](QQmlEngine*, QJSEngine*) { return new ConsoleWords; });
   qmlRegisterSingletonType<InputRules>("Tevron", 1, 0, "InputRules",
                                        [](QQmlEngine*, QJSEngine*) { return new InputRules; });
+  qmlRegisterType<RecentLidars>("Tevron", 1, 0, "RecentLidars");
   qmlRegisterType<LinkWatch>("Tevron", 1, 0, "LinkWatch");
   qmlRegisterType<ManagerFacts>("Tevron", 1, 0, "ManagerFacts");
   qmlRegisterType<DownloadWatch>("Tevron", 1, 0, "DownloadWatch");

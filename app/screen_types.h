@@ -1,7 +1,7 @@
 #pragma once
 
 /// Makes the program's own small QML types known under "import Tevron 1.0": LogLines, LogFilter,
-/// PageRows, PathDialog, InputRules, Clipboard, LinkWatch, DownloadWatch, SerialPortList,
-/// UartWatch, UdpWatch, UpgradeChoice, UpgradeWatch, MonitorSource, PlotData and PlotItem. Call
-/// once, before a screen is loaded.
+/// PageRows, PathDialog, InputRules, Clipboard, LinkWatch, RecentLidars, DownloadWatch,
+/// SerialPortList, UartWatch, UdpWatch, UpgradeChoice, UpgradeWatch, MonitorSource, PlotData and
+/// PlotItem. Call once, before a screen is loaded.
 void RegisterScreenTypes();

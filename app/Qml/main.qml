@@ -11,7 +11,6 @@ FocusScope {
     readonly property var manager: tevron_manager
     readonly property string programName: "Tevron"
     property string modelName: ""
-    // Something was changed that the lidar has not got.
     readonly property bool hasEdits: pages.hasEdits
 
     // What follows once nothing speaks against it any more, by its purpose.
@@ -37,10 +36,7 @@ FocusScope {
 
     // Does something that would lose what was typed on the page, once the user has settled that.
     function leave(purpose, argument) {
-        if (pages.hasEdits)
-            messages.askEdits(purpose, argument);
-        else
-            go(purpose, argument);
+        pages.hasEdits ? messages.askEdits(purpose, argument) : go(purpose, argument);
     }
 
     function settleAndGo(answer, purpose, argument) {
@@ -83,7 +79,13 @@ FocusScope {
             connectionBar.connectOrDisconnect();
     }
 
-    Component.onCompleted: modelName = manager.getPVNowName() || "Orca"
+    Component.onCompleted: {
+        const first = manager.getPVNowName() || connectionBar.firstModel("Orca");
+        if (first === "Orca" || first === manager.getPVNowName())
+            modelName = first;
+        else
+            chooseModel(first);
+    }
 
     Connections {
         target: window.manager
@@ -133,7 +135,7 @@ FocusScope {
         programName: window.programName
         manager: window.manager
         modelName: window.modelName
-        connecting: link.connecting
+        watch: link.watch
         onModelChosen: window.leave("model", name)
         onConnectClicked: window.connectOrDisconnect()
         onCancelClicked: link.cancel()

@@ -11,6 +11,7 @@
 #include <QTest>
 
 #include "app/screen.h"
+#include "connection/connection_settings.h"
 #include "plot/plot_data.h"
 #include "support/virtual_lidar_process.h"
 
@@ -57,6 +58,13 @@ TEST_F(ScreensTest, ConnectsByAClickAndShowsTheLidarsValues) {
   screen_.Click("connectButton");
   EXPECT_FALSE(screen_.connected());
   EXPECT_EQ(screen_.LampColor(), QColor("red"));
+  screen_.TypeInto("portField", "1");
+  screen_.Click("recentLidars");
+  ASSERT_TRUE(WaitFor([&] { return screen_.Find("recent_0") != nullptr; }));
+  EXPECT_TRUE(screen_.Text("recent_0").endsWith("Orca " + lidar_.Held("SN")));
+  screen_.Key(Qt::Key_Return);
+  EXPECT_EQ(screen_.Text("portField"), QString::number(lidar_.port()));
+  EXPECT_EQ(LoadKeptText(SettingsFilePath(), "last_model"), "Orca");
   EXPECT_FALSE(screen_.FindObject("linkCheckTimer")->property("running").toBool());
 }
 

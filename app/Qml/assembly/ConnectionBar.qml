@@ -8,7 +8,7 @@ import "../theme"
 // programName   shown at the left
 // manager       the object that holds the connection settings
 // modelName     the chosen model
-// connecting    an attempt runs
+// watch         how it stands with the connection, a LinkWatch
 // connectClicked()  connect or disconnect; not told while an address or port cannot be used
 FocusScope {
     id: bar
@@ -16,7 +16,8 @@ FocusScope {
     property var manager
     property string programName: ""
     property string modelName: ""
-    property bool connecting: false
+    property var watch
+    readonly property bool connecting: watch.connecting
     readonly property bool open: manager.IsConnected || connecting
     readonly property bool network: manager.connectType === 0
     readonly property bool serialPair: manager.connectType === 1
@@ -38,6 +39,23 @@ FocusScope {
     }
 
     property bool asked: false
+
+    // The model to begin with, where none is fixed.
+    function firstModel(usual) {
+        return recent.firstModel(usual);
+    }
+
+    onModelNameChanged: if (modelName !== "" && manager.getPVNowName() === "")
+                            recent.recents.lastModel = modelName
+
+    RecentControl {
+        id: recent
+
+        manager: bar.manager
+        watch: bar.watch
+        modelName: bar.modelName
+        onModelWanted: bar.modelChosen(name)
+    }
 
     implicitHeight: Theme.topBarHeight
 
@@ -93,6 +111,17 @@ FocusScope {
             enabled: !bar.open
             manager: bar.manager
             pair: bar.serialPair
+        }
+
+        RecentPicker {
+            objectName: "recentLidars"
+            Layout.alignment: Qt.AlignBottom
+            Layout.leftMargin: -Theme.gap
+            Layout.bottomMargin: (bar.height - networkFields.implicitHeight) / 2
+            visible: !bar.open
+            entries: bar.manager.getPVNowName() === "" ? recent.recents.entries
+                : recent.recents.entries.filter(entry => entry.model === bar.modelName)
+            onChosen: recent.take(entry)
         }
 
         PlainText {
