@@ -9,6 +9,8 @@ T.ToolButton {
     id: control
 
     property string hint: ""
+    // What it drops down is shown: no place for a tooltip.
+    property bool opened: false
     property string label: ""
     readonly property color ink: !enabled ? Theme.disabledTextColor
                                : checked ? Theme.accentColor : Theme.textColor
@@ -63,7 +65,7 @@ T.ToolButton {
     }
 
     DefaultToolTip {
-        wanted: control.hovered || control.visualFocus
+        wanted: (control.hovered || control.visualFocus) && !control.opened
         text: control.hint.length > 0 ? control.hint : control.label
     }
 }

@@ -13,6 +13,7 @@ DefaultToolButton {
 
     label: qsTr("Restart or reset the lidar")
     icon.source: "../icons/gear.svg"
+    opened: menu.visible
     onClicked: menu.open()
 
     T.Popup {

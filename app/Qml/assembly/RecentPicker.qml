@@ -18,6 +18,7 @@ DefaultToolButton {
     label: qsTr("Recent lidars")
     icon.source: "../icons/chevron.svg"
     enabled: entries.length > 0
+    opened: list.visible
     onClicked: list.open()
 
     T.Popup {

@@ -44,6 +44,7 @@ FocusScope {
         width: Theme.controlHeight
         label: qsTr("List the serial ports")
         icon.source: "../icons/chevron.svg"
+        opened: list.visible
         onClicked: {
             picker.listWanted();
             list.open();

@@ -23,7 +23,8 @@ QtObject {
 
     readonly property color textColor: palette.text
     readonly property color quietTextColor: "#a9b0b6"
-    readonly property color disabledTextColor: "#7b8085"
+    // At 4.5 to 1 on every surface but the controls.
+    readonly property color disabledTextColor: "#949a9f"
 
     // The accent marks what can be acted on or is selected, and nothing else.
     readonly property color accentColor: "#35b6d6"
