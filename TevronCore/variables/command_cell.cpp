@@ -60,7 +60,7 @@ CommandCellProblem ProblemOfCommand(const std::string& text) {
   if (text.size() < kLongCommandTextLength) {
     return IsShortCode(text) ? CommandCellProblem() : NoCode(text);
   }
-  const CommandCellProblem problem = ProblemOfPairs(text);
+  CommandCellProblem problem = ProblemOfPairs(text);
   if (!problem.fault.empty()) {
     return problem;
   }

@@ -181,8 +181,9 @@ TEST_F(TableFaults, ALongCommandHasOneFixedPayload) {
                                   {"01", "02", "another than that of line 2"},
                                   {"", "02", "another than that of line 2"}};
   for (const auto& [first, second, told] : cases) {
-    Load("1,1,0x01,0x5A01,1,A,1,uint8,,,,,,,,,,," + first +
-         "\n1,2,0x01,0x5A01,2,B,1,uint8,,,,,,,,,,," + second + '\n');
+    std::string rows = "1,1,0x01,0x5A01,1,A,1,uint8,,,,,,,,,,,";
+    rows.append(first).append("\n1,2,0x01,0x5A01,2,B,1,uint8,,,,,,,,,,,").append(second);
+    Load(rows.append("\n"));
     EXPECT_NE((' ' + Told(3)).find(told), std::string::npos) << Told(3);
     EXPECT_EQ(StateOf("A"), told.empty() ? "rwc" : "r--") << told;
     EXPECT_EQ(Var("A").write->fixed_payload.empty(), first.empty());
