@@ -1,7 +1,9 @@
 #include "maintenance/device_facts.h"
 
+#include <QDateTime>
 #include <QString>
 #include <QVariantMap>
+#include <utility>
 
 using kavel::lidar::DeviceStatus;
 using kavel::lidar::SafetyState;
@@ -14,14 +16,47 @@ QVariantMap Read(const QString& key, const QString& name, const QVariant& raw,
   return {{"key", key}, {"name", name}, {"raw", raw}, {"value", value}, {"state", "read"}};
 }
 
-QVariantMap Unread(const char* key, const char* name) {
-  return {{"key", key}, {"name", name}, {"value", kUnread}, {"state", "unread"}};
+QString LocalTime(const std::chrono::system_clock::time_point& time) {
+  const auto since_epoch =
+      std::chrono::duration_cast<std::chrono::milliseconds>(time.time_since_epoch());
+  return QDateTime::fromMSecsSinceEpoch(since_epoch.count()).toString("hh:mm:ss");
 }
 
-QVariantMap TextFact(const char* key, const char* name, const std::string& text) {
-  const QString value = QString::fromStdString(text);
-  return text == kUnread ? Unread(key, name) : Read(key, name, value, value);
-}
+/// Facts as the lidar told them, with what became of asking for them.
+class FactList {
+ public:
+  explicit FactList(const DeviceFacts& facts) : facts_(facts) {}
+
+  void Append(FactGroup group, const char* key, const char* name, const std::string& text) {
+    const QString value = QString::fromStdString(text);
+    Append(group, text == kUnread ? Unread(key, name) : Read(key, name, value, value));
+  }
+
+  /// A number of the status, and the words for it.
+  void Append(const char* key, const char* name, unsigned raw, const QString& value) {
+    Append(FactGroup::kStatus, facts_.status ? Read(key, name, raw, value) : Unread(key, name));
+  }
+
+  QVariantList Take() { return std::move(list_); }
+
+ private:
+  static QVariantMap Unread(const char* key, const char* name) {
+    return {{"key", key}, {"name", name}, {"value", kUnread}, {"state", "unread"}};
+  }
+
+  void Append(FactGroup group, QVariantMap fact) {
+    const FactReading& reading = facts_.readings[static_cast<size_t>(group)];
+    fact["read_at"] = reading.read_at ? LocalTime(*reading.read_at) : QString();
+    fact["failure"] = QString::fromStdString(reading.failure);
+    if (!reading.failure.empty() && fact["state"] == "read") {
+      fact["state"] = "stale";
+    }
+    list_.append(fact);
+  }
+
+  const DeviceFacts& facts_;
+  QVariantList list_;
+};
 
 QString ReturnModeText(unsigned mode) {
   switch (mode) {
@@ -40,7 +75,15 @@ QString SpinRateText(unsigned rpm) { return QString("%1 rpm").arg(rpm); }
 
 QString StandbyText(unsigned standby) { return standby != 0 ? "Standby" : "Working"; }
 
-QString NumberText(unsigned number) { return QString::number(number); }
+QString AngularRangeText(unsigned index) {
+  constexpr int kLargest = 5;
+  return index > kLargest ? QString("Range %1").arg(index) : QString("±%1 °/s").arg(125 << index);
+}
+
+QString AccelRangeText(unsigned index) {
+  constexpr int kLargest = 3;
+  return index > kLargest ? QString("Range %1").arg(index) : QString("±%1 g").arg(2 << index);
+}
 
 QString UpTimeText(unsigned seconds) {
   return QString("%1:%2:%3")
@@ -60,42 +103,35 @@ std::string VersionText(const kavel::lidar::DeviceVersions& versions, SerialFami
 }
 
 QVariantList InfoList(const DeviceFacts& facts, SerialFamily family) {
-  QVariantList list;
-  list.append(TextFact("serial_number", "Serial Number", facts.serial_number));
-  list.append(TextFact("part_number", "Part Number", facts.part_number));
-  const auto append = [&](const char* key, const char* name, auto DeviceStatus::*member,
-                          QString (*text)(unsigned)) {
-    if (facts.status) {
-      const unsigned raw = (*facts.status).*member;
-      list.append(Read(key, name, raw, text(raw)));
-    } else {
-      list.append(Unread(key, name));
-    }
-  };
-  append("return_mode", "Return Mode", &DeviceStatus::return_mode, ReturnModeText);
-  append("spin_rate", "Spin Rate", &DeviceStatus::spin_rate_rpm, SpinRateText);
-  append("standby", "Mode", &DeviceStatus::standby, StandbyText);
+  FactList list(facts);
+  list.Append(FactGroup::kSerialNumber, "serial_number", "Serial Number", facts.serial_number);
+  list.Append(FactGroup::kPartNumber, "part_number", "Part Number", facts.part_number);
+  const DeviceStatus status = facts.status.value_or(DeviceStatus{});
+  list.Append("return_mode", "Return Mode", status.return_mode, ReturnModeText(status.return_mode));
+  list.Append("spin_rate", "Spin Rate", status.spin_rate_rpm, SpinRateText(status.spin_rate_rpm));
+  list.Append("standby", "Mode", status.standby, StandbyText(status.standby));
   if (family == SerialFamily::kKiva) {
-    append("angular_range", "IMU Angular Range Index", &DeviceStatus::angular_range_index,
-           NumberText);
-    append("accel_range", "IMU Acceleration Range Index", &DeviceStatus::accel_range_index,
-           NumberText);
+    list.Append("angular_range", "IMU Angular Range", status.angular_range_index,
+                AngularRangeText(status.angular_range_index));
+    list.Append("accel_range", "IMU Acceleration Range", status.accel_range_index,
+                AccelRangeText(status.accel_range_index));
   }
-  append("up_time", "Up Time", &DeviceStatus::up_time_s, UpTimeText);
-  return list;
+  list.Append("up_time", "Up Time", status.up_time_s, UpTimeText(status.up_time_s));
+  return list.Take();
 }
 
 QVariantList VersionList(const DeviceFacts& facts, SerialFamily family) {
-  QVariantList list;
-  list.append(TextFact("firmware", "Firmware Version", facts.versions.firmware));
-  list.append(TextFact("pbl", "PBL Version", facts.pbl_version));
+  FactList list(facts);
+  list.Append(FactGroup::kVersions, "firmware", "Firmware Version", facts.versions.firmware);
+  list.Append(FactGroup::kPblVersion, "pbl", "PBL Version", facts.pbl_version);
   if (family == SerialFamily::kKiva) {
-    list.append(TextFact("fpga_bottom", "BMB FPGA Version", facts.versions.fpga_a));
-    list.append(TextFact("fpga_top", "TMB FPGA Version", facts.versions.fpga_b));
+    list.Append(FactGroup::kVersions, "fpga_bottom", "BMB FPGA Version", facts.versions.fpga_a);
+    list.Append(FactGroup::kVersions, "fpga_top", "TMB FPGA Version", facts.versions.fpga_b);
   } else if (family == SerialFamily::kLumo) {
-    list.append(TextFact("junction_box", "Junction Box Version", facts.versions.fpga_a));
+    list.Append(FactGroup::kVersions, "junction_box", "Junction Box Version",
+                facts.versions.fpga_a);
   }
-  return list;
+  return list.Take();
 }
 
 QVariantList SafetyList(const std::vector<SafetyState>& states) {

@@ -1,6 +1,8 @@
 #pragma once
 
 #include <QVariantList>
+#include <array>
+#include <chrono>
 #include <optional>
 #include <string>
 #include <vector>
@@ -11,8 +13,18 @@
 /// Shown for what has not been read.
 inline constexpr char kUnread[] = "xxxxxxxx";
 
+/// The facts that one exchange brings.
+enum class FactGroup { kSerialNumber, kPartNumber, kVersions, kPblVersion, kStatus, kCount };
+
+/// What became of asking for them.
+struct FactReading {
+  std::optional<std::chrono::system_clock::time_point> read_at;  ///< the last time they were told
+  std::string failure;  ///< why they were not told when last asked for; "" when they were
+};
+
 /// What a serial-attached lidar says about itself.
 struct DeviceFacts {
+  std::array<FactReading, static_cast<size_t>(FactGroup::kCount)> readings;
   std::string serial_number = kUnread;
   std::string part_number = kUnread;
   std::string pbl_version = kUnread;  ///< of the primary boot loader
@@ -25,7 +37,9 @@ std::string VersionText(const kavel::lidar::DeviceVersions& versions, SerialFami
 
 /// The facts as the screens show them, one map each: "name" and "value" are texts to show, "key"
 /// names the fact to the program, "raw" is the number or text that the lidar told, and "state" is
-/// "read", or "unread" for what it has not told; then "value" is kUnread and "raw" is missing.
+/// "read", "stale" for what it told before but not when it was last asked, or "unread" for what it
+/// has never told; then "value" is kUnread and "raw" is missing. "read_at" is the local time of the
+/// last reading, "failure" why there is none since; either may be "".
 QVariantList InfoList(const DeviceFacts& facts, SerialFamily family);
 QVariantList VersionList(const DeviceFacts& facts, SerialFamily family);
 QVariantList SafetyList(const std::vector<kavel::lidar::SafetyState>& states);

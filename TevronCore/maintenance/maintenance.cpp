@@ -1,8 +1,10 @@
 #include "maintenance/maintenance.h"
 
+#include <chrono>
 #include <exception>
 #include <limits>
 #include <stdexcept>
+#include <utility>
 
 #include "CmxClient/cmx_client.h"
 #include "CmxClient/device_commands.h"
@@ -192,25 +194,39 @@ DeviceFacts Maintenance::ReadFacts(DeviceFacts facts, bool silent) {
   }
   CommandSender& lidar = *link_.sender;
   bool is_silent = false;
-  const auto read = [&](const MaintenanceTexts& texts, auto get, auto* fact) {
-    if (is_silent || !IsReady(texts, true)) {
+  const auto read = [&](FactGroup group, const MaintenanceTexts& texts, auto get, auto* fact) {
+    if (!IsReady(texts, true)) {
       return false;  // an upgrade that has begun meanwhile has the line to itself
     }
-    const int32_t result = get(lidar, fact);
-    is_silent = result == kNoReply;
-    return Conclude(texts, result, silent);
+    FactReading& reading = facts.readings[static_cast<size_t>(group)];
+    const int32_t result = is_silent ? kNoReply : get(lidar, fact);
+    reading.failure = result == 0 ? "" : CmxClient::ErrorText(result);
+    if (result == 0) {
+      reading.read_at = std::chrono::system_clock::now();
+    }
+    return !std::exchange(is_silent, result == kNoReply) && Conclude(texts, result, silent);
+  };
+  const auto keep_valid = [&](FactGroup group, const std::string& number, const char* if_invalid,
+                              std::string* kept) {
+    if (IsValidNumber(number)) {
+      *kept = number;
+    } else {
+      facts.readings[static_cast<size_t>(group)] = {std::nullopt, if_invalid};
+      Fail(if_invalid, silent);
+    }
   };
   std::string number;
-  if (read(kReadSerialNumber, GetSerialNumber, &number)) {
-    KeepValid(number, "SN invalid after validation", silent, &facts.serial_number);
+  if (read(FactGroup::kSerialNumber, kReadSerialNumber, GetSerialNumber, &number)) {
+    keep_valid(FactGroup::kSerialNumber, number, "SN invalid after validation",
+               &facts.serial_number);
   }
-  if (read(kReadPartNumber, GetPartNumber, &number)) {
-    KeepValid(number, "PN invalid after validation", silent, &facts.part_number);
+  if (read(FactGroup::kPartNumber, kReadPartNumber, GetPartNumber, &number)) {
+    keep_valid(FactGroup::kPartNumber, number, "PN invalid after validation", &facts.part_number);
   }
-  read(kReadVersions, GetVersions, &facts.versions);
-  read(kReadPblVersion, GetPblVersion, &facts.pbl_version);
+  read(FactGroup::kVersions, kReadVersions, GetVersions, &facts.versions);
+  read(FactGroup::kPblVersion, kReadPblVersion, GetPblVersion, &facts.pbl_version);
   DeviceStatus status;
-  if (read(kReadStatus, GetStatus, &status)) {
+  if (read(FactGroup::kStatus, kReadStatus, GetStatus, &status)) {
     facts.status = status;
   }
   return facts;
@@ -297,13 +313,4 @@ void Maintenance::Fail(const std::string& text, bool silent) {
     report_.Error(text);
   }
   report_.LogLine(text, LogType::kError);
-}
-
-void Maintenance::KeepValid(const std::string& number, const char* if_invalid, bool silent,
-                            std::string* kept) {
-  if (IsValidNumber(number)) {
-    *kept = number;
-  } else {
-    Fail(if_invalid, silent);
-  }
 }

@@ -79,7 +79,6 @@ class Maintenance {
   bool IsReady(const MaintenanceTexts& texts, bool silent = false);
   bool Conclude(const MaintenanceTexts& texts, int32_t result, bool silent = false);
   void Fail(const std::string& text, bool silent = false);
-  void KeepValid(const std::string& number, const char* if_invalid, bool silent, std::string* kept);
   int32_t Send(const TableCommandTexts& texts, const ConfigParser& table, std::string* failure);
 
   const MaintenanceLink link_;

@@ -3,6 +3,8 @@
 #include <gtest/gtest.h>
 
 #include <QElapsedTimer>
+#include <QTcpServer>
+#include <QTcpSocket>
 #include <QTemporaryDir>
 #include <QTimer>
 #include <algorithm>
@@ -51,14 +53,68 @@ TEST(SerialScreenTest, ReadsAndSetsOverOneLine) {
   screen.TypeInto("destinationPort", "3000");
   screen.Click("destinationSet");
   ASSERT_TRUE(screen.WaitForNotice("set destination IP and port successful"));
+  EXPECT_TRUE(WaitFor([&] { return !screen.Value("destinationIp", "pending").toBool(); }));
   screen.TypeInto("destinationIp", "9.9.9.9");
   screen.Click("destinationRead");
-  EXPECT_TRUE(WaitFor([&] { return screen.Text("destinationIp") == "10.1.2.3"; }));
+  EXPECT_TRUE(WaitFor([&] { return screen.Find("serialActivity") == nullptr; }));
+  EXPECT_EQ(screen.Text("destinationIp"), "9.9.9.9") << "a reading takes nothing back";
+  EXPECT_EQ(screen.Text("destinationIpNote"), "was 10.1.2.3");
+  screen.Click("destinationIpUndo");
+  EXPECT_EQ(screen.Text("destinationIp"), "10.1.2.3");
+  EXPECT_EQ(screen.Find("destinationIpUndo"), nullptr);
 
   screen.Click("connectButton");
   EXPECT_FALSE(screen.connected());
   EXPECT_EQ(screen.LampColor(), QColor("red"));
-  EXPECT_EQ(screen.Text("destinationIp"), "") << "nothing is known of the next lidar";
+  EXPECT_EQ(screen.Text("destinationIp"), "10.1.2.3");
+  EXPECT_TRUE(screen.Value("destinationIp", "stale").toBool());
+}
+
+TEST(SerialScreenTest, KeepsWhatItKnewAndWhatWasTypedWhenNothingIsAnswered) {
+  Screen screen("Kiva-CMX");
+  // Setting the destination is refused, reading it again finds no answer, nor do the versions.
+  const VirtualLidarProcess lidar({"--model", "Kiva-CMX", "--fault", "return-code=3@0x43#1",
+                                   "--fault", "drop@0x42#2-2", "--fault",
+                                   "return-code=3@0x4D#2-2"});
+  screen.TypeInto("port485_field", lidar.SerialPort());
+  Connect(&screen);
+  const QString held = screen.Text("destinationIp");
+  screen.TypeInto("destinationIp", "10.1.2.3");
+  screen.Click("destinationSet");
+  ASSERT_TRUE(screen.WaitForBox("set destination IP and port error, ret:"));
+  ASSERT_TRUE(screen.CloseBox());
+  EXPECT_EQ(screen.Text("destinationIp"), "10.1.2.3");
+  EXPECT_EQ(screen.Text("destinationIpNote"), "was " + held);
+  screen.Click("destinationRead");
+  ASSERT_TRUE(screen.WaitForBox("get destination config error, ret:"));
+  ASSERT_TRUE(screen.CloseBox());
+  screen.Click("destinationIpUndo");
+  EXPECT_EQ(screen.Text("destinationIp"), held);
+  EXPECT_TRUE(screen.Value("destinationIp", "stale").toBool());
+
+  screen.Click("standby");
+  screen.Key(Qt::Key_Down);
+  screen.Key(Qt::Key_Return);
+  screen.Click("standbySet");
+  EXPECT_TRUE(WaitFor([&] { return Facts(screen, "lidarInfo").contains("Mode=Standby"); }));
+  EXPECT_TRUE(Facts(screen, "lidarVersions").contains("BMB FPGA Version="));
+  EXPECT_TRUE(screen.connected()) << "nothing is let go by itself";
+}
+
+TEST(SerialScreenTest, ANumberOfTheLidarIsTextAndNothingElse) {
+  QTcpServer server;
+  ASSERT_TRUE(server.listen(QHostAddress::LocalHost));
+  const QString number = QString("<img src=\"http://127.1:%1/x\">").arg(server.serverPort());
+  Screen screen("Kiva-CMX");
+  const VirtualLidarProcess lidar({"--model", "Kiva-CMX", "--set", "SN=" + number});
+  screen.TypeInto("port485_field", lidar.SerialPort());
+  Connect(&screen);
+  EXPECT_TRUE(Facts(screen, "lidarInfo").contains("Serial Number=" + number));
+  // Whoever was asked for a picture while that was shown stands in front of this client.
+  QTcpSocket client;
+  client.connectToHost(QHostAddress::LocalHost, server.serverPort());
+  ASSERT_TRUE(WaitFor([&] { return server.hasPendingConnections(); }));
+  EXPECT_EQ(server.nextPendingConnection()->peerPort(), client.localPort());
 }
 
 // By drops and clicks, with the window alive and guarded all the while.

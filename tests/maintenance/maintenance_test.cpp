@@ -5,6 +5,7 @@
 #include <QVariantMap>
 #include <functional>
 
+#include "CmxClient/cmx_client.h"
 #include "support/model_fixture.h"
 #include "support/recorded_report.h"
 #include "support/scripted_sender.h"
@@ -143,8 +144,8 @@ TEST_F(MaintenanceTest, FactsAreShownUnderTheNamesOfTheModel) {
             "Return Mode|return_mode|Strongest and last|2\n"
             "Spin Rate|spin_rate|1200 rpm|1200\n"
             "Mode|standby|Standby|1\n"
-            "IMU Angular Range Index|angular_range|3|3\n"
-            "IMU Acceleration Range Index|accel_range|2|2\n"
+            "IMU Angular Range|angular_range|±1000 °/s|3\n"
+            "IMU Acceleration Range|accel_range|±8 g|2\n"
             "Up Time|up_time|1:00:01|3601\n");
   EXPECT_EQ(Shown(VersionList(facts, TraitsOf("Kiva-CMX").family)),
             "Firmware Version|firmware|1.4.2|1.4.2\nPBL Version|pbl|0.9|0.9\n"
@@ -155,6 +156,36 @@ TEST_F(MaintenanceTest, FactsAreShownUnderTheNamesOfTheModel) {
   EXPECT_EQ(Shown(SafetyList(serial_.ReadFunctionSafety())),
             "Safety function 1|safety_1|OK|0\n"
             "Safety function 4|safety_4|State 2, fault code 0x012f|2\n");
+}
+
+TEST_F(MaintenanceTest, WhatIsNotToldAgainIsKeptAndMarked) {
+  lidar_.replies = {{0, Text("Kiva2600059", 32)},
+                    {0, Text("KivaD32", 32)},
+                    {0, Text("1.4.2", 16) + Text("A7", 16) + Text("B2", 16)},
+                    {3, {}},
+                    {0, {2, 0x04, 0xB0, 1, 3, 2, 0, 0, 0x0E, 0x11}}};
+  const DeviceFacts facts = serial_.ReadFacts();
+  const size_t asked = lidar_.sent.size();
+  lidar_.replies = {{0, Text("Kiva2600060", 32)}, {kavel::lidar::kNoReply, {}}};
+  const DeviceFacts again = serial_.ReadFacts(facts, true);
+  EXPECT_EQ(lidar_.sent.size(), asked + 2) << "a silent lidar is not asked for the rest";
+  const auto states = [](const QVariantList& list) {
+    QString text;
+    for (const QVariant& fact : list) {
+      const QVariantMap map = fact.toMap();
+      text += map["value"].toString() + '|' + map["state"].toString() + '|' +
+              (map["read_at"].toString().isEmpty() ? "" : "timed") + '|' +
+              map["failure"].toString() + '\n';
+    }
+    return text.toStdString();
+  };
+  const std::string silence =
+      "|stale|timed|" + kavel::lidar::CmxClient::ErrorText(kavel::lidar::kNoReply) + '\n';
+  EXPECT_EQ(states(InfoList(again, SerialFamily::kLumo)),
+            "Kiva2600060|read|timed|\nKivaD32" + silence + "Strongest and last" + silence +
+                "1200 rpm" + silence + "Standby" + silence + "1:00:01" + silence);
+  EXPECT_EQ(states(VersionList(facts, SerialFamily::kLumo)),
+            "1.4.2|read|timed|\nxxxxxxxx|unread||lidar return code 3\nA7|read|timed|\n");
 }
 
 TEST_F(MaintenanceTest, RestartAndResetSendWhatTheTableNames) {

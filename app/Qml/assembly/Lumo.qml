@@ -5,86 +5,54 @@ import "../controls"
 import "../theme"
 
 // The screen of the lidars on a serial line, which have no pages: what they are, and the few things
-// that can be read from them and set.
+// that can be read from them and set. What was read stays in sight, grey and with its time, until
+// another lidar is connected; what was typed stays until it is set or taken back.
 //
 // manager       the object that talks to the lidar
 // modelName     the chosen model
 // upgrade       the window's UpgradeControl
+// hasEdits      something was typed or chosen and not set
 // restartWanted()  the user wants a restart; whoever listens asks first
+// refused(reason)  what the user wanted cannot be done now
+// asked()       the lidar was asked for something, and has answered or not
 FocusScope {
     id: screen
 
     property var manager
     property string modelName: ""
     property var upgrade
-
+    readonly property bool hasEdits: control.hasEdits
     readonly property bool cmxSerial: manager.connectType === 2
-    // What is being done right now, as a sentence; empty when nothing is.
-    property string activity: ""
-    readonly property bool waiting: activity.length > 0 || manager.isGetPBLVersion
-    readonly property string notReady: !manager.IsConnected ? qsTr("Connect to the lidar first.")
-                                     : manager.IsUpgrading ? qsTr("The lidar is being upgraded.")
-                                     : waiting ? qsTr("Please wait.") : ""
-    readonly property string notByCmx: cmxSerial ? notReady
+    readonly property bool connected: manager.IsConnected
+    readonly property string notReady: !connected ? qsTr("Connect to the lidar first.")
+                                     : manager.IsUpgrading ? qsTr("The lidar is being upgraded.") : ""
+    readonly property string notByCmx: cmxSerial ? ""
         : qsTr("Not possible over a pair of serial ports. Choose the model's CMX variant to do this.")
 
     signal restartWanted()
+    signal refused(string reason)
+    signal asked()
 
-    // Lets the window show what is going on before `operation`, which waits for the lidar, begins.
-    function run(text, operation) {
-        if (waiting)
-            return;
-        activity = text;
-        start.operation = operation;
-        start.start();
-    }
+    function settle() { return control.settle(); }
+    function discard() { control.discard(); }
 
-    // Shows in `section` what was read; a reading that failed leaves what is shown as it is.
-    function show(section, held) {
-        if (held.length > 0)
-            section.take(held);
-    }
-
-    // What one lidar told says nothing about the next.
-    function forget() {
-        for (const section of [network, destination, baudRate, safety])
-            section.take([]);
-    }
-
-    // After the facts: two readers at once would only wait for each other.
-    function readSettings() {
-        if (manager.IsConnected && cmxSerial && !manager.isGetPBLVersion) {
-            run(qsTr("Reading the lidar's settings…"), () => {
-                show(network, manager.LumoGetNetConfig(true));
-                show(destination, manager.LumoGetDestinationConfig(true));
-            });
-        }
-    }
-
-    Component.onCompleted: readSettings()
-
-    Connections {
-        target: screen.manager
-        function onIsConnectedChanged() { screen.forget(); }
-        function onIsGetPBLVersionChanged() { screen.readSettings(); }
-    }
-
-    ManagerFacts {
-        id: facts
+    LumoControl {
+        id: control
 
         manager: screen.manager
+        obstacle: screen.notReady
+        network: networkGroup
+        destination: destinationGroup
+        baudRate: baudRateGroup
+        safety: safetyGroup
+        operation: operationGroup
+        onRefused: screen.refused(reason)
+        onAsked: screen.asked()
     }
+    ManagerFacts {
+        id: managerFacts
 
-    Timer {
-        id: start
-
-        property var operation
-
-        interval: 20
-        onTriggered: {
-            operation();
-            screen.activity = "";
-        }
+        manager: screen.manager
     }
 
     RowLayout {
@@ -99,13 +67,14 @@ FocusScope {
         SectionTitle {
             Layout.fillWidth: true
             text: screen.modelName
-            description: screen.cmxSerial ? qsTr("Command frames over one serial line")
+            description: screen.notReady.length > 0 ? screen.notReady
+                       : screen.cmxSerial ? qsTr("Command frames over one serial line")
                                           : qsTr("Commands over RS-485, answers over the UART port")
         }
         LoadingWidget {
             objectName: "serialActivity"
-            running: screen.waiting
-            text: screen.activity.length > 0 ? screen.activity : qsTr("Reading the PBL version…")
+            running: text.length > 0
+            text: control.activity
         }
         DefaultButton {
             objectName: "serialRestart"
@@ -139,89 +108,74 @@ FocusScope {
             columnSpacing: Theme.gapWide
             rowSpacing: Theme.gapWide
 
-            LumoSection {
+            LumoFactsSection {
                 title: qsTr("Information")
-                LumoFacts {
-                    objectName: "lidarInfo"
-                    width: parent.width
-                    entries: screen.manager.LumoLidarInfo
-                }
+                name: "lidarInfo"
+                connected: screen.connected
+                entries: control.info
             }
-
-            LumoSection {
+            LumoFactsSection {
                 title: qsTr("Versions")
-                LumoFacts {
-                    objectName: "lidarVersions"
-                    width: parent.width
-                    entries: screen.manager.LumoLidarVersionInfo
-                }
+                name: "lidarVersions"
+                connected: screen.connected
+                entries: control.versions
             }
-
             LumoNetwork {
-                id: network
+                id: networkGroup
 
                 obstacle: screen.notByCmx
-                onReadWanted: screen.run(qsTr("Reading the network settings…"), () =>
-                    screen.show(network, screen.manager.LumoGetNetConfig(false)))
-                onSetWanted: screen.run(qsTr("Setting the network…"), () =>
-                    screen.manager.LumoSetNet(ip, mask, gateway, vlanFlag, vlanId))
+                connected: screen.connected
+                usable: control.ready
+                onReadWanted: control.read(networkGroup)
+                onSetWanted: control.set(networkGroup)
             }
-
             LumoOperation {
-                obstacle: screen.notReady
-                facts: screen.manager.LumoLidarInfo
+                id: operationGroup
+
+                connected: screen.connected
+                usable: control.ready
+                facts: control.info
                 imuReachable: screen.cmxSerial
-                onReturnModeWanted: screen.run(qsTr("Setting the return mode…"), () =>
-                    screen.manager.LumoSetReturnMode(mode))
-                onSpinRateWanted: screen.run(qsTr("Setting the spin rate…"), () =>
-                    screen.manager.LumoSetSpinRate(rpm))
-                onStandbyWanted: screen.run(qsTr("Setting the mode…"), () =>
-                    screen.manager.LumoSetStandby(standby))
-                onImuRangeWanted: screen.run(qsTr("Setting the motion sensor…"), () =>
-                    screen.manager.KivaSetIMURange(angular, accel))
+                onSetWanted: control.setOrder(order)
             }
-
             LumoDestination {
-                id: destination
+                id: destinationGroup
 
                 obstacle: screen.notByCmx
-                onReadWanted: screen.run(qsTr("Reading the destination…"), () =>
-                    screen.show(destination, screen.manager.LumoGetDestinationConfig(false)))
-                onSetWanted: screen.run(qsTr("Setting the destination…"), () =>
-                    screen.manager.LumoSetDestinationIPandPort(ip, port))
+                connected: screen.connected
+                usable: control.ready
+                onReadWanted: control.read(destinationGroup)
+                onSetWanted: control.set(destinationGroup)
             }
-
             LumoBaudRate {
-                id: baudRate
+                id: baudRateGroup
 
                 obstacle: screen.notByCmx
-                onReadWanted: screen.run(qsTr("Reading the baud rate…"), () =>
-                    screen.show(baudRate, [screen.manager.LumoGetBaudRate()].filter(rate => rate)))
-                onSetWanted: screen.run(qsTr("Setting the baud rate…"), () =>
-                    screen.manager.LumoSetBaudRateFromUI(rate))
+                connected: screen.connected
+                usable: control.ready
+                onReadWanted: control.read(baudRateGroup)
+                onSetWanted: control.set(baudRateGroup)
             }
-
             LumoCalibration {
                 id: calibration
 
-                visible: facts.hasCalibration
-                obstacle: screen.notReady
-                onSaveWanted: screen.run(qsTr("Reading the calibration…"), () => {
+                visible: managerFacts.hasCalibration
+                connected: screen.connected
+                usable: control.ready
+                onSaveWanted: control.run(qsTr("Reading the calibration…"), () => {
                     screen.manager.LumoGetCorrection(folder);
                     calibration.lookAtFolder();
                 })
             }
-
             LumoSafety {
-                id: safety
+                id: safetyGroup
 
                 Layout.columnSpan: grid.columns
                 Layout.fillHeight: false
-                obstacle: screen.notReady
-                onReadWanted: screen.run(qsTr("Reading the safety functions…"), () =>
-                    screen.show(safety, screen.manager.LumoGetLidarFunctionSafety()))
+                connected: screen.connected
+                usable: control.ready
+                onReadWanted: control.read(safetyGroup)
             }
-
             LumoSection {
                 title: qsTr("Firmware upgrade")
                 Layout.columnSpan: grid.columns

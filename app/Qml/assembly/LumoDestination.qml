@@ -1,55 +1,43 @@
 import QtQuick 2.15
 import Tevron 1.0
 
-// Where a serial-attached lidar sends its point cloud.
+// Where a serial-attached lidar sends its point cloud. `held` is IP address and UDP port.
 LumoSection {
     id: section
 
-    // IP address and UDP port that the lidar holds; empty when it has not been asked.
-    property var held: []
+    readonly property var wanted: [ipField.text, Number(portField.text)]
 
     signal readWanted()
-    signal setWanted(string ip, int port)
-
-    // Shows what the lidar holds, over whatever was typed.
-    function take(destination) {
-        held = destination;
-        ipField.revert();
-        portField.revert();
-    }
+    signal setWanted()
 
     title: qsTr("Point-cloud destination")
+    fields: [ipField, portField]
 
-    LumoField {
+    LumoText {
+        id: ipField
+
         caption: qsTr("IP address")
-        DefaultTextField {
-            id: ipField
-
-            objectName: "destinationIp"
-            value: section.held.length > 0 ? section.held[0] : ""
-            problem: text.length > 0 ? InputRules.AddressProblem(text) : ""
-            label: qsTr("Address to which the lidar sends its points")
-            hint: label
-        }
+        name: "destinationIp"
+        label: qsTr("Address to which the lidar sends its points")
+        held: section.held.length > 0 ? section.held[0] : ""
+        stale: section.stale
+        check: InputRules.AddressProblem
     }
-    LumoField {
-        caption: qsTr("UDP port")
-        DefaultTextField {
-            id: portField
+    LumoText {
+        id: portField
 
-            objectName: "destinationPort"
-            value: section.held.length > 1 ? String(section.held[1]) : ""
-            problem: text.length > 0 ? InputRules.PortProblem(text) : ""
-            label: qsTr("UDP port to which the lidar sends its points")
-            hint: label
-        }
+        caption: qsTr("UDP port")
+        name: "destinationPort"
+        label: qsTr("UDP port to which the lidar sends its points")
+        held: section.held.length > 1 ? String(section.held[1]) : ""
+        stale: section.stale
+        check: InputRules.PortProblem
     }
     LumoReadSet {
         prefix: "destination"
         what: qsTr("the destination")
-        complete: ipField.text.length > 0 && ipField.problem === ""
-                  && portField.text.length > 0 && portField.problem === ""
+        complete: section.complete
         onReadWanted: section.readWanted()
-        onSetWanted: section.setWanted(ipField.text, Number(portField.text))
+        onSetWanted: section.setWanted()
     }
 }

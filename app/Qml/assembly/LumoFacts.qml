@@ -6,8 +6,10 @@ import "../theme"
 Column {
     id: facts
 
-    // Maps with "name", "value" and "state".
+    // Maps with "name", "value" and "state", see InfoList.
     property var entries: []
+    // Nothing says that they still hold.
+    property bool stale: false
 
     spacing: Theme.gapTiny
 
@@ -15,6 +17,8 @@ Column {
         model: facts.entries
 
         Row {
+            readonly property bool unread: modelData.state === "unread"
+
             width: facts.width
             spacing: Theme.gap
 
@@ -26,18 +30,23 @@ Column {
             }
             // For copying: a serial number is what people ask for by mail.
             TextEdit {
+                id: value
+
                 width: parent.width / 2 - parent.spacing
-                text: modelData.state === "read" ? modelData.value : Theme.unreadText
+                text: parent.unread ? Theme.unreadText : modelData.value
                 textFormat: TextEdit.PlainText
                 font: Theme.bodyFont
-                color: Theme.textColor
+                color: facts.stale || modelData.state === "stale" ? Theme.disabledTextColor
+                                                                  : Theme.textColor
                 selectionColor: Theme.selectionColor
                 selectedTextColor: Theme.textColor
                 readOnly: true
                 selectByMouse: true
+                activeFocusOnTab: true
                 clip: true
                 Accessible.role: Accessible.StaticText
                 Accessible.name: modelData.name + ": " + text
+                onActiveFocusChanged: activeFocus ? selectAll() : deselect()
             }
         }
     }

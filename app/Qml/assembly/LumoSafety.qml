@@ -1,16 +1,11 @@
 import QtQuick 2.15
 import "../controls"
 
-// What the safety functions of a serial-attached lidar report.
+// What the safety functions of a serial-attached lidar report. `held` is maps as for LumoFacts.
 LumoSection {
     id: section
 
     signal readWanted()
-
-    // Shows what the lidar told, maps as for LumoFacts.
-    function take(told) {
-        states.entries = told;
-    }
 
     title: qsTr("Function safety")
 
@@ -21,9 +16,9 @@ LumoSection {
         onClicked: section.readWanted()
     }
     LumoFacts {
-        id: states
-
         objectName: "safetyStates"
         width: parent.width
+        entries: section.held
+        stale: section.stale
     }
 }

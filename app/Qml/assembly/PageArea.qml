@@ -12,7 +12,8 @@ Item {
     property int currentTab: 0
     readonly property bool network: manager.connectType === 0
     // What is typed counts.
-    readonly property bool hasEdits: network && page.hasEdits
+    readonly property bool hasEdits: network ? page.hasEdits
+                                             : serial.item !== null && serial.item.hasEdits
     // The page's edits are on their way to the lidar.
     readonly property alias saving: page.saving
 
@@ -29,6 +30,8 @@ Item {
 
     // Saves what is edited; true when nothing is left to be saved or lost.
     function settle() {
+        if (!network)
+            return serial.item.settle();
         page.forceActiveFocus();
         if (hasEdits)
             page.save();
@@ -37,7 +40,10 @@ Item {
 
     // Drops what is edited.
     function discard() {
-        page.discard();
+        if (network)
+            page.discard();
+        else
+            serial.item.discard();
     }
 
     // Shows another page. Edits belong to the page they were made on: they go with it.
@@ -129,12 +135,15 @@ Item {
     }
 
     Loader {
+        id: serial
+
         anchors.fill: parent
         active: !area.network
         sourceComponent: Lumo {
             manager: area.manager
             modelName: area.modelName
             upgrade: area.upgrade
+            onRefused: area.refused(reason)
             onRestartWanted: area.restartWanted()
         }
     }

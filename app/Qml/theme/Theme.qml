@@ -85,7 +85,7 @@ QtObject {
     readonly property int consoleMinimumWidth: 85 * grid
     readonly property int logMinimumHeight: 28 * grid
     readonly property int logSearchWidth: 38 * grid
-    readonly property int serialPanelWidth: 90 * grid
+    readonly property int serialPanelWidth: 125 * grid
     // The widths of fields and captions that are no plain fieldWidth.
     readonly property int captionWidth: 72 * grid
     readonly property int serialCaptionWidth: 29 * grid
