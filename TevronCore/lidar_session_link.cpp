@@ -17,6 +17,9 @@ LinkSnapshot LidarSession::LinkNow() const {
   now.loss = loss_;
   now.next_place = next_place_;
   now.next_places = next_places_;
+  if (state_.connected && connection_ != nullptr && model_->connect_type != kNetworkLink) {
+    now.silent_since = connection_->SilentSince();
+  }
   if (state_.connected) {
     now.part_number = known(PartNumber());
     now.serial_number = known(SerialNumber());

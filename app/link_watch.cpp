@@ -35,6 +35,12 @@ void LinkWatch::SetManager(QObject* manager) {
           &TevronManager::lumoLidarInfoChanged, &TevronManager::lidarModelChanged}) {
       connect(manager_, news, this, &LinkWatch::Look);
     }
+    connect(manager_, &TevronManager::sendLogMessage, this,
+            [this](const QString&, const QString& type) {
+              if (type == QLatin1String("ERROR")) {
+                Look();
+              }
+            });
     now_ = manager_->LinkNow();
   }
   emit managerChanged();
@@ -45,6 +51,11 @@ QString LinkWatch::news() const {
   if (now_.awaiting) {
     return tr("Waiting until %2 for the lidar at %1, which restarts or has taken new settings.")
         .arg(place(), LocalTime(now_.give_up_at));
+  }
+  if (silent()) {
+    return tr("No answer since %1 from the lidar on %2. It may be off, restarting, or not on this "
+              "line.")
+        .arg(LocalTime(*now_.silent_since), place());
   }
   if (!lost()) {
     return {};
@@ -77,7 +88,7 @@ void LinkWatch::Look() {
   }
   const int places_before = now_.next_places;
   now_ = manager_->LinkNow();
-  if (!now_.connecting && !manager_->UpgradeNow().running) {
+  if (!now_.connecting && !silent() && !manager_->UpgradeNow().running) {
     timer_.stop();
   } else if (!timer_.isActive()) {
     timer_.start();

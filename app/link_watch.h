@@ -11,8 +11,9 @@ class TevronManager;
 
 /// What the screens show of the connection: whether one is made, was lost or is waited for, why an
 /// attempt failed, and who the connected lidar is. The manager announces neither the end of an
-/// attempt that failed nor that an upgrade connects, so that both are looked for ten times a second
-/// while there may be one, and not at all otherwise. GUI thread only.
+/// attempt that failed nor that an upgrade connects nor that a silent lidar answers again, so that
+/// these are looked for ten times a second while there may be one, and not at all otherwise. GUI
+/// thread only.
 class LinkWatch : public QObject {
   Q_OBJECT
   /// The manager; anything else never connects.
@@ -22,7 +23,10 @@ class LinkWatch : public QObject {
   Q_PROPERTY(bool awaiting READ awaiting NOTIFY changed)
   /// The connection ended although nobody ended it, and there is none since.
   Q_PROPERTY(bool lost READ lost NOTIFY changed)
-  /// What is waited for, or since when the connection is lost and why: a sentence; else empty.
+  /// Connected, over a serial line, to a lidar that did not answer when it was last asked.
+  Q_PROPERTY(bool silent READ silent NOTIFY changed)
+  /// What is waited for, since when the connection is lost and why, or since when nothing is
+  /// answered: a sentence; else empty.
   Q_PROPERTY(QString news READ news NOTIFY changed)
   /// Why the last attempt failed, a sentence with its place; empty while none is known.
   Q_PROPERTY(QString failure READ failure NOTIFY changed)
@@ -44,6 +48,7 @@ class LinkWatch : public QObject {
   bool connecting() const { return now_.connecting; }
   bool awaiting() const { return now_.awaiting; }
   bool lost() const { return now_.loss.has_value() && !now_.connected; }
+  bool silent() const { return now_.silent_since.has_value(); }
   QString news() const;
   QString failure() const { return QString::fromStdString(now_.failure); }
   QString part_number() const { return QString::fromStdString(now_.part_number); }

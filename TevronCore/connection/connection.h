@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <cstdint>
 #include <memory>
 #include <optional>
@@ -34,6 +35,11 @@ class Connection {
   void SetLivenessCommand(uint8_t cmd);
   /// Asks once, with that command. False without an answer; a refusal is one.
   bool IsAnswered() const;
+
+  /// Since when the lidar answers nothing; see CmxClient.
+  std::optional<std::chrono::system_clock::time_point> SilentSince() const {
+    return client_->SilentSince();
+  }
 
   const std::shared_ptr<kavel::lidar::CommandSender>& sender() const { return sender_; }
   /// Null for a connection over the network.

@@ -20,6 +20,8 @@ struct LinkSnapshot {
   std::string place;             ///< of the connection or the last attempt, see PlaceText
   std::string failure;           ///< of the last attempt, a sentence; "" while none is known
   std::optional<LinkLoss> loss;  ///< until a lidar is connected, or another model chosen
+  /// A connected serial lidar answers nothing since then: such a line has no link check.
+  std::optional<std::chrono::system_clock::time_point> silent_since;
   std::optional<NetworkPlace> next_place;  ///< where the lidar is reached after its restart
   int next_places = 0;                     ///< how often that has been told
   std::chrono::system_clock::time_point give_up_at;

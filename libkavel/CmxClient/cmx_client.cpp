@@ -70,6 +70,7 @@ int32_t CmxClient::Query(const std::vector<uint8_t>& payload, std::vector<uint8_
   }
   const std::lock_guard<TicketMutex> lock(exchange_mutex_);
   const auto start = Clock::now();
+  const auto asked_at = std::chrono::system_clock::now();
   bool accepted = false;
   try {
     const CmxExchange::Outcome outcome = RunExchange(payload, result, cmd, terms);
@@ -81,6 +82,9 @@ int32_t CmxClient::Query(const std::vector<uint8_t>& payload, std::vector<uint8_
   }
   if (!accepted) {
     last_error_ = reason;
+  }
+  if (accepted || reason != kSendIncomplete) {
+    NoteAnswer(accepted || reason != kNoReply, asked_at);
   }
   const std::chrono::duration<double, std::milli> elapsed = Clock::now() - start;
   KAVEL_LOG(kTrace, "exec time: %fms", elapsed.count());
@@ -107,6 +111,20 @@ CmxExchange::Outcome CmxClient::RunExchange(const std::vector<uint8_t>& payload,
     TellOutcome(outcome, result, *terms.sink);
   }
   return outcome;
+}
+
+void CmxClient::NoteAnswer(bool found, std::chrono::system_clock::time_point asked_at) {
+  const std::lock_guard<std::mutex> lock(state_mutex_);
+  if (found) {
+    silent_since_.reset();
+  } else if (!silent_since_) {
+    silent_since_ = asked_at;
+  }
+}
+
+std::optional<std::chrono::system_clock::time_point> CmxClient::SilentSince() {
+  const std::lock_guard<std::mutex> lock(state_mutex_);
+  return silent_since_;
 }
 
 std::shared_ptr<ByteSink> CmxClient::Sink() {

@@ -78,6 +78,10 @@ class CmxClient : public CommandSender {
   /// thread may have used the client since yours did: prefer the `error` of `QueryCommand`.
   int32_t GetLastErrorCode();
 
+  /// Since when no exchange has found an answer: the start of the first of them. Nothing while the
+  /// last one found any, a refusal or a broken one too. Any thread.
+  std::optional<std::chrono::system_clock::time_point> SilentSince();
+
   /// Plain English for any of the codes in command_sender.h and for return codes of the lidar.
   static std::string ErrorText(int32_t code);
 
@@ -126,6 +130,7 @@ class CmxClient : public CommandSender {
                 const Terms& terms, int32_t* error);
   CmxExchange::Outcome RunExchange(const std::vector<uint8_t>& payload,
                                    std::vector<uint8_t>& result, uint8_t cmd, const Terms& terms);
+  void NoteAnswer(bool found, std::chrono::system_clock::time_point asked_at);
   std::shared_ptr<ByteSink> Sink();
 
   std::atomic<uint8_t> running_{1};
@@ -151,7 +156,8 @@ class CmxClient : public CommandSender {
   /// Guards what is marked so; never held while the transport works.
   std::mutex state_mutex_;
   std::condition_variable state_changed_;
-  bool connecting_ended_ = false;  // guarded by state_mutex_
+  bool connecting_ended_ = false;                                      // guarded by state_mutex_
+  std::optional<std::chrono::system_clock::time_point> silent_since_;  // guarded by state_mutex_
 };
 
 }  // namespace kavel::lidar

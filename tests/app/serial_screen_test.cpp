@@ -91,6 +91,9 @@ TEST(SerialScreenTest, KeepsWhatItKnewAndWhatWasTypedWhenNothingIsAnswered) {
   screen.Click("destinationIpUndo");
   EXPECT_EQ(screen.Text("destinationIp"), held);
   EXPECT_TRUE(screen.Value("destinationIp", "stale").toBool());
+  EXPECT_TRUE(screen.Text("linkNews").startsWith("No answer since "));
+  screen.Click("askAgain");
+  EXPECT_TRUE(WaitFor([&] { return screen.Find("linkNews") == nullptr; }));
 
   screen.Click("standby");
   screen.Key(Qt::Key_Down);

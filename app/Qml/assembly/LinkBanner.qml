@@ -4,19 +4,20 @@ import QtQuick.Window 2.15
 import "../controls"
 import "../theme"
 
-// The connection is lost, or a lidar that restarts is waited for: since when and why, and the one
-// key that goes on from there.
+// The connection is lost, a lidar that restarts is waited for, or one on a serial line is silent:
+// since when and why, and the one key that goes on from there.
 //
 // watch   how it stands with the connection, a LinkWatch
-// reconnectWanted(), cancelWanted()  what the buttons say
+// reconnectWanted(), cancelWanted(), askWanted()  what the buttons say
 FocusScope {
     id: banner
 
     property var watch
-    readonly property bool wanted: watch.lost || watch.awaiting
+    readonly property bool wanted: watch.lost || watch.awaiting || watch.silent
 
     signal reconnectWanted()
     signal cancelWanted()
+    signal askWanted()
 
     // Enter is for Reconnect, unless somebody is typing something else.
     function takeKeyboard() {
@@ -64,6 +65,13 @@ FocusScope {
             visible: banner.watch.awaiting
             text: qsTr("Stop Waiting")
             onClicked: banner.cancelWanted()
+        }
+        DefaultButton {
+            objectName: "askAgain"
+            Layout.preferredHeight: Theme.smallControlHeight
+            visible: banner.watch.silent
+            text: qsTr("Ask Again")
+            onClicked: banner.askWanted()
         }
         DefaultButton {
             id: reconnect

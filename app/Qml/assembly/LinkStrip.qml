@@ -36,7 +36,7 @@ FocusScope {
         anchors.fill: parent
         anchors.leftMargin: Theme.gapWide
         anchors.rightMargin: Theme.gapWide
-        visible: strip.manager.IsConnected
+        visible: strip.manager.IsConnected && !banner.visible
         watch: strip.watch
         paced: strip.manager.connectType === 0
     }
@@ -58,6 +58,7 @@ FocusScope {
         watch: strip.watch
         onReconnectWanted: strip.reconnectWanted()
         onCancelWanted: strip.cancelWanted()
+        onAskWanted: strip.manager.CheckLidarConnection()
     }
 
     BusyLine {

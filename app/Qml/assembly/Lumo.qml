@@ -14,7 +14,6 @@ import "../theme"
 // hasEdits      something was typed or chosen and not set
 // restartWanted()  the user wants a restart; whoever listens asks first
 // refused(reason)  what the user wanted cannot be done now
-// asked()       the lidar was asked for something, and has answered or not
 FocusScope {
     id: screen
 
@@ -31,7 +30,6 @@ FocusScope {
 
     signal restartWanted()
     signal refused(string reason)
-    signal asked()
 
     function settle() { return control.settle(); }
     function discard() { control.discard(); }
@@ -47,7 +45,6 @@ FocusScope {
         safety: safetyGroup
         operation: operationGroup
         onRefused: screen.refused(reason)
-        onAsked: screen.asked()
     }
     ManagerFacts {
         id: managerFacts

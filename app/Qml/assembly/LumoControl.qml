@@ -9,7 +9,6 @@ import QtQuick 2.15
 // activity   what is being done right now, as a sentence; empty when nothing is
 // hasEdits   something stands in the groups that was not set
 // refused(reason)  what the user wanted cannot be done now
-// asked()    the lidar was asked for something
 Item {
     id: control
 
@@ -29,7 +28,6 @@ Item {
     readonly property bool hasEdits: groups.some(group => group.edited)
 
     signal refused(string reason)
-    signal asked()
 
     function ask(group, silent) {
         switch (group) {
@@ -144,7 +142,6 @@ Item {
         function onLumoLidarInfoChanged() {
             if (control.manager.IsConnected)
                 control.showFacts();
-            control.asked();
         }
         function onIsConnectedChanged() {
             if (!control.manager.IsConnected)
@@ -164,6 +161,5 @@ Item {
         id: talk
 
         manager: control.manager
-        onDone: control.asked()
     }
 }

@@ -7,7 +7,6 @@ import QtQuick 2.15
 // activity   what is being done right now, as a sentence; empty when nothing is
 // failed     the last operation came to nothing
 // reason     why, as far as it was told
-// done()     an operation is over
 Item {
     id: talk
 
@@ -15,8 +14,6 @@ Item {
     property string activity: ""
     property bool failed: false
     property string reason: ""
-
-    signal done()
 
     // Lets the window show `text` before `operation` begins. False while another one is waited for.
     function run(text, operation) {
@@ -35,7 +32,6 @@ Item {
         listening.enabled = true;
         const told = operation();
         listening.enabled = false;
-        done();
         return told;
     }
 
