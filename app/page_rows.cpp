@@ -40,17 +40,14 @@ QVariant PageRows::data(const QModelIndex& index, int role) const {
       return row.level3;
     case kLeafRole:
       return row.leaf;
-    case kStartsGroupRole:
-      return row.starts_group;
     default:
       return {};
   }
 }
 
 QHash<int, QByteArray> PageRows::roleNames() const {
-  return {{kCaptionRole, "caption"},        {kKindRole, "kind"},     {kLevel1Role, "level1"},
-          {kLevel2Role, "level2"},          {kLevel3Role, "level3"}, {kLeafRole, "leaf"},
-          {kStartsGroupRole, "startsGroup"}};
+  return {{kCaptionRole, "caption"}, {kKindRole, "kind"},     {kLevel1Role, "level1"},
+          {kLevel2Role, "level2"},   {kLevel3Role, "level3"}, {kLeafRole, "leaf"}};
 }
 
 void PageRows::SetManager(QObject* manager) {
@@ -88,6 +85,10 @@ void PageRows::Rebuild() {
             QVariantMap()};
     row.starts_group = rows_.empty() || rows_.back().level2 != row.level2;
     row.leaf = LeafOf(map, row);
+    const QString unit = row.leaf.value("unit_suffix").toString();
+    if (row.caption.endsWith(unit)) {
+      row.caption.chop(unit.size());
+    }
     rows_.push_back(row);
   }
   endResetModel();
@@ -146,6 +147,11 @@ int PageRows::FirstFov() const {
   return row == rows_.end() ? -1 : static_cast<int>(row - rows_.begin());
 }
 
+QVariantMap PageRows::FovLeaf() const {
+  const int row = FirstFov();
+  return row < 0 ? QVariantMap() : rows_[static_cast<size_t>(row)].leaf;
+}
+
 QVariantMap PageRows::LeafAt(int level1, int level2, int level3) const {
   const auto row = std::find_if(rows_.begin(), rows_.end(), [=](const Row& one) {
     return one.level1 == level1 && one.level2 == level2 && one.level3 == level3;
@@ -164,6 +170,16 @@ QVariantList PageRows::Edits() const {
     }
   }
   return edits;
+}
+
+QVariantList PageRows::Shape() const {
+  QVariantList shape;
+  for (const Row& row : rows_) {
+    const bool captioned = !row.leaf.value("group_caption").toString().isEmpty();
+    shape.append(
+        QVariantMap{{"kind", row.kind}, {"starts", row.starts_group}, {"captioned", captioned}});
+  }
+  return shape;
 }
 
 bool PageRows::HasKind(int kind) const { return FirstOfKind(kind) != rows_.end(); }

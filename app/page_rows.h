@@ -30,8 +30,7 @@ class PageRows : public QAbstractListModel {
     kLevel1Role,                      ///< "level1", "level2", "level3": the place in myMap
     kLevel2Role,
     kLevel3Role,
-    kLeafRole,         ///< "leaf": the fields of the variable; empty where myMap has no such place
-    kStartsGroupRole,  ///< "startsGroup": the first row of its group
+    kLeafRole,  ///< "leaf": the fields of the variable; empty where myMap has no such place
   };
 
   using QAbstractListModel::QAbstractListModel;
@@ -62,10 +61,14 @@ class PageRows : public QAbstractListModel {
   Q_INVOKABLE QVariantList Edits() const;
   /// The first row whose edited text cannot be saved; -1 without one.
   Q_INVOKABLE int FirstFault() const;
-  /// The row of the field-of-view table; -1 without one.
+  /// The row of the field-of-view table, -1 without one, and its variable.
   Q_INVOKABLE int FirstFov() const;
+  Q_INVOKABLE QVariantMap FovLeaf() const;
   /// The variable of a row that stands at this place; empty without one.
   Q_INVOKABLE QVariantMap LeafAt(int level1, int level2, int level3) const;
+  /// What the layout of the page depends on: for each row a map with "kind", whether it "starts" a
+  /// group, and whether that is "captioned".
+  Q_INVOKABLE QVariantList Shape() const;
   /// Whether a row of this kind is on the page.
   Q_INVOKABLE bool HasKind(int kind) const;
   /// The variable of the first row of this kind as it was last taken; empty without such a row.

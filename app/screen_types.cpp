@@ -17,6 +17,7 @@
 #include "page_rows.h"
 #include "path_dialog.h"
 #include "plot/plot_item.h"
+#include "press_watch.h"
 #include "recent_lidars.h"
 #include "serial_port_list.h"
 #include "text_file.h"
@@ -43,6 +44,8 @@ void RegisterScreenTypes() {
   qmlRegisterType<RecentLidars>("Tevron", 1, 0, "RecentLidars");
   qmlRegisterType<LinkWatch>("Tevron", 1, 0, "LinkWatch");
   qmlRegisterType<ManagerFacts>("Tevron", 1, 0, "ManagerFacts");
+  qmlRegisterSingletonType<PressWatch>("Tevron", 1, 0, "PressWatch",
+                                       [](QQmlEngine*, QJSEngine*) { return new PressWatch; });
   qmlRegisterType<DownloadWatch>("Tevron", 1, 0, "DownloadWatch");
   qmlRegisterType<SerialPortList>("Tevron", 1, 0, "SerialPortList");
   qmlRegisterType<UartWatch>("Tevron", 1, 0, "UartWatch");

@@ -31,8 +31,8 @@ TEST(PageRowsTest, AnnouncesTheRowsThatDiffer) {
   rows.SetManager(&manager);
   ASSERT_EQ(rows.count(), 4);
   QString starts;
-  for (int row = 0; row < rows.count(); ++row) {
-    starts += rows.index(row).data(PageRows::kStartsGroupRole).toBool() ? 'x' : '.';
+  for (const QVariant& row : rows.Shape()) {
+    starts += row.toMap().value("starts").toBool() ? 'x' : '.';
   }
   EXPECT_EQ(starts, "x.xx");
   EXPECT_TRUE(rows.HasKind(4));

@@ -6,19 +6,17 @@ FocusScope {
     id: editor
 
     property var row
-    focus: true
     readonly property var leaf: row.leaf
 
+    focus: true
     implicitHeight: Theme.controlHeight
 
     DefaultComboBox {
         id: box
 
         objectName: "choice_" + editor.row.place
-        width: Theme.fieldWidth
-        anchors.verticalCenter: parent.verticalCenter
+        width: parent.width
         focus: true
-        enabled: editor.row.editable
         model: editor.leaf.options
         chosenIndex: editor.row.unread ? -1 : editor.leaf.option_index
         stale: editor.row.stale
@@ -26,18 +24,9 @@ FocusScope {
                    : currentIndex < 0 ? editor.leaf.current_val : currentText
         pending: editor.row.pending
         label: editor.row.caption
-        hint: editor.row.hint
         onChosen: {
             editor.row.edit(3, String(index));
             revert();
         }
-    }
-
-    RowNote {
-        anchors.left: box.right
-        anchors.leftMargin: Theme.gapWide
-        anchors.right: parent.right
-        anchors.verticalCenter: parent.verticalCenter
-        row: editor.row
     }
 }

@@ -10,6 +10,7 @@ import "../theme"
 // pending  the text was changed here and is not saved yet: marked at the left edge
 // stale    nothing says that the source still holds its value
 // problem  what is wrong with the text, or empty; shown as a red outline and in the tooltip
+// isNoted  problem and hint stand beside the field, which needs no tooltip
 // hint     the tooltip: unit, range, format
 // unit     a short suffix shown inside the field
 // label    the name that assistive technology reads
@@ -22,6 +23,7 @@ T.TextField {
     property bool stale: false
     property string problem: ""
     property string hint: ""
+    property bool isNoted: false
     property string unit: ""
     property string label: ""
 
@@ -104,7 +106,8 @@ T.TextField {
     }
 
     DefaultToolTip {
-        wanted: field.hovered || field.activeFocus
+        // Never in the way of what is being typed.
+        wanted: field.hovered && !field.activeFocus && !field.isNoted
         text: field.problem.length > 0 ? field.problem : field.hint
     }
 }

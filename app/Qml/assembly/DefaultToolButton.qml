@@ -12,6 +12,7 @@ T.ToolButton {
     // What it drops down is shown: no place for a tooltip.
     property bool opened: false
     property string label: ""
+    property int iconSize: Theme.iconSize
     readonly property color ink: !enabled ? Theme.disabledTextColor
                                : checked ? Theme.accentColor : Theme.textColor
 
@@ -44,6 +45,7 @@ T.ToolButton {
                 anchors.verticalCenter: parent.verticalCenter
                 visible: source.toString().length > 0
                 source: control.icon.source
+                size: control.iconSize
                 color: control.ink
             }
             PlainText {

@@ -1,4 +1,5 @@
 import QtQuick 2.15
+import "../controls"
 import "../theme"
 
 // The ten field-of-view angles, five pairs in two rows of five. A field keeps what is being typed
@@ -9,6 +10,17 @@ FocusScope {
     property var row
     focus: true
     readonly property var edits: row.fovEdits
+    // What is wrong with the first angle that is no angle; see RowNote.
+    property var verdict: ({})
+
+    function judge() {
+        verdict = {};
+        for (let i = fields.count - 1; i >= 0; --i) {
+            const field = fields.itemAt(i);
+            if (field !== null && field.problem !== "")
+                verdict = { "text": field.problem, "impossible": true };
+        }
+    }
 
     // What is typed and not confirmed yet. A text that is no angle is only marked: the caller says why
     // it stays.
@@ -50,29 +62,43 @@ FocusScope {
         }
     }
 
-    implicitHeight: note.visible ? note.y + note.height : grid.implicitHeight
+    implicitHeight: grid.y + grid.implicitHeight
+
+    PlainText {
+        id: caption
+
+        width: Theme.captionWidth
+        height: Theme.smallControlHeight
+        verticalAlignment: Text.AlignVCenter
+        text: panel.row.caption
+        color: panel.row.fovEdits.editCount > 0 ? Theme.pendingColor : Theme.textColor
+        elide: Text.ElideRight
+    }
 
     RowNote {
         id: note
 
-        anchors.top: grid.bottom
-        anchors.topMargin: Theme.gapTiny
-        width: parent.width
-        visible: text.length > 0
-        text: panel.row.news
+        anchors.left: caption.right
+        anchors.leftMargin: Theme.gap
+        anchors.right: parent.right
+        height: caption.height
         row: panel.row
+        editor: panel
     }
 
     Grid {
         id: grid
 
-        columns: 5
+        readonly property int count: 5
+
+        anchors.top: caption.bottom
+        columns: count
         spacing: Theme.gap
 
         Repeater {
             id: fields
 
-            model: 10
+            model: 2 * grid.count
 
             DefaultTextField {
                 required property int index
@@ -80,7 +106,8 @@ FocusScope {
                 readonly property bool changed: refused || panel.edits.angles[index] !== undefined
 
                 objectName: "fov_" + index
-                width: Theme.fieldWidth / 2
+                width: Math.min(Theme.fieldWidth / 2,
+                                (panel.width - (grid.count - 1) * grid.spacing) / grid.count)
                 focus: index === 0
                 value: refused ? panel.edits.refused[index] : panel.row.manager.FovList[index]
                 placeholderText: Theme.unreadText
@@ -90,7 +117,9 @@ FocusScope {
                 unit: "°"
                 hint: qsTr("Angle %1 of pair %2, 0 to 360 degrees").arg(index % 2 + 1)
                                                                    .arg(Math.floor(index / 2) + 1)
+                isNoted: true
                 label: qsTr("Field-of-view angle %1").arg(index + 1)
+                onProblemChanged: panel.judge()
                 onCommitted: panel.handOver(this)
                 Keys.onEscapePressed: panel.edits.forget(index)
             }

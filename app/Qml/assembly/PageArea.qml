@@ -69,6 +69,10 @@ Item {
 
     Component.onCompleted: rebuild()
 
+    // Keys that the tabs have no use for scroll the page below them.
+    Keys.onPressed: event.accepted = page.visible && event.modifiers === Qt.NoModifier
+                                     && page.scrollByKey(event.key)
+
     Connections {
         target: area.manager
         function onLidarModelChanged() { area.rebuild(); }

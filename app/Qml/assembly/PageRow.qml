@@ -2,10 +2,13 @@ import QtQuick 2.15
 import "../controls"
 import "../theme"
 
-// One row of a page: the caption, the editor of the row's kind, and a note at the end of the line.
+// One row of a page: the caption, the editor of the row's kind, the unit, and a note. Above the first
+// row of a group stands the group's caption.
 //
-// caption, kind, level1 to 3, leaf and startsGroup are the roles of the page's model. A new value
-// changes `leaf` and never rebuilds the row; a field that the user is typing in keeps its text.
+// index, caption, kind, level1 to 3 and leaf are the roles of the page's model. A new value changes
+// `leaf` and never rebuilds the row; a field that the user is typing in keeps its text.
+// headHeight  room for the caption of the group
+// writtenAt   when the value was read back after the last Save; empty otherwise
 FocusScope {
     id: row
 
@@ -26,20 +29,23 @@ FocusScope {
     // Texts, choices and what can be changed keep their rows.
     property var monitor: null
     readonly property bool isInMonitor: monitor !== null && (kind === kindMonitor
-        || (!editable && kind < kindSwitch && monitor.live.count > 0 && monitor.Draws(caption)))
-    required property int index
-    required property string caption
-    required property int kind
-    required property int level1
-    required property int level2
-    required property int level3
-    required property var leaf
-    required property bool startsGroup
+        || (!editable && kind < kindSwitch && monitor.live.count > 0
+            && monitor.Draws(caption + (leaf.unit_suffix || ""))))
+    property int index: -1
+    property string caption: ""
+    property int kind: 0
+    property int level1: 0
+    property int level2: 0
+    property int level3: 0
+    property var leaf: ({})
+    property int headHeight: 0
+    property string writtenAt: ""
 
     readonly property bool isFov: Number(leaf.set_cmd) === Number(fovCommand)
     // Takes the whole width, without a caption.
-    readonly property bool isPanel: kind === kindFile
-    readonly property bool editable: leaf.permission !== 0
+    readonly property bool isPanel: kind === kindFile || isFov
+    readonly property bool isTall: kind === kindTallChoice
+    readonly property bool editable: leaf.permission !== 0 && leaf.editable !== false
     readonly property bool pending: leaf.edited === true
     // What the value is worth: "unread", "read", "edited", "written" or "differs".
     readonly property string worth: leaf.state || "read"
@@ -47,49 +53,41 @@ FocusScope {
     // Nothing says that the lidar still holds it.
     readonly property bool stale: !manager.IsConnected && worth !== "edited"
     readonly property string place: level1 + "_" + level2 + "_" + level3
+    readonly property string valueText: unread ? Theme.unreadText : label(leaf.current_val)
 
-    // What may be entered, where the table gives a range.
-    readonly property string range: {
-        if (!leaf.range_min && !leaf.range_max)
-            return "";
-        const text = qsTr("%1 to %2").arg(leaf.range_min).arg(leaf.range_max);
-        return kind === kindSwitch && leaf.range_min > 0 ? qsTr("%1, or off").arg(text) : text;
-    }
+    readonly property int lineHeight: isInMonitor ? 0
+                                    : isPanel ? loader.implicitHeight + Theme.gap
+                                    : isTall ? Theme.tallRowHeight : Theme.rowHeight
 
-    // What has to be said about the value, in a sentence; empty for an ordinary reading.
-    readonly property string news: {
-        switch (worth) {
-        case "unread":
-            return manager.IsConnected ? qsTr("Not read.") : "";
-        case "written":
-            return qsTr("Written, not read back.");
-        case "differs":
-            const what = isFov ? qsTr("other angles than were written")
-                               : qsTr("%1; %2 was written").arg(label(leaf.current_val))
-                                                           .arg(label(leaf.wanted));
-            return stale ? qsTr("At %1 the lidar held %2.").arg(leaf.read_at).arg(what)
-                         : qsTr("The lidar holds %1.").arg(what);
-        default:
-            return stale && leaf.read_at ? qsTr("Read at %1.").arg(leaf.read_at) : "";
-        }
-    }
-    readonly property string hint: (news + " " + (leaf.hint || "")).trim()
+    readonly property bool isFaulty: loader.item !== null && loader.item.verdict !== undefined
+                                     && loader.item.verdict.impossible === true
 
-    // How the row's editor writes a value: a choice has a word for it.
+    // How the row writes a value: a choice has a word for it, and a switch without a number.
     function label(value) {
         const labels = leaf.varname_value_to_option;
-        return labels && labels[value] ? labels[value] : value;
+        if (labels && labels[value])
+            return labels[value];
+        return kind === kindSwitch && (value === "0" || leaf.range_max <= 1)
+             ? (value === "0" ? qsTr("Off") : qsTr("On")) : value || "";
     }
 
     // The row's editor got the keyboard, and should be in view.
     signal entered()
     // The user changed the value.
     signal edited()
+    // A key that the editor has no use for.
+    signal scrollAsked(int key)
 
     // Records what the user changed; `type` is 1 for a text, 2 for a switch, 3 for a choice.
     function edit(type, text) {
         manager.SetText(type, level1, level2, level3, text);
         edited();
+    }
+
+    // Takes the edit back.
+    function undo() {
+        forceActiveFocus();
+        edit(1, leaf.reading);
     }
 
     // Records what is typed and not yet confirmed with Enter.
@@ -110,65 +108,94 @@ FocusScope {
             return "";
         if (isFov)
             return "FovPanel.qml";
+        if (kind === kindFile)
+            return "FileEditor.qml";
+        if (leaf.current_val === undefined)
+            return "";
+        if (!editable)
+            return "ValueText.qml";
         switch (kind) {
         case kindSwitch: return "SwitchEditor.qml";
         case kindChoice:
         case kindTallChoice: return "ChoiceEditor.qml";
-        case kindFile: return "FileEditor.qml";
-        default: return leaf.current_val === undefined ? "" : "TextEditor.qml";
+        default: return "TextEditor.qml";
         }
     }
 
-    // Every group but the first stands a little apart.
-    readonly property int groupGap: startsGroup && index > 0 ? Theme.gapWide : 0
-    readonly property int lineHeight: isFov || isPanel ? loader.implicitHeight + Theme.gapWide
-                                    : kind === kindTallChoice ? Theme.tallRowHeight : Theme.rowHeight
-
-    implicitHeight: isInMonitor ? 0 : lineHeight + groupGap
+    implicitHeight: headHeight + lineHeight
     visible: !isInMonitor
 
     onActiveFocusChanged: if (activeFocus) entered()
     Component.onCompleted: loader.setSource(editorFile(), { row: row })
 
-    Rectangle {
-        anchors.left: parent.left
-        anchors.right: parent.right
-        anchors.leftMargin: Theme.gapWide
-        anchors.rightMargin: Theme.gapWide
-        y: row.groupGap / 2
-        height: Theme.hairline
-        visible: row.startsGroup && row.index > 0
-        color: Theme.outlineColor
+    GroupHead {
+        width: parent.width
+        height: row.headHeight
+        text: row.leaf.group_caption || ""
     }
 
-    PlainText {
-        id: captionText
+    Item {
+        id: line
 
-        anchors.left: parent.left
-        anchors.leftMargin: Theme.gapWide
-        anchors.verticalCenter: parent.verticalCenter
-        anchors.verticalCenterOffset: row.groupGap / 2
-        visible: !row.isPanel
-        width: Theme.captionWidth
-        text: row.caption
-        color: row.pending ? Theme.pendingColor : Theme.textColor
-        elide: Text.ElideRight
+        y: row.headHeight
+        width: parent.width
+        height: row.lineHeight
 
-        HoverHandler { id: captionHover }
-        DefaultToolTip {
-            wanted: captionHover.hovered
-            text: row.hint || row.caption
+        PlainText {
+            id: captionText
+
+            anchors.verticalCenter: loader.verticalCenter
+            visible: !row.isPanel
+            width: Theme.captionWidth
+            text: row.caption
+            color: row.pending ? Theme.pendingColor : Theme.textColor
+            elide: Text.ElideRight
+
+            HoverHandler { id: captionHover }
+            DefaultToolTip {
+                wanted: captionHover.hovered && captionText.truncated
+                text: row.caption
+            }
         }
-    }
 
-    Loader {
-        id: loader
+        Loader {
+            id: loader
 
-        anchors.left: row.isPanel ? parent.left : captionText.right
-        anchors.leftMargin: row.isPanel ? Theme.gapWide : Theme.gap
-        anchors.right: parent.right
-        anchors.rightMargin: Theme.gapWide
-        anchors.verticalCenter: captionText.verticalCenter
-        focus: true
+            readonly property bool isLong: row.isTall || (!row.editable && note.text.length === 0
+                                                          && unitText.text.length === 0)
+
+            anchors.left: row.isPanel ? parent.left : captionText.right
+            anchors.leftMargin: row.isPanel ? 0 : Theme.gap
+            y: row.isPanel ? 0 : (Theme.rowHeight - height) / 2
+            width: row.isPanel ? parent.width
+                 : isLong ? Math.min(parent.width - x, 2 * Theme.rowFieldWidth) : Theme.rowFieldWidth
+            focus: true
+        }
+
+        PlainText {
+            id: unitText
+
+            anchors.left: loader.right
+            anchors.leftMargin: Theme.gap
+            anchors.verticalCenter: loader.verticalCenter
+            visible: !row.isPanel
+            width: Theme.unitWidth
+            text: row.leaf.unit || ""
+            color: Theme.quietTextColor
+            elide: Text.ElideRight
+        }
+
+        RowNote {
+            id: note
+
+            anchors.left: row.isTall ? loader.left : unitText.right
+            anchors.leftMargin: row.isTall ? 0 : Theme.gap
+            anchors.right: parent.right
+            y: row.isTall ? loader.y + loader.height : loader.y
+            height: loader.height
+            visible: !row.isPanel
+            row: row
+            editor: loader.item
+        }
     }
 }

@@ -31,6 +31,12 @@ FocusScope {
         const item = Window.activeFocusItem;
         return activeFocus && item !== null && item.typing === true && item.text !== item.value;
     }
+    // Text that is being typed in a row that has no other edit counts as one.
+    readonly property bool typingAnew: typing && grid.current !== null && !grid.current.pending
+    readonly property bool typingFault: typingAnew && grid.current.isFaulty
+    readonly property int faultCount: rows.faultCount + fov.faultCount + (typingFault ? 1 : 0)
+    readonly property int editCount: rows.editCount - rows.faultCount + fov.editCount
+                                     + (typingAnew && !typingFault ? 1 : 0)
     property int pendingCommands: 0
     property bool holdsUpgrade: false
     property bool holdsMonitor: false
@@ -61,8 +67,13 @@ FocusScope {
 
     // Hands over what is typed in the field that still has the keyboard.
     function commitTyping() {
-        if (list.currentItem !== null)
-            list.currentItem.commit();
+        if (grid.current !== null)
+            grid.current.commit();
+    }
+
+    // Scrolls as a key asks for it; false when that changes nothing.
+    function scrollByKey(key) {
+        return grid.scrollByKey(key);
     }
 
     // Does `reading`, after which no edit is left.
@@ -70,6 +81,7 @@ FocusScope {
         releasing = true;
         reading();
         fov.clear();
+        grid.written = {};
         releasing = false;
         takeValues();
     }
@@ -97,11 +109,17 @@ FocusScope {
     function goToFault() {
         const first = rows.FirstFault();
         const row = first >= 0 ? first : rows.FirstFov();
-        if (!activeFocus || row < 0)
-            return;
-        list.positionViewAtIndex(row, ListView.Contain);
-        list.itemAtIndex(row).goToFault();
+        if (activeFocus && row >= 0)
+            grid.rowAt(row).goToFault();
     }
+
+    function showOutcome(outcome) {
+        takeValues();
+        grid.written = outcome.written;
+        saveBar.tell(outcome.text, outcome.good);
+    }
+
+    Keys.onPressed: event.accepted = event.modifiers === Qt.NoModifier && scrollByKey(event.key)
 
     Connections {
         target: page.manager
@@ -157,7 +175,7 @@ FocusScope {
         onRefused: page.refused(reason)
         onConfirmationWanted: page.confirmationWanted(names)
         onFaultFound: page.goToFault()
-        onReread: page.takeValues()
+        onDone: page.showOutcome(outcome)
     }
 
     SectionTitle {
@@ -180,7 +198,7 @@ FocusScope {
         anchors.left: parent.left
         anchors.right: parent.right
         anchors.top: parent.top
-        anchors.bottom: list.top
+        anchors.bottom: grid.top
         anchors.leftMargin: Theme.gapWide
         anchors.rightMargin: Theme.gapWide
         anchors.topMargin: Theme.gap
@@ -195,8 +213,8 @@ FocusScope {
         }
     }
 
-    ListView {
-        id: list
+    PageGrid {
+        id: grid
 
         objectName: "pageRows"
         anchors.left: parent.left
@@ -205,38 +223,17 @@ FocusScope {
         height: page.holdsMonitor ? Math.min(contentHeight, page.height / 3)
                                   : (saveBar.visible ? saveBar.y : page.height) - heading.y
                                     - heading.height - Theme.gap
-        clip: true
         focus: true
-        model: rows
-        boundsBehavior: Flickable.StopAtBounds
-        // The row that has the keyboard is the current one, which is kept when it scrolls out of
-        // sight: what is being typed in it stays.
-        currentIndex: -1
-        highlightFollowsCurrentItem: false
-        // Tab walks through the rows that exist, so there are some beyond the edges.
-        cacheBuffer: Theme.rowHeight * 40
-        keyNavigationEnabled: false
-        T.ScrollBar.vertical: DefaultScrollBar {}
-
-        delegate: PageRow {
-            width: list.width
-            manager: page.manager
-            fovEdits: fov
-            upgrade: page.upgrade
-            monitor: page.holdsMonitor ? monitorSource : null
-            onEntered: {
-                list.currentIndex = index;
-                list.positionViewAtIndex(index, ListView.Contain);
-            }
-            onEdited: {
-                rows.TakeRow(index);
-                page.countPending();
-            }
-        }
+        rows: rows
+        manager: page.manager
+        fovEdits: fov
+        upgrade: page.upgrade
+        monitor: page.holdsMonitor ? monitorSource : null
+        onEdited: page.countPending()
     }
 
     EmptyNote {
-        anchors.centerIn: list
+        anchors.centerIn: grid
         visible: rows.count === 0
         text: qsTr("This model has no values to show. Choose another model, or check its table.")
     }
@@ -248,7 +245,8 @@ FocusScope {
         anchors.right: parent.right
         anchors.bottom: parent.bottom
         visible: !page.holdsUpgrade && rows.count > 0 && (!page.holdsMonitor || page.hasEdits)
-        hasEdits: page.hasEdits
+        editCount: page.editCount
+        faultCount: page.faultCount
         onSaveClicked: page.save()
         onCancelClicked: page.cancel()
     }

@@ -2,23 +2,79 @@ import QtQuick 2.15
 import "../controls"
 import "../theme"
 
-// The note at the end of a row: what is wrong with its text, else that it is not saved yet, else what
-// has to be said about the value, else what it has to look like, in the room there is. The tooltips
-// tell all of it.
-PlainText {
-    property var row
-    property string problem: ""
-    property string rounding: ""
-    property bool pending: row.pending
+// The note at the end of a row: what is wrong with its text, else what would be stored in its place,
+// else what it was before the edit, else what has to be said about the value, else what it has to look
+// like.
+//
+// editor  the row's editor, which may have a `verdict` on its text (see InputRules) and may hold one
+//         that is only `typed`
+Item {
+    id: note
 
-    objectName: "note_" + row.place
-    text: problem.length > 0 ? problem
-        : rounding.length > 0 ? rounding
-        : pending ? qsTr("Edited, not saved") + (row.range.length > 0 ? " · " + row.range : "")
-        : row.news || row.range || row.hint
-    font: Theme.captionFont
-    color: problem.length > 0 ? Theme.errorColor
-         : pending || row.worth === "differs" ? Theme.pendingColor : Theme.quietTextColor
-    elide: Text.ElideRight
-    Accessible.ignored: true
+    property var row
+    property var editor
+    readonly property var verdict: editor && editor.verdict || ({})
+    readonly property bool pending: row.pending || (editor && editor.typed === true)
+    readonly property bool isWrong: verdict.text !== undefined && verdict.text !== "" && !verdict.rounded
+    readonly property string before: row.pending ? row.leaf.reading || ""
+                                   : row.unread ? "" : row.leaf.current_val
+    readonly property alias text: words.text
+
+    readonly property string news: {
+        const leaf = row.leaf;
+        switch (row.worth) {
+        case "unread":
+            return !row.manager.IsConnected ? ""
+                 : leaf.read_failure ? qsTr("not read: %1").arg(leaf.read_failure) : qsTr("not read");
+        case "written":
+            return qsTr("written, not read back");
+        case "differs":
+            return (row.stale ? qsTr("wanted %1, at %3 the lidar held %2")
+                              : qsTr("wanted %1, lidar holds %2"))
+                   .arg(row.label(leaf.wanted)).arg(row.label(leaf.current_val)).arg(leaf.read_at);
+        default:
+            return row.stale ? (leaf.read_at ? qsTr("read at %1").arg(leaf.read_at) : "")
+                 : row.writtenAt.length > 0 ? qsTr("written, read back %1").arg(row.writtenAt) : "";
+        }
+    }
+
+    PlainText {
+        id: words
+
+        objectName: "note_" + note.row.place
+        anchors.verticalCenter: parent.verticalCenter
+        width: Math.min(implicitWidth, note.width - (undo.visible ? undo.width + Theme.gapTiny : 0))
+        text: note.verdict.text ? note.verdict.text
+            : note.pending && note.before !== "" ? qsTr("was %1").arg(note.row.label(note.before))
+            : note.pending ? note.row.leaf.hint || "" : note.news || note.row.leaf.hint || ""
+        font: Theme.captionFont
+        color: note.isWrong ? Theme.errorColor
+             : note.pending || note.row.worth === "differs" ? Theme.pendingColor
+             : note.row.writtenAt.length > 0 && !note.row.stale ? Theme.successColor
+             : Theme.quietTextColor
+        elide: Text.ElideRight
+        Accessible.ignored: true
+
+        HoverHandler { id: hover }
+        DefaultToolTip {
+            wanted: hover.hovered && words.truncated
+            text: words.text
+        }
+    }
+
+    DefaultToolButton {
+        id: undo
+
+        objectName: "undo_" + note.row.place
+        anchors.left: words.right
+        anchors.leftMargin: Theme.gapTiny
+        anchors.verticalCenter: parent.verticalCenter
+        visible: note.row.pending && note.before !== ""
+        implicitHeight: Theme.smallControlHeight
+        icon.source: "../icons/undo.svg"
+        iconSize: Theme.smallIconSize
+        label: qsTr("Take the edit of %1 back").arg(note.row.caption)
+        hint: qsTr("Back to %1").arg(note.row.label(note.before))
+        onClicked: note.row.undo()
+    }
 }

@@ -2,16 +2,36 @@ import QtQuick 2.15
 import "../controls"
 import "../theme"
 
-// Save and Cancel, and whether there is anything to save.
+// Save and Cancel, what there is to save, and what the last Save brought. The latter passes by itself.
+//
+// editCount, faultCount  values to be saved, and those that have to be corrected first
+// tell(text, isGood)     what a Save brought
 FocusScope {
     id: bar
 
-    property bool hasEdits: false
+    property int editCount: 0
+    property int faultCount: 0
+    readonly property bool hasEdits: editCount + faultCount > 0
+    property string outcome: ""
+    property bool isGood: true
 
     signal saveClicked()
     signal cancelClicked()
 
+    function tell(text, good) {
+        outcome = text;
+        isGood = good;
+        passing.restart();
+    }
+
     implicitHeight: Theme.controlHeight + 2 * Theme.gap
+
+    Timer {
+        id: passing
+
+        interval: Theme.outcomeMs
+        onTriggered: bar.outcome = ""
+    }
 
     Rectangle {
         anchors.left: parent.left
@@ -22,15 +42,24 @@ FocusScope {
     }
 
     PlainText {
+        objectName: "saveState"
         anchors.left: parent.left
         anchors.leftMargin: Theme.gapWide
         anchors.right: buttons.left
         anchors.rightMargin: Theme.gapWide
         anchors.verticalCenter: parent.verticalCenter
-        text: bar.hasEdits ? qsTr("This page holds unsaved edits.")
-                           : qsTr("No unsaved edits.")
-        font: Theme.captionFont
-        color: bar.hasEdits ? Theme.pendingColor : Theme.quietTextColor
+        text: {
+            if (bar.outcome !== "")
+                return bar.outcome;
+            const parts = [];
+            if (bar.editCount > 0)
+                parts.push(bar.editCount === 1 ? qsTr("1 edit") : qsTr("%1 edits").arg(bar.editCount));
+            if (bar.faultCount > 0)
+                parts.push(bar.faultCount === 1 ? qsTr("1 field to correct")
+                                                : qsTr("%1 fields to correct").arg(bar.faultCount));
+            return parts.join(" · ");
+        }
+        color: bar.outcome !== "" && bar.isGood ? Theme.successColor : Theme.pendingColor
         elide: Text.ElideRight
         Accessible.role: Accessible.StaticText
         Accessible.name: text

@@ -1,4 +1,5 @@
 import QtQuick 2.15
+import "SaveOutcome.js" as SaveOutcome
 
 // What Save does with the edits of a page.
 //
@@ -10,7 +11,7 @@ import QtQuick 2.15
 // refused(reason)            there is nothing to write, or nowhere to write it
 // faultFound()               a field holds what no conversion takes, and nothing was sent
 // confirmationWanted(names)  values are out of their range: answered by write() or nothing
-// reread()                   the page was read again after a writing
+// done(outcome)              the page was read again after a writing: what came of it, see SaveOutcome
 Item {
     id: saving
 
@@ -23,7 +24,7 @@ Item {
     signal refused(string reason)
     signal faultFound()
     signal confirmationWanted(var names)
-    signal reread()
+    signal done(var outcome)
 
     function save() {
         if (!manager.IsConnected)
@@ -51,15 +52,37 @@ Item {
     // holds and ends all edits.
     function write() {
         writing = true;
+        const edits = pageRows.Edits();
         manager.Run(tab);
         pageRows.TakeAll();
         const untaken = pageRows.Edits();
         const angles = fovEdits.angles;
         manager.GetLidarModuleInfo(tab);
+        pageRows.TakeAll();
+        const rows = edits.map(edit => outcomeOf(edit, !untaken.some(it => isSame(it, edit))));
         handOver(untaken);
         fovEdits.restore(angles);
         writing = false;
-        reread();
+        const now = Qt.formatTime(new Date(), "hh:mm:ss");
+        done(SaveOutcome.of(rows.concat(fovOutcome(angles)), now));
+    }
+
+    function isSame(one, other) {
+        return one.level1 === other.level1 && one.level2 === other.level2 && one.level3 === other.level3;
+    }
+
+    function outcomeOf(edit, taken) {
+        const leaf = pageRows.LeafAt(edit.level1, edit.level2, edit.level3);
+        return { "name": leaf.var_name, "place": edit.level1 + "_" + edit.level2 + "_" + edit.level3,
+                 "leaf": leaf, "taken": taken };
+    }
+
+    // The edited angles stand for the variable that holds all of them.
+    function fovOutcome(angles) {
+        if (Object.keys(angles).length === 0)
+            return [];
+        const leaf = pageRows.FovLeaf();
+        return [{ "name": leaf.var_name, "place": "", "leaf": leaf, "taken": fovEdits.editCount === 0 }];
     }
 
     // The edits that the manager does not hold any more.

@@ -3,14 +3,17 @@ import Tevron 1.0
 import "../theme"
 
 // The editor of a value that can be switched off: a switch, and a text field for the value while it
-// is on.
+// is on, unless it can only be 1 then.
 FocusScope {
     id: editor
 
     property var row
-    focus: true
     readonly property var leaf: row.leaf
     readonly property bool on: leaf.switch_index !== "0"
+    readonly property bool hasField: leaf.range_max > 1
+    readonly property bool typed: field.typing && field.text !== field.value
+    readonly property var verdict: (row.pending || typed) && toggle.checked && hasField
+                                   ? InputRules.Judge(leaf, field.text) : ({})
 
     // Hands over what the user typed. The field shows what came of it.
     function handOver() {
@@ -20,7 +23,7 @@ FocusScope {
     }
 
     function commit() {
-        if (field.typing && field.text !== field.value)
+        if (typed)
             handOver();
     }
 
@@ -36,6 +39,7 @@ FocusScope {
         toggle.checked = on;
     }
 
+    focus: true
     implicitHeight: Theme.controlHeight
 
     DefaultSwitch {
@@ -44,44 +48,32 @@ FocusScope {
         objectName: "switch_" + editor.row.place
         anchors.verticalCenter: parent.verticalCenter
         focus: true
-        enabled: editor.row.editable
         value: editor.on
         unknown: editor.row.unread
         pending: editor.row.pending
         label: editor.row.caption
-        hint: editor.row.hint
+        // Beside the field there is no room for a word.
+        text: editor.hasField ? "" : editor.row.valueText
         onSwitched: editor.switchTo(on)
     }
 
     DefaultTextField {
         id: field
 
-        readonly property var verdict: pending && toggle.checked ? InputRules.Judge(editor.leaf, text) : ({})
-
         objectName: "field_" + editor.row.place
         anchors.left: toggle.right
-        anchors.leftMargin: Theme.gapWide
-        anchors.verticalCenter: parent.verticalCenter
-        width: Theme.fieldWidth - toggle.width - Theme.gapWide
-        enabled: editor.row.editable && toggle.checked
+        anchors.leftMargin: Theme.gap
+        anchors.right: parent.right
+        visible: editor.hasField
+        enabled: toggle.checked
         value: editor.row.unread ? "" : editor.leaf.current_val
         placeholderText: editor.row.unread ? Theme.unreadText : ""
         stale: editor.row.stale
-        pending: editor.row.pending || (typing && text !== value)
-        problem: verdict.rounded ? "" : verdict.text || ""
-        hint: editor.row.hint
+        pending: editor.row.pending || editor.typed
+        problem: editor.verdict.rounded ? "" : editor.verdict.text || ""
+        hint: editor.leaf.hint || ""
+        isNoted: true
         label: editor.row.caption
         onCommitted: editor.handOver()
-    }
-
-    RowNote {
-        anchors.left: field.right
-        anchors.leftMargin: Theme.gapWide
-        anchors.right: parent.right
-        anchors.verticalCenter: parent.verticalCenter
-        row: editor.row
-        problem: field.problem
-        rounding: field.verdict.rounded ? field.verdict.text : ""
-        pending: field.pending
     }
 }

@@ -19,6 +19,8 @@ FocusScope {
     property int currentIndex: 0
     property var marked: []
     property bool resting: false
+    // A click needs no frame that shows where the keyboard is.
+    property bool byKeyboard: true
 
     signal selected(int index)
     signal clicked()
@@ -35,9 +37,14 @@ FocusScope {
     Accessible.role: Accessible.PageTabList
     Accessible.name: qsTr("Pages")
 
-    Keys.onLeftPressed: select(currentIndex - 1)
-    Keys.onRightPressed: select(currentIndex + 1)
+    onActiveFocusChanged: if (!activeFocus) byKeyboard = true
+
     Keys.onPressed: {
+        byKeyboard = true;
+        if (event.key === Qt.Key_Left || event.key === Qt.Key_Right) {
+            select(currentIndex + (event.key === Qt.Key_Left ? -1 : 1));
+            event.accepted = true;
+        }
         if (event.key === Qt.Key_Home || event.key === Qt.Key_End) {
             select(event.key === Qt.Key_Home ? 0 : titles.length - 1);
             event.accepted = true;
@@ -79,6 +86,7 @@ FocusScope {
             hoverEnabled: true
             text: modelData
             onClicked: {
+                tabs.byKeyboard = false;
                 tabs.forceActiveFocus(Qt.MouseFocusReason);
                 tabs.clicked();
                 tabs.select(index);
@@ -123,7 +131,7 @@ FocusScope {
                 }
                 FocusRing {
                     anchors.margins: 0
-                    shown: tab.current && tabs.activeFocus
+                    shown: tab.current && tabs.activeFocus && tabs.byKeyboard
                 }
             }
         }

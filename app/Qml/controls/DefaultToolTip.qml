@@ -1,23 +1,76 @@
 import QtQuick 2.15
 import QtQuick.Templates 2.15 as T
+import QtQuick.Window 2.15
+import Tevron 1.0
 import "../theme"
 
-// One look for every tooltip. `wanted` says that the pointer or the keyboard is on the control.
+// One look for every tooltip. `wanted` says that the pointer or the keyboard is on the control. It goes
+// at the next press of a key or button, and never covers another control: where there is no room
+// beside its own, it does not come.
 T.ToolTip {
     id: tip
 
     property bool wanted: false
 
-    visible: wanted && text.length > 0
+    property bool dismissed: false
+    readonly property Item scene: parent ? parent.Window.contentItem : null
+
+    onWantedChanged: if (wanted) dismissed = false
+    onAboutToShow: place()
+
+    function isControl(item) {
+        return item.activeFocusOnTab && item.enabled && item !== parent;
+    }
+
+    // Whether a control lies under the area, in coordinates of the scene.
+    function covers(item, area) {
+        if (!item.visible || item === tip.contentItem.parent)
+            return false;
+        if (isControl(item)) {
+            const at = item.mapToItem(scene, 0, 0);
+            if (at.x < area.x + area.width && area.x < at.x + item.width
+                    && at.y < area.y + area.height && area.y < at.y + item.height)
+                return true;
+        }
+        for (const child of item.children) {
+            if (covers(child, area))
+                return true;
+        }
+        return false;
+    }
+
+    function place() {
+        const at = parent.mapToItem(scene, 0, 0);
+        const left = Math.max(margins, Math.min(at.x, scene.width - implicitWidth - margins));
+        const middle = at.y + (parent.height - implicitHeight) / 2;
+        const places = [[left, at.y + parent.height + Theme.gapTiny],
+                        [left, at.y - implicitHeight - Theme.gapTiny],
+                        [at.x + parent.width + Theme.gapTiny, middle],
+                        [at.x - implicitWidth - Theme.gapTiny, middle]];
+        const free = places.find(([x, y]) => x >= 0 && y >= 0 && x + implicitWidth <= scene.width
+            && y + implicitHeight <= scene.height
+            && !covers(scene, Qt.rect(x, y, implicitWidth, implicitHeight)));
+        dismissed = free === undefined;
+        if (free !== undefined) {
+            x = free[0] - at.x;
+            y = free[1] - at.y;
+        }
+    }
+
+    visible: wanted && !dismissed && text.length > 0
     delay: Theme.toolTipDelayMs
-    x: 0
-    y: parent ? parent.height + Theme.gapTiny : 0
     margins: Theme.gap
     padding: Theme.gap
     implicitWidth: Math.min(contentItem.implicitWidth, Theme.toolTipWidth) + leftPadding + rightPadding
     implicitHeight: contentItem.implicitHeight + topPadding + bottomPadding
     font: Theme.captionFont
     closePolicy: T.Popup.CloseOnEscape | T.Popup.CloseOnPressOutsideParent
+
+    Connections {
+        target: PressWatch
+        enabled: tip.wanted
+        function onPressed() { tip.dismissed = true; }
+    }
 
     contentItem: PlainText {
         text: tip.text

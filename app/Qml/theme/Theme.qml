@@ -64,6 +64,7 @@ QtObject {
     readonly property int fieldWidth: 50 * grid
     readonly property int buttonWidth: 24 * grid
     readonly property int iconSize: 5 * grid
+    readonly property int smallIconSize: 4 * grid
     readonly property int lampSize: 3 * grid
     readonly property int barHeight: 14 * grid
     readonly property int histogramBarWidth: 16 * grid
@@ -87,7 +88,11 @@ QtObject {
     readonly property int logSearchWidth: 38 * grid
     readonly property int serialPanelWidth: 125 * grid
     // The widths of fields and captions that are no plain fieldWidth.
-    readonly property int captionWidth: 72 * grid
+    readonly property int captionWidth: 42 * grid
+    // A page's rows: the field, the unit behind it, and how wide a column of them has to be at least.
+    readonly property int rowFieldWidth: 44 * grid
+    readonly property int unitWidth: 11 * grid
+    readonly property int pageColumnWidth: 142 * grid
     readonly property int serialCaptionWidth: 29 * grid
     readonly property int serialChoiceWidth: 38 * grid
     readonly property int modelFieldWidth: 34 * grid
@@ -101,7 +106,8 @@ QtObject {
     readonly property int monitorRangeWidth: 12 * grid
     readonly property int distributionHeight: 27 * grid
     readonly property int distributionTextWidth: 52 * grid
-    // The heights of a page's rows: a plain one, and a choice that needs room.
+    // The heights of a page's rows: the caption of a group, a plain one, and a choice that needs room.
+    readonly property int groupHeadHeight: 7 * grid
     readonly property int rowHeight: 35
     readonly property int tallRowHeight: 80
 
@@ -116,12 +122,14 @@ QtObject {
     readonly property int headlineSize: 20
     readonly property font captionFont: Qt.font({ family: fontFamily, pixelSize: captionSize })
     readonly property font bodyFont: Qt.font({ family: fontFamily, pixelSize: bodySize })
+    readonly property font captionBoldFont: Qt.font({ family: fontFamily, pixelSize: captionSize, bold: true })
     readonly property font boldFont: Qt.font({ family: fontFamily, pixelSize: bodySize, bold: true })
     readonly property font titleFont: Qt.font({ family: fontFamily, pixelSize: titleSize, bold: true })
     readonly property font headlineFont: Qt.font({ family: fontFamily, pixelSize: headlineSize, bold: true })
     readonly property font codeFont: Qt.font({ family: monospaceFamily, pixelSize: captionSize + 1 })
 
     readonly property int toolTipDelayMs: 600
+    readonly property int outcomeMs: 12000
     readonly property int fadeMs: 120
     readonly property int dragScrollMs: 30
     readonly property int noticeMs: 6000

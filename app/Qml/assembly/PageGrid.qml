@@ -1,0 +1,120 @@
+import QtQuick 2.15
+import "../controls"
+import "../theme"
+
+// The rows of a page, in groups and, where they fit, in two columns. Rows are made when they come
+// near the view, and stay: what is typed in them is never in the way of a refresh.
+//
+// rows      a PageRows; the others are handed to each row, see PageRow
+// current   the row that had the keyboard last
+// edited()  the user changed a value
+ScrollArea {
+    id: grid
+
+    property var rows
+    property var manager
+    property var fovEdits
+    property var upgrade
+    property var monitor: null
+    property var written: ({})
+    property var current: null
+    readonly property int count: repeater.count
+    readonly property bool isWide: width >= 2 * Theme.pageColumnWidth + 3 * Theme.gapWide
+    readonly property real columnWidth: layout.right < count ? (width - 4 * Theme.gapWide) / 2
+                                                             : width - 2 * Theme.gapWide
+    // What is within a view of what is seen.
+    readonly property real step: Math.max(height, Theme.rowHeight)
+    readonly property real nearStart: (Math.floor(contentY / step) - 1) * step
+    readonly property real nearEnd: nearStart + 4 * step
+
+    signal edited()
+
+    // The row at this place, made if it is not there yet.
+    function rowAt(index) {
+        const slot = repeater.itemAt(index);
+        slot.made = true;
+        return slot.item;
+    }
+
+    // Scrolls as a key asks for it; false when there is nothing to scroll or it is no such key.
+    function scrollByKey(key) {
+        const lowest = Math.max(0, contentHeight - height);
+        const wanted = key === Qt.Key_Up ? contentY - Theme.rowHeight
+                     : key === Qt.Key_Down ? contentY + Theme.rowHeight
+                     : key === Qt.Key_PageUp ? contentY - height + Theme.rowHeight
+                     : key === Qt.Key_PageDown ? contentY + height - Theme.rowHeight
+                     : key === Qt.Key_Home ? 0
+                     : key === Qt.Key_End ? lowest : contentY;
+        const end = Math.max(0, Math.min(lowest, wanted));
+        const moved = end !== contentY;
+        contentY = end;
+        return moved;
+    }
+
+    contentHeight: layout.height + Theme.gapWide
+
+    PageLayout {
+        id: layout
+
+        columns: grid.isWide ? 2 : 1
+    }
+
+    function arrange() {
+        current = null;
+        contentY = 0;
+        layout.start(rows.Shape());
+    }
+
+    Component.onCompleted: arrange()
+
+    Connections {
+        target: grid.rows
+        function onRebuilt() { grid.arrange(); }
+    }
+
+    Repeater {
+        id: repeater
+
+        model: grid.rows
+
+        Loader {
+            id: slot
+
+            readonly property var roles: model
+            readonly property bool isPlaced: index < layout.tops.length
+            readonly property bool near: isPlaced && y < grid.nearEnd && y >= grid.nearStart
+            property bool made: false
+
+            onNearChanged: if (near) made = true
+            Component.onCompleted: made = near
+
+            active: made
+            x: Theme.gapWide + (index >= layout.right ? grid.columnWidth + 2 * Theme.gapWide : 0)
+            y: layout.tops[index] || 0
+            width: grid.columnWidth
+            sourceComponent: PageRow {
+                index: slot.roles.index
+                caption: slot.roles.caption
+                kind: slot.roles.kind
+                level1: slot.roles.level1
+                level2: slot.roles.level2
+                level3: slot.roles.level3
+                leaf: slot.roles.leaf || ({})
+                headHeight: layout.heads[slot.roles.index] || 0
+                manager: grid.manager
+                fovEdits: grid.fovEdits
+                upgrade: grid.upgrade
+                monitor: grid.monitor
+                writtenAt: grid.written[place] || ""
+                onLineHeightChanged: layout.tell(index, lineHeight)
+                Component.onCompleted: layout.tell(index, lineHeight)
+                onEntered: grid.current = this
+                onEdited: {
+                    grid.rows.TakeRow(index);
+                    grid.edited();
+                }
+                onScrollAsked: grid.scrollByKey(key)
+            }
+        }
+    }
+}
