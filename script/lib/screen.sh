@@ -43,6 +43,7 @@ start_lidar() {
     local model=$1 settings=$HOME/Documents/CorvanViewDataFiles/RecvSettings.ini
     shift
     mkdir -p "${settings%/*}"
+    : >"$lidar_log"
     "$bin/virtual_lidar" --model "$model" --port 0 "$@" >"$lidar_log" 2>&1 &
     children+=($!)
     # shellcheck disable=SC2034  # for scripts that end it
@@ -56,13 +57,14 @@ start_lidar() {
     } >"$settings"
 }
 
-# start_window WIDTHxHEIGHT SCALE [OPTION...]: the window, that large before it is enlarged, alone on
-# a virtual screen. The program enlarges itself by what the screen is wider than 1920.
+# start_window WIDTHxHEIGHT SCALE [OPTION...]: the window, with a scene that large before it is
+# enlarged, alone on a virtual screen. The program enlarges itself by what the screen is wider than
+# 1920, and its scene is never smaller than 1300x800.
 start_window() {
     local width=${1%x*} height=${1#*x} scale=$2 found
     shift 2
     pixels() { awk -v n="$1" -v scale="$scale" 'BEGIN { printf "%d", n * scale }'; }
-    rm -f "$scratch/display"
+    : >"$scratch/display"
     Xvfb -displayfd 3 -screen 0 "$(pixels 1920)x$(pixels 1200)x24" -nolisten tcp \
         3>"$scratch/display" 2>/dev/null &
     children+=($!)
@@ -75,8 +77,13 @@ start_window() {
         die "the window did not open"
     }
     found=$(tail -n 1 "$scratch/window")
-    xdotool windowsize --sync "$found" "$(pixels "$width")" "$(pixels "$height")"
-    eval "$(xdotool getwindowgeometry --shell "$found" | grep -E '^(X|Y|WIDTH|HEIGHT)=')"
+    place() { eval "$(xdotool getwindowgeometry --shell "$found" | grep -E '^(X|Y|WIDTH|HEIGHT)=')"; }
+    place
+    if [ "$width$height" != 1300800 ]; then
+        xdotool windowsize --sync "$found" $((WIDTH + $(pixels $((width - 1300))))) \
+            $((HEIGHT + $(pixels $((height - 800)))))
+        place
+    fi
     area=${WIDTH}x$HEIGHT+$X+$Y
     settle
 }
@@ -96,6 +103,9 @@ settle() {
         sleep 0.25
     done
 }
+
+# click X Y: a place in the window, before it is enlarged.
+click() { xdotool mousemove $((X + $1)) $((Y + $2)) sleep 0.2 click 1 sleep 0.3; }
 
 press() { xdotool key --delay 60 "$@" && sleep 0.2; }
 
