@@ -21,11 +21,11 @@ namespace {
 const char kScanTab[] = "tab2";
 const char kFovTab[] = "tab3";
 const char kMonitorTab[] = "tab8";
-const char kMinimumDistance[] = "field_2_0_7";
-const char kMaximumDistance[] = "field_2_0_8";
+const char kMinimumDistance[] = "field_2_2_1";
+const char kMaximumDistance[] = "field_2_2_2";
 const char kReturnMode[] = "choice_2_0_2";
-const char kNoiseFilter[] = "switch_2_0_6";
-const char kNoiseFilterField[] = "field_2_0_6";
+const char kNoiseFilter[] = "switch_2_2_0";
+const char kNoiseFilterField[] = "field_2_2_0";
 
 class ScreensTest : public testing::Test {
  protected:

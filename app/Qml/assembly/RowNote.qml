@@ -17,7 +17,7 @@ Item {
     readonly property bool pending: row.pending || (editor && editor.typed === true)
     readonly property bool isWrong: verdict.text !== undefined && verdict.text !== "" && !verdict.rounded
     readonly property string before: row.pending ? row.leaf.reading || ""
-                                   : row.unread ? "" : row.leaf.current_val
+                                   : row.unread ? "" : row.leaf.current_val || ""
     readonly property alias text: words.text
 
     readonly property string news: {
