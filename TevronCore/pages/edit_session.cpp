@@ -35,9 +35,15 @@ void EditSession::SetText(int kind, const VarInfo& var, const std::string& text,
 
 bool EditSession::SetFov(int index, const std::string& text, UserReport& report) {
   switch (fov_.Edit(index, text)) {
-    case FovTable::EditResult::kStored:
-      pending_.insert(CommandOf(*fov_.variable()));
+    case FovTable::EditResult::kStored: {
+      const std::string& command = CommandOf(*fov_.variable());
+      if (HasEdits(command)) {
+        pending_.insert(command);
+      } else {
+        pending_.erase(command);
+      }
       return true;
+    }
     case FovTable::EditResult::kInvalid:
       report.Error("Input value of fov is invalid");
       return false;

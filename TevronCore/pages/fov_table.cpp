@@ -6,6 +6,14 @@
 #include "CmxClient/fov_command.h"
 #include "variables/command_code.h"
 
+namespace {
+
+std::string TextOf(float degrees) {
+  return QString::number(static_cast<double>(degrees), 'g', 6).toStdString();
+}
+
+}  // namespace
+
 FovTable::FovTable(const ConfigParser& table) : table_(table) {
   for (const VarInfo* var : table.InTableOrder()) {
     if (IsCommand(var->set_cmd, kavel::lidar::kFovCommand)) {
@@ -27,7 +35,13 @@ FovTable::EditResult FovTable::Edit(int index, const std::string& text) {
   if (!is_number || !in_range) {
     return EditResult::kInvalid;
   }
-  edits_[position] = static_cast<float>(degrees);
+  const auto angle = static_cast<float>(degrees);
+  const std::optional<Setting> held = Held();
+  if (held && TextOf(held->degrees[position]) == TextOf(angle)) {
+    edits_[position].reset();
+  } else {
+    edits_[position] = angle;
+  }
   return EditResult::kStored;
 }
 
@@ -63,8 +77,7 @@ std::vector<std::string> FovTable::Texts() const {
   for (size_t i = 0; i < kSize; ++i) {
     const std::optional<float> degrees =
         edits_[i] || !held ? edits_[i] : std::optional(held->degrees[i]);
-    texts.push_back(degrees ? QString::number(static_cast<double>(*degrees), 'g', 6).toStdString()
-                            : "");
+    texts.push_back(degrees ? TextOf(*degrees) : "");
   }
   return texts;
 }

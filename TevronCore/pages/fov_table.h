@@ -31,8 +31,9 @@ class FovTable {
   /// The variable that is written by the field-of-view command; null in a table without one.
   const VarInfo* variable() const { return variable_; }
 
-  /// Takes the text typed for angle `index`. kIgnored for an index outside the table and without a
-  /// variable, kInvalid for a text that is no number in [0, 360]; nothing is stored then.
+  /// Takes the text typed for angle `index`; the angle that the lidar holds takes the edit back.
+  /// kIgnored for an index outside the table and without a variable, kInvalid for a text that is no
+  /// number in [0, 360]; nothing is stored then.
   EditResult Edit(int index, const std::string& text);
   void DropEdits();
   /// In place of the edits here.

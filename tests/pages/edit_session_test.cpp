@@ -103,6 +103,12 @@ TEST_F(EditSessionTest, AnglesAreTakenInsideTheirLimits) {
   EXPECT_EQ(session_.fov().Texts(),
             (Lines{"0", "12.25", "7.5", "7.5", "7.5", "7.5", "7.5", "7.5", "7.5", "360"}));
   EXPECT_EQ(session_.fov().ToSend()->mode, 2);
+  for (const int index : {0, 1, 9}) {
+    EXPECT_EQ((PendingCommands{"34"}), session_.pending());
+    EXPECT_TRUE(session_.SetFov(index, "7.50", report_));
+  }
+  EXPECT_TRUE(session_.pending().empty()) << "the old angles take the edits back";
+  EXPECT_TRUE(session_.SetFov(3, "8", report_));
   session_.DropEdits({&fixture_["FOV"]});
   EXPECT_EQ(session_.fov().Texts(), Lines(10, "7.5"));
   held[1] = 4;  // another count is no table

@@ -7,6 +7,7 @@ import QtQuick 2.15
 // manager      the object that holds the angles (FovList)
 // releasing    what the manager takes back now is meant to go; at other times it is handed over again
 // angles       the edits by their index
+// held         what was there before each of them
 // refused      the texts that are no angles, by their index
 Item {
     id: edits
@@ -14,10 +15,11 @@ Item {
     property var manager
     property bool releasing: false
     property var angles: ({})
+    property var held: ({})
     property var refused: ({})
     readonly property int editCount: Object.keys(angles).length
     readonly property int faultCount: Object.keys(refused).length
-    property bool restoring: false
+    property bool handing: false
 
     // The page was read again to be rid of all edits, also of what is only typed.
     signal cancelled()
@@ -39,7 +41,8 @@ Item {
         refused = Object.assign({}, refused, { [index]: text });
     }
 
-    // The manager says why it refuses a text with a problem.
+    // The manager says why it refuses a text with a problem. The angle that was there before takes
+    // the edit back.
     function set(index, text) {
         if (problemWith(text) !== "") {
             // Its message takes the keyboard away, so this comes first.
@@ -48,8 +51,14 @@ Item {
             return;
         }
         refused = without(refused, index);
+        if (angles[index] === undefined)
+            held[index] = manager.FovList[index];
+        handing = true;
         manager.SetMultiFovConfig(index, text);
-        angles = Object.assign({}, angles, { [index]: manager.FovList[index] });
+        handing = false;
+        const shown = manager.FovList[index];
+        angles = shown === held[index] ? without(angles, index)
+                                       : Object.assign({}, angles, { [index]: shown });
     }
 
     // Gives up a text that was refused.
@@ -65,15 +74,16 @@ Item {
 
     // Hands over again those of `kept` that the manager does not show any more.
     function restore(kept) {
-        restoring = true;
-        Object.keys(kept).filter(i => kept[i] !== manager.FovList[i]).forEach(i => set(i, kept[i]));
-        restoring = false;
+        Object.keys(kept).filter(i => kept[i] !== manager.FovList[i]).forEach(i => {
+            held[i] = manager.FovList[i];
+            set(i, kept[i]);
+        });
     }
 
     Connections {
         target: edits.manager
         function onFovConfigChanged() {
-            if (edits.restoring)
+            if (edits.handing)
                 return;
             if (!edits.releasing) {
                 edits.restore(edits.angles);

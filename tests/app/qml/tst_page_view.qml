@@ -293,6 +293,12 @@ TestCase {
         compare(manager.calls, [["GetLidarModuleInfo", 0], ["SetMultiFovConfig", 7, "5"],
                                 ["SetText", 1, 0, 0, 1, "42"]]);
         verify(editor("fov_7").pending);
+        for (const text of ["6", "7"]) {
+            type("fov_7", text);
+            keyClick(Qt.Key_Return);
+            compare(manager["FovList"][7], text);
+        }
+        verify(!editor("fov_7").pending, "the angle that was there takes the edit back");
     }
 
     function test_what_the_user_edited_stays_an_edit_until_it_is_written_or_cancelled() {
