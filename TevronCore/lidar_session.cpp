@@ -77,14 +77,13 @@ void LidarSession::StartAttempt(std::optional<RestartPatience> patience) {
       ConnectAttempt::Handlers{Later(&LidarSession::EndAttempt), Later(&LidarSession::Lose)});
 }
 
-void LidarSession::AwaitAt(const ConnectionSettings& settings, const RestartPatience& patience,
+void LidarSession::AwaitAt(ConnectionSettings settings, const RestartPatience& patience,
                            std::function<void(Return)> ended) {
-  const ConnectionSettings there = settings;
   Disconnect();
   if (connecting_ || state_.connected) {
     return ended(Return::kGivenUp);  // a handler has begun something else
   }
-  settings_ = there;
+  settings_ = std::move(settings);
   give_up_at_ = std::chrono::system_clock::now() + patience.returns;
   return_ended_ = std::move(ended);
   StartAttempt(patience);

@@ -79,7 +79,7 @@ class LidarSession {
     AwaitAt(settings_, patience, std::move(ended));
   }
   /// The same for a lidar that is reached otherwise from now on.
-  void AwaitAt(const ConnectionSettings& settings, const RestartPatience& patience,
+  void AwaitAt(ConnectionSettings settings, const RestartPatience& patience,
                std::function<void(Return)> ended);
 
   /// Network settings were taken: after its restart the lidar is reached there.
