@@ -1,6 +1,7 @@
 #include "tevron_manager.h"
 
 #include <mutex>
+#include <utility>
 
 #include "connection/connection_settings.h"
 #include "tevron_manager_parts.h"
@@ -45,7 +46,12 @@ void TevronManager::InitConfigFileParser(const QString& model_name) {
   emit currentMonitorHwVersionChanged();
   emit myMapChanged();
   emit lidarShowModel();
-  parts_->posted->LogLine(parts_->config.Describe(name), LogType::kInfo);
+  // Said once, though a start loads the default model and then the one of the command line, which
+  // may be the same.
+  if (const std::string described = parts_->config.Describe(name);
+      std::exchange(parts_->described, described) != described) {
+    parts_->posted->LogLine(described, LogType::kInfo);
+  }
   ReportFaults(parts_->model()->faults);
 }
 

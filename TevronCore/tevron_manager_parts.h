@@ -49,6 +49,7 @@ struct TevronManager::Parts {
 
   ConnectionSettings settings;
   std::string product_variant;
+  std::string described;  ///< what the log was told last of where the model's table comes from
   QString error_message;
   QString error_remedy;  ///< of error_message
   QString success_message;
