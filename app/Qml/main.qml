@@ -1,6 +1,7 @@
 import QtQuick 2.15
 import "theme"
 import "assembly"
+import "controls"
 
 // The whole window: the connection at the top, the pages of the lidar below it with the command
 // console and the log around them. Everything behind the screens is reached through
@@ -104,15 +105,10 @@ FocusScope {
         onNextPlaceTold: messages.askNextPlace(address, port)
     }
 
-    Shortcut {
-        sequence: "Escape"
-        enabled: link.connecting
-        onActivated: link.cancel()
-    }
-    Shortcut {
-        sequence: "F5"
-        onActivated: window.reconnect()
-    }
+    Shortcut { sequence: "Escape"; enabled: link.connecting; onActivated: link.cancel() }
+    Shortcut { sequence: "F5"; onActivated: window.reconnect() }
+
+    KeyboardKeeper { screen: window }
 
     UpgradeControl {
         id: upgradeControl
@@ -192,6 +188,8 @@ FocusScope {
         watch: link.watch
         programName: window.programName
         modelName: window.modelName
+        // What a page's Save brought stands beside its button.
+        logSuccesses: pages.saving
         onEditsAnswered: window.settleAndGo(answer, purpose, argument)
         onLogged: work.log(text, tag)
         onConfirmed: window.go(purpose, argument)

@@ -34,6 +34,14 @@ class ScreensTest : public testing::Test {
     screen_.Click(tab);
   }
 
+  // The line beside Save says so, and no notice lies over the page.
+  bool WaitForSaved(const QString& names) {
+    return WaitFor([&] {
+             return screen_.Text("saveState").startsWith(names + " written and read back, ");
+           }) &&
+           screen_.Find("noticeText") == nullptr;
+  }
+
   Screen screen_;
   VirtualLidarProcess lidar_;
 };
@@ -164,7 +172,7 @@ TEST_F(ScreensTest, WritesWhatIsTypedAndMarksItUntilItIsSaved) {
   EXPECT_EQ(lidar_.Held("Minimum Distance"), "20") << "nothing is written before Save";
 
   screen_.Key(Qt::Key_S, Qt::ControlModifier);
-  ASSERT_TRUE(screen_.WaitForNotice("Set Lidar Successfully"));
+  ASSERT_TRUE(WaitForSaved("Minimum Distance"));
   EXPECT_EQ(lidar_.Held("Minimum Distance"), "50");
   EXPECT_EQ(lidar_.Held("Maximum Distance"), "90") << "a field beside it keeps its value";
   EXPECT_EQ(screen_.Text(kMinimumDistance), "50");
@@ -181,7 +189,7 @@ TEST_F(ScreensTest, WritesChoicesAndSwitches) {
   EXPECT_EQ(screen_.Text(kNoiseFilterField), "0");
   EXPECT_FALSE(screen_.Find(kNoiseFilterField)->isEnabled());
   screen_.Click("saveButton");
-  ASSERT_TRUE(screen_.WaitForNotice("Set Lidar Successfully"));
+  ASSERT_TRUE(WaitForSaved("Return Mode and Noise Filter"));
   EXPECT_EQ(lidar_.Held("Return Mode"), "1");
   EXPECT_EQ(lidar_.Held("Noise Filter"), "0");
   EXPECT_EQ(screen_.BoxMessage(), QString()) << "what went well is no question";
@@ -218,7 +226,7 @@ TEST_F(ScreensTest, SetsTheFieldOfView) {
 
   screen_.TypeInto("fov_7", "12.5");
   screen_.Click("saveButton");
-  ASSERT_TRUE(screen_.WaitForNotice("Set Lidar Successfully")) << screen_.LogText().toStdString();
+  ASSERT_TRUE(WaitForSaved("FOV Table")) << screen_.LogText().toStdString();
   // 12.5 as a float32 behind the mode, the count byte and seven other angles.
   EXPECT_EQ(lidar_.Held("FOV Table", "hex").remove(' ').mid(60, 8).toLower(), "41480000");
   EXPECT_EQ(screen_.Text("fov_7"), "12.5");
@@ -243,7 +251,13 @@ TEST_F(ScreensTest, SendsCommandsByHandAndRecallsThem) {
   screen_.TypeInto("consolePayload", "01 02");
   screen_.Click("consoleSend");
   EXPECT_EQ(screen_.Text("consoleVerdict"), "0x99 refused: 1 unknown command");
-  screen_.Click("consoleCommand");
+  screen_.TypeInto("consoleCommand", "zz");
+  screen_.Key(Qt::Key_Return);
+  ASSERT_TRUE(screen_.WaitForBox("Incorrect CMX header was entered. Parsing failed."));
+  screen_.Key(Qt::Key_Escape);
+  ASSERT_TRUE(WaitFor([&] { return screen_.BoxMessage().isEmpty(); }));
+  EXPECT_TRUE(screen_.Find("consoleCommand")->hasActiveFocus())
+      << "the keyboard is back where it was before the box";
   screen_.Key(Qt::Key_Up);
   screen_.Key(Qt::Key_Up);
   EXPECT_EQ(screen_.Text("consoleCommand"), "0x11");

@@ -53,6 +53,7 @@ Item {
     function write() {
         writing = true;
         const edits = pageRows.Edits();
+        const wanted = fovEdits.angles;
         manager.Run(tab);
         pageRows.TakeAll();
         const untaken = pageRows.Edits();
@@ -64,7 +65,7 @@ Item {
         fovEdits.restore(angles);
         writing = false;
         const now = Qt.formatTime(new Date(), "hh:mm:ss");
-        done(SaveOutcome.of(rows.concat(fovOutcome(angles)), now));
+        done(SaveOutcome.of(rows.concat(fovOutcome(wanted)), now));
     }
 
     function isSame(one, other) {
