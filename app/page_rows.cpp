@@ -1,5 +1,6 @@
 #include "page_rows.h"
 
+#include <QRegularExpression>
 #include <algorithm>
 #include <functional>
 
@@ -40,6 +41,8 @@ QVariant PageRows::data(const QModelIndex& index, int role) const {
       return row.level3;
     case kLeafRole:
       return row.leaf;
+    case kHeadingRole:
+      return row.heading;
     default:
       return {};
   }
@@ -47,7 +50,8 @@ QVariant PageRows::data(const QModelIndex& index, int role) const {
 
 QHash<int, QByteArray> PageRows::roleNames() const {
   return {{kCaptionRole, "caption"}, {kKindRole, "kind"},     {kLevel1Role, "level1"},
-          {kLevel2Role, "level2"},   {kLevel3Role, "level3"}, {kLeafRole, "leaf"}};
+          {kLevel2Role, "level2"},   {kLevel3Role, "level3"}, {kLeafRole, "leaf"},
+          {kHeadingRole, "heading"}};
 }
 
 void PageRows::SetManager(QObject* manager) {
@@ -70,30 +74,84 @@ QString PageRows::description() const {
   return rows_.empty() ? QString() : rows_.front().leaf.value("page_description").toString();
 }
 
+void PageRows::Search(const QString& text, bool only_edited, bool only_changed) {
+  const QString folded = text.toCaseFolded();
+  TakeCandidates(ListOf(manager_, "level2List"), ListOf(manager_, "myMap"));
+  search_ = {folded.split(QRegularExpression("\\s+"), Qt::SkipEmptyParts), only_edited,
+             only_changed};
+  Rebuild();
+}
+
 void PageRows::Rebuild() {
   const QVariantList map = ListOf(manager_, "myMap");
+  const QVariantList pages = ListOf(manager_, "level2List");
   beginResetModel();
   rows_.clear();
-  for (const QVariant& entry : At(ListOf(manager_, "level2List"), page_).toList()) {
-    const QVariantList cells = entry.toList();
-    Row row{At(cells, 0).toString(),
-            At(cells, 1).toInt(),
-            At(cells, 2).toInt(),
-            At(cells, 3).toInt(),
-            At(cells, 4).toInt(),
-            false,
-            QVariantMap()};
-    row.starts_group = rows_.empty() || rows_.back().level2 != row.level2;
-    row.leaf = LeafOf(map, row);
-    const QString unit = row.leaf.value("unit_suffix").toString();
-    if (row.caption.endsWith(unit)) {
-      row.caption.chop(unit.size());
+  found_count_ = 0;
+  if (page_ == kEveryPage) {
+    if (search_.AsksForAny()) {
+      LookThrough(pages, map);
     }
-    rows_.push_back(row);
+  } else {
+    for (const QVariant& entry : At(pages, page_).toList()) {
+      Row row = RowOf(entry.toList(), map);
+      row.heading = row.leaf.value("group_caption").toString();
+      row.starts_group = rows_.empty() || rows_.back().level2 != row.level2;
+      rows_.push_back(std::move(row));
+    }
   }
   endResetModel();
   emit rebuilt();
   emit taken();
+}
+
+void PageRows::TakeCandidates(const QVariantList& pages, const QVariantList& map) {
+  if (pages == candidate_pages_) {
+    return;
+  }
+  candidates_.clear();
+  candidate_pages_ = pages;
+  for (const QVariant& page : pages) {
+    for (const QVariant& entry : page.toList()) {
+      const Row row = RowOf(entry.toList(), map);
+      candidates_.push_back({row, RowSearch::TextOf(row.caption, row.leaf)});
+    }
+  }
+}
+
+// Whoever types asks again and again: a text is only made anew where a variable has changed.
+void PageRows::LookThrough(const QVariantList& pages, const QVariantList& map) {
+  TakeCandidates(pages, map);
+  for (Candidate& candidate : candidates_) {
+    Row& row = candidate.row;
+    QVariantMap leaf = LeafOf(map, row);
+    if (leaf != row.leaf) {
+      row.leaf = std::move(leaf);
+      candidate.text = RowSearch::TextOf(row.caption, row.leaf);
+    }
+    if (search_.Finds(row.leaf, candidate.text) && ++found_count_ <= kMostFound) {
+      rows_.push_back(row);
+      rows_.back().heading = row.leaf.value("page").toString();
+      rows_.back().starts_group = rows_.size() == 1 || rows_[rows_.size() - 2].level1 != row.level1;
+    }
+  }
+}
+
+PageRows::Row PageRows::RowOf(const QVariantList& cells, const QVariantList& map) const {
+  Row row{At(cells, 0).toString(),
+          QString(),
+          At(cells, 1).toInt(),
+          At(cells, 2).toInt(),
+          At(cells, 3).toInt(),
+          At(cells, 4).toInt(),
+          false,
+          QVariantMap()};
+  row.leaf = LeafOf(map, row);
+  const QString unit = row.leaf.value("unit_suffix").toString();
+  if (row.caption.endsWith(unit)) {
+    row.caption.chop(unit.size());
+  }
+  return row;
 }
 
 void PageRows::TakeAll() {
@@ -152,11 +210,16 @@ QVariantMap PageRows::FovLeaf() const {
   return row < 0 ? QVariantMap() : rows_[static_cast<size_t>(row)].leaf;
 }
 
-QVariantMap PageRows::LeafAt(int level1, int level2, int level3) const {
+int PageRows::RowAt(int level1, int level2, int level3) const {
   const auto row = std::find_if(rows_.begin(), rows_.end(), [=](const Row& one) {
     return one.level1 == level1 && one.level2 == level2 && one.level3 == level3;
   });
-  return row == rows_.end() ? QVariantMap() : row->leaf;
+  return row == rows_.end() ? -1 : static_cast<int>(row - rows_.begin());
+}
+
+QVariantMap PageRows::LeafAt(int level1, int level2, int level3) const {
+  const int row = RowAt(level1, level2, level3);
+  return row < 0 ? QVariantMap() : rows_[static_cast<size_t>(row)].leaf;
 }
 
 QVariantList PageRows::Edits() const {
@@ -175,9 +238,8 @@ QVariantList PageRows::Edits() const {
 QVariantList PageRows::Shape() const {
   QVariantList shape;
   for (const Row& row : rows_) {
-    const bool captioned = !row.leaf.value("group_caption").toString().isEmpty();
-    shape.append(
-        QVariantMap{{"kind", row.kind}, {"starts", row.starts_group}, {"captioned", captioned}});
+    shape.append(QVariantMap{
+        {"kind", row.kind}, {"starts", row.starts_group}, {"captioned", !row.heading.isEmpty()}});
   }
   return shape;
 }

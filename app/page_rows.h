@@ -7,16 +7,21 @@
 #include <QVariantMap>
 #include <vector>
 
-/// The rows of one page, with the variable that each of them shows. They are taken from the
-/// manager's "level2List" and "myMap" when that is asked for, and only rows whose variable differs
-/// from what they show announce a change. GUI thread only.
+#include "row_search.h"
+
+/// The rows of one page, or those of all pages that a search finds, with the variable that each of
+/// them shows. They are taken from the manager's "level2List" and "myMap" when that is asked for,
+/// and only rows whose variable differs from what they show announce a change. What was found stays
+/// until it is searched again, whatever becomes of its values. GUI thread only.
 class PageRows : public QAbstractListModel {
   Q_OBJECT
   /// The object with the two properties; may be null, and there are no rows then.
   Q_PROPERTY(QObject* manager READ manager WRITE SetManager NOTIFY managerChanged)
-  /// Which page, from 0; there are no rows for a page that does not exist.
+  /// Which page, from 0, or kEveryPage; there are no rows for a page that does not exist.
   Q_PROPERTY(int page READ page WRITE SetPage NOTIFY pageChanged)
   Q_PROPERTY(int count READ count NOTIFY rebuilt)
+  /// How many rows the search found; more than `count` where it found more than kMostFound.
+  Q_PROPERTY(int foundCount READ found_count NOTIFY rebuilt)
   /// The line under the page's title; empty without one.
   Q_PROPERTY(QString description READ description NOTIFY rebuilt)
   /// How many values were edited, and how many of them have to be corrected before a Save.
@@ -30,8 +35,13 @@ class PageRows : public QAbstractListModel {
     kLevel1Role,                      ///< "level1", "level2", "level3": the place in myMap
     kLevel2Role,
     kLevel3Role,
-    kLeafRole,  ///< "leaf": the fields of the variable; empty where myMap has no such place
+    kLeafRole,     ///< "leaf": the fields of the variable; empty where myMap has no such place
+    kHeadingRole,  ///< "heading": what stands above the group; of what was found, the page
   };
+
+  static constexpr int kEveryPage = -1;
+  /// Who has to look through more rows than these asks for too much.
+  static constexpr int kMostFound = 200;
 
   using QAbstractListModel::QAbstractListModel;
 
@@ -44,10 +54,13 @@ class PageRows : public QAbstractListModel {
   int page() const { return page_; }
   void SetPage(int page);
   int count() const { return static_cast<int>(rows_.size()); }
+  int found_count() const { return found_count_; }
   QString description() const;
   int editCount() const;
   int faultCount() const;
 
+  /// Shows what is found on all pages, where `page` is kEveryPage. `text` holds the words.
+  Q_INVOKABLE void Search(const QString& text, bool only_edited, bool only_changed);
   /// Builds the rows anew: for another page, model or monitor table.
   Q_INVOKABLE void Rebuild();
   /// Takes the variables of all rows.
@@ -64,7 +77,8 @@ class PageRows : public QAbstractListModel {
   /// The row of the field-of-view table, -1 without one, and its variable.
   Q_INVOKABLE int FirstFov() const;
   Q_INVOKABLE QVariantMap FovLeaf() const;
-  /// The variable of a row that stands at this place; empty without one.
+  /// The row that stands at this place, -1 without one; and its variable, empty without one.
+  Q_INVOKABLE int RowAt(int level1, int level2, int level3) const;
   Q_INVOKABLE QVariantMap LeafAt(int level1, int level2, int level3) const;
   /// What the layout of the page depends on: for each row a map with "kind", whether it "starts" a
   /// group, and whether that is "captioned".
@@ -84,6 +98,7 @@ class PageRows : public QAbstractListModel {
  private:
   struct Row {
     QString caption;
+    QString heading;
     int kind;
     int level1, level2, level3;
     bool starts_group;
@@ -93,11 +108,24 @@ class PageRows : public QAbstractListModel {
     bool IsFaulty() const;
   };
 
+  /// A row that can be found, and the text that it is found by.
+  struct Candidate {
+    Row row;
+    QString text;
+  };
+
+  void TakeCandidates(const QVariantList& pages, const QVariantList& map);
+  void LookThrough(const QVariantList& pages, const QVariantList& map);
+  Row RowOf(const QVariantList& cells, const QVariantList& map) const;
   std::vector<Row>::const_iterator FirstOfKind(int kind) const;
   QVariantMap LeafOf(const QVariantList& map, const Row& row) const;
   void Take(int row, const QVariantList& map);
 
   QPointer<QObject> manager_;
   int page_ = 0;
+  RowSearch search_;
+  int found_count_ = 0;
+  QVariantList candidate_pages_;  ///< the "level2List" that the candidates were taken from
+  std::vector<Candidate> candidates_;
   std::vector<Row> rows_;
 };

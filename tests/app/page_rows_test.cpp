@@ -60,4 +60,64 @@ TEST(PageRowsTest, AnnouncesTheRowsThatDiffer) {
   EXPECT_EQ(rows.description(), "");
 }
 
+// Two pages: who it is, and how it scans.
+void FillForSearch(QObject* manager, const QString& state) {
+  const auto leaf = [&](const char* page, const char* value, const char* standard) {
+    return QVariantMap{{"page", page},    {"current_val", value}, {"default_val", standard},
+                       {"permission", 1}, {"state", state},       {"edited", state == "edited"}};
+  };
+  QVariantMap mode = leaf("Scan", "2", "2");
+  mode.insert("varname_value_to_option", QVariantMap{{"2", "Strongest"}});
+  QVariantMap serial = leaf("Device", "AB-2", "X");
+  serial.insert("permission", 0);
+  const QVariantList device = {serial};
+  const QVariantList scan = {mode, leaf("Scan", "600", "600.00"), leaf("Scan", "21", "20")};
+  manager->setProperty("myMap", QVariantList{QVariant(QVariantList{QVariant(device)}),
+                                             QVariant(QVariantList{QVariant(scan)})});
+  const QVariantList device_rows = {QVariantList{"Serial Number", 0, 0, 0, 0}};
+  const QVariantList scan_rows = {QVariantList{"Return Mode", 3, 1, 0, 0},
+                                  QVariantList{"Spin Rate", 1, 1, 0, 1},
+                                  QVariantList{"Minimum Distance", 1, 1, 0, 2}};
+  manager->setProperty("level2List", QVariantList{QVariant(device_rows), QVariant(scan_rows)});
+}
+
+TEST(PageRowsTest, FindsNamesValuesAndPages) {
+  const struct {
+    const char* words;
+    bool only_edited;
+    bool only_changed;
+    const char* state;
+    QString found;
+  } rows_of_table[] = {
+      {"", false, false, "read", ""},
+      {"SPIN", false, false, "read", "Spin Rate"},
+      {"scan  min", false, false, "read", "Minimum Distance"},
+      {"2", false, false, "read", "Serial Number,Return Mode,Minimum Distance"},
+      {"strong", false, false, "read", "Return Mode"},
+      {"strong", false, false, "unread", ""},
+      {"rate 60", false, false, "unread", ""},
+      {"ratemin", false, false, "read", ""},
+      {"", false, true, "read", "Minimum Distance"},
+      {"", false, true, "unread", ""},
+      {"", true, false, "read", ""},
+      {"device", true, false, "edited", "Serial Number"},
+  };
+  for (const auto& row : rows_of_table) {
+    SCOPED_TRACE(std::string(row.words) + " " + row.state);
+    QObject manager;
+    FillForSearch(&manager, row.state);
+    PageRows rows;
+    rows.SetPage(PageRows::kEveryPage);
+    rows.SetManager(&manager);
+    EXPECT_EQ(rows.count(), 0);
+    rows.Search(row.words, row.only_edited, row.only_changed);
+    QStringList found;
+    for (int i = 0; i < rows.count(); ++i) {
+      found << rows.index(i).data(PageRows::kCaptionRole).toString();
+    }
+    EXPECT_EQ(found.join(','), row.found);
+    EXPECT_EQ(rows.found_count(), found.size());
+  }
+}
+
 }  // namespace

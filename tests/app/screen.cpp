@@ -8,6 +8,7 @@
 #include <QQmlContext>
 #include <QResource>
 #include <QTest>
+#include <algorithm>
 #include <stdexcept>
 
 #include "connection/connection_settings.h"
@@ -44,6 +45,16 @@ QQuickItem* FindBelow(QQuickItem* item, const QString& name) {
     }
   }
   return nullptr;
+}
+
+// Whether a focus ring is drawn in `item`, inside what the window shows.
+bool HasFocusMark(const QQuickItem* item) {
+  if (QByteArray(item->metaObject()->className()).startsWith("FocusRing") && item->isVisible()) {
+    const QRectF place = item->mapRectToScene(item->boundingRect());
+    return item->window()->contentItem()->contains(place.center());
+  }
+  const QList<QQuickItem*> children = item->childItems();
+  return std::any_of(children.begin(), children.end(), HasFocusMark);
 }
 
 }  // namespace
@@ -106,10 +117,18 @@ void Screen::Key(int key, Qt::KeyboardModifiers modifiers) {
 void Screen::TypeInto(const QString& name, const QString& text) {
   Click(name);
   Key(Qt::Key_A, Qt::ControlModifier);
+  Type(text);
+}
+
+void Screen::Type(const QString& text) {
   for (const QChar letter : text) {
     QTest::keyClick(&view_, letter.toLatin1());
   }
 }
+
+QString Screen::FocusName() const { return view_.activeFocusItem()->objectName(); }
+
+bool Screen::IsFocusMarked() const { return HasFocusMark(view_.activeFocusItem()); }
 
 bool Screen::ConnectTo(quint16 port) {
   TypeInto(QStringLiteral("ipField"), QStringLiteral("127.0.0.1"));

@@ -29,6 +29,10 @@ class Screen {
   /// Clicks into the middle of the item, which has to be visible and enabled.
   void Click(const QString& name);
   void Key(int key, Qt::KeyboardModifiers modifiers = Qt::NoModifier);
+  void Type(const QString& text);
+  /// The name of the item that has the keyboard, and whether a mark in view says so.
+  QString FocusName() const;
+  bool IsFocusMarked() const;
   /// Drops files onto the item, as out of a file manager.
   void Drop(const QString& name, const QList<QUrl>& urls);
   /// Clicks into a field and types over what it holds, without leaving it.

@@ -130,12 +130,13 @@ TEST_F(WindowTest, WritesATypedValueToTheLidarAndLeavesASilentOneAtOnce) {
   ASSERT_TRUE(WaitFor([&] { return lidar_->Output().contains("request 0x02"); }));
   ASSERT_EQ(lidar_->Held("Minimum Distance"), "20");
 
-  // From the first tab two to the right to "Scan", and from there nine fields on, behind "Logs".
+  // From the first tab two to the right to "Scan", and from there nine fields on, behind "Logs" and
+  // the search.
   Click(55, 135);
   XDoTool({"key", "Right", "Right"});
   ASSERT_TRUE(WaitFor([&] { return lidar_->Output().contains("request 0x11"); }));
   QStringList keys{"key"};
-  for (int stop = 0; stop < 10; ++stop) {
+  for (int stop = 0; stop < 11; ++stop) {
     keys << "Tab";
   }
   XDoTool(keys);

@@ -46,9 +46,16 @@ Item {
             serial.item.discard();
     }
 
-    // Shows another page. Edits belong to the page they were made on: they go with it.
+    // Shows another page, and goes to the row on it that was asked for.
     function selectTab(tab) {
         logsButton.checked = false;
+        finder.finding = false;
+        changePage(tab);
+        finder.arrive();
+    }
+
+    // Edits belong to the page they were made on: they go with it.
+    function changePage(tab) {
         page.release(() => {
             manager.ClearSetMap();
             manager.setModuleIndexUse(tab);
@@ -63,6 +70,7 @@ Item {
 
     function rebuild() {
         showTabs();
+        finder.close();
         currentTab = 0;
         manager.setModuleIndexUse(0);
     }
@@ -92,15 +100,21 @@ Item {
         currentIndex: area.currentTab
         resting: logs.visible
         marked: page.hasEdits ? [area.currentTab] : []
-        onSelected: area.hasEdits ? area.leaveAsked(index) : area.selectTab(index)
-        onClicked: logsButton.checked = false
+        onSelected: {
+            finder.wanted = null;
+            area.hasEdits ? area.leaveAsked(index) : area.selectTab(index);
+        }
+        onClicked: {
+            logsButton.checked = false;
+            finder.close();
+        }
     }
 
     DefaultToolButton {
         id: logsButton
 
         objectName: "logsButton"
-        anchors.right: parent.right
+        anchors.right: findField.left
         anchors.rightMargin: Theme.gap
         anchors.verticalCenter: tabs.verticalCenter
         visible: area.network && logs.offersAny
@@ -110,6 +124,26 @@ Item {
         hint: qsTr("Download the logs of the lidar")
         Keys.onReturnPressed: toggle()
         Keys.onEnterPressed: toggle()
+    }
+
+    FindField {
+        id: findField
+
+        objectName: "findField"
+        anchors.right: parent.right
+        anchors.rightMargin: Theme.gapWide
+        anchors.verticalCenter: tabs.verticalCenter
+        visible: area.network
+        onStarted: logsButton.checked = false
+    }
+
+    FindControl {
+        id: finder
+
+        area: area
+        field: findField
+        page: page
+        onEnded: tabs.forceActiveFocus(Qt.ShortcutFocusReason)
     }
 
     PageView {
@@ -124,9 +158,18 @@ Item {
         manager: area.manager
         tab: area.currentTab
         upgrade: area.upgrade
+        finding: finder.finding
+        searchText: findField.text
         title: tabs.titles.length > area.currentTab ? tabs.titles[area.currentTab] : ""
         onRefused: area.refused(reason)
         onConfirmationWanted: area.confirmationWanted(names)
+        onPageWanted: area.changePage(tab)
+        onRowWanted: finder.goTo(row)
+        Keys.onEscapePressed: {
+            event.accepted = finder.finding;
+            if (finder.finding)
+                finder.leave();
+        }
     }
 
     LogsPanel {

@@ -6,8 +6,12 @@ import "../theme"
 // near the view, and stay: what is typed in them is never in the way of a refresh.
 //
 // rows      a PageRows; the others are handed to each row, see PageRow
+// linked    the rows were found: their captions lead to their pages
+// openPage  only rows of this page can be changed; -1: all
 // current   the row that had the keyboard last
-// edited()  the user changed a value
+// edited()         the user changed a value
+// entered(level1)  a row of that page got the keyboard
+// pageWanted(row)  the user wants to see the row on its page
 ScrollArea {
     id: grid
 
@@ -17,6 +21,8 @@ ScrollArea {
     property var upgrade
     property var monitor: null
     property var written: ({})
+    property bool linked: false
+    property int openPage: -1
     property var current: null
     readonly property int count: repeater.count
     readonly property bool isWide: width >= 2 * Theme.pageColumnWidth + 3 * Theme.gapWide
@@ -28,11 +34,14 @@ ScrollArea {
     readonly property real nearEnd: nearStart + 4 * step
 
     signal edited()
+    signal entered(int level1)
+    signal pageWanted(var row)
 
     // The row at this place, made if it is not there yet.
     function rowAt(index) {
         const slot = repeater.itemAt(index);
         slot.made = true;
+        slot.asynchronous = false;
         return slot.item;
     }
 
@@ -88,6 +97,8 @@ ScrollArea {
             onNearChanged: if (near) made = true
             Component.onCompleted: made = near
 
+            // What is being typed to be found does not wait for rows.
+            asynchronous: grid.linked
             active: made
             x: Theme.gapWide + (index >= layout.right ? grid.columnWidth + 2 * Theme.gapWide : 0)
             y: layout.tops[index] || 0
@@ -100,6 +111,9 @@ ScrollArea {
                 level2: slot.roles.level2
                 level3: slot.roles.level3
                 leaf: slot.roles.leaf || ({})
+                heading: slot.roles.heading || ""
+                linked: grid.linked
+                locked: grid.openPage >= 0 && level1 !== grid.openPage
                 headHeight: layout.heads[slot.roles.index] || 0
                 manager: grid.manager
                 fovEdits: grid.fovEdits
@@ -108,7 +122,11 @@ ScrollArea {
                 writtenAt: grid.written[place] || ""
                 onLineHeightChanged: layout.tell(index, lineHeight)
                 Component.onCompleted: layout.tell(index, lineHeight)
-                onEntered: grid.current = this
+                onEntered: {
+                    grid.current = this;
+                    grid.entered(level1);
+                }
+                onPageWanted: grid.pageWanted(this)
                 onEdited: {
                     grid.rows.TakeRow(index);
                     grid.edited();

@@ -7,7 +7,9 @@ import "../theme"
 //
 // index, caption, kind, level1 to 3 and leaf are the roles of the page's model. A new value changes
 // `leaf` and never rebuilds the row; a field that the user is typing in keeps its text.
-// headHeight  room for the caption of the group
+// heading     what stands above the group, and headHeight the room for it
+// linked      the row was found: its caption leads to its page, where panels have their editors
+// locked      it cannot be changed now
 // writtenAt   when the value was read back after the last Save; empty otherwise
 FocusScope {
     id: row
@@ -38,12 +40,15 @@ FocusScope {
     property int level2: 0
     property int level3: 0
     property var leaf: ({})
+    property string heading: ""
     property int headHeight: 0
+    property bool linked: false
+    property bool locked: false
     property string writtenAt: ""
 
     readonly property bool isFov: Number(leaf.set_cmd) === Number(fovCommand)
     // Takes the whole width, without a caption.
-    readonly property bool isPanel: kind === kindFile || isFov
+    readonly property bool isPanel: !linked && (kind === kindFile || isFov)
     readonly property bool isTall: kind === kindTallChoice
     readonly property bool editable: leaf.permission !== 0 && leaf.editable !== false
     readonly property bool pending: leaf.edited === true
@@ -77,6 +82,8 @@ FocusScope {
     signal edited()
     // A key that the editor has no use for.
     signal scrollAsked(int key)
+    // The row is to be seen on its page.
+    signal pageWanted()
 
     // Records what the user changed; `type` is 1 for a text, 2 for a switch, 3 for a choice.
     function edit(type, text) {
@@ -104,7 +111,7 @@ FocusScope {
     }
 
     function editorFile() {
-        if (isInMonitor)
+        if (isInMonitor || (linked && (isFov || kind === kindFile || kind === kindMonitor)))
             return "";
         if (isFov)
             return "FovPanel.qml";
@@ -131,7 +138,7 @@ FocusScope {
     GroupHead {
         width: parent.width
         height: row.headHeight
-        text: row.leaf.group_caption || ""
+        text: row.heading
     }
 
     Item {
@@ -141,21 +148,14 @@ FocusScope {
         width: parent.width
         height: row.lineHeight
 
-        PlainText {
+        RowCaption {
             id: captionText
 
             anchors.verticalCenter: loader.verticalCenter
             visible: !row.isPanel
             width: Theme.captionWidth
-            text: row.caption
-            color: row.pending ? Theme.pendingColor : Theme.textColor
-            elide: Text.ElideRight
-
-            HoverHandler { id: captionHover }
-            DefaultToolTip {
-                wanted: captionHover.hovered && captionText.truncated
-                text: row.caption
-            }
+            row: row
+            takesKeyboard: loader.item === null
         }
 
         Loader {
@@ -170,6 +170,7 @@ FocusScope {
             width: row.isPanel ? parent.width
                  : isLong ? Math.min(parent.width - x, 2 * Theme.rowFieldWidth) : Theme.rowFieldWidth
             focus: true
+            enabled: !row.locked
         }
 
         PlainText {

@@ -10,6 +10,7 @@ import "../theme"
 // manager  the object that holds the pages (myMap, level2List) and reads and writes them
 // tab      the page that is shown
 // upgrade  the window's UpgradeControl
+// finding  what is found on all pages is shown in its place
 //
 // Save asks before it writes values out of their range: confirmationWanted(names) is answered by
 // calling write() or nothing.
@@ -20,6 +21,9 @@ FocusScope {
     property int tab: 0
     property var upgrade
     property string title: ""
+    property bool finding: false
+    property alias searchText: finder.text
+    readonly property var body: finding ? finder : grid
     readonly property int kindFile: 4
     readonly property int kindMonitor: 7
     readonly property bool hasEdits: pendingCommands > 0 || typing || fov.faultCount > 0
@@ -32,8 +36,8 @@ FocusScope {
         return activeFocus && item !== null && item.typing === true && item.text !== item.value;
     }
     // Text that is being typed in a row that has no other edit counts as one.
-    readonly property bool typingAnew: typing && grid.current !== null && !grid.current.pending
-    readonly property bool typingFault: typingAnew && grid.current.isFaulty
+    readonly property bool typingAnew: typing && body.current !== null && !body.current.pending
+    readonly property bool typingFault: typingAnew && body.current.isFaulty
     readonly property int faultCount: rows.faultCount + fov.faultCount + (typingFault ? 1 : 0)
     readonly property int editCount: rows.editCount - rows.faultCount + fov.editCount
                                      + (typingAnew && !typingFault ? 1 : 0)
@@ -44,12 +48,16 @@ FocusScope {
 
     signal refused(string reason)
     signal confirmationWanted(var names)
+    // Among what was found: another page is to be the one in view; a row is to be seen on its page.
+    signal pageWanted(int tab)
+    signal rowWanted(var row)
 
     // Brings the rows up to date that show something else. What was typed stays, whoever read the page.
     function takeValues() {
         const edits = releasing || saving ? [] : rows.Edits();
         rows.TakeAll();
         saveControl.giveBack(edits);
+        finder.take();
         takeHardware();
         countPending();
     }
@@ -67,13 +75,13 @@ FocusScope {
 
     // Hands over what is typed in the field that still has the keyboard.
     function commitTyping() {
-        if (grid.current !== null)
-            grid.current.commit();
+        if (body.current !== null)
+            body.current.commit();
     }
 
     // Scrolls as a key asks for it; false when that changes nothing.
     function scrollByKey(key) {
-        return grid.scrollByKey(key);
+        return body.scrollByKey(key);
     }
 
     // Does `reading`, after which no edit is left.
@@ -105,12 +113,27 @@ FocusScope {
         saveControl.write();
     }
 
+    // Takes the keyboard to a row of the page.
+    function goTo(level1, level2, level3) {
+        const index = rows.RowAt(level1, level2, level3);
+        if (index >= 0)
+            grid.rowAt(index).forceActiveFocus(Qt.ShortcutFocusReason);
+    }
+
+    // Takes the keyboard to the first row that was found.
+    function goToFound() {
+        finder.goToFirst();
+    }
+
     // Goes to the first field that has to be corrected, unless a message has the keyboard.
     function goToFault() {
         const first = rows.FirstFault();
         const row = first >= 0 ? first : rows.FirstFov();
-        if (activeFocus && row >= 0)
-            grid.rowAt(row).goToFault();
+        if (!activeFocus || row < 0)
+            return;
+        if (finding)
+            rowWanted(grid.rowAt(row));
+        grid.rowAt(row).goToFault();
     }
 
     function showOutcome(outcome) {
@@ -126,6 +149,7 @@ FocusScope {
         function onMyMapChanged() { page.takeValues(); }
         function onMyTimerMapChanged() {
             rows.TakeTimed();
+            finder.takeTimed();
             page.takeHardware();
             page.countPending();
         }
@@ -185,7 +209,7 @@ FocusScope {
         anchors.right: parent.right
         anchors.top: parent.top
         anchors.margins: Theme.gapWide
-        visible: !page.holdsMonitor
+        visible: !page.holdsMonitor && !page.finding
         text: page.title
         description: rows.description
     }
@@ -204,7 +228,7 @@ FocusScope {
         anchors.topMargin: Theme.gap
         anchors.bottomMargin: Theme.gap
         active: false
-        visible: page.holdsMonitor
+        visible: page.holdsMonitor && !page.finding
         onVisibleChanged: if (visible) active = true
         sourceComponent: MonitorEditor {
             manager: page.manager
@@ -223,7 +247,8 @@ FocusScope {
         height: page.holdsMonitor ? Math.min(contentHeight, page.height / 3)
                                   : (saveBar.visible ? saveBar.y : page.height) - heading.y
                                     - heading.height - Theme.gap
-        focus: true
+        visible: !page.finding
+        focus: !page.finding
         rows: rows
         manager: page.manager
         fovEdits: fov
@@ -234,8 +259,30 @@ FocusScope {
 
     EmptyNote {
         anchors.centerIn: grid
-        visible: rows.count === 0
+        visible: rows.count === 0 && !page.finding
         text: qsTr("This model has no values to show. Choose another model, or check its table.")
+    }
+
+    FindView {
+        id: finder
+
+        objectName: "findView"
+        anchors.left: parent.left
+        anchors.right: parent.right
+        anchors.top: parent.top
+        anchors.bottom: grid.bottom
+        visible: page.finding
+        focus: page.finding
+        manager: page.manager
+        tab: page.tab
+        holdsTab: page.hasEdits
+        written: grid.written
+        onEdited: {
+            rows.TakeAll();
+            page.countPending();
+        }
+        onPageWanted: page.pageWanted(tab)
+        onRowWanted: page.rowWanted(row)
     }
 
     SaveBar {

@@ -85,6 +85,7 @@ QtObject {
     readonly property int pageMinimumHeight: 70 * grid
     readonly property int consoleMinimumWidth: 85 * grid
     readonly property int logMinimumHeight: 28 * grid
+    readonly property int findFieldWidth: 50 * grid
     readonly property int logSearchWidth: 38 * grid
     readonly property int serialPanelWidth: 125 * grid
     // The widths of fields and captions that are no plain fieldWidth.
@@ -130,6 +131,8 @@ QtObject {
 
     readonly property int toolTipDelayMs: 600
     readonly property int outcomeMs: 12000
+    // Long enough to type on, short enough to seem at once.
+    readonly property int searchPauseMs: 150
     readonly property int fadeMs: 120
     readonly property int dragScrollMs: 30
     readonly property int noticeMs: 6000
