@@ -9,6 +9,7 @@
 #include <system_error>
 #include <utility>
 
+#include "variables/fault_list.h"
 #include "variables/number_text.h"
 
 namespace {
@@ -38,8 +39,8 @@ std::optional<SecretBytes> ReadFile(const std::string& path) {
   return text;
 }
 
-/// Calls visit(line, group, name, value) for every assignment; lines count from 1. The views end
-/// with `text`.
+/// Calls visit(line, group, name, value) for every assignment, and without a name for what is none;
+/// lines count from 1. The views end with `text`.
 template <typename Visitor>
 void ForEachValue(const SecretBytes& text, Visitor visit) {
   std::string_view rest(reinterpret_cast<const char*>(text.data()), text.size());
@@ -57,8 +58,10 @@ void ForEachValue(const SecretBytes& text, Visitor visit) {
     }
     if (line.front() == '[' && line.back() == ']') {
       group = Trim(line.substr(1, line.size() - 2));
-    } else if (equals != std::string_view::npos) {
-      visit(number, group, Trim(line.substr(0, equals)), Trim(line.substr(equals + 1)));
+    } else {
+      const bool is_value = equals != std::string_view::npos;
+      visit(number, group, is_value ? Trim(line.substr(0, equals)) : std::string_view(),
+            is_value ? Trim(line.substr(equals + 1)) : std::string_view());
     }
   }
 }
@@ -120,18 +123,19 @@ std::string DigitsOf(const AuthKeyKind& kind) {
 }
 
 void CheckLine(size_t line, std::string_view group, std::string_view name, std::string_view value,
-               const FileFaults& faults) {
+               FaultList* faults) {
   const AuthKeyKind* const kind = KindOf(group, name);
   if (kind == nullptr) {
     if (name != kDemo) {
-      faults.Warn(line,
-                  "this line is no key and means nothing; the keys stand below [keys] and are "
-                  "aes128_key, aes256_key, maskword_1, maskword_2, mix_c1 and mix_c2");
+      faults->Warn(line,
+                   "this line is no key and means nothing; the keys stand below [keys] and are "
+                   "aes128_key, aes256_key, maskword_1, maskword_2, mix_c1 and mix_c2");
     }
   } else if (ParseHex(value, kind->size, kind->least_digits).empty()) {
-    faults.Fault(line, std::string(kind->name) + " is malformed; write " + DigitsOf(*kind) +
-                           " hexadecimal digits. The algorithms that need it are unavailable until "
-                           "then");
+    faults->Fault(line,
+                  std::string(kind->name) + " is malformed; write " + DigitsOf(*kind) +
+                      " hexadecimal digits. The algorithms that need it are unavailable until "
+                      "then");
   }
 }
 
@@ -176,17 +180,19 @@ std::string AuthKeyFileWarning(const std::string& path) {
 
 void CheckAuthKeys(const ConfigFolder& folder, TableFaults* faults) {
   for (const std::string& path : folder.FilesCalled(kAuthKeysName)) {
-    const FileFaults file(path, faults);
+    FaultList found(path);
     const std::optional<SecretBytes> text = ReadFile(path);
     if (!text) {
-      file.Fault(0,
-                 "cannot be read as a key file, so that no algorithm has keys; let the user of "
-                 "this program read it, and keep it below 64 KiB");
+      found.Fault(0,
+                  "cannot be read as a key file, so that no algorithm has keys; let the user of "
+                  "this program read it, and keep it below 64 KiB");
+      found.MoveTo(faults);
       continue;
     }
     ForEachValue(*text,
-                 [&file](size_t line, std::string_view group, std::string_view name,
-                         std::string_view value) { CheckLine(line, group, name, value, file); });
+                 [&found](size_t line, std::string_view group, std::string_view name,
+                          std::string_view value) { CheckLine(line, group, name, value, &found); });
+    found.MoveTo(faults);
     if (const std::string warning = AuthKeyFileWarning(path); !warning.empty()) {
       faults->push_back({0, warning, TableFault::Severity::kWarning});
     }

@@ -9,14 +9,13 @@
 #include "auth/auth_keys.h"
 #include "auth/auth_table.h"
 #include "variables/command_code.h"
+#include "variables/fault_list.h"
 #include "variables/hex_cell.h"
 #include "variables/monitor_tables.h"
 #include "variables/number_text.h"
 #include "variables/reserved_codes.h"
 
 namespace {
-
-std::string Quoted(const std::string& text) { return '"' + text + '"'; }
 
 std::string HexText(uint32_t code) {
   constexpr char kDigits[] = "0123456789ABCDEF";
@@ -55,8 +54,8 @@ std::set<uint8_t> CodesOf(const ConfigParser& table) {
 /// The rules for the row of one model.
 class RowRules {
  public:
-  RowRules(const AuthTable& table, const std::string& path, size_t row, TableFaults* faults)
-      : table_(table), row_(row), faults_(path, faults), all_(*faults) {}
+  RowRules(const AuthTable& table, size_t row, FaultList* faults)
+      : table_(table), row_(row), faults_(*faults) {}
 
   void Check(const ConfigFolder& folder, SerialFamily family, const ConfigParser& model);
 
@@ -68,21 +67,25 @@ class RowRules {
 
   const AuthTable& table_;
   const size_t row_;
-  const FileFaults faults_;
-  TableFaults& all_;
+  FaultList& faults_;
   AuthConfig config_;
 };
 
 void RowRules::Check(const ConfigFolder& folder, SerialFamily family, const ConfigParser& model) {
   std::vector<AuthTable::Finding> findings;
   config_ = table_.Read(row_, &findings);
+  bool is_refused = false;
   for (const AuthTable::Finding& finding : findings) {
-    all_.push_back({line(), table_.Error(row_, finding).text()});
+    faults_.Fault(line(), table_.Error(row_, finding).text());
+    is_refused = is_refused || finding.refuses;
   }
   if (!config_.enabled) {
     return;
   }
   CheckKeys(folder);
+  if (is_refused) {
+    return;  // what stands for a cell without a number is no code to judge
+  }
   const std::set<uint8_t> codes = CodesOf(model);
   CheckHandshake(codes);
   CheckProtected(codes, family);
@@ -143,7 +146,7 @@ void RowRules::CheckProtected(const std::set<uint8_t>& codes, SerialFamily famil
 /// The rows of models that have no table; of `model` alone, with blanks that were not meant, unless
 /// that is empty.
 void CheckStrayRows(const AuthTable& table, const ConfigFolder& folder, const std::string& model,
-                    const FileFaults& faults) {
+                    FaultList* faults) {
   const std::vector<std::string> models = folder.Models();
   const auto is_model = [&models](const std::string& name) {
     return std::find(models.begin(), models.end(), name) != models.end();
@@ -152,28 +155,29 @@ void CheckStrayRows(const AuthTable& table, const ConfigFolder& folder, const st
     const std::string name = table.ModelOf(row);
     const std::string trimmed(Trim(name));
     if (!is_model(name) && (model.empty() || trimmed == model)) {
-      faults.Fault(table.LineOf(row),
-                   "model " + Quoted(name) + " has no variable table, so that this row protects " +
-                       "nothing; write " +
-                       (is_model(trimmed) ? Quoted(trimmed) + ", without blanks"
-                                          : "the name of a model, or leave the row out"));
+      faults->Fault(table.LineOf(row),
+                    "model " + Quoted(name) + " has no variable table, so that this row protects " +
+                        "nothing; write " +
+                        (is_model(trimmed) ? Quoted(trimmed) + ", without blanks"
+                                           : "the name of a model, or leave the row out"));
     }
   }
 }
 
 /// Whether the table settles the matter for this model, as the connection sees it.
 bool CheckTable(const ConfigFolder& folder, const std::string& path, const std::string& model,
-                SerialFamily family, const ConfigParser& variables, TableFaults* faults) {
+                SerialFamily family, const ConfigParser& variables, FaultList* faults) {
   const AuthTable table(path);
+  table.CheckHeader(faults);
   for (const CsvFault& fault : table.broken()) {
-    faults->push_back({fault.line, table.Broken(fault).text()});
+    faults->Fault(fault.line, table.Broken(fault).text());
   }
-  CheckStrayRows(table, folder, model, FileFaults(path, faults));
+  CheckStrayRows(table, folder, model, faults);
   const std::vector<size_t> rows = table.RowsOf(model);
   if (rows.size() > 1) {
-    faults->push_back({table.LineOf(rows[1]), table.Repeated(rows[1], rows[0]).text()});
+    faults->Fault(table.LineOf(rows[1]), table.Repeated(rows[1], rows[0]).text());
   } else if (rows.size() == 1) {
-    RowRules(table, path, rows[0], faults).Check(folder, family, variables);
+    RowRules(table, rows[0], faults).Check(folder, family, variables);
   }
   return !rows.empty() || !table.broken().empty();
 }
@@ -183,31 +187,34 @@ bool CheckTable(const ConfigFolder& folder, const std::string& path, const std::
 void CheckAuth(const ConfigFolder& folder, const std::string& model, SerialFamily family,
                const ConfigParser& table, TableFaults* faults) {
   const std::vector<std::string> files = folder.FilesCalled(kAuthTableName);
-  for (auto file = files.rbegin(); file != files.rend(); ++file) {
+  bool is_settled = false;
+  for (auto file = files.rbegin(); file != files.rend() && !is_settled; ++file) {
+    FaultList found(*file);
     try {
-      if (CheckTable(folder, *file, model, family, table, faults)) {
-        return;
-      }
+      is_settled = CheckTable(folder, *file, model, family, table, &found);
     } catch (const std::exception& error) {
-      FileFaults(*file, faults).Fault(0, error.what());
-      return;
+      found.Fault(0, error.what());
+      is_settled = true;
     }
+    found.MoveTo(faults);
   }
 }
 
 void CheckAuthFiles(const ConfigFolder& folder, TableFaults* faults) {
   const std::vector<std::string> files = folder.FilesCalled(kAuthTableName);
   if (files.empty()) {
-    const std::string path = folder.path() + '/' + kAuthTableName;
-    FileFaults(path, faults)
-        .Warn(0, "there is no such file; every model is connected without authentication");
+    FaultList found(folder.path() + '/' + kAuthTableName);
+    found.Warn(0, "there is no such file; every model is connected without authentication");
+    found.MoveTo(faults);
   }
   for (const std::string& file : files) {
+    FaultList found(file);
     try {
-      CheckStrayRows(AuthTable(file), folder, "", FileFaults(file, faults));
+      CheckStrayRows(AuthTable(file), folder, "", &found);
     } catch (const std::exception& error) {
-      FileFaults(file, faults).Fault(0, error.what());
+      found.Fault(0, error.what());
     }
+    found.MoveTo(faults);
   }
   CheckAuthKeys(folder, faults);
 }

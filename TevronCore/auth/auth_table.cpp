@@ -1,19 +1,17 @@
 #include "auth/auth_table.h"
 
-#include <QString>
 #include <algorithm>
 #include <optional>
 #include <set>
 
 #include "auth/auth_algorithm.h"
 #include "variables/number_text.h"
+#include "variables/utf8_text.h"
 
 namespace {
 
 constexpr char kCodeAdvice[] = "write a hexadecimal command code such as 0x66";
 constexpr char kCodesAdvice[] = "write hexadecimal command codes with | between, as in 0x21|0x22";
-
-std::string Quoted(std::string_view text) { return '"' + std::string(text) + '"'; }
 
 /// Reads the cells of one row, and notes what is wrong with them.
 class Row {
@@ -27,7 +25,7 @@ class Row {
 
   void CheckEnable() const {
     const std::string_view enable = Cell("Enable");
-    if (enable != "1" && enable != "0" && !enable.empty()) {
+    if (enable != "1" && enable != "0") {
       Note("Enable",
            Quoted(enable) + " leaves model " + Quoted(Cell("Model")) + " without authentication",
            "write 1, without blanks, or 0 if that is meant");
@@ -135,10 +133,7 @@ class Row {
 };
 
 // In another encoding a name is not that of a model, and its row protects nothing.
-bool IsUtf8(std::string_view text) {
-  return !QString::fromUtf8(text.data(), static_cast<int>(text.size()))
-              .contains(QChar::ReplacementCharacter);
-}
+bool IsUtf8(std::string_view text) { return Utf8PrefixOf(text) == text.size(); }
 
 std::string Place(const std::string& path, size_t line) {
   return path + ", line " + std::to_string(line);
@@ -186,6 +181,13 @@ AuthConfig AuthTable::Read(size_t row, std::vector<Finding>* findings) const {
   config.probe_len = cells.ProbeLength();
   config.probe_little_endian = cells.IsLittleEndian();
   return config;
+}
+
+void AuthTable::CheckHeader(FaultList* faults) const {
+  CheckColumns(csv_.header(),
+               {"Model", "Enable", "AlgorithmID", "ProbeCmd", "ChallengeCmd", "ResponseCmd",
+                "ProtectedCmds", "ProbeValueOffset", "ProbeValueLen", "ProbeEndian"},
+               faults);
 }
 
 AuthConfigError AuthTable::Error(size_t row, const Finding& finding) const {

@@ -7,6 +7,7 @@
 
 #include "auth/auth_config.h"
 #include "variables/csv_table.h"
+#include "variables/fault_list.h"
 
 /// One authentication table in memory. Immutable.
 class AuthTable {
@@ -35,6 +36,9 @@ class AuthTable {
   /// What the row says, and everything that is wrong with its cells. Of one that is not enabled
   /// only "Enable" is read. Throws std::runtime_error for a missing column.
   AuthConfig Read(size_t row, std::vector<Finding>* findings) const;
+
+  /// Tells columns that stand twice or mean nothing.
+  void CheckHeader(FaultList* faults) const;
 
   /// Why a model cannot be looked up, or its row not be used.
   AuthConfigError Error(size_t row, const Finding& finding) const;

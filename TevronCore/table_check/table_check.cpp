@@ -9,6 +9,7 @@
 #include "auth/auth_keys.h"
 #include "auth/auth_rules.h"
 #include "auth/auth_table.h"
+#include "table_check/stray_files.h"
 #include "variables/config_parser.h"
 #include "variables/feature_config.h"
 #include "variables/monitor_tables.h"
@@ -173,6 +174,7 @@ TableReport CheckTables(const ConfigFolder& folder, const std::string& model) {
   }
   check.FeatureTables();
   check.AuthTables(models);
+  CheckStrayFiles(folder, model, &report.findings);
   return report;
 }
 

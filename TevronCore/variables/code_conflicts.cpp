@@ -1,6 +1,5 @@
 #include "variables/code_conflicts.h"
 
-#include <algorithm>
 #include <map>
 #include <string>
 #include <vector>
@@ -10,29 +9,6 @@
 namespace {
 
 using Variables = std::vector<const VarInfo*>;
-
-// A mistyped code is missing among those beside it, which then lie elsewhere.
-void DoubtNeighbours(const LoadedTable& table, const VarInfo& var,
-                     const FieldGroup* VarInfo::*group, const std::string& reason,
-                     OutOfUse* out_of_use) {
-  const auto is_before = [](const VarInfo* a, const VarInfo* b) {
-    return a->table_position < b->table_position;
-  };
-  const Variables& all = table.variables;
-  const auto self = std::lower_bound(all.begin(), all.end(), &var, is_before);
-  for (auto before = self; before != all.begin();) {
-    if (const FieldGroup* const found = (*--before)->*group) {
-      out_of_use->Add(found, reason);
-      break;
-    }
-  }
-  for (auto behind = self + 1; behind < all.end(); ++behind) {
-    if (const FieldGroup* const found = (*behind)->*group) {
-      out_of_use->Add(found, reason);
-      break;
-    }
-  }
-}
 
 void Tell(const LoadedTable& table, const std::string& key, const Variables& readers,
           const Variables& writers, OutOfUse* out_of_use, FaultList* faults) {
@@ -54,8 +30,8 @@ void Tell(const LoadedTable& table, const std::string& key, const Variables& rea
                     " as well; write another code in one of them");
   for (const VarInfo* var : guilty) {
     if (!is_tie) {
-      DoubtNeighbours(table, *var, reader_is_guilty ? &VarInfo::read : &VarInfo::write, reason,
-                      out_of_use);
+      out_of_use->AddBeside(table, *var, reader_is_guilty ? &VarInfo::read : &VarInfo::write,
+                            reason);
     }
   }
 }

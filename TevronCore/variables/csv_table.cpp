@@ -1,5 +1,7 @@
 #include "variables/csv_table.h"
 
+#include <algorithm>
+
 CsvTable::CsvTable(const std::string& path) {
   CsvReader reader(path);
   header_ = reader.header();
@@ -23,4 +25,17 @@ CsvTable::CsvTable(const std::string& path) {
 std::string_view CsvTable::Cell(size_t row, size_t column) const {
   const std::vector<std::string>& cells = rows_[row].cells;
   return column < cells.size() ? std::string_view(cells[column]) : std::string_view();
+}
+
+void CheckColumns(const CsvHeader& header, const std::vector<std::string>& known,
+                  FaultList* faults) {
+  const auto& names = header.names;
+  for (auto name = names.begin(); name != names.end(); ++name) {
+    if (std::find(known.begin(), known.end(), *name) == known.end()) {
+      faults->Warn(1, "the column " + Quoted(*name) + " is ignored; check its name");
+    } else if (std::find(names.begin(), name, *name) != name) {
+      faults->Fault(1, "the column " + *name +
+                           " stands twice; leave one of them. The first counts until then");
+    }
+  }
 }

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "variables/csv_reader.h"
+#include "variables/fault_list.h"
 
 /// A place in a table file that could not be read as a row.
 struct CsvFault {
@@ -43,3 +44,7 @@ class CsvTable {
   std::vector<Row> rows_;
   std::vector<CsvFault> faults_;
 };
+
+/// Tells the columns that stand twice, of which the first counts, and those of no known name.
+void CheckColumns(const CsvHeader& header, const std::vector<std::string>& known,
+                  FaultList* faults);

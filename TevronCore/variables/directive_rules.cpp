@@ -1,21 +1,25 @@
 #include "variables/directive_rules.h"
 
-#include <algorithm>
-#include <map>
 #include <string>
+#include <unordered_map>
+#include <unordered_set>
 
 #include "variables/log_variables.h"
 #include "variables/pages.h"
 
 namespace {
 
-std::string Quoted(const std::string& text) { return '"' + text + '"'; }
-
 /// The directives of one table, each looked at by the rules of its kind.
 class DirectiveRules {
  public:
-  DirectiveRules(const LoadedTable& table, const FileFaults& faults)
-      : table_(table), faults_(faults) {}
+  DirectiveRules(const LoadedTable& table, FaultList* faults) : table_(table), faults_(*faults) {
+    for (const VarInfo* var : table.variables) {
+      groups_.emplace(GroupIdOf(*var));
+      if (!var->hidden) {
+        pages_.insert(var->function_module.str());
+      }
+    }
+  }
 
   void Check(const TableDirective& directive);
 
@@ -25,14 +29,12 @@ class DirectiveRules {
   void CheckLog(const TableDirective& directive);
   bool HasCells(const TableDirective& directive, size_t count, const std::string& wanted);
   bool IsFirstOfItsKind(const TableDirective& directive);
-  template <typename Condition>
-  bool AnyVariable(Condition condition) const {
-    return std::any_of(table_.variables.begin(), table_.variables.end(), condition);
-  }
 
   const LoadedTable& table_;
-  const FileFaults& faults_;
-  std::map<std::string, size_t> lines_;  // by kind and first argument
+  FaultList& faults_;
+  std::unordered_set<std::string> pages_;
+  std::unordered_set<std::string> groups_;
+  std::unordered_map<std::string, size_t> lines_;  // by kind and first argument
 };
 
 void DirectiveRules::Check(const TableDirective& directive) {
@@ -53,8 +55,7 @@ void DirectiveRules::CheckPage(const TableDirective& directive) {
     return;
   }
   const std::string& page = directive.cells[1];
-  if (!AnyVariable(
-          [&page](const VarInfo* var) { return !var->hidden && var->function_module == page; })) {
+  if (pages_.count(page) == 0) {
     faults_.Warn(directive.line, "there is no page " + Quoted(page) +
                                      "; write a name that stands in FunctionModule");
   } else {
@@ -67,7 +68,7 @@ void DirectiveRules::CheckGroup(const TableDirective& directive) {
     return;
   }
   const std::string& group = directive.cells[1];
-  if (!AnyVariable([&group](const VarInfo* var) { return GroupIdOf(*var) == group; })) {
+  if (groups_.count(group) == 0) {
     faults_.Warn(directive.line,
                  "there is no row with the GroupID " + Quoted(group) + "; write one that exists");
   } else {
@@ -124,7 +125,7 @@ bool DirectiveRules::IsFirstOfItsKind(const TableDirective& directive) {
 
 }  // namespace
 
-void CheckDirectives(const LoadedTable& table, const FileFaults& faults) {
+void CheckDirectives(const LoadedTable& table, FaultList* faults) {
   DirectiveRules rules(table, faults);
   for (const TableDirective& directive : table.directives) {
     rules.Check(directive);

@@ -1,6 +1,7 @@
 #include "variables/fault_list.h"
 
 #include <algorithm>
+#include <iterator>
 #include <utility>
 
 namespace {
@@ -20,11 +21,17 @@ void FaultList::Add(TableFault::Severity severity, size_t line, std::string_view
   if (line != 0) {
     text.append(", line ").append(std::to_string(line));
   }
-  faults_.push_back({line, text.append(": ").append(reason), severity});
+  if (reason.substr(0, text.size()) == text) {  // a file that cannot be read names itself
+    text = reason;
+  } else {
+    text.append(": ").append(reason);
+  }
+  faults_.push_back({line, std::move(text), severity});
 }
 
 TableFaults FaultList::Take() {
-  SortByLine(&faults_);
+  std::stable_sort(faults_.begin(), faults_.end(),
+                   [](const TableFault& a, const TableFault& b) { return a.line < b.line; });
   if (const uint64_t more = more_faults_ + more_warnings_; more != 0) {
     faults_.push_back(
         {0, path_ + ": " + std::to_string(more) + " more; mend these first",
@@ -33,6 +40,12 @@ TableFaults FaultList::Take() {
   more_faults_ = 0;
   more_warnings_ = 0;
   return std::exchange(faults_, {});
+}
+
+void FaultList::MoveTo(TableFaults* faults) {
+  TableFaults taken = Take();
+  faults->insert(faults->end(), std::make_move_iterator(taken.begin()),
+                 std::make_move_iterator(taken.end()));
 }
 
 std::string Quoted(std::string_view cell) {

@@ -7,8 +7,8 @@
 
 #include "variables/table_fault.h"
 
-/// Gathers what is wrong with one table while it is loaded. A file of nothing but faults costs no
-/// more than a bounded number of them.
+/// Gathers what is wrong with one file, as "file, line N: reason". A file of nothing but faults
+/// costs no more than a bounded number of them.
 class FaultList {
  public:
   /// What is found after so many is only counted.
@@ -28,6 +28,10 @@ class FaultList {
   /// Everything in the order of the lines, and then how many more there were. The list is empty
   /// afterwards.
   TableFaults Take();
+  /// The same, behind what *faults holds.
+  void MoveTo(TableFaults* faults);
+
+  bool empty() const { return faults_.empty(); }
 
  private:
   void Add(TableFault::Severity severity, size_t line, std::string_view reason);

@@ -1,7 +1,5 @@
 #include "variables/feature_config.h"
 
-#include <QByteArray>
-#include <QTextCodec>
 #include <algorithm>
 #include <filesystem>
 #include <iterator>
@@ -13,24 +11,19 @@
 #include <vector>
 
 #include "variables/csv_table.h"
+#include "variables/fault_list.h"
 #include "variables/number_text.h"
+#include "variables/utf8_text.h"
 
 namespace {
 
 using kavel::lidar::StaleInput;
 
-constexpr char kFileName[] = "feature_config.csv";
 constexpr char kModel[] = "Model";
 constexpr char kHostPort[] = "EnableCmxClientHostPortUi";
 constexpr char kStaleInput[] = "StaleInputWait";
 constexpr char kConnectType[] = "ConnectType";
 constexpr char kSerialKind[] = "SerialKind";
-
-bool IsUtf8(std::string_view text) {
-  QTextCodec::ConverterState state;
-  QTextCodec::codecForName("UTF-8")->toUnicode(text.data(), static_cast<int>(text.size()), &state);
-  return state.invalidChars == 0 && state.remainingChars == 0;
-}
 
 std::optional<size_t> RowOf(const CsvTable& table, size_t model_column, const std::string& model) {
   for (size_t row = 0; row < table.row_count(); ++row) {
@@ -46,15 +39,15 @@ class FeatureTable {
  public:
   /// Tells what is wrong with it as a whole. Throws std::runtime_error when nothing can be looked
   /// up in it.
-  FeatureTable(const std::string& path, const FileFaults& faults) : table_(path), faults_(faults) {
+  FeatureTable(const std::string& path, FaultList* faults) : table_(path), faults_(*faults) {
     for (const CsvFault& fault : table_.faults()) {
-      faults_.Fault(fault.line, fault.reason + "; the row is left out");
+      faults_.Fault(fault.line, fault.reason + ". The row is left out");
     }
     model_column_ = table_.header().Column(kModel);
     if (!table_.header().FindColumn(kHostPort)) {
       faults_.Fault(0, std::string("Can't find a column named ") + kHostPort);
     }
-    TellUnknownColumns();
+    TellColumns();
   }
 
   size_t row_count() const { return table_.row_count(); }
@@ -68,7 +61,9 @@ class FeatureTable {
   /// Tells every row but the first of `model`.
   void TellRepetitions(const std::string& model) const;
   void TellMissingTable(size_t row) const {
-    faults_.Fault(table_.LineOf(row), "model \"" + ModelOf(row) + "\" has no variable table");
+    faults_.Fault(table_.LineOf(row), "model " + Quoted(ModelOf(row)) +
+                                          " has no variable table; write the name of a model, or "
+                                          "leave the row out");
   }
 
  private:
@@ -79,11 +74,11 @@ class FeatureTable {
   template <typename Value>
   void Take(size_t row, const char* column, const Meanings<Value>& meanings, const char* instead,
             Value* value) const;
-  void TellUnknownColumns() const;
+  void TellColumns() const;
   void TellForeignText(size_t row) const;
 
   const CsvTable table_;
-  const FileFaults& faults_;
+  FaultList& faults_;
   size_t model_column_ = 0;
 };
 
@@ -131,8 +126,8 @@ void FeatureTable::Take(size_t row, const char* column, const Meanings<Value>& m
     *value = meaning->second;
     return;
   }
-  faults_.Fault(LineOf(row), std::string(column) + " \"" + std::string(text) +
-                                 "\" is unknown and counts as empty: write " + instead);
+  faults_.Fault(LineOf(row), std::string(column) + ' ' + Quoted(text) + " is unknown; write " +
+                                 instead + ". It counts as empty until then");
 }
 
 void FeatureTable::TellRepetitions(const std::string& model) const {
@@ -150,19 +145,16 @@ void FeatureTable::TellRepetitions(const std::string& model) const {
   }
 }
 
-void FeatureTable::TellUnknownColumns() const {
-  constexpr const char* known[] = {kModel, kHostPort, kStaleInput, kConnectType, kSerialKind};
-  for (const std::string& name : table_.header().names) {
-    if (std::find(std::begin(known), std::end(known), name) == std::end(known)) {
-      faults_.Warn(1, "column \"" + name + "\" is unknown and means nothing; check its name");
-    }
-  }
+void FeatureTable::TellColumns() const {
+  CheckColumns(table_.header(), {kModel, kHostPort, kStaleInput, kConnectType, kSerialKind},
+               &faults_);
 }
 
 void FeatureTable::TellForeignText(size_t row) const {
   const auto& names = table_.header().names;
   for (size_t column = 0; column < names.size(); ++column) {
-    if (!IsUtf8(table_.Cell(row, column))) {
+    const std::string_view cell = table_.Cell(row, column);
+    if (Utf8PrefixOf(cell) != cell.size()) {
       faults_.Fault(LineOf(row),
                     names[column] + " is no UTF-8 text; save the table in that encoding");
     }
@@ -172,13 +164,14 @@ void FeatureTable::TellForeignText(size_t row) const {
 /// Hands each table that can be used to `use`, in the order in which they are read.
 template <typename Use>
 void ForEachTable(const ConfigFolder& config, TableFaults* faults, Use use) {
-  for (const std::string& path : config.FilesCalled(kFileName)) {
-    const FileFaults file(path, faults);
+  for (const std::string& path : config.FilesCalled(kFeatureTableName)) {
+    FaultList found(path);
     try {
-      use(path, FeatureTable(path, file));
+      use(path, FeatureTable(path, &found));
     } catch (const std::runtime_error& error) {
-      file.Fault(0, error.what());
+      found.Fault(0, error.what());
     }
+    found.MoveTo(faults);
   }
 }
 
@@ -203,9 +196,11 @@ std::vector<std::pair<std::string, size_t>> CheckFeatures(const ConfigFolder& co
                                                           TableFaults* faults) {
   std::vector<std::pair<std::string, size_t>> rows;
   const std::vector<std::string> models = config.Models();
-  const std::string shipped = config.path() + '/' + kFileName;
+  const std::string shipped = config.path() + '/' + kFeatureTableName;
   if (!std::filesystem::exists(shipped)) {
-    faults->push_back({0, shipped + ": No such file"});
+    faults->push_back({0, shipped +
+                              ": there is no such file; install it again. Every model has the "
+                              "values of empty cells until then"});
   }
   ForEachTable(config, faults, [&](const std::string& path, const FeatureTable& table) {
     rows.emplace_back(path, table.row_count());

@@ -13,6 +13,9 @@
 // The tables "feature_config.csv" say per model what its variable table cannot. A row applies to
 // the model whose name its "Model" cell holds; cells are compared without surrounding white space.
 
+/// The feature tables of a folder, see ConfigFolder::FilesCalled.
+inline constexpr char kFeatureTableName[] = "feature_config.csv";
+
 /// What the tables say of one model; as it stands here, of a model without a row.
 struct ModelFeatures {
   ConnectType connect_type = kNetworkLink;  ///< how it is reached

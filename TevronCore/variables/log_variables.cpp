@@ -21,13 +21,14 @@ std::vector<const VarInfo*> OfferedLogs(const ConfigParser& table) {
   return offered;
 }
 
-bool IsDownload(const LoadedTable& table, const VarInfo& var) {
-  const auto names_it = [&var](const TableDirective& directive) {
-    return directive.name() == kLogDirective && directive.cells.size() > 1 &&
-           directive.cells[1] == var.var_name;
-  };
-  return var.var_name == kOperationLog || var.var_name == kConfigFile ||
-         std::any_of(table.directives.begin(), table.directives.end(), names_it);
+std::unordered_set<std::string> DownloadNames(const LoadedTable& table) {
+  std::unordered_set<std::string> names = {kOperationLog, kConfigFile};
+  for (const TableDirective& directive : table.directives) {
+    if (directive.name() == kLogDirective && directive.cells.size() > 1) {
+      names.insert(directive.cells[1]);
+    }
+  }
+  return names;
 }
 
 WireCommand DownloadRequestOf(const VarInfo& var, const std::string& called) {

@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <string>
+#include <unordered_set>
 #include <vector>
 
 #include "variables/command_code.h"
@@ -22,9 +23,8 @@ inline constexpr char kLogDirective[] = "log";
 /// the directives, each once. The operation log is none of them: it has its own download.
 std::vector<const VarInfo*> OfferedLogs(const ConfigParser& table);
 
-/// Whether the variable stands for something that is downloaded: one of the two above, or named by
-/// a "log" directive.
-bool IsDownload(const LoadedTable& table, const VarInfo& var);
+/// The names of what is downloaded: the two above, and those in the "log" directives.
+std::unordered_set<std::string> DownloadNames(const LoadedTable& table);
 
 /// The request for what `var` stands for: its read command, or its write command where it has no
 /// other, as a long command with its "SetCmdPayload". Throws std::invalid_argument when both are

@@ -63,20 +63,18 @@ void TakeWriteAway(VarInfo* var) {
 
 /// Puts every row on the monitor page, and takes away whatever would change the lidar.
 void MakeMonitor(const ConfigParser& base, const std::string& version, SharedText page,
-                 LoadedTable* table, TableFaults* faults) {
-  const auto fault = [&](const VarInfo& var, const std::string& reason) {
-    faults->push_back(
-        {var.line, table->path + ", line " + std::to_string(var.line) + ": " + reason});
-  };
+                 LoadedTable* table, FaultList* faults) {
   for (VarInfo& var : table->rows) {
     var.function_module = page;
     var.timer_update = true;
     if (!base.WrittenBy(var.get_cmd).empty()) {
-      fault(var, "Get " + var.get_cmd.str() + " is a command that writes; it is not read");
+      faults->Fault(var.line, "Get " + var.get_cmd.str() + " is a command that writes in " +
+                                  base.path() +
+                                  "; write one that reads. It is not read until then");
       TakeReadAway(&var);
     }
     if (!var.set_cmd.empty()) {
-      fault(var, "Set: the values of a monitor table are never written");
+      faults->Fault(var.line, "the values of a monitor table are never written; leave Set empty");
       TakeWriteAway(&var);
     }
   }
@@ -117,17 +115,20 @@ std::shared_ptr<ConfigParser> WithMonitorTable(const ConfigParser& base, const s
     faults->push_back({0, base.path() + ": no row has \"monitor\" for its Options"});
     return nullptr;
   }
+  FaultList found(path);
+  std::shared_ptr<ConfigParser> with_monitor;
   try {
-    LoadedTable table = LoadTable(path);
-    ApplyMonitorTableRules(&table);
-    faults->insert(faults->end(), table.faults.begin(), table.faults.end());
-    MakeMonitor(base, version, block->function_module, &table, faults);
-    return table.variables.empty() ? nullptr
-                                   : std::make_shared<ConfigParser>(base, std::move(table));
+    LoadedTable table = LoadTable(path, &found);
+    ApplyMonitorTableRules(&table, &found);
+    MakeMonitor(base, version, block->function_module, &table, &found);
+    if (!table.variables.empty()) {
+      with_monitor = std::make_shared<ConfigParser>(base, std::move(table));
+    }
   } catch (const std::exception& error) {
-    faults->push_back({0, path + ": " + error.what()});
-    return nullptr;
+    found.Fault(0, error.what());
   }
+  found.MoveTo(faults);
+  return with_monitor;
 }
 
 std::string MonitorTablePath(const std::string& model_table, const std::string& version) {

@@ -6,11 +6,13 @@
 #include <optional>
 #include <stdexcept>
 #include <string>
+#include <unordered_set>
 
 #include "CmxClient/device_commands.h"
 #include "CmxClient/fov_command.h"
 #include "variables/command_code.h"
 #include "variables/log_variables.h"
+#include "variables/out_of_use.h"
 
 namespace {
 
@@ -35,6 +37,9 @@ constexpr ReservedCode kReserved[] = {
     {0xE0, "answers the challenge of an authentication"},
     {kLongCommandCode, "carries the long commands"},
 };
+
+// Of some lidars, and of none of their tables so far.
+constexpr uint8_t kGuardedSettings = 0x23;
 
 // Of the maintenance commands those that only ask, in the layout of wire-formats.md.
 constexpr uint8_t kAsking[] = {
@@ -81,24 +86,15 @@ std::optional<uint8_t> ShortCode(const std::string& text) {
   }
 }
 
-void TakeAway(FieldGroup* group, bool is_read, LoadedTable* table) {
-  for (const VarInfo* field : group->fields) {
-    VarInfo& var = table->rows[field->table_position];
-    (is_read ? var.get_cmd : var.set_cmd) = SharedText();
-    (is_read ? var.get_start_pos : var.set_start_pos) = 0;
-    (is_read ? var.read : var.write) = nullptr;
-  }
-  group->fields.clear();
-}
-
 }  // namespace
 
 bool IsBuiltIn(uint8_t code, SerialFamily family) {
-  constexpr uint8_t kGuardedSettings = 0x23;  // of some lidars, and of none of their tables
   return Find(code) != nullptr || code == kGuardedSettings || IsMaintenance(code, family);
 }
 
-void TakeReservedCodes(SerialFamily family, LoadedTable* table, const FileFaults& faults) {
+void TakeReservedCodes(SerialFamily family, LoadedTable* table, FaultList* faults) {
+  const std::unordered_set<std::string> downloads = DownloadNames(*table);
+  OutOfUse beside;
   for (FieldGroup& group : table->groups) {
     if (group.fields.empty()) {
       continue;
@@ -108,16 +104,31 @@ void TakeReservedCodes(SerialFamily family, LoadedTable* table, const FileFaults
     const std::string text = is_read ? first.get_cmd : first.set_cmd;
     const std::optional<uint8_t> code = ShortCode(text);
     const bool is_download =
-        std::all_of(group.fields.begin(), group.fields.end(), [table](const VarInfo* var) {
-          return var->function_module.empty() && IsDownload(*table, *var);
+        std::all_of(group.fields.begin(), group.fields.end(), [&downloads](const VarInfo* var) {
+          return var->function_module.empty() && downloads.count(var->var_name) != 0;
         });
-    const char* const use =
-        code && !is_download ? ReasonAgainst(*code, family, group, is_read) : nullptr;
-    if (use != nullptr) {
-      faults.Fault(first.line, '"' + first.var_name + "\" cannot be " +
-                                   (is_read ? "read" : "written") + " with " + text + ", which " +
-                                   use + "; write another code in " + (is_read ? "Get" : "Set"));
-      TakeAway(&group, is_read, table);
+    if (!code || is_download) {
+      continue;
+    }
+    const char* const column = is_read ? "Get" : "Set";
+    if (*code == kGuardedSettings) {
+      faults->Warn(first.line, std::string(column) + ' ' + text +
+                                   " is a command that some lidars guard and no table describes; "
+                                   "write it only for a lidar that documents it");
+    }
+    if (const char* const use = ReasonAgainst(*code, family, group, is_read)) {
+      faults->Fault(first.line, Quoted(first.var_name) + " cannot be " +
+                                    (is_read ? "read" : "written") + " with " + text + ", which " +
+                                    use + "; write another code in " + column);
+      const std::string reason = "the code of line " + std::to_string(first.line) + " is wrong";
+      const auto side = is_read ? &VarInfo::read : &VarInfo::write;
+      for (const VarInfo* var : group.fields) {
+        if (var->offset != 0) {
+          beside.AddBeside(*table, *var, side, reason);
+        }
+      }
+      TakeAway(table, &group, reason);
     }
   }
+  beside.Apply(table, faults);
 }

@@ -19,6 +19,12 @@ void CheckName(const VarInfo& var, FaultList* faults) {
     faults->Warn(var.line, "VarName " + Quoted(name) +
                                " has blanks around it, which count; write " + Quoted(Trim(name)));
   }
+  const std::string& page = var.function_module;
+  if (Trim(page).size() != page.size()) {
+    faults->Warn(var.line, "FunctionModule " + Quoted(page) +
+                               " has blanks around it, which make it another page; write " +
+                               Quoted(Trim(page)));
+  }
   // These names decide over their type, see DecodeValue.
   const bool is_version = name == "HWVER" || name == "SWVER_YMD";
   if (is_version && var.offset != 16) {

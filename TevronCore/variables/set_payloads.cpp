@@ -1,8 +1,8 @@
 #include "variables/set_payloads.h"
 
 #include <optional>
-#include <set>
 #include <string>
+#include <unordered_set>
 
 #include "variables/command_cell.h"
 #include "variables/command_code.h"
@@ -11,18 +11,6 @@
 #include "variables/number_text.h"
 
 namespace {
-
-using Names = std::set<std::string>;
-
-Names DownloadsOf(const LoadedTable& table) {
-  Names names = {kOperationLog, kConfigFile};
-  for (const TableDirective& directive : table.directives) {
-    if (directive.cells.size() > 1 && directive.name() == kLogDirective) {
-      names.insert(directive.cells[1]);
-    }
-  }
-  return names;
-}
 
 // Why the bytes of the cell cannot be those of the row's command; empty when they can.
 std::string Problem(const VarInfo& var, const std::optional<std::vector<uint8_t>>& bytes,
@@ -50,13 +38,13 @@ std::string Problem(const VarInfo& var, const std::optional<std::vector<uint8_t>
 }  // namespace
 
 void TakeSetPayloads(LoadedTable* table, OutOfUse* out_of_use, FaultList* faults) {
-  std::optional<Names> downloads;
+  std::optional<std::unordered_set<std::string>> downloads;
   for (const VarInfo* const var : table->variables) {
     if (var->set_payload.empty()) {
       continue;
     }
     if (!downloads) {
-      downloads = DownloadsOf(*table);
+      downloads = DownloadNames(*table);
     }
     const bool is_download = var->function_module.empty() && downloads->count(var->var_name) != 0;
     FieldGroup* const write = table->WriteGroupOf(*var);
@@ -79,7 +67,7 @@ void TakeSetPayloads(LoadedTable* table, OutOfUse* out_of_use, FaultList* faults
 }
 
 void CheckDownloads(const LoadedTable& table, OutOfUse* out_of_use, FaultList* faults) {
-  for (const std::string& name : DownloadsOf(table)) {
+  for (const std::string& name : DownloadNames(table)) {
     const uint32_t position = table.by_name.Find(table.rows, name);
     if (position == VarIndex::kNone) {
       continue;

@@ -17,23 +17,3 @@ struct TableFault {
 };
 
 using TableFaults = std::vector<TableFault>;
-
-/// Writes down what is found in one file, as "file, line N: reason".
-class FileFaults {
- public:
-  /// `faults` has to outlive the object.
-  FileFaults(std::string path, TableFaults* faults) : path_(std::move(path)), faults_(*faults) {}
-
-  /// `line` is 0 for what is the whole file's.
-  void Fault(size_t line, const std::string& reason) const;
-  void Warn(size_t line, const std::string& reason) const;
-
- private:
-  void Add(size_t line, const std::string& reason, TableFault::Severity severity) const;
-
-  const std::string path_;
-  TableFaults& faults_;
-};
-
-/// Puts what is found in one file into the order of its lines.
-void SortByLine(TableFaults* faults);

@@ -22,7 +22,7 @@ void Report(const std::string& text) {
 /// One loading: rows to records, then their places in the payloads.
 class Loader {
  public:
-  explicit Loader(const std::string& path) : faults_(path), places_(&table_, &faults_) {
+  Loader(const std::string& path, FaultList* faults) : faults_(*faults), places_(&table_, faults) {
     table_.path = path;
   }
 
@@ -43,7 +43,7 @@ class Loader {
   void Fault(const std::string& reason) { faults_.Fault(csv_->line(), reason); }
 
   LoadedTable table_;
-  FaultList faults_;
+  FaultList& faults_;
   std::optional<CsvReader> csv_;
   std::optional<TableRow> row_;
   TablePlaces places_;
@@ -56,15 +56,13 @@ LoadedTable Loader::Load() {
     csv_.emplace(table_.path, CsvReader::Foreign::kReplaced);
   } catch (const std::runtime_error& error) {
     Report("(): error with csv_reader_, loc = " + table_.path);
-    // The text begins with the path.
-    table_.faults.push_back({0, error.what()});
+    faults_.Fault(0, error.what());
     return std::move(table_);
   }
   if (csv_->header().names.empty() && csv_->Next() == CsvReader::Event::kBrokenRow) {
     // It is the header that is broken, which says more than a column that is not found.
     Report("(): error with csv_reader_, loc = " + table_.path + ":1");
     Fault(csv_->reason());
-    table_.faults = faults_.Take();
     return std::move(table_);
   }
   row_.emplace(*csv_, &table_.texts, &faults_);
@@ -80,7 +78,6 @@ LoadedTable Loader::Load() {
   ListVariables();
   places_.Fill();
   CheckSwitchReferences();
-  table_.faults = faults_.Take();
   std::cout << std::flush;
   return std::move(table_);
 }
@@ -181,6 +178,10 @@ void Loader::LoadBrokenRow() {
 }
 
 void Loader::KeepDirective() {
+  const std::vector<std::string>& header = csv_->header().names;
+  if (table_.directives.empty() && (header[0] != "GroupID" || header[1] != "Index")) {
+    Fault("a table with directives begins with the columns GroupID and Index; write them first");
+  }
   std::vector<std::string> cells;
   for (size_t column = 1; column < csv_->cell_count(); ++column) {
     if (const std::string_view cell = csv_->Cell(column); !cell.empty()) {
@@ -264,4 +265,13 @@ void Loader::CheckSwitchReferences() {
 
 }  // namespace
 
-LoadedTable LoadTable(const std::string& path) { return Loader(path).Load(); }
+LoadedTable LoadTable(const std::string& path, FaultList* faults) {
+  return Loader(path, faults).Load();
+}
+
+LoadedTable LoadTable(const std::string& path) {
+  FaultList faults(path);
+  LoadedTable table = LoadTable(path, &faults);
+  table.faults = faults.Take();
+  return table;
+}

@@ -8,6 +8,7 @@
 #include <unordered_set>
 #include <vector>
 
+#include "variables/fault_list.h"
 #include "variables/field_group.h"
 #include "variables/shared_text.h"
 #include "variables/table_fault.h"
@@ -51,3 +52,6 @@ inline constexpr size_t kMaxTableRows = 200000;
 /// that cannot be read gives an empty table and a fault. Throws std::runtime_error
 /// "Can't find a column named " and the name when a mandatory column is missing.
 LoadedTable LoadTable(const std::string& path);
+
+/// The same; what is wrong goes to `faults`, and LoadedTable::faults is left empty.
+LoadedTable LoadTable(const std::string& path, FaultList* faults);

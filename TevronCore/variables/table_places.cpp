@@ -35,6 +35,14 @@ void TablePlaces::Add(const TableRow& row, VarInfo* var) {
   Field field = FieldOf(row, *var);
   field.var = var;
   fields_.push_back(field);
+  const int32_t natural = var->value_type->size;
+  if (natural != 0 && natural != field.length) {
+    // Type or length is wrong, and with it, maybe, the place of every field behind.
+    Doubt(field, "VarLen of line " + std::to_string(var->line) + " does not fit its VarType");
+  }
+  if (!row.PayloadIsSound()) {
+    Doubt(field, "GetCmdPayload of line " + std::to_string(var->line) + " is wrong");
+  }
   if (var->value_type->kind == ValueKind::kUnknown &&
       ValueTypeOf(var->var_type).kind == ValueKind::kUnknown &&
       Trim(row.Cell(Column::kVarLen)).empty()) {
@@ -94,7 +102,7 @@ void TablePlaces::Fill() {
   TakeSetPayloads(&table_, &out_of_use_, &faults_);
   CheckDownloads(table_, &out_of_use_, &faults_);
   FindCodeConflicts(table_, &out_of_use_, &faults_);
-  HinderWhereReplaced();
+  HinderWhereDoubtful();
   out_of_use_.Apply(&table_, &faults_);
   for (const auto& [key, group] : table_.writes) {
     if (!hinders_all_.empty()) {
@@ -150,7 +158,8 @@ FieldGroup* TablePlaces::ReadGroupOf(const TableRow& row, const VarInfo& var) {
   if (!payload) {
     faults_.Warn(var.line, "GetCmdPayload " + Quoted(cell) +
                                " is no row of hexadecimal pairs and is not sent; write pairs of "
-                               "digits, such as 0x0102");
+                               "digits, such as 0x0102. Nothing that is read so is written until "
+                               "then");
     payload.emplace();
   }
   table_.reads.insert(*command);
@@ -253,13 +262,10 @@ void TablePlaces::PlaceAll() {
   for (const Field& field : fields_) {
     const bool is_variable = field.var != nullptr;
     if (is_variable && (next == table_.variables.end() || *next != field.var)) {
-      // A later row replaces it: it takes no room either.
+      // A later row replaces it: it takes no room either. Both were meant, and places with them.
       const std::string reason =
           "line " + std::to_string(field.line) + " has the GroupID and the Index of another row";
-      Hinder(field.write, reason);
-      if (field.read != nullptr) {
-        replaced_.emplace(field.read, reason);
-      }
+      Doubt(field, reason);
       continue;
     }
     next += is_variable ? 1 : 0;
@@ -290,15 +296,21 @@ void TablePlaces::Place(const Field& field) {
   }
 }
 
-// Both rows of one id were meant, and the places behind the first of them with them. What is read
-// there is shown, but must not be written back.
-void TablePlaces::HinderWhereReplaced() {
-  if (replaced_.empty()) {
+void TablePlaces::Doubt(const Field& field, const std::string& reason) {
+  Hinder(field.write, reason);
+  if (field.read != nullptr) {
+    doubtful_.emplace(field.read, reason);
+  }
+}
+
+// What is read at places that may be others is shown, but must not be written back.
+void TablePlaces::HinderWhereDoubtful() {
+  if (doubtful_.empty()) {
     return;
   }
   for (const Field& field : fields_) {
-    const auto reason = replaced_.find(field.read);
-    if (reason != replaced_.end()) {
+    const auto reason = doubtful_.find(field.read);
+    if (reason != doubtful_.end()) {
       Hinder(field.write, reason->second);
     }
   }

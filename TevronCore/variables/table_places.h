@@ -80,7 +80,8 @@ class TablePlaces {
   void TakeOutOfUse(const Field& field, const std::string& reason);
   void PlaceAll();
   void Place(const Field& field);
-  void HinderWhereReplaced();
+  void Doubt(const Field& field, const std::string& reason);
+  void HinderWhereDoubtful();
 
   LoadedTable& table_;
   FaultList& faults_;
@@ -90,7 +91,7 @@ class TablePlaces {
   std::unordered_map<std::string, FieldGroup*> read_groups_;  // by command key and payload
   std::string last_get_payload_;
   std::unordered_map<const FieldGroup*, int32_t> set_indices_;   // the last of each
-  std::unordered_map<const FieldGroup*, std::string> replaced_;  // rows of these, with the reason
+  std::unordered_map<const FieldGroup*, std::string> doubtful_;  // reads, with the reason
   OutOfUse out_of_use_;
   std::string hinders_all_;
 };

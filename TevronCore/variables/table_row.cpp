@@ -6,6 +6,7 @@
 #include <utility>
 #include <variant>
 
+#include "variables/hex_cell.h"
 #include "variables/number_text.h"
 #include "variables/options_cell.h"
 #include "variables/row_rules.h"
@@ -29,13 +30,33 @@ std::string NameOf(Column column) { return kNames[static_cast<size_t>(column)]; 
 // Bytes of a count of seconds.
 constexpr int32_t kLongestDuration = 8;
 
-// The same name to someone who looks at the header with a spreadsheet.
-bool LooksLike(std::string_view header, std::string_view name) {
+// Characters that the two have alike, from the front and from the back.
+size_t AlikeAtTheEnds(std::string_view a, std::string_view b) {
+  const auto is_same = [](char one, char other) {
+    return std::tolower(static_cast<unsigned char>(one)) ==
+           std::tolower(static_cast<unsigned char>(other));
+  };
+  const auto front = std::mismatch(a.begin(), a.end(), b.begin(), b.end(), is_same);
+  const auto back = std::mismatch(a.rbegin(), a.rend(), b.rbegin(), b.rend(), is_same);
+  return static_cast<size_t>((front.first - a.begin()) + (back.first - a.rbegin()));
+}
+
+// The name that was meant by the header's, or null: the same to someone who looks at it with a
+// spreadsheet, or a long one but for one letter.
+const char* NameMeantBy(std::string_view header) {
+  constexpr size_t kShort = 5;
   header = Trim(header);
-  return std::equal(header.begin(), header.end(), name.begin(), name.end(), [](char a, char b) {
-    return std::tolower(static_cast<unsigned char>(a)) ==
-           std::tolower(static_cast<unsigned char>(b));
-  });
+  const char* meant = nullptr;
+  for (const std::string_view name : kNames) {
+    const size_t alike = AlikeAtTheEnds(header, name);
+    if (alike == 2 * name.size() && header.size() == name.size()) {
+      return name.data();
+    }
+    if (name.size() > kShort && alike + 1 >= std::max(header.size(), name.size())) {
+      meant = name.data();
+    }
+  }
+  return meant;
 }
 
 }  // namespace
@@ -52,6 +73,9 @@ TableRow::TableRow(const CsvReader& csv, TextPool* texts, FaultList* faults)
 std::string TableRow::CheckHeader() const {
   std::string obstacle;
   const std::vector<std::string>& header = csv_.header().names;
+  const auto is_known = [](const std::string& column) {
+    return std::find(kNames.begin(), kNames.end(), column) != kNames.end();
+  };
   for (const char* const name : kNames) {
     const auto is_name = [name](const std::string& column) { return column == name; };
     if (std::count_if(header.begin(), header.end(), is_name) > 1) {
@@ -59,10 +83,11 @@ std::string TableRow::CheckHeader() const {
                            " stands twice; leave one of them. Nothing is written until then");
       obstacle = "the column " + std::string(name) + " stands twice in the table";
     }
-    for (const std::string& column : header) {
-      if (column != name && LooksLike(column, name)) {
-        faults_.Warn(1, "the column " + Quoted(column) + " is ignored; write " + name);
-      }
+  }
+  for (const std::string& column : header) {
+    const char* const meant = is_known(column) ? nullptr : NameMeantBy(column);
+    if (meant != nullptr) {
+      faults_.Warn(1, "the column " + Quoted(column) + " is ignored; write " + meant);
     }
   }
   return obstacle;
@@ -114,6 +139,11 @@ bool TableRow::ReadPlace(VarInfo* var) const {
   var->set_cmd = SharedCell(Column::kSet);
   SetValueType(SharedCell(Column::kVarType), var);
   return ReadLength(var);
+}
+
+bool TableRow::PayloadIsSound() const {
+  const std::string_view cell = Cell(Column::kGetCmdPayload);
+  return cell.empty() || PayloadOfCell(cell).has_value();
 }
 
 void TableRow::ReadRest(VarInfo* var) const {
@@ -173,8 +203,9 @@ bool TableRow::ReadLength(VarInfo* var) const {
       Fault("VarLen " + Quoted(cell) + " does not fit " + var->var_type.str() + "; write " +
             std::to_string(natural) + " or nothing. It cannot be changed until then");
     }
-    if (var->value_type->kind == ValueKind::kDuration && *length > kLongestDuration) {
-      Fault("VarLen " + Quoted(cell) + " is too long for DT; write 1 to " +
+    if (var->value_type->kind == ValueKind::kDuration &&
+        (*length == 0 || *length > kLongestDuration)) {
+      Fault("VarLen " + Quoted(cell) + " does not fit DT; write 1 to " +
             std::to_string(kLongestDuration) + ". The value is not shown until then");
       var->value_type = &kUnknownType;
     }

@@ -67,6 +67,9 @@ class TableRow {
   /// False when its length cannot be known; the rest is filled all the same.
   bool ReadPlace(VarInfo* var) const;
 
+  /// Whether "GetCmdPayload" is one, or empty.
+  bool PayloadIsSound() const;
+
   /// Fills the rest.
   void ReadRest(VarInfo* var) const;
 

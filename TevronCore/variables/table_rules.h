@@ -15,4 +15,4 @@
 LoadedTable LoadModelTable(const std::string& path);
 
 /// The same for the rows of a monitor table, as LoadTable gave them.
-void ApplyMonitorTableRules(LoadedTable* table);
+void ApplyMonitorTableRules(LoadedTable* table, FaultList* faults);

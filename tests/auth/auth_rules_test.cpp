@@ -43,7 +43,8 @@ TEST(AuthRules, NameWhatIsWrongWithARowAndWhatToWrite) {
   const char* const cases[][2] = {
       {"Heron,1,3,DF,66,E0,12|83|0x25,0,1,big", ""},
       {"Heron,0,9,,,,||,,,", ""},
-      {"Heron,,9,,,,||,,,", ""},
+      {"Heron,,9,,,,||,,,", "Enable: \"\" leaves model \"Heron\" without auth"},
+      {"Heron,1,3,DF,66,E0,zz,0,1,big", "ProtectedCmds: \"zz\" is no hexadecimal"},
       {"Heron,yes,3,DF,66,E0,12,0,1,big", "Enable: \"yes\" leaves model \"Heron\" without auth"},
       {"Heron, 1,3,DF,66,E0,12,0,1,big", "write 1, without blanks"},
       {"Heron,1,5,DF,66,E0,12,0,1,big", "AlgorithmID: \"5\" is no algorithm"},

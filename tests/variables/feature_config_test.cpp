@@ -45,7 +45,7 @@ TEST(FeatureConfig, TakesEachCellForWhatItSaysAndTellsWhatItShouldSay) {
        0,
        false,
        false,
-       {"line 2: EnableCmxClientHostPortUi \"yes\" is unknown and counts as empty: write 1 ",
+       {"line 2: EnableCmxClientHostPortUi \"yes\" is unknown; write 1 ",
         "StaleInputWait \"troubel\"", "ConnectType \"7\"", "SerialKind \"x\""}},
       {"Orca", "11,,,", kNetworkLink, 0, false, false, {"EnableCmxClientHostPortUi \"11\""}},
       // Where a table says nothing, the name does.
@@ -98,7 +98,7 @@ TEST(FeatureConfig, LetsTheSitesRowStandInThePlaceOfTheOneThatShips) {
   EXPECT_EQ(LoadFeatures(config, "Lumo", &faults).connect_type, kSerialPair);
   EXPECT_TRUE(faults.empty()) << "without any table";
   CheckFeatures(config, &faults);
-  ExpectFaults(faults, {"feature_config.csv: No such file"});
+  ExpectFaults(faults, {"feature_config.csv: there is no such file"});
 
   folder.Write(kFile, std::string(kHeader) + "Orca,1,trouble,,\nOsprey,1,,,\n");
   folder.Write(std::string("site/") + kFile, "Model,SerialKind,ConectType\nOrca,2,2\n,1,\n");
@@ -112,9 +112,9 @@ TEST(FeatureConfig, LetsTheSitesRowStandInThePlaceOfTheOneThatShips) {
   EXPECT_TRUE(LoadFeatures(config, "Osprey", &faults).host_port_enabled);
   faults.clear();
   CheckFeatures(config, &faults);
-  ExpectFaults(faults,
-               {"site/feature_config.csv: Can't find a column named EnableCmxClientHostPortUi",
-                "column \"ConectType\" is unknown", "line 3: model \"\" has no variable table"});
+  ExpectFaults(
+      faults, {"site/feature_config.csv: Can't find a column named EnableCmxClientHostPortUi",
+               "the column \"ConectType\" is ignored", "line 3: model \"\" has no variable table"});
   EXPECT_THROW(IsHostPortUiEnabled(folder.path() + "/site/" + kFile, "Orca"), std::runtime_error);
   EXPECT_FALSE(IsHostPortUiEnabled("missing.csv", "Orca"));
 }

@@ -95,7 +95,7 @@ TEST(Process, ChecksTheTables) {
   EXPECT_EQ(bad.ExitCode(), 1);
   for (const char* text :
        {"Bad.csv, line 2: \"Wide\": DefaultValue \"256\"", "Short.csv",
-        "no row has \"monitor\" for its Options", "/feature_config.csv: No such file",
+        "no row has \"monitor\" for its Options", "/feature_config.csv: there is no such file",
         "auth_config.csv, line 2", "model \"Nobody\" has no variable table"}) {
     EXPECT_TRUE(bad.Output().contains(text)) << text << " in\n" << bad.Output().toStdString();
   }

@@ -1,0 +1,104 @@
+#include "table_check/stray_files.h"
+
+#include <algorithm>
+#include <cctype>
+#include <filesystem>
+#include <string_view>
+#include <vector>
+
+#include "auth/auth_config.h"
+#include "auth/auth_keys.h"
+#include "variables/fault_list.h"
+#include "variables/feature_config.h"
+#include "variables/monitor_tables.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+
+std::vector<fs::path> EntriesOf(const fs::path& folder) {
+  std::vector<fs::path> paths;
+  std::error_code error;
+  for (fs::directory_iterator entry(folder, error), end; !error && entry != end;
+       entry.increment(error)) {
+    paths.push_back(entry->path());
+  }
+  std::sort(paths.begin(), paths.end());
+  return paths;
+}
+
+bool IsFolder(const fs::path& path) {
+  std::error_code ignored;
+  return fs::is_directory(path, ignored);
+}
+
+// ".csv" of "Heron.CSV"
+std::string EndingOf(const fs::path& path) {
+  std::string ending = path.extension().string();
+  std::transform(ending.begin(), ending.end(), ending.begin(),
+                 [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
+  return ending;
+}
+
+/// The check of one folder with the layout of "Config".
+class StrayFiles {
+ public:
+  StrayFiles(const ConfigFolder& folder, const std::string& model, TableFaults* faults)
+      : models_(folder.Models()), model_(model), faults_(*faults) {}
+
+  void Check(const fs::path& folder) {
+    for (const fs::path& path : EntriesOf(folder)) {
+      const std::string name = path.filename().string();
+      const bool is_read =
+          name == kFeatureTableName || name == kAuthTableName || name == kAuthKeysName;
+      if (!is_read && !IsFolder(path) && (EndingOf(path) == ".csv" || EndingOf(path) == ".ini")) {
+        Warn(path,
+             "the files here are called feature_config.csv, auth_config.csv and "
+             "auth_keys.ini, and variable tables lie in the folder varID");
+      }
+    }
+    for (const fs::path& path : EntriesOf(folder / "varID")) {
+      if (IsFolder(path)) {
+        CheckMonitorTables(path);
+      } else if (EndingOf(path) == ".csv" && path.extension() != ".csv") {
+        Warn(path, "the name of a table ends with .csv");
+      }
+    }
+  }
+
+ private:
+  void CheckMonitorTables(const fs::path& folder) {
+    const std::string name = folder.filename().string();
+    if (!model_.empty() && name != model_) {
+      return;
+    }
+    const bool is_model = std::binary_search(models_.begin(), models_.end(), name);
+    for (const fs::path& path : EntriesOf(folder)) {
+      if (EndingOf(path) != ".csv") {
+        continue;
+      }
+      if (!is_model) {
+        Warn(path, "no model is called " + Quoted(name));
+      } else if (MonitorVersionOf(path.filename().string()).empty()) {
+        Warn(path, "a monitor table is called Monitor_, its version, and .csv");
+      }
+    }
+  }
+
+  void Warn(const fs::path& path, const std::string& reason) {
+    faults_.push_back({0, path.string() + ": this file is not read: " + reason + "; rename it",
+                       TableFault::Severity::kWarning});
+  }
+
+  const std::vector<std::string> models_;
+  const std::string model_;
+  TableFaults& faults_;
+};
+
+}  // namespace
+
+void CheckStrayFiles(const ConfigFolder& folder, const std::string& model, TableFaults* faults) {
+  StrayFiles stray(folder, model, faults);
+  stray.Check(folder.path());
+  stray.Check(folder.site_path());
+}
