@@ -1,6 +1,7 @@
 import QtQuick 2.15
 import "../controls"
 import "../theme"
+import "RowEditors.js" as RowEditors
 
 // One row of a page: the caption, the editor of the row's kind, the unit, and a note. Above the first
 // row of a group stands the group's caption.
@@ -110,30 +111,11 @@ FocusScope {
             loader.item.goToFault();
     }
 
-    function editorFile() {
-        if (isInMonitor || (linked && (isFov || kind === kindFile || kind === kindMonitor)))
-            return "";
-        if (isFov)
-            return "FovPanel.qml";
-        if (kind === kindFile)
-            return "FileEditor.qml";
-        if (leaf.current_val === undefined)
-            return "";
-        if (!editable)
-            return "ValueText.qml";
-        switch (kind) {
-        case kindSwitch: return "SwitchEditor.qml";
-        case kindChoice:
-        case kindTallChoice: return "ChoiceEditor.qml";
-        default: return "TextEditor.qml";
-        }
-    }
-
     implicitHeight: headHeight + lineHeight
     visible: !isInMonitor
 
     onActiveFocusChanged: if (activeFocus) entered()
-    Component.onCompleted: loader.setSource(editorFile(), { row: row })
+    Component.onCompleted: loader.setSource(RowEditors.fileFor(row), { row: row })
 
     GroupHead {
         width: parent.width

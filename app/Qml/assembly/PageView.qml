@@ -1,5 +1,4 @@
 import QtQuick 2.15
-import QtQuick.Window 2.15
 import QtQuick.Templates 2.15 as T
 import Tevron 1.0
 import "../controls"
@@ -26,25 +25,10 @@ FocusScope {
     readonly property var body: finding ? finder : grid
     readonly property int kindFile: 4
     readonly property int kindMonitor: 7
-    readonly property bool hasEdits: pendingCommands > 0 || typing || fov.faultCount > 0
-    readonly property alias saving: saveControl.writing
-    // The page itself ends its edits now; at other times they outlive a reading.
-    property bool releasing: false
-    // A field of the page holds text that was not confirmed yet.
-    readonly property bool typing: {
-        const item = Window.activeFocusItem;
-        return activeFocus && item !== null && item.typing === true && item.text !== item.value;
-    }
-    // Text that is being typed in a row that has no other edit counts as one.
-    readonly property bool typingAnew: typing && body.current !== null && !body.current.pending
-    readonly property bool typingFault: typingAnew && body.current.isFaulty
-    readonly property int faultCount: rows.faultCount + fov.faultCount + (typingFault ? 1 : 0)
-    readonly property int editCount: rows.editCount - rows.faultCount + fov.editCount
-                                     + (typingAnew && !typingFault ? 1 : 0)
-    property int pendingCommands: 0
+    readonly property alias hasEdits: edits.any
+    readonly property alias saving: edits.saving
     property bool holdsUpgrade: false
     property bool holdsMonitor: false
-    property string reportedHardware: ""
 
     signal refused(string reason)
     signal confirmationWanted(var names)
@@ -52,31 +36,11 @@ FocusScope {
     signal pageWanted(int tab)
     signal rowWanted(var row)
 
-    // Brings the rows up to date that show something else. What was typed stays, whoever read the page.
+    // Brings up to date what shows something else. What was typed stays, whoever read the page.
     function takeValues() {
-        const edits = releasing || saving ? [] : rows.Edits();
-        rows.TakeAll();
-        saveControl.giveBack(edits);
+        edits.takeRows();
         finder.take();
-        takeHardware();
-        countPending();
-    }
-
-    // What the lidar says that its monitor is made for.
-    function takeHardware() {
-        const leaf = rows.LeafOfKind(kindMonitor);
-        reportedHardware = leaf.current_val === undefined || leaf.state === "unread" ? ""
-                                                                                  : leaf.current_val;
-    }
-
-    function countPending() {
-        pendingCommands = manager.getSetMapSize();
-    }
-
-    // Hands over what is typed in the field that still has the keyboard.
-    function commitTyping() {
-        if (body.current !== null)
-            body.current.commit();
+        monitor.takeHardware();
     }
 
     // Scrolls as a key asks for it; false when that changes nothing.
@@ -86,11 +50,8 @@ FocusScope {
 
     // Does `reading`, after which no edit is left.
     function release(reading) {
-        releasing = true;
-        reading();
-        fov.clear();
+        edits.release(reading);
         grid.written = {};
-        releasing = false;
         takeValues();
     }
 
@@ -105,12 +66,11 @@ FocusScope {
     }
 
     function save() {
-        commitTyping();
-        saveControl.save();
+        edits.save();
     }
 
     function write() {
-        saveControl.write();
+        edits.write();
     }
 
     // Takes the keyboard to a row of the page.
@@ -150,12 +110,12 @@ FocusScope {
         function onMyTimerMapChanged() {
             rows.TakeTimed();
             finder.takeTimed();
-            page.takeHardware();
-            page.countPending();
+            monitor.takeHardware();
+            edits.countPending();
         }
         function onMonitorContentChanged() { rows.Rebuild(); }
         function onLidarModelChanged() {
-            fov.clear();
+            edits.angles.clear();
             rows.Rebuild();
         }
     }
@@ -168,34 +128,19 @@ FocusScope {
         onRebuilt: {
             page.holdsUpgrade = HasKind(page.kindFile);
             page.holdsMonitor = HasKind(page.kindMonitor);
-            page.takeHardware();
-            page.countPending();
+            monitor.takeHardware();
+            edits.countPending();
         }
     }
 
-    // Goes on while another page is in view.
-    MonitorSource {
-        id: monitorSource
-
-        objectName: "monitorSource"
-        manager: page.manager
-        onFailed: page.refused(reason)
-    }
-
-    FovEdits {
-        id: fov
-
-        manager: page.manager
-        releasing: page.releasing || page.saving
-    }
-
-    SaveControl {
-        id: saveControl
+    PageEdits {
+        id: edits
 
         manager: page.manager
         tab: page.tab
-        pageRows: rows
-        fovEdits: fov
+        rows: rows
+        current: page.body.current
+        listened: page.activeFocus
         onRefused: page.refused(reason)
         onConfirmationWanted: page.confirmationWanted(names)
         onFaultFound: page.goToFault()
@@ -214,10 +159,9 @@ FocusScope {
         description: rows.description
     }
 
-    // In the place of the heading and of nearly all rows. It keeps what it shows while other pages
-    // are in view.
-    Loader {
-        id: monitorLoader
+    // In the place of the heading and of nearly all rows.
+    PageMonitor {
+        id: monitor
 
         anchors.left: parent.left
         anchors.right: parent.right
@@ -227,14 +171,10 @@ FocusScope {
         anchors.rightMargin: Theme.gapWide
         anchors.topMargin: Theme.gap
         anchors.bottomMargin: Theme.gap
-        active: false
         visible: page.holdsMonitor && !page.finding
-        onVisibleChanged: if (visible) active = true
-        sourceComponent: MonitorEditor {
-            manager: page.manager
-            source: monitorSource
-            reportedHardware: page.reportedHardware
-        }
+        manager: page.manager
+        rows: rows
+        onFailed: page.refused(reason)
     }
 
     PageGrid {
@@ -251,10 +191,10 @@ FocusScope {
         focus: !page.finding
         rows: rows
         manager: page.manager
-        fovEdits: fov
+        fovEdits: edits.angles
         upgrade: page.upgrade
-        monitor: page.holdsMonitor ? monitorSource : null
-        onEdited: page.countPending()
+        monitor: page.holdsMonitor ? monitor.source : null
+        onEdited: edits.countPending()
     }
 
     EmptyNote {
@@ -279,7 +219,7 @@ FocusScope {
         written: grid.written
         onEdited: {
             rows.TakeAll();
-            page.countPending();
+            edits.countPending();
         }
         onPageWanted: page.pageWanted(tab)
         onRowWanted: page.rowWanted(row)
@@ -292,8 +232,8 @@ FocusScope {
         anchors.right: parent.right
         anchors.bottom: parent.bottom
         visible: !page.holdsUpgrade && rows.count > 0 && (!page.holdsMonitor || page.hasEdits)
-        editCount: page.editCount
-        faultCount: page.faultCount
+        editCount: edits.editCount
+        faultCount: edits.faultCount
         onSaveClicked: page.save()
         onCancelClicked: page.cancel()
     }
