@@ -90,8 +90,10 @@ ScrollArea {
             id: slot
 
             readonly property var roles: model
-            readonly property bool isPlaced: index < layout.tops.length
-            readonly property bool near: isPlaced && y < grid.nearEnd && y >= grid.nearStart
+            // -1 before it has a place. One binding, so that no row is taken for near while another is
+            // not yet brought up to date.
+            readonly property real begin: index < layout.tops.length ? layout.tops[index] : -1
+            readonly property bool near: begin >= 0 && begin < grid.nearEnd && begin >= grid.nearStart
             property bool made: false
 
             onNearChanged: if (near) made = true
@@ -101,7 +103,7 @@ ScrollArea {
             asynchronous: grid.linked
             active: made
             x: Theme.gapWide + (index >= layout.right ? grid.columnWidth + 2 * Theme.gapWide : 0)
-            y: layout.tops[index] || 0
+            y: Math.max(0, begin)
             width: grid.columnWidth
             sourceComponent: PageRow {
                 index: slot.roles.index
