@@ -7,6 +7,7 @@ import "../theme"
 //
 // value         the state that the source holds
 // unknown       nobody knows the state: the switch stands in the middle
+// stale         nothing says that the source still holds it
 // pending       changed here and not saved yet
 // hint, label   tooltip, and the name that assistive technology reads
 // switched(on)  the user moved it
@@ -15,7 +16,9 @@ T.Switch {
 
     property bool value: false
     property bool unknown: false
+    property bool stale: false
     property bool pending: false
+    readonly property bool vivid: enabled && !stale
     property string hint: ""
     property string label: ""
 
@@ -51,7 +54,7 @@ T.Switch {
         implicitWidth: 10 * Theme.grid
         implicitHeight: 5 * Theme.grid
         radius: height / 2
-        color: !control.enabled ? Theme.windowColor
+        color: !control.vivid ? Theme.windowColor
              : control.checked && !control.unknown ? Theme.accentColor : Theme.controlColor
         border.width: Theme.hairline
         border.color: control.hovered ? Theme.outlineHoverColor : Theme.outlineColor
@@ -64,7 +67,7 @@ T.Switch {
             width: parent.height - 2 * inset
             height: width
             radius: width / 2
-            color: control.enabled ? Theme.textColor : Theme.disabledTextColor
+            color: control.vivid ? Theme.textColor : Theme.disabledTextColor
 
             Behavior on x { NumberAnimation { duration: Theme.fadeMs } }
         }
@@ -79,7 +82,7 @@ T.Switch {
         leftPadding: control.indicator.width + control.spacing
         text: control.text
         font: control.font
-        color: control.enabled ? Theme.textColor : Theme.disabledTextColor
+        color: control.vivid ? Theme.textColor : Theme.disabledTextColor
         verticalAlignment: Text.AlignVCenter
         elide: Text.ElideRight
     }

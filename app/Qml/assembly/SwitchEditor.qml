@@ -50,6 +50,7 @@ FocusScope {
         focus: true
         value: editor.on
         unknown: editor.row.unread
+        stale: editor.row.stale
         pending: editor.row.pending
         label: editor.row.caption
         // Beside the field there is no room for a word.
