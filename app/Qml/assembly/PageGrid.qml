@@ -92,7 +92,7 @@ ScrollArea {
             readonly property var roles: model
             // -1 before it has a place. One binding, so that no row is taken for near while another is
             // not yet brought up to date.
-            readonly property real begin: index < layout.tops.length ? layout.tops[index] : -1
+            readonly property real begin: index >= 0 && index < layout.tops.length ? layout.tops[index] : -1
             readonly property bool near: begin >= 0 && begin < grid.nearEnd && begin >= grid.nearStart
             property bool made: false
 
