@@ -58,7 +58,7 @@ std::string ConfigFolder::Describe(const std::string& model) const {
 std::vector<std::string> ConfigFolder::FilesCalled(const std::string& name) const {
   std::vector<std::string> files;
   for (const std::string& folder : {path_, site_path()}) {
-    const std::string file = folder + '/' + name;
+    const std::string file = std::string(folder).append(1, '/').append(name);
     std::error_code ignored;
     if (std::filesystem::status(file, ignored).type() != std::filesystem::file_type::not_found) {
       files.push_back(file);
