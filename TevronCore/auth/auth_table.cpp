@@ -13,6 +13,9 @@ namespace {
 constexpr char kCodeAdvice[] = "write a hexadecimal command code such as 0x66";
 constexpr char kCodesAdvice[] = "write hexadecimal command codes with | between, as in 0x21|0x22";
 
+/// A short frame of a serial line holds no more.
+constexpr int32_t kLongestProbeAnswer = 254;
+
 /// Reads the cells of one row, and notes what is wrong with them.
 class Row {
  public:
@@ -73,7 +76,7 @@ class Row {
 
   int32_t ProbeOffset() const {
     const int32_t offset = Decimal("ProbeValueOffset");
-    if (offset < 0) {
+    if (offset < 0 || offset > kLongestProbeAnswer) {
       Note("ProbeValueOffset", std::to_string(offset) + " is no place in an answer",
            "write the number of bytes in front of the value, 0 or more");
     }

@@ -53,6 +53,9 @@ std::string ReadWholeFile(const std::string& path) {
     throw std::runtime_error(path + ": cannot be read");
   }
   text.resize(static_cast<size_t>(file.gcount()));  // it may have shrunk meanwhile
+  if (const std::string start = text.substr(0, 2); start == "\xFF\xFE" || start == "\xFE\xFF") {
+    throw std::runtime_error(path + ": is saved as UTF-16; save it as UTF-8");
+  }
   return text;
 }
 

@@ -51,8 +51,8 @@ class CsvReader {
   };
 
   /// Reads the file and its header. Throws std::runtime_error, whose text names the file and the
-  /// reason, when it is missing, not a regular file, too large or unreadable. An empty file has no
-  /// columns. A broken header leaves none either: it is then the one row that Next() tells.
+  /// reason, when it is missing, not a regular file, too large, unreadable or UTF-16. An empty file
+  /// has no columns. A broken header leaves none either: it is then the one row that Next() tells.
   /// With `foreign` kReplaced, bytes that are not UTF-8 are read as replacement characters.
   explicit CsvReader(const std::string& path, Foreign foreign = Foreign::kKept);
   ~CsvReader();

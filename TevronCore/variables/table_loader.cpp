@@ -29,6 +29,7 @@ class Loader {
   LoadedTable Load();
 
  private:
+  void TellForeignSeparator();
   void LoadRows();
   void LoadRow();
   void LoadBrokenRow();
@@ -65,6 +66,7 @@ LoadedTable Loader::Load() {
     Fault(csv_->reason());
     return std::move(table_);
   }
+  TellForeignSeparator();
   row_.emplace(*csv_, &table_.texts, &faults_);
   places_.HinderWrites(row_->CheckHeader());
   for (const size_t line : csv_->foreign_lines()) {
@@ -80,6 +82,14 @@ LoadedTable Loader::Load() {
   CheckSwitchReferences();
   std::cout << std::flush;
   return std::move(table_);
+}
+
+// What a spreadsheet writes in many countries. The column that is not found then says little.
+void Loader::TellForeignSeparator() {
+  const std::vector<std::string>& names = csv_->header().names;
+  if (names.size() == 1 && names[0].find_first_of(";\t") != std::string::npos) {
+    faults_.Fault(1, "the cells are separated by semicolons or tabs; save the file with commas");
+  }
 }
 
 void Loader::LoadRows() {

@@ -56,6 +56,7 @@ TEST(AuthRules, NameWhatIsWrongWithARowAndWhatToWrite) {
       {"Heron,1,3,DF,66,E0,12|99,0,1,big", "(, line 2: column ProtectedCmds: nothing is sent "},
       {"Heron,1,3,DF,66,E0,,0,1,big", "(, line 2: column ProtectedCmds: no command is protected"},
       {"Heron,1,3,DF,66,E0,12,-1,1,big", "ProbeValueOffset: -1 is no place"},
+      {"Heron,1,3,DF,66,E0,12,255,1,big", "ProbeValueOffset: 255 is no place"},
       {"Heron,1,3,DF,66,E0,12,0,0,big", "ProbeValueLen: 0 bytes are no number, so that no auth"},
       {"Heron,1,3,DF,66,E0,12,0,3,big", "ProbeValueLen: 3 bytes are no number; write 1, 2, 4 or"},
       {"Heron,1,3,DF,66,E0,12,0,1,Little", "ProbeEndian: \"Little\" counts as big"},

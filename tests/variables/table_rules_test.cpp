@@ -63,6 +63,18 @@ TEST(TableRules, NameTheRowAndWhatToWrite) {
   }
 }
 
+TEST(TableRules, SayHowToSaveWhatASpreadsheetWroteOtherwise) {
+  const std::pair<std::string, const char*> files[] = {
+      {"GroupID;Index;Get\n1;1;0x01\n", ", line 1: the cells are separated by semicolons or tabs"},
+      {"GroupID\tIndex\n1\t1\n", ", line 1: the cells are separated by semicolons or tabs"},
+      {std::string("\xFF\xFEG\0r\0", 6), ": is saved as UTF-16; save it as UTF-8"}};
+  for (const auto& [text, fault] : files) {
+    const LoadedTable table = LoadModelTable(TableFile(text, "Heron.csv").path());
+    EXPECT_TRUE(table.rows.empty());
+    EXPECT_NE(Listed(table.faults).find(fault), std::string::npos) << Listed(table.faults);
+  }
+}
+
 TEST(TableRules, AskForWhatEveryModelHas) {
   const std::string faults = FaultsOf("3,1,0x11,,,A,0,uint8,,,,,,Scan\n");
   for (const char* fault :
