@@ -26,7 +26,7 @@ Item {
 
     // Back to the page, and to the row of it that was in hand.
     function leave() {
-        wanted = page.body.current;
+        wanted = page.shown.current;
         close();
         ended();
         arrive();

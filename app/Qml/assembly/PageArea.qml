@@ -1,5 +1,4 @@
 import QtQuick 2.15
-import "../theme"
 
 // What the lidar shows of itself: over the network its pages, one a tab; over a serial line the
 // panels of its model.
@@ -48,7 +47,7 @@ Item {
 
     // Shows another page, and goes to the row on it that was asked for.
     function selectTab(tab) {
-        logsButton.checked = false;
+        bar.showsLogs = false;
         finder.finding = false;
         changePage(tab);
         finder.arrive();
@@ -65,7 +64,7 @@ Item {
     }
 
     function showTabs() {
-        tabs.titles = manager.level1List;
+        bar.titles = manager.level1List;
     }
 
     function rebuild() {
@@ -84,73 +83,40 @@ Item {
     Connections {
         target: area.manager
         function onLidarModelChanged() { area.rebuild(); }
-        function onLidarClearModel() { tabs.titles = []; }
+        function onLidarClearModel() { bar.titles = []; }
         function onLidarShowModel() { area.showTabs(); }
     }
 
-    TabWidget {
-        id: tabs
+    PageBar {
+        id: bar
 
-        objectName: "pageTabs"
         anchors.left: parent.left
-        anchors.right: logsButton.left
-        anchors.leftMargin: Theme.gap
-        anchors.rightMargin: Theme.gap
+        anchors.right: parent.right
         visible: area.network
-        currentIndex: area.currentTab
-        resting: logs.visible
+        currentTab: area.currentTab
         marked: page.hasEdits ? [area.currentTab] : []
+        offersLogs: logs.offersAny
         onSelected: {
             finder.wanted = null;
-            area.hasEdits ? area.leaveAsked(index) : area.selectTab(index);
+            area.hasEdits ? area.leaveAsked(tab) : area.selectTab(tab);
         }
-        onClicked: {
-            logsButton.checked = false;
-            finder.close();
-        }
-    }
-
-    DefaultToolButton {
-        id: logsButton
-
-        objectName: "logsButton"
-        anchors.right: findField.left
-        anchors.rightMargin: Theme.gap
-        anchors.verticalCenter: tabs.verticalCenter
-        visible: area.network && logs.offersAny
-        width: visible ? implicitWidth : 0
-        checkable: true
-        text: qsTr("Logs")
-        hint: qsTr("Download the logs of the lidar")
-        Keys.onReturnPressed: toggle()
-        Keys.onEnterPressed: toggle()
-    }
-
-    FindField {
-        id: findField
-
-        objectName: "findField"
-        anchors.right: parent.right
-        anchors.rightMargin: Theme.gapWide
-        anchors.verticalCenter: tabs.verticalCenter
-        visible: area.network
-        onStarted: logsButton.checked = false
+        onPageWanted: finder.close()
     }
 
     FindControl {
         id: finder
 
         area: area
-        field: findField
+        field: bar.field
         page: page
-        onEnded: tabs.forceActiveFocus(Qt.ShortcutFocusReason)
+        onEnded: bar.goToTabs()
     }
 
     PageView {
         id: page
 
         objectName: "pageView"
-        anchors.top: tabs.bottom
+        anchors.top: bar.bottom
         anchors.left: parent.left
         anchors.right: parent.right
         anchors.bottom: parent.bottom
@@ -159,8 +125,8 @@ Item {
         tab: area.currentTab
         upgrade: area.upgrade
         finding: finder.finding
-        searchText: findField.text
-        title: tabs.titles.length > area.currentTab ? tabs.titles[area.currentTab] : ""
+        searchText: bar.field.text
+        title: bar.titles.length > area.currentTab ? bar.titles[area.currentTab] : ""
         onRefused: area.refused(reason)
         onConfirmationWanted: area.confirmationWanted(names)
         onPageWanted: area.changePage(tab)
@@ -177,7 +143,7 @@ Item {
 
         objectName: "logsPanel"
         anchors.fill: page
-        visible: area.network && offersAny && logsButton.checked
+        visible: area.network && offersAny && bar.showsLogs
         manager: area.manager
     }
 

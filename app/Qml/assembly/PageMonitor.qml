@@ -27,6 +27,11 @@ Item {
 
     onVisibleChanged: if (visible) loader.active = true
 
+    Connections {
+        target: monitor.rows
+        function onTaken() { monitor.takeHardware(); }
+    }
+
     MonitorSource {
         id: monitorSource
 

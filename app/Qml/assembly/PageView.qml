@@ -1,10 +1,6 @@
 import QtQuick 2.15
-import QtQuick.Templates 2.15 as T
-import Tevron 1.0
-import "../controls"
-import "../theme"
 
-// One page of the lidar's variables with its rows and, below them, Save and Cancel.
+// One page of the lidar's variables, or what is found on all pages, and below it Save and Cancel.
 //
 // manager  the object that holds the pages (myMap, level2List) and reads and writes them
 // tab      the page that is shown
@@ -22,13 +18,10 @@ FocusScope {
     property string title: ""
     property bool finding: false
     property alias searchText: finder.text
-    readonly property var body: finding ? finder : grid
-    readonly property int kindFile: 4
-    readonly property int kindMonitor: 7
+    // What is in view.
+    readonly property var shown: finding ? finder : body
     readonly property alias hasEdits: edits.any
     readonly property alias saving: edits.saving
-    property bool holdsUpgrade: false
-    property bool holdsMonitor: false
 
     signal refused(string reason)
     signal confirmationWanted(var names)
@@ -40,18 +33,17 @@ FocusScope {
     function takeValues() {
         edits.takeRows();
         finder.take();
-        monitor.takeHardware();
     }
 
     // Scrolls as a key asks for it; false when that changes nothing.
     function scrollByKey(key) {
-        return body.scrollByKey(key);
+        return shown.scrollByKey(key);
     }
 
     // Does `reading`, after which no edit is left.
     function release(reading) {
         edits.release(reading);
-        grid.written = {};
+        body.written = {};
         takeValues();
     }
 
@@ -75,9 +67,7 @@ FocusScope {
 
     // Takes the keyboard to a row of the page.
     function goTo(level1, level2, level3) {
-        const index = rows.RowAt(level1, level2, level3);
-        if (index >= 0)
-            grid.rowAt(index).forceActiveFocus(Qt.ShortcutFocusReason);
+        body.goTo(level1, level2, level3);
     }
 
     // Takes the keyboard to the first row that was found.
@@ -87,18 +77,17 @@ FocusScope {
 
     // Goes to the first field that has to be corrected, unless a message has the keyboard.
     function goToFault() {
-        const first = rows.FirstFault();
-        const row = first >= 0 ? first : rows.FirstFov();
-        if (!activeFocus || row < 0)
+        const row = activeFocus ? body.faultyRow() : null;
+        if (row === null)
             return;
         if (finding)
-            rowWanted(grid.rowAt(row));
-        grid.rowAt(row).goToFault();
+            rowWanted(row);
+        row.goToFault();
     }
 
     function showOutcome(outcome) {
         takeValues();
-        grid.written = outcome.written;
+        body.written = outcome.written;
         saveBar.tell(outcome.text, outcome.good);
     }
 
@@ -108,28 +97,14 @@ FocusScope {
         target: page.manager
         function onMyMapChanged() { page.takeValues(); }
         function onMyTimerMapChanged() {
-            rows.TakeTimed();
+            body.rows.TakeTimed();
             finder.takeTimed();
-            monitor.takeHardware();
             edits.countPending();
         }
-        function onMonitorContentChanged() { rows.Rebuild(); }
+        function onMonitorContentChanged() { body.rows.Rebuild(); }
         function onLidarModelChanged() {
             edits.angles.clear();
-            rows.Rebuild();
-        }
-    }
-
-    PageRows {
-        id: rows
-
-        manager: page.manager
-        page: page.tab
-        onRebuilt: {
-            page.holdsUpgrade = HasKind(page.kindFile);
-            page.holdsMonitor = HasKind(page.kindMonitor);
-            monitor.takeHardware();
-            edits.countPending();
+            body.rows.Rebuild();
         }
     }
 
@@ -138,8 +113,8 @@ FocusScope {
 
         manager: page.manager
         tab: page.tab
-        rows: rows
-        current: page.body.current
+        rows: body.rows
+        current: page.shown.current
         listened: page.activeFocus
         onRefused: page.refused(reason)
         onConfirmationWanted: page.confirmationWanted(names)
@@ -147,78 +122,38 @@ FocusScope {
         onDone: page.showOutcome(outcome)
     }
 
-    SectionTitle {
-        id: heading
+    PageBody {
+        id: body
 
         anchors.left: parent.left
         anchors.right: parent.right
         anchors.top: parent.top
-        anchors.margins: Theme.gapWide
-        visible: !page.holdsMonitor && !page.finding
-        text: page.title
-        description: rows.description
-    }
-
-    // In the place of the heading and of nearly all rows.
-    PageMonitor {
-        id: monitor
-
-        anchors.left: parent.left
-        anchors.right: parent.right
-        anchors.top: parent.top
-        anchors.bottom: grid.top
-        anchors.leftMargin: Theme.gapWide
-        anchors.rightMargin: Theme.gapWide
-        anchors.topMargin: Theme.gap
-        anchors.bottomMargin: Theme.gap
-        visible: page.holdsMonitor && !page.finding
-        manager: page.manager
-        rows: rows
-        onFailed: page.refused(reason)
-    }
-
-    PageGrid {
-        id: grid
-
-        objectName: "pageRows"
-        anchors.left: parent.left
-        anchors.right: parent.right
         anchors.bottom: saveBar.visible ? saveBar.top : parent.bottom
-        height: page.holdsMonitor ? Math.min(contentHeight, page.height / 3)
-                                  : (saveBar.visible ? saveBar.y : page.height) - heading.y
-                                    - heading.height - Theme.gap
         visible: !page.finding
         focus: !page.finding
-        rows: rows
         manager: page.manager
-        fovEdits: edits.angles
+        tab: page.tab
+        title: page.title
         upgrade: page.upgrade
-        monitor: page.holdsMonitor ? monitor.source : null
+        fovEdits: edits.angles
+        onRebuilt: edits.countPending()
         onEdited: edits.countPending()
-    }
-
-    EmptyNote {
-        anchors.centerIn: grid
-        visible: rows.count === 0 && !page.finding
-        text: qsTr("This model has no values to show. Choose another model, or check its table.")
+        onFailed: page.refused(reason)
     }
 
     FindView {
         id: finder
 
         objectName: "findView"
-        anchors.left: parent.left
-        anchors.right: parent.right
-        anchors.top: parent.top
-        anchors.bottom: grid.bottom
+        anchors.fill: body
         visible: page.finding
         focus: page.finding
         manager: page.manager
         tab: page.tab
         holdsTab: page.hasEdits
-        written: grid.written
+        written: body.written
         onEdited: {
-            rows.TakeAll();
+            body.rows.TakeAll();
             edits.countPending();
         }
         onPageWanted: page.pageWanted(tab)
@@ -231,7 +166,8 @@ FocusScope {
         anchors.left: parent.left
         anchors.right: parent.right
         anchors.bottom: parent.bottom
-        visible: !page.holdsUpgrade && rows.count > 0 && (!page.holdsMonitor || page.hasEdits)
+        visible: !body.holdsUpgrade && body.rows.count > 0
+                 && (!body.holdsMonitor || page.hasEdits)
         editCount: edits.editCount
         faultCount: edits.faultCount
         onSaveClicked: page.save()

@@ -1,75 +1,11 @@
 import QtQuick 2.15
-import QtQuick.Window 2.15
 import QtTest 1.15
-import TevronTest 1.0
-import "qrc:/Qml/assembly"
 
-// One page with a row of every kind, on a manager that only takes notes.
-TestCase {
+// What a page shows, and how it is used.
+PageCase {
     id: test
 
-    property var page: null
-    property var manager: null
-    property var leaves: []
-    property var refusals: []
-
     name: "PageView"
-    when: windowShown
-    width: 900
-    height: 700
-    visible: true
-
-    Component {
-        id: pageComponent
-
-        PageView {
-            anchors.fill: parent
-            onRefused: test.refusals.push(reason)
-        }
-    }
-    Component { id: managerComponent; FakeManager {} }
-
-    function leaf(type, value, more) {
-        return Object.assign({
-            "var_type": type, "current_val": value, "permission": 1, "switch_index": "1",
-            "options": ["Strongest", "Last", "Dual"], "option_index": 1, "option_num": 3,
-            "set_cmd": "0x12", "edited": false, "hint": "0 to 100", "range_min": 0,
-            "range_max": 100, "page_description": "About the page"
-        }, more);
-    }
-
-    function init() {
-        refusals = [];
-        manager = managerComponent.createObject(test);
-        leaves = [leaf("uint16", "10", { "timer_update": true }), leaf("uint16", "20"),
-                  leaf("string", "fixed", { "permission": 0 }), leaf("uint16", "3"),
-                  leaf("uint8", "1"), leaf("uint8", "1"), leaf("uint8", "7"),
-                  leaf("raw", "", { "set_cmd": "0x22" })];
-        manager.myMap = [[leaves]];
-        manager.level2List = [[["Timed", 1, 0, 0, 0], ["Plain", 1, 0, 0, 1], ["Fixed", 0, 0, 0, 2],
-                               ["Switched", 2, 0, 0, 3], ["Choice", 3, 0, 0, 4],
-                               ["Tall", 5, 0, 0, 5], ["Unknown", 6, 0, 0, 6],
-                               ["Angles", 1, 0, 0, 7]]];
-        manager["FovList"] = ["0", "1", "2", "3", "4", "5", "6", "7", "8", "9"];
-        manager["heldAngles"] = manager["FovList"];
-        page = createTemporaryObject(pageComponent, test, { "manager": manager });
-        tryVerify(() => editor("fov_9") !== null);
-        manager.calls = [];
-    }
-
-    function editor(name) { return findChild(page, name); }
-
-    function put(index, key, value) {
-        leaves[index][key] = value;
-        manager.myMap = [[leaves]];
-    }
-
-    function type(name, text) {
-        editor(name).forceActiveFocus();
-        editor(name).selectAll();
-        for (const letter of text)
-            keyClick(letter);
-    }
 
     // The monitor in the room that the smallest window leaves it, and a setting beside it.
     function showMonitor() {
@@ -244,86 +180,5 @@ TestCase {
         keyClick(Qt.Key_Tab);
         compare(manager.calls, [["SetText", 1, 0, 0, 0, "42"]]);
         verify(page.hasEdits);
-    }
-
-    function test_save_has_its_guards_and_takes_what_is_still_being_typed() {
-        manager["IsConnected"] = false;
-        mouseClick(editor("saveButton"));
-        manager["IsConnected"] = true;
-        mouseClick(editor("saveButton"));
-        compare(refusals, ["Please connect to lidar first", "Nothing to be saved"]);
-        compare(manager.calls, []);
-        type("field_0_0_1", "42");
-        keyClick(Qt.Key_S, Qt.ControlModifier);
-        compare(manager.calls.map(call => call[0]),
-                ["SetText", "CheckModuleVarsWithinRange", "Run", "GetLidarModuleInfo"]);
-    }
-
-    function test_save_goes_to_what_cannot_be_saved_and_sends_nothing() {
-        for (const [index, text] of [[1, "12,5"], [0, "11"]]) {
-            put(index, "current_val", text);
-            put(index, "edited", true);
-        }
-        manager.myMapChanged();
-        editor("saveButton").forceActiveFocus();
-        keyClick(Qt.Key_Return);
-        verify(editor("field_0_0_1").activeFocus);
-        compare(editor("note_0_0_1").text, "A number from 0 to 100, point as decimal sign");
-        put(1, "edited", false);
-        manager.myMapChanged();
-        type("fov_3", "400");
-        keyClick(Qt.Key_S, Qt.ControlModifier);
-        verify(editor("fov_3").activeFocus);
-        verify(page.hasEdits);
-        compare(manager.calls.filter(call => call[0] !== "SetText"), []);
-        keyClick(Qt.Key_Escape);
-        compare(editor("fov_3").text, "3");
-    }
-
-    function test_a_reading_that_the_page_did_not_ask_for_takes_no_edit_back() {
-        put(1, "current_val", "42");
-        put(1, "edited", true);
-        manager.myMapChanged();
-        type("fov_7", "5");
-        keyClick(Qt.Key_Return);
-        manager.calls = [];
-        put(1, "current_val", "20");
-        put(1, "edited", false);
-        manager.GetLidarModuleInfo(0);
-        compare(manager.calls, [["GetLidarModuleInfo", 0], ["SetMultiFovConfig", 7, "5"],
-                                ["SetText", 1, 0, 0, 1, "42"]]);
-        verify(editor("fov_7").pending);
-        for (const text of ["6", "7"]) {
-            type("fov_7", text);
-            keyClick(Qt.Key_Return);
-            compare(manager["FovList"][7], text);
-        }
-        verify(!editor("fov_7").pending, "the angle that was there takes the edit back");
-    }
-
-    function test_what_the_user_edited_stays_an_edit_until_it_is_written_or_cancelled() {
-        const writing = [["Run", 0], ["GetLidarModuleInfo", 0]];
-        for (const held of ["", "200"]) {
-            manager["heldAngles"] = Array(10).fill(held);
-            manager.calls = [];
-            page.write();
-            compare(manager.calls, writing, "angles that nobody edited are no edits");
-        }
-        for (const [name, text] of [["field_0_0_1", "42"], ["fov_7", "5"], ["fov_8", "400"]]) {
-            type(name, text);
-            keyClick(Qt.Key_Return);
-        }
-        put(1, "current_val", "42");
-        put(1, "edited", true);
-        manager.calls = [];
-        page.write();
-        compare(manager.calls, writing.concat([["SetText", 1, 0, 0, 1, "42"],
-                                               ["SetMultiFovConfig", 7, "5"]]));
-        const shown = () => [7, 8].map(i => editor("fov_" + i)).map(it => [it.text, it.pending]);
-        compare(shown(), [["5", true], ["400", true]]);
-        manager.calls = [];
-        mouseClick(editor("cancelButton"));
-        compare(manager.calls, [["GetLidarModuleInfo", 0]]);
-        compare(shown(), [["200", false], ["200", false]]);
     }
 }
