@@ -1,6 +1,7 @@
 #include "pages/fov_table.h"
 
 #include <QString>
+#include <QStringList>
 #include <algorithm>
 
 #include "CmxClient/fov_command.h"
@@ -10,6 +11,15 @@ namespace {
 
 std::string TextOf(float degrees) {
   return QString::number(static_cast<double>(degrees), 'g', 6).toStdString();
+}
+
+/// Nothing for a text that is no number in [0, 360].
+std::optional<float> AngleOf(const QString& text) {
+  bool is_number = false;
+  const double degrees = text.toDouble(&is_number);
+  // Written so that "nan", which Qt takes for a number, fails as well.
+  const bool in_range = degrees >= 0.0 && degrees <= FovTable::kMaxDegrees;
+  return is_number && in_range ? std::optional(static_cast<float>(degrees)) : std::nullopt;
 }
 
 }  // namespace
@@ -28,16 +38,12 @@ FovTable::EditResult FovTable::Edit(int index, const std::string& text) {
   if (position >= kSize || variable_ == nullptr) {
     return EditResult::kIgnored;
   }
-  bool is_number = false;
-  const double degrees = QString::fromStdString(text).toDouble(&is_number);
-  // Written so that "nan", which Qt takes for a number, fails as well.
-  const bool in_range = degrees >= 0.0 && degrees <= kMaxDegrees;
-  if (!is_number || !in_range) {
+  const std::optional<float> angle = AngleOf(QString::fromStdString(text));
+  if (!angle) {
     return EditResult::kInvalid;
   }
-  const auto angle = static_cast<float>(degrees);
   const std::optional<Setting> held = Held();
-  if (held && TextOf(held->degrees[position]) == TextOf(angle)) {
+  if (held && TextOf(held->degrees[position]) == TextOf(*angle)) {
     edits_[position].reset();
   } else {
     edits_[position] = angle;
@@ -80,4 +86,29 @@ std::vector<std::string> FovTable::Texts() const {
     texts.push_back(degrees ? TextOf(*degrees) : "");
   }
   return texts;
+}
+
+std::string FovTexts(const FovTable::Degrees& degrees) {
+  std::string texts;
+  for (const float angle : degrees) {
+    texts += (texts.empty() ? "" : ", ") + TextOf(angle);
+  }
+  return texts;
+}
+
+bool ParseFovTexts(const std::string& text, FovTable::Degrees* degrees) {
+  const QStringList texts = QString::fromStdString(text).split(',');
+  FovTable::Degrees parsed{};
+  for (size_t i = 0; i < parsed.size(); ++i) {
+    const std::optional<float> angle = AngleOf(texts.value(static_cast<int>(i)));
+    if (!angle) {
+      return false;
+    }
+    parsed[i] = *angle;
+  }
+  if (static_cast<size_t>(texts.size()) != parsed.size()) {
+    return false;
+  }
+  *degrees = parsed;
+  return true;
 }

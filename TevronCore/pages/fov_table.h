@@ -54,3 +54,10 @@ class FovTable {
   const VarInfo* variable_ = nullptr;
   std::array<std::optional<float>, kSize> edits_;
 };
+
+/// The angles as one text, "0, 360, 0, 360, ..."; each as FovTable::Texts has it.
+std::string FovTexts(const FovTable::Degrees& degrees);
+
+/// Reads such a text; blanks are ignored. False, with nothing written, unless it has ten numbers in
+/// [0, 360].
+bool ParseFovTexts(const std::string& text, FovTable::Degrees* degrees);

@@ -86,6 +86,9 @@ class ConfigParser {
 
   const std::vector<const VarInfo*>& InTableOrder() const { return variables_; }
 
+  /// Whether it stands in the model's own table, not in one that was added.
+  bool IsOwn(const VarInfo& var) const { return var.table_position < table_->rows.size(); }
+
   /// Variables that this command writes, however its code is written: the fields of its payload.
   const std::vector<const VarInfo*>& WrittenBy(const std::string& set_cmd) const;
 

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <memory>
+#include <optional>
 #include <regex>
 #include <stdexcept>
 #include <vector>
@@ -27,10 +28,6 @@ bool IsWithin(const std::string& text, int32_t lowest, int32_t highest) {
 using Kind = InputProblem::Kind;
 
 bool HasRange(const InputRule& rule) { return rule.range_min != 0 || rule.range_max != 0; }
-
-std::string RangeText(const InputRule& rule) {
-  return std::to_string(rule.range_min) + " to " + std::to_string(rule.range_max);
-}
 
 // Why a text that is no number, or none that the type holds, has no bytes.
 InputProblem Refusal(const InputRule& rule, const std::string& text, const std::string& reason) {
@@ -102,6 +99,22 @@ bool IsMacText(const std::string& text) {
   return std::regex_match(text, pattern);
 }
 
+bool IsOutsideRange(const InputRule& rule, const std::string& text) {
+  const bool is_off = rule.is_switch && text == "0";
+  if (is_off || !HasRange(rule) || !rule.type->is_number()) {
+    return false;
+  }
+  if (!rule.type->is_exact) {
+    return !IsWithin(text, rule.range_min, rule.range_max);
+  }
+  const std::optional<double> number = SignedDecimal(text);
+  return !number || *number < rule.range_min || *number > rule.range_max;
+}
+
+std::string RangeText(const InputRule& rule) {
+  return std::to_string(rule.range_min) + " to " + std::to_string(rule.range_max);
+}
+
 bool TakesOnlyZero(const ValueType& type) {
   return type.kind == ValueKind::kInteger && !type.is_signed && type.size >= 4 && !type.is_exact;
 }
@@ -133,12 +146,6 @@ InputProblem FindInputProblem(const InputRule& rule, const std::string& text) {
     problem.kind = rule.type->is_number() ? Kind::kImpossible : Kind::kUnwanted;
     return problem;
   }
-  const bool is_off = rule.is_switch && text == "0";
-  const bool is_within = is_off || !HasRange(rule) ||
-                         (rule.type->is_exact ? *SignedDecimal(text) >= rule.range_min &&
-                                                    *SignedDecimal(text) <= rule.range_max
-                                              : IsWithin(text, rule.range_min, rule.range_max));
-  return is_within || !rule.type->is_number()
-             ? Rounding(rule, text, bytes)
-             : InputProblem{Kind::kUnwanted, "Outside " + RangeText(rule)};
+  return IsOutsideRange(rule, text) ? InputProblem{Kind::kUnwanted, "Outside " + RangeText(rule)}
+                                    : Rounding(rule, text, bytes);
 }

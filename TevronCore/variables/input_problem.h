@@ -36,6 +36,13 @@ struct InputProblem {
 /// input has no problem here.
 InputProblem FindInputProblem(const InputRule& rule, const std::string& text);
 
+/// Whether a number lies outside the rule's range, as the check of a page sees it; never without a
+/// range, of a switch that is off, or of a type that is no number.
+bool IsOutsideRange(const InputRule& rule, const std::string& text);
+
+/// The range for the user, as "5 to 500".
+std::string RangeText(const InputRule& rule);
+
 /// The ends of what the integer type `type` holds, times the coefficient, as "0 to 127.5".
 std::string TypeRange(const ValueType& type, float set_coefficient);
 

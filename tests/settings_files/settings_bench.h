@@ -1,0 +1,38 @@
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <string>
+
+#include "settings_files/settings_reading.h"
+#include "support/device_sender.h"
+#include "support/recorded_report.h"
+#include "support/table_fixture.h"
+#include "support/test_install.h"
+
+/// A lidar of a model that ships, and what work on its settings needs.
+class SettingsBench {
+ private:
+  const TestInstall install_;
+
+ public:
+  explicit SettingsBench(const std::string& name)
+      : model(LoadLidarModel("./Config/varID/" + name + ".csv")), device(name) {
+    state.connected = true;
+  }
+
+  SettingsLidar lidar() { return {device, *model, state, failures, report}; }
+  SettingsFile Read() {
+    const SettingsReading reading = ReadSettings(lidar());
+    EXPECT_EQ(reading.ended, "");
+    return reading.file;
+  }
+  const VarInfo& operator[](const std::string& name) const { return FindVar(*model->table, name); }
+
+  const std::shared_ptr<LidarModel> model;
+  DeviceSender device;
+  LinkState state;
+  ReadFailures failures;
+  RecordedReport report;
+};
