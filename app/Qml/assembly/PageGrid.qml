@@ -60,7 +60,7 @@ ScrollArea {
         return moved;
     }
 
-    contentHeight: layout.height + Theme.gapWide
+    contentHeight: layout.height > 0 ? layout.height + Theme.gapWide : 0
 
     PageLayout {
         id: layout
@@ -72,6 +72,12 @@ ScrollArea {
         current = null;
         contentY = 0;
         layout.start(rows.Shape());
+        // Rows at places that the page before had, too, are there already.
+        for (let i = 0; i < count; ++i) {
+            const slot = repeater.itemAt(i);
+            if (slot !== null && slot.item !== null)
+                layout.tell(i, slot.item.lineHeight);
+        }
     }
 
     Component.onCompleted: arrange()

@@ -47,8 +47,16 @@ QtObject {
              : shape[row].kind === kindTallChoice ? Theme.tallRowHeight : Theme.rowHeight;
     }
 
+    // Whether anything of the group that begins at this row is to be seen.
+    function isShown(row) {
+        let i = row;
+        while (lineHeight(i) === 0 && i + 1 < shape.length && !shape[i + 1].starts)
+            ++i;
+        return lineHeight(i) > 0;
+    }
+
     function headHeight(row, isFirst) {
-        if (!shape[row].starts)
+        if (!shape[row].starts || !isShown(row))
             return 0;
         return (isFirst ? 0 : Theme.gapWide) + (shape[row].captioned ? Theme.groupHeadHeight : 0);
     }
