@@ -47,7 +47,7 @@ FocusScope {
     function goToFirst() {
         search();
         if (found.count > 0)
-            grid.rowAt(0).forceActiveFocus(Qt.TabFocusReason);
+            grid.rowAt(0).takeKeyboard();
     }
 
     function scrollByKey(key) {

@@ -104,6 +104,11 @@ FocusScope {
             loader.item.commit();
     }
 
+    // Takes the keyboard, to the caption where no editor would have it.
+    function takeKeyboard() {
+        (captionText.takesKeyboard ? captionText : loader).forceActiveFocus(Qt.ShortcutFocusReason);
+    }
+
     // Takes the keyboard to what has to be corrected.
     function goToFault() {
         forceActiveFocus();
@@ -137,7 +142,7 @@ FocusScope {
             visible: !row.isPanel
             width: Theme.captionWidth
             row: row
-            takesKeyboard: loader.item === null
+            takesKeyboard: loader.item === null || !loader.enabled
         }
 
         Loader {
@@ -152,7 +157,7 @@ FocusScope {
             width: row.isPanel ? parent.width
                  : isLong ? Math.min(parent.width - x, 2 * Theme.rowFieldWidth) : Theme.rowFieldWidth
             focus: true
-            enabled: !row.locked
+            enabled: !row.locked || !row.editable
         }
 
         PlainText {

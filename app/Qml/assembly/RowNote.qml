@@ -76,5 +76,10 @@ Item {
         label: qsTr("Take the edit of %1 back").arg(note.row.caption)
         hint: qsTr("Back to %1").arg(note.row.label(note.before))
         onClicked: note.row.undo()
+        // With the edit it goes, also after a Save, and leaves the keyboard to the value.
+        onVisibleChanged: {
+            if (!visible && note.row.activeFocus && note.editor && !note.editor.activeFocus)
+                note.editor.forceActiveFocus(Qt.TabFocusReason);
+        }
     }
 }

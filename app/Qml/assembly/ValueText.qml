@@ -50,10 +50,12 @@ FocusScope {
                 event.accepted = true;
             }
         }
+    }
 
-        FocusRing {
-            anchors.margins: -Theme.gapTiny
-            shown: value.activeFocus
-        }
+    // Beside the text, which cuts off what does not fit.
+    FocusRing {
+        anchors.fill: value
+        anchors.margins: -Theme.gapTiny
+        shown: value.activeFocus
     }
 }

@@ -40,7 +40,13 @@ T.Dialog {
     closePolicy: T.Popup.CloseOnEscape
     font: Theme.bodyFont
 
-    onOpened: (guarded ? rejectButton : acceptButton).forceActiveFocus(Qt.TabFocusReason)
+    // The button may have kept the keyboard since the box was open before: the mark is to be seen
+    // either way.
+    onOpened: {
+        const button = guarded ? rejectButton : acceptButton;
+        button.forceActiveFocus(Qt.TabFocusReason);
+        button.focusReason = Qt.TabFocusReason;
+    }
 
     T.Overlay.modal: Rectangle { color: Theme.dimmingColor }
 
