@@ -1,14 +1,24 @@
 #include "variables/config_parser.h"
 
+#include <cmath>
 #include <iostream>
 #include <utility>
 
 #include "variables/command_code.h"
+#include "variables/number_text.h"
 
 namespace {
 
 void Report(const std::string& text) {
   std::cout << "ConfigParser::GetVarPosOffset" << text << std::endl;
+}
+
+// Texts of one number, however it is written. Where a double cannot tell neighbours apart, only the
+// texts themselves count.
+bool IsSameNumber(const std::string& one, const std::string& other) {
+  constexpr double kExactBelow = 9007199254740992.0;
+  const std::optional<double> number = SignedDecimal(one);
+  return number && std::fabs(*number) < kExactBelow && number == SignedDecimal(other);
 }
 
 }  // namespace
@@ -259,7 +269,8 @@ void ConfigParser::StoreWritten(const VarInfo& var, const std::string& text,
 bool ConfigParser::IsReading(const VarInfo& var, const std::string& text) const {
   const std::lock_guard lock(values_mutex_);
   const Live* live = live_[var.table_position].get();
-  return live != nullptr && live->state != ValueState::kNotRead && live->reading == text;
+  return live != nullptr && live->state != ValueState::kNotRead &&
+         (live->reading == text || IsSameNumber(live->reading, text));
 }
 
 void ConfigParser::Edit(const VarInfo& var, std::string text) {

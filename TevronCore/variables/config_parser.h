@@ -123,8 +123,8 @@ class ConfigParser {
   /// Takes over what the lidar accepted: the reading from now on. An edit of the same text ends.
   void StoreWritten(const VarInfo& var, const std::string& text, std::vector<uint8_t> bytes);
 
-  /// Whether the lidar told or accepted exactly this text, so that an edit to it would change
-  /// nothing.
+  /// Whether the lidar told or accepted this text, or the same number in another text ("12.5" for
+  /// "12.50"), so that an edit to it would change nothing.
   bool IsReading(const VarInfo& var, const std::string& text) const;
 
   /// Shows the user's text until DropEdits.

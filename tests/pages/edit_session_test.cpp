@@ -50,7 +50,9 @@ TEST_F(EditSessionTest, TheTextThatTheLidarHoldsIsNoEdit) {
   fixture_.table.StoreReading(fixture_["Limit"], "7", {7});
   EXPECT_EQ(fixture_.table.ValueOf(fixture_["Limit"]).reading, "7");
   Set(EditSession::kTextInput, "Filter", "9");
-  Set(EditSession::kTextInput, "Limit", "7");
+  Set(EditSession::kTextInput, "Limit", "7.5");
+  EXPECT_TRUE(fixture_.table.ValueOf(fixture_["Limit"]).edited);
+  Set(EditSession::kTextInput, "Limit", "7.0");
   EXPECT_FALSE(fixture_.table.ValueOf(fixture_["Limit"]).edited);
   EXPECT_EQ((PendingCommands{"0x31"}), session_.pending()) << "Filter is still edited";
   session_.DropEdits({&fixture_["Filter"]});
