@@ -37,12 +37,12 @@ const byMessage = [
     ["Nothing to be saved",
      qsTr("Change a value on this page first. Edited values are marked.")],
     ["Set Failed",
-     qsTr("What the lidar did not take is still marked as edited. The log names the command that "
-          + "failed.")],
+     qsTr("What the lidar did not confirm is still marked as edited. The log names the command "
+          + "that failed.")],
     ["Parsing failed",
      qsTr("Write the command as one or two hexadecimal digits, the payload as such pairs.")],
     ["Input value of fov",
-     qsTr("Enter degrees as a plain number, such as 12.5.")],
+     qsTr("Enter degrees from 0 to 360 as a plain number, such as 12.5.")],
     ["check your config file",
      qsTr("Correct the row of the model's table in Config/varID that holds this value.")],
     ["No variables could be loaded",

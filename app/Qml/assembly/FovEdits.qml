@@ -25,8 +25,8 @@ Item {
     signal cancelled()
 
     function problemWith(text) {
-        const value = Number(text);
-        return text.trim().length > 0 && value >= 0 && value <= 360 ? ""
+        const isPlain = /^\s*[+-]?(\d+\.?\d*|\.\d+)(e[+-]?\d+)?\s*$/i.test(text);
+        return isPlain && Number(text) >= 0 && Number(text) <= 360 ? ""
              : text.indexOf(",") >= 0 ? qsTr("0 to 360, point as decimal sign") : qsTr("0 to 360 degrees");
     }
 

@@ -43,6 +43,7 @@ FocusScope {
     // Does `reading`, after which no edit is left.
     function release(reading) {
         edits.release(reading);
+        saveBar.tell("", true);
         body.written = {};
         takeValues();
     }

@@ -21,7 +21,7 @@ function of(rows, time) {
         [read, qsTr("%1 written and read back, %2")],
         [taken.filter(row => row.leaf.state === "written"), qsTr("%1 written, not read back")],
         [taken.filter(row => row.leaf.state === "differs"), qsTr("the lidar holds another value of %1")],
-        [rows.filter(row => !row.taken), qsTr("%1 not written")]
+        [rows.filter(row => !row.taken), qsTr("not confirmed by the lidar: %1")]
     ].filter(([some]) => some.length > 0).map(([some, text]) => text.arg(names(some)).replace("%2", time));
     if (taken.some(row => Number(row.leaf.set_cmd) === 0x21))
         parts.push(qsTr("network settings may need a restart of the lidar"));
