@@ -178,9 +178,9 @@ FocusScope {
 
             anchors.left: row.isTall ? loader.left : unitText.right
             anchors.leftMargin: row.isTall ? 0 : Theme.gap
-            anchors.right: parent.right
+            anchors.right: row.isTall ? loader.right : parent.right
             y: row.isTall ? loader.y + loader.height : loader.y
-            height: loader.height
+            height: row.isTall ? row.lineHeight - y - Theme.gap : loader.height
             visible: !row.isPanel
             row: row
             editor: loader.item

@@ -4,7 +4,7 @@ import "../theme"
 
 // The note at the end of a row: what is wrong with its text, else what would be stored in its place,
 // else what it was before the edit, else what has to be said about the value, else what it has to look
-// like.
+// like. Where two lines are not enough, the whole of it is in the tooltip.
 //
 // editor  the row's editor, which may have a `verdict` on its text (see InputRules) and may hold one
 //         that is only `typed`
@@ -18,6 +18,8 @@ Item {
     readonly property bool isWrong: verdict.text !== undefined && verdict.text !== "" && !verdict.rounded
     readonly property string before: row.pending ? row.leaf.reading || ""
                                    : row.unread ? "" : row.leaf.current_val || ""
+    // A choice that has the room names what there is to choose from.
+    readonly property string form: row.isTall ? (row.leaf.options || []).join(" · ") : row.leaf.hint || ""
     readonly property alias text: words.text
 
     readonly property string news: {
@@ -29,9 +31,10 @@ Item {
         case "written":
             return qsTr("written, not read back");
         case "differs":
-            return (row.stale ? qsTr("wanted %1, at %3 the lidar held %2")
-                              : qsTr("wanted %1, lidar holds %2"))
-                   .arg(row.label(leaf.wanted)).arg(row.label(leaf.current_val)).arg(leaf.read_at);
+            return row.stale ? qsTr("wanted %1, at %3 the lidar held %2").arg(row.label(leaf.wanted))
+                               .arg(row.label(leaf.current_val)).arg(leaf.read_at)
+                             : qsTr("wanted %1, lidar holds %2").arg(row.label(leaf.wanted))
+                               .arg(row.label(leaf.current_val));
         default:
             return row.stale ? (leaf.read_at ? qsTr("read at %1").arg(leaf.read_at) : "")
                  : row.writtenAt.length > 0 ? qsTr("written, read back %1").arg(row.writtenAt) : "";
@@ -46,18 +49,20 @@ Item {
         width: Math.min(implicitWidth, note.width - (undo.visible ? undo.width + Theme.gapTiny : 0))
         text: note.verdict.text ? note.verdict.text
             : note.pending && note.before !== "" ? qsTr("was %1").arg(note.row.label(note.before))
-            : note.pending ? note.row.leaf.hint || "" : note.news || note.row.leaf.hint || ""
+            : note.pending ? note.form : note.news || note.form
         font: Theme.captionFont
         color: note.isWrong ? Theme.errorColor
              : note.pending || note.row.worth === "differs" ? Theme.pendingColor
              : note.row.writtenAt.length > 0 && !note.row.stale ? Theme.successColor
              : Theme.quietTextColor
+        wrapMode: Text.Wrap
+        maximumLineCount: 2
         elide: Text.ElideRight
         Accessible.ignored: true
 
         HoverHandler { id: hover }
         DefaultToolTip {
-            wanted: hover.hovered && words.truncated
+            wanted: words.truncated && (hover.hovered || note.row.activeFocus)
             text: words.text
         }
     }

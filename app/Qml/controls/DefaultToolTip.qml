@@ -15,7 +15,8 @@ T.ToolTip {
     property bool dismissed: false
     readonly property Item scene: parent ? parent.Window.contentItem : null
 
-    onWantedChanged: if (wanted) dismissed = false
+    // One that is about to show cannot be kept back any more, but its control may have moved.
+    onWantedChanged: if (wanted) place()
     onAboutToShow: place()
 
     function isControl(item) {
@@ -32,23 +33,23 @@ T.ToolTip {
                     && at.y < area.y + area.height && area.y < at.y + item.height)
                 return true;
         }
-        for (const child of item.children) {
-            if (covers(child, area))
-                return true;
-        }
-        return false;
+        return Array.from(item.children).some(child => covers(child, area));
     }
 
     function place() {
         const at = parent.mapToItem(scene, 0, 0);
-        const left = Math.max(margins, Math.min(at.x, scene.width - implicitWidth - margins));
+        const rightmost = scene.width - implicitWidth - margins;
+        const left = Math.max(margins, Math.min(at.x, rightmost));
+        const right = Math.max(margins, Math.min(at.x + parent.width - implicitWidth, rightmost));
+        const below = at.y + parent.height + Theme.gapTiny;
+        const above = at.y - implicitHeight - Theme.gapTiny;
         const middle = at.y + (parent.height - implicitHeight) / 2;
-        const places = [[left, at.y + parent.height + Theme.gapTiny],
-                        [left, at.y - implicitHeight - Theme.gapTiny],
+        const places = [[left, below], [right, below], [left, above], [right, above],
                         [at.x + parent.width + Theme.gapTiny, middle],
                         [at.x - implicitWidth - Theme.gapTiny, middle]];
-        const free = places.find(([x, y]) => x >= 0 && y >= 0 && x + implicitWidth <= scene.width
-            && y + implicitHeight <= scene.height
+        const free = places.find(([x, y]) => x >= margins && y >= margins
+            && x + implicitWidth <= scene.width - margins
+            && y + implicitHeight <= scene.height - margins
             && !covers(scene, Qt.rect(x, y, implicitWidth, implicitHeight)));
         dismissed = free === undefined;
         if (free !== undefined) {
@@ -73,6 +74,8 @@ T.ToolTip {
     }
 
     contentItem: PlainText {
+        // Known before it is shown, so that its place suits all its lines.
+        width: Math.min(implicitWidth, Theme.toolTipWidth)
         text: tip.text
         font: tip.font
         wrapMode: Text.Wrap
