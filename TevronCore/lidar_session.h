@@ -164,7 +164,8 @@ class LidarSession {
   void NoteLoss(const std::string& reason);
   void Disconnect();
   void End();
-  std::optional<std::chrono::system_clock::time_point> NewestInView() const;
+  /// The variables of the page in view that a lidar is asked for.
+  std::vector<const VarInfo*> ReadInView() const;
   std::string Identity(const char* name, const std::string& asked) const;
 
   const SetUp set_up_;

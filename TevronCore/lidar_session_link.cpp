@@ -5,6 +5,19 @@
 
 #include "lidar_session.h"
 
+namespace {
+
+std::optional<std::chrono::system_clock::time_point> NewestOf(
+    const std::vector<ConfigParser::Value>& values) {
+  std::optional<std::chrono::system_clock::time_point> newest;
+  for (const ConfigParser::Value& value : values) {
+    newest = std::max(newest, value.read_at);
+  }
+  return newest;
+}
+
+}  // namespace
+
 LinkSnapshot LidarSession::LinkNow() const {
   const auto known = [](const std::string& text) { return text == kUnread ? "" : text; };
   LinkSnapshot now;
@@ -24,21 +37,25 @@ LinkSnapshot LidarSession::LinkNow() const {
     now.part_number = known(PartNumber());
     now.serial_number = known(SerialNumber());
     now.version = RunningVersion();
-    now.read_at = model_->connect_type == kNetworkLink ? NewestInView() : facts_read_at_;
+    now.read_at = facts_read_at_;
+    if (model_->connect_type == kNetworkLink) {
+      const std::vector<const VarInfo*> vars = ReadInView();
+      now.reads_view = !vars.empty();
+      now.read_at = NewestOf(model_->table->ValuesOf(vars));
+    }
   }
   return now;
 }
 
-std::optional<std::chrono::system_clock::time_point> LidarSession::NewestInView() const {
-  std::optional<std::chrono::system_clock::time_point> newest;
+std::vector<const VarInfo*> LidarSession::ReadInView() const {
   if (page_in_view_ < 0 || page_in_view_ >= model_->pages.page_count()) {
-    return newest;
+    return {};
   }
-  const auto vars = model_->pages.VariablesOf(page_in_view_);
-  for (const ConfigParser::Value& value : model_->table->ValuesOf(vars)) {
-    newest = std::max(newest, value.read_at);
-  }
-  return newest;
+  std::vector<const VarInfo*> vars = model_->pages.VariablesOf(page_in_view_);
+  vars.erase(std::remove_if(vars.begin(), vars.end(),
+                            [](const VarInfo* var) { return var->read == nullptr; }),
+             vars.end());
+  return vars;
 }
 
 std::string LidarSession::RunningVersion() const {

@@ -4,6 +4,8 @@
 #include <QStringList>
 #include <QVariantList>
 #include <QVariantMap>
+#include <algorithm>
+#include <cstdint>
 #include <stdexcept>
 
 #include "CmxClient/device_commands.h"
@@ -30,14 +32,19 @@ QString Described(const QString& verb, const Pages& pages) {
   return verb + ' ' + parts.join("; ");
 }
 
-void Note(const QVariantMap& leaf, const char* key, QMap<uint8_t, Pages>* commands) {
-  const std::string command = leaf[key].toString().toStdString();
-  // Long commands share one code and stand at the head of the payload.
-  if (command.empty() || command.size() >= kLongCommandTextLength) {
+QByteArray KeyOf(uint8_t code) { return QByteArray(1, static_cast<char>(code)); }
+
+void Note(const QVariantMap& leaf, const char* column, QMap<QByteArray, Pages>* commands) {
+  const std::string command = leaf[column].toString().toStdString();
+  if (command.empty()) {
     return;
   }
   try {
-    QStringList& names = (*commands)[WireCommandOf(command).code][leaf["page"].toString()];
+    const WireCommand wire = WireCommandOf(command);
+    const QByteArray key =
+        KeyOf(wire.code) + QByteArray(reinterpret_cast<const char*>(wire.payload.data()),
+                                      static_cast<int>(wire.payload.size()));
+    QStringList& names = (*commands)[key][leaf["page"].toString()];
     if (const QString name = leaf["var_name"].toString(); !names.contains(name)) {
       names += name;
     }
@@ -94,15 +101,25 @@ void CommandNames::SetManager(QObject* manager) {
   Read();
 }
 
-QString CommandNames::Of(const QString& command) const {
+QString CommandNames::Of(const QString& command, const QString& payload) const {
   bool is_number = false;
-  const uint number = command.trimmed().toUInt(&is_number, 16);
-  return is_number ? names_.value(static_cast<uint8_t>(number)) : QString();
+  QByteArray key = KeyOf(static_cast<uint8_t>(command.trimmed().toUInt(&is_number, 16)));
+  if (!is_number) {
+    return {};
+  }
+  for (const QString& number : payload.split(' ', Qt::SkipEmptyParts)) {
+    key += static_cast<char>(number.toUInt(nullptr, 16));
+  }
+  // A long command may begin like another one.
+  for (key.truncate(longest_); key.size() > 1 && !names_.contains(key);) {
+    key.chop(1);
+  }
+  return names_.value(key);
 }
 
 void CommandNames::Read() {
-  QMap<uint8_t, Pages> reads;
-  QMap<uint8_t, Pages> writes;
+  QMap<QByteArray, Pages> reads;
+  QMap<QByteArray, Pages> writes;
   const QVariantList pages =
       manager_ == nullptr ? QVariantList() : manager_->property("myMap").toList();
   for (const QVariant& page : pages) {
@@ -125,7 +142,11 @@ void CommandNames::Read() {
     built_in.insert(BuiltInOfSerial());
   }
   for (auto command = built_in.begin(); command != built_in.end(); ++command) {
-    names_[command.key()] = *command;
+    names_[KeyOf(command.key())] = *command;
+  }
+  longest_ = 1;
+  for (auto name = names_.keyBegin(); name != names_.keyEnd(); ++name) {
+    longest_ = std::max(longest_, name->size());
   }
   emit changed();
 }

@@ -1,10 +1,10 @@
 #pragma once
 
+#include <QByteArray>
 #include <QHash>
 #include <QObject>
 #include <QPointer>
 #include <QString>
-#include <cstdint>
 
 /// What the command codes of the chosen model do: what they read or write by the model's table, and
 /// those that every lidar knows. GUI thread only.
@@ -19,9 +19,10 @@ class CommandNames : public QObject {
   QObject* manager() const { return manager_; }
   void SetManager(QObject* manager);
 
-  /// What the command, a hexadecimal text as typed, does: a few words, shortened where it is about
-  /// many variables. Empty for a code that nothing is known of.
-  Q_INVOKABLE QString Of(const QString& command) const;
+  /// What the command and the payload, hexadecimal texts as typed, do: a few words, shortened where
+  /// that is about many variables. Of the payload only the head counts, which names a long command.
+  /// Empty for a code that nothing is known of.
+  Q_INVOKABLE QString Of(const QString& command, const QString& payload) const;
 
  signals:
   void changed();
@@ -31,5 +32,7 @@ class CommandNames : public QObject {
 
  private:
   QPointer<QObject> manager_;
-  QHash<uint8_t, QString> names_;
+  /// By the code and, of a long command, the bytes at the head of the payload.
+  QHash<QByteArray, QString> names_;
+  int longest_ = 1;  ///< of those keys
 };

@@ -36,6 +36,8 @@ class LinkWatch : public QObject {
   Q_PROPERTY(QString version READ version NOTIFY changed)
   /// How it is reached, or was last.
   Q_PROPERTY(QString place READ place NOTIFY changed)
+  /// There are values in view that are read from the lidar.
+  Q_PROPERTY(bool readsView READ reads_view NOTIFY changed)
   /// The local time of the newest value in view; empty without one.
   Q_PROPERTY(QString readAt READ read_at NOTIFY changed)
 
@@ -55,6 +57,7 @@ class LinkWatch : public QObject {
   QString serial_number() const { return QString::fromStdString(now_.serial_number); }
   QString version() const { return QString::fromStdString(now_.version); }
   QString place() const { return QString::fromStdString(now_.place); }
+  bool reads_view() const { return now_.reads_view; }
   QString read_at() const;
 
   /// The connected lidar restarts: connects again when it is back.

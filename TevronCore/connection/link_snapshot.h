@@ -29,5 +29,6 @@ struct LinkSnapshot {
   std::string part_number;
   std::string serial_number;
   std::string version;
+  bool reads_view = true;  ///< there are values in view that are read from the lidar
   std::optional<std::chrono::system_clock::time_point> read_at;  ///< the newest value in view
 };

@@ -62,6 +62,9 @@ TEST_F(ScreensTest, ConnectsByAClickAndShowsTheLidarsValues) {
   EXPECT_EQ(screen_.Text("identityVersion"), lidar_.Held("SWVER_YMD"));
   EXPECT_EQ(screen_.Text("identityPlace"), QString("127.0.0.1, port %1").arg(lidar_.port()));
   EXPECT_TRUE(screen_.Text("identityReadAt").endsWith(" · every 3 s"));
+  screen_.Click("tab9");
+  EXPECT_EQ(screen_.Find("identityReadAt"), nullptr) << "nothing is read for the Upgrade page";
+  EXPECT_EQ(screen_.Text("identitySn"), lidar_.Held("SN"));
 
   screen_.Click("connectButton");
   EXPECT_FALSE(screen_.connected());
@@ -238,6 +241,15 @@ TEST_F(ScreensTest, SendsCommandsByHandAndRecallsThem) {
   screen_.Key(Qt::Key_F12);
   screen_.Click("consoleStrip");
   EXPECT_EQ(screen_.Find("logLine"), nullptr);
+  const auto border = [&] { return screen_.Value("consoleBorder", "x").toReal(); };
+  const qreal dragged = border();
+  screen_.Find("consoleBorder")->forceActiveFocus(Qt::TabFocusReason);
+  screen_.Key(Qt::Key_Home);
+  ASSERT_TRUE(WaitFor([&] { return border() < dragged - 50; }));
+  const qreal leftmost = border();
+  screen_.Key(Qt::Key_Left);
+  screen_.Key(Qt::Key_Right);
+  ASSERT_TRUE(WaitFor([&] { return border() > leftmost; })) << "no way back is lost at the end";
   screen_.Click("bytesFlowSwitch");
   screen_.TypeInto("consoleCommand", "0x11");
   EXPECT_TRUE(screen_.Text("consoleNote").startsWith("0x11 reads Scan: Spin Rate, "));
@@ -246,6 +258,12 @@ TEST_F(ScreensTest, SendsCommandsByHandAndRecallsThem) {
   EXPECT_TRUE(screen_.Text("replyPayload").startsWith("02 58 "));  // 600 rpm
   EXPECT_TRUE(screen_.Text("consoleVerdict").startsWith("0x11 answered, "));
   EXPECT_TRUE(WaitFor([&] { return screen_.LogText().contains("[BYTESFLOW] RECV: 47 74 11"); }));
+
+  screen_.TypeInto("consoleCommand", "ff");
+  screen_.TypeInto("consolePayload", "5a 01 02 00");
+  EXPECT_TRUE(screen_.Text("consoleNote").startsWith("0xFF writes Diagnostics: Interference Fil"));
+  screen_.TypeInto("consolePayload", "5b 01");
+  EXPECT_TRUE(screen_.Text("consoleNote").startsWith("0xFF a long command, "));
 
   screen_.TypeInto("consoleCommand", "99");
   screen_.TypeInto("consolePayload", "01 02");

@@ -6,7 +6,7 @@ import "../theme"
 
 // The command and the payload of the console, and below them what is known of the command.
 //
-// nameOf(command)                   a function that says what a command does, or nothing
+// nameOf(command, payload)          a function that says what a command does, or nothing
 // sendWanted(), keepWanted()        Enter or the button; the user wants the command as a favourite
 // recallWanted(step)                Up and Down: 1 is the next older command
 ColumnLayout {
@@ -14,10 +14,10 @@ ColumnLayout {
 
     property alias command: commandField.text
     property alias payload: payloadField.text
-    property var nameOf: command => ""
+    property var nameOf: (command, payload) => ""
     readonly property string problem: command === "" ? ""
         : ConsoleWords.CommandProblem(command) || ConsoleWords.PayloadProblem(payload)
-    readonly property string name: nameOf(command)
+    readonly property string name: nameOf(command, payload)
 
     signal sendWanted()
     signal keepWanted()

@@ -45,6 +45,7 @@ RowLayout {
 
     PlainText {
         objectName: "identityReadAt"
+        visible: bar.watch.readsView
         text: bar.watch.readAt === "" ? qsTr("not read yet")
             : bar.paced ? qsTr("read %1 · every 3 s").arg(bar.watch.readAt)
                         : qsTr("read %1").arg(bar.watch.readAt)

@@ -73,7 +73,12 @@ FocusScope {
         anchors.top: parent.top
         anchors.bottom: bottomLine.top
         orientation: Qt.Vertical
-        handle: SplitHandle {}
+        handle: SplitHandle {
+            objectName: "logBorder"
+            pane: logWindow
+            label: qsTr("Border of the log")
+            onSized: kept.logHeight = size
+        }
         onResizingChanged: if (!resizing) kept.logHeight = logWindow.height
 
         Item {
@@ -90,7 +95,12 @@ FocusScope {
                 anchors.top: parent.top
                 anchors.bottom: parent.bottom
                 orientation: Qt.Horizontal
-                handle: SplitHandle {}
+                handle: SplitHandle {
+                    objectName: "consoleBorder"
+                    pane: consoleWidget
+                    label: qsTr("Border of the console")
+                    onSized: kept.consoleWidth = size
+                }
                 onResizingChanged: if (!resizing) kept.consoleWidth = consoleWidget.width
 
                 FocusScope {
