@@ -18,9 +18,6 @@ constexpr char kGroupRead[] = "TevronManager::GetInfoFromLidarWithSameCmd";
 constexpr int kMaxUnansweredInARow = 2;
 constexpr char kSilence[] = "";  // no read command has this key
 
-/// A refusal by the authentication gate says nothing about the next, perhaps unprotected, command.
-bool IsSilence(int32_t error) { return error < 0 && error != kavel::lidar::kAuthRefused; }
-
 /// The names of a group, as many as fit a line.
 std::string NamesOf(const ReadGroup& group) {
   constexpr size_t kShown = 8;

@@ -19,6 +19,10 @@ using ReadGroup = std::vector<const VarInfo*>;
 /// that cannot be read stand in no group, and none stands twice in one.
 std::map<std::string, ReadGroup> GroupByReadCommand(const std::vector<const VarInfo*>& vars);
 
+/// Whether an exchange that failed so found no usable answer. A refusal by the authentication gate
+/// is not that: it says nothing about the next, perhaps unprotected, command.
+inline bool IsSilence(int32_t error) { return error < 0 && error != kavel::lidar::kAuthRefused; }
+
 /// What became of one read command.
 enum class ReadOutcome {
   kRead,      ///< answered; the values were taken as far as the reply held them

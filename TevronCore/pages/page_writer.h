@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "CmxClient/command_sender.h"
+#include "pages/command_writer.h"
 #include "pages/edit_session.h"
 #include "pages/fov_table.h"
 #include "pages/page_reader.h"
@@ -48,7 +49,9 @@ class PageWriter {
 
   /// The network settings that Run sent were taken: where the lidar is reached after its restart.
   /// The port is "" where the table has none among them.
-  const std::optional<NetworkPlace>& next_place() const { return next_place_; }
+  std::optional<NetworkPlace> next_place() const {
+    return writer_ ? writer_->next_place() : std::nullopt;
+  }
 
  private:
   bool MayWrite();
@@ -58,19 +61,17 @@ class PageWriter {
   void SendAll();
   void SendFov(const std::string& set_cmd);
   void Send(const std::string& set_cmd);
-  void TakeAnswer(int32_t error);
   void Fail(const std::string& set_cmd, const std::string& reason);
   void ReportFailure(const std::string& reason);
-  void NameNextAddress(const std::string& set_cmd);
+  std::string ChangedNames(const std::string& set_cmd) const;
 
   const Parts parts_;
   PayloadBuilder builder_;
+  std::optional<CommandWriter> writer_;  ///< once something may be written
   std::vector<std::string> send_list_;
   std::vector<const VarInfo*> to_read_;
   Unread unread_;
   std::vector<std::string> applied_;
-  std::optional<NetworkPlace> next_place_;
-  bool lidar_answered_ = false;  ///< the last exchange reached it
   // What a failure report names: the command in hand, and whether any was issued.
   std::string command_;
   std::string names_;

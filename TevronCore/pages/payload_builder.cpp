@@ -3,6 +3,7 @@
 #include <QDebug>
 #include <memory>
 #include <stdexcept>
+#include <utility>
 
 #include "variables/command_code.h"
 #include "variables/str_parser.h"
@@ -50,9 +51,13 @@ void PayloadBuilder::Gather(const std::string& set_cmd) {
       throw std::runtime_error("Error with var type");
     }
     if (set_only || value.edited) {
-      converted_[var] = Convert(*var, value.text);
+      fields_[var] = {value.text, Convert(*var, value.text), value.edited};
     }
   }
+}
+
+void PayloadBuilder::Put(const VarInfo& var, std::string text, std::vector<uint8_t> bytes) {
+  fields_[&var] = {std::move(text), std::move(bytes), true};
 }
 
 SetCommand PayloadBuilder::Build(const std::string& set_cmd) const {
@@ -61,7 +66,7 @@ SetCommand PayloadBuilder::Build(const std::string& set_cmd) const {
   WireCommand wire = is_long && !vars.empty()
                          ? WireCommandOf(set_cmd, vars.front()->write->fixed_payload)
                          : WireCommandOf(set_cmd);
-  SetCommand command{wire.code, std::move(wire.payload), ChangedNames(set_cmd), {}};
+  SetCommand command{wire.code, std::move(wire.payload), {}, {}};
   for (const VarInfo* var : vars) {
     const std::vector<uint8_t> bytes = BytesOf(*var);
     // What is alone and can only be set is a trigger, which carries nothing.
@@ -72,28 +77,19 @@ SetCommand PayloadBuilder::Build(const std::string& set_cmd) const {
                                std::to_string(var->offset) + ".");
     }
     Append(bytes, &command.payload);
-    ConfigParser::Value value = table_.ValueOf(*var);
-    if (value.edited) {
-      command.changes.push_back({var, std::move(value.text), bytes});
+    const auto field = fields_.find(var);
+    if (field != fields_.end() && field->second.is_change) {
+      command.changes.push_back({var, field->second.text, bytes});
+      command.names += var->var_name + ", ";
     }
   }
   return command;
 }
 
-std::string PayloadBuilder::ChangedNames(const std::string& set_cmd) const {
-  std::string names;
-  for (const VarInfo* var : table_.WrittenBy(set_cmd)) {
-    if (table_.ValueOf(*var).edited) {
-      names += var->var_name + ", ";
-    }
-  }
-  return names;
-}
-
 std::vector<uint8_t> PayloadBuilder::BytesOf(const VarInfo& var) const {
-  const auto converted = converted_.find(&var);
-  if (converted != converted_.end()) {
-    return converted->second;
+  const auto field = fields_.find(&var);
+  if (field != fields_.end()) {
+    return field->second.bytes;
   }
   ConfigParser::Value value = table_.ValueOf(var);
   if (!value.has_bytes) {

@@ -37,15 +37,12 @@ std::vector<ReadGroup> InOrder(const std::vector<const VarInfo*>& vars) {
 /// Why no further command is sent; "" when one may be.
 std::string WhyNoMore(const SettingsLidar& lidar, const WorkWatch& watch, bool is_silent,
                       ManyRead* read) {
-  if (IsStopped(watch)) {
-    return "it was stopped";
+  std::string obstacle = WhyNotNow(lidar, watch, &read->lost);
+  if (obstacle.empty() && is_silent) {
+    read->lost = true;
+    return "the lidar is silent";
   }
-  const char* const obstacle = lidar.state.Obstacle(&lidar.sender);
-  read->lost = !lidar.sender.IsOpen() || !lidar.state.connected || is_silent;
-  if (obstacle != nullptr) {
-    return read->lost ? "the lidar is not connected" : obstacle;
-  }
-  return is_silent ? "the lidar is silent" : "";
+  return obstacle;
 }
 
 void TakeValue(const ConfigParser& table, const VarInfo& var, SavedValue* saved) {

@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <functional>
+#include <string>
 
 #include "CmxClient/command_sender.h"
 #include "pages/read_failures.h"
@@ -31,4 +32,16 @@ inline void TellProgress(const WorkWatch& watch, size_t done, size_t all) {
   if (watch.progress) {
     watch.progress(done, all);
   }
+}
+
+/// Why no command may be sent now: somebody stopped the work, the link is lost (then with *lost),
+/// or something else has the lidar. "" when one may.
+inline std::string WhyNotNow(const SettingsLidar& lidar, const WorkWatch& watch, bool* lost) {
+  if (IsStopped(watch)) {
+    return "it was stopped";
+  }
+  *lost = !lidar.sender.IsOpen() || !lidar.state.connected;
+  const char* const obstacle =
+      *lost ? "the lidar is not connected" : lidar.state.Obstacle(&lidar.sender);
+  return obstacle == nullptr ? "" : obstacle;
 }
