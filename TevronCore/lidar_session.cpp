@@ -121,7 +121,7 @@ void LidarSession::Adopt(std::shared_ptr<Connection> connection) {
   read_failures_.Clear();
   is_silent_ = false;
   loss_.reset();
-  next_place_.reset();
+  next_address_.clear();
   if (model_->connect_type == kNetworkLink) {
     refresh_ = std::make_unique<PageRefresh>(
         connection_->sender(), state_, read_failures_, ReportOfNow(),
@@ -193,9 +193,9 @@ void LidarSession::NoteLoss(const std::string& reason) {
   loss_ = {reason, std::chrono::system_clock::now()};
 }
 
-void LidarSession::NoteNextPlace(NetworkPlace place) {
-  next_place_ = std::move(place);
-  ++next_places_;
+void LidarSession::NoteNextAddress(const std::string& address) {
+  next_address_ = address;
+  ++next_addresses_;
 }
 
 void LidarSession::Stop() {

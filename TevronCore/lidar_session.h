@@ -83,7 +83,7 @@ class LidarSession {
                std::function<void(Return)> ended);
 
   /// Network settings were taken: after its restart the lidar is reached there.
-  void NoteNextPlace(NetworkPlace place);
+  void NoteNextAddress(const std::string& address);
 
   /// How it stands with the connection.
   LinkSnapshot LinkNow() const;
@@ -185,8 +185,8 @@ class LidarSession {
   std::chrono::system_clock::time_point give_up_at_;  ///< of that wait
   std::string failure_;                               ///< of the last attempt
   std::optional<LinkLoss> loss_;
-  std::optional<NetworkPlace> next_place_;
-  int next_places_ = 0;
+  std::string next_address_;
+  int next_addresses_ = 0;
   std::optional<std::chrono::system_clock::time_point> facts_read_at_;
   // Destroyed from the last to the first: the threads are gone before what they use.
   std::shared_ptr<Connection> connection_;

@@ -28,8 +28,8 @@ LinkSnapshot LidarSession::LinkNow() const {
   now.place = PlaceText(settings_, model_->connect_type);
   now.failure = attempt_ != nullptr ? attempt_->Failure() : failure_;
   now.loss = loss_;
-  now.next_place = next_place_;
-  now.next_places = next_places_;
+  now.next_address = next_address_;
+  now.next_addresses = next_addresses_;
   if (state_.connected && connection_ != nullptr && model_->connect_type != kNetworkLink) {
     now.silent_since = connection_->SilentSince();
   }

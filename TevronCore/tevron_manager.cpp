@@ -101,15 +101,13 @@ bool TevronManager::ConnectLidar() {
 LinkSnapshot TevronManager::LinkNow() const { return parts_->session.LinkNow(); }
 
 void TevronManager::AwaitLidar() {
-  const LinkSnapshot link = LinkNow();
-  const ConnectionSettings& settings = parts_->session.settings();
-  AwaitLidarAt(link.next_place.value_or(NetworkPlace{settings.lidar_ip, settings.command_port}));
+  const std::string next = LinkNow().next_address;
+  AwaitLidarAt(next.empty() ? parts_->session.settings().lidar_ip : next);
 }
 
-void TevronManager::AwaitLidarAt(const NetworkPlace& place) {
+void TevronManager::AwaitLidarAt(const std::string& address) {
   ConnectionSettings settings = parts_->session.settings();
-  settings.lidar_ip = parts_->settings.lidar_ip = place.address;
-  settings.command_port = parts_->settings.command_port = place.port;
+  settings.lidar_ip = parts_->settings.lidar_ip = address;
   emit initInfoChanged();
   parts_->session.AwaitAt(settings, RestartPatience{}, [](LidarSession::Return) {});
 }

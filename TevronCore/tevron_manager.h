@@ -111,8 +111,8 @@ class TevronManager : public QObject {
   /// Ends the connection to a lidar that restarts and connects again as soon as it answers, for a
   /// minute at most; where it has taken another address, there. Stop ends the wait.
   void AwaitLidar();
-  /// The same for a lidar that is at this place from now on, which becomes the one that is set.
-  void AwaitLidarAt(const NetworkPlace& place);
+  /// The same for a lidar that is at this address from now on, which becomes the one that is set.
+  void AwaitLidarAt(const std::string& address);
 
   /// The upgrade that runs, or the last one.
   UpgradeSnapshot UpgradeNow() const;

@@ -137,9 +137,8 @@ void TevronManager::Run(int module) {
   if (outcome != PageWriter::Outcome::kNothing) {
     parts_->session.NoteWrite(outcome != PageWriter::Outcome::kNoAnswer);
   }
-  if (const auto& place = writer.next_place()) {
-    const std::string& port = parts_->session.settings().command_port;
-    parts_->session.NoteNextPlace({place->address, place->port.empty() ? port : place->port});
+  if (!writer.next_address().empty()) {
+    parts_->session.NoteNextAddress(writer.next_address());
   }
   if (outcome == PageWriter::Outcome::kWritten) {
     UpdateUI();

@@ -75,9 +75,9 @@ void LinkWatch::AwaitLidar() {
   }
 }
 
-void LinkWatch::AwaitLidarAt(const QString& address, const QString& port) {
+void LinkWatch::AwaitLidarAt(const QString& address) {
   if (manager_ != nullptr) {
-    manager_->AwaitLidarAt({address.toStdString(), port.toStdString()});
+    manager_->AwaitLidarAt(address.toStdString());
     Look();
   }
 }
@@ -86,7 +86,7 @@ void LinkWatch::Look() {
   if (manager_ == nullptr) {
     return;
   }
-  const int places_before = now_.next_places;
+  const int addresses_before = now_.next_addresses;
   now_ = manager_->LinkNow();
   if (!now_.connecting && !silent() && !manager_->UpgradeNow().running) {
     timer_.stop();
@@ -94,13 +94,12 @@ void LinkWatch::Look() {
     timer_.start();
   }
   emit changed();
-  if (now_.next_places != places_before && now_.next_place) {
+  if (now_.next_addresses != addresses_before && !now_.next_address.empty()) {
     // Later, since what is written is read back before the window is free again.
     QMetaObject::invokeMethod(
         this,
-        [this, place = *now_.next_place] {
-          emit nextPlaceTold(QString::fromStdString(place.address),
-                             QString::fromStdString(place.port));
+        [this, address = QString::fromStdString(now_.next_address)] {
+          emit nextAddressTold(address);
         },
         Qt::QueuedConnection);
   }

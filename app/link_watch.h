@@ -63,7 +63,7 @@ class LinkWatch : public QObject {
   /// The connected lidar restarts: connects again when it is back.
   Q_INVOKABLE void AwaitLidar();
   /// The same for a lidar that is reached there from now on.
-  Q_INVOKABLE void AwaitLidarAt(const QString& address, const QString& port);
+  Q_INVOKABLE void AwaitLidarAt(const QString& address);
 
  public slots:
   /// Looks now.
@@ -74,7 +74,7 @@ class LinkWatch : public QObject {
   void changed();
   /// The lidar took network settings: after its restart it is reached there. Told when whoever sent
   /// them has done.
-  void nextPlaceTold(const QString& address, const QString& port);
+  void nextAddressTold(const QString& address);
 
  private:
   QPointer<TevronManager> manager_;

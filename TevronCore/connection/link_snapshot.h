@@ -4,8 +4,6 @@
 #include <optional>
 #include <string>
 
-#include "session/network_place.h"
-
 /// A connection that ended although nobody ended it.
 struct LinkLoss {
   std::string reason;  ///< a sentence for the user
@@ -22,8 +20,8 @@ struct LinkSnapshot {
   std::optional<LinkLoss> loss;  ///< until a lidar is connected, or another model chosen
   /// A connected serial lidar answers nothing since then: such a line has no link check.
   std::optional<std::chrono::system_clock::time_point> silent_since;
-  std::optional<NetworkPlace> next_place;  ///< where the lidar is reached after its restart
-  int next_places = 0;                     ///< how often that has been told
+  std::string next_address;  ///< where the lidar is reached after its restart; "" as before
+  int next_addresses = 0;    ///< how often that has been told
   std::chrono::system_clock::time_point give_up_at;
   // The connected lidar, as far as it was read; "" while unread.
   std::string part_number;

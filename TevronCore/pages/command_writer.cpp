@@ -8,9 +8,6 @@
 
 namespace {
 
-/// The variable with the port on which the lidar takes commands, where its table has one.
-constexpr char kCommandPort[] = "Command Port";
-
 bool CarriesSecret(const std::vector<const VarInfo*>& vars) {
   return std::any_of(vars.begin(), vars.end(),
                      [](const VarInfo* var) { return var->var_name == kSharedSecretKey; });
@@ -74,13 +71,8 @@ void CommandWriter::NameNextAddress(const std::string& set_cmd) {
   if (address == vars.end()) {
     return;
   }
-  next_place_ = {HeldText(**address), ""};
-  const auto port = std::find_if(vars.begin(), vars.end(),
-                                 [](const VarInfo* var) { return var->var_name == kCommandPort; });
-  if (port != vars.end()) {
-    next_place_->port = HeldText(**port);
-  }
-  report_.LogLine("After its restart the lidar is reached at " + next_place_->address +
+  next_address_ = HeldText(**address);
+  report_.LogLine("After its restart the lidar is reached at " + next_address_ +
                       ": use this address for the next connection.",
                   LogType::kInfo);
 }

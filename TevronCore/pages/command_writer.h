@@ -1,13 +1,11 @@
 #pragma once
 
 #include <cstdint>
-#include <optional>
 #include <string>
 #include <vector>
 
 #include "CmxClient/command_sender.h"
 #include "pages/payload_builder.h"
-#include "session/network_place.h"
 #include "session/user_report.h"
 #include "variables/config_parser.h"
 
@@ -42,8 +40,8 @@ class CommandWriter {
   bool answered() const { return answered_; }
 
   /// The network settings were taken: where the lidar is reached after its restart, which the log
-  /// tells, too. The port is "" where the table has none among them.
-  const std::optional<NetworkPlace>& next_place() const { return next_place_; }
+  /// tells, too; else empty.
+  const std::string& next_address() const { return next_address_; }
 
  private:
   void NameNextAddress(const std::string& set_cmd);
@@ -52,6 +50,6 @@ class CommandWriter {
   kavel::lidar::CommandSender& sender_;
   ConfigParser& table_;
   UserReport& report_;
-  std::optional<NetworkPlace> next_place_;
+  std::string next_address_;
   bool answered_ = false;
 };

@@ -12,7 +12,6 @@
 #include "pages/payload_builder.h"
 #include "pages/read_failures.h"
 #include "session/link_state.h"
-#include "session/network_place.h"
 #include "session/user_report.h"
 #include "variables/config_parser.h"
 #include "variables/pages.h"
@@ -47,11 +46,9 @@ class PageWriter {
   /// Writes page `module`; at most once per writer. What happened goes to the report.
   Outcome Run(int module);
 
-  /// The network settings that Run sent were taken: where the lidar is reached after its restart.
-  /// The port is "" where the table has none among them.
-  std::optional<NetworkPlace> next_place() const {
-    return writer_ ? writer_->next_place() : std::nullopt;
-  }
+  /// The network settings that Run sent were taken: where the lidar is reached after its restart;
+  /// else empty.
+  std::string next_address() const { return writer_ ? writer_->next_address() : std::string(); }
 
  private:
   bool MayWrite();

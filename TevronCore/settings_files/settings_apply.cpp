@@ -58,7 +58,7 @@ class Applier {
       ++done_;
     }
     Tell();
-    report_.next_place = writer_.next_place();
+    report_.next_address = writer_.next_address();
     return std::move(report_);
   }
 

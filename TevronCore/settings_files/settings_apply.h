@@ -1,10 +1,8 @@
 #pragma once
 
-#include <optional>
 #include <string>
 #include <vector>
 
-#include "session/network_place.h"
 #include "settings_files/settings_plan.h"
 #include "settings_files/settings_work.h"
 
@@ -32,9 +30,8 @@ struct ApplyReport {
   /// came to its end.
   std::string ended;
   bool lost = false;  ///< for the first of these reasons
-  /// Network settings were taken: where the lidar is reached after its restart, as PageWriter has
-  /// it.
-  std::optional<NetworkPlace> next_place;
+  /// Network settings were taken: where the lidar is reached after its restart; else empty.
+  std::string next_address;
 
   size_t Count(ApplyResult::Outcome outcome) const;
   /// It came to its end, and everything that was to be written is what the lidar holds.

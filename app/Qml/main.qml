@@ -19,7 +19,7 @@ FocusScope {
         "save": () => pages.write(),
         "restart": () => link.restart(),
         "reset": () => manager.Reset(),
-        "place": there => link.connectTo(there.address, there.port),
+        "address": address => link.connectTo(address),
         "tab": tab => pages.selectTab(tab),
         "model": name => chooseModel(name),
         "disconnect": () => link.toggle(),
@@ -102,7 +102,7 @@ FocusScope {
         upgrading: upgradeControl.running
         onRefused: messages.refuse(reason)
         onWarned: messages.warnAboutModel(text)
-        onNextPlaceTold: messages.askNextPlace(address, port)
+        onNextAddressTold: messages.askNextAddress(address)
     }
 
     Shortcut { sequence: "Escape"; enabled: link.connecting; onActivated: link.cancel() }

@@ -11,7 +11,7 @@ import Tevron 1.0
 // upgrading    an upgrade runs, in which the manager connects by itself when the lidar is back
 // watch        how it stands with the connection, a LinkWatch
 // connecting   an attempt runs
-// nextPlaceTold(address, port)  network settings were taken: the lidar is reached there next
+// nextAddressTold(address)  network settings were taken: the lidar is reached there next
 Item {
     id: link
 
@@ -21,11 +21,11 @@ Item {
     property bool upgrading: false
     property LinkWatch watch: LinkWatch {
         manager: link.manager
-        onNextPlaceTold: link.nextPlaceTold(address, port)
+        onNextAddressTold: link.nextAddressTold(address)
     }
     readonly property bool connecting: watch.connecting
 
-    signal nextPlaceTold(string address, string port)
+    signal nextAddressTold(string address)
     signal refused(string reason)
     signal warned(string text)
 
@@ -61,8 +61,8 @@ Item {
             watch.AwaitLidar();
     }
 
-    function connectTo(address, port) {
-        watch.AwaitLidarAt(address, port);
+    function connectTo(address) {
+        watch.AwaitLidarAt(address);
     }
 
     // Compares part and serial number with the model's name and its first two letters. The six

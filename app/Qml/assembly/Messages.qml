@@ -42,9 +42,7 @@ Item {
     function askSave(names) { questions.askSave(names); }
     function askRestart() { questions.askRestart(); }
     function askReset() { questions.askReset(); }
-    function askNextPlace(address, port) {
-        questions.askNextPlace(address, port, manager.port);
-    }
+    function askNextAddress(address) { questions.askNextAddress(address); }
     function askClose(sending) { questions.askClose(sending); }
     function askEdits(purpose, argument) { questions.askEdits(purpose, argument); }
 

@@ -58,13 +58,12 @@ Item {
     }
 
     // The lidar has taken network settings, and is reached there from its next restart on.
-    function askNextPlace(address, port, portNow) {
-        const place = port === portNow ? address : qsTr("%1, port %2").arg(address).arg(port);
-        box.ask({ "purpose": "place", "argument": { "address": address, "port": port },
+    function askNextAddress(address) {
+        box.ask({ "purpose": "address", "argument": address,
                   "title": qsTr("The lidar has taken network settings"),
-                  "message": qsTr("Once they are in force, the lidar is reached at %1.").arg(place),
+                  "message": qsTr("Once they are in force, the lidar is reached at %1.").arg(address),
                   "advice": qsTr("Connecting waits there for a minute. Some lidars need a restart first: Stay leaves everything as it is, and the gear button restarts the lidar."),
-                  "accept": qsTr("Connect to %1").arg(place), "reject": qsTr("Stay") });
+                  "accept": qsTr("Connect to %1").arg(address), "reject": qsTr("Stay") });
     }
 
     function askClose(sending) {
