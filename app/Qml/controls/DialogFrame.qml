@@ -40,8 +40,9 @@ T.Dialog {
     closePolicy: T.Popup.CloseOnEscape
     font: Theme.bodyFont
 
-    // The button may have kept the keyboard since the box was open before: the mark is to be seen
-    // either way.
+    // The button that answered the last question has kept the keyboard: it is not to take a hasty
+    // Enter before the right one has it, and the mark is to be seen even if it is the same.
+    onAboutToShow: contentItem.focus = true
     onOpened: {
         const button = guarded ? rejectButton : acceptButton;
         button.forceActiveFocus(Qt.TabFocusReason);
