@@ -90,6 +90,13 @@ TEST_F(FindTest, KeepsTheEditsOfOnePageApartFromTheOthers) {
   screen_.Click("dialogOther");
   EXPECT_TRUE(WaitFor([&] { return screen_.FocusName() == other; })) << "shown on its own page";
   EXPECT_EQ(screen_.Find("findView"), nullptr);
+
+  screen_.Type("north");
+  ASSERT_TRUE(WaitFor([&] { return screen_.BoxMessage().isEmpty(); }));
+  FindWithKeys("distance");
+  screen_.Key(Qt::Key_S, Qt::ControlModifier);
+  EXPECT_EQ(screen_.FocusName(), other) << "what cannot be saved is gone to, found or not";
+  EXPECT_EQ(screen_.Text("note_3_1_1"), "A number from -45 to 45 is needed");
 }
 
 }  // namespace

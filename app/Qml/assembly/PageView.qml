@@ -1,4 +1,6 @@
 import QtQuick 2.15
+import QtQuick.Templates 2.15 as T
+import QtQuick.Window 2.15
 
 // One page of the lidar's variables, or what is found on all pages, and below it Save and Cancel.
 //
@@ -76,9 +78,16 @@ FocusScope {
         finder.goToFirst();
     }
 
+    function hasMessageKeyboard() {
+        let item = Window.activeFocusItem;
+        while (item !== null && item !== T.Overlay.overlay)
+            item = item.parent;
+        return item !== null;
+    }
+
     // Goes to the first field that has to be corrected, unless a message has the keyboard.
     function goToFault() {
-        const row = activeFocus ? body.faultyRow() : null;
+        const row = hasMessageKeyboard() ? null : body.faultyRow();
         if (row === null)
             return;
         if (finding)
