@@ -9,7 +9,7 @@
 namespace {
 
 constexpr int kMostEntries = 8;
-constexpr int kMostLetters = 64;
+constexpr int kMostLetters = 200;
 constexpr char kEntriesKey[] = "recent_lidars";
 constexpr char kModelKey[] = "last_model";
 const QStringList& Fields() {
@@ -52,7 +52,7 @@ RecentLidars::RecentLidars(QObject* parent)
     : QObject(parent), last_model_(LoadKeptText(SettingsFilePath(), kModelKey)) {
   for (const QString& line : LoadKeptText(SettingsFilePath(), kEntriesKey).split('\n')) {
     const QVariantMap entry = EntryOf(line.split('\t'));
-    if (!entry.isEmpty() && entries_.size() < kMostEntries) {
+    if (!entry.isEmpty() && !entries_.contains(entry) && entries_.size() < kMostEntries) {
       entries_.append(entry);
     }
   }

@@ -16,14 +16,14 @@ FocusScope {
 
     // What follows once nothing speaks against it any more, by its purpose.
     readonly property var actions: ({
-        "save": () => pages.write(),
+        "save": waiting => leaving.write(waiting),
         "restart": () => link.restart(),
         "reset": () => manager.Reset(),
         "address": address => link.connectTo(address),
         "tab": tab => pages.selectTab(tab),
-        "model": name => chooseModel(name),
-        "disconnect": () => link.toggle(),
-        "upgrading": () => leave("close"),
+        "model": lidar => choose(lidar),
+        "disconnect": () => disconnect(),
+        "upgrading": () => leaving.leave("close"),
         "close": () => closeConfirmed()
     })
 
@@ -35,26 +35,13 @@ FocusScope {
     implicitHeight: Theme.windowHeight
     focus: true
 
-    // Does something that would lose what was typed on the page, once the user has settled that.
-    function leave(purpose, argument) {
-        pages.hasEdits ? messages.askEdits(purpose, argument) : go(purpose, argument);
-    }
-
-    function settleAndGo(answer, purpose, argument) {
-        if (answer === "discard")
-            pages.discard();
-        if (answer === "discard" || pages.settle())
-            go(purpose, argument);
-    }
-
-    function go(purpose, argument) {
-        actions[purpose](argument);
-    }
-
-    function chooseModel(name) {
-        work.log("Current selected model is " + name, "INFO");
-        modelName = name;
-        manager.InitConfigFileParser(name);
+    // The model of this lidar, and how it is reached where that is told with it.
+    function choose(lidar) {
+        work.log("Current selected model is " + lidar.model, "INFO");
+        modelName = lidar.model;
+        manager.InitConfigFileParser(lidar.model);
+        if (lidar.address)
+            connectionBar.reach(lidar);
     }
 
     // The window is to be closed, which neither an upgrade nor an edit would survive.
@@ -62,15 +49,21 @@ FocusScope {
         if (upgradeControl.running)
             messages.askClose(upgradeControl.sending);
         else
-            leave("close");
+            leaving.leave("close");
     }
 
     // Edits outlive a connection that comes or breaks; after one that the user ends nothing can
     // take them any more.
     function connectOrDisconnect() {
         if (manager.IsConnected && !manager.IsUpgrading && !link.connecting)
-            leave("disconnect");
+            leaving.leave("disconnect");
         else
+            link.toggle();
+    }
+
+    // The lidar may have gone while the user was asked.
+    function disconnect() {
+        if (manager.IsConnected)
             link.toggle();
     }
 
@@ -85,12 +78,20 @@ FocusScope {
         if (first === "Orca" || first === manager.getPVNowName())
             modelName = first;
         else
-            chooseModel(first);
+            choose({ "model": first });
     }
 
     Connections {
         target: window.manager
         function onSendLogMessage(msg, type) { work.log(msg, type); }
+    }
+
+    LeaveControl {
+        id: leaving
+
+        pages: pages
+        actions: window.actions
+        onAsked: messages.askEdits(purpose, argument)
     }
 
     LinkControl {
@@ -132,7 +133,7 @@ FocusScope {
         manager: window.manager
         modelName: window.modelName
         watch: link.watch
-        onModelChosen: window.leave("model", name)
+        onLidarChosen: leaving.leave("model", lidar)
         onConnectClicked: window.connectOrDisconnect()
         onCancelClicked: link.cancel()
         onRestartWanted: messages.askRestart()
@@ -170,9 +171,9 @@ FocusScope {
             modelName: window.modelName
             upgrade: upgradeControl
             onRefused: messages.refuse(reason)
-            onConfirmationWanted: messages.askSave(names)
+            onConfirmationWanted: messages.askSave(names, leaving.following)
             onRestartWanted: messages.askRestart()
-            onLeaveAsked: window.leave("tab", tab)
+            onLeaveAsked: leaving.leave("tab", tab)
         }
     }
 
@@ -190,8 +191,8 @@ FocusScope {
         modelName: window.modelName
         // What a page's Save brought stands beside its button.
         logSuccesses: pages.saving
-        onEditsAnswered: window.settleAndGo(answer, purpose, argument)
+        onEditsAnswered: leaving.settleAndGo(answer, purpose, argument)
         onLogged: work.log(text, tag)
-        onConfirmed: window.go(purpose, argument)
+        onConfirmed: leaving.go(purpose, argument)
     }
 }

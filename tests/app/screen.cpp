@@ -71,7 +71,8 @@ Screen::Screen(const QString& model) : manager_(true, PrepareScene()) {
     throw std::runtime_error("the scene did not become active");
   }
   if (model != QLatin1String("Orca")) {
-    QMetaObject::invokeMethod(view_.rootObject(), "chooseModel", Q_ARG(QVariant, model));
+    QMetaObject::invokeMethod(view_.rootObject(), "choose",
+                              Q_ARG(QVariant, QVariantMap({{"model", model}})));
     // A picture is only taken of a scene whose items have found their places.
     view_.grabWindow();
   }

@@ -70,9 +70,9 @@ TEST_F(ScreensTest, ConnectsByAClickAndShowsTheLidarsValues) {
   EXPECT_FALSE(screen_.connected());
   EXPECT_EQ(screen_.LampColor(), QColor("red"));
   screen_.TypeInto("portField", "1");
-  screen_.Click("recentLidars");
-  ASSERT_TRUE(WaitFor([&] { return screen_.Find("recent_0") != nullptr; }));
-  EXPECT_TRUE(screen_.Text("recent_0").endsWith("Orca " + lidar_.Held("SN")));
+  screen_.Click("ipFieldArrow");
+  ASSERT_TRUE(WaitFor([&] { return screen_.Find("ipField_0") != nullptr; }));
+  EXPECT_TRUE(screen_.Text("ipField_0").endsWith("Orca " + lidar_.Held("SN")));
   screen_.Key(Qt::Key_Return);
   EXPECT_EQ(screen_.Text("portField"), QString::number(lidar_.port()));
   EXPECT_EQ(LoadKeptText(SettingsFilePath(), "last_model"), "Orca");
@@ -167,10 +167,16 @@ TEST_F(ScreensTest, WritesWhatIsTypedAndMarksItUntilItIsSaved) {
   ASSERT_TRUE(WaitFor([&] { return !screen_.connected(); }));
   EXPECT_EQ(lidar_.Held("Maximum Distance"), "90") << "saved before it is let go";
   ASSERT_TRUE(WaitFor([&] { return screen_.BoxMessage().isEmpty(); }));
-  screen_.Click("connectButton");
-  ASSERT_TRUE(WaitFor([&] { return screen_.connected(); }));
 
   screen_.TypeInto(kMinimumDistance, "50");
+  screen_.Ask("askToClose");
+  ASSERT_TRUE(screen_.WaitForBox("What you changed on this page is not saved."));
+  EXPECT_EQ(screen_.Text("dialogAccept"), "Discard") << "there is nowhere to save it";
+  screen_.Key(Qt::Key_Escape);
+  ASSERT_TRUE(WaitFor([&] { return screen_.BoxMessage().isEmpty(); }));
+  screen_.Click("connectButton");
+  ASSERT_TRUE(WaitFor([&] { return screen_.connected(); }));
+  EXPECT_EQ(screen_.Text(kMinimumDistance), "50") << "a connection takes nothing away";
   EXPECT_TRUE(screen_.Value(kMinimumDistance, "pending").toBool());
   EXPECT_EQ(lidar_.Held("Minimum Distance"), "20") << "nothing is written before Save";
 

@@ -41,7 +41,7 @@ TEST(SerialScreenTest, ReadsAndSetsOverOneLine) {
   EXPECT_EQ(screen.Find("port232"), nullptr);
   EXPECT_FALSE(screen.Find("netRead")->isEnabled());
 
-  screen.TypeInto("port485_field", lidar.SerialPort());
+  screen.TypeInto("port485", lidar.SerialPort());
   Connect(&screen);
   EXPECT_EQ(screen.LampColor(), QColor("#00FF6B"));
   EXPECT_FALSE(Facts(screen, "lidarInfo").contains("Serial Number=xxxxxxxx"));
@@ -70,13 +70,52 @@ TEST(SerialScreenTest, ReadsAndSetsOverOneLine) {
   EXPECT_TRUE(screen.Value("destinationIp", "stale").toBool());
 }
 
+TEST(SerialScreenTest, IsOfferedWhereTheNextLidarIsChosen) {
+  Screen screen("Kiva-CMX");
+  const VirtualLidarProcess lidar({"--model", "Kiva-CMX", "--set", "SN=KV07"});
+  screen.TypeInto("port485", lidar.SerialPort());
+  Connect(&screen);
+  screen.Click("connectButton");
+  screen.TypeInto("port485", "/dev/none");
+  screen.Key(Qt::Key_Down, Qt::AltModifier);
+  EXPECT_EQ(screen.Text("port485_0"), lidar.SerialPort() + QString::fromUtf8(" – Kiva-CMX KV07"));
+  screen.Key(Qt::Key_Escape);
+  EXPECT_EQ(screen.Find("port485_0"), nullptr);
+  EXPECT_EQ(screen.Text("port485"), "/dev/none") << "what is typed is not the list's to take";
+
+  screen.Click("modelChoice");
+  for (int i = 0; i < 3; ++i) {
+    screen.Key(Qt::Key_Down);
+  }
+  screen.Key(Qt::Key_Return);
+  ASSERT_NE(screen.Find("pageTabs"), nullptr);
+  screen.Click("tab2");
+  screen.TypeInto("field_2_2_1", "50");
+  for (const bool stays : {true, false}) {
+    EXPECT_EQ(screen.Text("field_2_2_1"), "50");
+    screen.Click("ipFieldArrow");
+    screen.Key(Qt::Key_Return);
+    ASSERT_TRUE(screen.WaitForBox("What you changed on this page is not saved."));
+    ASSERT_TRUE(WaitFor([&] { return screen.Find("dialogReject")->hasActiveFocus(); }));
+    if (!stays) {
+      screen.Key(Qt::Key_Tab);
+    }
+    screen.Key(Qt::Key_Return);
+    ASSERT_TRUE(WaitFor([&] { return screen.BoxMessage().isEmpty(); }));
+  }
+  EXPECT_EQ(screen.Text("port485"), lidar.SerialPort());
+  EXPECT_EQ(screen.FocusName(), "connectButton");
+  screen.Key(Qt::Key_Return);
+  EXPECT_TRUE(WaitFor([&] { return screen.connected(); }));
+}
+
 TEST(SerialScreenTest, KeepsWhatItKnewAndWhatWasTypedWhenNothingIsAnswered) {
   Screen screen("Kiva-CMX");
   // Setting the destination is refused, reading it again finds no answer, nor do the versions.
   const VirtualLidarProcess lidar({"--model", "Kiva-CMX", "--fault", "return-code=3@0x43#1",
                                    "--fault", "drop@0x42#2-2", "--fault",
                                    "return-code=3@0x4D#2-2"});
-  screen.TypeInto("port485_field", lidar.SerialPort());
+  screen.TypeInto("port485", lidar.SerialPort());
   Connect(&screen);
   const QString held = screen.Text("destinationIp");
   screen.TypeInto("destinationIp", "10.1.2.3");
@@ -110,7 +149,7 @@ TEST(SerialScreenTest, ANumberOfTheLidarIsTextAndNothingElse) {
   const QString number = QString("<img src=\"http://127.1:%1/x\">").arg(server.serverPort());
   Screen screen("Kiva-CMX");
   const VirtualLidarProcess lidar({"--model", "Kiva-CMX", "--set", "SN=" + number});
-  screen.TypeInto("port485_field", lidar.SerialPort());
+  screen.TypeInto("port485", lidar.SerialPort());
   Connect(&screen);
   EXPECT_TRUE(Facts(screen, "lidarInfo").contains("Serial Number=" + number));
   // Whoever was asked for a picture while that was shown stands in front of this client.
@@ -128,7 +167,7 @@ TEST(SerialScreenTest, UpgradesTheLidarAndReadsWhatItRunsThen) {
   const QTemporaryDir folder;
   const QString file = folder.filePath(QString::fromUtf8("Kiva \u00fc #1.patch"));
   VirtualLidarProcess::MakeFirmware("Kiva-CMX", "2.8.0", file, 1024);
-  screen.TypeInto("port485_field", lidar.SerialPort());
+  screen.TypeInto("port485", lidar.SerialPort());
   Connect(&screen);
   screen.Find("attachFile")->forceActiveFocus();
   EXPECT_FALSE(screen.Find("startUpgrade")->isEnabled());
@@ -169,8 +208,8 @@ TEST(SerialScreenTest, UpgradesTheLidarAndReadsWhatItRunsThen) {
 TEST(SerialScreenTest, SaysWhatAPairOfPortsCannotDo) {
   Screen screen("Lumo");
   const VirtualLidarProcess lidar({"--model", "Lumo", "--uart-points", "50"});
-  screen.TypeInto("port485_field", lidar.SerialPort("485"));
-  screen.TypeInto("port232_field", lidar.SerialPort("232"));
+  screen.TypeInto("port485", lidar.SerialPort("485"));
+  screen.TypeInto("port232", lidar.SerialPort("232"));
   Connect(&screen);
   EXPECT_TRUE(Facts(screen, "lidarVersions").contains("Junction Box Version="));
   EXPECT_FALSE(screen.Find("netSet")->isEnabled());

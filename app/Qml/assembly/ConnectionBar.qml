@@ -9,6 +9,8 @@ import "../theme"
 // manager       the object that holds the connection settings
 // modelName     the chosen model
 // watch         how it stands with the connection, a LinkWatch
+// lidarChosen(lidar)  another model is wanted: a map with "model", and with more where that is one
+//                     of the lidars connected last, see reach()
 // connectClicked()  connect or disconnect; not told while an address or port cannot be used
 FocusScope {
     id: bar
@@ -22,7 +24,7 @@ FocusScope {
     readonly property bool network: manager.connectType === 0
     readonly property bool serialPair: manager.connectType === 1
 
-    signal modelChosen(string name)
+    signal lidarChosen(var lidar)
     signal connectClicked()
     signal cancelClicked()
     signal restartWanted()
@@ -45,6 +47,19 @@ FocusScope {
         return recent.firstModel(usual);
     }
 
+    // Sets up how a lidar of the chosen model is reached; Connect is what comes next.
+    function reach(lidar) {
+        recent.reach(lidar);
+        connectButton.forceActiveFocus(Qt.TabFocusReason);
+    }
+
+    function pick(lidar) {
+        if (lidar.model === modelName)
+            reach(lidar);
+        else
+            lidarChosen(lidar);
+    }
+
     onModelNameChanged: if (modelName !== "" && manager.getPVNowName() === "")
                             recent.recents.lastModel = modelName
 
@@ -54,7 +69,6 @@ FocusScope {
         manager: bar.manager
         watch: bar.watch
         modelName: bar.modelName
-        onModelWanted: bar.modelChosen(name)
     }
 
     implicitHeight: Theme.topBarHeight
@@ -93,7 +107,7 @@ FocusScope {
                 onChosen: {
                     const name = model[index];
                     revert();
-                    bar.modelChosen(name);
+                    bar.lidarChosen({ "model": name });
                 }
             }
         }
@@ -104,6 +118,8 @@ FocusScope {
             visible: bar.network
             enabled: !bar.open
             manager: bar.manager
+            recents: recent.choices
+            onLidarPicked: bar.pick(lidar)
         }
 
         SerialFields {
@@ -111,17 +127,8 @@ FocusScope {
             enabled: !bar.open
             manager: bar.manager
             pair: bar.serialPair
-        }
-
-        RecentPicker {
-            objectName: "recentLidars"
-            Layout.alignment: Qt.AlignBottom
-            Layout.leftMargin: -Theme.gap
-            Layout.bottomMargin: (bar.height - networkFields.implicitHeight) / 2
-            visible: !bar.open
-            entries: bar.manager.getPVNowName() === "" ? recent.recents.entries
-                : recent.recents.entries.filter(entry => entry.model === bar.modelName)
-            onChosen: recent.take(entry)
+            recents: recent.choices
+            onLidarPicked: bar.pick(lidar)
         }
 
         PlainText {
@@ -157,6 +164,8 @@ FocusScope {
         }
 
         DefaultButton {
+            id: connectButton
+
             objectName: "connectButton"
             emphasised: !bar.open
             enabled: !bar.manager.IsDownloadLog

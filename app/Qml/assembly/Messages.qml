@@ -39,7 +39,7 @@ Item {
     }
 
     function showAbout() { aboutBox.open(); }
-    function askSave(names) { questions.askSave(names); }
+    function askSave(names, waiting) { questions.askSave(names, waiting); }
     function askRestart() { questions.askRestart(); }
     function askReset() { questions.askReset(); }
     function askNextAddress(address) { questions.askNextAddress(address); }

@@ -6,15 +6,20 @@ import "../theme"
 // Where a lidar on the network is: its address and the two ports.
 //
 // manager   the object that holds the connection settings
+// recents   the lidars that were connected last, see RecentControl
 // problem   what is wrong with the first text that cannot be used; empty when nothing is
+// lidarPicked(lidar)  one of them is to be connected next
 Row {
     id: fields
 
     property var manager
+    property var recents: []
     readonly property var inputs: [ipField, portField].concat(hostPort.visible ? [hostPortField] : [])
     readonly property var wrong: inputs.find(field => field.problem !== "") || null
     readonly property string problem: wrong === null ? ""
         : qsTr("%1: %2").arg(wrong.label).arg(wrong.problem)
+
+    signal lidarPicked(var lidar)
 
     // The keyboard goes to the text that has to be put right.
     function showProblem() {
@@ -26,16 +31,20 @@ Row {
     LabelledField {
         caption: qsTr("IP address")
 
-        DefaultTextField {
+        ListedField {
             id: ipField
 
             objectName: "ipField"
-            width: Theme.addressFieldWidth
+            width: Theme.addressFieldWidth + Theme.controlHeight
             value: fields.manager.ip_address
             problem: text.trim().length > 0 ? InputRules.AddressProblem(text.trim()) : ""
             label: parent.caption
-            hint: qsTr("Address of the lidar on the network; empty: learned from its packets")
+            hint: qsTr("Address of the lidar; empty: learned from its packets")
+            choices: fields.recents
+            listName: qsTr("Lidars connected last")
+            emptyText: qsTr("No lidar was connected yet.")
             onCommitted: fields.manager.ip_address = text
+            onPicked: fields.lidarPicked(choice)
         }
     }
 

@@ -26,17 +26,24 @@ Item {
         box.ask({ "title": title, "message": message, "advice": "", "accept": qsTr("OK"), "reject": null });
     }
 
+    // Where no lidar is connected, nothing can be saved.
     function askEdits(purpose, argument) {
-        box.ask({ "purpose": "edits", "argument": { "purpose": purpose, "argument": argument },
+        const canSave = manager.IsConnected;
+        box.ask({ "purpose": "edits",
+                  "argument": { "purpose": purpose, "argument": argument,
+                                "accept": canSave ? "save" : "discard" },
                   "title": editsTitles[purpose],
                   "message": qsTr("What you changed on this page is not saved."),
-                  "advice": qsTr("Save writes it to the lidar first; Discard drops it."),
-                  "accept": qsTr("Save"), "other": qsTr("Discard"), "reject": qsTr("Stay"),
-                  "guarded": true });
+                  "advice": canSave ? qsTr("Save writes it to the lidar first; Discard drops it.")
+                          : qsTr("It can be saved once a lidar is connected; Discard drops it."),
+                  "accept": canSave ? qsTr("Save") : qsTr("Discard"),
+                  "other": canSave ? qsTr("Discard") : "", "reject": qsTr("Stay"),
+                  "dangerous": !canSave, "guarded": true });
     }
 
-    function askSave(names) {
-        box.ask({ "purpose": "save", "title": qsTr("Values out of range"),
+    // `waiting` goes on once the values are written, see LeaveControl.
+    function askSave(names, waiting) {
+        box.ask({ "purpose": "save", "argument": waiting, "title": qsTr("Values out of range"),
                   "message": qsTr("These values are out of range or badly written:\n%1")
                                  .arg(names.map(describe).join("\n")),
                   "advice": qsTr("The lidar may refuse them. Continue writes them all the same; Cancel goes back to the page."),
@@ -103,13 +110,13 @@ Item {
         id: box
 
         onAnswered: {
-            if (purpose !== "edits") {
-                if (answer === "accept" && purpose !== "")
-                    questions.confirmed(purpose, argument);
-            } else if (answer !== "reject") {
-                questions.editsAnswered(answer === "accept" ? "save" : "discard", argument.purpose,
-                                        argument.argument);
-            }
+            if (answer === "reject" || purpose === "")
+                return;
+            if (purpose === "edits")
+                questions.editsAnswered(answer === "accept" ? argument.accept : "discard",
+                                        argument.purpose, argument.argument);
+            else
+                questions.confirmed(purpose, argument);
         }
     }
 }

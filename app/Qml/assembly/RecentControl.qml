@@ -6,7 +6,7 @@ import Tevron 1.0
 // manager    the object that connects
 // watch      how it stands with the connection, a LinkWatch
 // modelName  the chosen model
-// modelWanted(name)  an entry of another model was chosen; what is set afterwards is for that one
+// choices    those of them whose model can be chosen, the latest first, with a "kind" for a ListedField
 Item {
     id: control
 
@@ -15,8 +15,13 @@ Item {
     property string modelName: ""
     readonly property string serialNumber: watch.serialNumber
     readonly property RecentLidars recents: RecentLidars {}
+    readonly property var choices: recents.entries.filter(isChoosable).map(
+        entry => Object.assign({ "kind": qsTr("Connected last") }, entry))
 
-    signal modelWanted(string name)
+    function isChoosable(entry) {
+        const only = manager.getPVNowName();
+        return only === "" ? manager.LidarModelList.indexOf(entry.model) >= 0 : entry.model === only;
+    }
 
     // The model to begin with.
     function firstModel(usual) {
@@ -24,19 +29,15 @@ Item {
         return manager.LidarModelList.indexOf(last) >= 0 ? last : usual;
     }
 
-    function take(entry) {
-        if (manager.getPVNowName() === "" && entry.model !== modelName
-                && manager.LidarModelList.indexOf(entry.model) >= 0)
-            modelWanted(entry.model);
-        if (modelName !== entry.model)
-            return;
+    // The next attempt goes to this lidar, which is of the chosen model.
+    function reach(lidar) {
         if (manager.connectType === 0) {
-            manager.ip_address = entry.address;
-            manager.port = entry.port;
+            manager.ip_address = lidar.address;
+            manager.port = lidar.port;
         } else {
-            manager.serial_port_485 = entry.address;
+            manager.serial_port_485 = lidar.address;
             if (manager.connectType === 1)
-                manager.serial_port_232 = entry.port;
+                manager.serial_port_232 = lidar.port;
         }
     }
 

@@ -7,26 +7,30 @@ import "../theme"
 //
 // manager   the object that holds the connection settings
 // pair      requests and answers have a line each, and the point cloud comes with the answers
+// recents   the lidars that were connected last, see RecentControl
+// lidarPicked(lidar)  one of them is to be connected next
 Row {
     id: fields
 
     property var manager
     property bool pair: false
+    property var recents: []
+
+    signal lidarPicked(var lidar)
 
     spacing: Theme.gapWide
-
-    SerialPortList { id: serialPorts }
 
     LabelledField {
         caption: fields.pair ? qsTr("RS-485 port") : qsTr("Serial port")
 
-        SerialPortPicker {
+        PortField {
             objectName: "port485"
+            width: Theme.portFieldWidth
             value: fields.manager.serial_port_485
-            ports: serialPorts.ports
             label: parent.caption
-            onListWanted: serialPorts.Refresh()
-            onPicked: fields.manager.serial_port_485 = device
+            recents: fields.recents
+            onCommitted: fields.manager.serial_port_485 = text
+            onLidarPicked: fields.lidarPicked(lidar)
         }
     }
 
@@ -34,13 +38,14 @@ Row {
         visible: fields.pair
         caption: qsTr("UART port")
 
-        SerialPortPicker {
+        PortField {
             objectName: "port232"
+            width: Theme.portFieldWidth
             value: fields.manager.serial_port_232
-            ports: serialPorts.ports
             label: parent.caption
-            onListWanted: serialPorts.Refresh()
-            onPicked: fields.manager.serial_port_232 = device
+            recents: fields.recents
+            onCommitted: fields.manager.serial_port_232 = text
+            onLidarPicked: fields.lidarPicked(lidar)
         }
     }
 
