@@ -39,6 +39,8 @@ const byMessage = [
     ["Set Failed",
      qsTr("What the lidar did not confirm is still marked as edited. The log names the command "
           + "that failed.")],
+    ["Query cmx command fail",
+     qsTr("The console tells what became of the command.")],
     ["Parsing failed",
      qsTr("Write the command as one or two hexadecimal digits, the payload as such pairs.")],
     ["Input value of fov",

@@ -153,6 +153,8 @@ FocusScope {
             objectName: "connectionLamp"
             visible: !bar.connecting
             on: bar.manager.IsConnected
+            // The port is open, which is all that is known then.
+            connectedText: bar.watch.silent ? qsTr("No answer") : qsTr("Connected")
         }
 
         DefaultButton {

@@ -69,7 +69,7 @@ FocusScope {
             SectionTitle {
                 Layout.fillWidth: true
                 text: qsTr("Command console")
-                description: qsTr("Commands logged: %1").arg(widget.manager.CommandLogCnt)
+                description: qsTr("Commands with raw bytes in the log: %1").arg(widget.manager.CommandLogCnt)
             }
             DefaultToolButton {
                 objectName: "consoleFold"

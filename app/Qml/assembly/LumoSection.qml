@@ -3,10 +3,9 @@ import QtQuick.Layouts 1.15
 import "../controls"
 import "../theme"
 
-// One group of the serial screen: a heading, its controls, and what has to be said of them: why the
-// operations of the group are not possible now, else what became of the last reading.
+// One group of the serial screen: a heading, its controls, and what became of the last reading.
 //
-// obstacle     why the group cannot be used; empty when it can
+// obstacle     why this lidar does not offer the group, in place of its controls; empty when it does
 // connected    the lidar is there
 // usable       it can be asked for something
 // held         what it told when it was last read, in the order of the manager's lists; empty before
@@ -94,7 +93,8 @@ Panel {
 
             width: parent.width
             spacing: Theme.gap
-            enabled: section.obstacle.length === 0 && section.usable
+            visible: section.obstacle.length === 0
+            enabled: section.usable
         }
     }
 }

@@ -63,6 +63,8 @@ FocusScope {
         id: list
 
         anchors.fill: parent
+        // Above the scroll bar, which would cover the mark of the selected tab.
+        anchors.bottomMargin: scrollBar.visible ? scrollBar.height : 0
         orientation: ListView.Horizontal
         clip: contentWidth > width
         spacing: Theme.gapTiny
@@ -70,7 +72,14 @@ FocusScope {
         model: tabs.titles
         currentIndex: tabs.currentIndex
         highlightMoveDuration: Theme.fadeMs
-        T.ScrollBar.horizontal: DefaultScrollBar {}
+        T.ScrollBar.horizontal: DefaultScrollBar {
+            id: scrollBar
+
+            parent: tabs
+            anchors.left: parent.left
+            anchors.right: parent.right
+            anchors.bottom: parent.bottom
+        }
 
         delegate: T.TabButton {
             id: tab
