@@ -108,6 +108,13 @@ FocusScope {
 
                     T.SplitView.fillWidth: true
                     T.SplitView.minimumWidth: Theme.pageMinimumWidth
+
+                    // Painted anew when the room grows: the software renderer would leave the border
+                    // of an area that folds where it was.
+                    Rectangle {
+                        anchors.fill: parent
+                        color: Theme.windowColor
+                    }
                 }
 
                 GetCmdWidget {
