@@ -1,5 +1,6 @@
 import QtQuick 2.15
 import QtQuick.Layouts 1.15
+import QtQuick.Templates 2.15 as T
 import QtQuick.Window 2.15
 import "../controls"
 import "../theme"
@@ -19,11 +20,15 @@ FocusScope {
     signal cancelWanted()
     signal askWanted()
 
-    // Enter is for Reconnect, unless somebody is typing something else.
+    function isInBox(item) {
+        return item !== null && (item === T.Overlay.overlay || isInBox(item.parent));
+    }
+
+    // Enter is for Reconnect, unless somebody is typing something else or has a question to answer.
     function takeKeyboard() {
         const item = Window.activeFocusItem;
         const typing = item !== null && item.cursorPosition !== undefined && !item.readOnly;
-        if (visible && !typing)
+        if (visible && !typing && !isInBox(item))
             reconnect.forceActiveFocus(Qt.TabFocusReason);
     }
 
