@@ -81,7 +81,8 @@ T.ComboBox {
     contentItem: PlainText {
         text: control.displayText
         font: control.font
-        color: control.enabled && !control.stale ? Theme.textColor : Theme.disabledTextColor
+        color: !control.enabled ? Theme.disabledTextColor
+             : control.stale ? Theme.quietTextColor : Theme.textColor
         verticalAlignment: Text.AlignVCenter
         elide: Text.ElideRight
     }

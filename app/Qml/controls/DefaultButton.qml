@@ -42,7 +42,8 @@ T.Button {
         color: !control.enabled ? Theme.windowColor
              : control.down ? (filled ? Theme.accentPressedColor : Theme.controlPressedColor)
              : control.hovered ? (filled ? Theme.accentHoverColor : Theme.controlHoverColor)
-             : (filled ? Theme.accentColor : Theme.controlColor)
+             : filled ? Theme.accentColor
+             : control.dangerous ? Theme.windowColor : Theme.controlColor
         border.width: filled ? 0 : Theme.hairline
         border.color: control.dangerous && control.enabled ? Theme.errorColor
                     : control.hovered ? Theme.outlineHoverColor : Theme.outlineColor
