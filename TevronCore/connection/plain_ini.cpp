@@ -1,7 +1,7 @@
 #include "connection/plain_ini.h"
 
+#include <QFile>
 #include <QFileInfo>
-#include <QIODevice>
 #include <optional>
 
 namespace {
@@ -114,6 +114,11 @@ QSettings::Format PlainIniFormat() {
 }
 
 bool IsPlainIniFile(const QString& path) {
-  const QFileInfo file(path);
-  return !file.exists() || (file.isFile() && file.size() <= kMaxPlainIniSize);
+  const QFileInfo info(path);
+  if (!info.exists()) {
+    return true;
+  }
+  QFile file(path);
+  QSettings::SettingsMap ignored;
+  return info.isFile() && file.open(QIODevice::ReadOnly) && Read(file, ignored);
 }

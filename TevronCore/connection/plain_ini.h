@@ -13,5 +13,7 @@ inline constexpr int kMaxPlainIniSize = 64 * 1024;
 QSettings::Format PlainIniFormat();
 
 /// Whether what lies at `path` may be opened: nothing, or a regular file of at most
-/// kMaxPlainIniSize bytes. Opening anything else could wait for ever.
+/// kMaxPlainIniSize bytes that holds settings. Opening another kind of file could wait for ever,
+/// and QSettings tells of a file that it does not understand the first time alone: from then on it
+/// takes it for an empty one, and writes over it.
 bool IsPlainIniFile(const QString& path);

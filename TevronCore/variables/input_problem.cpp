@@ -55,24 +55,36 @@ InputProblem Refusal(const InputRule& rule, const std::string& text, const std::
                                  : "Outside " + TypeRange(*rule.type, rule.set_coefficient)};
 }
 
-// What the bytes of an integer mean, where that is not what the text says.
+// The number that the bytes are to the device.
+double NumberOf(const ValueType& type, const std::vector<uint8_t>& bytes) {
+  const uint64_t bits = kavel::lidar::ReadBigEndian(bytes.data(), bytes.size());
+  if (type.kind == ValueKind::kReal) {
+    return type.size == sizeof(double)
+               ? kavel::lidar::DoubleOf(bits)
+               : static_cast<double>(kavel::lidar::FloatOf(static_cast<uint32_t>(bits)));
+  }
+  return static_cast<double>(type.is_signed ? kavel::lidar::SignExtended(bits, bytes.size())
+                                            : static_cast<int64_t>(bits));
+}
+
+// What the bytes of a number mean, where that is not what the text says. A real may differ in the
+// digits that its type does not have; a quotient beyond the type is infinite.
 InputProblem Rounding(const InputRule& rule, const std::string& text,
                       const std::vector<uint8_t>& bytes) {
-  if (rule.type->kind != ValueKind::kInteger || rule.type->is_exact) {
+  if (!rule.type->is_number() || rule.type->is_exact) {
     return {};
   }
-  const uint64_t bits = kavel::lidar::ReadBigEndian(bytes.data(), bytes.size());
-  const int64_t number = rule.type->is_signed ? kavel::lidar::SignExtended(bits, bytes.size())
-                                              : static_cast<int64_t>(bits);
-  const double stored = static_cast<double>(number) * AsWritten(rule.set_coefficient);
+  const double number = NumberOf(*rule.type, bytes);
+  const double stored = number * AsWritten(rule.set_coefficient);
   const double typed = SignedDecimal(text).value_or(stored);
-  constexpr double kAlike = 1e-9;
-  if (std::fabs(stored - typed) <= kAlike * std::max(1.0, std::fabs(typed))) {
+  const double alike = rule.type->kind == ValueKind::kReal ? 1e-6 : 1e-9;
+  if (std::fabs(stored - typed) <= alike * std::max(1.0, std::fabs(typed))) {
     return {};
   }
-  return {Kind::kRounded, "Would be stored as " + (rule.set_coefficient == 1.0F
-                                                       ? std::to_string(number)
-                                                       : ShortText(static_cast<float>(stored)))};
+  const bool is_whole = rule.type->kind == ValueKind::kInteger && rule.set_coefficient == 1.0F;
+  return {Kind::kRounded,
+          "Would be stored as " + (is_whole ? std::to_string(static_cast<int64_t>(number))
+                                            : ShortText(static_cast<float>(stored)))};
 }
 
 bool IsWellWritten(const InputRule& rule, const std::string& text) {

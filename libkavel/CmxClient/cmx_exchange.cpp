@@ -190,7 +190,8 @@ void CmxExchange::Receive(uint8_t cmd, Outcome& outcome) {
   }
   // The payload of a refusal is left where it is.
   const auto deadline = now_() + milliseconds(in_force_.recv_ms) + TimeForPayload(length);
-  outcome.accepted = outcome.error == 0 && ReceivePayload(outcome.payload, length, deadline);
+  outcome.accepted =
+      outcome.error == 0 && ReceivePayload(outcome.payload, length, deadline, progress_);
   owed_.Answered(IsLiveness(cmd));
   if (outcome.error == 0 && !outcome.accepted) {
     outcome.header.clear();
@@ -246,7 +247,7 @@ bool CmxExchange::PassOver(uint8_t cmd, const std::vector<uint8_t>& header,
   }
   owed_.LivenessAnswered();
   std::vector<uint8_t> payload;
-  return ReceivePayload(payload, PayloadLengthIn(header), deadline);
+  return ReceivePayload(payload, PayloadLengthIn(header), deadline, nullptr);
 }
 
 bool CmxExchange::IsAnswerTo(uint8_t cmd, const std::vector<uint8_t>& header) const {
@@ -271,7 +272,7 @@ uint32_t CmxExchange::PayloadLengthIn(const std::vector<uint8_t>& header) const 
 }
 
 bool CmxExchange::ReceivePayload(std::vector<uint8_t>& payload, uint32_t length,
-                                 Clock::time_point deadline) {
+                                 Clock::time_point deadline, ReplyProgress* progress) {
   if (length > kLargePayload) {
     KAVEL_LOG(kWarning, "CmxClient::QueryCommand, warning, nPayLoadLen too large:%d",
               static_cast<int>(length));
@@ -288,9 +289,9 @@ bool CmxExchange::ReceivePayload(std::vector<uint8_t>& payload, uint32_t length,
       return false;
     }
     received += static_cast<size_t>(count);
-    if (progress_ != nullptr) {
-      progress_->received = static_cast<uint32_t>(received);
-      if (progress_->unwanted) {
+    if (progress != nullptr) {
+      progress->received = static_cast<uint32_t>(received);
+      if (progress->unwanted) {
         return false;
       }
     }

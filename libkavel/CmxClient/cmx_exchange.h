@@ -98,7 +98,8 @@ class CmxExchange {
   bool PassOver(uint8_t cmd, const std::vector<uint8_t>& header, Clock::time_point deadline);
   bool IsAnswerTo(uint8_t cmd, const std::vector<uint8_t>& header) const;
   uint32_t PayloadLengthIn(const std::vector<uint8_t>& header) const;
-  bool ReceivePayload(std::vector<uint8_t>& payload, uint32_t length, Clock::time_point deadline);
+  bool ReceivePayload(std::vector<uint8_t>& payload, uint32_t length, Clock::time_point deadline,
+                      ReplyProgress* progress);
   int32_t ReceiveBy(Clock::time_point deadline, uint8_t* buffer, size_t size);
   void ArmReceiveTimeout(uint32_t ms);
 

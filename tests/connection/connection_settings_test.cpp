@@ -47,6 +47,7 @@ TEST_F(ConnectionSettingsTest, WhatCannotBeReadLeavesTheDefaults) {
     fault_.clear();
     EXPECT_EQ(Fields(Load(path_)), Fields(ConnectionSettings())) << content.substr(0, 50);
     EXPECT_EQ(fault_.find(path_.toStdString()) != std::string::npos, is_told) << fault_;
+    EXPECT_EQ(SaveConnectionSettings(path_, {}, "Orca"), !is_told) << "nothing of it is lost";
     QFile::remove(path_);
   };
   for (const char* value : {"udp_port=0", "udp_port=65536", "point_cloud_baudrate=fast"}) {

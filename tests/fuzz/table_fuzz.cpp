@@ -1,0 +1,12 @@
+#include "fuzz/fuzz_targets.h"
+#include "fuzz/table_check.h"
+#include "variables/table_rules.h"
+
+void FuzzTable(FuzzInput input) {
+  const std::string path = FuzzFolder().Write("varID/Orca.csv", input.RestText());
+  LoadedTable loaded = LoadModelTable(path);
+  Require(loaded.faults.size() <= FaultList::kMost + 2, "what is told of a file is bounded");
+  Require(loaded.rows.size() <= kMaxTableRows, "rows are bounded");
+  ConfigParser table(std::move(loaded));
+  CheckLoadedTable(table);
+}
