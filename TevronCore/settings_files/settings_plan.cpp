@@ -101,7 +101,7 @@ class Planner {
     planned->bytes = wanted.bytes;
     planned->reason = wanted.problem.text;
     const bool is_possible = wanted.problem.kind != Problem::kImpossible;
-    const bool is_equal = is_known && is_possible && wanted.bytes == *held->bytes;
+    const bool is_equal = is_known && !wanted.bytes.empty() && wanted.bytes == *held->bytes;
     if (is_equal && wanted.problem.kind != Problem::kRounded) {
       planned->reason = "the lidar holds it already";
     } else {

@@ -13,7 +13,7 @@ struct ApplyWish {
   bool with_network = false;   ///< also the network settings (command 0x21)
   std::set<std::string> only;  ///< these variables alone, whichever they are; empty: all but the
                                ///< network settings and what says which lidar it is
-  bool out_of_range = false;   ///< also what is outside its range, or would be stored rounded
+  bool out_of_range = false;   ///< also what is outside its range, none of a choice, or rounded
 };
 
 /// What is to be done with one value.

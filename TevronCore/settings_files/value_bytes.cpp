@@ -30,12 +30,12 @@ InputRule RuleOf(const VarInfo& var, bool range_counts) {
 
 bool IsChoice(const VarInfo& var) { return var.type == kChoice || var.type == kTallChoice; }
 
-InputProblem NoSuchOption(const VarInfo& var) {
+InputProblem NoSuchOption(const VarInfo& var, Kind kind) {
   std::string values;
   for (const Option& option : var.options) {
     values += (values.empty() ? "" : ", ") + std::to_string(option.value);
   }
-  return {Kind::kImpossible, "None of " + values};
+  return {kind, "None of " + values};
 }
 
 /// The value of the option with this label; else the text.
@@ -54,7 +54,7 @@ WantedValue OfBytes(const VarInfo& var, Bytes bytes, std::string text, bool rang
   if (IsFovTable(var) && !kavel::lidar::IsValidFovTable(wanted.bytes)) {
     wanted.problem = {Kind::kImpossible, "Ten angles from 0 to 360 are needed"};
   } else if (IsChoice(var) && OptionIndexOf(var, wanted.text) < 0) {
-    wanted.problem = NoSuchOption(var);
+    wanted.problem = NoSuchOption(var, Kind::kUnwanted);
   } else if (IsOutsideRange(rule, wanted.text)) {
     wanted.problem = {Kind::kUnwanted, "Outside " + RangeText(rule)};
   }
@@ -82,12 +82,12 @@ WantedValue OfText(const VarInfo& var, const std::string& typed, bool range_coun
     wanted.problem = {Kind::kImpossible, "A value of this type cannot be written as a text"};
     return wanted;
   }
-  if (IsChoice(var) && OptionIndexOf(var, wanted.text) < 0) {
-    wanted.problem = NoSuchOption(var);
-    return wanted;
-  }
   wanted.problem = FindInputProblem(RuleOf(var, range_counts), wanted.text);
-  if (wanted.problem.kind == Kind::kImpossible) {
+  const bool is_possible = wanted.problem.kind != Kind::kImpossible;
+  if (IsChoice(var) && OptionIndexOf(var, wanted.text) < 0) {
+    wanted.problem = NoSuchOption(var, is_possible ? Kind::kUnwanted : Kind::kImpossible);
+  }
+  if (!is_possible) {
     return wanted;
   }
   wanted.bytes = CreateStrParser(var.var_type)->Parse(wanted.text, var.set_coefficient);

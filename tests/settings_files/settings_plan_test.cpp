@@ -57,6 +57,7 @@ TEST_F(SettingsPlanTest, ChecksATextBeforeAnythingIsSent) {
       {"Range Offset", "1.3", "block: Would be stored as 1.25"},
       {"Range Offset", "1.5", "write 1.50"},
       {"Spin Rate", "700", "block: None of 300, 600, 1200"},
+      {"Spin Rate", "fast", "block: None of 300, 600, 1200"},
       {"Spin Direction", "Counter-clockwise", "write 1"},
       {"IP Address", "10.0.0", "skip: network setting"},
       {"Noise Filter", "0", "write 0"},
@@ -95,6 +96,7 @@ TEST_F(SettingsPlanTest, AWishSaysWhatIsWrittenBesides) {
   forced.out_of_range = true;
   EXPECT_EQ(PlanOf("Minimum Distance", "4", forced), "write 4: Outside 5 to 500");
   EXPECT_EQ(PlanOf("Range Offset", "1.3", forced), "write 1.25: Would be stored as 1.25");
+  EXPECT_EQ(PlanOf("Spin Rate", "700", forced), "write 700: None of 300, 600, 1200");
   EXPECT_EQ(PlanOf("Minimum Distance", "near", forced), "block: A number from 5 to 500 is needed");
 }
 

@@ -1,0 +1,150 @@
+#include "settings_files/snapshots.h"
+
+#include <QCryptographicHash>
+#include <QDir>
+#include <QFile>
+#include <QLocale>
+#include <QStandardPaths>
+#include <algorithm>
+#include <iterator>
+#include <optional>
+#include <utility>
+
+namespace {
+
+// A name is the time in UTC, so that names sort as times do, the reason and the model:
+// 20261122T073000123Z_apply_Orca.tevron.json
+constexpr char kTimeFormat[] = "yyyyMMdd'T'HHmmsszzz'Z'";
+constexpr char kSeparator[] = "_";
+
+/// Longer encoded texts are cut, since a name of a file has an end.
+constexpr int kLongestPart = 100;
+/// Begins what stands for the rest of a cut text, and stands for an empty one. Not in encoded ones.
+constexpr char kCut[] = "~";
+
+struct ReasonName {
+  SnapshotReason reason;
+  const char* name;
+  const char* text;
+};
+constexpr ReasonName kReasons[] = {{SnapshotReason::kUpgrade, "upgrade", "before upgrade"},
+                                   {SnapshotReason::kReset, "reset", "before reset"},
+                                   {SnapshotReason::kApply, "apply", "before apply"}};
+
+const ReasonName& NameOf(SnapshotReason reason) {
+  return *std::find_if(std::begin(kReasons), std::end(kReasons),
+                       [&](const ReasonName& each) { return each.reason == reason; });
+}
+
+/// A text that a device may have said as a part of a path: letters, digits and "-" stand for
+/// themselves, everything else is encoded, dots and slashes above all. Different texts give
+/// different parts.
+QString PartOf(const std::string& text) {
+  const QByteArray bytes = QByteArray::fromStdString(text);
+  const QByteArray encoded = bytes.toPercentEncoding({}, "._~");
+  if (encoded.isEmpty()) {
+    return kCut;
+  }
+  if (encoded.size() <= kLongestPart) {
+    return QString::fromLatin1(encoded);
+  }
+  const QByteArray hash = QCryptographicHash::hash(bytes, QCryptographicHash::Sha256).toHex();
+  return QString::fromLatin1(encoded.left(kLongestPart) + kCut + hash.left(16));
+}
+
+/// The text back; of one that was cut its beginning.
+std::string TextOfPart(const QString& part) {
+  return QByteArray::fromPercentEncoding(part.section(kCut, 0, 0).toLatin1()).toStdString();
+}
+
+/// Not by way of the local time, which lacks an hour in spring.
+QDateTime TimeIn(const QString& text) {
+  const QDateTime time(QDate::fromString(text.left(8), QStringLiteral("yyyyMMdd")),
+                       QTime::fromString(text.mid(9, 9), QStringLiteral("HHmmsszzz")), Qt::UTC);
+  return time.toLocalTime();
+}
+
+std::optional<Snapshot> SnapshotAt(const QString& folder, const QString& file) {
+  const QString name = file.chopped(static_cast<int>(sizeof kSettingsSuffix) - 1);
+  const QString reason = name.section(kSeparator, 1, 1);
+  const auto known =
+      std::find_if(std::begin(kReasons), std::end(kReasons),
+                   [&](const ReasonName& each) { return reason == QLatin1String(each.name); });
+  Snapshot snapshot;
+  snapshot.time = TimeIn(name.section(kSeparator, 0, 0));
+  if (known == std::end(kReasons) || !snapshot.time.isValid()) {
+    return std::nullopt;
+  }
+  snapshot.path = folder + '/' + file;
+  snapshot.model = TextOfPart(name.section(kSeparator, 2, 2));
+  snapshot.serial_number = TextOfPart(QDir(folder).dirName());
+  snapshot.reason = known->reason;
+  return snapshot;
+}
+
+/// The newest first.
+std::vector<Snapshot> In(const QString& folder) {
+  const QStringList files = QDir(folder).entryList({QString("*") + kSettingsSuffix}, QDir::Files,
+                                                   QDir::Name | QDir::Reversed);
+  std::vector<Snapshot> found;
+  for (const QString& file : files) {
+    if (std::optional<Snapshot> snapshot = SnapshotAt(folder, file)) {
+      found.push_back(std::move(*snapshot));
+    }
+  }
+  return found;
+}
+
+}  // namespace
+
+const char* TextOf(SnapshotReason reason) { return NameOf(reason).text; }
+
+QString Snapshots::UsualFolder() {
+  // Not the folder of one application: the window and the command line share them.
+  return QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation) +
+         "/Tevron/snapshots";
+}
+
+QString Snapshots::FolderOf(const std::string& serial_number) const {
+  return folder_ + '/' + PartOf(serial_number);
+}
+
+std::string Snapshots::Keep(const SettingsFile& settings, SnapshotReason reason) const {
+  const QString folder = FolderOf(settings.serial_number);
+  if (!QDir().mkpath(folder)) {
+    return "The folder " + folder.toStdString() + " cannot be made.";
+  }
+  QDateTime time = QDateTime::currentDateTimeUtc();
+  QString path;
+  do {
+    path = folder + '/' + QLocale::c().toString(time, kTimeFormat) + kSeparator +
+           NameOf(reason).name + kSeparator + PartOf(settings.model) + kSettingsSuffix;
+    time = time.addMSecs(1);
+  } while (QFile::exists(path));
+  const std::string error = SaveSettings(path, settings);
+  if (!error.empty()) {
+    return error;
+  }
+  const std::vector<Snapshot> kept = In(folder);
+  for (size_t i = kKept; i < kept.size(); ++i) {
+    QFile::remove(kept[i].path);
+  }
+  return "";
+}
+
+std::vector<Snapshot> Snapshots::Of(const std::string& serial_number) const {
+  return In(FolderOf(serial_number));
+}
+
+std::vector<Snapshot> Snapshots::All() const {
+  std::vector<Snapshot> all;
+  for (const QString& folder : QDir(folder_).entryList(QDir::Dirs | QDir::NoDotAndDotDot)) {
+    std::vector<Snapshot> some = In(folder_ + '/' + folder);
+    all.insert(all.end(), std::make_move_iterator(some.begin()),
+               std::make_move_iterator(some.end()));
+  }
+  std::stable_sort(all.begin(), all.end(), [](const Snapshot& one, const Snapshot& other) {
+    return one.time > other.time;
+  });
+  return all;
+}
