@@ -51,20 +51,19 @@ CmxExchange::Outcome CmxExchange::Run(uint8_t cmd, const std::vector<uint8_t>& p
   outcome.error = kSendIncomplete;
   progress_ = progress;
   told_by_transport_ = transport_->TakeSink(sink);
-  // Until the exchange has ended well, the next one must expect remains of it.
-  const bool expect_remains = std::exchange(trouble_, true);
+  // Until an answer is there, the next exchange must expect one that comes late.
+  const bool expect_late = std::exchange(silent_, true);
   if (!CanBeFramed(payload)) {
     return outcome;
   }
   ArmReceiveTimeout(in_force_.recv_ms);
   owed_.Forget();
-  DropStaleInput(expect_remains);
-  if (stale_input_ == StaleInput::kAfterTrouble && !owed_.None() && !FenceOff(cmd, payload)) {
+  if (!ClearTheLine(cmd, payload, expect_late)) {
     KAVEL_LOG(kWarning, "the lidar does not answer the liveness command that clears the line");
     return outcome;
   }
   SendAndReceive(cmd, payload, told_by_transport_ ? nullptr : sink, outcome);
-  trouble_ = !outcome.accepted || !owed_.None();
+  silent_ = outcome.header.empty();
   return outcome;
 }
 
@@ -108,17 +107,31 @@ bool CmxExchange::Send(uint8_t cmd, std::vector<uint8_t>& frame) {
   return false;
 }
 
-void CmxExchange::DropStaleInput(bool expect_remains) {
-  if (stale_input_ == StaleInput::kAfterTrouble && !expect_remains) {
-    std::array<uint8_t, kDrainBlockSize> block;
-    const int32_t count = transport_->Receive(block.data(), kDrainBlockSize, ClientBase::kPoll);
-    if (count < 1) {
-      return;
+// Keeps what earlier exchanges have left, or may still bring, away from the answer to `cmd`. False
+// when `cmd` must not follow.
+bool CmxExchange::ClearTheLine(uint8_t cmd, const std::vector<uint8_t>& payload, bool expect_late) {
+  const bool is_fenced = stale_input_ == StaleInput::kAfterTrouble;
+  if (is_fenced && !expect_late) {
+    DropWaitingInput();
+    if (owed_.None()) {
+      return true;
     }
+  }
+  const bool has_fence = is_fenced && liveness_ != kNoLiveness;
+  // What was only doubled, or came with stray bytes, is left behind by the fence alone.
+  if (!has_fence || expect_late) {
+    DrainUntilSilent();
+  }
+  return !has_fence || owed_.None() || FenceOff(cmd, payload);
+}
+
+void CmxExchange::DropWaitingInput() {
+  std::array<uint8_t, kDrainBlockSize> block;
+  const int32_t count = transport_->Receive(block.data(), kDrainBlockSize, ClientBase::kPoll);
+  if (count > 0) {
     owed_.Strayed();
     LookThrough(block.data(), count);
   }
-  DrainUntilSilent();
 }
 
 void CmxExchange::DrainUntilSilent() {
@@ -145,11 +158,7 @@ void CmxExchange::LookThrough(const uint8_t* data, int32_t size) {
 // Sends the liveness command ahead and drops what comes up to its answer. True when `cmd` may
 // follow: nothing that arrives from then on can be taken for its answer.
 bool CmxExchange::FenceOff(uint8_t cmd, const std::vector<uint8_t>& payload) {
-  const int liveness = liveness_;
-  if (liveness == kNoLiveness) {
-    return true;
-  }
-  const auto fence = static_cast<uint8_t>(liveness);
+  const auto fence = static_cast<uint8_t>(liveness_);
   std::vector<uint8_t> frame = BuildCmxFrame(*layout_, fence, 0, {});
   if (!Send(fence, frame)) {
     return false;
@@ -164,7 +173,7 @@ bool CmxExchange::FenceOff(uint8_t cmd, const std::vector<uint8_t>& payload) {
     LookThrough(block.data(), count);
   }
   if (owed_.None()) {
-    DropStaleInput(false);  // a doubled answer
+    DropWaitingInput();  // a doubled answer
     return true;
   }
   // One of several answers to liveness commands is late, or lost for good. Waiting for it again and

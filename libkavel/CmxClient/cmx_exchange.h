@@ -87,7 +87,8 @@ class CmxExchange {
   bool Send(uint8_t cmd, std::vector<uint8_t>& frame);
   bool IsLiveness(uint8_t cmd) const { return cmd == liveness_; }
 
-  void DropStaleInput(bool expect_remains);
+  bool ClearTheLine(uint8_t cmd, const std::vector<uint8_t>& payload, bool expect_late);
+  void DropWaitingInput();
   void DrainUntilSilent();
   bool FenceOff(uint8_t cmd, const std::vector<uint8_t>& payload);
   void LookThrough(const uint8_t* data, int32_t size);
@@ -114,7 +115,7 @@ class CmxExchange {
   bool told_by_transport_ = false;
   ReplyProgress* progress_ = nullptr;  ///< of the exchange that runs
 
-  bool trouble_ = true;  ///< the last exchange did not end cleanly
+  bool silent_ = true;  ///< the last exchange found no answer, or there was none yet
   OwedAnswers owed_;
 };
 

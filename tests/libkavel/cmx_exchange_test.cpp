@@ -155,7 +155,7 @@ TEST_F(CmxExchangeTest, OnlyTroubleMakesTheCommandWaitForSilence) {
       {"a byte was waiting", {{1}}, clean, true, 0},
       {"nothing", {}, {{9, 9, 0x47, 0x74, 7, 0, 0, 0}, {0, 0}}, false, 0},
       {"stray bytes came with the answer", {}, {{0x47, 0x74, 7, 1, 0, 0, 0, 0}}, true, 1},
-      {"a refusal", {}, {}, true, kNoReply},
+      {"a refusal", {}, {}, false, kNoReply},
       {"no answer", {}, clean, true, 0},
       {"nothing", {}, clean, false, 0},
   };
