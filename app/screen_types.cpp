@@ -12,6 +12,7 @@
 #include "log_filter.h"
 #include "log_lines.h"
 #include "log_selection.h"
+#include "long_calls.h"
 #include "manager_facts.h"
 #include "monitor_source.h"
 #include "page_rows.h"
@@ -41,6 +42,8 @@ void RegisterScreenTypes() {
                                          [](QQmlEngine*, QJSEngine*) { return new ConsoleWords; });
   qmlRegisterSingletonType<InputRules>("Tevron", 1, 0, "InputRules",
                                        [](QQmlEngine*, QJSEngine*) { return new InputRules; });
+  qmlRegisterSingletonType<LongCalls>("Tevron", 1, 0, "LongCalls",
+                                      [](QQmlEngine*, QJSEngine*) { return new LongCalls; });
   qmlRegisterType<RecentLidars>("Tevron", 1, 0, "RecentLidars");
   qmlRegisterType<LinkWatch>("Tevron", 1, 0, "LinkWatch");
   qmlRegisterType<ManagerFacts>("Tevron", 1, 0, "ManagerFacts");

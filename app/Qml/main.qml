@@ -1,4 +1,5 @@
 import QtQuick 2.15
+import Tevron 1.0
 import "theme"
 import "assembly"
 import "controls"
@@ -18,7 +19,7 @@ FocusScope {
     readonly property var actions: ({
         "save": waiting => leaving.write(waiting),
         "restart": () => link.restart(),
-        "reset": () => manager.Reset(),
+        "reset": () => LongCalls.Run(() => manager.Reset()),
         "address": address => link.connectTo(address),
         "tab": tab => pages.selectTab(tab),
         "model": lidar => choose(lidar),

@@ -15,12 +15,12 @@
 
 namespace {
 
-// An exchange waits this long for a header and again for the payload behind it. On top of one
-// exchange a call may hold the window for a second; two calls may follow one another at once:
-// connecting reads two pages, Save writes and reads.
+// An exchange waits this long for silence, for what clears the line, for a header, and for the
+// payload behind it, each in turn at the worst. On top of one exchange a call may hold the window
+// for a second; between two calls the window answers.
 constexpr qint64 kReceiveTimeoutMs = 500;
 constexpr qint64 kGrantedMs = 1000;
-constexpr qint64 kLongestHoldMs = 2 * (2 * kReceiveTimeoutMs + kGrantedMs);
+constexpr qint64 kLongestHoldMs = 4 * kReceiveTimeoutMs + kGrantedMs;
 
 // A model whose writes are protected.
 const char kModel[] = "Osprey";

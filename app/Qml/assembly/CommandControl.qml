@@ -1,5 +1,6 @@
 import QtQuick 2.15
 import Tevron 1.0
+import Tevron 1.0
 
 // What the command console does: sending, what came back, and the reply of every command in the
 // history.
@@ -39,7 +40,7 @@ Item {
                      || wrong(qsTr("payload"), ConsoleWords.PayloadProblem(payload));
         chosen = -1;
         const before = history;
-        manager.SendCommand(command, payload);
+        LongCalls.Run(() => manager.SendCommand(command, payload));
         if (!isNew(before, command, payload)) {
             lastAttempt = failure(reason === "" ? ConsoleWords.Verdict(command, "")
                                   : { text: qsTr("Not sent: %1").arg(reason), tag: "WARNING" });

@@ -72,6 +72,11 @@ Item {
         cancelled();
     }
 
+    // Hands all of them over again: a Save that failed has dropped its orders.
+    function handOver() {
+        Object.keys(angles).forEach(i => set(i, angles[i]));
+    }
+
     // Hands over again those of `kept` that the manager does not show any more.
     function restore(kept) {
         Object.keys(kept).filter(i => kept[i] !== manager.FovList[i]).forEach(i => {

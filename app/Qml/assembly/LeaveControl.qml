@@ -21,20 +21,19 @@ Item {
 
     // `answer` is "save" or "discard".
     function settleAndGo(answer, purpose, argument) {
-        if (answer === "discard")
+        if (answer === "discard") {
             pages.discard();
-        following = { "purpose": purpose, "argument": argument };
-        const settled = answer === "discard" || pages.settle();
-        following = null;
-        if (settled)
             go(purpose, argument);
+            return;
+        }
+        following = { "purpose": purpose, "argument": argument };
+        pages.settle(() => go(purpose, argument));
+        following = null;
     }
 
     // Writes what was confirmed, and does what waited for it.
     function write(waiting) {
-        pages.write();
-        if (waiting && !pages.hasEdits)
-            go(waiting.purpose, waiting.argument);
+        pages.write(waiting ? () => go(waiting.purpose, waiting.argument) : undefined);
     }
 
     function go(purpose, argument) {

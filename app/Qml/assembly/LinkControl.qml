@@ -1,5 +1,6 @@
 import QtQuick 2.15
 import Tevron 1.0
+import "../controls"
 
 // What the Connect button does, and what follows from a connection: the link check, the comparison
 // of the lidar's numbers with the chosen model, and the first reading; and what follows from a
@@ -57,7 +58,9 @@ Item {
 
     // An upgrade that runs sees to the connection itself; a serial line stays.
     function restart() {
-        if (manager.Restart() === 0 && manager.connectType === networkType && !upgrading)
+        let result = 0;
+        LongCalls.Run(() => result = manager.Restart());
+        if (result === 0 && manager.connectType === networkType && !upgrading)
             watch.AwaitLidar();
     }
 
@@ -86,18 +89,26 @@ Item {
     function onLink() {
         if (!manager.IsConnected || manager.connectType !== networkType) {
             linkCheck.stop();
+            turns.clear();
             return;
         }
-        manager.GetLidarModuleInfo(0);
+        turns.clear();
+        read(0);
         checkNumbers();
-        manager.GetLidarModuleInfo(tab);
+        turns.add(() => read(tab));
         linkCheck.start();
+    }
+
+    function read(page) {
+        LongCalls.Run(() => manager.GetLidarModuleInfo(page));
     }
 
     Connections {
         target: link.manager
         function onIsConnectedChanged() { link.onLink(); }
     }
+
+    Turns { id: turns }
 
     Timer {
         id: linkCheck
@@ -108,7 +119,9 @@ Item {
         onTriggered: {
             if (link.manager.IsUpgrading || link.manager.IsDownloadLog)
                 return;
-            if (!link.manager.CheckLidarConnection()) {
+            let alive = true;
+            LongCalls.Run(() => alive = link.manager.CheckLidarConnection());
+            if (!alive) {
                 stop();
                 link.toggle();
             }

@@ -1,4 +1,5 @@
 import QtQuick 2.15
+import Tevron 1.0
 import "../controls"
 import "../theme"
 
@@ -58,7 +59,7 @@ FocusScope {
         watch: strip.watch
         onReconnectWanted: strip.reconnectWanted()
         onCancelWanted: strip.cancelWanted()
-        onAskWanted: strip.manager.CheckLidarConnection()
+        onAskWanted: LongCalls.Run(() => strip.manager.CheckLidarConnection())
     }
 
     BusyLine {
@@ -66,5 +67,6 @@ FocusScope {
         anchors.right: parent.right
         anchors.top: parent.top
         busy: strip.watch.connecting || strip.manager.isGetPBLVersion
+        now: LongCalls.waiting
     }
 }

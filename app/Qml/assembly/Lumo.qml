@@ -31,7 +31,7 @@ FocusScope {
     signal restartWanted()
     signal refused(string reason)
 
-    function settle() { return control.settle(); }
+    function settle(next) { control.settle(next); }
     function discard() { control.discard(); }
 
     LumoControl {

@@ -56,7 +56,7 @@ Item {
     }
 
     function run(text, operation) {
-        talk.run(text, operation);
+        talk.run(text, [operation]);
     }
 
     function readNow(group, silent) {
@@ -71,7 +71,7 @@ Item {
             return;
         group.accept(values, false);
         if (group !== baudRate)
-            readNow(group, true);
+            talk.goOn(() => readNow(group, true));
     }
 
     function setOrderNow(order) {
@@ -82,34 +82,33 @@ Item {
     }
 
     function read(group) {
-        talk.run(qsTr("%1: reading…").arg(group.title), () => readNow(group, false));
+        talk.run(qsTr("%1: reading…").arg(group.title), [() => readNow(group, false)]);
     }
 
     function set(group) {
-        talk.run(qsTr("%1: setting…").arg(group.title), () => setNow(group));
+        talk.run(qsTr("%1: setting…").arg(group.title), [() => setNow(group)]);
     }
 
     function setOrder(order) {
-        talk.run(qsTr("%1: setting…").arg(operation.title), () => setOrderNow(order));
+        talk.run(qsTr("%1: setting…").arg(operation.title), [() => setOrderNow(order)]);
     }
 
-    // Sets all that is edited; true when nothing is left that is not set.
-    function settle() {
+    // Sets all that is edited, and does `next` after that.
+    function settle(next) {
         if (obstacle.length > 0) {
             refused(obstacle);
-            return !hasEdits;
+            next();
+            return;
         }
         const edited = groups.filter(group => group.edited);
         const wrong = edited.find(group => !group.complete);
         if (wrong !== undefined) {
             refused(qsTr("%1 cannot be set as it stands.").arg(wrong.title));
-            return false;
+            return;
         }
-        for (const group of edited.filter(group => group !== operation))
-            setNow(group);
-        for (const order of operation.editedOrders)
-            setOrderNow(order);
-        return !hasEdits;
+        talk.follow(qsTr("Setting what was changed…"),
+                    edited.filter(group => group !== operation).map(group => () => setNow(group))
+                          .concat(operation.editedOrders.map(order => () => setOrderNow(order)), next));
     }
 
     function discard() {
@@ -121,16 +120,17 @@ Item {
     function readSettings() {
         if (!ready || manager.connectType !== 2)
             return;
-        talk.run(qsTr("Reading the lidar's settings…"), () => {
-            readNow(network, true);
-            readNow(destination, true);
-        });
+        talk.run(qsTr("Reading the lidar's settings…"),
+                 [() => readNow(network, true), () => readNow(destination, true)]);
     }
 
     function showFacts() {
         info = manager.LumoLidarInfo;
         versions = manager.LumoLidarVersionInfo;
     }
+
+    onObstacleChanged: if (obstacle.length > 0)
+                           talk.drop()
 
     Component.onCompleted: {
         showFacts();

@@ -1,4 +1,6 @@
 import QtQuick 2.15
+import Tevron 1.0
+import "../controls"
 
 // What the serial screen asks the lidar, one thing after the other. The window waits meanwhile, so
 // that each is named before it begins.
@@ -15,14 +17,30 @@ Item {
     property bool failed: false
     property string reason: ""
 
-    // Lets the window show `text` before `operation` begins. False while another one is waited for.
-    function run(text, operation) {
+    // Lets the window show `text` before the first of `operations` begins. False while others are
+    // waited for.
+    function run(text, operations) {
         if (activity.length > 0)
             return false;
-        activity = text;
-        start.operation = operation;
-        start.start();
+        follow(text, operations);
         return true;
+    }
+
+    // The same, behind what is waited for.
+    function follow(text, operations) {
+        activity = text;
+        turns.add(operations);
+    }
+
+    // Ahead of what is waited for; for an operation that leads to another.
+    function goOn(operation) {
+        turns.addFirst(operation);
+    }
+
+    // Gives up what has not begun.
+    function drop() {
+        turns.clear();
+        activity = "";
     }
 
     // Runs `operation` now and gives what it gives.
@@ -30,7 +48,8 @@ Item {
         failed = false;
         reason = "";
         listening.enabled = true;
-        const told = operation();
+        let told;
+        LongCalls.Run(() => told = operation());
         listening.enabled = false;
         return told;
     }
@@ -49,15 +68,10 @@ Item {
         }
     }
 
-    Timer {
-        id: start
-
-        property var operation
+    Turns {
+        id: turns
 
         interval: 20
-        onTriggered: {
-            operation();
-            talk.activity = "";
-        }
+        onEnded: talk.activity = ""
     }
 }

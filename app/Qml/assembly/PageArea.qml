@@ -1,4 +1,5 @@
 import QtQuick 2.15
+import Tevron 1.0
 
 // What the lidar shows of itself: over the network its pages, one a tab; over a serial line the
 // panels of its model.
@@ -22,19 +23,27 @@ Item {
     // Another page is wanted while this one has edits: answered by selectTab() or nothing.
     signal leaveAsked(int tab)
 
-    // Writes the edits of the page in view, whatever their values.
-    function write() {
-        page.write();
+    // Writes the edits of the page in view, whatever their values, and does `next`, where there is
+    // one, once nothing is left to be saved or lost.
+    function write(next) {
+        page.write(next && whenSettled(next));
     }
 
-    // Saves what is edited; true when nothing is left to be saved or lost.
-    function settle() {
-        if (!network)
-            return serial.item.settle();
+    // Saves what is edited, and does `next` in the same way.
+    function settle(next) {
+        if (!network) {
+            serial.item.settle(whenSettled(next));
+            return;
+        }
         page.forceActiveFocus();
-        if (hasEdits)
-            page.save();
-        return !hasEdits;
+        hasEdits ? page.save(whenSettled(next)) : next();
+    }
+
+    function whenSettled(next) {
+        return () => {
+            if (!hasEdits)
+                Qt.callLater(next);
+        };
     }
 
     // Drops what is edited.
@@ -58,7 +67,7 @@ Item {
         page.release(() => {
             manager.ClearSetMap();
             manager.setModuleIndexUse(tab);
-            manager.GetLidarModuleInfo(tab);
+            LongCalls.Run(() => manager.GetLidarModuleInfo(tab));
             currentTab = tab;
         });
     }

@@ -55,21 +55,23 @@ Item {
 
     // Does `reading`, after which no edit is left.
     function release(reading) {
+        saveControl.forget();
         releasing = true;
         reading();
         fov.clear();
         releasing = false;
     }
 
-    // Hands over what is typed in the field that still has the keyboard, and saves.
-    function save() {
+    // Hands over what is typed in the field that still has the keyboard, and saves. For `next` see
+    // SaveControl.
+    function save(next) {
         if (current !== null)
             current.commit();
-        saveControl.save();
+        saveControl.save(next);
     }
 
-    function write() {
-        saveControl.write();
+    function write(next) {
+        saveControl.write(next);
     }
 
     FovEdits {
@@ -89,6 +91,7 @@ Item {
         onRefused: edits.refused(reason)
         onConfirmationWanted: edits.confirmationWanted(names)
         onFaultFound: edits.faultFound()
+        onWritten: edits.countPending()
         onDone: edits.done(outcome)
     }
 }

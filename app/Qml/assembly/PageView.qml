@@ -1,6 +1,7 @@
 import QtQuick 2.15
 import QtQuick.Templates 2.15 as T
 import QtQuick.Window 2.15
+import Tevron 1.0
 
 // One page of the lidar's variables, or what is found on all pages, and below it Save and Cancel.
 //
@@ -52,7 +53,7 @@ FocusScope {
 
     function cancel() {
         page.forceActiveFocus();
-        release(() => manager.GetLidarModuleInfo(tab));
+        release(() => LongCalls.Run(() => manager.GetLidarModuleInfo(tab)));
     }
 
     function discard() {
@@ -60,12 +61,12 @@ FocusScope {
         release(() => manager.ClearSetMap());
     }
 
-    function save() {
-        edits.save();
+    function save(next) {
+        edits.save(next);
     }
 
-    function write() {
-        edits.write();
+    function write(next) {
+        edits.write(next);
     }
 
     // Takes the keyboard to a row of the page.

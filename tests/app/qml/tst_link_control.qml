@@ -44,6 +44,8 @@ TestCase {
     function test_the_button_connects_and_disconnects_but_not_during_an_upgrade() {
         link.toggle();
         connected(true);
+        compare(names(), ["ConnectLidar", "GetLidarModuleInfo"]);
+        tryVerify(() => manager.calls.length === 3);
         manager["IsUpgrading"] = true;
         link.toggle();
         compare(refusals, ["Disconnect REJECTED. Lidar is upgrading."]);
@@ -72,6 +74,13 @@ TestCase {
         timer.triggered();
         compare(names(), ["CheckLidarConnection", "CheckLidarConnection", "Stop"]);
         verify(!timer.running);
+    }
+
+    function test_a_lidar_that_goes_at_once_is_not_asked_for_the_page_in_view() {
+        connected(true);
+        connected(false);
+        wait(20);
+        compare(names(), ["GetLidarModuleInfo"]);
     }
 
     function test_a_serial_lidar_is_neither_read_nor_checked() {

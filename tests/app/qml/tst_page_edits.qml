@@ -14,6 +14,7 @@ PageCase {
         compare(manager.calls, []);
         type("field_0_0_1", "42");
         keyClick(Qt.Key_S, Qt.ControlModifier);
+        tryVerify(() => manager.calls.length === 4);
         compare(manager.calls.map(call => call[0]),
                 ["SetText", "CheckModuleVarsWithinRange", "Run", "GetLidarModuleInfo"]);
     }
@@ -66,6 +67,7 @@ PageCase {
             manager["heldAngles"] = Array(10).fill(held);
             manager.calls = [];
             page.write();
+            tryVerify(() => manager.calls.length > 1);
             compare(manager.calls, writing, "angles that nobody edited are no edits");
         }
         for (const [name, text] of [["field_0_0_1", "42"], ["fov_7", "5"], ["fov_8", "400"]]) {
@@ -76,13 +78,34 @@ PageCase {
         put(1, "edited", true);
         manager.calls = [];
         page.write();
-        compare(manager.calls, writing.concat([["SetText", 1, 0, 0, 1, "42"],
-                                               ["SetMultiFovConfig", 7, "5"]]));
+        const edits = [["SetText", 1, 0, 0, 1, "42"], ["SetMultiFovConfig", 7, "5"]];
+        compare(manager.calls, [writing[0]].concat(edits));
+        tryVerify(() => manager.calls.length > 4);
+        compare(manager.calls.slice(3), [writing[1], edits[1]]);
         const shown = () => [7, 8].map(i => editor("fov_" + i)).map(it => [it.text, it.pending]);
         compare(shown(), [["5", true], ["400", true]]);
         manager.calls = [];
         mouseClick(editor("cancelButton"));
         compare(manager.calls, [["GetLidarModuleInfo", 0]]);
         compare(shown(), [["200", false], ["200", false]]);
+    }
+
+    // The window answers between a Save's writing and its reading.
+    function test_what_is_done_while_a_save_is_read_back_counts() {
+        const run = ["Run", 0];
+        const read = ["GetLidarModuleInfo", 0];
+        const edit = ["SetText", 1, 0, 0, 1, "42"];
+        page.write();
+        put(1, "current_val", "42");
+        put(1, "edited", true);
+        manager.myMapChanged();
+        page.write();
+        wait(20);
+        compare(manager.calls, [run, run, edit, read], "what was edited meanwhile is an edit");
+        manager.calls = [];
+        page.write();
+        page.cancel();
+        wait(20);
+        compare(manager.calls, [run, edit, read], "an edit that was dropped has no outcome");
     }
 }
