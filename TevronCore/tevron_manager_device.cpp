@@ -107,8 +107,7 @@ std::string TevronManager::RunningVersion() const { return parts_->session.Runni
 std::optional<UartArrivals> TevronManager::UartNow() const { return parts_->session.Uart(); }
 
 bool TevronManager::TakesPackages() const {
-  return parts_->model()->family == SerialFamily::kKiva &&
-         parts_->model()->connect_type == kSerialCmx;
+  return ::TakesPackages(parts_->model()->connect_type, parts_->model()->family);
 }
 
 int TevronManager::UpgradeLidar(const QUrl& fileUrl, int, int, int) {

@@ -122,14 +122,11 @@ int CheckAndPrint(const Options& options) {
 
 /// One line a model, for people and scripts: the parts stand behind tabs.
 int PrintModels(const ConfigFolder& config) {
-  constexpr const char* reached[] = {"network", "serial pair", "serial line"};
-  constexpr const char* kinds[] = {"none", "Lumo", "Kiva"};
   for (const std::string& model : config.Models()) {
     TableFaults told_by_the_check;
     const ModelFeatures features = LoadFeatures(config, model, &told_by_the_check);
-    std::cout << model << '\t' << reached[features.connect_type] << '\t'
-              << kinds[static_cast<int>(features.family)] << '\t'
-              << AbsolutePath(config.TableOf(model)) << '\n';
+    std::cout << model << '\t' << TextOf(features.connect_type) << '\t' << TextOf(features.family)
+              << '\t' << AbsolutePath(config.TableOf(model)) << '\n';
   }
   return 0;
 }

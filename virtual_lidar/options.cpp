@@ -2,7 +2,6 @@
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
-#include <filesystem>
 #include <sstream>
 
 namespace {
@@ -33,19 +32,6 @@ std::string FaultHelp() {
           "  virtual_lidar --model Orca --make-firmware 2.8.0 orca.patch\n\n"
           "Signals: SIGUSR1 writes the dump file anew; SIGTERM and SIGINT end at once.";
   return text.str();
-}
-
-// The tables of the program's own install root, whatever the current directory is: those that the
-// window beside it reads.
-std::string OwnConfigFolder() {
-  std::error_code ignored;
-  const auto program = std::filesystem::read_symlink("/proc/self/exe", ignored);
-  const auto folder = program.parent_path();
-  const auto usual = folder.parent_path() / "Config";
-  const auto flat = folder / "Config";
-  const bool is_flat = !std::filesystem::is_directory(usual, ignored) &&
-                       std::filesystem::is_directory(flat, ignored);
-  return (is_flat ? flat : usual).string();
 }
 
 std::string CheckFault(std::string& text) {
@@ -176,7 +162,7 @@ void DeclareFirmware(CLI::App* app, CommandLine* line) {
 // The texts have passed their checks while they were read.
 void MakeSense(const CommandLine& line, Options* options) {
   std::string error;
-  options->config_folder = line.config.empty() ? OwnConfigFolder() : line.config;
+  options->config_folder = line.config.empty() ? ProgramConfigFolder() : line.config;
   options->features =
       LoadFeatures(ConfigFolder(options->config_folder), options->model, &options->feature_faults);
   options->auth_required = !line.no_auth;

@@ -194,7 +194,7 @@ void CheckAuthKeys(const ConfigFolder& folder, TableFaults* faults) {
                           std::string_view value) { CheckLine(line, group, name, value, &found); });
     found.MoveTo(faults);
     if (const std::string warning = AuthKeyFileWarning(path); !warning.empty()) {
-      faults->push_back({0, warning, TableFault::Severity::kWarning});
+      faults->push_back({0, warning, TableFault::Severity::kWarning, path});
     }
   }
 }

@@ -87,7 +87,7 @@ class StrayFiles {
 
   void Warn(const fs::path& path, const std::string& reason) {
     faults_.push_back({0, path.string() + ": this file is not read: " + reason + "; rename it",
-                       TableFault::Severity::kWarning});
+                       TableFault::Severity::kWarning, path.string()});
   }
 
   const std::vector<std::string> models_;

@@ -5,8 +5,15 @@
 #include <string>
 #include <vector>
 
+#include "variables/model_traits.h"
+
 /// The largest file that is taken for firmware.
 inline constexpr uint64_t kMaxUpgradeFileSize = uint64_t{64} << 20;
+
+/// Whether a model takes its firmware as a package of components, and not as one image.
+inline bool TakesPackages(ConnectType connect_type, SerialFamily family) {
+  return family == SerialFamily::kKiva && connect_type == kSerialCmx;
+}
 
 /// What a file that the user chose turned out to be.
 struct UpgradeFileFacts {

@@ -20,6 +20,17 @@ std::string AbsolutePath(const std::string& path) {
   return error ? path : whole.string();
 }
 
+std::string ProgramConfigFolder() {
+  std::error_code ignored;
+  const std::filesystem::path program = std::filesystem::read_symlink("/proc/self/exe", ignored);
+  const std::filesystem::path folder = program.parent_path();
+  const std::filesystem::path usual = folder.parent_path() / "Config";
+  const std::filesystem::path flat = folder / "Config";
+  const bool is_flat = !std::filesystem::is_directory(usual, ignored) &&
+                       std::filesystem::is_directory(flat, ignored);
+  return (is_flat ? flat : usual).string();
+}
+
 ConfigFolder ConfigFolder::Of(const std::string& table_path) {
   const auto upwards = [](std::filesystem::path path) {
     path = path.parent_path();

@@ -6,6 +6,10 @@
 /// The path from the root of the file system, as a user can find it whatever folder is current.
 std::string AbsolutePath(const std::string& path);
 
+/// The folder of tables in the install root that the running program lies in, whatever the current
+/// directory is: "Config" beside its "bin", or beside the program itself.
+std::string ProgramConfigFolder();
+
 /// A folder of tables and keys as "./Config" is, and the site's own in its sub-folder "site": the
 /// same layout, read after what ships, so that an update replaces nothing of it. Where both say
 /// something of one model, the site counts.

@@ -26,7 +26,7 @@ void FaultList::Add(TableFault::Severity severity, size_t line, std::string_view
   } else {
     text.append(": ").append(reason);
   }
-  faults_.push_back({line, std::move(text), severity});
+  faults_.push_back({line, std::move(text), severity, path_});
 }
 
 TableFaults FaultList::Take() {
@@ -35,7 +35,7 @@ TableFaults FaultList::Take() {
   if (const uint64_t more = more_faults_ + more_warnings_; more != 0) {
     faults_.push_back(
         {0, path_ + ": " + std::to_string(more) + " more; mend these first",
-         more_faults_ != 0 ? TableFault::Severity::kFault : TableFault::Severity::kWarning});
+         more_faults_ != 0 ? TableFault::Severity::kFault : TableFault::Severity::kWarning, path_});
   }
   more_faults_ = 0;
   more_warnings_ = 0;

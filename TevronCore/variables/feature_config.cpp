@@ -198,9 +198,10 @@ std::vector<std::pair<std::string, size_t>> CheckFeatures(const ConfigFolder& co
   const std::vector<std::string> models = config.Models();
   const std::string shipped = config.path() + '/' + kFeatureTableName;
   if (!std::filesystem::exists(shipped)) {
-    faults->push_back({0, shipped +
-                              ": there is no such file; install it again. Every model has the "
-                              "values of empty cells until then"});
+    faults->push_back({0,
+                       shipped + ": there is no such file; install it again. Every model has the "
+                                 "values of empty cells until then",
+                       TableFault::Severity::kFault, shipped});
   }
   ForEachTable(config, faults, [&](const std::string& path, const FeatureTable& table) {
     rows.emplace_back(path, table.row_count());

@@ -14,3 +14,25 @@ ModelTraits TraitsOf(const std::string& model) {
   }
   return traits;
 }
+
+const char* TextOf(ConnectType connect_type) {
+  switch (connect_type) {
+    case kSerialPair:
+      return "serial pair";
+    case kSerialCmx:
+      return "serial line";
+    default:
+      return "network";
+  }
+}
+
+const char* TextOf(SerialFamily family) {
+  switch (family) {
+    case SerialFamily::kLumo:
+      return "Lumo";
+    case SerialFamily::kKiva:
+      return "Kiva";
+    default:
+      return "none";
+  }
+}

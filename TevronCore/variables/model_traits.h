@@ -12,6 +12,11 @@ enum ConnectType : int {
 /// Models that know the maintenance commands, by the facts they tell about themselves.
 enum class SerialFamily { kNone = 0, kLumo = 1, kKiva = 2 };
 
+/// "network", "serial pair" or "serial line".
+const char* TextOf(ConnectType connect_type);
+/// "none", "Lumo" or "Kiva".
+const char* TextOf(SerialFamily family);
+
 /// What is known about a model apart from its tables.
 struct ModelTraits {
   ConnectType connect = kNetworkLink;

@@ -112,7 +112,8 @@ std::shared_ptr<ConfigParser> WithMonitorTable(const ConfigParser& base, const s
   }
   const VarInfo* block = MonitorBlockOf(base);
   if (block == nullptr) {
-    faults->push_back({0, base.path() + ": no row has \"monitor\" for its Options"});
+    faults->push_back({0, base.path() + ": no row has \"monitor\" for its Options",
+                       TableFault::Severity::kFault, base.path()});
     return nullptr;
   }
   FaultList found(path);

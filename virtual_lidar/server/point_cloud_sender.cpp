@@ -13,6 +13,7 @@
 
 #include "Platform/ipv4_text.h"
 #include "Wire/big_endian.h"
+#include "Wire/point_packet.h"
 #include "server/unique_fd.h"
 #include "variables/number_text.h"
 
@@ -97,10 +98,9 @@ void PointCloudSender::SendDue() {
 void PointCloudSender::SendOne() {
   const auto elapsed =
       std::chrono::duration_cast<microseconds>(EventLoop::Clock::now() - start_).count();
-  std::vector<uint8_t> packet = {'K', 'P', 'C', 'L'};
+  std::vector<uint8_t> packet = kavel::lidar::BuildPointPacketHead(static_cast<uint32_t>(sent_),
+                                                                   static_cast<uint64_t>(elapsed));
   packet.reserve(kPacketSize);
-  kavel::lidar::AppendBigEndian32(packet, static_cast<uint32_t>(sent_));
-  kavel::lidar::AppendBigEndian64(packet, static_cast<uint64_t>(elapsed));
   for (size_t point = 0; packet.size() < kPacketSize; ++point) {
     const size_t channel = point % kChannels;
     const size_t step = (sent_ * 20 + point / kChannels) % kAzimuthSteps;
