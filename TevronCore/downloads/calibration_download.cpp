@@ -12,7 +12,7 @@ using kavel::lidar::CmxClient;
 using kavel::lidar::kNotConnected;
 
 int32_t DownloadCalibration(kavel::lidar::CommandSender* sender, const LinkState& state,
-                            const QString& path, UserReport& report) {
+                            const QString& path, UserReport& report, QString* saved) {
   const auto fail = [&report](const std::string& text, int32_t reason) {
     report.Error(text);
     return reason;
@@ -36,6 +36,9 @@ int32_t DownloadCalibration(kavel::lidar::CommandSender* sender, const LinkState
   }
   report.LogLine(std::to_string(calibration.size()) + " bytes saved as " + target.toStdString(),
                  LogType::kInfo);
+  if (saved != nullptr) {
+    *saved = target;
+  }
   report.Success("calibration saved as " + target.toStdString());
   return 0;
 }

@@ -12,6 +12,7 @@
 /// connection.
 ///
 /// Returns 0 when the file is there, else the reason, see command_sender.h (-1 when nothing was
-/// asked or nothing written); what went wrong is reported, and a success as well.
+/// asked or nothing written); what went wrong is reported, and a success as well. *saved (may be
+/// null) gets the name of the file.
 int32_t DownloadCalibration(kavel::lidar::CommandSender* sender, const LinkState& state,
-                            const QString& path, UserReport& report);
+                            const QString& path, UserReport& report, QString* saved = nullptr);

@@ -58,6 +58,7 @@ bool LogDownload::Save(const QString& path, const QString& name,
                        const std::vector<uint8_t>& bytes) {
   const FileOutcome file = WriteWholeFile(path, bytes);
   if (file.written) {
+    file_ = path;
     set_up_.report.LogLine(std::to_string(bytes.size()) + " bytes saved as " + path.toStdString(),
                            LogType::kInfo);
     return true;

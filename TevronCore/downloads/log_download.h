@@ -37,9 +37,13 @@ class LogDownload {
   /// is reported. The bytes are not shown in the byte flow.
   int Run(const QUrl& folder, const QString& name);
 
+  /// The file that Run saved; empty when it saved none.
+  const QString& file() const { return file_; }
+
  private:
   int Fetch(const QUrl& folder, const QString& name);
   bool Save(const QString& path, const QString& name, const std::vector<uint8_t>& bytes);
 
   const SetUp set_up_;
+  QString file_;
 };

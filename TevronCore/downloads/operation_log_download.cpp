@@ -90,6 +90,7 @@ OperationLogDownload::PartOutcome OperationLogDownload::FetchPart(size_t part,
     return PartOutcome::kLost;
   }
   saved_ += reply.size();
+  files_.push_back(path);
   report_->LogLine(std::to_string(reply.size()) + " bytes saved as " + path.toStdString(),
                    LogType::kInfo);
   return PartOutcome::kSaved;

@@ -54,6 +54,9 @@ class OperationLogDownload {
   /// Any thread.
   DownloadSnapshot Now() const;
 
+  /// The files that were saved; once `done` has been called.
+  const std::vector<QString>& files() const { return files_; }
+
  private:
   enum class PartOutcome { kSaved, kRefused, kLost };
 
@@ -68,6 +71,7 @@ class OperationLogDownload {
   kavel::lidar::ReplyProgress progress_;
   std::atomic<size_t> part_{0};
   std::atomic<uint64_t> saved_{0};
+  std::vector<QString> files_;  ///< of the download's thread
   std::atomic<bool> over_{false};
   std::thread thread_;
 };

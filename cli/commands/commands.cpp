@@ -1,0 +1,25 @@
+#include "commands/commands.h"
+
+Command FindCommand(const std::string& name) {
+  constexpr std::pair<const char*, Command> commands[] = {
+      {"models", RunModels},
+      {"info", RunInfo},
+      {"get", RunGet},
+      {"send", RunSend},
+      {"restart", RunRestart},
+      {"reset", RunReset},
+      {"upgrade", RunUpgrade},
+      {"download", RunDownload},
+      {"log", RunLog},
+      {"calibration", RunCalibration},
+      {"monitor", RunMonitor},
+      {"watch-udp", RunWatchUdp},
+      {"check-tables", RunCheckTables},
+  };
+  for (const auto& [called, command] : commands) {
+    if (name == called) {
+      return command;
+    }
+  }
+  return nullptr;
+}

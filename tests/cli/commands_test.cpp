@@ -1,0 +1,222 @@
+// Each command against a virtual lidar: its exit code, and what it prints.
+
+#include <gtest/gtest.h>
+
+#include <QFile>
+#include <QTemporaryDir>
+
+#include "cli/tevronctl_process.h"
+#include "support/test_install.h"
+#include "support/virtual_lidar_process.h"
+
+namespace {
+
+class Commands : public testing::Test {
+ protected:
+  static QStringList At(const VirtualLidarProcess& lidar, const QString& model = "Orca") {
+    return {"--model", model, "--host", "127.0.0.1:" + QString::number(lidar.port())};
+  }
+  static QJsonObject ValueOf(const Tevronctl& ended, const QString& name) {
+    for (const QJsonValue& value : ended.Json()["values"].toArray()) {
+      if (value["name"] == name) {
+        return value.toObject();
+      }
+    }
+    return {};
+  }
+
+  TestInstall install_;
+};
+
+TEST_F(Commands, WrongUsageIsTwoAndSaysWhatIsRight) {
+  const std::pair<QStringList, const char*> cases[] = {
+      {{}, "subcommand"},
+      {{"fly"}, "no command \"fly\""},
+      {{"info"}, "--model"},
+      {{"info", "--model", "Orca"}, "--host ADDRESS"},
+      {{"info", "--model", "Orca", "--host", "lidar:1"}, "no address"},
+      {{"info", "--model", "Orca", "--host", "127.0.0.1", "--host-port", "2000"}, "no host port"},
+      {{"info", "--model", "O", "--host", "127.0.0.1"}, "\"Orca\", \"Osprey\""},
+      {{"info", "--model", "Lumo", "--serial", "/dev/null"}, "--serial RS485_PORT,UART_PORT"},
+      {{"info", "--model", "Kiva", "--host", "127.0.0.1"}, "--serial PORT"},
+      {{"info", "--model", "Orca", "--host", "127.0.0.1", "--serial", "x"}, "exclude"},
+      {{"get", "--model", "Kiva", "--serial", "/dev/null"}, "in the window alone"},
+      {{"send", "0xg1", "--model", "Orca", "--host", "127.0.0.1"}, "no hexadecimal byte"},
+      {{"reset", "--model", "Orca", "--host", "127.0.0.1"}, "--yes"},
+      {{"upgrade", "/nonexistent", "--model", "Orca", "--host", "127.0.0.1"}, "nonexistent"},
+      {{"download", "all", "/nonexistent", "--model", "Orca", "--host", "127.0.0.1"}, "no folder"},
+      {{"log", ".", "--model", "Lumo-CMX", "--serial", "/dev/null"}, "no operation log"},
+      {{"calibration", ".", "--model", "Orca", "--host", "127.0.0.1"}, "no calibration"},
+      {{"watch-udp", "--port", "0"}, "--port"},
+      {{"models", "--config", "/nonexistent"}, "no tables in /nonexistent/varID"},
+  };
+  for (const auto& [arguments, words] : cases) {
+    Tevronctl ended(QStringList{"--json"} + arguments);
+    EXPECT_EQ(ended.Code(), 2) << Words(ended);
+    EXPECT_TRUE(ended.err().contains(words)) << Words(ended);
+    EXPECT_EQ(ended.Error()["code"], 2) << Words(ended);
+  }
+}
+
+TEST_F(Commands, TellOfTheTables) {
+  Tevronctl models({"--json", "models"});
+  EXPECT_EQ(models.Code(), 0);
+  EXPECT_EQ(models.Json()["models"].toArray().size(), 5);
+  EXPECT_EQ(models.Json()["models"][3]["reached"], "network");
+
+  Tevronctl good({"--json", "check-tables"});
+  EXPECT_EQ(good.Code(), 0) << Words(good);
+  EXPECT_TRUE(good.Json()["faults"].isArray());
+  std::ofstream("Config/varID/Osprey.csv", std::ios::app) << "1,1,0x51,,,Twice\n";
+  Tevronctl bad({"--json", "check-tables", "--model", "osp"});
+  EXPECT_EQ(bad.Code(), 1);
+  const QJsonObject fault = bad.Json()["faults"].toArray().first().toObject();
+  EXPECT_TRUE(fault["file"].toString().endsWith("Osprey.csv")) << Words(bad);
+  EXPECT_GT(fault["line"].toInt(), 1);
+  EXPECT_FALSE(fault["reason"].toString().contains("Osprey.csv")) << Words(bad);
+  ChildProcess same(TEVRON_VIRTUAL_LIDAR_PROGRAM,
+                    {"--check-tables", "Osprey", "--config", "./Config"});
+  same.ExitCode();
+  Tevronctl words({"check-tables", "--model", "Osprey"});
+  words.Code();
+  EXPECT_EQ(QString::fromUtf8(words.out()), same.Output());
+}
+
+TEST_F(Commands, ReadWhatTheLidarHolds) {
+  const VirtualLidarProcess lidar({"--set", "Spin Rate=1200"});
+  Tevronctl info(QStringList{"--json", "info"} + At(lidar));
+  EXPECT_EQ(info.Code(), 0) << Words(info);
+  for (const char* key : {"pn", "sn", "hardware", "firmware"}) {
+    EXPECT_FALSE(info.Json()[key].toString().isEmpty()) << key;
+  }
+  EXPECT_EQ(info.Json()["model"], "Orca");
+  EXPECT_EQ(info.Json()["address"], "127.0.0.1:" + QString::number(lidar.port()));
+
+  Tevronctl some(QStringList{"--json", "get", "spin r", "Range Offset"} + At(lidar));
+  EXPECT_EQ(some.Code(), 0) << Words(some);
+  EXPECT_EQ(some.Json()["values"].toArray().size(), 2);
+  const QJsonObject rate = ValueOf(some, "Spin Rate");
+  EXPECT_EQ(rate["text"], "1200");
+  EXPECT_EQ(rate["hex"], "04 b0");
+  EXPECT_EQ(rate["id"], "4-1");
+  EXPECT_EQ(rate["page"], "Scan");
+  EXPECT_EQ(rate["unit"], "rpm");
+  EXPECT_EQ(rate["state"], "read");
+
+  // Every value is the lidar's own, those of its hardware version among them.
+  Tevronctl all(QStringList{"--json", "get"} + At(lidar));
+  EXPECT_EQ(all.Code(), 0) << Words(all);
+  EXPECT_GT(all.Json()["values"].toArray().size(), 80);
+  EXPECT_EQ(ValueOf(all, "Clock Synchronisation")["hex"],
+            lidar.Held("Clock Synchronisation", "hex"));
+  EXPECT_FALSE(ValueOf(all, "Emitter Temperature").isEmpty());
+
+  Tevronctl ambiguous(QStringList{"--json", "get", "spin"} + At(lidar));
+  EXPECT_EQ(ambiguous.Code(), 2);
+  EXPECT_TRUE(ambiguous.err().contains("\"Spin Rate\", \"Spin Direction\"")) << Words(ambiguous);
+
+  Tevronctl monitor(QStringList{"--json", "monitor", "--interval", "0.1", "--duration", "0.25",
+                                "--csv", "m.csv"} +
+                    At(lidar));
+  EXPECT_EQ(monitor.Code(), 0) << Words(monitor);
+  EXPECT_EQ(monitor.out().count('\n'), 3) << Words(monitor);
+  EXPECT_EQ(ValueOf(monitor, "Rotor Speed")["state"], "read") << Words(monitor);
+  QFile csv("m.csv");
+  ASSERT_TRUE(csv.open(QIODevice::ReadOnly));
+  EXPECT_TRUE(csv.readLine().startsWith("timestamp,Monitor Hardware,Emitter Temperature (°C),"));
+}
+
+TEST_F(Commands, SendAndTellWhatTheLidarSaid) {
+  const VirtualLidarProcess lidar({"--fault", "drop@0x34"});
+  Tevronctl taken(QStringList{"--json", "send", "0x12", "04b0", "0", "00"} + At(lidar));
+  EXPECT_EQ(taken.Code(), 1) << "the payload is too short";
+  EXPECT_EQ(taken.Json()["return_code"], 2);
+  EXPECT_EQ(taken.Error()["lidar_code"], 2);
+  Tevronctl read(QStringList{"--json", "send", "11"} + At(lidar));
+  EXPECT_EQ(read.Code(), 0) << Words(read);
+  EXPECT_TRUE(read.Json()["payload"].toString().startsWith("02 58 ")) << Words(read);
+  Tevronctl lost(QStringList{"--json", "send", "34"} + At(lidar));
+  EXPECT_EQ(lost.Code(), 4) << Words(lost);
+
+  Tevronctl nobody({"--json", "info", "--model", "Orca", "--host", "127.0.0.1:1"});
+  EXPECT_EQ(nobody.Code(), 3);
+  EXPECT_TRUE(nobody.Error()["message"].toString().contains("127.0.0.1")) << Words(nobody);
+}
+
+TEST_F(Commands, RestartResetAndSaveFiles) {
+  const VirtualLidarProcess lidar({"--set", "Spin Rate=1200", "--log-size", "5000"});
+  Tevronctl restart(QStringList{"--json", "restart"} + At(lidar));
+  EXPECT_EQ(restart.Code(), 0) << Words(restart);
+  EXPECT_EQ(restart.Json()["back"], true);
+  EXPECT_EQ(lidar.Held("Spin Rate"), "1200");
+  Tevronctl reset(QStringList{"--json", "reset", "--yes", "--no-wait"} + At(lidar));
+  EXPECT_EQ(reset.Code(), 0) << Words(reset);
+  EXPECT_EQ(reset.Json()["accepted"], true);
+  EXPECT_EQ(lidar.Held("Spin Rate"), "600");
+
+  const std::pair<QStringList, int> downloads[] = {{{"download", "event", "."}, 1},
+                                                   {{"log", "."}, 4}};
+  for (const auto& [arguments, count] : downloads) {
+    Tevronctl download(QStringList{"--json"} + arguments + At(lidar));
+    EXPECT_EQ(download.Code(), 0) << Words(download);
+    const QJsonArray files = download.Json()["files"].toArray();
+    ASSERT_EQ(files.size(), count) << Words(download);
+    EXPECT_EQ(QFile(files.first().toString()).size(), 5000);
+  }
+}
+
+TEST_F(Commands, WorkOverSerialLinesAsFarAsTheyGo) {
+  const VirtualLidarProcess lumo({"--model", "Lumo"});
+  const QStringList at{"--model", "Lumo", "--serial",
+                       lumo.SerialPort("485") + ',' + lumo.SerialPort("232")};
+  Tevronctl info(QStringList{"--json", "info"} + at);
+  EXPECT_EQ(info.Code(), 0) << Words(info);
+  EXPECT_EQ(info.Json()["sn"], "Lumo2600731");
+  Tevronctl calibration(QStringList{"--json", "calibration", "c.bin"} + at);
+  EXPECT_EQ(calibration.Code(), 0) << Words(calibration);
+  EXPECT_GT(QFile("c.bin").size(), 0);
+  Tevronctl restart(QStringList{"restart"} + at);
+  EXPECT_EQ(restart.Code(), 0) << Words(restart);
+}
+
+TEST_F(Commands, UpgradeTellsBothVersionsAndEndsCleanlyWhenInterrupted) {
+  VirtualLidarProcess::MakeFirmware("Orca", "9.8.7", "orca.patch", 64);
+  const VirtualLidarProcess slow({"--fault", "delay=300@0x83"});
+  Tevronctl interrupted(QStringList{"--json", "upgrade", "orca.patch"} + At(slow));
+  ASSERT_TRUE(interrupted.Says("Upgrading")) << Words(interrupted);
+  interrupted.Signal(SIGINT);
+  EXPECT_EQ(interrupted.Code(), 130) << Words(interrupted);
+  EXPECT_EQ(interrupted.Error()["code"], 130);
+  Tevronctl alive(QStringList{"info"} + At(slow));
+  EXPECT_EQ(alive.Code(), 0) << Words(alive);
+
+  const VirtualLidarProcess lidar;
+  Tevronctl upgrade(QStringList{"--json", "upgrade", "orca.patch"} + At(lidar));
+  EXPECT_EQ(upgrade.Code(), 0) << Words(upgrade);
+  EXPECT_TRUE(upgrade.Json()["after"].toString().contains("9.8.7")) << Words(upgrade);
+  EXPECT_NE(upgrade.Json()["before"], upgrade.Json()["after"]);
+  EXPECT_FALSE(upgrade.err().contains('\r')) << "a progress bar that is on no terminal";
+
+  VirtualLidarProcess::MakeFirmware("Osprey", "9.8.7", "osprey.patch", 1);
+  Tevronctl refused(QStringList{"--json", "upgrade", "osprey.patch"} + At(lidar));
+  EXPECT_EQ(refused.Code(), 1) << Words(refused);
+}
+
+TEST_F(Commands, CountThePacketsOfThePointCloud) {
+  quint16 port = 0;
+  {
+    const VirtualLidarProcess unused;
+    port = unused.port();
+  }
+  const VirtualLidarProcess lidar({"--udp", "127.0.0.1:" + QString::number(port) + "@200"});
+  const QStringList watch{"--json", "watch-udp", "--interval", "0.2", "--duration", "1", "--port"};
+  Tevronctl counted(watch + QStringList{QString::number(port)});
+  EXPECT_EQ(counted.Code(), 0) << Words(counted);
+  EXPECT_GT(counted.Json()["packets"].toInt(), 0);
+  EXPECT_GT(counted.Json()["rate"].toDouble(), 0);
+  EXPECT_EQ(counted.Json()["lost"], 0) << Words(counted);
+  EXPECT_EQ(counted.Json()["senders"].toArray().size(), 1);
+  EXPECT_GT(counted.out().count('\n'), 1) << "a line an interval";
+}
+
+}  // namespace

@@ -1,0 +1,63 @@
+#pragma once
+
+#include <signal.h>
+
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QProcess>
+#include <QString>
+#include <QStringList>
+
+/// tevronctl as a process of its own, with the tables under "./Config".
+class Tevronctl {
+ public:
+  explicit Tevronctl(const QStringList& arguments) {
+    process_.start(QStringLiteral(TEVRONCTL_PROGRAM),
+                   QStringList{"--config", "./Config"} + arguments);
+    process_.waitForStarted(kPatienceMs);
+  }
+  ~Tevronctl() {
+    process_.kill();
+    process_.waitForFinished(kPatienceMs);
+  }
+
+  /// Its exit code, once it has ended; -1 when it does not, or crashed.
+  int Code() {
+    process_.waitForFinished(kPatienceMs);
+    out_ += process_.readAllStandardOutput();
+    err_ += process_.readAllStandardError();
+    const bool ended =
+        process_.state() == QProcess::NotRunning && process_.exitStatus() == QProcess::NormalExit;
+    return ended ? process_.exitCode() : -1;
+  }
+  void Signal(int number) { ::kill(static_cast<pid_t>(process_.processId()), number); }
+
+  /// Waits until `text` stands on standard error.
+  bool Says(const QByteArray& text) {
+    while (!err_.contains(text) && process_.waitForReadyRead(kPatienceMs)) {
+      err_ += process_.readAllStandardError();
+    }
+    return err_.contains(text);
+  }
+
+  /// After Code: what was printed; the object on the last line, empty when that is none.
+  const QByteArray& out() const { return out_; }
+  const QByteArray& err() const { return err_; }
+  QJsonObject Json() const {
+    return QJsonDocument::fromJson(out_.trimmed().split('\n').last()).object();
+  }
+  QJsonObject Error() const { return Json()["error"].toObject(); }
+
+ private:
+  static constexpr int kPatienceMs = 60000;
+
+  QProcess process_;
+  QByteArray out_;
+  QByteArray err_;
+};
+
+/// One that has ended, for a line of a test: its words when something is not as expected.
+inline std::string Words(const Tevronctl& ended) {
+  return (ended.out() + ended.err()).toStdString();
+}
