@@ -88,7 +88,8 @@ void DeclareGlobal(CLI::App& app, Arguments* arguments) {
   app.add_option("--config", arguments->config,
                  "Folder of the tables and keys; Config beside the bin/ of this program unless "
                  "given")
-      ->type_name("DIR");
+      ->type_name("DIR")
+      ->take_last();
   AddSeconds(&app, "--timeout", &arguments->timeout_s, 0.1,
              "Try so long to reach the lidar, and wait so long for its return from a restart; one "
              "try, and 60 s, unless given");

@@ -62,7 +62,7 @@ TEST_F(Commands, TellOfTheTables) {
   Tevronctl models({"--json", "models"});
   EXPECT_EQ(models.Code(), 0);
   EXPECT_EQ(models.Json()["models"].toArray().size(), 5);
-  EXPECT_EQ(models.Json()["models"][3]["reached"], "network");
+  EXPECT_EQ(models.Json()["models"].toArray()[3].toObject()["reached"], "network");
 
   Tevronctl good({"--json", "check-tables"});
   EXPECT_EQ(good.Code(), 0) << Words(good);
@@ -70,16 +70,17 @@ TEST_F(Commands, TellOfTheTables) {
   std::ofstream("Config/varID/Osprey.csv", std::ios::app) << "1,1,0x51,,,Twice\n";
   Tevronctl bad({"--json", "check-tables", "--model", "osp"});
   EXPECT_EQ(bad.Code(), 1);
-  const QJsonObject fault = bad.Json()["faults"].toArray().first().toObject();
+  const QJsonObject fault = bad.Json()["faults"].toArray().last().toObject();
   EXPECT_TRUE(fault["file"].toString().endsWith("Osprey.csv")) << Words(bad);
   EXPECT_GT(fault["line"].toInt(), 1);
   EXPECT_FALSE(fault["reason"].toString().contains("Osprey.csv")) << Words(bad);
   ChildProcess same(TEVRON_VIRTUAL_LIDAR_PROGRAM,
                     {"--check-tables", "Osprey", "--config", "./Config"});
-  same.ExitCode();
+  EXPECT_EQ(same.ExitCode(), 1);
   Tevronctl words({"check-tables", "--model", "Osprey"});
-  words.Code();
-  EXPECT_EQ(QString::fromUtf8(words.out()), same.Output());
+  EXPECT_EQ(words.Code(), 1);
+  EXPECT_GT(words.out().size(), 0);
+  EXPECT_TRUE(same.Output().endsWith(QString::fromUtf8(words.out()))) << Words(words);
 }
 
 TEST_F(Commands, ReadWhatTheLidarHolds) {
@@ -181,7 +182,7 @@ TEST_F(Commands, WorkOverSerialLinesAsFarAsTheyGo) {
 
 TEST_F(Commands, UpgradeTellsBothVersionsAndEndsCleanlyWhenInterrupted) {
   VirtualLidarProcess::MakeFirmware("Orca", "9.8.7", "orca.patch", 64);
-  const VirtualLidarProcess slow({"--fault", "delay=300@0x83"});
+  const VirtualLidarProcess slow({"--fault", "delay=200@0x83"});
   Tevronctl interrupted(QStringList{"--json", "upgrade", "orca.patch"} + At(slow));
   ASSERT_TRUE(interrupted.Says("Upgrading")) << Words(interrupted);
   interrupted.Signal(SIGINT);

@@ -35,6 +35,7 @@ class Tevronctl {
 
   /// Waits until `text` stands on standard error.
   bool Says(const QByteArray& text) {
+    process_.setReadChannel(QProcess::StandardError);
     while (!err_.contains(text) && process_.waitForReadyRead(kPatienceMs)) {
       err_ += process_.readAllStandardError();
     }
