@@ -9,11 +9,15 @@
 
 namespace {
 
+/// Ends the thread that waits for the others.
+constexpr int kWakeSignal = SIGUSR1;
+
 sigset_t HandledSignals() {
   sigset_t handled;
   sigemptyset(&handled);
   sigaddset(&handled, SIGINT);
   sigaddset(&handled, SIGTERM);
+  sigaddset(&handled, kWakeSignal);
   return handled;
 }
 
@@ -27,7 +31,7 @@ Interrupt::Interrupt() {
 
 Interrupt::~Interrupt() {
   ending_ = true;
-  pthread_kill(thread_.native_handle(), SIGTERM);
+  pthread_kill(thread_.native_handle(), kWakeSignal);
   thread_.join();
 }
 

@@ -42,6 +42,7 @@ std::vector<const VarInfo*> NamedVariables(const LidarModel& model,
     return from;
   }
   std::vector<std::string> known;
+  known.reserve(from.size());
   for (const VarInfo* var : from) {
     known.push_back(var->var_name);
   }

@@ -20,6 +20,7 @@ class Recording {
     }
     file_.open(path, std::ios::binary | std::ios::trunc);
     std::vector<std::string> captions;
+    captions.reserve(vars.size());
     for (const VarInfo* var : vars) {
       captions.push_back(var->var_name + UnitSuffix(*var));
     }
@@ -76,7 +77,8 @@ class Watch {
   }
 
   void Tell(const Unread& unread) {
-    std::string line = TimeNowIso().toStdString();
+    const QString time = TimeNowIso();
+    std::string line = time.toStdString();
     std::vector<std::string> cells;
     QJsonArray objects;
     for (const VarInfo* var : vars_) {
@@ -91,7 +93,7 @@ class Watch {
       objects.append(ValueObject(*var, value));
     }
     context_.output.Line(line);
-    context_.output.Object({{"time", TimeNowIso()}, {"values", objects}});
+    context_.output.Object({{"time", time}, {"values", objects}});
     recording_.Write(RecordTime(), cells);
   }
 
