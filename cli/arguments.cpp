@@ -5,6 +5,7 @@
 #include <cstring>
 
 #include "failure.h"
+#include "shell_help.h"
 
 namespace {
 
@@ -15,6 +16,9 @@ constexpr char kFooter[] =
     "Examples:\n"
     "  tevronctl models\n"
     "  tevronctl info --model Orca --host 192.168.1.201\n"
+    "  tevronctl set \"Spin Rate=1200\" --model Orca --host 192.168.1.201\n"
+    "  tevronctl save orca.tevron.json --model Orca --host 192.168.1.201\n"
+    "  tevronctl apply orca.tevron.json --dry-run --model Orca --host 192.168.1.202\n"
     "  tevronctl get Scan --model Orca --host 192.168.1.201\n"
     "  tevronctl --json get \"Spin Rate\" --model Orca --host 192.168.1.201 | jq -r "
     "'.values[0].text'\n"
@@ -105,10 +109,38 @@ void DeclareReading(CLI::App& app, Arguments* arguments) {
   auto* get = DeclareWithLidar(app, "get", "Values; all of them without a name",
                                std::string("get \"Spin Rate\" Network $") + kNames, arguments);
   AddTexts(get, "NAME", &arguments->names, "Variables, or pages for all on them");
+  auto* set = DeclareWithLidar(
+      app, "set", "Check values, write them, and read them back",
+      std::string("set \"Spin Rate=1200\" \"Return Mode=Dual\" $") + kNames, arguments);
+  set->add_option("NAME=VALUE", arguments->names, "Variables with their values")
+      ->type_name("")
+      ->required();
+  set->add_flag("--force", arguments->force, "Also what is out of range, or would be rounded");
+  set->add_flag("--dry-run", arguments->dry_run, "Check, and write nothing");
   auto* send = DeclareWithLidar(app, "send", "A raw command; its reply in hexadecimal",
                                 "send 0x34 $", arguments);
   AddText(send, "CODE", &arguments->name, "Command in hexadecimal; more than a byte is a long one");
   AddTexts(send, "BYTE", &arguments->names, "Payload in hexadecimal");
+}
+
+void DeclareSettings(CLI::App& app, Arguments* arguments) {
+  auto* save = DeclareWithLidar(app, "save", "Keep everything that the lidar holds as a file",
+                                "save orca.tevron.json $", arguments);
+  AddText(save, "FILE", &arguments->path, "Settings file; - is standard output");
+  auto* diff = DeclareWithLidar(
+      app, "diff", "Compare a settings file with the lidar, or with another; 1 when they differ",
+      "diff orca.tevron.json $", arguments);
+  AddText(diff, "FILE", &arguments->path, "Settings file");
+  diff->add_option("OTHER", arguments->other_path, "A second one, in the place of the lidar")
+      ->type_name("");
+  diff->get_option("--model")->required(false);
+  auto* apply = DeclareWithLidar(
+      app, "apply", "Write the settings of a file: all but identity and network settings",
+      std::string("apply orca.tevron.json --dry-run $") + kNames, arguments);
+  AddText(apply, "FILE", &arguments->path, "Settings file");
+  apply->add_flag("--dry-run", arguments->dry_run, "Say what would be written, and write nothing");
+  apply->add_flag("--with-network", arguments->with_network, "The network settings, too, at last");
+  apply->add_option("--only", arguments->names, "These variables alone")->type_name("NAME");
 }
 
 void DeclareMaintenance(CLI::App& app, Arguments* arguments) {
@@ -198,8 +230,13 @@ std::optional<Arguments> ParseArguments(int argc, char** argv, int* exit_code) {
   app.fallthrough();
   DeclareGlobal(app, &arguments);
   DeclareReading(app, &arguments);
+  DeclareSettings(app, &arguments);
   DeclareMaintenance(app, &arguments);
   DeclareWatching(app, &arguments);
+  std::string shell_help;
+  auto* help =
+      Declare(app, "shell-help", "Completion for bash or zsh, or the manual page", "")->group("");
+  AddText(help, "KIND", &shell_help, "bash, zsh or man");
   try {
     app.parse(argc, argv);
   } catch (const CLI::Success& ending) {
@@ -213,6 +250,11 @@ std::optional<Arguments> ParseArguments(int argc, char** argv, int* exit_code) {
     throw Failure(ExitCode::kUsage, problem + "; see tevronctl --help");
   }
   CheckExclusions(arguments);
+  if (app.got_subcommand(help)) {
+    *exit_code =
+        WriteShellHelp(app, shell_help, std::cout) ? 0 : static_cast<int>(ExitCode::kUsage);
+    return std::nullopt;
+  }
   arguments.command = app.get_subcommands().front()->get_name();
   return arguments;
 }

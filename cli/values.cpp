@@ -5,15 +5,10 @@
 #include "CmxClient/hex_text.h"
 #include "names.h"
 #include "output.h"
-#include "variables/log_variables.h"
+#include "settings_files/settings_reading.h"
+#include "settings_files/value_bytes.h"
 
 namespace {
-
-bool StandsForDownload(const ConfigParser& table, const VarInfo& var) {
-  const std::vector<const VarInfo*> logs = OfferedLogs(table);
-  return var.var_name == kOperationLog || var.var_name == kConfigFile ||
-         std::find(logs.begin(), logs.end(), &var) != logs.end();
-}
 
 /// What the screens show in the place of a choice's value; "" for others.
 std::string LabelOf(const VarInfo& var, const std::string& text) {
@@ -25,10 +20,9 @@ std::string LabelOf(const VarInfo& var, const std::string& text) {
 }  // namespace
 
 std::vector<const VarInfo*> ReadableVariables(const ConfigParser& table) {
-  std::vector<const VarInfo*> readable;
+  std::vector<const VarInfo*> readable = SavedVariables(table);
   for (const VarInfo* var : table.InTableOrder()) {
-    if (!var->get_cmd.empty() && var->var_name != kSharedSecretKey &&
-        !StandsForDownload(table, *var)) {
+    if (!table.IsOwn(*var) && !var->get_cmd.empty()) {
       readable.push_back(var);
     }
   }
@@ -73,13 +67,12 @@ std::vector<const VarInfo*> NamedVariables(const LidarModel& model,
 
 QJsonObject ValueObject(const VarInfo& var, const ConfigParser::Value& value) {
   const bool is_known = value.has_bytes;
-  const bool has_text = is_known && !(value.text.empty() && !value.bytes.empty());
-  const QJsonValue text = has_text ? QJsonValue(QString::fromStdString(value.text)) : QJsonValue();
+  const std::optional<std::string> text = is_known ? TextOfBytes(var, value.bytes) : std::nullopt;
   const std::string hex = kavel::lidar::HexText(value.bytes);
   return {{"name", QString::fromStdString(var.var_name)},
           {"id", QString::fromStdString(var.var_id)},
           {"page", QString::fromStdString(var.function_module)},
-          {"text", text},
+          {"text", text ? QJsonValue(QString::fromStdString(*text)) : QJsonValue()},
           {"label", is_known ? TextOrNull(LabelOf(var, value.text)) : QJsonValue()},
           {"hex", is_known ? QJsonValue(QString::fromStdString(hex)) : QJsonValue()},
           {"unit", QString::fromStdString(var.unit)},
@@ -99,8 +92,7 @@ std::string ValueLine(const VarInfo& var, const ConfigParser::Value& value) {
   if (!value.has_bytes) {
     return line + "(unread: " + (value.read_failure.empty() ? "?" : value.read_failure) + ")";
   }
-  const bool has_text = !value.text.empty() || value.bytes.empty();
-  line += has_text ? value.text : kavel::lidar::HexText(value.bytes);
+  line += TextOfBytes(var, value.bytes).value_or(kavel::lidar::HexText(value.bytes));
   line += var.unit.empty() ? "" : " " + var.unit.str();
   const std::string label = LabelOf(var, value.text);
   return label.empty() ? line : line + " (" + label + ")";

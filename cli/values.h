@@ -8,8 +8,8 @@
 #include "session/lidar_model.h"
 #include "variables/config_parser.h"
 
-/// What a command may ask a lidar for, in table order: every variable that can be read, except for
-/// those that stand for a download and for key material.
+/// What a command may ask a lidar for: the variables of a settings file, and what its hardware
+/// version measures.
 std::vector<const VarInfo*> ReadableVariables(const ConfigParser& table);
 
 /// Those of `from` that the names mean, in the order of the names and each once: variables, or

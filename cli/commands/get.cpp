@@ -1,8 +1,7 @@
 #include <algorithm>
 
 #include "commands/commands.h"
-#include "lidar_link.h"
-#include "pages/page_reader.h"
+#include "lidar_settings.h"
 #include "values.h"
 
 namespace {
@@ -33,17 +32,15 @@ ExitCode RunGet(Context& context) {
   const std::shared_ptr<LidarModel> model = link.model();
   const std::vector<const VarInfo*> vars =
       NamedVariables(*model, ReadableVariables(*model->table), context.arguments.names);
-  LidarSession& session = link.session();
-  const Unread unread = PageReader(link.sender(), *model->table, session.state(),
-                                   session.read_failures(), context.report)
-                            .Read(vars, "tevronctl");
+  const ManyRead read = ReadMany(SettingsOf(context, link), vars, WatchOf(context, "Reading"));
+  context.report.EndProgress();
   context.interrupt.ThrowIfRaised();
   PrintLines(*model->table, vars, context.output);
   const QJsonObject result{{"values", ValueObjects(*model->table, vars)}};
-  if (!unread.failed.empty()) {
-    throw Failure(unread.answered ? ExitCode::kNo : ExitCode::kBrokenOff,
-                  std::to_string(unread.failed.size()) + " of " + std::to_string(vars.size()) +
-                      " values could not be read: " + unread.failed.begin()->second)
+  if (!read.failed.empty()) {
+    throw Failure(read.lost ? ExitCode::kBrokenOff : ExitCode::kNo,
+                  std::to_string(read.failed.size()) + " of " + std::to_string(vars.size()) +
+                      " values could not be read: " + read.failed.begin()->second)
         .With(result);
   }
   context.output.Object(result);
