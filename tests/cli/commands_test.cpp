@@ -5,28 +5,9 @@
 #include <QFile>
 #include <QTemporaryDir>
 
-#include "cli/tevronctl_process.h"
-#include "support/test_install.h"
-#include "support/virtual_lidar_process.h"
+#include "cli/commands_fixture.h"
 
 namespace {
-
-class Commands : public testing::Test {
- protected:
-  static QStringList At(const VirtualLidarProcess& lidar, const QString& model = "Orca") {
-    return {"--model", model, "--host", "127.0.0.1:" + QString::number(lidar.port())};
-  }
-  static QJsonObject ValueOf(const Tevronctl& ended, const QString& name) {
-    for (const QJsonValue& value : ended.Json()["values"].toArray()) {
-      if (value["name"] == name) {
-        return value.toObject();
-      }
-    }
-    return {};
-  }
-
-  TestInstall install_;
-};
 
 TEST_F(Commands, WrongUsageIsTwoAndSaysWhatIsRight) {
   const std::pair<QStringList, const char*> cases[] = {
