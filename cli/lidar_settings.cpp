@@ -40,3 +40,16 @@ SettingsFile ReadFromLidar(Context& context, const std::string& command,
   *table = link.model()->table;
   return ReadWhole(context, link);
 }
+
+void KeepSnapshot(Context& context, LidarLink& link, SnapshotReason reason) {
+  if (link.model()->connect_type == kNetworkLink) {
+    KeepSnapshot(context, ReadWhole(context, link), reason);
+  }
+}
+
+void KeepSnapshot(Context& context, const SettingsFile& present, SnapshotReason reason) {
+  const std::string problem = Snapshots().Keep(present, reason);
+  if (!problem.empty()) {
+    context.report.LogLine(problem, LogType::kWarning);
+  }
+}

@@ -93,9 +93,8 @@ ApplyPlan MakePlan(Context& context, LidarLink& link, const SettingsFile& presen
 ApplyReport Run(Context& context, LidarLink& link, const ApplyPlan& plan) {
   ApplyReport report = RunApply(SettingsOf(context, link), plan, WatchOf(context, "Writing"));
   context.report.EndProgress();
-  if (report.next_place) {
-    context.report.Note("After its restart the lidar is reached at " + report.next_place->address +
-                        '.');
+  if (!report.next_address.empty()) {
+    context.report.Note("After its restart the lidar is reached at " + report.next_address + '.');
   }
   return report;
 }
@@ -186,6 +185,9 @@ ExitCode RunApply(Context& context) {
   const SettingsFile present = ReadWhole(context, link);
   const ApplyPlan plan = MakePlan(context, link, present, wanted, wish);
   const bool is_dry = arguments.dry_run || !plan.may_run();
+  if (!is_dry) {
+    KeepSnapshot(context, present, SnapshotReason::kApply);
+  }
   const ApplyReport report = is_dry ? Foretell(plan) : Run(context, link, plan);
   QJsonArray results;
   for (const ApplyResult& result : report.results) {

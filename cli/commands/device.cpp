@@ -6,7 +6,7 @@
 
 #include "CmxClient/hex_text.h"
 #include "commands/commands.h"
-#include "lidar_link.h"
+#include "lidar_settings.h"
 #include "variables/command_code.h"
 #include "variables/number_text.h"
 
@@ -104,6 +104,7 @@ ExitCode RunReset(Context& context) {
   }
   LidarLink link(context);
   link.Connect();
+  KeepSnapshot(context, link, SnapshotReason::kReset);
   if (const int32_t reason = link.maintenance().Reset(*link.model()->table); reason != 0) {
     throw Failure(FailureOf(reason).code(), context.report.TakeError("the lidar was not reset"),
                   FailureOf(reason).lidar_code());

@@ -2,7 +2,7 @@
 
 #include "commands/commands.h"
 #include "firmware_upgrade.h"
-#include "lidar_link.h"
+#include "lidar_settings.h"
 #include "upgrade/upgrade_file.h"
 
 namespace {
@@ -39,6 +39,7 @@ ExitCode RunUpgrade(Context& context) {
   LookAt(file, *link.model());
   link.Connect();
 
+  KeepSnapshot(context, link, SnapshotReason::kUpgrade);
   UpgradeWaits waits;
   waits.lidar_returns = link.patience();
   FirmwareUpgrade upgrade({link.MakePost(), context.report, link.session(), [] {}, waits});

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <QDir>
 #include <QFile>
 #include <QTemporaryDir>
 
@@ -131,10 +132,14 @@ TEST_F(Commands, RestartResetAndSaveFiles) {
   EXPECT_EQ(restart.Code(), 0) << Words(restart);
   EXPECT_EQ(restart.Json()["back"], true);
   EXPECT_EQ(lidar.Held("Spin Rate"), "1200");
+  QDir kept(qEnvironmentVariable("XDG_DATA_HOME") + "/Tevron/snapshots");
+  kept.removeRecursively();
   Tevronctl reset(QStringList{"--json", "reset", "--yes", "--no-wait"} + At(lidar));
   EXPECT_EQ(reset.Code(), 0) << Words(reset);
   EXPECT_EQ(reset.Json()["accepted"], true);
   EXPECT_EQ(lidar.Held("Spin Rate"), "600");
+  kept.refresh();
+  EXPECT_EQ(kept.entryList(QDir::Dirs | QDir::NoDotAndDotDot).size(), 1) << "what it held is kept";
 
   const std::pair<QStringList, int> downloads[] = {{{"download", "event", "."}, 1},
                                                    {{"log", "."}, 4}};

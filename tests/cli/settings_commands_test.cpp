@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <QFile>
+#include <QFileInfo>
 #include <QRegularExpression>
 
 #include "cli/commands_fixture.h"
@@ -28,7 +29,7 @@ QJsonObject ResultOf(const Tevronctl& ended, const QString& name) {
 }
 
 TEST_F(SettingsCommands, SetChecksWritesAndReadsBack) {
-  const VirtualLidarProcess lidar({"--fault", "code=4@0x35"});
+  const VirtualLidarProcess lidar({"--fault", "return-code=4@0x35"});
   const std::pair<QStringList, int> cases[] = {
       {{"Spin Rate=1200", "return mode=Dual"}, 0},
       {{"Spin Rate=77"}, 2},
