@@ -121,7 +121,7 @@ std::string Snapshots::Keep(const SettingsFile& settings, SnapshotReason reason)
            NameOf(reason).name + kSeparator + PartOf(settings.model) + kSettingsSuffix;
     time = time.addMSecs(1);
   } while (QFile::exists(path));
-  const std::string error = SaveSettings(path, settings);
+  std::string error = SaveSettings(path, settings);
   if (!error.empty()) {
     return error;
   }
