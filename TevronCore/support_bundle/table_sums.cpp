@@ -1,0 +1,54 @@
+#include "support_bundle/table_sums.h"
+
+#include <QCryptographicHash>
+#include <QDir>
+#include <QDirIterator>
+#include <QFile>
+#include <QStringList>
+
+namespace {
+
+// Far more than a folder of tables has: a folder given by mistake is not walked to its end.
+constexpr int kMostFiles = 2000;
+constexpr qint64 kLargestTable = 16 * 1024 * 1024;
+
+/// As an editor or a careful user may have called a copy of it, too.
+bool IsCalledLikeKeys(const QString& name) {
+  return name.contains(QStringLiteral("key"), Qt::CaseInsensitive) ||
+         name.contains(QStringLiteral("secret"), Qt::CaseInsensitive) ||
+         name.endsWith(QStringLiteral(".pem"), Qt::CaseInsensitive);
+}
+
+std::string LineOf(const QString& path, const QString& name, const TextCleaner& cleaner) {
+  const std::string shown = cleaner.Clean(name.toStdString());
+  QFile file(path);
+  if (IsCalledLikeKeys(QFileInfo(name).fileName())) {
+    return "# " + shown + ": not told\n";
+  }
+  if (file.size() > kLargestTable || !file.open(QIODevice::ReadOnly)) {
+    return "# " + shown + ": cannot be read\n";
+  }
+  const QByteArray bytes = file.readAll();
+  if (cleaner.HoldsKey({bytes.constData(), static_cast<size_t>(bytes.size())})) {
+    return "# " + shown + ": not told\n";
+  }
+  return QCryptographicHash::hash(bytes, QCryptographicHash::Sha256).toHex().toStdString() + "  " +
+         shown + '\n';
+}
+
+}  // namespace
+
+std::string TableSums(const ConfigFolder& config, const TextCleaner& cleaner) {
+  const QDir folder(QString::fromStdString(config.path()));
+  QStringList names;
+  QDirIterator files(folder.path(), QDir::Files, QDirIterator::Subdirectories);
+  while (files.hasNext() && names.size() < kMostFiles) {
+    names.append(folder.relativeFilePath(files.next()));
+  }
+  names.sort();
+  std::string lines;
+  for (const QString& name : names) {
+    lines += LineOf(folder.filePath(name), name, cleaner);
+  }
+  return files.hasNext() ? lines + "# and more files\n" : lines;
+}

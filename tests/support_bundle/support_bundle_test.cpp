@@ -1,0 +1,206 @@
+#include "support_bundle/support_bundle.h"
+
+#include <archive.h>
+#include <archive_entry.h>
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+
+#include <QCryptographicHash>
+#include <QDir>
+#include <QFileInfo>
+#include <array>
+#include <cctype>
+#include <map>
+
+#include "support/test_folder.h"
+
+namespace {
+
+using Files = std::map<std::string, std::string>;
+
+Files Unzip(const std::string& path) {
+  Files files;
+  const std::unique_ptr<archive, decltype(&archive_read_free)> zip(archive_read_new(),
+                                                                   &archive_read_free);
+  archive_read_support_format_zip(zip.get());
+  EXPECT_EQ(archive_read_open_filename(zip.get(), path.c_str(), 4096), ARCHIVE_OK);
+  archive_entry* entry = nullptr;
+  while (archive_read_next_header(zip.get(), &entry) == ARCHIVE_OK) {
+    std::string& bytes = files[archive_entry_pathname(entry)];
+    bytes.resize(static_cast<size_t>(archive_entry_size(entry)));
+    EXPECT_EQ(archive_read_data(zip.get(), bytes.data(), bytes.size()),
+              static_cast<la_ssize_t>(bytes.size()));
+  }
+  return files;
+}
+
+const BundleEntry& Named(const std::vector<BundleEntry>& entries, const std::string& name) {
+  for (const BundleEntry& entry : entries) {
+    if (entry.name == name) {
+      return entry;
+    }
+  }
+  throw std::runtime_error("no entry " + name);
+}
+
+std::string Spaced(const std::string& digits, const std::string& between) {
+  std::string text;
+  for (size_t i = 0; i < digits.size(); i += 2) {
+    text += (i == 0 ? "" : between) + digits.substr(i, 2);
+  }
+  return text;
+}
+
+/// Digits alone, so that no way to write a key hides it.
+std::string Digits(const std::string& text) {
+  std::string digits;
+  for (const char c : text) {
+    if (std::isxdigit(static_cast<unsigned char>(c)) != 0) {
+      digits += static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+    }
+  }
+  return digits;
+}
+
+// One of every kind, the two long ones not those that ship; the last begins with zeros.
+const std::array<std::pair<const char*, std::string>, 6> kKeys = {
+    {{"aes128_key", "5077c17599009e7ca701fee0564a0b77"},
+     {"aes256_key", "71c4af6160e8a519318faedfcad945ebdc154efabc534eb1b1e5a74bbf24cc3c"},
+     {"maskword_1", "61732651"},
+     {"maskword_2", "613cd1c0"},
+     {"mix_c1", "ea980b8e"},
+     {"mix_c2", "000b53f6"}}};
+
+class SupportBundleTest : public testing::Test {
+ protected:
+  SupportBundleTest() {
+    std::string keys = "[keys]\n";
+    for (const auto& [name, digits] : kKeys) {
+      keys += std::string(name) + '=' + digits + '\n';
+    }
+    folder_.Write("Config/auth_keys.ini", keys);
+    folder_.Write("Config/site/notes.txt", "mine is " + kKeys[0].second);
+    folder_.Write("Config/varID/Orca.csv", "a table\n");
+    sources_.config = ConfigFolder(folder_.path() + "/Config");
+    sources_.device_log = At("device.log");
+    sources_.names = {{"/data/people/ann"}, {"ann", "north-box.example", "north-box"}};
+  }
+
+  QString At(const std::string& name) const {
+    return QString::fromStdString(folder_.path() + '/' + name);
+  }
+
+  const TestFolder folder_;
+  BundleSources sources_{ConfigFolder(""), std::nullopt, "no lidar answered on NORTH-BOX"};
+};
+
+TEST_F(SupportBundleTest, HoldsWhatWasListed) {
+  SettingsFile settings;
+  settings.model = "Orca";
+  settings.serial_number = "Orca26110042";
+  sources_.settings = settings;
+  sources_.screen_log = "12:00:01 [ERROR] The lidar could not be reached.\n";
+  folder_.Write("device.1.log", "2026-11-21 08:00:00.000 7 info [a.cpp:1] f - long ago\n");
+  folder_.Write("device.log",
+                "2026-11-22 08:31:15.123 7 error [a.cpp:2] f - ret_code is -2\n"
+                "2026-11-22 08:31:16.000 7 info [a.cpp:3] f - closed\n");
+  const std::vector<BundleEntry> entries = ListBundle(sources_);
+  ASSERT_EQ(WriteBundle(At("a.zip"), entries), "");
+  const Files files = Unzip(folder_.path() + "/a.zip");
+  EXPECT_EQ(files.size(), entries.size());
+  for (const BundleEntry& entry : entries) {
+    EXPECT_EQ(entry.left_out, "") << entry.name;
+    EXPECT_EQ(files.at(entry.name).size(), entry.size()) << entry.name;
+  }
+  std::string error;
+  const std::string& json = files.at("settings.tevron.json");
+  const auto read = ParseSettings(QByteArray::fromStdString(json), &error);
+  EXPECT_EQ(read.value().serial_number, "Orca26110042");
+  EXPECT_EQ(files.at("last-fault.txt"), "2026-11-22 08:31:15.123: ret_code is -2");
+  EXPECT_EQ(files.at("device.log").find("2026-11-21 08:00:00.000 7 info"), 0);
+  EXPECT_NE(files.at("versions.txt").find(qVersion()), std::string::npos);
+  EXPECT_EQ(
+      files.at("tables.sha256"),
+      "# auth_keys.ini: not told\n# site/notes.txt: not told\n" +
+          QCryptographicHash::hash("a table\n", QCryptographicHash::Sha256).toHex().toStdString() +
+          "  varID/Orca.csv\n");
+}
+
+TEST_F(SupportBundleTest, TellsNoKeyAndNobodysName) {
+  std::string log;
+  for (const auto& [name, digits] : kKeys) {
+    const std::string large = QString::fromStdString(digits).toUpper().toStdString();
+    for (const std::string& spelt :
+         {digits, "0x" + large, Spaced(digits, " "), "0x" + Spaced(large, ", 0x"),
+          Spaced(digits, ":"), digits.substr(digits.find_first_not_of('0'))}) {
+      log += std::string(name) + " is <" + spelt + ">\n";
+    }
+  }
+  log +=
+      "unknown 00112233445566778899aabbccddeeff but 12 bytes 00 11 22 33 44 55 66 77 88 99 aa bb\n"
+      "Ann read /data/people/ann/x.csv and /home/bob/y.csv at north-box.example (NORTH-BOX), not "
+      "of Annabel\n";
+  folder_.Write("device.log", log);
+  sources_.screen_log = log;
+  sources_.last_fault = log;
+  ASSERT_EQ(WriteBundle(At("a.zip"), ListBundle(sources_)), "");
+  const Files files = Unzip(folder_.path() + "/a.zip");
+  for (const auto& [name, bytes] : files) {
+    for (const auto& [key, digits] : kKeys) {
+      EXPECT_EQ(Digits(bytes).find(digits.substr(digits.find_first_not_of('0'))), std::string::npos)
+          << key << " in " << name;
+    }
+    for (const char* secret : {"00112233445566778899aabbccddeeff", "bob", "/data", "NORTH"}) {
+      EXPECT_EQ(bytes.find(secret), std::string::npos) << secret << " in " << name;
+    }
+  }
+  EXPECT_EQ(files.count("settings.tevron.json"), 0U);
+  EXPECT_NE(files.at("contents.txt").find("left out: no lidar answered on (removed)"),
+            std::string::npos);
+  const std::string& told = files.at("device.log");
+  EXPECT_NE(told.find("12 bytes 00 11 22 33 44 55 66 77 88 99 aa bb"), std::string::npos);
+  EXPECT_NE(told.find("(removed) read ~/x.csv and /home/(removed)/y.csv at (removed) ((removed)), "
+                      "not of Annabel"),
+            std::string::npos);
+
+  sources_.names = PersonalNames::OfThisComputer();
+  folder_.Write("device.log",
+                QSysInfo::machineHostName().toStdString() + " " + QDir::homePath().toStdString());
+  EXPECT_EQ(Named(ListBundle(sources_), "device.log").bytes, "(removed) ~");
+}
+
+TEST_F(SupportBundleTest, TakesNoMoreThanTheNewestOfALog) {
+  const std::string line = "a line of a log that grew and grew\n";
+  std::string log = "the oldest line\n";
+  while (log.size() < 2 * kMaxBundledLog) {
+    log += line;
+  }
+  folder_.Write("device.log", log + "the newest line\n");
+  const std::string taken = Named(ListBundle(sources_), "device.log").bytes;
+  EXPECT_LE(taken.size(), static_cast<size_t>(kMaxBundledLog));
+  EXPECT_EQ(taken.find(line), 0U);
+  EXPECT_EQ(taken.substr(taken.size() - 16), "the newest line\n");
+}
+
+TEST_F(SupportBundleTest, LeavesWhatItCannotReplaceAndDoesNotWaitForAPipe) {
+  ASSERT_EQ(mkfifo(At("device.log").toLocal8Bit(), 0600), 0);
+  const std::vector<BundleEntry> entries = ListBundle(sources_);
+  EXPECT_NE(Named(entries, "device.log").left_out, "");
+
+  EXPECT_NE(WriteBundle(At("device.log"), entries), "");
+  struct stat status = {};
+  ASSERT_EQ(stat(At("device.log").toLocal8Bit(), &status), 0);
+  EXPECT_TRUE(S_ISFIFO(status.st_mode));
+  EXPECT_NE(WriteBundle(At("none/a.zip"), entries), "");
+  EXPECT_NE(WriteBundle(QStringLiteral("/proc/a.zip"), entries), "");
+  EXPECT_NE(WriteBundle(At("Config"), entries), "");
+
+  // What is too large by far is refused before anything is packed.
+  folder_.Write("a.zip", "as before");
+  std::vector<BundleEntry> large = entries;
+  large.front() = {"large", "", "", std::string(size_t{65} * 1024 * 1024, 'x')};
+  EXPECT_NE(WriteBundle(At("a.zip"), large), "");
+  EXPECT_EQ(QFileInfo(At("a.zip")).size(), 9);
+}
+
+}  // namespace
