@@ -201,6 +201,15 @@ void DeclareWatching(CLI::App& app, Arguments* arguments) {
       ->type_name("MODEL");
 }
 
+void DeclareHelp(CLI::App& app, Arguments* arguments) {
+  auto* bundle = DeclareWithLidar(
+      app, "bundle", "Pack logs, versions and settings for whoever helps; no keys and no names",
+      "bundle help.zip $", arguments);
+  AddText(bundle, "FILE", &arguments->path, "The .zip to write");
+  bundle->add_flag("--dry-run", arguments->dry_run, "List what it would hold, and write nothing");
+  bundle->get_option("--model")->required(false);
+}
+
 void CheckExclusions(const Arguments& arguments) {
   const bool is_loud = arguments.quiet && arguments.verbose;
   if (is_loud || (!arguments.host.empty() && !arguments.serial.empty())) {
@@ -233,6 +242,7 @@ std::optional<Arguments> ParseArguments(int argc, char** argv, int* exit_code) {
   DeclareSettings(app, &arguments);
   DeclareMaintenance(app, &arguments);
   DeclareWatching(app, &arguments);
+  DeclareHelp(app, &arguments);
   std::string shell_help;
   auto* help =
       Declare(app, "shell-help", "Completion for bash or zsh, or the manual page", "")->group("");

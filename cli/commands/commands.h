@@ -27,3 +27,4 @@ ExitCode RunCalibration(Context& context);
 ExitCode RunMonitor(Context& context);
 ExitCode RunWatchUdp(Context& context);
 ExitCode RunCheckTables(Context& context);
+ExitCode RunBundle(Context& context);

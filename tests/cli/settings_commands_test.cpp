@@ -147,6 +147,24 @@ TEST_F(SettingsCommands, TheScriptOfTheFactoryLinePassesFiveLidars) {
   }
 }
 
+TEST_F(SettingsCommands, ABundleHoldsWhatWasListedWithOrWithoutALidar) {
+  const VirtualLidarProcess lidar;
+  Tevronctl dry({"bundle", "help.zip", "--dry-run"});
+  EXPECT_EQ(dry.Code(), 0) << Words(dry);
+  EXPECT_TRUE(dry.out().contains("left out: no lidar was named")) << Words(dry);
+  EXPECT_FALSE(QFile::exists("help.zip"));
+  Tevronctl full(QStringList{"--json", "bundle", "help.zip"} + At(lidar));
+  EXPECT_EQ(full.Code(), 0) << Words(full);
+  EXPECT_TRUE(full.err().contains("settings.tevron.json: ")) << Words(full);
+  EXPECT_TRUE(full.Json()["entries"].toArray()[0].toObject()["left_out"].isNull()) << Words(full);
+  EXPECT_GT(QFileInfo("help.zip").size(), 1000);
+  Tevronctl silent({"bundle", "no.zip", "--model", "Orca", "--host", "127.0.0.1:1"});
+  EXPECT_EQ(silent.Code(), 0) << Words(silent);
+  EXPECT_TRUE(silent.err().contains("the settings are left out")) << Words(silent);
+  Tevronctl unwritable({"bundle", "none/help.zip"});
+  EXPECT_EQ(unwritable.Code(), 2) << Words(unwritable);
+}
+
 // What the program tells of itself is made from its command line; the page is written by hand.
 TEST_F(SettingsCommands, EveryCommandAndOptionIsOnThePages) {
   Tevronctl help({"--help-all"});
