@@ -91,6 +91,10 @@ FirmwareUpgrade::~FirmwareUpgrade() {
 }
 
 int FirmwareUpgrade::Start(const QUrl& url) {
+  if (set_up_.session.state().applying) {
+    set_up_.report.Error(LinkState::kAppliesSettings);
+    return -1;
+  }
   if (!MayStart()) {
     // Meant: "upgrade" here, "upgrading" for a package.
     set_up_.report.Error("lidar is not connected, or lidar is upgrade");
@@ -221,7 +225,7 @@ void FirmwareUpgrade::Work(UpgradeWork& work, Run run, const Post& later) {
   const RunningFirmware before = ReadRunningFirmware(sender, *work.model, work.report);
   later([this, before] { TakeBefore(before); });
   if (set_up_.snapshot != nullptr) {
-    set_up_.snapshot(sender);
+    set_up_.snapshot(work);
   }
   UpgradeResult result = RunGuarded(run, work);
   UpgradeReadBack read_back;

@@ -35,7 +35,7 @@ class FirmwareUpgrade {
     UpgradeWaits waits{};
     /// What has to be kept of the lidar before the first byte goes out, on the upgrade's thread;
     /// may be null. Has to end when the connection is closed.
-    std::function<void(kavel::lidar::CommandSender&)> snapshot = nullptr;
+    std::function<void(const UpgradeWork&)> snapshot = nullptr;
   };
 
   explicit FirmwareUpgrade(SetUp set_up);

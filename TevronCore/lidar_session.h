@@ -135,7 +135,7 @@ class LidarSession {
   void ReadFactsAgain();
   void ReadFactsAfterRestart();
 
-  /// The serial or part number, kUnread while it is unknown. That of a network model is the
+  /// The serial or part number, kUnreadFact while it is unknown. That of a network model is the
   /// variable "SN" or "PN".
   std::string SerialNumber() const { return Identity("SN", facts_.serial_number); }
   std::string PartNumber() const { return Identity("PN", facts_.part_number); }

@@ -19,7 +19,7 @@ std::optional<std::chrono::system_clock::time_point> NewestOf(
 }  // namespace
 
 LinkSnapshot LidarSession::LinkNow() const {
-  const auto known = [](const std::string& text) { return text == kUnread ? "" : text; };
+  const auto known = [](const std::string& text) { return text == kUnreadFact ? "" : text; };
   LinkSnapshot now;
   now.connected = state_.connected;
   now.connecting = connecting_;
@@ -62,8 +62,8 @@ std::string LidarSession::RunningVersion() const {
   if (model_->connect_type != kNetworkLink) {
     return VersionText(facts_.versions, model_->family);
   }
-  const std::string version = Identity("SWVER_YMD", kUnread);
-  return version == kUnread ? "" : version;
+  const std::string version = Identity("SWVER_YMD", kUnreadFact);
+  return version == kUnreadFact ? "" : version;
 }
 
 std::string LidarSession::Identity(const char* name, const std::string& asked) const {
@@ -72,8 +72,8 @@ std::string LidarSession::Identity(const char* name, const std::string& asked) c
   }
   const VarInfo* var = model_->table->FindByName(name);
   if (var == nullptr || !state_.connected) {
-    return kUnread;
+    return kUnreadFact;
   }
   ConfigParser::Value value = model_->table->ValueOf(*var);
-  return value.has_bytes ? std::move(value.text) : kUnread;
+  return value.has_bytes ? std::move(value.text) : kUnreadFact;
 }

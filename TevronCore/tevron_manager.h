@@ -15,6 +15,7 @@
 #include "upgrade/upgrade_status.h"
 #include "variables/table_fault.h"
 
+class LidarSettings;
 class MonitorFeed;
 struct LidarModel;
 enum class OperationLogOutcome;
@@ -277,6 +278,8 @@ class TevronManager : public QObject {
 
   /// What the monitor page says over time.
   MonitorFeed& Monitor();
+  /// The lidar's settings as files.
+  LidarSettings& Settings();
 
  private:
   struct Parts;

@@ -25,6 +25,8 @@ bool TakeSeconds(int seconds, int max, int* held) {
 
 MonitorFeed& TevronManager::Monitor() { return parts_->monitor.feed(); }
 
+LidarSettings& TevronManager::Settings() { return parts_->settings_files; }
+
 int TevronManager::monitorModuleIndex() const { return parts_->model()->pages.monitor_page(); }
 int TevronManager::monitorContentRevision() const { return parts_->monitor_revision; }
 bool TevronManager::isMonitorRecording() const { return parts_->monitor.recording(); }

@@ -50,8 +50,9 @@ TevronManager::Parts::Parts(TevronManager& manager, bool auto_receive,
       byte_flow(std::make_shared<ByteFlow>(*posted)),
       console(report),
       session({PostTo(manager), report, auto_receive, byte_flow, HandlersOf(manager)}),
-      upgrade(
-          {PostTo(manager), report, session, [&manager] { emit manager.isUpgradingChanged(); }}),
+      settings_files({PostTo(manager), report, session, [&manager] { manager.ShowCaughtUp(); }}),
+      upgrade({PostTo(manager), report, session, [&manager] { emit manager.isUpgradingChanged(); },
+               UpgradeWaits{}, LidarSettings::KeepBeforeUpgrade}),
       monitor({session, PostTo(manager), report, posted,
                LidarMonitor::Handlers{[&manager] { manager.ShowMonitorPage(); },
                                       [&manager] { emit manager.isMonitorRecordingChanged(); }}}) {
@@ -74,6 +75,7 @@ void TevronManager::Parts::TakeModel(const std::shared_ptr<LidarModel>& loaded) 
   }
   pages.UpdateFov(edits->fov());
   monitor.TakeModel();
+  settings_files.TakeModel();
 }
 
 void TevronManager::Parts::TakeMonitorVersion(const std::shared_ptr<LidarModel>& loaded) {

@@ -11,6 +11,7 @@
 #include "firmware_upgrade.h"
 #include "lidar_monitor.h"
 #include "lidar_session.h"
+#include "lidar_settings.h"
 #include "maintenance/maintenance.h"
 #include "pages/edit_session.h"
 #include "session/posted_report.h"
@@ -62,6 +63,7 @@ struct TevronManager::Parts {
   /// Until its end has been told. It stands before the session, whose end wakes it.
   std::unique_ptr<OperationLogDownload> operation_log;
   LidarSession session;
+  LidarSettings settings_files;
   FirmwareUpgrade upgrade;
   LidarMonitor monitor;
 

@@ -23,7 +23,7 @@ void PathDialog::open() {
   }
   if (!save_name_.isEmpty()) {
     dialog_->setAcceptMode(QFileDialog::AcceptSave);
-    dialog_->setDefaultSuffix(QFileInfo(save_name_).suffix());
+    dialog_->setDefaultSuffix(QFileInfo(save_name_).completeSuffix());
     dialog_->selectFile(save_name_);
   }
   connect(dialog_, &QDialog::accepted, this, [this] { Take(dialog_->selectedUrls().value(0)); });

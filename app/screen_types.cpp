@@ -21,6 +21,8 @@
 #include "press_watch.h"
 #include "recent_lidars.h"
 #include "serial_port_list.h"
+#include "settings_rows.h"
+#include "settings_watch.h"
 #include "text_file.h"
 #include "uart_watch.h"
 #include "udp_watch.h"
@@ -51,6 +53,9 @@ void RegisterScreenTypes() {
                                        [](QQmlEngine*, QJSEngine*) { return new PressWatch; });
   qmlRegisterType<DownloadWatch>("Tevron", 1, 0, "DownloadWatch");
   qmlRegisterType<SerialPortList>("Tevron", 1, 0, "SerialPortList");
+  qmlRegisterUncreatableType<SettingsRows>("Tevron", 1, 0, "SettingsRows",
+                                           "It belongs to a SettingsWatch.");
+  qmlRegisterType<SettingsWatch>("Tevron", 1, 0, "SettingsWatch");
   qmlRegisterType<UartWatch>("Tevron", 1, 0, "UartWatch");
   qmlRegisterType<UdpWatch>("Tevron", 1, 0, "UdpWatch");
   qmlRegisterType<UpgradeChoice>("Tevron", 1, 0, "UpgradeChoice");

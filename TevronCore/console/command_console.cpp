@@ -105,7 +105,7 @@ std::string EffectOf(uint8_t command) {
 CommandConsole::Outcome CommandConsole::Send(kavel::lidar::CommandSender* sender,
                                              const LinkState& state, Family family,
                                              const QString& command, const QString& payload) {
-  if (sender == nullptr || !sender->IsOpen() || !state.MayRead()) {
+  if (sender == nullptr || !sender->IsOpen() || !state.MayCommand()) {
     return {};
   }
   Outcome outcome;

@@ -10,6 +10,9 @@ const char* DownloadObstacle(const LinkState& state) {
   if (state.upgrading) {
     return "Please wait for the lidar to upgrade completely";
   }
+  if (state.applying) {
+    return LinkState::kAppliesSettings;
+  }
   return state.downloading ? "Please wait for the operation log to download completely" : nullptr;
 }
 

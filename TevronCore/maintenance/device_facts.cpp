@@ -29,7 +29,7 @@ class FactList {
 
   void Append(FactGroup group, const char* key, const char* name, const std::string& text) {
     const QString value = QString::fromStdString(text);
-    Append(group, text == kUnread ? Unread(key, name) : Read(key, name, value, value));
+    Append(group, text == kUnreadFact ? Unread(key, name) : Read(key, name, value, value));
   }
 
   /// A number of the status, and the words for it.
@@ -41,7 +41,7 @@ class FactList {
 
  private:
   static QVariantMap Unread(const char* key, const char* name) {
-    return {{"key", key}, {"name", name}, {"value", kUnread}, {"state", "unread"}};
+    return {{"key", key}, {"name", name}, {"value", kUnreadFact}, {"state", "unread"}};
   }
 
   void Append(FactGroup group, QVariantMap fact) {
@@ -95,8 +95,8 @@ QString UpTimeText(unsigned seconds) {
 }  // namespace
 
 std::string VersionText(const kavel::lidar::DeviceVersions& versions, SerialFamily family) {
-  if (versions.firmware == kUnread || family != SerialFamily::kKiva) {
-    return versions.firmware == kUnread ? "" : versions.firmware;
+  if (versions.firmware == kUnreadFact || family != SerialFamily::kKiva) {
+    return versions.firmware == kUnreadFact ? "" : versions.firmware;
   }
   return versions.firmware + " (BMB FPGA " + versions.fpga_a + ", TMB FPGA " + versions.fpga_b +
          ")";

@@ -11,7 +11,7 @@
 #include "variables/model_traits.h"
 
 /// Shown for what has not been read.
-inline constexpr char kUnread[] = "xxxxxxxx";
+inline constexpr char kUnreadFact[] = "xxxxxxxx";
 
 /// The facts that one exchange brings.
 enum class FactGroup { kSerialNumber, kPartNumber, kVersions, kPblVersion, kStatus, kCount };
@@ -25,10 +25,10 @@ struct FactReading {
 /// What a serial-attached lidar says about itself.
 struct DeviceFacts {
   std::array<FactReading, static_cast<size_t>(FactGroup::kCount)> readings;
-  std::string serial_number = kUnread;
-  std::string part_number = kUnread;
-  std::string pbl_version = kUnread;  ///< of the primary boot loader
-  kavel::lidar::DeviceVersions versions = {kUnread, kUnread, kUnread};
+  std::string serial_number = kUnreadFact;
+  std::string part_number = kUnreadFact;
+  std::string pbl_version = kUnreadFact;  ///< of the primary boot loader
+  kavel::lidar::DeviceVersions versions = {kUnreadFact, kUnreadFact, kUnreadFact};
   std::optional<kavel::lidar::DeviceStatus> status;
 };
 
@@ -38,8 +38,8 @@ std::string VersionText(const kavel::lidar::DeviceVersions& versions, SerialFami
 /// The facts as the screens show them, one map each: "name" and "value" are texts to show, "key"
 /// names the fact to the program, "raw" is the number or text that the lidar told, and "state" is
 /// "read", "stale" for what it told before but not when it was last asked, or "unread" for what it
-/// has never told; then "value" is kUnread and "raw" is missing. "read_at" is the local time of the
-/// last reading, "failure" why there is none since; either may be "".
+/// has never told; then "value" is kUnreadFact and "raw" is missing. "read_at" is the local time of
+/// the last reading, "failure" why there is none since; either may be "".
 QVariantList InfoList(const DeviceFacts& facts, SerialFamily family);
 QVariantList VersionList(const DeviceFacts& facts, SerialFamily family);
 QVariantList SafetyList(const std::vector<kavel::lidar::SafetyState>& states);

@@ -19,11 +19,13 @@ FocusScope {
     readonly property var actions: ({
         "save": waiting => leaving.write(waiting),
         "restart": () => link.restart(),
-        "reset": () => LongCalls.Run(() => manager.Reset()),
+        "reset": () => settings.keepAndGo("reset"),
+        "apply": () => settings.keepAndGo("apply"),
+        "unkept": purpose => settings.go(purpose),
         "address": address => link.connectTo(address),
         "tab": tab => pages.selectTab(tab),
         "model": lidar => choose(lidar),
-        "disconnect": () => disconnect(),
+        "disconnect": () => link.disconnect(),
         "upgrading": () => leaving.leave("close"),
         "close": () => closeConfirmed()
     })
@@ -45,10 +47,12 @@ FocusScope {
             connectionBar.reach(lidar);
     }
 
-    // The window is to be closed, which neither an upgrade nor an edit would survive.
+    // The window is to be closed, which no upgrade, file or edit would survive.
     function askToClose() {
         if (upgradeControl.running)
             messages.askClose(upgradeControl.sending);
+        else if (link.applying)
+            messages.askCloseApplying();
         else
             leaving.leave("close");
     }
@@ -56,22 +60,10 @@ FocusScope {
     // Edits outlive a connection that comes or breaks; after one that the user ends nothing can
     // take them any more.
     function connectOrDisconnect() {
-        if (manager.IsConnected && !manager.IsUpgrading && !link.connecting)
+        if (manager.IsConnected && !manager.IsUpgrading && !link.connecting && !link.applying)
             leaving.leave("disconnect");
         else
             link.toggle();
-    }
-
-    // The lidar may have gone while the user was asked.
-    function disconnect() {
-        if (manager.IsConnected)
-            link.toggle();
-    }
-
-    // With the same settings as before; what is connected or connecting stays so.
-    function reconnect() {
-        if (!manager.IsConnected && !link.connecting)
-            connectionBar.connectOrDisconnect();
     }
 
     Component.onCompleted: {
@@ -95,6 +87,14 @@ FocusScope {
         onAsked: messages.askEdits(purpose, argument)
     }
 
+    SettingsControl {
+        id: settings
+
+        manager: window.manager
+        onApplyAsked: leaving.leave("apply")
+        onSnapshotMissed: messages.askUnkept(purpose, problem)
+    }
+
     LinkControl {
         id: link
 
@@ -102,13 +102,13 @@ FocusScope {
         modelName: window.modelName
         tab: pages.currentTab
         upgrading: upgradeControl.running
+        applying: settings.watch.applying
         onRefused: messages.refuse(reason)
         onWarned: messages.warnAboutModel(text)
         onNextAddressTold: messages.askNextAddress(address)
     }
 
-    Shortcut { sequence: "Escape"; enabled: link.connecting; onActivated: link.cancel() }
-    Shortcut { sequence: "F5"; onActivated: window.reconnect() }
+    Shortcut { sequence: "F5"; onActivated: connectionBar.reconnect() }
 
     KeyboardKeeper { screen: window }
 
@@ -119,10 +119,7 @@ FocusScope {
         modelName: window.modelName
     }
 
-    Rectangle {
-        anchors.fill: parent
-        color: Theme.windowColor
-    }
+    Rectangle { anchors.fill: parent; color: Theme.windowColor }
 
     ConnectionBar {
         id: connectionBar
@@ -135,6 +132,8 @@ FocusScope {
         modelName: window.modelName
         watch: link.watch
         onLidarChosen: leaving.leave("model", lidar)
+        applying: settings.watch.applying
+        onSettingsWanted: settings.start(what)
         onConnectClicked: window.connectOrDisconnect()
         onCancelClicked: link.cancel()
         onRestartWanted: messages.askRestart()
@@ -150,7 +149,7 @@ FocusScope {
         anchors.top: connectionBar.bottom
         manager: window.manager
         watch: link.watch
-        onReconnectWanted: window.reconnect()
+        onReconnectWanted: connectionBar.reconnect()
         onCancelWanted: link.cancel()
     }
 
@@ -171,6 +170,7 @@ FocusScope {
             manager: window.manager
             modelName: window.modelName
             upgrade: upgradeControl
+            settings: settings
             onRefused: messages.refuse(reason)
             onConfirmationWanted: messages.askSave(names, leaving.following)
             onRestartWanted: messages.askRestart()

@@ -102,7 +102,8 @@ TEST_F(Console, RemembersTheLastTenAnsweredAsTypedNewestFirst) {
 
 TEST_F(Console, DoesNothingWhileTheLidarMayNotBeAsked) {
   EXPECT_FALSE(console_.Send(nullptr, state_, Family::kCmx, "7", "").attempted);
-  for (std::atomic<bool> LinkState::*flag : {&LinkState::upgrading, &LinkState::downloading}) {
+  for (std::atomic<bool> LinkState::*flag :
+       {&LinkState::upgrading, &LinkState::downloading, &LinkState::applying}) {
     state_.*flag = true;
     EXPECT_FALSE(Send("zz", "").attempted);
     state_.*flag = false;

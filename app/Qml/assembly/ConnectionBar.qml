@@ -9,6 +9,7 @@ import "../theme"
 // manager       the object that holds the connection settings
 // modelName     the chosen model
 // watch         how it stands with the connection, a LinkWatch
+// applying      the settings of a file are being written to the lidar
 // lidarChosen(lidar)  another model is wanted: a map with "model", and with more where that is one
 //                     of the lidars connected last, see reach()
 // connectClicked()  connect or disconnect; not told while an address or port cannot be used
@@ -19,6 +20,7 @@ FocusScope {
     property string programName: ""
     property string modelName: ""
     property var watch
+    property bool applying: false
     readonly property bool connecting: watch.connecting
     readonly property bool open: manager.IsConnected || connecting
     readonly property bool network: manager.connectType === 0
@@ -30,6 +32,7 @@ FocusScope {
     signal restartWanted()
     signal resetWanted()
     signal aboutWanted()
+    signal settingsWanted(string what)
 
     // Says beside the fields what cannot be used, before anything is dialled.
     function connectOrDisconnect() {
@@ -38,6 +41,12 @@ FocusScope {
             networkFields.showProblem();
         else
             connectClicked();
+    }
+
+    // With the same settings as before; what is connected or connecting stays so.
+    function reconnect() {
+        if (!open)
+            connectOrDisconnect();
     }
 
     property bool asked: false
@@ -175,24 +184,13 @@ FocusScope {
             onClicked: bar.connectOrDisconnect()
         }
 
-        GearMenu {
-            objectName: "gearButton"
-            visible: bar.network
+        BarTools {
+            network: bar.network
+            applying: bar.applying
+            onSettingsWanted: bar.settingsWanted(what)
             onRestartWanted: bar.restartWanted()
             onResetWanted: bar.resetWanted()
-        }
-
-        // Keeps the gear's place, so that Connect stands where it always stands.
-        Item {
-            visible: !bar.network
-            implicitWidth: Theme.controlHeight
-        }
-
-        DefaultToolButton {
-            objectName: "aboutButton"
-            label: qsTr("About this program")
-            icon.source: "../icons/info.svg"
-            onClicked: bar.aboutWanted()
+            onAboutWanted: bar.aboutWanted()
         }
     }
 }

@@ -10,6 +10,7 @@ import "../controls"
 // modelName    the chosen model
 // tab          the page that is shown, which is read again after connecting
 // upgrading    an upgrade runs, in which the manager connects by itself when the lidar is back
+// applying     the settings of a file are being written, which is not to be cut
 // watch        how it stands with the connection, a LinkWatch
 // connecting   an attempt runs
 // nextAddressTold(address)  network settings were taken: the lidar is reached there next
@@ -20,6 +21,7 @@ Item {
     property string modelName: ""
     property int tab: 0
     property bool upgrading: false
+    property bool applying: false
     property LinkWatch watch: LinkWatch {
         manager: link.manager
         onNextAddressTold: link.nextAddressTold(address)
@@ -43,10 +45,18 @@ Item {
             watch.Look();
         } else if (manager.IsUpgrading) {
             refused("Disconnect REJECTED. Lidar is upgrading.");
+        } else if (applying) {
+            refused(qsTr("The settings of a file are being written to the lidar. Wait until that has ended, or cancel it first."));
         } else {
             manager.Stop();
             linkCheck.stop();
         }
+    }
+
+    // The lidar may have gone while the user was asked.
+    function disconnect() {
+        if (manager.IsConnected)
+            toggle();
     }
 
     // Ends an attempt, or the wait for a lidar that restarts.
@@ -102,6 +112,8 @@ Item {
     function read(page) {
         LongCalls.Run(() => manager.GetLidarModuleInfo(page));
     }
+
+    Shortcut { sequence: "Escape"; enabled: link.connecting; onActivated: link.cancel() }
 
     Connections {
         target: link.manager

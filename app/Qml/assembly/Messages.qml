@@ -44,6 +44,8 @@ Item {
     function askReset() { questions.askReset(); }
     function askNextAddress(address) { questions.askNextAddress(address); }
     function askClose(sending) { questions.askClose(sending); }
+    function askUnkept(purpose, problem) { questions.askUnkept(purpose, problem); }
+    function askCloseApplying() { questions.askCloseApplying(); }
     function askEdits(purpose, argument) { questions.askEdits(purpose, argument); }
 
     function showError() {

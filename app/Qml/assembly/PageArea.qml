@@ -9,6 +9,7 @@ Item {
     property var manager
     property string modelName: ""
     property var upgrade
+    property var settings
     property int currentTab: 0
     readonly property bool network: manager.connectType === 0
     // What is typed counts.
@@ -56,6 +57,7 @@ Item {
 
     // Shows another page, and goes to the row on it that was asked for.
     function selectTab(tab) {
+        settings.close();
         bar.showsLogs = false;
         finder.finding = false;
         changePage(tab);
@@ -105,6 +107,7 @@ Item {
         currentTab: area.currentTab
         marked: page.hasEdits ? [area.currentTab] : []
         offersLogs: logs.offersAny
+        covered: settingsArea.shown
         onSelected: {
             finder.wanted = null;
             area.hasEdits ? area.leaveAsked(tab) : area.selectTab(tab);
@@ -129,7 +132,7 @@ Item {
         anchors.left: parent.left
         anchors.right: parent.right
         anchors.bottom: parent.bottom
-        visible: area.network && !logs.visible
+        visible: area.network && !logs.visible && !settingsArea.shown
         manager: area.manager
         tab: area.currentTab
         upgrade: area.upgrade
@@ -156,11 +159,21 @@ Item {
         manager: area.manager
     }
 
+    SettingsArea {
+        id: settingsArea
+
+        anchors.fill: area.network ? page : parent
+        settings: area.settings
+        bar: bar
+        finder: finder
+    }
+
     Loader {
         id: serial
 
         anchors.fill: parent
         active: !area.network
+        visible: !settingsArea.shown
         sourceComponent: Lumo {
             manager: area.manager
             modelName: area.modelName

@@ -5,6 +5,7 @@ import "../theme"
 // all pages.
 //
 // titles, currentTab, marked   see TabWidget
+// covered          something else is in the place of the page
 // offersLogs       this lidar has logs to download
 // showsLogs        they are in the place of the page; can be set
 // field            the FindField
@@ -17,6 +18,7 @@ Item {
     property alias currentTab: tabs.currentIndex
     property alias marked: tabs.marked
     property bool offersLogs: false
+    property bool covered: false
     property alias showsLogs: logsButton.checked
     readonly property alias field: findField
 
@@ -38,7 +40,7 @@ Item {
         anchors.right: logsButton.left
         anchors.leftMargin: Theme.gap
         anchors.rightMargin: Theme.gap
-        resting: bar.showsLogs && bar.offersLogs
+        resting: bar.covered || (bar.showsLogs && bar.offersLogs)
         onSelected: bar.selected(index)
         onClicked: {
             bar.showsLogs = false;

@@ -18,6 +18,7 @@ Item {
     readonly property var editsTitles: ({
         "tab": qsTr("Leave the page with unsaved edits?"),
         "model": qsTr("Choose another model with unsaved edits?"),
+        "apply": qsTr("Apply settings with unsaved edits?"),
         "disconnect": qsTr("Disconnect with unsaved edits?"),
         "close": qsTr("Close the window with unsaved edits?")
     })
@@ -60,7 +61,7 @@ Item {
     function askReset() {
         box.ask({ "purpose": "reset", "title": qsTr("Reset to factory settings?"),
                   "message": qsTr("Every setting on the lidar goes back to its factory value."),
-                  "advice": qsTr("This cannot be undone. The address may change; connect to the new one then."),
+                  "advice": qsTr("A snapshot of the settings is saved first. The address may change; connect to the new one then."),
                   "accept": qsTr("Reset"), "dangerous": true });
     }
 
@@ -79,6 +80,23 @@ Item {
                            : qsTr("The upgrade is not over: the lidar has to restart and to tell what it runs then."),
                   "advice": sending ? qsTr("Closing breaks the transfer off, and nothing here will tell which firmware the lidar runs then.")
                           : qsTr("After closing, nothing here will tell which firmware the lidar runs."),
+                  "accept": qsTr("Close Anyway"), "reject": qsTr("Stay"), "dangerous": true });
+    }
+
+    // There is no way back to what the lidar holds now.
+    function askUnkept(purpose, problem) {
+        box.ask({ "purpose": "unkept", "argument": purpose,
+                  "title": qsTr("No snapshot of the settings"),
+                  "message": qsTr("No snapshot could be saved: %1").arg(problem),
+                  "advice": qsTr("Without it, what the lidar holds now cannot be brought back. Go on without?"),
+                  "accept": purpose === "reset" ? qsTr("Reset Anyway") : qsTr("Apply Anyway"),
+                  "dangerous": true });
+    }
+
+    function askCloseApplying() {
+        box.ask({ "purpose": "upgrading", "title": qsTr("Close while settings are written?"),
+                  "message": qsTr("The settings of a file are being written to the lidar."),
+                  "advice": qsTr("Closing breaks that off. What was written until then stays written, and nothing here will tell what it was."),
                   "accept": qsTr("Close Anyway"), "reject": qsTr("Stay"), "dangerous": true });
     }
 
