@@ -176,9 +176,10 @@ std::string PositionalsOf(const CLI::App& command) {
   std::string text;
   for (const CLI::Option* option : command.get_options()) {
     if (option->get_positional()) {
-      const std::string name = "\\fI" + option->get_name(true) + "\\fR";
-      const std::string many = option->get_items_expected_max() > 1 ? " ..." : "";
-      text += option->get_required() ? ' ' + name + many : " [" + name + many + ']';
+      const bool is_needed = option->get_required();
+      text.append(is_needed ? " " : " [").append("\\fI").append(option->get_name(true));
+      text.append("\\fR").append(option->get_items_expected_max() > 1 ? " ..." : "");
+      text.append(is_needed ? "" : "]");
     }
   }
   return text;
