@@ -320,7 +320,7 @@ void LidarSettings::Apply(const std::vector<std::string>& names) {
 
 void LidarSettings::TakeApplied(const ApplyReport& report) {
   SettingsComparison applied = *comparison_;
-  TakeReport(report, &applied);
+  TakeReport(report, *set_up_.session.model(), &applied);
   Show(std::move(applied));
   if (!report.next_address.empty()) {
     set_up_.session.NoteNextAddress(report.next_address);

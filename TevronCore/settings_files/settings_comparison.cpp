@@ -98,13 +98,14 @@ SettingsComparison ComparisonWithLidar(ComparedSide file, std::shared_ptr<const 
       row.choice = is_usual ? RowChoice::kOffered : RowChoice::kOnDemand;
     }
     if (row.diff.writable && row.diff.kind != DiffKind::kEqual) {
-      row.reason = value.reason;
+      row.reason = row.choice == RowChoice::kOnDemand ? usual.values[i].reason : value.reason;
     }
   }
   return comparison;
 }
 
-void TakeReport(const ApplyReport& report, SettingsComparison* comparison) {
+void TakeReport(const ApplyReport& report, const LidarModel& model,
+                SettingsComparison* comparison) {
   const auto rows = RowsOf(comparison);
   for (const ApplyResult& result : report.results) {
     ComparedRow& row = *rows.at(result.name);
@@ -118,6 +119,9 @@ void TakeReport(const ApplyReport& report, SettingsComparison* comparison) {
       }
     } else if (!result.holds.empty()) {
       row.diff.right = result.holds;
+      if (const VarInfo* const var = model.table->FindByName(result.name)) {
+        Label(*var, &row.diff.right);
+      }
     }
   }
 }

@@ -52,4 +52,4 @@ SettingsComparison ComparisonWithLidar(ComparedSide file, std::shared_ptr<const 
                                        const LidarModel& model);
 
 /// Puts what became of the values into their rows, and what the lidar holds since then.
-void TakeReport(const ApplyReport& report, SettingsComparison* comparison);
+void TakeReport(const ApplyReport& report, const LidarModel& model, SettingsComparison* comparison);

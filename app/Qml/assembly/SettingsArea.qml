@@ -34,6 +34,10 @@ FocusScope {
         }
     }
     Connections {
+        target: area.watch
+        function onComparedAnew() { area.forceActiveFocus(Qt.OtherFocusReason); }
+    }
+    Connections {
         target: area.bar
         function onShowsLogsChanged() { if (area.bar.showsLogs) area.settings.close(); }
         function onPageWanted() { area.settings.close(); }
