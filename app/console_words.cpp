@@ -107,6 +107,16 @@ QVariantMap ConsoleWords::Verdict(const QString& command, const QString& header)
              "SUCCESS");
 }
 
+QString ConsoleWords::RefusalIn(const QString& message) {
+  static const QRegularExpression named(QStringLiteral("return code:? ([1-9]\\d?)(?! ?\\(|\\d)"));
+  const QRegularExpressionMatch match = named.match(message);
+  if (!match.hasMatch()) {
+    return {};
+  }
+  const auto code = static_cast<uint8_t>(match.captured(1).toUInt());
+  return code > kBadImage ? QString() : tr("Code %1: %2.").arg(code).arg(MeaningOf(code));
+}
+
 QString ConsoleWords::Dump(const QString& payload, int bytes_per_line) {
   const std::vector<uint8_t> bytes = BytesOf(payload);
   const auto width = static_cast<size_t>(std::max(bytes_per_line, 1));

@@ -23,6 +23,10 @@ class ConsoleWords : public QObject {
   /// "WARNING", "ERROR"), under "tag". An empty `header` stands for no answer.
   Q_INVOKABLE static QVariantMap Verdict(const QString& command, const QString& header);
 
+  /// What the lidar's return code in a message means, as a sentence; empty where the message names
+  /// none that is known, or says it itself.
+  Q_INVOKABLE static QString RefusalIn(const QString& message);
+
   /// The payload in lines of so many bytes: where the line begins, the bytes, and the characters
   /// that they stand for, with a point for one that cannot be printed.
   Q_INVOKABLE static QString Dump(const QString& payload, int bytes_per_line);

@@ -219,7 +219,11 @@ void PlotItem::geometryChanged(const QRectF& now, const QRectF& before) {
   update();
 }
 
+// A scene that changes tells of a pointer that rests on it, too: what is selected stays then.
 void PlotItem::hoverMoveEvent(QHoverEvent* event) {
+  if (event->posF() == event->oldPosF()) {
+    return;
+  }
   pointer_px_ = event->posF().x();
   SetCursorAt(layout_.time.ToValue(pointer_px_));
   const int nearest = layout_.NearestRow(scene_, event->posF());

@@ -29,6 +29,16 @@ TEST(ConsoleWordsTest, TellHowACommandWent) {
   }
 }
 
+TEST(ConsoleWordsTest, SayOnceWhatACodeInAMessageMeans) {
+  const char refused[] = "Set Failed: 0x20 SET Spin Rate ret_code: lidar return code 3";
+  EXPECT_EQ(ConsoleWords::RefusalIn(refused), "Code 3: value out of range.");
+  EXPECT_EQ(ConsoleWords::RefusalIn("download failed. return code: 4"), "Code 4: not allowed now.");
+  for (const char* unknown : {"lidar return code 77", "lidar return code 300", "return code: -1",
+                              "lidar return code 9 (the firmware did not arrive whole)"}) {
+    EXPECT_EQ(ConsoleWords::RefusalIn(unknown), "") << unknown;
+  }
+}
+
 TEST(ConsoleWordsTest, MarkWhatTheConsoleWouldNotTake) {
   for (const char* taken : {"7", "0x07", "0X1ff", "7fffffff"}) {
     EXPECT_EQ(ConsoleWords::CommandProblem(taken), "") << taken;

@@ -57,7 +57,7 @@ TEST_F(FindTest, AKeyboardIsEnoughFromConnectingToLeaving) {
   EXPECT_EQ(screen_.Text("note_2_2_1"), "was 20");
 
   screen_.Key(Qt::Key_S, Qt::ControlModifier);
-  EXPECT_TRUE(screen_.Text("saveState").startsWith("Minimum Distance written and read back, "));
+  EXPECT_TRUE(screen_.Text("saveOutcome").startsWith("Minimum Distance written and read back, "));
   EXPECT_EQ(lidar_.Held("Minimum Distance"), "55");
   EXPECT_EQ(screen_.FocusName(), kMinimumDistance);
 

@@ -37,7 +37,7 @@ class ScreensTest : public testing::Test {
   // The line beside Save says so, and no notice lies over the page.
   bool WaitForSaved(const QString& names) {
     return WaitFor([&] {
-             return screen_.Text("saveState").startsWith(names + " written and read back, ");
+             return screen_.Text("saveOutcome").startsWith(names + " written and read back, ");
            }) &&
            screen_.Find("noticeText") == nullptr;
   }

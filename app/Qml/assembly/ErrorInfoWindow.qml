@@ -1,4 +1,5 @@
 import QtQuick 2.15
+import Tevron 1.0
 import "../controls"
 import "../theme"
 import "Advice.js" as Advice
@@ -7,7 +8,7 @@ import "Advice.js" as Advice
 NoticeWindow {
     objectName: "errorInfoWindow"
     title: qsTr("Something went wrong")
-    adviceFor: message => Advice.forMessage(message)
+    adviceFor: message => [ConsoleWords.RefusalIn(message), Advice.forMessage(message)].join(" ").trim()
     iconSource: "../icons/error.svg"
     tone: Theme.errorColor
 }

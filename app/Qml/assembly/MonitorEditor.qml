@@ -16,6 +16,10 @@ FocusScope {
     readonly property bool showsFile: source.openFile !== ""
     readonly property var series: showsFile ? source.recorded : source.live
     readonly property bool hasFaults: showsFile && source.faults.length > 0
+    // The lidar reports another hardware version than the chosen one, and there is a table for it.
+    readonly property bool offered: !showsFile && manager.IsConnected
+                                    && manager.monitorHwVersionList.indexOf(reportedHardware) >= 0
+                                    && reportedHardware !== manager.currentMonitorHwVersion
     // Which recording is in view, or what stands in the way of readings or is odd about them.
     readonly property string news: {
         if (showsFile)
@@ -39,6 +43,24 @@ FocusScope {
         focus: true
     }
 
+    DefaultButton {
+        id: use
+
+        objectName: "monitorUseReported"
+        anchors.right: head.right
+        anchors.top: head.bottom
+        anchors.topMargin: visible ? Theme.gap : 0
+        height: visible ? implicitHeight : 0
+        visible: editor.offered
+        emphasised: editor.manager.currentMonitorHwVersion === ""
+        text: qsTr("Use %1").arg(editor.reportedHardware)
+        hint: qsTr("Choose the hardware version that the lidar reports")
+        onClicked: {
+            head.forceActiveFocus();
+            editor.manager.selectMonitorHwVersion(editor.reportedHardware);
+        }
+    }
+
     PlainText {
         id: newsText
 
@@ -46,11 +68,13 @@ FocusScope {
         anchors.left: parent.left
         anchors.top: head.bottom
         anchors.topMargin: text.length > 0 ? Theme.gapTiny : 0
-        width: values.width
-        height: text.length > 0 ? implicitHeight : 0
+        width: values.width - (use.visible ? use.width + Theme.gap : 0)
+        height: use.visible ? use.height + Theme.gapTiny : text.length > 0 ? implicitHeight : 0
+        verticalAlignment: Text.AlignVCenter
         text: editor.news
         font: Theme.captionFont
-        color: editor.showsFile && !editor.hasFaults ? Theme.quietTextColor : Theme.warningColor
+        color: (editor.showsFile && !editor.hasFaults)
+               || editor.manager.currentMonitorHwVersion === "" ? Theme.quietTextColor : Theme.warningColor
         elide: Text.ElideMiddle
         Accessible.role: Accessible.StaticText
         Accessible.name: text

@@ -53,6 +53,8 @@ FocusScope {
     readonly property bool isTall: kind === kindTallChoice
     readonly property bool editable: leaf.permission !== 0 && leaf.editable !== false
     readonly property bool pending: leaf.edited === true
+    // The editor holds a text that is not handed over yet.
+    readonly property bool typed: loader.item !== null && loader.item.typed === true
     // What the value is worth: "unread", "read", "edited", "written" or "differs".
     readonly property string worth: leaf.state || "read"
     readonly property bool unread: worth === "unread"
@@ -92,10 +94,13 @@ FocusScope {
         edited();
     }
 
-    // Takes the edit back.
+    // Takes the edit back, and what is typed.
     function undo() {
+        if (typed)
+            loader.item.drop();
         forceActiveFocus();
-        edit(1, leaf.reading);
+        if (pending)
+            edit(1, leaf.reading);
     }
 
     // Records what is typed and not yet confirmed with Enter.

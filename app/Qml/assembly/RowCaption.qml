@@ -13,7 +13,7 @@ PlainText {
     objectName: "caption_" + row.place
     text: row.caption
     color: row.linked && linkHover.hovered ? Theme.accentColor
-         : row.pending ? Theme.pendingColor : Theme.textColor
+         : row.pending || row.typed ? Theme.pendingColor : Theme.textColor
     elide: Text.ElideRight
     activeFocusOnTab: row.linked && takesKeyboard
     Accessible.role: row.linked ? Accessible.Link : Accessible.StaticText

@@ -14,12 +14,11 @@ Item {
     property var row
     property var editor
     readonly property var verdict: editor && editor.verdict || ({})
-    readonly property bool pending: row.pending || (editor && editor.typed === true)
+    readonly property bool pending: row.pending || row.typed
     readonly property bool isWrong: verdict.text !== undefined && verdict.text !== "" && !verdict.rounded
     readonly property string before: row.pending ? row.leaf.reading || ""
                                    : row.unread ? "" : row.leaf.current_val || ""
-    // A choice that has the room names what there is to choose from.
-    readonly property string form: row.isTall ? (row.leaf.options || []).join(" · ") : row.leaf.hint || ""
+    readonly property string form: row.leaf.hint || ""
     readonly property alias text: words.text
 
     readonly property string news: {
@@ -74,7 +73,9 @@ Item {
         anchors.left: words.right
         anchors.leftMargin: Theme.gapTiny
         anchors.verticalCenter: parent.verticalCenter
-        visible: note.row.pending && note.before !== ""
+        visible: note.pending && note.before !== ""
+        // While a text is typed, Tab leads on to the next value; Escape takes it back.
+        activeFocusOnTab: note.row.pending
         implicitHeight: Theme.smallControlHeight
         icon.source: "../icons/undo.svg"
         iconSize: Theme.smallIconSize

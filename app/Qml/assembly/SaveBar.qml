@@ -2,7 +2,8 @@ import QtQuick 2.15
 import "../controls"
 import "../theme"
 
-// Save and Cancel, what there is to save, and what the last Save brought. The latter passes by itself.
+// Save and Cancel, what there is to save, and beside it what the last Save brought, which passes by
+// itself.
 //
 // editCount, faultCount  values to be saved, and those that have to be corrected first
 // tell(text, isGood)     what a Save brought
@@ -42,15 +43,13 @@ FocusScope {
     }
 
     PlainText {
+        id: counts
+
         objectName: "saveState"
         anchors.left: parent.left
         anchors.leftMargin: Theme.gapWide
-        anchors.right: buttons.left
-        anchors.rightMargin: Theme.gapWide
         anchors.verticalCenter: parent.verticalCenter
         text: {
-            if (bar.outcome !== "")
-                return bar.outcome;
             const parts = [];
             if (bar.editCount > 0)
                 parts.push(bar.editCount === 1 ? qsTr("1 edit") : qsTr("%1 edits").arg(bar.editCount));
@@ -59,7 +58,19 @@ FocusScope {
                                                 : qsTr("%1 fields to correct").arg(bar.faultCount));
             return parts.join(" · ");
         }
-        color: bar.outcome !== "" && bar.isGood ? Theme.successColor : Theme.pendingColor
+        color: Theme.pendingColor
+        Accessible.role: Accessible.StaticText
+        Accessible.name: text
+    }
+    PlainText {
+        objectName: "saveOutcome"
+        anchors.left: counts.right
+        anchors.leftMargin: bar.hasEdits ? Theme.gapWide : 0
+        anchors.right: buttons.left
+        anchors.rightMargin: Theme.gapWide
+        anchors.verticalCenter: parent.verticalCenter
+        text: bar.outcome
+        color: bar.isGood ? Theme.successColor : Theme.pendingColor
         elide: Text.ElideRight
         Accessible.role: Accessible.StaticText
         Accessible.name: text

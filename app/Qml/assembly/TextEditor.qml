@@ -18,6 +18,11 @@ FocusScope {
         field.revert();
     }
 
+    function drop() {
+        field.typing = false;
+        field.revert();
+    }
+
     function commit() {
         if (typed)
             handOver();
