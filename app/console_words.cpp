@@ -34,28 +34,8 @@ QString HexNumber(uint32_t number, int digits) {
 QString CodeText(uint8_t code) { return "0x" + HexNumber(code, 2).toUpper(); }
 
 QString MeaningOf(uint8_t return_code) {
-  switch (return_code) {
-    case kUnknownCommand:
-      return ConsoleWords::tr("unknown command");
-    case kBadLength:
-      return ConsoleWords::tr("wrong length");
-    case kBadValue:
-      return ConsoleWords::tr("value out of range");
-    case kNotAllowedNow:
-      return ConsoleWords::tr("not allowed now");
-    case kAuthenticationRequired:
-      return ConsoleWords::tr("authentication required");
-    case kOutOfOrder:
-      return ConsoleWords::tr("a piece that does not follow");
-    case kDamagedPiece:
-      return ConsoleWords::tr("a damaged piece");
-    case kForeignImage:
-      return ConsoleWords::tr("no firmware for this lidar");
-    case kBadImage:
-      return ConsoleWords::tr("the firmware did not arrive whole");
-    default:
-      return ConsoleWords::tr("a code of this device");
-  }
+  const char* const meaning = ReturnCodeMeaning(return_code);
+  return *meaning == '\0' ? ConsoleWords::tr("a code of this device") : ConsoleWords::tr(meaning);
 }
 
 uint32_t PayloadLength(const std::vector<uint8_t>& header) {

@@ -9,20 +9,10 @@
 namespace kavel::lidar {
 namespace {
 
-// What the lidar's return codes about firmware mean, in brackets behind them; "" for the others.
-const char* FirmwareMeaning(int32_t code) {
-  switch (code) {
-    case kOutOfOrder:
-      return " (a piece of the firmware does not follow, or none was expected)";
-    case kDamagedPiece:
-      return " (a piece of the firmware arrived damaged)";
-    case kForeignImage:
-      return " (this is no firmware for this lidar)";
-    case kBadImage:
-      return " (the firmware did not arrive whole)";
-    default:
-      return "";
-  }
+// "" for what the lidar did not say, and for a device's own code.
+std::string MeaningInBrackets(int32_t code) {
+  const std::string meaning = ReturnCodeMeaning(code);
+  return meaning.empty() ? "" : " (" + meaning + ")";
 }
 
 // What memory is too small to show is left out; the exchange itself went well.
@@ -154,7 +144,7 @@ std::string CmxClient::ErrorText(int32_t code) {
       return "a value is outside its range, nothing was sent";
     default:
       return (code > 0 ? "lidar return code " : "error ") + std::to_string(code) +
-             FirmwareMeaning(code);
+             MeaningInBrackets(code);
   }
 }
 

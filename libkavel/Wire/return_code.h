@@ -19,4 +19,7 @@ enum ReturnCode : uint8_t {
   kBadImage = 9,      ///< the length or the checksum of the whole image is wrong
 };
 
+/// What the code says, in a few words; "" for a device's own.
+const char* ReturnCodeMeaning(int32_t code);
+
 }  // namespace kavel::lidar

@@ -69,7 +69,8 @@ TEST_F(MaintenanceTest, GuardsComeBeforeTheWireAndARefusalIsShownAndLogged) {
     const Lines refusal = report_.Take();
     ASSERT_EQ(refusal.size(), 2U);
     EXPECT_EQ(refusal[1], "ERROR: " + refusal[0].substr(7));
-    EXPECT_NE(refusal[0].find(", ret:lidar return code 3"), std::string::npos) << refusal[0];
+    EXPECT_NE(refusal[0].find(", ret:lidar return code 3 (value out of range)"), std::string::npos)
+        << refusal[0];
   }
   state_.connected = false;
   EXPECT_FALSE(serial_.WriteStandby(1));
@@ -83,7 +84,8 @@ TEST_F(MaintenanceTest, HandsOutWhatTheLidarHolds) {
   EXPECT_EQ(AsList(serial_.ReadNet().value()),
             (QVariantList{"192.168.1.201", "255.255.255.0", "192.168.1.1", 1, 4095}));
   EXPECT_FALSE(serial_.ReadNet(true));
-  EXPECT_EQ(report_.Take(), Lines{"ERROR: get net config error, ret:lidar return code 3"})
+  EXPECT_EQ(report_.Take(),
+            Lines{"ERROR: get net config error, ret:lidar return code 3 (value out of range)"})
       << "silence keeps it out of the error box";
 }
 
@@ -185,7 +187,8 @@ TEST_F(MaintenanceTest, WhatIsNotToldAgainIsKeptAndMarked) {
             "Kiva2600060|read|timed|\nKivaD32" + silence + "Strongest and last" + silence +
                 "1200 rpm" + silence + "Standby" + silence + "1:00:01" + silence);
   EXPECT_EQ(states(VersionList(facts, SerialFamily::kLumo)),
-            "1.4.2|read|timed|\nxxxxxxxx|unread||lidar return code 3\nA7|read|timed|\n");
+            "1.4.2|read|timed|\nxxxxxxxx|unread||lidar return code 3 (value out of "
+            "range)\nA7|read|timed|\n");
 }
 
 TEST_F(MaintenanceTest, RestartAndResetSendWhatTheTableNames) {
@@ -194,10 +197,10 @@ TEST_F(MaintenanceTest, RestartAndResetSendWhatTheTableNames) {
   EXPECT_EQ(Over(kNetworkLink).Restart(fixture.table), 0);
   std::string why;
   EXPECT_EQ(Over(kSerialPair).Restart(fixture.table, &why), 4);
-  EXPECT_EQ(why, "lidar return code 4");
+  EXPECT_EQ(why, "lidar return code 4 (not allowed now)");
   EXPECT_EQ(serial_.Restart(fixture.table), 4);
   EXPECT_EQ(lidar_.sent, std::vector<Sent>(3, {0xFF, {0x01, 0x10, 0xAA}}));
-  const std::string failure = "restart error, ret:lidar return code 4";
+  const std::string failure = "restart error, ret:lidar return code 4 (not allowed now)";
   EXPECT_EQ(report_.Take(), (Lines{"success: Lidar restart.", "ERROR: " + failure,
                                    "error: " + failure, "ERROR: " + failure}));
   EXPECT_NE(serial_.Reset(fixture.table), 0);

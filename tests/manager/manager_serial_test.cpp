@@ -113,7 +113,7 @@ TEST_F(ManagerSerialTest, APairOfPortsEndsWhenEitherVanishes) {
 TEST_F(ManagerSerialTest, OnlyTheFirstReadingOfTheFactsIsHeard) {
   const VirtualLidarProcess lidar({"--model", "Lumo-CMX", "--fault", "return-code=4@0x4F"});
   ASSERT_TRUE(ConnectSerial("Lumo-CMX", lidar));
-  const QString failure = "get status error, ret:lidar return code 4";
+  const QString failure = "get status error, ret:lidar return code 4 (not allowed now)";
   EXPECT_EQ(TakeErrors(), QStringList(failure));
   // A screen that does not clear the message sees what becomes of it.
   QObject::disconnect(manager_.get(), &TevronManager::successMessageChanged, nullptr, nullptr);

@@ -64,7 +64,8 @@ TEST_F(UpgradeTest, TellsWhatWasSentAndWhatTheLidarRunsAfterwards) {
        {"return-code=4@0x10"},
        false,
        {"begins", "ends", sent, kNoReboot},
-       "order to restart failed: lidar return code 4.* The lidar runs 2026-10-18 v2.7.1.0\\.$"},
+       "order to restart failed: lidar return code 4 \\(not allowed now\\).* The lidar runs "
+       "2026-10-18 v2.7.1.0\\.$"},
       {"Orca",
        "Orca",
        {"drop@0x10"},

@@ -74,7 +74,7 @@ TEST_F(PageReaderTest, FailuresLeaveWhatWasThere) {
   const std::tuple<ScriptedSender::Reply, ReadOutcome, const char*> cases[] = {
       {{0, {0x02, 0x00, 0x07}}, ReadOutcome::kRead, nullptr},
       {{kavel::lidar::kNoReply, {}}, ReadOutcome::kNoAnswer, "no answer from the lidar"},
-      {{3, {}}, ReadOutcome::kRefused, "lidar return code 3"},
+      {{3, {}}, ReadOutcome::kRefused, "lidar return code 3 (value out of range)"},
       {{0, {}}, ReadOutcome::kRefused, "the answer is empty"},
       // Long enough for the first variable, but who knows of which command it is.
       {{0, {4, 0}}, ReadOutcome::kRefused, "the answer is too short, 2 of 3 bytes"},
@@ -118,7 +118,7 @@ TEST_F(PageReaderTest, GivesUpAfterTwoCommandsWithoutAnAnswerInARowAndSaysEachFa
       {kavel::lidar::kReplyBrokeOff, {}}};
   const Lines once = {
       "WARNING: Page: Count could not be read: no answer from the lidar.",
-      "WARNING: Page: Part A could not be read: lidar return code 5.",
+      "WARNING: Page: Part A could not be read: lidar return code 5 (authentication required).",
       ("WARNING: Page: Part B could not be read: authentication refused the command, the log says "
        "why."),
       "WARNING: Page: MAC could not be read: the lidar's answer broke off.",
@@ -137,7 +137,8 @@ TEST_F(PageReaderTest, GivesUpAfterTwoCommandsWithoutAnAnswerInARowAndSaysEachFa
   lidar_.replies = {{0, {1}}, {5, {}}};
   reader_.Read(Vars({"Count"}), "test");
   reader_.Read(Vars({"Count"}), "test");
-  EXPECT_EQ(report_.Take(), Lines{"WARNING: Page: Count could not be read: lidar return code 5."});
+  EXPECT_EQ(report_.Take(), Lines{"WARNING: Page: Count could not be read: lidar return code 5 "
+                                  "(authentication required)."});
 }
 
 }  // namespace

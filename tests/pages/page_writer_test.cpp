@@ -170,7 +170,8 @@ TEST_F(PageWriterTest, AReadingThatFailsIsNamedAndTheLastOneIsUsed) {
   report_.Take();
   EXPECT_EQ(Save({{"Speed", "1300"}}, {{5, {}}, {0, {8}}, {0, {}}}), Outcome::kWritten);
   EXPECT_EQ(report_.Take().at(1),
-            "WARNING: The present values of [0x31] could not be read (lidar return code 5): the "
+            "WARNING: The present values of [0x31] could not be read (lidar return code 5 "
+            "(authentication required)): the "
             "last ones that were read go with it.");
   EXPECT_EQ(lidar_.sent.back().payload, (Bytes{0x05, 0x14, 0, 2, 3, 4, 5, 8}));
   // Silent before and silent now: nobody knows whether the lidar took its new address.

@@ -177,10 +177,11 @@ TEST(SettingsApplyTest, SaysWhatBecameOfEachValue) {
   ApplyReport report = RunApply(bench.lidar(), plan);
   const std::string unsent =
       "nothing was sent: Window Heater, which goes with it, could not be read (lidar return code "
-      "5)";
+      "5 (authentication required))";
   EXPECT_EQ(
       Told(report, "not asked for"),
-      (Lines{"Spin Rate refused: lidar return code 3", "Return Mode refused: lidar return code 3",
+      (Lines{"Spin Rate refused: lidar return code 3 (value out of range)",
+             "Return Mode refused: lidar return code 3 (value out of range)",
              "Standby refused: " + unsent, "Laser Power refused: " + unsent, "IMU Output written",
              "IMU Rate differs: taken, and the lidar holds another value"}));
   EXPECT_EQ(report.ended, "");

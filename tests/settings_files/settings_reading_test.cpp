@@ -45,7 +45,7 @@ TEST(SettingsReadingTest, WhatCannotBeReadIsUnreadWithItsReason) {
   SettingsBench bench("Orca");
   bench.device.before = [](uint8_t cmd) { return cmd == 0x34 ? 5 : cmd == 0x11 ? kNoReply : 0; };
   const SettingsFile file = bench.Read();
-  EXPECT_EQ(file.Find("Standby")->unread, "lidar return code 5");
+  EXPECT_EQ(file.Find("Standby")->unread, "lidar return code 5 (authentication required)");
   EXPECT_EQ(file.Find("Spin Rate")->unread, "no answer from the lidar");
   EXPECT_FALSE(file.Find("Spin Rate")->was_read()) << "a default is nothing that the lidar said";
   EXPECT_TRUE(file.Find("IMU Rate")->was_read());
