@@ -13,6 +13,8 @@
 
 namespace {
 
+constexpr char kBusy[] = "Please wait until the settings of the lidar are read or written";
+
 std::string NameOf(const QString& path) { return QFileInfo(path).fileName().toStdString(); }
 
 /// Null, with a sentence in *problem, for a file that cannot be used.
@@ -115,24 +117,31 @@ LidarSettings::~LidarSettings() {
 
 bool LidarSettings::MayBegin() {
   if (shown_.task != SettingsTask::kNone) {
-    set_up_.report.Error("Please wait until the settings of the lidar are read or written");
+    set_up_.report.Error(kBusy);
     return false;
   }
   return true;
 }
 
-bool LidarSettings::MayUseLidar() {
+/// Why no task with the lidar may begin now; "" when one may.
+std::string LidarSettings::Obstacle() const {
   const LidarSession& session = set_up_.session;
   if (session.model()->connect_type != kNetworkLink) {
-    set_up_.report.Error("There are no settings to be saved or applied: a " +
-                         session.model()->name + " has no pages.");
-    return false;
+    return "There are no settings to be saved or applied: a " + session.model()->name +
+           " has no pages.";
   }
   if (const char* obstacle = session.state().Obstacle(session.sender().get())) {
-    set_up_.report.Error(obstacle);
-    return false;
+    return obstacle;
   }
-  return MayBegin();
+  return shown_.task == SettingsTask::kNone ? "" : kBusy;
+}
+
+bool LidarSettings::MayUseLidar() {
+  const std::string obstacle = Obstacle();
+  if (!obstacle.empty()) {
+    set_up_.report.Error(obstacle);
+  }
+  return obstacle.empty();
 }
 
 std::function<bool()> LidarSettings::Current() const {
@@ -226,6 +235,24 @@ void LidarSettings::Save(const QString& path) {
         set_up_.report.LogLine(std::to_string(unread) + " values could not be read: " +
                                    path.toStdString() + " says why.",
                                LogType::kWarning);
+      }
+    };
+  });
+}
+
+void LidarSettings::Read(
+    std::function<void(const std::optional<SettingsFile>& held, const std::string& problem)> then) {
+  if (const std::string obstacle = Obstacle(); !obstacle.empty()) {
+    then(std::nullopt, obstacle);
+    return;
+  }
+  Begin(SettingsTask::kReading, [this, then = std::move(then)](const Work& work) -> Ending {
+    const SettingsReading reading = ReadSettings(work.Lidar(), work.Watch());
+    return [this, then, reading] {
+      set_up_.values_read();
+      if (!shown_.cancelling) {
+        then(reading.ended.empty() ? std::make_optional(reading.file) : std::nullopt,
+             reading.ended);
       }
     };
   });

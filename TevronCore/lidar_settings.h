@@ -4,6 +4,7 @@
 #include <QString>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <set>
 #include <string>
 #include <vector>
@@ -48,6 +49,10 @@ class LidarSettings : public QObject {
   /// Reads the lidar and writes the file. One that is there already stays as it is when the lidar
   /// could not be read to the end.
   void Save(const QString& path);
+  /// Reads the lidar for somebody else: `then` is told what it holds, or nothing and why. It is not
+  /// told when the task is cancelled.
+  void Read(std::function<void(const std::optional<SettingsFile>& held, const std::string& problem)>
+                then);
   /// Reads the file and the lidar, and shows the one on the left and the other on the right.
   void CompareWithLidar(const QString& path);
   /// Two files; needs no lidar.
@@ -85,6 +90,7 @@ class LidarSettings : public QObject {
   /// What a task leaves to be done on the owner's thread.
   using Ending = std::function<void()>;
 
+  std::string Obstacle() const;
   bool MayBegin();
   std::function<bool()> Current() const;
   void Begin(SettingsTask task, const std::function<Ending(Work&)>& run);

@@ -23,6 +23,7 @@
 #include "serial_port_list.h"
 #include "settings_rows.h"
 #include "settings_watch.h"
+#include "support_bundle.h"
 #include "text_file.h"
 #include "uart_watch.h"
 #include "udp_watch.h"
@@ -56,6 +57,7 @@ void RegisterScreenTypes() {
   qmlRegisterUncreatableType<SettingsRows>("Tevron", 1, 0, "SettingsRows",
                                            "It belongs to a SettingsWatch.");
   qmlRegisterType<SettingsWatch>("Tevron", 1, 0, "SettingsWatch");
+  qmlRegisterType<SupportBundle>("Tevron", 1, 0, "SupportBundle");
   qmlRegisterType<UartWatch>("Tevron", 1, 0, "UartWatch");
   qmlRegisterType<UdpWatch>("Tevron", 1, 0, "UdpWatch");
   qmlRegisterType<UpgradeChoice>("Tevron", 1, 0, "UpgradeChoice");

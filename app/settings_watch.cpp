@@ -58,6 +58,7 @@ QString SettingsWatch::activity() const {
     case SettingsTask::kNone:
       return {};
     case SettingsTask::kSaving:
+    case SettingsTask::kReading:
     case SettingsTask::kComparing:
       return tr("Reading the settings…");
     case SettingsTask::kApplying:

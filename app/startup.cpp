@@ -4,10 +4,10 @@
 #include <QDir>
 #include <QFileInfo>
 #include <QFontDatabase>
-#include <QStandardPaths>
 #include <algorithm>
 
 #include "Log/logger.h"
+#include "support_bundle/device_log.h"
 
 namespace {
 
@@ -135,8 +135,7 @@ QIcon ApplicationIcon(const QString& root) {
 }
 
 void StartDeviceLog() {
-  const QDir folder(QStandardPaths::writableLocation(QStandardPaths::AppLocalDataLocation));
-  const QString path = folder.filePath(QStringLiteral("logs/device.log"));
+  const QString path = DeviceLogPath();
   if (!kavel::lidar::Logger::GetInstance().SetFile(path.toStdString())) {
     qWarning() << "[Tevron] Device log cannot be written:" << path;
   }

@@ -45,8 +45,8 @@ QFont ApplicationFont(const QString& root);
 /// The window icon under `root`; a null icon, with a warning, when the file is missing.
 QIcon ApplicationIcon(const QString& root);
 
-/// Writes what the device library logs from now on to "logs/device.log" in the user's local data
-/// folder of this program (rotated, see Log/logger.h). A folder that cannot be written costs the
+/// Writes what the device library logs from now on to DeviceLogPath() (rotated, see
+/// Log/logger.h). A folder that cannot be written costs the
 /// log only, with a warning. Needs the organisation name.
 void StartDeviceLog();
 

@@ -4,7 +4,7 @@
 #include <string>
 
 /// Work with settings that a screen waits for.
-enum class SettingsTask { kNone, kSaving, kComparing, kApplying, kSnapshot };
+enum class SettingsTask { kNone, kSaving, kReading, kComparing, kApplying, kSnapshot };
 
 /// How it stands with the settings.
 struct SettingsStatus {

@@ -133,7 +133,7 @@ FocusScope {
         watch: link.watch
         onLidarChosen: leaving.leave("model", lidar)
         applying: settings.watch.applying
-        onSettingsWanted: settings.start(what)
+        onSettingsWanted: settings.start(what, work.lines)
         onConnectClicked: window.connectOrDisconnect()
         onCancelClicked: link.cancel()
         onRestartWanted: messages.askRestart()

@@ -66,6 +66,17 @@ class SettingsScreenTest : public testing::Test {
   }
   QString FileCalled(const QString& name) const { return folder_.filePath(name); }
 
+  // Shows what a bundle would hold, and saves it.
+  void SaveBundle(const QString& file) {
+    Start("bundle");
+    ASSERT_TRUE(WaitFor([&] { return screen_.Find("bundleEntry_0") != nullptr; }));
+    screen_.Click("dialogAccept");
+    Choose(file);
+    ASSERT_TRUE(screen_.WaitForNotice("support bundle is saved"))
+        << screen_.BoxMessage().toStdString();
+    screen_.Click("noticeClose");
+  }
+
   const QTemporaryDir folder_;
   Screen screen_;
   VirtualLidarProcess lidar_;
@@ -104,6 +115,15 @@ TEST_F(SettingsScreenTest, SavesComparesAndApplies) {
   screen_.Click("snapshotCompare");
   ASSERT_TRUE(WaitFor([&] { return screen_.Text("settingsCounts") == "1 differs"; }));
   EXPECT_EQ(screen_.Value("settingsRow_0", "leftText"), "78") << "as it was before";
+}
+
+TEST_F(SettingsScreenTest, SavesABundleWithWhatTheLidarHoldsWhereThereIsOne) {
+  SaveBundle(FileCalled("without.zip"));
+  ASSERT_TRUE(screen_.ConnectTo(lidar_.port())) << screen_.LogText().toStdString();
+  SaveBundle(FileCalled("with.zip"));
+  EXPECT_GT(QFileInfo(FileCalled("without.zip")).size(), 0);
+  EXPECT_GT(QFileInfo(FileCalled("with.zip")).size(),
+            QFileInfo(FileCalled("without.zip")).size() + 1000);
 }
 
 }  // namespace

@@ -24,7 +24,8 @@ Item {
         "compare": () => choose("compare", qsTr("Choose the file to compare the lidar with")),
         "files": () => choose("first", qsTr("Choose the first of the two files")),
         "apply": () => choose("apply", qsTr("Choose the file to apply to the lidar")),
-        "snapshots": () => showSnapshots()
+        "snapshots": () => showSnapshots(),
+        "bundle": lines => bundle.list(lines)
     })
     readonly property var takings: ({
         "compare": file => watch.Compare(file, false),
@@ -36,9 +37,9 @@ Item {
         "second": file => watch.CompareFiles(firstFile, file)
     })
 
-    // Does what an entry of the menu stands for.
-    function start(what) {
-        doings[what]();
+    // Does what an entry of the menu stands for; `lines` are those of the log.
+    function start(what, lines) {
+        doings[what](lines);
     }
 
     // Keeps a snapshot before it does what `purpose` says: "apply" or "reset".
@@ -85,6 +86,12 @@ Item {
         onComparedAnew: control.view = "comparison"
         onSnapshotTaken: problem === "" ? control.go(reason) : control.snapshotMissed(reason, problem)
         onChanged: if (!compared && control.view === "comparison") control.view = ""
+    }
+
+    BundleControl {
+        id: bundle
+
+        manager: control.manager
     }
 
     PathDialog {

@@ -6,7 +6,7 @@ import "../theme"
 // The button with what can be done with the lidar's settings as files.
 //
 // locked         settings are being applied: what would need the lidar is not offered
-// wanted(what)   "save", "compare", "files", "apply" or "snapshots"
+// wanted(what)   "save", "compare", "files", "apply", "snapshots" or "bundle"
 DefaultToolButton {
     id: button
 
@@ -17,7 +17,8 @@ DefaultToolButton {
         { "what": "compare", "text": qsTr("Compare with a file…") },
         { "what": "files", "text": qsTr("Compare two files…") },
         { "what": "apply", "text": qsTr("Apply a file…") },
-        { "what": "snapshots", "text": qsTr("Snapshots…") }
+        { "what": "snapshots", "text": qsTr("Snapshots…") },
+        { "what": "bundle", "text": qsTr("Support bundle…") }
     ]
 
     signal wanted(string what)

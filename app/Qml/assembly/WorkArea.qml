@@ -9,6 +9,7 @@ import "../theme"
 // log below, and the line at the bottom. Console and log fold away, and stay so.
 //
 // log(text, tag)    a line for the log; the tag is written without brackets
+// lines             those of the log
 // refused(reason)   what the user wanted cannot be done now
 FocusScope {
     id: area
@@ -16,12 +17,11 @@ FocusScope {
     default property alias page: room.data
     property var manager
     property bool bytesFlow: false
+    readonly property var lines: logWindow.lines
 
     signal refused(string reason)
 
-    function log(text, tag) {
-        logWindow.append(text, tag);
-    }
+    function log(text, tag) { logWindow.append(text, tag); }
 
     function showConsole(open) {
         handOver(consoleWidget, open, () => kept.consoleFolded = !open);
