@@ -39,7 +39,7 @@ std::string LineOf(const QString& path, const QString& name, const TextCleaner& 
 }  // namespace
 
 std::string TableSums(const ConfigFolder& config, const TextCleaner& cleaner) {
-  const QDir folder(QString::fromStdString(config.path()));
+  const QDir folder(QDir(QString::fromStdString(config.path())).absolutePath());
   QStringList names;
   QDirIterator files(folder.path(), QDir::Files, QDirIterator::Subdirectories);
   while (files.hasNext() && names.size() < kMostFiles) {

@@ -72,6 +72,7 @@ class SettingsScreenTest : public testing::Test {
     ASSERT_TRUE(WaitFor([&] { return screen_.Find("bundleEntry_0") != nullptr; }));
     screen_.Click("dialogAccept");
     Choose(file);
+    ASSERT_TRUE(WaitFor([&] { return screen_.Find("bundleEntry_0") == nullptr; }));
     ASSERT_TRUE(screen_.WaitForNotice("support bundle is saved"))
         << screen_.BoxMessage().toStdString();
     screen_.Click("noticeClose");

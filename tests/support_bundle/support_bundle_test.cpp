@@ -81,7 +81,8 @@ class SupportBundleTest : public testing::Test {
     folder_.Write("Config/auth_keys.ini", keys);
     folder_.Write("Config/site/notes.txt", "mine is " + kKeys[0].second);
     folder_.Write("Config/varID/Orca.csv", "a table\n");
-    sources_.config = ConfigFolder(folder_.path() + "/Config");
+    // As the window names it: from the current folder.
+    sources_.config = ConfigFolder(QDir().relativeFilePath(At("Config")).toStdString());
     sources_.device_log = At("device.log");
     sources_.names = {{"/data/people/ann"}, {"ann", "north-box.example", "north-box"}};
   }
