@@ -6,6 +6,8 @@
 #include <cstdlib>
 #include <iostream>
 
+#include "output.h"
+
 namespace {
 
 constexpr int kBarWidth = 32;
@@ -75,7 +77,7 @@ void ConsoleReport::Progress(const std::string& what, uint64_t done, uint64_t al
   done = std::min(done, all);
   const auto filled = static_cast<size_t>(kBarWidth * done / all);
   const std::lock_guard<std::mutex> lock(mutex_);
-  std::cerr << kWipe << what << " [" << std::string(filled, '#')
+  std::cerr << kWipe << Printable(what) << " [" << std::string(filled, '#')
             << std::string(kBarWidth - filled, '.') << "] " << 100 * done / all << " %"
             << std::flush;
   is_drawn_ = true;
@@ -98,5 +100,6 @@ void ConsoleReport::Write(const std::string& text, Colour colour) {
   Wipe();
   const bool is_plain = !has_colour_ || colour == Colour::kNone;
   const char* const begin = is_plain ? "" : colour == Colour::kRed ? "\x1b[31m" : "\x1b[33m";
-  std::cerr << begin << "tevronctl: " << text << (is_plain ? "" : "\x1b[0m") << std::endl;
+  std::cerr << begin << "tevronctl: " << Printable(text) << (is_plain ? "" : "\x1b[0m")
+            << std::endl;
 }

@@ -5,6 +5,11 @@
 #include <ostream>
 #include <string>
 
+/// A text for one line of a terminal: what a lidar, a table or a file tells may hold characters
+/// that command the terminal, or break the line. Each control character but the tab becomes its
+/// escape of JSON ("\u001b"), so that JSON stays what it was.
+std::string Printable(const std::string& text);
+
 /// Standard output, which carries results and nothing else: lines of text, or objects of JSON, each
 /// on a line of its own. What is not wanted is not written, so that a command says both.
 class Output {
@@ -13,6 +18,7 @@ class Output {
 
   bool json() const { return json_; }
 
+  /// One line; what would break it is escaped.
   void Line(const std::string& text);
   void Object(const QJsonObject& object);
   /// Bytes as they are, whatever is wanted: a file that goes to standard output.

@@ -63,11 +63,11 @@ ExitCode RunCheckTables(Context& context) {
     model = models.empty() ? model : models[MatchName(models, model, "model")];
   }
   const TableReport report = CheckTables(context.config, model);
-  std::ostringstream text;
+  std::stringstream text;
   PrintReport(report, text);
-  std::string lines = text.str();
-  lines.pop_back();
-  context.output.Line(lines);
+  for (std::string line; std::getline(text, line);) {
+    context.output.Line(line);
+  }
   QJsonArray faults;
   QJsonArray warnings;
   for (const TableFault& finding : report.findings) {

@@ -65,6 +65,20 @@ TEST_F(Commands, TellOfTheTables) {
   EXPECT_TRUE(same.Output().endsWith(QString::fromUtf8(words.out()))) << Words(words);
 }
 
+TEST_F(Commands, LetNoTextOfALidarCommandTheTerminal) {
+  const QString hostile = QString::fromUtf8(
+      "X\x1b]0;t\x07\nSN = 1\xc2\x9b"
+      "1m");
+  const VirtualLidarProcess lidar({"--set", "SN=" + hostile});
+  Tevronctl words(QStringList{"get", "SN"} + At(lidar));
+  EXPECT_EQ(words.Code(), 0);
+  EXPECT_EQ(words.out(), "SN = X\\u001b]0;t\\u0007\\u000aSN = 1\\u009b1m\n");
+  Tevronctl json(QStringList{"--json", "get", "SN"} + At(lidar));
+  EXPECT_EQ(json.Code(), 0);
+  EXPECT_EQ(ValueOf(json, "SN")["text"], hostile);
+  EXPECT_FALSE(json.out().contains("\x9b"));
+}
+
 TEST_F(Commands, ReadWhatTheLidarHolds) {
   const VirtualLidarProcess lidar({"--set", "Spin Rate=1200"});
   Tevronctl info(QStringList{"--json", "info"} + At(lidar));
