@@ -55,6 +55,9 @@ ExitCode Run(const Arguments& arguments, Output& output) {
       ConfigFolder(arguments.config.empty() ? ProgramConfigFolder() : arguments.config)};
   try {
     const ExitCode code = RunGuarded(context);
+    if (!output.good()) {
+      throw Failure(ExitCode::kBrokenOff, "the results could not be written to standard output");
+    }
     report.ShowErrors();
     return code;
   } catch (const Failure& failure) {

@@ -167,7 +167,10 @@ class Applier {
       Set(command, Outcome::kWritten, "taken, the lidar dropped the link for it: not read back");
       Log(command, "taken, the link was dropped", LogType::kInfo);
     } else if (sent.taken) {
-      ReadBack(command);
+      ReadBack(command, "");
+    } else if (sent.error == 0) {
+      // It answered something else: only what it holds tells whether it took the command.
+      ReadBack(command, CmxClient::ErrorText(sent.error));
     } else if (IsSilence(sent.error)) {
       Set(command, Outcome::kSkipped,
           CmxClient::ErrorText(sent.error) + ": whether it was taken is not known");
@@ -179,7 +182,8 @@ class Applier {
     }
   }
 
-  void ReadBack(const std::string& command) {
+  /// `doubt` is why nobody knows yet whether the command was taken; empty for a taken one.
+  void ReadBack(const std::string& command, const std::string& doubt) {
     std::vector<const VarInfo*> vars;
     for (const Task& task : tasks_[command]) {
       vars.push_back(task.value->var);
@@ -188,30 +192,37 @@ class Applier {
     const ManyRead read = ReadMany(lidar_, vars, {}, kPatience);
     bool all_held = true;
     for (const Task& task : tasks_[command]) {
-      Judge(read, task);
+      Judge(read, doubt, task);
       all_held = all_held && task.result->outcome == Outcome::kWritten;
     }
-    Log(command, all_held ? "written" : "written, and the lidar holds other values",
-        all_held ? LogType::kInfo : LogType::kWarning);
+    const bool is_network = IsCommand(command, kNetworkCommand) && doubt.empty();
+    const char* const not_held = !doubt.empty()        ? "not taken, or not read back"
+                                 : read.failed.empty() ? "written, and the lidar holds other values"
+                                                       : "written, and not read back";
+    Log(command, all_held ? "written" : not_held, all_held ? LogType::kInfo : LogType::kWarning);
     // A lidar that has taken network settings and said so drops the link as well.
-    if (!IsCommand(command, kNetworkCommand)) {
+    if (!is_network) {
+      report_.unproven += read.failed.size();
       report_.ended = read.ended;
       report_.lost = read.lost;
     }
   }
 
-  void Judge(const ManyRead& read, const Task& task) const {
+  void Judge(const ManyRead& read, const std::string& doubt, const Task& task) const {
     const VarInfo& var = *task.value->var;
     const auto failure = read.failed.find(&var);
     if (failure != read.failed.end()) {
-      task.result->outcome = Outcome::kWritten;
-      task.result->reason = "taken, and not read back: " + failure->second;
+      task.result->outcome = doubt.empty() ? Outcome::kWritten : Outcome::kSkipped;
+      task.result->reason = doubt.empty() ? "taken, and not read back: " + failure->second
+                                          : doubt + ": whether it was taken is not known";
       return;
     }
     const bool is_held = table_.ValueOf(var).bytes == task.value->bytes;
     task.result->holds = HeldText(var);
-    task.result->outcome = is_held ? Outcome::kWritten : Outcome::kDiffers;
-    task.result->reason = is_held ? task.value->reason : "taken, and the lidar holds another value";
+    const Outcome not_held = doubt.empty() ? Outcome::kDiffers : Outcome::kRefused;
+    const std::string why = doubt.empty() ? "taken, and the lidar holds another value" : doubt;
+    task.result->outcome = is_held ? Outcome::kWritten : not_held;
+    task.result->reason = is_held ? task.value->reason : why;
   }
 
   void Refuse(const std::string& command, const std::string& reason) {
@@ -278,7 +289,8 @@ size_t ApplyReport::Count(ApplyResult::Outcome outcome) const {
 }
 
 bool ApplyReport::succeeded() const {
-  return ended.empty() && Count(Outcome::kRefused) == 0 && Count(Outcome::kDiffers) == 0;
+  return ended.empty() && unproven == 0 && Count(Outcome::kRefused) == 0 &&
+         Count(Outcome::kDiffers) == 0;
 }
 
 ApplyReport RunApply(const SettingsLidar& lidar, const ApplyPlan& plan, const WorkWatch& watch) {

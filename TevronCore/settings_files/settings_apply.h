@@ -30,6 +30,8 @@ struct ApplyReport {
   /// came to its end.
   std::string ended;
   bool lost = false;  ///< for the first of these reasons
+  /// Values that were sent and could not be read back, though the link was to stay.
+  size_t unproven = 0;
   /// Network settings were taken: where the lidar is reached after its restart; else empty.
   std::string next_address;
 

@@ -77,7 +77,8 @@ void CheckReport(const Context& context, const ApplyReport& report, const QJsonO
   }
   throw Failure(ExitCode::kNo, std::to_string(report.Count(Outcome::kRefused)) + " refused, " +
                                    std::to_string(report.Count(Outcome::kDiffers)) + " differ, " +
-                                   std::to_string(written) + " written")
+                                   std::to_string(written) + " written, " +
+                                   std::to_string(report.unproven) + " could not be read back")
       .With(result);
 }
 

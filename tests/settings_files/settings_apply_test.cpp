@@ -193,6 +193,23 @@ TEST(SettingsApplyTest, SaysWhatBecameOfEachValue) {
   EXPECT_EQ(std::count(bench.device.sent.begin(), bench.device.sent.end(), 0x35), 0);
 }
 
+TEST(SettingsApplyTest, SucceedsOnlyWithWhatWasReadBack) {
+  ChangedLidar bench("Orca");
+  ApplyWish wish;
+  wish.only = {"Spin Rate"};
+  const ApplyPlan plan = PlanApply(*bench.model, bench.Read(), bench.file, wish);
+  bool written = false;
+  bench.device.before = [&](uint8_t code) {
+    written = written || code == 0x12;
+    return written && code == 0x11 ? 5 : 0;
+  };
+  const ApplyReport report = RunApply(bench.lidar(), plan);
+  EXPECT_EQ(Told(report, "not asked for"),
+            Lines{"Spin Rate written: taken, and not read back: lidar return code 5"});
+  EXPECT_EQ(report.ended, "");
+  EXPECT_FALSE(report.succeeded());
+}
+
 TEST(SettingsApplyTest, WhatTheUserIsTypingStaysAndIsNotSent) {
   ChangedLidar bench("Orca");
   ConfigParser& table = *bench.model->table;
