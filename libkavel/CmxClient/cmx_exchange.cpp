@@ -15,6 +15,8 @@ namespace {
 using std::chrono::milliseconds;
 
 constexpr uint32_t kDrainTimeoutMs = 50;
+/// So long is silence waited for where a fence follows, which copes with a lidar that babbles.
+constexpr uint32_t kFencedDrainMs = 200;
 constexpr size_t kDrainBlockSize = 1500;
 constexpr uint32_t kLargePayload = 10240;
 /// How far the buffer runs ahead of what has arrived.
@@ -120,7 +122,7 @@ bool CmxExchange::ClearTheLine(uint8_t cmd, const std::vector<uint8_t>& payload,
   const bool has_fence = is_fenced && liveness_ != kNoLiveness;
   // What was only doubled, or came with stray bytes, is left behind by the fence alone.
   if (!has_fence || expect_late) {
-    DrainUntilSilent();
+    DrainUntilSilent(has_fence ? std::min(kFencedDrainMs, in_force_.recv_ms) : in_force_.recv_ms);
   }
   return !has_fence || owed_.None() || FenceOff(cmd, payload);
 }
@@ -134,10 +136,10 @@ void CmxExchange::DropWaitingInput() {
   }
 }
 
-void CmxExchange::DrainUntilSilent() {
+// A lidar that never falls silent must not hold the exchange for ever: after `limit_ms` it goes on.
+void CmxExchange::DrainUntilSilent(uint32_t limit_ms) {
   std::array<uint8_t, kDrainBlockSize> block;
-  // A lidar that never falls silent must not hold the exchange for ever.
-  const auto deadline = now_() + milliseconds(in_force_.recv_ms);
+  const auto deadline = now_() + milliseconds(limit_ms);
   transport_->SetTimeout(kDrainTimeoutMs, kDrainTimeoutMs);
   int32_t count = 0;
   do {

@@ -89,7 +89,7 @@ class CmxExchange {
 
   bool ClearTheLine(uint8_t cmd, const std::vector<uint8_t>& payload, bool expect_late);
   void DropWaitingInput();
-  void DrainUntilSilent();
+  void DrainUntilSilent(uint32_t limit_ms);
   bool FenceOff(uint8_t cmd, const std::vector<uint8_t>& payload);
   void LookThrough(const uint8_t* data, int32_t size);
 
