@@ -4,6 +4,7 @@
 
 #include <algorithm>
 
+#include "CmxClient/cmx_client.h"
 #include "settings_bench.h"
 #include "settings_files/settings_diff.h"
 #include "settings_files/value_bytes.h"
@@ -11,6 +12,7 @@
 
 namespace {
 
+using kavel::lidar::CmxClient;
 using kavel::lidar::kNoReply;
 using Lines = std::vector<std::string>;
 using Outcome = ApplyResult::Outcome;
@@ -205,7 +207,7 @@ TEST(SettingsApplyTest, SucceedsOnlyWithWhatWasReadBack) {
   };
   const ApplyReport report = RunApply(bench.lidar(), plan);
   EXPECT_EQ(Told(report, "not asked for"),
-            Lines{"Spin Rate written: taken, and not read back: lidar return code 5"});
+            Lines{"Spin Rate written: taken, and not read back: " + CmxClient::ErrorText(5)});
   EXPECT_EQ(report.ended, "");
   EXPECT_FALSE(report.succeeded());
 }
