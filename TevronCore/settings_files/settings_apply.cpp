@@ -178,6 +178,7 @@ class Applier {
       report_.ended = "the link was lost";
       report_.lost = true;
     } else {
+      report_.lidar_code = report_.lidar_code == 0 ? std::max(sent.error, 0) : report_.lidar_code;
       Refuse(command, CmxClient::ErrorText(sent.error));
     }
   }

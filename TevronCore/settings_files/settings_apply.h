@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <string>
 #include <vector>
 
@@ -32,6 +33,7 @@ struct ApplyReport {
   bool lost = false;  ///< for the first of these reasons
   /// Values that were sent and could not be read back, though the link was to stay.
   size_t unproven = 0;
+  int32_t lidar_code = 0;  ///< return code of the first command that the lidar refused; 0 for none
   /// Network settings were taken: where the lidar is reached after its restart; else empty.
   std::string next_address;
 

@@ -34,6 +34,20 @@ std::string LineOf(const ApplyResult& result) {
   return result.reason.empty() ? line : line + " (" + result.reason + ")";
 }
 
+/// What became of each value, beside what it is now.
+void AddOutcomes(const ApplyReport& report, QJsonArray* values) {
+  for (QJsonValueRef entry : *values) {
+    QJsonObject value = entry.toObject();
+    for (const ApplyResult& result : report.results) {
+      if (value["name"] == Text(result.name)) {
+        value["outcome"] = TextOf(result.outcome);
+        value["reason"] = Text(result.reason);
+      }
+    }
+    entry = value;
+  }
+}
+
 /// What the plan would do, in the words of what was done.
 ApplyReport Foretell(const ApplyPlan& plan) {
   ApplyReport report;
@@ -75,10 +89,12 @@ void CheckReport(const Context& context, const ApplyReport& report, const QJsonO
                             (written == 1 ? " value: " : " values: ") + report.ended)
         .With(result);
   }
-  throw Failure(ExitCode::kNo, std::to_string(report.Count(Outcome::kRefused)) + " refused, " +
-                                   std::to_string(report.Count(Outcome::kDiffers)) + " differ, " +
-                                   std::to_string(written) + " written, " +
-                                   std::to_string(report.unproven) + " could not be read back")
+  throw Failure(ExitCode::kNo,
+                std::to_string(report.Count(Outcome::kRefused)) + " refused, " +
+                    std::to_string(report.Count(Outcome::kDiffers)) + " differ, " +
+                    std::to_string(written) + " written, " + std::to_string(report.unproven) +
+                    " could not be read back",
+                report.lidar_code > 0 ? std::optional(report.lidar_code) : std::nullopt)
       .With(result);
 }
 
@@ -165,10 +181,12 @@ ExitCode RunSet(Context& context) {
     return ExitCode::kDone;
   }
   const ApplyReport report = Run(context, link, plan);
-  const QJsonObject result{{"values", ValueObjects(table, vars)}};
+  QJsonArray values = ValueObjects(table, vars);
   for (const ApplyResult& done : report.results) {
     context.output.Line(LineOf(done));
   }
+  AddOutcomes(report, &values);
+  const QJsonObject result{{"values", values}};
   CheckReport(context, report, result);
   context.output.Object(result);
   return ExitCode::kDone;

@@ -1,9 +1,11 @@
 #include <QFileInfo>
+#include <algorithm>
 
 #include "commands/commands.h"
 #include "firmware_upgrade.h"
 #include "lidar_settings.h"
 #include "upgrade/upgrade_file.h"
+#include "upgrade/upgrade_work.h"
 
 namespace {
 
@@ -28,6 +30,17 @@ QJsonObject ResultOf(const UpgradeSnapshot& now) {
   return {{"before", TextOrNull(now.version_before)},
           {"after", TextOrNull(now.version_after)},
           {"outcome", TextOrNull(now.outcome)}};
+}
+
+/// Whether the lidar was waited for, though it was not told to restart: the link was lost.
+bool WasLost(const UpgradeSnapshot& ended) {
+  const auto was = [&ended](const char* name, UpgradeStepState state) {
+    return std::any_of(ended.steps.begin(), ended.steps.end(), [&](const UpgradeStep& step) {
+      return step.name == name && step.state == state;
+    });
+  };
+  return !was(kRestartStep, UpgradeStepState::kDone) &&
+         !was(kReturnStep, UpgradeStepState::kSkipped);
 }
 
 }  // namespace
@@ -63,7 +76,8 @@ ExitCode RunUpgrade(Context& context) {
   context.report.TakeError("");
   if (ended.failed) {
     const bool is_there = link.session().state().connected && link.session().CheckLink();
-    throw Failure(is_there ? ExitCode::kNo : ExitCode::kBrokenOff, ended.outcome).With(result);
+    const bool broke_off = WasLost(ended) || !is_there;
+    throw Failure(broke_off ? ExitCode::kBrokenOff : ExitCode::kNo, ended.outcome).With(result);
   }
   context.output.Line(ended.outcome);
   context.output.Object(result);

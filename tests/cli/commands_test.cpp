@@ -198,6 +198,10 @@ TEST_F(Commands, UpgradeTellsBothVersionsAndEndsCleanlyWhenInterrupted) {
   EXPECT_NE(upgrade.Json()["before"], upgrade.Json()["after"]);
   EXPECT_FALSE(upgrade.err().contains('\r')) << "a progress bar that is on no terminal";
 
+  const VirtualLidarProcess closing({"--fault", "close-at-piece=3"});
+  Tevronctl lost(QStringList{"--json", "upgrade", "orca.patch"} + At(closing));
+  EXPECT_EQ(lost.Code(), 4) << Words(lost);
+
   VirtualLidarProcess::MakeFirmware("Osprey", "9.8.7", "osprey.patch", 1);
   Tevronctl refused(QStringList{"--json", "upgrade", "osprey.patch"} + At(lidar));
   EXPECT_EQ(refused.Code(), 1) << Words(refused);

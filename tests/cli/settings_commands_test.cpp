@@ -46,6 +46,9 @@ TEST_F(SettingsCommands, SetChecksWritesAndReadsBack) {
     EXPECT_EQ(lidar.Held("Spin Rate"), "1200") << Words(ended);
   }
   EXPECT_EQ(lidar.Held("Return Mode"), "3");
+  Tevronctl refused(QStringList{"--json", "set", "Motor Start Delay=300"} + At(lidar));
+  EXPECT_EQ(refused.Error()["lidar_code"], 4) << Words(refused);
+  EXPECT_EQ(ValueOf(refused, "Motor Start Delay")["outcome"], "refused");
   Tevronctl told(QStringList{"--json", "set", "Azimuth Trim=4.5"} + At(lidar));
   EXPECT_EQ(told.Code(), 0) << Words(told);
   EXPECT_EQ(ValueOf(told, "Azimuth Trim")["text"], "4.50");
