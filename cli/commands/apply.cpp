@@ -210,7 +210,9 @@ ExitCode RunApply(Context& context) {
   const ApplyReport report = is_dry ? Foretell(plan) : Run(context, link, plan);
   QJsonArray results;
   for (const ApplyResult& result : report.results) {
-    context.output.Line(LineOf(result));
+    if (plan.may_run() || result.outcome == Outcome::kRefused) {
+      context.output.Line(LineOf(result));
+    }
     results.append(ObjectOf(result));
   }
   const QJsonObject object{{"results", results}, {"dry_run", arguments.dry_run}};
