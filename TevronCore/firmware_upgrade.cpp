@@ -61,23 +61,6 @@ UpgradeResult RunGuarded(UpgradeResult (*run)(UpgradeWork&), UpgradeWork& work) 
 
 }  // namespace
 
-/// The thread that works, over one connection.
-struct FirmwareUpgrade::Job {
-  Job(std::shared_ptr<Connection> used, std::shared_ptr<StopSignal> raised_at_end,
-      std::function<void()> work)
-      : connection(std::move(used)), stop(std::move(raised_at_end)), thread(std::move(work)) {}
-  ~Job() {
-    stop->Raise();
-    thread.join();
-  }
-  Job(const Job&) = delete;
-  Job& operator=(const Job&) = delete;
-
-  const std::shared_ptr<Connection> connection;
-  const std::shared_ptr<StopSignal> stop;
-  std::thread thread;
-};
-
 FirmwareUpgrade::FirmwareUpgrade(SetUp set_up) : set_up_(std::move(set_up)) {}
 
 FirmwareUpgrade::~FirmwareUpgrade() {
@@ -181,8 +164,8 @@ void FirmwareUpgrade::Begin(UpgradeFile file, Run run) {
   session.state().upgrading = true;
   session.KeepWhenLost(true);
   set_up_.upgrading_changed();
-  job_ = std::make_unique<Job>(work->connection, stop,
-                               [this, work, run, later = Later()] { Work(*work, run, later); });
+  job_ = std::make_unique<ConnectionJob>(
+      work->connection, stop, [this, work, run, later = Later()] { Work(*work, run, later); });
 }
 
 UpgradeWork FirmwareUpgrade::WorkOf(UpgradeFile file, std::shared_ptr<StopSignal> stop) {
@@ -305,7 +288,7 @@ void FirmwareUpgrade::TakeReturn(LidarSession::Return outcome) {
   const auto stop = std::make_shared<StopSignal>();
   const auto report = std::make_shared<PostedReport>(set_up_.post, set_up_.report, Current());
   const std::shared_ptr<Connection> connection = set_up_.session.connection();
-  job_ = std::make_unique<Job>(
+  job_ = std::make_unique<ConnectionJob>(
       connection, stop,
       [this, connection, stop, report, later = Later(), model = set_up_.session.model()] {
         RunningFirmware after;

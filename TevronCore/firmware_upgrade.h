@@ -4,9 +4,9 @@
 #include <functional>
 #include <memory>
 #include <string>
-#include <thread>
 #include <vector>
 
+#include "connection/connection_job.h"
 #include "lidar_session.h"
 #include "session/post.h"
 #include "session/stop_signal.h"
@@ -59,7 +59,6 @@ class FirmwareUpgrade {
 
  private:
   using Run = UpgradeResult (*)(UpgradeWork& work);
-  struct Job;
 
   /// Tells whether the upgrade of the moment of the call is still the last one.
   std::function<bool()> Current() const;
@@ -87,5 +86,5 @@ class FirmwareUpgrade {
   UpgradeSnapshot shown_;
   RunningFirmware before_;  ///< read ahead of the first byte
   UpgradeResult result_;
-  std::unique_ptr<Job> job_;
+  std::unique_ptr<ConnectionJob> job_;
 };

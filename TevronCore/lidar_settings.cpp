@@ -87,23 +87,6 @@ struct LidarSettings::Work {
   SettingsLidar Lidar() const { return {*connection->sender(), *model, state, failures, *report}; }
 };
 
-/// The thread that works.
-struct LidarSettings::Job {
-  Job(std::shared_ptr<Connection> used, std::shared_ptr<StopSignal> raised_at_end,
-      std::function<void()> work)
-      : connection(std::move(used)), stop(std::move(raised_at_end)), thread(std::move(work)) {}
-  ~Job() {
-    stop->Raise();
-    thread.join();
-  }
-  Job(const Job&) = delete;
-  Job& operator=(const Job&) = delete;
-
-  const std::shared_ptr<Connection> connection;
-  const std::shared_ptr<StopSignal> stop;
-  std::thread thread;
-};
-
 LidarSettings::LidarSettings(SetUp set_up) : set_up_(std::move(set_up)) {}
 
 LidarSettings::~LidarSettings() {
@@ -162,7 +145,7 @@ void LidarSettings::Begin(SettingsTask task, const std::function<Ending(Work&)>&
       Work{session.connection(), session.model(), session.state(), session.read_failures(),
            std::make_shared<PostedReport>(set_up_.post, set_up_.report, is_current),
            std::make_shared<StopSignal>(), progress_});
-  job_ = std::make_unique<Job>(
+  job_ = std::make_unique<ConnectionJob>(
       work->connection, work->stop, [this, work, run, post = set_up_.post, is_current] {
         Ending end;
         try {

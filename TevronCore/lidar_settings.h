@@ -9,6 +9,7 @@
 #include <string>
 #include <vector>
 
+#include "connection/connection_job.h"
 #include "lidar_session.h"
 #include "session/post.h"
 #include "session/user_report.h"
@@ -84,7 +85,6 @@ class LidarSettings : public QObject {
   void changed();
 
  private:
-  struct Job;
   struct Work;
   struct Progress;
   /// What a task leaves to be done on the owner's thread.
@@ -110,5 +110,5 @@ class LidarSettings : public QObject {
   SettingsStatus shown_;
   std::shared_ptr<const SettingsComparison> comparison_;
   std::weak_ptr<Connection> compared_with_;  ///< of a comparison with a lidar
-  std::unique_ptr<Job> job_;
+  std::unique_ptr<ConnectionJob> job_;
 };
