@@ -47,6 +47,7 @@ TEST_F(SettingsCommands, SetChecksWritesAndReadsBack) {
   }
   EXPECT_EQ(lidar.Held("Return Mode"), "3");
   Tevronctl refused(QStringList{"--json", "set", "Motor Start Delay=300"} + At(lidar));
+  EXPECT_EQ(refused.Code(), 1) << Words(refused);
   EXPECT_EQ(refused.Error()["lidar_code"], 4) << Words(refused);
   EXPECT_EQ(ValueOf(refused, "Motor Start Delay")["outcome"], "refused");
   Tevronctl told(QStringList{"--json", "set", "Azimuth Trim=4.5"} + At(lidar));
