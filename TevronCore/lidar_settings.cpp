@@ -43,7 +43,7 @@ std::string SentenceOf(const ApplyReport& report) {
 /// Returns "", or why there is no snapshot; says so in the log.
 std::string Keep(const SettingsLidar& lidar, SnapshotReason reason, const WorkWatch& watch) {
   const SettingsReading reading = ReadSettings(lidar, watch);
-  const std::string problem =
+  std::string problem =
       reading.ended.empty() ? Snapshots().Keep(reading.file, reason) : reading.ended;
   const std::string when = TextOf(reason);
   if (problem.empty()) {
@@ -295,8 +295,7 @@ ApplyReport LidarSettings::RunOn(const Work& work, const SettingsComparison& sho
   own.connected = true;
   ApplyWish wish;
   wish.only = names;
-  ApplyPlan plan =
-      PlanApply(*work.model, *shown.right.settings, *shown.left.settings, std::move(wish));
+  ApplyPlan plan = PlanApply(*work.model, *shown.right.settings, *shown.left.settings, wish);
   std::vector<PlannedValue> asked_for;
   for (PlannedValue& value : plan.values) {
     if (names.count(value.name) != 0) {
