@@ -10,7 +10,7 @@ namespace {
 
 // Far more than a folder of tables has: a folder given by mistake is not walked to its end.
 constexpr int kMostFiles = 2000;
-constexpr qint64 kLargestTable = 16 * 1024 * 1024;
+constexpr qint64 kLargestTable = qint64{16} * 1024 * 1024;
 
 /// As an editor or a careful user may have called a copy of it, too.
 bool IsCalledLikeKeys(const QString& name) {
