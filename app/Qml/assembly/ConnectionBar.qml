@@ -43,10 +43,13 @@ FocusScope {
             connectClicked();
     }
 
-    // With the same settings as before; what is connected or connecting stays so.
+    // To where the fields say, what is still being typed included; what is connected stays so.
     function reconnect() {
-        if (!open)
-            connectOrDisconnect();
+        if (open)
+            return;
+        if (activeFocus)
+            connectButton.forceActiveFocus(Qt.ShortcutFocusReason);
+        connectOrDisconnect();
     }
 
     property bool asked: false
