@@ -1,6 +1,7 @@
 #include "link_watch.h"
 
 #include <QDateTime>
+#include <utility>
 
 #include "tevron_manager.h"
 
@@ -60,10 +61,12 @@ QString LinkWatch::news() const {
   if (!lost()) {
     return {};
   }
-  return now_.connecting ? tr("Connecting to %1.").arg(place())
-                         : tr("Connection to %1 lost at %2: %3")
-                               .arg(place(), LocalTime(now_.loss->at),
-                                    QString::fromStdString(now_.loss->reason));
+  if (now_.connecting) {
+    return tr("Connecting to %1.").arg(place());
+  }
+  const QString news =
+      waited_in_vain_ ? tr("No lidar at %1 until %2: %3") : tr("Connection to %1 lost at %2: %3");
+  return news.arg(lost_place_, LocalTime(now_.loss->at), QString::fromStdString(now_.loss->reason));
 }
 
 QString LinkWatch::read_at() const { return now_.read_at ? LocalTime(*now_.read_at) : QString(); }
@@ -86,15 +89,18 @@ void LinkWatch::Look() {
   if (manager_ == nullptr) {
     return;
   }
-  const int addresses_before = now_.next_addresses;
-  now_ = manager_->LinkNow();
+  const LinkSnapshot before = std::exchange(now_, manager_->LinkNow());
+  if (now_.loss && (!before.loss || before.loss->at != now_.loss->at)) {
+    waited_in_vain_ = before.awaiting;
+    lost_place_ = place();
+  }
   if (!now_.connecting && !silent() && !manager_->UpgradeNow().running) {
     timer_.stop();
   } else if (!timer_.isActive()) {
     timer_.start();
   }
   emit changed();
-  if (now_.next_addresses != addresses_before && !now_.next_address.empty()) {
+  if (now_.next_addresses != before.next_addresses && !now_.next_address.empty()) {
     // Later, since what is written is read back before the window is free again.
     QMetaObject::invokeMethod(
         this,

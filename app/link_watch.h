@@ -79,5 +79,7 @@ class LinkWatch : public QObject {
  private:
   QPointer<TevronManager> manager_;
   LinkSnapshot now_;
+  QString lost_place_;           ///< stays when an attempt to reach another place fails
+  bool waited_in_vain_ = false;  ///< the loss is the end of a wait, maybe where no link ever was
   QTimer timer_;
 };
