@@ -5,8 +5,8 @@ import Tevron 1.0
 import "../theme"
 
 // One look for every tooltip. `wanted` says that the pointer or the keyboard is on the control. It goes
-// at the next press of a key or button, and never covers another control: where there is no room
-// beside its own, it does not come.
+// at the next press of a key or button and with its control, and never covers another control: where
+// there is no room beside its own, it does not come.
 T.ToolTip {
     id: tip
 
@@ -58,7 +58,7 @@ T.ToolTip {
         }
     }
 
-    visible: wanted && !dismissed && text.length > 0
+    visible: wanted && parent !== null && parent.visible && !dismissed && text.length > 0
     delay: Theme.toolTipDelayMs
     margins: Theme.gap
     padding: Theme.gap
