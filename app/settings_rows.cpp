@@ -20,7 +20,7 @@ QString WordsFor(ApplyResult::Outcome outcome) {
 }
 
 QString TextOfOutcome(const ComparedRow& row) {
-  const QString reason = QString::fromStdString(row.reason);
+  QString reason = QString::fromStdString(row.reason);
   if (!row.outcome) {
     return reason;
   }

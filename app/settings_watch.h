@@ -27,6 +27,8 @@ class SettingsWatch : public QObject {
   /// that is not known.
   Q_PROPERTY(bool running READ running NOTIFY changed)
   Q_PROPERTY(bool applying READ applying NOTIFY changed)
+  /// A snapshot is taken ahead of a reset or of what is to be applied.
+  Q_PROPERTY(bool preparing READ preparing NOTIFY changed)
   Q_PROPERTY(bool cancelling READ cancelling NOTIFY changed)
   Q_PROPERTY(QString activity READ activity NOTIFY changed)
   Q_PROPERTY(double fraction READ fraction NOTIFY changed)
@@ -53,6 +55,7 @@ class SettingsWatch : public QObject {
 
   bool running() const { return now_.task != SettingsTask::kNone; }
   bool applying() const { return now_.task == SettingsTask::kApplying; }
+  bool preparing() const { return now_.task == SettingsTask::kSnapshot; }
   bool cancelling() const { return now_.cancelling; }
   QString activity() const;
   double fraction() const;

@@ -68,12 +68,12 @@ void SupportBundle::List(QObject* log) {
         if (self != nullptr) {
           sources.settings = settings;
           sources.no_settings = problem;
-          self->Take(std::move(sources));
+          self->Take(sources);
         }
       });
 }
 
-void SupportBundle::Take(BundleSources sources) {
+void SupportBundle::Take(const BundleSources& sources) {
   entries_ = ListBundle(sources);
   emit listed();
 }

@@ -41,7 +41,7 @@ class SupportBundle : public QObject {
   void listed();
 
  private:
-  void Take(BundleSources sources);
+  void Take(const BundleSources& sources);
 
   QPointer<TevronManager> manager_;
   std::vector<BundleEntry> entries_;

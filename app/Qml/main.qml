@@ -51,8 +51,8 @@ FocusScope {
     function askToClose() {
         if (upgradeControl.running)
             messages.askClose(upgradeControl.sending);
-        else if (link.applying)
-            messages.askCloseApplying();
+        else if (link.applying || settings.watch.preparing)
+            messages.askCloseApplying(link.applying);
         else
             leaving.leave("close");
     }

@@ -20,6 +20,8 @@ Item {
 
     // Ends the search without going anywhere.
     function close() {
+        if (finding)
+            page.shown.clearFilters();
         finding = false;
         field.text = "";
     }

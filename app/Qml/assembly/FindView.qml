@@ -35,6 +35,12 @@ FocusScope {
         found.Search(visible ? text : "", visible && onlyEdited.checked, visible && onlyChanged.checked);
     }
 
+    // The next search begins with all values.
+    function clearFilters() {
+        onlyEdited.checked = false;
+        onlyChanged.checked = false;
+    }
+
     // Brings the rows up to date, all of them or those that the periodic refresh renews.
     function take() {
         found.TakeAll();

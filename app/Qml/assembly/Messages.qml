@@ -45,7 +45,7 @@ Item {
     function askNextAddress(address) { questions.askNextAddress(address); }
     function askClose(sending) { questions.askClose(sending); }
     function askUnkept(purpose, problem) { questions.askUnkept(purpose, problem); }
-    function askCloseApplying() { questions.askCloseApplying(); }
+    function askCloseApplying(begun) { questions.askCloseApplying(begun); }
     function askEdits(purpose, argument) { questions.askEdits(purpose, argument); }
 
     function showError() {

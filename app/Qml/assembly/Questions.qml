@@ -93,10 +93,15 @@ Item {
                   "dangerous": true });
     }
 
-    function askCloseApplying() {
-        box.ask({ "purpose": "upgrading", "title": qsTr("Close while settings are written?"),
-                  "message": qsTr("The settings of a file are being written to the lidar."),
-                  "advice": qsTr("Closing breaks that off. What was written until then stays written, and nothing here will tell what it was."),
+    // `begun` is false while the snapshot ahead of it is taken.
+    function askCloseApplying(begun) {
+        box.ask({ "purpose": "upgrading",
+                  "title": begun ? qsTr("Close while settings are written?")
+                                 : qsTr("Close before anything is done?"),
+                  "message": begun ? qsTr("The settings of a file are being written to the lidar.")
+                                   : qsTr("What the lidar holds is being kept as a snapshot, ahead of what you asked for."),
+                  "advice": begun ? qsTr("Closing breaks that off. What was written until then stays written, and nothing here will tell what it was.")
+                                  : qsTr("Closing breaks that off. Nothing was written to the lidar."),
                   "accept": qsTr("Close Anyway"), "reject": qsTr("Stay"), "dangerous": true });
     }
 
