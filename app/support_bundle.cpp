@@ -59,7 +59,7 @@ void SupportBundle::List(QObject* log) {
     TakeLines(*lines, &sources);
   }
   if (!manager_->isConnected()) {
-    Take(std::move(sources));
+    Take(sources);
     return;
   }
   manager_->Settings().Read(
