@@ -13,7 +13,8 @@ class Commands : public testing::Test {
     return {"--model", model, "--host", "127.0.0.1:" + QString::number(lidar.port())};
   }
   static QJsonObject ValueOf(const Tevronctl& ended, const QString& name) {
-    for (const QJsonValue& value : ended.Json()["values"].toArray()) {
+    const QJsonArray values = ended.Json()["values"].toArray();
+    for (const QJsonValue& value : values) {
       if (value["name"] == name) {
         return value.toObject();
       }

@@ -20,7 +20,8 @@ QString ReadAll(const QString& path) {
 }
 
 QJsonObject ResultOf(const Tevronctl& ended, const QString& name) {
-  for (const QJsonValue& result : ended.Json()["results"].toArray()) {
+  const QJsonArray results = ended.Json()["results"].toArray();
+  for (const QJsonValue& result : results) {
     if (result["name"] == name) {
       return result.toObject();
     }
