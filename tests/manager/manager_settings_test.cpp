@@ -25,7 +25,7 @@ class ManagerSettingsTest : public ManagerFixture {
   QString FileCalled(const QString& name) const { return folder_.filePath(name); }
 
   QString Saved() {
-    const QString file = FileCalled("kept.tevron.json");
+    QString file = FileCalled("kept.tevron.json");
     Settings().Save(file);
     EXPECT_TRUE(Ends());
     return file;
