@@ -129,7 +129,7 @@ Item {
         interval: 5000
         repeat: true
         onTriggered: {
-            if (link.manager.IsUpgrading || link.manager.IsDownloadLog)
+            if (link.manager.IsUpgrading || link.manager.IsDownloadLog || link.applying)
                 return;
             let alive = true;
             LongCalls.Run(() => alive = link.manager.CheckLidarConnection());
