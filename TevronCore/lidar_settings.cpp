@@ -19,6 +19,11 @@ std::string NameOf(const QString& path) { return QFileInfo(path).fileName().toSt
 
 /// Null, with a sentence in *problem, for a file that cannot be used.
 std::shared_ptr<const SettingsFile> Load(const QString& path, std::string* problem) {
+  // A pipe that nobody writes to would keep the thread, and whoever waits for its end.
+  if (const QFileInfo place(path); place.exists() && !place.isFile()) {
+    *problem = path.toStdString() + ": it is no file";
+    return nullptr;
+  }
   const std::optional<SettingsFile> file = LoadSettings(path, problem);
   return file ? std::make_shared<const SettingsFile>(*file) : nullptr;
 }
