@@ -9,6 +9,7 @@
 #include <system_error>
 #include <utility>
 
+#include "Platform/key_file.h"
 #include "variables/fault_list.h"
 #include "variables/number_text.h"
 
@@ -167,15 +168,8 @@ bool IsDemoKeyFile(const std::string& path) {
 }
 
 std::string AuthKeyFileWarning(const std::string& path) {
-  std::error_code error;
-  const std::filesystem::perms permissions = std::filesystem::status(path, error).permissions();
-  const bool is_private =
-      error || (permissions & std::filesystem::perms::others_read) == std::filesystem::perms::none;
-  return is_private || IsDemoKeyFile(path)
-             ? ""
-             : "The key file " + path +
-                   " can be read by every user of this computer. Allow only its owner to read it "
-                   "(chmod 600).";
+  std::string warning = kavel::lidar::KeyFileWarning(path);
+  return warning.empty() || IsDemoKeyFile(path) ? "" : warning;
 }
 
 void CheckAuthKeys(const ConfigFolder& folder, TableFaults* faults) {

@@ -1,0 +1,22 @@
+#pragma once
+
+#include <string>
+
+namespace kavel::lidar {
+
+/// How the lidar has to prove who it is, and how we do. `ca`, `cert` and `key` name PEM files, ""
+/// for none.
+struct TlsIdentity {
+  /// Who the lidar's certificate has to come from. It then also has to name the lidar's address (as
+  /// an IP entry of its subject alternative names) and to be in its time.
+  std::string ca;
+  /// What the lidar is shown when it asks, with intermediate certificates behind it, and its key,
+  /// not encrypted. Either both or none.
+  std::string cert;
+  std::string key;
+  /// The fingerprint of the one certificate that the lidar may show, in any form that
+  /// `NormalSha256` takes. "" for any. With a `ca` both have to hold.
+  std::string pinned_sha256;
+};
+
+}  // namespace kavel::lidar
