@@ -60,6 +60,10 @@ class ClientBase {
   /// A sentence for the user on why the last `TryOpen` failed; "" when it did not, or when nothing
   /// is known.
   virtual std::string OpenFailure() { return {}; }
+
+  /// Whether another `TryOpen` may succeed where the last one failed, as it may while nobody
+  /// answers. False for a peer that is there and is not the right one.
+  virtual bool MayTryAgain() { return true; }
 };
 
 }  // namespace kavel::lidar

@@ -44,6 +44,25 @@ class CmxClient : public CommandSender {
             uint32_t recv_timeout_ms, uint32_t send_timeout_ms, float connect_time_limit_s,
             uint16_t host_port);
 
+  /// Where the lidar is, and how long it is tried.
+  struct Target {
+    std::string lidar_ip;  ///< dotted IPv4; empty: waits until `SetLidarIp` fills it
+    uint16_t port = 0;
+    uint16_t host_port = 0;        ///< local port, 0 for any
+    float connect_limit_s = -1;    ///< gives up after so many seconds; negative: never
+    uint32_t attempt_limit_s = 1;  ///< for each attempt, which is finished first
+    bool auto_receive = false;
+    // PEM files, "" for none; they matter to TLS only.
+    std::string cert_path = {};
+    std::string private_key_path = {};
+    std::string ca_path = {};
+  };
+
+  /// Connects as the first constructor does, by opening `transport` (null: the client never opens).
+  /// The transport is closed with the client.
+  CmxClient(std::shared_ptr<ClientBase> transport, Target target, uint8_t protocol_version,
+            uint32_t recv_timeout_ms, uint32_t send_timeout_ms);
+
   /// Works over a transport that is open already, and starts no thread. The transport is closed
   /// with the client.
   CmxClient(std::shared_ptr<ClientBase> open_transport, uint8_t protocol_version,
@@ -96,6 +115,8 @@ class CmxClient : public CommandSender {
 
   /// Fills an empty address while the client waits for one; ignored once it has one.
   void SetLidarIp(const std::string& ip);
+  /// Where the lidar is, as far as it is known.
+  std::string LidarIp();
 
   /// Who is told of the bytes from the next exchange on; null for nobody. Of a serial line it is
   /// the bytes of the line, frames included.
@@ -142,15 +163,9 @@ class CmxClient : public CommandSender {
   CmxExchange exchange_;           // guarded by exchange_mutex_
   CmxExchange::Timeouts usual_{};  // of the connection; guarded by exchange_mutex_
   std::thread connection_thread_;
+  const Target target_;   // but for the address
   std::string lidar_ip_;  // guarded by state_mutex_
-  const uint16_t port_;
-  const uint16_t host_port_;
-  const uint8_t auto_receive_;
-  const std::string cert_path_;
-  const std::string private_key_path_;
-  const std::string ca_path_;
   const CmxExchange::Timeouts configured_;
-  const float connect_time_limit_s_;
   std::shared_ptr<ByteSink> byte_sink_;  // guarded by state_mutex_
 
   /// Guards what is marked so; never held while the transport works.

@@ -13,7 +13,6 @@ namespace {
 
 constexpr uint32_t kTcp = 0;
 constexpr uint32_t kTls = 1;
-constexpr uint32_t kAttemptLimitS = 1;
 constexpr std::chrono::milliseconds kRetryPause{100};
 /// Without it a client whose time-outs were left at 0 would wait for ever.
 constexpr CmxExchange::Timeouts kDefaultTimeouts{500, 500};
@@ -35,18 +34,19 @@ CmxClient::CmxClient(const std::string& lidar_ip, uint16_t port, bool auto_recei
                      const std::string& cert_path, const std::string& private_key_path,
                      const std::string& ca_path, uint32_t recv_timeout_ms, uint32_t send_timeout_ms,
                      float connect_time_limit_s, uint16_t host_port)
+    : CmxClient(MakeTransport(connection_type),
+                Target{lidar_ip, port, host_port, connect_time_limit_s, /*attempt_limit_s=*/1,
+                       auto_receive, cert_path, private_key_path, ca_path},
+                protocol_version, recv_timeout_ms, send_timeout_ms) {}
+
+CmxClient::CmxClient(std::shared_ptr<ClientBase> transport, Target target, uint8_t protocol_version,
+                     uint32_t recv_timeout_ms, uint32_t send_timeout_ms)
     : protocol_version_(protocol_version),
-      transport_(MakeTransport(connection_type)),
+      transport_(std::move(transport)),
       exchange_(transport_, protocol_version, kDefaultTimeouts),
-      lidar_ip_(lidar_ip),
-      port_(port),
-      host_port_(host_port),
-      auto_receive_(auto_receive ? 1 : 0),
-      cert_path_(cert_path),
-      private_key_path_(private_key_path),
-      ca_path_(ca_path),
-      configured_{recv_timeout_ms, send_timeout_ms},
-      connect_time_limit_s_(connect_time_limit_s) {
+      target_(std::move(target)),
+      lidar_ip_(target_.lidar_ip),
+      configured_{recv_timeout_ms, send_timeout_ms} {
   connection_thread_ = std::thread(&CmxClient::TryOpen, this);
 }
 
@@ -55,11 +55,7 @@ CmxClient::CmxClient(std::shared_ptr<ClientBase> open_transport, uint8_t protoco
     : protocol_version_(protocol_version),
       transport_(std::move(open_transport)),
       exchange_(transport_, protocol_version, kDefaultTimeouts),
-      port_(0),
-      host_port_(0),
-      auto_receive_(0),
-      configured_{recv_timeout_ms, send_timeout_ms},
-      connect_time_limit_s_(-1) {
+      configured_{recv_timeout_ms, send_timeout_ms} {
   if (transport_) {
     SettleConnection();
   }
@@ -112,21 +108,18 @@ bool CmxClient::WaitForAddress(Clock::time_point start) {
 }
 
 void CmxClient::Connect(Clock::time_point start) {
-  std::string lidar_ip;
-  {
-    const std::lock_guard<std::mutex> lock(state_mutex_);
-    lidar_ip = lidar_ip_;
-  }
-  KAVEL_LOG(kInfo, "CmxClient::CmxClient() %s %u", lidar_ip.c_str(), unsigned{port_});
+  const std::string lidar_ip = LidarIp();
+  KAVEL_LOG(kInfo, "CmxClient::CmxClient() %s %u", lidar_ip.c_str(), unsigned{target_.port});
 
   // A command that finds the transport open waits here until the time-outs are applied.
   const std::lock_guard<TicketMutex> exchange(exchange_mutex_);
   while (transport_ && running_ != 0) {
-    if (transport_->TryOpen(host_port_, lidar_ip, port_, auto_receive_ != 0, cert_path_.c_str(),
-                            private_key_path_.c_str(), ca_path_.c_str(), kAttemptLimitS)) {
+    if (transport_->TryOpen(target_.host_port, lidar_ip, target_.port, target_.auto_receive,
+                            target_.cert_path.c_str(), target_.private_key_path.c_str(),
+                            target_.ca_path.c_str(), target_.attempt_limit_s)) {
       break;
     }
-    if (TimeIsUp(start)) {
+    if (TimeIsUp(start) || !transport_->MayTryAgain()) {
       break;
     }
     SleepBetweenAttempts();
@@ -153,7 +146,7 @@ void CmxClient::SettleConnection() {
 
 bool CmxClient::TimeIsUp(Clock::time_point start) const {
   const std::chrono::duration<float> elapsed = Clock::now() - start;
-  return connect_time_limit_s_ >= 0 && elapsed.count() > connect_time_limit_s_;
+  return target_.connect_limit_s >= 0 && elapsed.count() > target_.connect_limit_s;
 }
 
 void CmxClient::SleepBetweenAttempts() {
@@ -194,6 +187,11 @@ void CmxClient::SetLidarIp(const std::string& ip) {
     lidar_ip_ = ip;
   }
   state_changed_.notify_all();
+}
+
+std::string CmxClient::LidarIp() {
+  const std::lock_guard<std::mutex> lock(state_mutex_);
+  return lidar_ip_;
 }
 
 void CmxClient::SetByteSink(std::shared_ptr<ByteSink> sink) {
