@@ -8,6 +8,7 @@
 
 #include "auth/auth_config.h"
 #include "auth/auth_keys.h"
+#include "auth/tls_files.h"
 #include "variables/fault_list.h"
 #include "variables/feature_config.h"
 #include "variables/monitor_tables.h"
@@ -64,15 +65,34 @@ class StrayFiles {
         Warn(path, "the name of a table ends with .csv");
       }
     }
+    for (const fs::path& path : EntriesOf(folder / kTlsFolderName)) {
+      CheckTlsFolder(path);
+    }
   }
 
  private:
-  void CheckMonitorTables(const fs::path& folder) {
+  // A misspelt authority would be none, and whoever answers would be asked about.
+  void CheckTlsFolder(const fs::path& folder) {
     const std::string name = folder.filename().string();
-    if (!model_.empty() && name != model_) {
+    if (IsOther(name)) {
       return;
     }
-    const bool is_model = std::binary_search(models_.begin(), models_.end(), name);
+    for (const fs::path& path : EntriesOf(folder)) {
+      if (!IsModel(name)) {
+        Warn(path, "no model is called " + Quoted(name));
+      } else if (std::find(kTlsFileNames.begin(), kTlsFileNames.end(), path.filename()) ==
+                 kTlsFileNames.end()) {
+        Warn(path, "the files here are called ca.pem, cert.pem and key.pem");
+      }
+    }
+  }
+
+  void CheckMonitorTables(const fs::path& folder) {
+    const std::string name = folder.filename().string();
+    if (IsOther(name)) {
+      return;
+    }
+    const bool is_model = IsModel(name);
     for (const fs::path& path : EntriesOf(folder)) {
       if (EndingOf(path) != ".csv") {
         continue;
@@ -83,6 +103,11 @@ class StrayFiles {
         Warn(path, "a monitor table is called Monitor_, its version, and .csv");
       }
     }
+  }
+
+  bool IsOther(const std::string& name) const { return !model_.empty() && name != model_; }
+  bool IsModel(const std::string& name) const {
+    return std::binary_search(models_.begin(), models_.end(), name);
   }
 
   void Warn(const fs::path& path, const std::string& reason) {

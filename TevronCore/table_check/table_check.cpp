@@ -9,6 +9,7 @@
 #include "auth/auth_keys.h"
 #include "auth/auth_rules.h"
 #include "auth/auth_table.h"
+#include "auth/tls_files.h"
 #include "table_check/stray_files.h"
 #include "variables/config_parser.h"
 #include "variables/feature_config.h"
@@ -145,8 +146,12 @@ void Check::AuthTables(const std::vector<std::string>& models) {
   TableFaults faults;
   for (const std::string& model : models) {
     TableFaults told_already;
-    CheckAuth(folder_, model, LoadFeatures(folder_, model, &told_already).family,
-              ConfigParser(LoadModelTable(folder_.TableOf(model))), &faults);
+    const ModelFeatures features = LoadFeatures(folder_, model, &told_already);
+    CheckAuth(folder_, model, features.family, ConfigParser(LoadModelTable(folder_.TableOf(model))),
+              &faults);
+    if (features.link == NetworkLink::kTls) {
+      CheckTlsFiles(folder_, model, &faults);
+    }
   }
   CheckAuthFiles(folder_, &faults);
   Add(faults);

@@ -24,6 +24,7 @@ constexpr char kHostPort[] = "EnableCmxClientHostPortUi";
 constexpr char kStaleInput[] = "StaleInputWait";
 constexpr char kConnectType[] = "ConnectType";
 constexpr char kSerialKind[] = "SerialKind";
+constexpr char kLink[] = "Link";
 
 std::optional<size_t> RowOf(const CsvTable& table, size_t model_column, const std::string& model) {
   for (size_t row = 0; row < table.row_count(); ++row) {
@@ -108,6 +109,14 @@ ModelFeatures FeatureTable::Read(size_t row) const {
                       "Kiva, or " +
                       kConnectType + " 0");
   }
+  Take<NetworkLink>(row, kLink, {{"tcp", NetworkLink::kTcp}, {"tls", NetworkLink::kTls}},
+                    "tcp or tls", &features.link);
+  if (features.connect_type != kNetworkLink && features.link == NetworkLink::kTls) {
+    faults_.Fault(LineOf(row), "model \"" + model + "\" is reached over a serial line, where " +
+                                   kLink + " cannot be tls; leave it empty, or write " +
+                                   kConnectType + " 0. It counts as empty until then");
+    features.link = NetworkLink::kTcp;
+  }
   return features;
 }
 
@@ -146,7 +155,7 @@ void FeatureTable::TellRepetitions(const std::string& model) const {
 }
 
 void FeatureTable::TellColumns() const {
-  CheckColumns(table_.header(), {kModel, kHostPort, kStaleInput, kConnectType, kSerialKind},
+  CheckColumns(table_.header(), {kModel, kHostPort, kStaleInput, kConnectType, kSerialKind, kLink},
                &faults_);
 }
 

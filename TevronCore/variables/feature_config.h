@@ -16,10 +16,14 @@
 /// The feature tables of a folder, see ConfigFolder::FilesCalled.
 inline constexpr char kFeatureTableName[] = "feature_config.csv";
 
+/// What a network model's commands travel over.
+enum class NetworkLink { kTcp, kTls };
+
 /// What the tables say of one model; as it stands here, of a model without a row.
 struct ModelFeatures {
   ConnectType connect_type = kNetworkLink;  ///< how it is reached
   SerialFamily family = SerialFamily::kNone;
+  NetworkLink link = NetworkLink::kTcp;
   bool host_port_enabled = false;  ///< whether the field for the local port is offered
   /// how its client treats bytes that no command asked for
   kavel::lidar::StaleInput stale_input = kavel::lidar::StaleInput::kAlways;

@@ -13,7 +13,7 @@ namespace {
 using kavel::lidar::StaleInput;
 
 constexpr char kHeader[] =
-    "Model,EnableCmxClientHostPortUi,StaleInputWait,ConnectType,SerialKind\n";
+    "Model,EnableCmxClientHostPortUi,StaleInputWait,ConnectType,SerialKind,Link\n";
 constexpr char kFile[] = "feature_config.csv";
 
 /// A feature table's cells behind the model's name, what they mean, and the pieces of its faults.
@@ -25,6 +25,7 @@ struct Row {
   bool host_port;
   bool after_trouble;
   std::vector<std::string> faults;
+  bool tls = false;
 };
 
 void ExpectFaults(const TableFaults& faults, const std::vector<std::string>& pieces) {
@@ -72,6 +73,16 @@ TEST(FeatureConfig, TakesEachCellForWhatItSaysAndTellsWhatItShouldSay) {
        true,
        false,
        {"line 4: model \"Heron\" has its row on line 2 already"}},
+      {"Orca", "0,trouble,,, tls ", kNetworkLink, 0, false, true, {}, true},
+      {"Orca", "0,,,,tcp", kNetworkLink, 0, false, false, {}},
+      {"Orca",
+       "0,,,,TLS",
+       kNetworkLink,
+       0,
+       false,
+       false,
+       {"Link \"TLS\" is unknown; write tcp or"}},
+      {"Lumo", "0,,,,tls", kSerialPair, 1, false, false, {"where Link cannot be tls"}},
       {"Heron", "1,,,\n\"broken", kNetworkLink, 0, true, false, {"line 3: "}},
   };
   for (const Row& row : rows) {
@@ -86,6 +97,7 @@ TEST(FeatureConfig, TakesEachCellForWhatItSaysAndTellsWhatItShouldSay) {
     EXPECT_EQ(static_cast<int>(got.family), row.family);
     EXPECT_EQ(got.host_port_enabled, row.host_port);
     EXPECT_EQ(got.stale_input == StaleInput::kAfterTrouble, row.after_trouble);
+    EXPECT_EQ(got.link == NetworkLink::kTls, row.tls);
     ExpectFaults(faults, row.faults);
     EXPECT_EQ(IsHostPortUiEnabled(folder.path() + '/' + kFile, model), row.host_port);
   }

@@ -91,12 +91,19 @@ TEST(Process, ChecksTheTables) {
                "ProbeValueOffset,ProbeValueLen,ProbeEndian\n"
                "Bad,1,3,0xDF,0x66,0xE0,0x21||0x22,0,1,big\n"
                "Nobody,0,,,,,,,,\n");
+  config.Write("site/feature_config.csv", "Model,EnableCmxClientHostPortUi,Link\nBad,0,tls\n");
+  config.Write("tls/Bad/CA.pem", "");
+  std::filesystem::permissions(config.Write("site/tls/Bad/key.pem", ""),
+                               std::filesystem::perms::all);
   Program bad({"--check-tables", "--config", QString::fromStdString(config.path())});
   EXPECT_EQ(bad.ExitCode(), 1);
   for (const char* text :
        {"Bad.csv, line 2: \"Wide\": DefaultValue \"256\"", "Short.csv",
         "no row has \"monitor\" for its Options", "/feature_config.csv: there is no such file",
-        "auth_config.csv, line 2", "model \"Nobody\" has no variable table"}) {
+        "auth_config.csv, line 2", "model \"Nobody\" has no variable table",
+        "/site/tls/Bad/key.pem: a certificate is of use with its key alone; put cert.pem beside it",
+        "/site/tls/Bad/key.pem can be read by every user",
+        "/tls/Bad/CA.pem: this file is not read: the files here are called ca.pem"}) {
     EXPECT_TRUE(bad.Output().contains(text)) << text << " in\n" << bad.Output().toStdString();
   }
 }

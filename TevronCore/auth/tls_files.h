@@ -1,0 +1,22 @@
+#pragma once
+
+#include <array>
+#include <string>
+
+#include "CmxClient/tls_identity.h"
+#include "variables/config_folder.h"
+#include "variables/table_fault.h"
+
+// What stands in "tls/<model>" of a folder of tables for a model that is reached over TLS:
+// "ca.pem", the authority that its lidars' certificates come from, "cert.pem", what the lidar is
+// shown, and "key.pem", the key of that. Each may be missing.
+
+inline constexpr char kTlsFolderName[] = "tls";
+inline constexpr std::array<const char*, 3> kTlsFileNames = {"ca.pem", "cert.pem", "key.pem"};
+
+/// The files of the model; each of the site's stands in the place of the one in the folder itself.
+kavel::lidar::TlsIdentity TlsFilesOf(const ConfigFolder& folder, const std::string& model);
+
+/// Everything that is wrong with the files of a model that is reached over TLS, without any of
+/// their content.
+void CheckTlsFiles(const ConfigFolder& folder, const std::string& model, TableFaults* faults);
