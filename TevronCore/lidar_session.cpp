@@ -65,6 +65,7 @@ void LidarSession::StartAttempt(std::optional<RestartPatience> patience) {
   ++*number_;
   connecting_ = true;
   failure_.clear();
+  untrusted_.reset();
   const std::shared_ptr<UserReport> report = ReportOfNow();
   const ConnectRequest request{settings_,
                                model_,
@@ -99,6 +100,9 @@ void LidarSession::EndAttempt() {
   const std::function<bool()> is_current = Current();
   std::shared_ptr<Connection> connection = attempt_->TakeConnection();
   failure_ = attempt_->Failure();
+  if (return_ended_ == nullptr) {
+    untrusted_ = attempt_->Untrusted();
+  }
   attempt_.reset();
   const Return outcome = connection != nullptr ? Return::kBack : Return::kNotBack;
   if (outcome == Return::kNotBack && return_ended_ != nullptr) {
@@ -226,6 +230,7 @@ void LidarSession::End() {
   ++*number_;
   state_.connected = false;
   connecting_ = false;
+  untrusted_.reset();
   attempt_.reset();
   // Closing first wakes the workers out of their exchange.
   if (connection_ != nullptr) {

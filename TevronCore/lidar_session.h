@@ -184,6 +184,7 @@ class LidarSession {
   std::function<void(Return)> return_ended_;  ///< set while a lidar that restarts is waited for
   std::chrono::system_clock::time_point give_up_at_;  ///< of that wait
   std::string failure_;                               ///< of the last attempt
+  std::optional<UntrustedLidar> untrusted_;           ///< that it met
   std::optional<LinkLoss> loss_;
   std::string next_address_;
   int next_addresses_ = 0;

@@ -27,11 +27,15 @@ LinkSnapshot LidarSession::LinkNow() const {
   now.give_up_at = give_up_at_;
   now.place = PlaceText(settings_, model_->connect_type);
   now.failure = attempt_ != nullptr ? attempt_->Failure() : failure_;
+  now.untrusted = untrusted_;
   now.loss = loss_;
   now.next_address = next_address_;
   now.next_addresses = next_addresses_;
   if (state_.connected && connection_ != nullptr && model_->connect_type != kNetworkLink) {
     now.silent_since = connection_->SilentSince();
+  }
+  if (state_.connected && connection_ != nullptr) {
+    now.certificate = connection_->certificate();
   }
   if (state_.connected) {
     now.part_number = known(PartNumber());

@@ -15,6 +15,17 @@ QString LocalTime(const std::chrono::system_clock::time_point& time) {
   return QDateTime::fromMSecsSinceEpoch(since_epoch.count()).toString(QStringLiteral("hh:mm:ss"));
 }
 
+QString Text(const std::string& text) { return QString::fromStdString(text); }
+
+QVariantMap MapOf(const CertifiedLidar& lidar) {
+  return {{"place", Text(lidar.place)},
+          {"serialNumber", Text(lidar.serial_number)},
+          {"subject", Text(lidar.certificate.subject)},
+          {"validFrom", Text(lidar.certificate.valid_from)},
+          {"validUntil", Text(lidar.certificate.valid_until)},
+          {"sha256", Text(FingerprintText(lidar.certificate.sha256))}};
+}
+
 }  // namespace
 
 LinkWatch::LinkWatch(QObject* parent) : QObject(parent) {
@@ -71,6 +82,20 @@ QString LinkWatch::news() const {
 
 QString LinkWatch::read_at() const { return now_.read_at ? LocalTime(*now_.read_at) : QString(); }
 
+QString LinkWatch::security() const {
+  if (!now_.certificate) {
+    return {};
+  }
+  const kavel::lidar::TlsCertificate& certificate = now_.certificate->certificate;
+  const QString because = now_.certificate->trusted_by == TrustedBy::kAuthority
+                              ? tr("The certificate authority of this model vouches for it.")
+                              : tr("It is the one that was trusted on this computer.");
+  return tr("The link is encrypted with TLS. The lidar's certificate: %1, valid until %2, SHA-256 "
+            "%3. %4")
+      .arg(Text(certificate.subject), Text(certificate.valid_until),
+           Text(FingerprintText(certificate.sha256)), because);
+}
+
 void LinkWatch::AwaitLidar() {
   if (manager_ != nullptr) {
     manager_->AwaitLidar();
@@ -82,6 +107,19 @@ void LinkWatch::AwaitLidarAt(const QString& address) {
   if (manager_ != nullptr) {
     manager_->AwaitLidarAt(address.toStdString());
     Look();
+  }
+}
+
+void LinkWatch::Trust() {
+  if (manager_ == nullptr) {
+    return;
+  }
+  const std::string problem = TrustedLidars().Remember(asked_about_);
+  if (problem.empty()) {
+    manager_->ConnectLidar();
+    Look();
+  } else {
+    manager_->setErrorMsg(Text(problem));
   }
 }
 
@@ -100,6 +138,11 @@ void LinkWatch::Look() {
     timer_.start();
   }
   emit changed();
+  if (now_.untrusted && now_.untrusted->verdict == CertificateVerdict::kUnknown &&
+      !before.untrusted) {
+    asked_about_ = now_.untrusted->lidar;
+    emit certificateAsked(MapOf(asked_about_));
+  }
   if (now_.next_addresses != before.next_addresses && !now_.next_address.empty()) {
     // Later, since what is written is read back before the window is free again.
     QMetaObject::invokeMethod(

@@ -4,6 +4,7 @@
 #include <QPointer>
 #include <QString>
 #include <QTimer>
+#include <QVariantMap>
 
 #include "connection/link_snapshot.h"
 
@@ -36,6 +37,8 @@ class LinkWatch : public QObject {
   Q_PROPERTY(QString version READ version NOTIFY changed)
   /// How it is reached, or was last.
   Q_PROPERTY(QString place READ place NOTIFY changed)
+  /// How the link to the connected lidar is encrypted, in sentences; empty for one that is not.
+  Q_PROPERTY(QString security READ security NOTIFY changed)
   /// There are values in view that are read from the lidar.
   Q_PROPERTY(bool readsView READ reads_view NOTIFY changed)
   /// The local time of the newest value in view; empty without one.
@@ -57,6 +60,7 @@ class LinkWatch : public QObject {
   QString serial_number() const { return QString::fromStdString(now_.serial_number); }
   QString version() const { return QString::fromStdString(now_.version); }
   QString place() const { return QString::fromStdString(now_.place); }
+  QString security() const;
   bool reads_view() const { return now_.reads_view; }
   QString read_at() const;
 
@@ -64,6 +68,8 @@ class LinkWatch : public QObject {
   Q_INVOKABLE void AwaitLidar();
   /// The same for a lidar that is reached there from now on.
   Q_INVOKABLE void AwaitLidarAt(const QString& address);
+  /// The certificate that was asked about last is the lidar's: remembers it and connects again.
+  Q_INVOKABLE void Trust();
 
  public slots:
   /// Looks now.
@@ -75,10 +81,15 @@ class LinkWatch : public QObject {
   /// The lidar took network settings: after its restart it is reached there. Told when whoever sent
   /// them has done.
   void nextAddressTold(const QString& address);
+  /// An attempt ended at a lidar whose certificate nobody has trusted yet: a map with the texts
+  /// "place", "serialNumber" (empty when it tells none), "subject", "validFrom", "validUntil" and
+  /// "sha256".
+  void certificateAsked(const QVariantMap& lidar);
 
  private:
   QPointer<TevronManager> manager_;
   LinkSnapshot now_;
+  CertifiedLidar asked_about_;
   QString lost_place_;           ///< stays when an attempt to reach another place fails
   bool waited_in_vain_ = false;  ///< the loss is the end of a wait, maybe where no link ever was
   QTimer timer_;

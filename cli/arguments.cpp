@@ -66,6 +66,11 @@ CLI::App* DeclareWithLidar(CLI::App& app, const char* name, const char* descript
       ->add_option("--host-port", arguments->host_port,
                    "Port on this side, or ANY, for models that want one; the window's unless given")
       ->type_name("N");
+  command
+      ->add_option("--tls-pin", arguments->tls_pin,
+                   "The one certificate to accept, of a model that is reached over TLS; those "
+                   "trusted in the window unless given")
+      ->type_name("SHA256");
   command->option_defaults()->group("Options");
   return command;
 }

@@ -22,6 +22,7 @@ struct Arguments {
   std::string serial;  ///< "PORT" or "PORT,PORT"; empty without one
   int baud = 0;        ///< 0: what is usual
   std::string host_port;
+  std::optional<std::string> tls_pin;
 
   // The commands.
   std::vector<std::string> names;  ///< names, "NAME=VALUE" of set, bytes of send

@@ -7,6 +7,7 @@
 #include "connection/connection.h"
 #include "failure.h"
 #include "names.h"
+#include "output.h"
 #include "pages/page_reader.h"
 #include "variables/host_port.h"
 #include "variables/monitor_tables.h"
@@ -41,6 +42,17 @@ std::shared_ptr<ByteFlow> MakeByteFlow(const Context& context) {
   return flow;
 }
 
+/// No further try would end otherwise.
+Failure Untrusted(const UntrustedLidar& untrusted, const std::string& reason) {
+  const kavel::lidar::TlsCertificate& certificate = untrusted.lidar.certificate;
+  const std::string advice = untrusted.verdict == CertificateVerdict::kUnknown
+                                 ? " When that is the lidar's own, give --tls-pin " +
+                                       certificate.sha256 + ", or trust it in the window"
+                                 : "";
+  return Failure(ExitCode::kNoConnection, reason + advice)
+      .With({{"certificate", CertificateObject(certificate)}});
+}
+
 Failure WrongPlace(const LidarModel& model) {
   return {ExitCode::kUsage, model.name + " is reached " + HowReached(model.connect_type)};
 }
@@ -69,6 +81,13 @@ std::shared_ptr<LidarModel> LoadNamedModel(const Context& context) {
   return model;
 }
 
+QJsonObject CertificateObject(const kavel::lidar::TlsCertificate& certificate) {
+  return {{"sha256", QString::fromStdString(certificate.sha256)},
+          {"subject", QString::fromStdString(certificate.subject)},
+          {"valid_from", TextOrNull(certificate.valid_from)},
+          {"valid_until", TextOrNull(certificate.valid_until)}};
+}
+
 LidarLink::LidarLink(Context& context)
     : context_(context),
       session_({queue_.MakePost(),
@@ -79,6 +98,7 @@ LidarLink::LidarLink(Context& context)
   const std::shared_ptr<LidarModel> model = LoadNamedModel(context);
   TakePlace(*model);
   TakeHostPort(*model);
+  TakePin(*model);
   session_.SetModel(model);
   session_.SetPageInView(kNoPage);
   WakeWhenInterrupted();
@@ -142,6 +162,22 @@ void LidarLink::TakeHostPort(const LidarModel& model) {
   }
 }
 
+void LidarLink::TakePin(const LidarModel& model) {
+  const std::optional<std::string>& given = context_.arguments.tls_pin;
+  if (!given) {
+    return;
+  }
+  if (model.link != NetworkLink::kTls) {
+    throw Failure(ExitCode::kUsage, "--tls-pin: " + model.name + " is not reached over TLS");
+  }
+  settings_.tls_pin = kavel::lidar::NormalSha256(*given);
+  if (settings_.tls_pin.empty()) {
+    throw Failure(ExitCode::kUsage, "--tls-pin: \"" + *given +
+                                        "\" is no SHA-256, which is 64 hexadecimal digits, with or "
+                                        "without colons");
+  }
+}
+
 void LidarLink::WakeWhenInterrupted() {
   context_.interrupt.SetAction([post = queue_.MakePost()] { post([] {}); });
 }
@@ -174,8 +210,12 @@ void LidarLink::Connect() {
   const Clock::time_point deadline =
       limit ? Clock::now() + Milliseconds(*limit) : Clock::time_point::max();
   while (!TryOnce(deadline)) {
-    const std::string reason = session_.LinkNow().failure;
+    const LinkSnapshot link = session_.LinkNow();
+    const std::string& reason = link.failure;
     const std::string said = context_.report.TakeError("it did not answer in time");
+    if (link.untrusted) {
+      throw Untrusted(*link.untrusted, reason);
+    }
     if (!limit || Clock::now() + kPauseBetweenTries >= deadline) {
       throw Failure(ExitCode::kNoConnection,
                     "no connection to " + Address() + ": " + (reason.empty() ? said : reason));

@@ -14,6 +14,9 @@
 /// be used.
 std::shared_ptr<LidarModel> LoadNamedModel(const Context& context);
 
+/// A lidar's certificate, as results tell it.
+QJsonObject CertificateObject(const kavel::lidar::TlsCertificate& certificate);
+
 /// One lidar for one command: the session on this thread, from connecting to the proper end of the
 /// link. Every wait ends with a Failure when the user has enough.
 class LidarLink {
@@ -77,6 +80,7 @@ class LidarLink {
   void TakePlace(const LidarModel& model);
   void TakeSerialPorts(const LidarModel& model);
   void TakeHostPort(const LidarModel& model);
+  void TakePin(const LidarModel& model);
   bool TryOnce(TaskQueue::Clock::time_point deadline);
   void WakeWhenInterrupted();
 

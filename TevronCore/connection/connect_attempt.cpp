@@ -20,21 +20,7 @@ using kavel::lidar::CmxClient;
 using kavel::lidar::SerialClient;
 using kavel::lidar::SerialSource;
 
-constexpr uint32_t kPlainTcp = 0;
-constexpr uint8_t kProtocolVersion = 1;
-constexpr uint32_t kExchangeTimeoutMs = 500;
-constexpr float kConnectTimeLimitS = 5.0F;
-
 constexpr std::chrono::milliseconds kRetryPause{500};
-
-constexpr char kOpenFailed[] = "TCP connection failed.";
-
-// The line is meant: it is what support looks for, whatever connects.
-void AnnounceTcpAttempt() {
-  std::cout << "TevronManager::Init"
-            << "(): try to connect to lidar with TCP connection.\n"
-            << std::flush;
-}
 
 std::string MissingAlgorithm(int id, const ConfigFolder& folder) {
   return "Authentication algorithm " + std::to_string(id) +
@@ -43,6 +29,13 @@ std::string MissingAlgorithm(int id, const ConfigFolder& folder) {
 }
 
 }  // namespace
+
+// The line is meant: it is what support looks for, whatever connects.
+void ConnectAttempt::AnnounceTcpAttempt() {
+  std::cout << "TevronManager::Init"
+            << "(): try to connect to lidar with TCP connection.\n"
+            << std::flush;
+}
 
 ConnectAttempt::ConnectAttempt(ConnectRequest request, std::shared_ptr<UserReport> report,
                                Handlers handlers)
@@ -90,6 +83,12 @@ std::string ConnectAttempt::Failure() {
 void ConnectAttempt::NoteFailure(std::string sentence) {
   const std::lock_guard<std::mutex> lock(mutex_);
   failure_ = std::move(sentence);
+  untrusted_.reset();
+}
+
+std::optional<UntrustedLidar> ConnectAttempt::Untrusted() {
+  const std::lock_guard<std::mutex> lock(mutex_);
+  return untrusted_;
 }
 
 std::shared_ptr<Connection> ConnectAttempt::AwaitLidar() {
@@ -113,11 +112,6 @@ void ConnectAttempt::DropClient() {
   client.swap(client_in_work_);
 }
 
-float ConnectAttempt::ConnectTimeLimitS() const {
-  const std::chrono::duration<float> left = patience_ends_ - std::chrono::steady_clock::now();
-  return IsPatient() ? std::clamp(left.count(), 0.0F, kConnectTimeLimitS) : kConnectTimeLimitS;
-}
-
 std::shared_ptr<Connection> ConnectAttempt::Connect() {
   try {
     switch (request_.model->connect_type) {
@@ -134,84 +128,6 @@ std::shared_ptr<Connection> ConnectAttempt::Connect() {
     report_->Error(std::string("The lidar was not connected: ") + e.what());
   }
   return nullptr;
-}
-
-std::shared_ptr<Connection> ConnectAttempt::ConnectNetwork() {
-  uint16_t host_port = 0;
-  uint16_t command_port = 0;
-  if (!HostPort(&host_port)) {
-    return nullptr;
-  }
-  AnnounceTcpAttempt();
-  if (!CommandPort(&command_port)) {
-    return nullptr;
-  }
-  const auto client = std::make_shared<CmxClient>(
-      request_.settings.lidar_ip, command_port, request_.auto_receive, kPlainTcp, kProtocolVersion,
-      "", "", "", kExchangeTimeoutMs, kExchangeTimeoutMs, ConnectTimeLimitS(), host_port);
-  client->SetStaleInput(request_.model->stale_input);
-  if (!KeepInterruptible(client)) {
-    return nullptr;
-  }
-  if (!WaitUntilConnected(client)) {
-    NoteFailure(request_.settings.lidar_ip.empty() && client->ConnectFailure().empty()
-                    ? "No packet came on UDP port " + std::to_string(request_.settings.udp_port) +
-                          ", so that the lidar's address is not known."
-                    : client->ConnectFailure());
-    // While a lidar restarts it is no news that it is away.
-    if (!IsPatient() && !Failure().empty()) {
-      report_->LogLine(Failure(), LogType::kError);
-    }
-    report_->Error(kOpenFailed);
-    return nullptr;
-  }
-  return CheckAlive(Join(client, nullptr));
-}
-
-bool ConnectAttempt::HostPort(uint16_t* port) {
-  if (!request_.model->host_port_enabled) {
-    return true;
-  }
-  std::string reason;
-  if (ParseHostPort(request_.settings.host_port, port, &reason)) {
-    return true;
-  }
-  report_->Error(reason);
-  return false;
-}
-
-bool ConnectAttempt::CommandPort(uint16_t* port) {
-  if (ParsePort(request_.settings.command_port, port)) {
-    return true;
-  }
-  report_->Error("The command port \"" + request_.settings.command_port +
-                 "\" is no number from 1 to 65535. Correct it and connect again.");
-  return false;
-}
-
-bool ConnectAttempt::WaitUntilConnected(const ClientPtr& client) {
-  if (!request_.settings.lidar_ip.empty()) {
-    return client->WaitUntilConnected();
-  }
-  const auto udp_port = static_cast<uint16_t>(request_.settings.udp_port);
-  kavel::lidar::PacketListener::Handlers handlers;
-  handlers.on_first = [this, client](const std::string& address) {
-    report_->LogLine("Lidar address learned from its packets: " + address, LogType::kInfo);
-    client->SetLidarIp(address);
-  };
-  handlers.on_broken = [this, udp_port] {
-    report_->LogLine("Receiving on UDP port " + std::to_string(udp_port) +
-                         " failed, so the lidar's address cannot be learned. Enter the address.",
-                     LogType::kWarning);
-  };
-  kavel::lidar::PacketListener listener(udp_port, "", "", std::move(handlers));
-  if (!listener.Start()) {
-    report_->LogLine("UDP port " + std::to_string(udp_port) +
-                         " cannot be opened, so the lidar's address cannot be learned. Close the "
-                         "program that uses the port, or enter the address.",
-                     LogType::kWarning);
-  }
-  return client->WaitUntilConnected();
 }
 
 std::shared_ptr<Connection> ConnectAttempt::ConnectSerialPair() {
@@ -250,7 +166,7 @@ std::shared_ptr<Connection> ConnectAttempt::ConnectSerialCmx() {
   if (!KeepInterruptible(client)) {
     return nullptr;
   }
-  return CheckAlive(Join(client, serial));
+  return CheckAlive(client, Join(client, serial));
 }
 
 ConnectAttempt::SerialPtr ConnectAttempt::OpenSerialCmx() {
@@ -315,7 +231,8 @@ std::unique_ptr<IAuthAlgorithm> ConnectAttempt::AlgorithmFor(const AuthConfig& c
   return algorithm;
 }
 
-std::shared_ptr<Connection> ConnectAttempt::CheckAlive(std::shared_ptr<Connection> connection) {
+std::shared_ptr<Connection> ConnectAttempt::CheckAlive(const ClientPtr& client,
+                                                       std::shared_ptr<Connection> connection) {
   if (connection == nullptr) {
     return nullptr;
   }
@@ -327,15 +244,22 @@ std::shared_ptr<Connection> ConnectAttempt::CheckAlive(std::shared_ptr<Connectio
     connection->SetLivenessCommand(*liveness);
     return connection;
   }
-  NoteFailure(PlaceText(request_.settings, request_.model->connect_type) +
-              (error == kavel::lidar::kNoReply
-                   ? ": the connection is taken, but no command is answered."
-                   : ": something answers, but not as a lidar does (" +
-                         CmxClient::ErrorText(error) + ")."));
+  TellSilence(client, error);
+  return nullptr;
+}
+
+void ConnectAttempt::TellSilence(const ClientPtr& client, int32_t error) {
+  // A lidar may end the link where it does not take our certificate.
+  const std::string ending = client->ConnectFailure();
+  const std::string place = PlaceText(request_.settings, request_.model->connect_type);
+  NoteFailure(!ending.empty() ? ending
+              : error == kavel::lidar::kNoReply
+                  ? place + ": the connection is taken, but no command is answered."
+                  : place + ": something answers, but not as a lidar does (" +
+                        CmxClient::ErrorText(error) + ").");
   // The missing first letter is part of the line.
   std::cout << "DEBUG: heckLidarConnection() == false\n" << std::flush;
   report_->Error("Lidar has No CMX reply.");
-  return nullptr;
 }
 
 bool ConnectAttempt::KeepInterruptible(const ClientPtr& client) {

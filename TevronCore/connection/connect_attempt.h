@@ -9,11 +9,13 @@
 #include <thread>
 
 #include "CmxClient/log_sink.h"
+#include "CmxClient/tls_client.h"
 #include "auth/auth_algorithm.h"
 #include "auth/auth_config.h"
 #include "connection/connection.h"
 #include "connection/connection_settings.h"
 #include "connection/restart_patience.h"
+#include "connection/trusted_lidars.h"
 #include "console/byte_flow.h"
 #include "session/lidar_model.h"
 #include "session/stop_signal.h"
@@ -61,27 +63,49 @@ class ConnectAttempt {
   /// Known before the failure is reported. Any thread.
   std::string Failure();
 
+  /// The lidar whose certificate the last try did not trust, if that is what it failed at: Failure
+  /// tells, and the user was told unless it is unknown, which is for the owner to ask about.
+  std::optional<UntrustedLidar> Untrusted();
+
  private:
+  static constexpr char kOpenFailed[] = "TCP connection failed.";
+  static constexpr uint8_t kProtocolVersion = 1;
+  static constexpr uint32_t kExchangeTimeoutMs = 500;
+
   using ClientPtr = std::shared_ptr<kavel::lidar::CmxClient>;
   using SerialPtr = std::shared_ptr<kavel::lidar::SerialClient>;
+
+  static void AnnounceTcpAttempt();
 
   void Run();
   std::shared_ptr<Connection> AwaitLidar();
   std::shared_ptr<Connection> Connect();
   bool IsPatient() const { return request_.patience.has_value(); }
-  float ConnectTimeLimitS() const;
   std::shared_ptr<Connection> ConnectNetwork();
   std::shared_ptr<Connection> ConnectSerialPair();
   std::shared_ptr<Connection> ConnectSerialCmx();
 
+  // Over the network; in connect_attempt_network.cpp.
   bool HostPort(uint16_t* port);
   bool CommandPort(uint16_t* port);
+  float ConnectTimeLimitS() const;
+  kavel::lidar::TlsIdentity IdentityNow();
+  ClientPtr Dial(const std::shared_ptr<kavel::lidar::ClientBase>& transport);
   bool WaitUntilConnected(const ClientPtr& client);
+  std::optional<TrustedCertificate> CheckCertificate(
+      const kavel::lidar::TlsIdentity& identity, const kavel::lidar::TlsCertificate& certificate,
+      const ClientPtr& client);
+  std::string SerialNumberOf(kavel::lidar::CmxClient& client);
+  void TellUntrusted(const UntrustedLidar& untrusted, const std::string& reason,
+                     const std::string& remedy);
+
   SerialPtr OpenSerialCmx();
   ClientPtr ClientOver(const SerialPtr& serial);
   std::shared_ptr<Connection> Join(const ClientPtr& client, const SerialPtr& serial);
   std::unique_ptr<IAuthAlgorithm> AlgorithmFor(const AuthConfig& config);
-  std::shared_ptr<Connection> CheckAlive(std::shared_ptr<Connection> connection);
+  std::shared_ptr<Connection> CheckAlive(const ClientPtr& client,
+                                         std::shared_ptr<Connection> connection);
+  void TellSilence(const ClientPtr& client, int32_t error);
   bool KeepInterruptible(const ClientPtr& client);
   void DropClient();
   void NoteFailure(std::string sentence);
@@ -93,8 +117,9 @@ class ConnectAttempt {
   StopSignal stop_;
   const std::chrono::steady_clock::time_point patience_ends_;
   std::mutex mutex_;
-  ClientPtr client_in_work_;                ///< guarded by mutex_; what Cancel has to interrupt
-  std::string failure_;                     ///< guarded by mutex_
-  std::shared_ptr<Connection> connection_;  ///< guarded by mutex_
+  ClientPtr client_in_work_;                 ///< guarded by mutex_; what Cancel has to interrupt
+  std::string failure_;                      ///< guarded by mutex_
+  std::optional<UntrustedLidar> untrusted_;  ///< guarded by mutex_
+  std::shared_ptr<Connection> connection_;   ///< guarded by mutex_
   std::thread thread_;
 };

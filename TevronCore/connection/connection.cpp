@@ -2,6 +2,17 @@
 
 #include <utility>
 
+const char* TextOf(TrustedBy trusted_by) {
+  switch (trusted_by) {
+    case TrustedBy::kAuthority:
+      return "authority";
+    case TrustedBy::kFingerprint:
+      return "fingerprint";
+    default:
+      return "memory";
+  }
+}
+
 Connection::Connection(std::shared_ptr<kavel::lidar::CmxClient> client,
                        std::shared_ptr<kavel::lidar::CommandSender> sender,
                        std::shared_ptr<kavel::lidar::SerialClient> serial)

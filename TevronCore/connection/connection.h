@@ -4,12 +4,30 @@
 #include <cstdint>
 #include <memory>
 #include <optional>
+#include <utility>
 
 #include "CmxClient/byte_sink.h"
 #include "CmxClient/cmx_client.h"
 #include "CmxClient/command_sender.h"
 #include "CmxClient/device_commands.h"
 #include "CmxClient/serial_client.h"
+#include "CmxClient/tls_certificate.h"
+
+/// Why the certificate of a lidar is taken for its own.
+enum class TrustedBy {
+  kAuthority,    ///< a certificate authority of the model's vouches for it
+  kFingerprint,  ///< it is the one that was given for this connection
+  kMemory,       ///< it was trusted before, see TrustedLidars
+};
+
+/// "authority", "fingerprint" or "memory".
+const char* TextOf(TrustedBy trusted_by);
+
+/// The certificate of a lidar that is connected over TLS.
+struct TrustedCertificate {
+  kavel::lidar::TlsCertificate certificate;
+  TrustedBy trusted_by = TrustedBy::kAuthority;
+};
 
 /// An open connection to one lidar: everything that ends with it. Operations hold the sender; the
 /// session holds the connection and ends it.
@@ -27,6 +45,10 @@ class Connection {
   /// Ends every exchange, running and to come, and frees the ports. Any thread; idempotent. Those
   /// who still hold the sender find it not open.
   void Close();
+
+  /// Of a connection over TLS, set before anybody else has the connection; else none.
+  void SetCertificate(TrustedCertificate certificate) { certificate_ = std::move(certificate); }
+  const std::optional<TrustedCertificate>& certificate() const { return certificate_; }
 
   /// Who is told of the bytes of every exchange.
   void SetByteSink(const std::shared_ptr<kavel::lidar::ByteSink>& sink);
@@ -49,6 +71,7 @@ class Connection {
   const std::shared_ptr<kavel::lidar::CmxClient> client_;
   const std::shared_ptr<kavel::lidar::CommandSender> sender_;
   const std::shared_ptr<kavel::lidar::SerialClient> serial_;
+  std::optional<TrustedCertificate> certificate_;
   uint8_t liveness_command_ = kavel::lidar::kCmdLiveness;
 };
 

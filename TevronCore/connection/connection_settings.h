@@ -17,6 +17,9 @@ struct ConnectionSettings {
   int32_t command_baud_rate_bps = 115200;  ///< of the RS-485 line; never entered, never stored
   int32_t udp_port = 2368;                 ///< where point-cloud packets arrive
   std::string host_port = "ANY";           ///< local port of the command connection, or "ANY"
+  /// The one certificate that a lidar may show over TLS, see kavel::lidar::NormalSha256; "": those
+  /// that are trusted. Never stored.
+  std::string tls_pin = {};
 };
 
 /// Where they reach a lidar of this kind, for the user: "10.0.0.7, port 9347", or the serial ports.

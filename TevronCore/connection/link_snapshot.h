@@ -4,6 +4,9 @@
 #include <optional>
 #include <string>
 
+#include "connection/connection.h"
+#include "connection/trusted_lidars.h"
+
 /// A connection that ended although nobody ended it.
 struct LinkLoss {
   std::string reason;  ///< a sentence for the user
@@ -14,9 +17,13 @@ struct LinkLoss {
 struct LinkSnapshot {
   bool connected = false;
   bool connecting = false;
-  bool awaiting = false;         ///< connecting to a lidar that restarts: it has until give_up_at
-  std::string place;             ///< of the connection or the last attempt, see PlaceText
-  std::string failure;           ///< of the last attempt, a sentence; "" while none is known
+  bool awaiting = false;  ///< connecting to a lidar that restarts: it has until give_up_at
+  std::string place;      ///< of the connection or the last attempt, see PlaceText
+  std::string failure;    ///< of the last attempt, a sentence; "" while none is known
+  /// The last attempt ended because the certificate that this lidar showed is not trusted; none
+  /// after one that waited for a lidar to restart.
+  std::optional<UntrustedLidar> untrusted;
+  std::optional<TrustedCertificate> certificate;  ///< of a lidar that is connected over TLS
   std::optional<LinkLoss> loss;  ///< until a lidar is connected, or another model chosen
   /// A connected serial lidar answers nothing since then: such a line has no link check.
   std::optional<std::chrono::system_clock::time_point> silent_since;

@@ -209,3 +209,16 @@ bool PageReader::UpdateSingleVarFromOutput(const VarInfo& var, uint8_t cmd,
   table_.StoreBytes(var, slice);
   return true;
 }
+
+std::string ReadTextOf(const char* name, kavel::lidar::CommandSender& sender, ConfigParser& table,
+                       UserReport& report) {
+  const VarInfo* const var = table.FindByName(name);
+  if (var == nullptr) {
+    return "";
+  }
+  LinkState state;
+  state.connected = true;
+  ReadFailures failures;
+  PageReader reader(sender, table, state, failures, report);
+  return reader.GetInfoFromLidar(*var) ? table.ValueOf(*var).text : "";
+}

@@ -86,3 +86,8 @@ class PageReader {
   ReadFailures& failures_;
   UserReport& report_;
 };
+
+/// Reads the variable called `name` by itself, whether pages may be read now or not. Returns its
+/// text in the table, "" when there is no such variable or its value did not come.
+std::string ReadTextOf(const char* name, kavel::lidar::CommandSender& sender, ConfigParser& table,
+                       UserReport& report);

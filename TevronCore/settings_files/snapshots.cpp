@@ -1,6 +1,5 @@
 #include "settings_files/snapshots.h"
 
-#include <QCryptographicHash>
 #include <QDir>
 #include <QFile>
 #include <QLocale>
@@ -10,17 +9,14 @@
 #include <optional>
 #include <utility>
 
+#include "connection/path_part.h"
+
 namespace {
 
 // A name is the time in UTC, so that names sort as times do, the reason and the model:
 // 20261122T073000123Z_apply_Orca.tevron.json
 constexpr char kTimeFormat[] = "yyyyMMdd'T'HHmmsszzz'Z'";
 constexpr char kSeparator[] = "_";
-
-/// Longer encoded texts are cut, since a name of a file has an end.
-constexpr int kLongestPart = 100;
-/// Begins what stands for the rest of a cut text, and stands for an empty one. Not in encoded ones.
-constexpr char kCut[] = "~";
 
 struct ReasonName {
   SnapshotReason reason;
@@ -34,27 +30,6 @@ constexpr ReasonName kReasons[] = {{SnapshotReason::kUpgrade, "upgrade", "before
 const ReasonName& NameOf(SnapshotReason reason) {
   return *std::find_if(std::begin(kReasons), std::end(kReasons),
                        [&](const ReasonName& each) { return each.reason == reason; });
-}
-
-/// A text that a device may have said as a part of a path: letters, digits and "-" stand for
-/// themselves, everything else is encoded, dots and slashes above all. Different texts give
-/// different parts.
-QString PartOf(const std::string& text) {
-  const QByteArray bytes = QByteArray::fromStdString(text);
-  const QByteArray encoded = bytes.toPercentEncoding({}, "._~");
-  if (encoded.isEmpty()) {
-    return kCut;
-  }
-  if (encoded.size() <= kLongestPart) {
-    return QString::fromLatin1(encoded);
-  }
-  const QByteArray hash = QCryptographicHash::hash(bytes, QCryptographicHash::Sha256).toHex();
-  return QString::fromLatin1(encoded.left(kLongestPart) + kCut + hash.left(16));
-}
-
-/// The text back; of one that was cut its beginning.
-std::string TextOfPart(const QString& part) {
-  return QByteArray::fromPercentEncoding(part.section(kCut, 0, 0).toLatin1()).toStdString();
 }
 
 /// Not by way of the local time, which lacks an hour in spring.
@@ -76,8 +51,8 @@ std::optional<Snapshot> SnapshotAt(const QString& folder, const QString& file) {
     return std::nullopt;
   }
   snapshot.path = folder + '/' + file;
-  snapshot.model = TextOfPart(name.section(kSeparator, 2, 2));
-  snapshot.serial_number = TextOfPart(QDir(folder).dirName());
+  snapshot.model = TextOfPathPart(name.section(kSeparator, 2, 2));
+  snapshot.serial_number = TextOfPathPart(QDir(folder).dirName());
   snapshot.reason = known->reason;
   return snapshot;
 }
@@ -106,7 +81,7 @@ QString Snapshots::UsualFolder() {
 }
 
 QString Snapshots::FolderOf(const std::string& serial_number) const {
-  return folder_ + '/' + PartOf(serial_number);
+  return folder_ + '/' + PathPartOf(serial_number);
 }
 
 std::string Snapshots::Keep(const SettingsFile& settings, SnapshotReason reason) const {
@@ -118,7 +93,7 @@ std::string Snapshots::Keep(const SettingsFile& settings, SnapshotReason reason)
   QString path;
   do {
     path = folder + '/' + QLocale::c().toString(time, kTimeFormat) + kSeparator +
-           NameOf(reason).name + kSeparator + PartOf(settings.model) + kSettingsSuffix;
+           NameOf(reason).name + kSeparator + PathPartOf(settings.model) + kSettingsSuffix;
     time = time.addMSecs(1);
   } while (QFile::exists(path));
   std::string error = SaveSettings(path, settings);

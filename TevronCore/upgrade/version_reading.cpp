@@ -9,25 +9,12 @@
 
 namespace {
 
-std::string ReadVariable(kavel::lidar::CommandSender& sender, const LidarModel& model,
-                         const char* name, UserReport& report) {
-  const VarInfo* var = model.table->FindByName(name);
-  if (var == nullptr) {
-    return "";
-  }
-  LinkState state;  // an upgrade reads while nobody else may
-  state.connected = true;
-  ReadFailures failures;
-  PageReader reader(sender, *model.table, state, failures, report);
-  return reader.GetInfoFromLidar(*var) ? model.table->ValueOf(*var).text : "";
-}
-
 RunningFirmware OfNetwork(kavel::lidar::CommandSender& sender, const LidarModel& model,
                           UserReport& report) {
   RunningFirmware running;
-  running.version = ReadVariable(sender, model, "SWVER_YMD", report);
+  running.version = ReadTextOf("SWVER_YMD", sender, *model.table, report);
   if (!running.version.empty()) {
-    running.serial_number = ReadVariable(sender, model, "SN", report);
+    running.serial_number = ReadTextOf("SN", sender, *model.table, report);
   }
   return running;
 }

@@ -68,6 +68,17 @@ std::vector<Fact> TakeFromFacts(const DeviceFacts& facts, SerialFamily family) {
   return list;
 }
 
+std::string WordsOf(const kavel::lidar::TlsCertificate& certificate) {
+  return certificate.subject + ", valid until " + certificate.valid_until + ", SHA-256 " +
+         FingerprintText(certificate.sha256);
+}
+
+QJsonObject ObjectOf(const TrustedCertificate& trusted) {
+  QJsonObject object = CertificateObject(trusted.certificate);
+  object["trusted_by"] = TextOf(trusted.trusted_by);
+  return object;
+}
+
 }  // namespace
 
 ExitCode RunInfo(Context& context) {
@@ -83,6 +94,10 @@ ExitCode RunInfo(Context& context) {
   facts.insert(facts.begin(), {"model", "Model", link.model()->name});
   facts.push_back({"address", "Address", link.Address()});
   facts.push_back({"link", "Link", TextOf(link.model()->connect_type)});
+  const auto certificate = link.session().LinkNow().certificate;
+  if (certificate) {
+    facts.push_back({"certificate", "Certificate", WordsOf(certificate->certificate)});
+  }
   QJsonObject object{{"hardware", QJsonValue()}, {"answer_ms", taken.count()}};
   for (const Fact& fact : facts) {
     std::ostringstream line;
@@ -93,6 +108,7 @@ ExitCode RunInfo(Context& context) {
     context.output.Line(line.str());
     object[QString::fromStdString(fact.key)] = TextOrNull(fact.text);
   }
+  object["certificate"] = certificate ? ObjectOf(*certificate) : QJsonValue();
   context.output.Object(object);
   return ExitCode::kDone;
 }

@@ -41,6 +41,7 @@ ExitCode RunModels(Context& context) {
     const ModelFeatures features = LoadFeatures(context.config, model, &told_by_the_check);
     std::string options = OptionsOf(features.connect_type);
     options += features.host_port_enabled ? " [--host-port N]" : "";
+    options += features.link == NetworkLink::kTls ? " [--tls-pin SHA256]" : "";
     std::ostringstream line;
     line << std::left << std::setw(static_cast<int>(width) + 2) << model << std::setw(13)
          << TextOf(features.connect_type) << options;

@@ -18,6 +18,8 @@ TEST_F(Commands, WrongUsageIsTwoAndSaysWhatIsRight) {
       {{"info", "--model", "Orca"}, "--host ADDRESS"},
       {{"info", "--model", "Orca", "--host", "lidar:1"}, "no address"},
       {{"info", "--model", "Orca", "--host", "127.0.0.1", "--host-port", "2000"}, "no host port"},
+      {{"info", "--model", "Orca", "--host", "127.0.0.1", "--tls-pin", "a"},
+       "not reached over TLS"},
       {{"info", "--model", "O", "--host", "127.0.0.1"}, "\"Orca\", \"Osprey\""},
       {{"info", "--model", "Lumo", "--serial", "/dev/null"}, "--serial RS485_PORT,UART_PORT"},
       {{"info", "--model", "Kiva", "--host", "127.0.0.1"}, "--serial PORT"},

@@ -41,6 +41,8 @@ RowLayout {
         }
     }
 
+    LinkSecurity { text: bar.watch.security }
+
     Item { Layout.fillWidth: true }
 
     PlainText {

@@ -99,6 +99,11 @@ Item {
         function onIsGetPBLVersionChanged() { messages.tellOfSerialLine(messages.manager.isGetPBLVersion); }
     }
 
+    Connections {
+        target: messages.watch
+        function onCertificateAsked(lidar) { questions.askTrust(lidar); }
+    }
+
     SuccessInfoWindow {
         id: notices
 
@@ -119,13 +124,18 @@ Item {
         id: questions
 
         manager: messages.manager
-        onConfirmed: messages.confirmed(purpose, argument)
+        onConfirmed: {
+            if (purpose === "trust")
+                messages.watch.Trust();
+            else
+                messages.confirmed(purpose, argument);
+        }
         onEditsAnswered: messages.editsAnswered(answer, purpose, argument)
     }
     AboutWindow {
         id: aboutBox
 
         applicationName: messages.programName
-        details: [qsTr("Model in use: %1").arg(messages.modelName)].concat(facts.tables)
+        details: [qsTr("Model in use: %1").arg(messages.modelName)].concat(facts.tables, messages.watch.security || [])
     }
 }
