@@ -18,6 +18,8 @@ constexpr uint32_t kDrainTimeoutMs = 50;
 /// So long is silence waited for where a fence follows, which copes with a lidar that babbles.
 constexpr uint32_t kFencedDrainMs = 200;
 constexpr size_t kDrainBlockSize = 1500;
+/// More than a receive buffer holds is a lidar that babbles.
+constexpr size_t kMostWaiting = size_t{16} * 1024 * 1024;
 constexpr uint32_t kLargePayload = 10240;
 /// How far the buffer runs ahead of what has arrived.
 constexpr size_t kPayloadStep = 65536;
@@ -60,11 +62,19 @@ CmxExchange::Outcome CmxExchange::Run(uint8_t cmd, const std::vector<uint8_t>& p
   }
   ArmReceiveTimeout(in_force_.recv_ms);
   owed_.Forget();
-  if (!ClearTheLine(cmd, payload, expect_late)) {
+  const OwedAnswers::Kind kind = KindOf(cmd, payload);
+  if (!ClearTheLine(kind, expect_late)) {
     KAVEL_LOG(kWarning, "the lidar does not answer the liveness command that clears the line");
     return outcome;
   }
-  SendAndReceive(cmd, payload, told_by_transport_ ? nullptr : sink, outcome);
+  std::vector<uint8_t> frame = BuildCmxFrame(*layout_, cmd, 0, payload);
+  const bool sent = Send(kind, frame);
+  if (sink != nullptr && !told_by_transport_) {
+    sink->Sent({cmd, payload}, frame);
+  }
+  if (sent) {
+    Receive(cmd, kind, outcome);
+  }
   silent_ = outcome.header.empty();
   return outcome;
 }
@@ -83,23 +93,18 @@ bool CmxExchange::CanBeFramed(const std::vector<uint8_t>& payload) const {
   return true;
 }
 
-void CmxExchange::SendAndReceive(uint8_t cmd, const std::vector<uint8_t>& payload, ByteSink* sink,
-                                 Outcome& outcome) {
-  std::vector<uint8_t> frame = BuildCmxFrame(*layout_, cmd, 0, payload);
-  const bool sent = Send(cmd, frame);
-  if (sink != nullptr) {
-    sink->Sent({cmd, payload}, frame);
+OwedAnswers::Kind CmxExchange::KindOf(uint8_t cmd, const std::vector<uint8_t>& payload) const {
+  if (!IsLiveness(cmd)) {
+    return OwedAnswers::Kind::kOther;
   }
-  if (sent) {
-    Receive(cmd, outcome);
-  }
+  return payload.empty() ? OwedAnswers::Kind::kLiveness : OwedAnswers::Kind::kSameCode;
 }
 
-bool CmxExchange::Send(uint8_t cmd, std::vector<uint8_t>& frame) {
+bool CmxExchange::Send(OwedAnswers::Kind kind, std::vector<uint8_t>& frame) {
   const auto size = static_cast<uint16_t>(frame.size());
   const int32_t sent = transport_->Send(frame.data(), size, 0);
   if (sent == size) {
-    owed_.Sent(IsLiveness(cmd));
+    owed_.Sent(kind);
     return true;
   }
   KAVEL_LOG(kWarning, "send failure, %d.", sent);
@@ -109,31 +114,35 @@ bool CmxExchange::Send(uint8_t cmd, std::vector<uint8_t>& frame) {
   return false;
 }
 
-// Keeps what earlier exchanges have left, or may still bring, away from the answer to `cmd`. False
-// when `cmd` must not follow.
-bool CmxExchange::ClearTheLine(uint8_t cmd, const std::vector<uint8_t>& payload, bool expect_late) {
+// Keeps what earlier exchanges have left, or may still bring, away from the answer to a command.
+// False when the command must not follow.
+bool CmxExchange::ClearTheLine(OwedAnswers::Kind kind, bool expect_late) {
   const bool is_fenced = stale_input_ == StaleInput::kAfterTrouble;
-  if (is_fenced && !expect_late) {
-    DropWaitingInput();
-    if (owed_.None()) {
-      return true;
-    }
-  }
   const bool has_fence = is_fenced && liveness_ != kNoLiveness;
+  if (is_fenced && !expect_late && DropWaitingInput()) {
+    owed_.Strayed();
+  }
   // What was only doubled, or came with stray bytes, is left behind by the fence alone.
-  if (!has_fence || expect_late) {
+  if (expect_late || (!has_fence && (!is_fenced || owed_.Others()))) {
     DrainUntilSilent(has_fence ? std::min(kFencedDrainMs, in_force_.recv_ms) : in_force_.recv_ms);
   }
-  return !has_fence || owed_.None() || FenceOff(cmd, payload);
+  if (has_fence && owed_.Others() && !FenceOff()) {
+    return false;
+  }
+  return !has_fence || owed_.MayFollow(kind);
 }
 
-void CmxExchange::DropWaitingInput() {
+// Whether there was any.
+bool CmxExchange::DropWaitingInput() {
   std::array<uint8_t, kDrainBlockSize> block;
-  const int32_t count = transport_->Receive(block.data(), kDrainBlockSize, ClientBase::kPoll);
-  if (count > 0) {
-    owed_.Strayed();
+  size_t dropped = 0;
+  int32_t count = 0;
+  do {
+    count = transport_->Receive(block.data(), kDrainBlockSize, ClientBase::kPoll);
     LookThrough(block.data(), count);
-  }
+    dropped += count > 0 ? static_cast<size_t>(count) : 0;
+  } while (count == static_cast<int32_t>(kDrainBlockSize) && dropped < kMostWaiting);
+  return dropped > 0;
 }
 
 // A lidar that never falls silent must not hold the exchange for ever: after `limit_ms` it goes on.
@@ -146,45 +155,44 @@ void CmxExchange::DrainUntilSilent(uint32_t limit_ms) {
     count = transport_->Receive(block.data(), kDrainBlockSize, 0);
     LookThrough(block.data(), count);
   } while (count > 0 && now_() < deadline);
+  if (count < 1) {
+    owed_.Forget();  // a frame that falls silent half-way was cut
+  }
   transport_->SetTimeout(in_force_.recv_ms, in_force_.send_ms);
   armed_recv_ms_ = in_force_.recv_ms;
 }
 
 void CmxExchange::LookThrough(const uint8_t* data, int32_t size) {
   const int liveness = liveness_;
-  if (size > 0 && liveness != kNoLiveness && !owed_.None()) {
+  if (size > 0 && liveness != kNoLiveness) {
     owed_.LookThrough(data, static_cast<size_t>(size), static_cast<uint8_t>(liveness));
   }
 }
 
-// Sends the liveness command ahead and drops what comes up to its answer. True when `cmd` may
-// follow: nothing that arrives from then on can be taken for its answer.
-bool CmxExchange::FenceOff(uint8_t cmd, const std::vector<uint8_t>& payload) {
-  const auto fence = static_cast<uint8_t>(liveness_);
-  std::vector<uint8_t> frame = BuildCmxFrame(*layout_, fence, 0, {});
-  if (!Send(fence, frame)) {
-    return false;
-  }
+// Sends the liveness command ahead and drops what comes up to its answer; sends it again as long as
+// that may have been the answer to an earlier one. True when nothing that arrives from then on can
+// be taken for the answer to a command that follows.
+bool CmxExchange::FenceOff() {
+  std::vector<uint8_t> frame = BuildCmxFrame(*layout_, static_cast<uint8_t>(liveness_), 0, {});
   const auto deadline = now_() + milliseconds(in_force_.recv_ms);
   std::array<uint8_t, kDrainBlockSize> block;
-  while (!owed_.None()) {
-    const int32_t count = ReceiveBy(deadline, block.data(), kDrainBlockSize);
-    if (count < 1) {
-      break;
+  while (owed_.Others()) {
+    if (!Send(OwedAnswers::Kind::kLiveness, frame)) {
+      return false;
     }
-    LookThrough(block.data(), count);
+    while (!owed_.HasCounted()) {
+      const int32_t count = ReceiveBy(deadline, block.data(), kDrainBlockSize);
+      if (count < 1) {
+        return false;
+      }
+      LookThrough(block.data(), count);
+    }
+    DropWaitingInput();  // a second copy
   }
-  if (owed_.None()) {
-    DropWaitingInput();  // a doubled answer
-    return true;
-  }
-  // One of several answers to liveness commands is late, or lost for good. Waiting for it again and
-  // again would never end, and it can only be mistaken for the answer to another one of its kind,
-  // which says the same.
-  return owed_.OnlyLiveness() && (cmd != fence || payload.empty());
+  return true;
 }
 
-void CmxExchange::Receive(uint8_t cmd, Outcome& outcome) {
+void CmxExchange::Receive(uint8_t cmd, OwedAnswers::Kind kind, Outcome& outcome) {
   bool has_stray_bytes = false;
   if (!ReceiveHeader(cmd, outcome.header, has_stray_bytes)) {
     outcome.header.clear();
@@ -203,7 +211,7 @@ void CmxExchange::Receive(uint8_t cmd, Outcome& outcome) {
   const auto deadline = now_() + milliseconds(in_force_.recv_ms) + TimeForPayload(length);
   outcome.accepted =
       outcome.error == 0 && ReceivePayload(outcome.payload, length, deadline, progress_);
-  owed_.Answered(IsLiveness(cmd));
+  owed_.Answered(kind);
   if (outcome.error == 0 && !outcome.accepted) {
     outcome.header.clear();
     outcome.payload.clear();
@@ -256,9 +264,12 @@ bool CmxExchange::PassOver(uint8_t cmd, const std::vector<uint8_t>& header,
   if (stale_input_ != StaleInput::kAfterTrouble || answered == cmd || !IsLiveness(answered)) {
     return false;
   }
-  owed_.LivenessAnswered();
   std::vector<uint8_t> payload;
-  return ReceivePayload(payload, PayloadLengthIn(header), deadline, nullptr);
+  const bool whole = ReceivePayload(payload, PayloadLengthIn(header), deadline, nullptr);
+  if (whole) {
+    owed_.Answered(OwedAnswers::Kind::kLiveness);
+  }
+  return whole;
 }
 
 bool CmxExchange::IsAnswerTo(uint8_t cmd, const std::vector<uint8_t>& header) const {

@@ -25,9 +25,12 @@ namespace kavel::lidar {
 /// command that was sent later has its answer, everything before it has arrived or never will. With
 /// `StaleInput::kAfterTrouble` a liveness command therefore goes ahead of the first command after
 /// an exchange that ended without its answer, with another command's, or amid stray bytes, and what
-/// comes before its answer is dropped. When it gets none within one receive time-out, the command
-/// is not sent and fails with `kSendIncomplete`: nobody may take it for carried out. Further
-/// answers to liveness commands are passed over while another command's is awaited.
+/// comes before its answer is dropped. Where an answer to an earlier liveness command may still
+/// come, the one that came may be that, and it is sent again, see `OwedAnswers`. When it gets none
+/// within one receive time-out, the command is not sent and fails with `kSendIncomplete`: nobody
+/// may take it for carried out. Further answers to liveness commands are passed over while another
+/// command's is awaited. A command with the liveness command's code and a payload fails so, too, as
+/// long as any of them is owed.
 ///
 /// One thread at a time, the two settings excepted, which any thread may change at any time.
 class CmxExchange {
@@ -82,18 +85,17 @@ class CmxExchange {
   static constexpr int kNoLiveness = -1;
 
   bool CanBeFramed(const std::vector<uint8_t>& payload) const;
-  void SendAndReceive(uint8_t cmd, const std::vector<uint8_t>& payload, ByteSink* sink,
-                      Outcome& outcome);
-  bool Send(uint8_t cmd, std::vector<uint8_t>& frame);
   bool IsLiveness(uint8_t cmd) const { return cmd == liveness_; }
+  OwedAnswers::Kind KindOf(uint8_t cmd, const std::vector<uint8_t>& payload) const;
+  bool Send(OwedAnswers::Kind kind, std::vector<uint8_t>& frame);
 
-  bool ClearTheLine(uint8_t cmd, const std::vector<uint8_t>& payload, bool expect_late);
-  void DropWaitingInput();
+  bool ClearTheLine(OwedAnswers::Kind kind, bool expect_late);
+  bool DropWaitingInput();
   void DrainUntilSilent(uint32_t limit_ms);
-  bool FenceOff(uint8_t cmd, const std::vector<uint8_t>& payload);
+  bool FenceOff();
   void LookThrough(const uint8_t* data, int32_t size);
 
-  void Receive(uint8_t cmd, Outcome& outcome);
+  void Receive(uint8_t cmd, OwedAnswers::Kind kind, Outcome& outcome);
   bool ReceiveHeader(uint8_t cmd, std::vector<uint8_t>& header, bool& has_stray_bytes);
   bool FindHeader(Clock::time_point deadline, std::vector<uint8_t>& header, bool& has_stray_bytes);
   bool PassOver(uint8_t cmd, const std::vector<uint8_t>& header, Clock::time_point deadline);

@@ -6,19 +6,25 @@
 
 namespace kavel::lidar {
 
-void OwedAnswers::Sent(bool is_liveness) {
-  if (is_liveness) {
+void OwedAnswers::Sent(Kind kind) {
+  if (kind != Kind::kOther) {
     ++after_;
-    return;
+    may_count_ = true;
   }
+  if (kind != Kind::kLiveness) {
+    Strayed();
+  }
+}
+
+void OwedAnswers::Strayed() {
   others_ = true;
   before_ += after_;
   after_ = 0;
 }
 
-void OwedAnswers::Answered(bool is_liveness) {
-  if (is_liveness) {
-    LivenessAnswered();
+void OwedAnswers::Answered(Kind kind) {
+  if (kind == Kind::kLiveness) {
+    CountLiveness();
     return;
   }
   others_ = false;
@@ -26,7 +32,11 @@ void OwedAnswers::Answered(bool is_liveness) {
   after_ = 0;
 }
 
-void OwedAnswers::LivenessAnswered() {
+void OwedAnswers::CountLiveness() {
+  if (!may_count_) {
+    return;
+  }
+  may_count_ = false;
   if (before_ > 0) {
     --before_;
   } else if (after_ > 0) {
@@ -38,10 +48,11 @@ void OwedAnswers::LivenessAnswered() {
 void OwedAnswers::LookThrough(const uint8_t* data, size_t size, uint8_t liveness) {
   const uint8_t* const end = data + size;
   while (data != end) {
-    if (payload_left_ > 0) {
+    if (header_.size() == layout_->size) {
       const uint64_t skipped = std::min<uint64_t>(payload_left_, static_cast<uint64_t>(end - data));
       payload_left_ -= skipped;
       data += skipped;
+      EndFrame(liveness);
       continue;
     }
     if (header_.empty()) {
@@ -57,15 +68,19 @@ void OwedAnswers::LookThrough(const uint8_t* data, size_t size, uint8_t liveness
       --data;
     }
     if (header_.size() == layout_->size) {
-      TakeHeader(liveness);
+      payload_left_ = ReadBigEndian32(header_.data() + layout_->payload_length_at);
+      EndFrame(liveness);
     }
   }
 }
 
-void OwedAnswers::TakeHeader(uint8_t liveness) {
-  payload_left_ = ReadBigEndian32(header_.data() + layout_->payload_length_at);
+// Only a whole frame is an answer: the rest of its payload must not be taken for another one.
+void OwedAnswers::EndFrame(uint8_t liveness) {
+  if (payload_left_ > 0) {
+    return;
+  }
   if (header_[layout_->command_at] == liveness) {
-    LivenessAnswered();
+    CountLiveness();
   }
   header_.clear();
 }

@@ -2,8 +2,8 @@
 
 #include <algorithm>
 #include <chrono>
+#include <cstddef>
 #include <cstdint>
-#include <deque>
 #include <functional>
 #include <vector>
 
@@ -22,13 +22,18 @@ class SimulatedLine : public ScriptedTransport {
   /// Called with every frame that is sent.
   std::function<void(const Bytes& frame)> on_sent;
 
-  /// `bytes` arrive `delay` from now, or behind those that are on the line already.
-  void Arrive(Time delay, const Bytes& bytes) {
-    last_arrival_ = std::max(last_arrival_, now_ + delay);
-    for (const uint8_t byte : bytes) {
-      coming_.push_back({last_arrival_, byte});
+  /// `bytes` arrive `delay` from now, or behind those that are on the line already. Returns when.
+  Time Arrive(Time delay, const Bytes& bytes) {
+    if (bytes.empty()) {
+      return now_;
     }
+    last_arrival_ = std::max(last_arrival_, now_ + delay);
+    bytes_.insert(bytes_.end(), bytes.begin(), bytes.end());
+    arrivals_.push_back({last_arrival_, bytes_.size()});
+    return last_arrival_;
   }
+  /// Nothing is on its way.
+  bool IsQuiet() const { return received_ == bytes_.size(); }
   void Pass(Time time) { now_ += time; }
   Time now() const { return now_; }
   std::function<Clock::time_point()> clock() const {
@@ -41,16 +46,15 @@ class SimulatedLine : public ScriptedTransport {
   }
 
   int32_t Receive(uint8_t* buffer, uint32_t length, int32_t flags) override {
-    if (flags != kPoll) {
+    LetArrive();
+    if (received_ == arrived_ && flags != kPoll) {
       const Time gives_up = now_ + timeout_;
-      const Time next = coming_.empty() ? gives_up : coming_.front().at;
-      now_ = std::max(now_, std::min(next, gives_up));
+      now_ = next_ == arrivals_.size() ? gives_up : std::min(gives_up, arrivals_[next_].at);
+      LetArrive();
     }
-    uint32_t count = 0;
-    while (count < length && !coming_.empty() && coming_.front().at <= now_) {
-      buffer[count++] = coming_.front().byte;
-      coming_.pop_front();
-    }
+    const size_t count = std::min<size_t>(length, arrived_ - received_);
+    std::copy_n(bytes_.data() + received_, count, buffer);
+    received_ += count;
     return count == 0 ? -1 : static_cast<int32_t>(count);
   }
 
@@ -64,15 +68,25 @@ class SimulatedLine : public ScriptedTransport {
   }
 
  private:
-  struct Coming {
+  struct Arrival {
     Time at;
-    uint8_t byte;
+    size_t end;  ///< of its bytes
   };
+
+  void LetArrive() {
+    while (next_ < arrivals_.size() && arrivals_[next_].at <= now_) {
+      arrived_ = arrivals_[next_++].end;
+    }
+  }
 
   Time now_{1000};
   Time last_arrival_{0};
   Time timeout_{500};
-  std::deque<Coming> coming_;
+  Bytes bytes_;  ///< all that were ever put on the line
+  size_t arrived_ = 0;
+  size_t received_ = 0;
+  std::vector<Arrival> arrivals_;
+  size_t next_ = 0;
 };
 
 }  // namespace kavel::lidar::testing
