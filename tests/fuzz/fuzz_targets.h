@@ -14,6 +14,8 @@ void FuzzQueryCommand(FuzzInput input);
 void FuzzSerialStream(FuzzInput input);
 /// The receiving half of a serial line over a pseudo-terminal.
 void FuzzSerialSource(FuzzInput input);
+/// Requests and answers over one, however late, damaged or echoed they come.
+void FuzzSerialExchange(FuzzInput input);
 /// What a lidar answers to a handshake and to the maintenance commands.
 void FuzzDeviceAnswers(FuzzInput input);
 /// A variable table, its pages, and what can be read, edited and written by it.
@@ -49,6 +51,7 @@ inline constexpr FuzzTarget kFuzzTargets[] = {
     {"monitor_file", FuzzMonitorFile},
     {"monitor_table", FuzzMonitorTable, "Config/varID"},
     {"query_command", FuzzQueryCommand},
+    {"serial_exchange", FuzzSerialExchange},
     {"serial_source", FuzzSerialSource, "tests/fuzz/seeds/serial_stream"},
     {"serial_stream", FuzzSerialStream},
     {"settings", FuzzSettings},
