@@ -12,6 +12,8 @@
 
 namespace kavel::lidar {
 
+class TlsPeerCheck;
+
 /// A TLS stream over TCP: version 1.2 or newer, without renegotiation. See `ClientBase` for the
 /// contract. `Receive` gives what one record or the rest of one holds, up to `length` bytes;
 /// `flags` other than `kPoll` are ignored.
@@ -26,6 +28,7 @@ namespace kavel::lidar {
 /// object is destroyed it accepts no other certificate, also where `Send` or `Receive` open anew.
 class TlsClient : public StreamTransport {
  public:
+  /// A key file that every user can read is worth a line in the log, see `KeyFileWarning`.
   explicit TlsClient(TlsIdentity identity);
 
   /// Also tells why the lidar ended a link that was open with a TLS alert: under TLS 1.3 it refuses
@@ -48,6 +51,11 @@ class TlsClient : public StreamTransport {
   const char* SlowReceiveText() const override { return "Receive executed"; }
 
  private:
+  std::string OpenWith(TlsPeerCheck* check, uint16_t host_port, uint32_t timeout_s);
+  std::string About(const std::string& what) const;
+  void TellOutcome(std::string failure, std::optional<TlsCertificate> shown);
+  int32_t CountOf(const TlsStep& step);
+
   TlsIdentity identity_;
   TlsSession tls_;
   mutable std::mutex outcome_mutex_;

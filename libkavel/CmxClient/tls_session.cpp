@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <utility>
 
 #include "Log/logger.h"
 
@@ -31,11 +32,37 @@ std::chrono::steady_clock::time_point DeadlineAfter(uint32_t limit_ms) {
   return limit_ms == 0 ? now + kForEver : now + std::chrono::milliseconds(limit_ms);
 }
 
+auto ReadUpTo(uint8_t* buffer, uint32_t length) {
+  return [=](ssl_st* session) {
+    return SSL_read(session, buffer, static_cast<int>(std::min<uint32_t>(length, INT32_MAX)));
+  };
+}
+
+// What stopped a step that neither is done nor goes on by waiting; `is_late`: past its deadline,
+// so that a read may have been refused.
+TlsStep Stopped(int error, bool is_late) {
+  const int system_error = errno;
+  const unsigned long reason = ERR_peek_last_error();
+  ERR_clear_error();
+  const bool has_ended = error == SSL_ERROR_ZERO_RETURN ||
+                         ERR_GET_REASON(reason) == SSL_R_UNEXPECTED_EOF_WHILE_READING;
+  if (has_ended) {
+    return {TlsStep::End::kClosed};
+  }
+  if (error == SSL_ERROR_SSL) {
+    return {TlsStep::End::kFailed, 0, reason};
+  }
+  if (is_late) {
+    return {TlsStep::End::kTimeIsUp};
+  }
+  return {system_error == 0 ? TlsStep::End::kClosed : TlsStep::End::kFailed};
+}
+
 }  // namespace
 
-void TlsSession::Free::operator()(ssl_ctx_st* context) const { SSL_CTX_free(context); }
+void TlsFree::operator()(ssl_ctx_st* context) const { SSL_CTX_free(context); }
 
-void TlsSession::Free::operator()(ssl_st* session) const { SSL_free(session); }
+void TlsFree::operator()(ssl_st* session) const { SSL_free(session); }
 
 TlsSession::TlsSession() = default;
 
@@ -72,41 +99,54 @@ bool TlsSession::InitContext(const std::string& cert, const std::string& private
   return true;
 }
 
-// Repeats an operation until it is done, has failed or the time is up. Its result, below 1 when it
-// was not done.
+// Repeats an operation until it is done, has failed or the time is up; once when it does not wait.
 template <typename Step>
-int TlsSession::Run(Clock::time_point deadline, Step step) {
+TlsStep TlsSession::Run(Clock::time_point deadline, bool waits, Step step) {
+  if (!session_) {
+    return {};
+  }
   const BrokenPipeGuard guard;
   deadline_ = deadline;
   while (true) {
     ERR_clear_error();
     errno = 0;
     const int result = step(session_.get());
+    if (result > 0) {
+      return {TlsStep::End::kDone, result};
+    }
     const int wish = SSL_get_error(session_.get(), result);
     const auto left =
         std::chrono::duration_cast<std::chrono::microseconds>(deadline - Clock::now()).count();
-    if (result > 0 || left <= 0 || (wish != SSL_ERROR_WANT_READ && wish != SSL_ERROR_WANT_WRITE)) {
-      return result;
+    if (wish != SSL_ERROR_WANT_READ && wish != SSL_ERROR_WANT_WRITE) {
+      return Stopped(wish, left <= 0);
     }
-    const int ready =
-        wish == SSL_ERROR_WANT_READ ? WaitReadable(socket_, left) : WaitWritable(socket_, left);
-    if (ready < 1) {
-      return result;
+    const bool is_ready = waits && left > 0 &&
+                          (wish == SSL_ERROR_WANT_READ ? WaitReadable(socket_, left)
+                                                       : WaitWritable(socket_, left)) == 1;
+    if (!is_ready) {
+      return {TlsStep::End::kTimeIsUp};
     }
   }
 }
 
-bool TlsSession::Connect(SocketHandle socket, uint32_t limit_ms) {
+bool TlsSession::Begin(SocketHandle socket) {
   session_.reset(context_ ? SSL_new(context_.get()) : nullptr);
   if (!session_) {
-    return Fail("create ssl failed");
+    return false;
   }
   socket_ = socket;
   SetNonBlocking(socket, true);
   SSL_set_fd(session_.get(), static_cast<int>(socket));
   BIO_set_callback_ex(SSL_get_rbio(session_.get()), RefuseLateReads);
   BIO_set_callback_arg(SSL_get_rbio(session_.get()), reinterpret_cast<char*>(&deadline_));
-  if (Run(DeadlineAfter(limit_ms), SSL_connect) != 1) {
+  return true;
+}
+
+bool TlsSession::Connect(SocketHandle socket, uint32_t limit_ms) {
+  if (!Begin(socket)) {
+    return Fail("create ssl failed");
+  }
+  if (Run(DeadlineAfter(limit_ms), true, SSL_connect).end != TlsStep::End::kDone) {
     return Fail("connect ssl failed");
   }
   if (SSL_get_verify_result(session_.get()) != X509_V_OK) {
@@ -115,13 +155,32 @@ bool TlsSession::Connect(SocketHandle socket, uint32_t limit_ms) {
   return true;
 }
 
+TlsStep TlsSession::Handshake(TlsContext context, SocketHandle socket, Clock::time_point deadline) {
+  session_.reset();
+  context_ = std::move(context);
+  return Begin(socket) ? Run(deadline, true, SSL_connect) : TlsStep{};
+}
+
+TlsStep TlsSession::Read(uint8_t* buffer, uint32_t length, uint32_t limit_ms) {
+  return Run(DeadlineAfter(limit_ms), true, ReadUpTo(buffer, length));
+}
+
+TlsStep TlsSession::ReadNow(uint8_t* buffer, uint32_t length) {
+  // A moment for a peer that sends records without content, which OpenSSL passes over by itself.
+  constexpr std::chrono::milliseconds kMoment{10};
+  return Run(Clock::now() + kMoment, false, ReadUpTo(buffer, length));
+}
+
+std::string TlsSession::Agreed() const {
+  return session_ ? SSL_get_version(session_.get()) +
+                        (' ' + std::string(SSL_get_cipher_name(session_.get())))
+                  : "";
+}
+
 int32_t TlsSession::Write(const uint8_t* data, uint16_t length, uint32_t limit_ms) {
-  if (!session_) {
-    return -1;
-  }
-  const int written = Run(DeadlineAfter(limit_ms),
-                          [&](ssl_st* session) { return SSL_write(session, data, length); });
-  return written > 0 ? written : -1;
+  const TlsStep step = Run(DeadlineAfter(limit_ms), true,
+                           [&](ssl_st* session) { return SSL_write(session, data, length); });
+  return step.end == TlsStep::End::kDone ? step.count : -1;
 }
 
 int32_t TlsSession::ReadExactly(uint8_t* buffer, uint32_t length, uint32_t limit_ms) {
@@ -131,15 +190,12 @@ int32_t TlsSession::ReadExactly(uint8_t* buffer, uint32_t length, uint32_t limit
   const auto deadline = DeadlineAfter(limit_ms);
   uint32_t total = 0;
   while (total < length) {
-    const int read = Run(deadline, [&](ssl_st* session) {
-      const uint32_t missing = std::min<uint32_t>(length - total, INT32_MAX);
-      return SSL_read(session, buffer + total, static_cast<int>(missing));
-    });
-    if (read < 1) {
+    const TlsStep step = Run(deadline, true, ReadUpTo(buffer + total, length - total));
+    if (step.end != TlsStep::End::kDone) {
       Fail("ssl receive failed");
       return -1;
     }
-    total += static_cast<uint32_t>(read);
+    total += static_cast<uint32_t>(step.count);
   }
   return static_cast<int32_t>(total);
 }

@@ -12,11 +12,36 @@ struct ssl_st;
 
 namespace kavel::lidar {
 
+struct TlsFree {
+  void operator()(ssl_ctx_st* context) const;
+  void operator()(ssl_st* session) const;
+};
+using TlsContext = std::unique_ptr<ssl_ctx_st, TlsFree>;
+
+/// How a step ended.
+struct TlsStep {
+  enum class End {
+    kDone,
+    kTimeIsUp,  ///< the session is as it was, unless something was being written
+    kClosed,    ///< the peer has ended the stream, or the connection below it
+    kFailed,
+  };
+  End end = End::kFailed;
+  int32_t count = 0;         ///< of bytes, when it is done
+  unsigned long reason = 0;  ///< why it failed, as OpenSSL numbers it; 0: the connection broke
+};
+
 /// The TLS steps over a connected socket, which stays the caller's and is made non-blocking. One
-/// thread at a time. Every step logs what failed and has one limit, 0 for none, however many
-/// records it takes. Writing to a broken connection raises no signal.
+/// thread at a time. Every step has one limit, 0 for none, however many records it takes. Writing
+/// to a broken connection raises no signal.
+///
+/// There are two ways in: `InitContext` and `Connect` check the peer after the handshake, and they
+/// and the steps that return a bare count log what failed; `Handshake` leaves the checks to the
+/// context, and what failed is told to the caller alone.
 class TlsSession {
  public:
+  using Clock = std::chrono::steady_clock;
+
   TlsSession();
   ~TlsSession();
   TlsSession(const TlsSession&) = delete;
@@ -31,6 +56,18 @@ class TlsSession {
   /// issuer that fails. Needs a context.
   bool Connect(SocketHandle socket, uint32_t limit_ms);
 
+  /// Handshake with a context that holds all that the peer has to fulfil.
+  TlsStep Handshake(TlsContext context, SocketHandle socket, Clock::time_point deadline);
+
+  /// Waits for what one record brings, up to `length` bytes.
+  TlsStep Read(uint8_t* buffer, uint32_t length, uint32_t limit_ms);
+
+  /// The same without waiting; `kTimeIsUp` when nothing is there.
+  TlsStep ReadNow(uint8_t* buffer, uint32_t length);
+
+  /// The protocol and the cipher that were agreed on, for the log.
+  std::string Agreed() const;
+
   /// Count written, -1 for none.
   int32_t Write(const uint8_t* data, uint16_t length, uint32_t limit_ms);
 
@@ -42,20 +79,14 @@ class TlsSession {
   void Close();
 
  private:
-  struct Free {
-    void operator()(ssl_ctx_st* context) const;
-    void operator()(ssl_st* session) const;
-  };
-
-  using Clock = std::chrono::steady_clock;
-
+  bool Begin(SocketHandle socket);
   template <typename Step>
-  int Run(Clock::time_point deadline, Step step);
+  TlsStep Run(Clock::time_point deadline, bool waits, Step step);
 
   SocketHandle socket_ = kInvalidSocket;
   Clock::time_point deadline_;  ///< of the step that runs
-  std::unique_ptr<ssl_ctx_st, Free> context_;
-  std::unique_ptr<ssl_st, Free> session_;
+  TlsContext context_;
+  std::unique_ptr<ssl_st, TlsFree> session_;
 };
 
 }  // namespace kavel::lidar
