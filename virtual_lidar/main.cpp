@@ -20,6 +20,7 @@
 #include "server/device_server.h"
 #include "server/event_loop.h"
 #include "table_check/table_check.h"
+#include "tls_files.h"
 #include "variables/config_folder.h"
 #include "variables/feature_config.h"
 #include "variables/monitor_tables.h"
@@ -131,6 +132,19 @@ int PrintModels(const ConfigFolder& config) {
   return 0;
 }
 
+int MakeTlsFiles(const std::string& folder) {
+  std::string error;
+  if (!WriteTlsFiles(folder, &error)) {
+    return Complain(error);
+  }
+  std::cout << "made " << folder << ": the lidar's side is --tls " << folder << "/lidar.pem "
+            << folder << "/lidar-key.pem, with --tls-ca " << folder
+            << "/ca.pem for clients that have to show a certificate. A client knows the lidar by "
+            << folder << "/ca.pem and shows " << folder << "/client.pem with " << folder
+            << "/client-key.pem.\n";
+  return 0;
+}
+
 int Serve(const Options& options, int signals) {
   const ConfigFolder config(options.config_folder);
   const std::vector<std::string> models = config.Models();
@@ -191,6 +205,9 @@ int main(int argc, char** argv) {
     }
     if (options->list_models) {
       return PrintModels(ConfigFolder(options->config_folder));
+    }
+    if (!options->tls_folder.empty()) {
+      return MakeTlsFiles(options->tls_folder);
     }
     OutliveTheReader();
     const int signals = OpenSignals();

@@ -65,6 +65,8 @@ struct CommandLine {
   bool no_auth = false;
   std::vector<std::string> firmware;
   size_t firmware_kib = Options().firmware_size / 1024;
+  std::vector<std::string> tls;
+  std::string tls_ca;
   uint32_t line_baud = 0;
   int line_latency_ms = 0;
   int restart_ms = static_cast<int>(ServerSetup().restart_time.count());
@@ -147,6 +149,21 @@ void DeclareHowToBehave(CLI::App* app, CommandLine* line, Options* options) {
                 "Tell of each model its name, how it is reached, its kind and its table, and end");
 }
 
+void DeclareTls(CLI::App* app, CommandLine* line, Options* options) {
+  app->option_defaults()->group("TLS on every TCP link");
+  auto* tls = app->add_option("--tls", line->tls,
+                              "Speak TLS with this certificate and its key, as PEM files")
+                  ->type_name("CERT KEY")
+                  ->expected(2);
+  app->add_option("--tls-ca", line->tls_ca,
+                  "Want a certificate of each client, by a CA in this PEM file")
+      ->type_name("CA")
+      ->needs(tls);
+  app->add_option("--tls-make", options->tls_folder,
+                  "Make such files to try it with in this folder, fresh ones, and end")
+      ->type_name("FOLDER");
+}
+
 void DeclareFirmware(CLI::App* app, CommandLine* line) {
   app->option_defaults()->group("Firmware to try an upgrade with");
   app->add_option("--make-firmware", line->firmware,
@@ -192,6 +209,14 @@ void MakeSense(const CommandLine& line, Options* options) {
     server.tcp_port = line.port;
     server.other_port_will_do = !line.port_given;
   }
+  if (line.tls.size() == 2) {
+    server.tls = {line.tls_ca, line.tls[0], line.tls[1], ""};
+  }
+  if (server.tls && !server.tcp_port) {
+    throw CLI::ValidationError("--tls", options->model +
+                                            " is reached over a serial line; --port has it answer "
+                                            "over TCP as well");
+  }
   server.uart_points_per_second = line.uart_points;
   if (line.uart_points != 0 && server.serial != ServerSetup::Serial::kPair) {
     throw CLI::ValidationError("--uart-points",
@@ -218,6 +243,7 @@ std::optional<Options> ParseOptions(int argc, char** argv, int* exit_code) {
   app.get_formatter()->column_width(28);
   DeclareWhereToAnswer(&app, &line, &options);
   DeclareHowToBehave(&app, &line, &options);
+  DeclareTls(&app, &line, &options);
   DeclareFirmware(&app, &line);
   try {
     app.parse(argc, argv);

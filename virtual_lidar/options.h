@@ -29,6 +29,7 @@ struct Options {
   std::string firmware_version;
   std::string firmware_file;
   size_t firmware_size = size_t{256} * 1024;  ///< of each image, in bytes
+  std::string tls_folder;                     ///< where to make files for TLS; empty: no
   uint32_t log_size = LogStore::kUsualSize;
 };
 

@@ -106,7 +106,7 @@ std::string LoadFiles(SSL_CTX* context, const TlsIdentity& identity) {
 
 TlsContext MakeTlsContext(const TlsIdentity& identity, std::string* failure) {
   ERR_clear_error();
-  TlsContext context(SSL_CTX_new(TLS_client_method()));
+  TlsContext context(SSL_CTX_new(TLS_method()));
   if (!context || SSL_CTX_set_min_proto_version(context.get(), TLS1_2_VERSION) != 1) {
     *failure = "TLS is not available on this computer.";
     return nullptr;

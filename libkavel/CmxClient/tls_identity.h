@@ -21,9 +21,9 @@ struct TlsIdentity {
   std::string pinned_sha256;
 };
 
-/// A context for one connection that holds the identity's files: TLS 1.2 or newer, security level
-/// 2, no renegotiation. None, with a sentence for the user in `*failure`, when a file is of no use.
-/// No content of a key file is told.
+/// A context for either end that holds the identity's files: TLS 1.2 or newer, security level 2, no
+/// renegotiation. It checks nobody yet. None, with a sentence for the user in `*failure`, when a
+/// file is of no use. No content of a key file is told.
 TlsContext MakeTlsContext(const TlsIdentity& identity, std::string* failure);
 
 }  // namespace kavel::lidar

@@ -6,11 +6,13 @@
 #include <algorithm>
 #include <memory>
 #include <string>
+#include <type_traits>
 
 #include "Wire/cmx_header.h"
 #include "Wire/file_piece.h"
 #include "firmware_file.h"
 #include "lidar_under_test.h"
+#include "tls_end.h"
 
 namespace {
 
@@ -73,6 +75,29 @@ const Row kRows[] = {
     {Fault::kSilentAfter, "silent-after=1", kLiveness, kLiveness + kSetSpeed, Row::kHeld},
 };
 
+template <typename End>
+void Try(const FaultMode& mode, const Row& row) {
+  LidarUnderTest::Setup setup;
+  setup.faults = {row.order};
+  if (std::is_same_v<End, TlsEnd>) {
+    setup.server.tls = LidarFiles();
+  }
+  auto lidar = std::make_unique<LidarUnderTest>(std::move(setup));
+  End client = End::To(lidar->port());
+  const auto start = std::chrono::steady_clock::now();
+  client.Send(row.requests);
+  EXPECT_EQ(client.Read(row.answers.size()), row.answers);
+  const auto taken = std::chrono::steady_clock::now() - start;
+  EXPECT_GE(taken, row.least);
+  EXPECT_LT(taken, row.most);
+  EXPECT_TRUE(row.ending != Row::kHangsUp || client.EndsHere());
+  EXPECT_TRUE(lidar->LogShows(std::string("[fault: ") + mode.name + "]"));
+  EXPECT_EQ(lidar->Held("Speed"),
+            row.speed == Row::kWritten ? Bytes({0x04, 0xB0}) : Bytes({0x02, 0x58}));
+  lidar.reset();
+  EXPECT_TRUE(row.ending == Row::kGoesOn || client.EndsHere()) << "and nothing more";
+}
+
 TEST(FaultOnTheWire, SendsWhatTheCatalogueSaysAndHoldsWhatWasWritten) {
   for (const FaultMode& mode : FaultModes()) {
     SCOPED_TRACE(mode.name);
@@ -82,22 +107,8 @@ TEST(FaultOnTheWire, SendsWhatTheCatalogueSaysAndHoldsWhatWasWritten) {
       EXPECT_EQ(std::string(mode.name).rfind("auth-", 0), 0U) << "a new fault needs its row";
       continue;
     }
-    LidarUnderTest::Setup setup;
-    setup.faults = {row->order};
-    auto lidar = std::make_unique<LidarUnderTest>(std::move(setup));
-    TcpEnd client = TcpEnd::To(lidar->port());
-    const auto start = std::chrono::steady_clock::now();
-    client.Send(row->requests);
-    EXPECT_EQ(client.Read(row->answers.size()), row->answers);
-    const auto taken = std::chrono::steady_clock::now() - start;
-    EXPECT_GE(taken, row->least);
-    EXPECT_LT(taken, row->most);
-    EXPECT_TRUE(row->ending != Row::kHangsUp || client.EndsHere());
-    EXPECT_TRUE(lidar->LogShows(std::string("[fault: ") + mode.name + "]"));
-    EXPECT_EQ(lidar->Held("Speed"),
-              row->speed == Row::kWritten ? Bytes({0x04, 0xB0}) : Bytes({0x02, 0x58}));
-    lidar.reset();
-    EXPECT_TRUE(row->ending == Row::kGoesOn || client.EndsHere()) << "and nothing more";
+    Try<TcpEnd>(mode, *row);
+    Try<TlsEnd>(mode, *row);
   }
 }
 

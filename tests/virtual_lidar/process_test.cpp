@@ -66,6 +66,9 @@ TEST(Process, RefusesACommandLineThatMakesNoSense) {
       {{"--model", "Lumo-CMX", "--uart-points", "9"}, "Lumo-CMX has no pair of serial ports"},
       {{"--make-firmware", "v2", "/nonexistent/f"}, "\"v2\" is no version"},
       {{"--make-firmware", "2", "/nonexistent/f"}, "cannot write /nonexistent/f: "},
+      {{"--tls", "/nonexistent/c", "/nonexistent/k"}, "The certificate file /nonexistent/c cannot"},
+      {{"--tls-ca", "ca.pem"}, "--tls-ca requires --tls"},
+      {{"--tls-make", "/dev/null/tls"}, "cannot make the folder /dev/null/tls: "},
       {{"--dump", "/nonexistent/state.json"}, "cannot write /nonexistent/state.json: "},
   };
   for (const auto& [arguments, text] : cases) {
@@ -73,6 +76,40 @@ TEST(Process, RefusesACommandLineThatMakesNoSense) {
     EXPECT_GT(program.ExitCode(), 0);
     EXPECT_TRUE(program.Output().contains(text)) << program.Output().toStdString();
   }
+}
+
+// With the tool that everybody has on the other side.
+TEST(Process, SpeaksTlsWithTheFilesThatItMakes) {
+  const QTemporaryDir parent;
+  const QString folder = parent.filePath("new/tls");
+  Program maker({"--tls-make", folder});
+  ASSERT_EQ(maker.ExitCode(), 0) << maker.Output().toStdString();
+  const QString key = folder + "/lidar-key.pem";
+  EXPECT_EQ(QFile::permissions(key) & (QFile::ReadGroup | QFile::ReadOther), 0);
+  QFile key_file(key);
+  ASSERT_TRUE(key_file.open(QIODevice::ReadOnly));
+  const QByteArray secret = key_file.readAll();
+  Program again({"--tls-make", folder});
+  EXPECT_GT(again.ExitCode(), 0);
+  EXPECT_TRUE(again.Output().contains("ca.pem is there already"));
+  key_file.seek(0);
+  EXPECT_EQ(key_file.readAll(), secret) << "nothing is lost";
+
+  const QString ca = folder + "/ca.pem";
+  Program lidar(
+      {"--port", "0", "--tls", folder + "/lidar.pem", key, "--tls-ca", ca, "--model", "Orca"});
+  ASSERT_TRUE(lidar.Prints("listening on 127.0.0.1:")) << lidar.Output().toStdString();
+  EXPECT_TRUE(lidar.Output().contains("TLS certificate CN=Virtual lidar, SHA-256 "));
+  const QString port = lidar.Output().section("127.0.0.1:", 1).trimmed();
+  ChildProcess client("sh", {"-c",
+                             "printf 'Gt\\a\\0\\0\\0\\0\\0' | openssl s_client -quiet "
+                             "-verify_return_error -verify_ip 127.0.0.1 -CAfile " +
+                                 ca + " -cert " + folder + "/client.pem -key " + folder +
+                                 "/client-key.pem -connect 127.0.0.1:" + port});
+  EXPECT_TRUE(lidar.Prints("liveness, return code 0")) << client.Output().toStdString();
+  EXPECT_TRUE(client.Prints("Gt")) << client.Output().toStdString();
+  const QString line = QString::fromLatin1(secret).split('\n').value(1);
+  EXPECT_FALSE((maker.Output() + lidar.Output()).contains(line)) << "no key is told";
 }
 
 TEST(Process, ChecksTheTables) {

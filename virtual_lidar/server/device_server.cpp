@@ -5,6 +5,7 @@
 #include <system_error>
 #include <utility>
 
+#include "Platform/key_file.h"
 #include "Wire/serial_stream.h"
 #include "device/state_dump.h"
 #include "wire/cmx_codec.h"
@@ -35,7 +36,7 @@ std::string ByteCount(size_t count) {
 struct DeviceServer::Client {
   Client(DeviceServer* server, UniqueFd socket, const std::string& peer)
       : fd(std::move(socket)),
-        link(server->loop_, server, fd.get(), fd.get(),
+        link(server->loop_, server, server->StreamOver(fd.get()),
              std::make_unique<CmxCodec>(server->setup_.protocol), peer) {}
 
   UniqueFd fd;  // outlives the link that uses it
@@ -60,14 +61,14 @@ bool DeviceServer::Start(std::string* error) {
     return false;
   }
   try {
-    if (setup_.tcp_port) {
-      if (!listener_.Open(*setup_.tcp_port) && !(setup_.other_port_will_do && listener_.Open(0))) {
-        *error = listener_.error();
-        return false;
-      }
+    if (setup_.tcp_port && !OpenTcp(error)) {
+      return false;
     }
     if (setup_.serial != ServerSetup::Serial::kNone) {
       OpenSerial();
+    }
+    if (tls_) {
+      log_->Write("TLS certificate " + ShownCertificate(tls_));
     }
     if (setup_.tcp_port) {
       log_->Write("listening on 127.0.0.1:" + std::to_string(listener_.port()));
@@ -88,6 +89,23 @@ bool DeviceServer::Start(std::string* error) {
   return true;
 }
 
+bool DeviceServer::OpenTcp(std::string* error) {
+  if (setup_.tls) {
+    tls_ = MakeTlsServer(*setup_.tls, error);
+    if (!tls_) {
+      return false;
+    }
+    if (const auto warning = kavel::lidar::KeyFileWarning(setup_.tls->key); !warning.empty()) {
+      log_->Write(warning);
+    }
+  }
+  if (!listener_.Open(*setup_.tcp_port) && !(setup_.other_port_will_do && listener_.Open(0))) {
+    *error = listener_.error();
+    return false;
+  }
+  return true;
+}
+
 std::vector<std::string> DeviceServer::SerialPortNames() const {
   std::vector<std::string> names;
   for (const auto* line : {line_.get(), answer_line_.get()}) {
@@ -103,6 +121,13 @@ void DeviceServer::Dump() {
   if (!setup_.dump_file.empty() && !WriteDump(*device_, setup_.dump_file, &error)) {
     log_->Write(error);
   }
+}
+
+std::unique_ptr<ByteStream> DeviceServer::StreamOver(int socket) const {
+  if (tls_) {
+    return std::make_unique<TlsStream>(tls_, socket);
+  }
+  return std::make_unique<PlainStream>(socket, socket);
 }
 
 void DeviceServer::OnClient(UniqueFd socket, const std::string& peer) {
@@ -138,8 +163,9 @@ void DeviceServer::OpenSerial() {
     log_->Write("serial port " + line_->name());
   }
   LinkHost* const host = this;
-  serial_link_ = std::make_unique<Link>(loop_, host, request_fd, answer_fd,
-                                        std::make_unique<SerialCodec>(), line_->name());
+  serial_link_ =
+      std::make_unique<Link>(loop_, host, std::make_unique<PlainStream>(request_fd, answer_fd),
+                             std::make_unique<SerialCodec>(), line_->name());
 }
 
 int DeviceServer::DeviceEnd(const PseudoTerminal& line, std::unique_ptr<SlowLine>* slow) {
@@ -224,6 +250,9 @@ void DeviceServer::LogRequest(const Link& link, const DeviceRequest& request,
 }
 
 void DeviceServer::OnHangUp(Link& link) {
+  if (const std::string failure = link.stream().Failure(); !failure.empty()) {
+    log_->Write("dropped " + link.name() + ": " + failure);
+  }
   // The link is still in use further up the stack.
   loop_->After({}, [this, gone = &link] {
     if (gone == serial_link_.get()) {

@@ -16,6 +16,7 @@
 #include "server/pseudo_terminal.h"
 #include "server/slow_line.h"
 #include "server/tcp_listener.h"
+#include "server/tls_stream.h"
 
 /// Where a virtual lidar can be reached.
 struct ServerSetup {
@@ -24,8 +25,11 @@ struct ServerSetup {
   std::optional<uint16_t> tcp_port;  ///< on 127.0.0.1; 0 lets the system pick
   bool other_port_will_do = false;   ///< should that one be in use
   int protocol = 1;                  ///< version of the CMX frames over TCP: 1 or 2
-  Serial serial = Serial::kNone;     ///< kPair: requests by one port, answers by the other
-  LineSpeed line_speed;              ///< of the serial lines
+  /// Speak TLS over TCP, with this certificate and key, to clients that show a certificate by the
+  /// CA, if there is one.
+  std::optional<kavel::lidar::TlsIdentity> tls;
+  Serial serial = Serial::kNone;  ///< kPair: requests by one port, answers by the other
+  LineSpeed line_speed;           ///< of the serial lines
   std::optional<PointCloudTarget> point_cloud;
   uint32_t uart_points_per_second = 0;  ///< packets on the answering port of a pair; 0: none
   std::chrono::milliseconds restart_time{300};  ///< how long a restart keeps the device away
@@ -41,8 +45,8 @@ class DeviceServer : private LinkHost {
   ~DeviceServer() override;
 
   /// Writes the first dump, opens what the setup asks for, and logs one line for each: "serial port
-  /// NAME" ("serial port 485 NAME" and "serial port 232 NAME" for a pair), then "listening on
-  /// 127.0.0.1:PORT".
+  /// NAME" ("serial port 485 NAME" and "serial port 232 NAME" for a pair), "TLS certificate NAME,
+  /// SHA-256 FINGERPRINT", then "listening on 127.0.0.1:PORT".
   /// Returns false with a sentence in *error when something cannot be had.
   bool Start(std::string* error);
 
@@ -63,6 +67,8 @@ class DeviceServer : private LinkHost {
   void OnHangUp(Link& link) override;
   void OnRestartDue() override;
 
+  bool OpenTcp(std::string* error);
+  std::unique_ptr<ByteStream> StreamOver(int socket) const;
   void OnClient(UniqueFd socket, const std::string& peer);
   void SendOnUart(const std::vector<uint8_t>& packet);
   void OpenSerial();
@@ -81,6 +87,7 @@ class DeviceServer : private LinkHost {
   const LineLog* log_;
   ServerSetup setup_;
 
+  kavel::lidar::TlsContext tls_;  ///< none: plain TCP
   TcpListener listener_;
   std::vector<std::unique_ptr<Client>> clients_;
   std::unique_ptr<PseudoTerminal> line_;  ///< requests, and answers when it is alone

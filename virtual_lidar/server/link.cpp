@@ -1,8 +1,6 @@
 #include "server/link.h"
 
 #include <poll.h>
-#include <sys/socket.h>
-#include <unistd.h>
 
 #include <algorithm>
 #include <array>
@@ -20,12 +18,6 @@ uint32_t NextClient() {
   return ++last;
 }
 
-// A client that has gone must not end the process with a signal.
-ssize_t WriteSome(int fd, const uint8_t* data, size_t size) {
-  const ssize_t sent = send(fd, data, size, MSG_NOSIGNAL);
-  return sent < 0 && errno == ENOTSOCK ? write(fd, data, size) : sent;
-}
-
 // An answer that never leaves has to wait its turn as well.
 size_t BytesOf(const ReplyPlan& plan) {
   size_t bytes = sizeof plan;
@@ -37,12 +29,11 @@ size_t BytesOf(const ReplyPlan& plan) {
 
 }  // namespace
 
-Link::Link(EventLoop* loop, LinkHost* host, int in_fd, int out_fd, std::unique_ptr<WireCodec> codec,
-           std::string name)
+Link::Link(EventLoop* loop, LinkHost* host, std::unique_ptr<ByteStream> stream,
+           std::unique_ptr<WireCodec> codec, std::string name)
     : loop_(loop),
       host_(host),
-      in_fd_(in_fd),
-      out_fd_(out_fd),
+      stream_(std::move(stream)),
       codec_(std::move(codec)),
       name_(std::move(name)),
       client_(NextClient()) {
@@ -51,8 +42,8 @@ Link::Link(EventLoop* loop, LinkHost* host, int in_fd, int out_fd, std::unique_p
 
 Link::~Link() {
   loop_->Cancel(timer_);
-  loop_->Unwatch(in_fd_);
-  loop_->Unwatch(out_fd_);
+  loop_->Unwatch(stream_->in_fd());
+  loop_->Unwatch(stream_->out_fd());
 }
 
 void Link::Reset(std::unique_ptr<WireCodec> codec) {
@@ -73,25 +64,27 @@ void Link::UpdateWatches() {
     return;
   }
   const short in = waiting_bytes_ < kMaxWaitingBytes ? POLLIN : 0;
-  const short out = out_blocked_ ? POLLOUT : 0;
+  const short out = out_blocked_ || (in != 0 && stream_->ReadsNeedRoom()) ? POLLOUT : 0;
   const auto handler = [this](int fd) {
     return [this, fd](short events) { OnEvents(fd, events); };
   };
-  if (in_fd_ == out_fd_) {
-    loop_->Watch(in_fd_, static_cast<short>(in | out), handler(in_fd_));
+  if (stream_->in_fd() == stream_->out_fd()) {
+    loop_->Watch(stream_->in_fd(), static_cast<short>(in | out), handler(stream_->in_fd()));
   } else {
-    loop_->Watch(in_fd_, in, handler(in_fd_));
-    loop_->Watch(out_fd_, out, handler(out_fd_));
+    loop_->Watch(stream_->in_fd(), in, handler(stream_->in_fd()));
+    loop_->Watch(stream_->out_fd(), out, handler(stream_->out_fd()));
   }
 }
 
 void Link::OnEvents(int fd, short events) {
-  if ((events & POLLOUT) != 0 && fd == out_fd_) {
+  const bool has_room = (events & POLLOUT) != 0 && fd == stream_->out_fd();
+  if (has_room) {
     out_blocked_ = false;
     SendWaiting();
   }
   // A hang-up is told apart from data by reading.
-  if (!dead_ && fd == in_fd_ && (events & (POLLIN | POLLHUP | POLLERR)) != 0) {
+  const bool may_read = fd == stream_->in_fd() && (events & (POLLIN | POLLHUP | POLLERR)) != 0;
+  if (!dead_ && (may_read || (has_room && stream_->ReadsNeedRoom()))) {
     ReadRequests();
   }
   UpdateWatches();
@@ -99,7 +92,7 @@ void Link::OnEvents(int fd, short events) {
 
 void Link::ReadRequests() {
   std::array<uint8_t, 16384> buffer;
-  const ssize_t got = read(in_fd_, buffer.data(), buffer.size());
+  const ssize_t got = stream_->Read(buffer.data(), buffer.size());
   if (got < 0 && (errno == EAGAIN || errno == EINTR)) {
     return;
   }
@@ -121,7 +114,7 @@ void Link::ReadRequests() {
 void Link::Enqueue(Answer answer) {
   if (const auto& echo = answer.plan.echo; !echo.empty()) {
     // What the line cannot carry now is lost.
-    [[maybe_unused]] const ssize_t sent = WriteSome(in_fd_, echo.data(), echo.size());
+    [[maybe_unused]] const ssize_t sent = stream_->WriteBack(echo.data(), echo.size());
   }
   waiting_bytes_ += BytesOf(answer.plan);
   answers_.push_back(std::move(answer));
@@ -181,8 +174,7 @@ void Link::SendWaiting() {
 
 bool Link::Write(const std::vector<uint8_t>& bytes, size_t* sent_of_them) {
   while (*sent_of_them < bytes.size()) {
-    const ssize_t sent =
-        WriteSome(out_fd_, bytes.data() + *sent_of_them, bytes.size() - *sent_of_them);
+    const ssize_t sent = stream_->Write(bytes.data() + *sent_of_them, bytes.size() - *sent_of_them);
     if (sent > 0) {
       *sent_of_them += static_cast<size_t>(sent);
     } else if (sent < 0 && errno == EINTR) {
@@ -234,8 +226,8 @@ void Link::HangUp() {
   dead_ = true;
   loop_->Cancel(timer_);
   timer_ = 0;
-  loop_->Unwatch(in_fd_);
-  loop_->Unwatch(out_fd_);
+  loop_->Unwatch(stream_->in_fd());
+  loop_->Unwatch(stream_->out_fd());
   bool restart = false;
   for (const Answer& answer : answers_) {
     restart = restart || answer.plan.ending == ReplyPlan::Ending::kRestart;

@@ -9,6 +9,7 @@
 
 #include "device/auth_guard.h"
 #include "faults/reply_plan.h"
+#include "server/byte_stream.h"
 #include "server/event_loop.h"
 #include "wire/wire_codec.h"
 
@@ -29,18 +30,18 @@ class LinkHost {
   virtual void OnRestartDue() = 0;
 };
 
-/// One client's connection: requests in by one descriptor, answers out by the same or another.
+/// One client's connection: requests in and answers out over a stream of bytes.
 /// Answers leave in the order of the requests. A client that sends without reading its answers is
 /// not read from once 256 KiB are waiting for it.
 class Link {
  public:
-  /// The descriptors are non-blocking and stay the caller's; they must outlive the link.
-  Link(EventLoop* loop, LinkHost* host, int in_fd, int out_fd, std::unique_ptr<WireCodec> codec,
-       std::string name);
+  Link(EventLoop* loop, LinkHost* host, std::unique_ptr<ByteStream> stream,
+       std::unique_ptr<WireCodec> codec, std::string name);
   ~Link();
   Link(const Link&) = delete;
   Link& operator=(const Link&) = delete;
 
+  const ByteStream& stream() const { return *stream_; }
   const WireCodec& codec() const { return *codec_; }
   /// For the log: where the client is.
   const std::string& name() const { return name_; }
@@ -74,8 +75,7 @@ class Link {
 
   EventLoop* loop_;
   LinkHost* host_;
-  int in_fd_;
-  int out_fd_;
+  std::unique_ptr<ByteStream> stream_;
   std::unique_ptr<WireCodec> codec_;
   std::string name_;
   AuthSession auth_;
