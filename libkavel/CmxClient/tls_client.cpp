@@ -56,6 +56,7 @@ bool TlsClient::OpenWithin(uint16_t host_port, uint32_t timeout_s) {
 // "" when the transport is open.
 std::string TlsClient::OpenWith(TlsPeerCheck* check, uint16_t host_port, uint32_t timeout_s) {
   const auto deadline = TlsSession::Clock::now() + std::chrono::seconds(timeout_s);
+  may_try_again_ = false;
   std::string failure;
   TlsContext context = MakeTlsContext(identity_, &failure);
   if (!context) {
@@ -71,6 +72,7 @@ std::string TlsClient::OpenWith(TlsPeerCheck* check, uint16_t host_port, uint32_
   request.host_port = host_port;
   request.timeout_us = int64_t{timeout_s} * 1000000;
   UniqueSocket socket = TryConnect(request, &interrupted(), &failure);
+  may_try_again_ = !socket;
   if (!socket) {
     return failure;
   }

@@ -40,6 +40,9 @@ class TlsClient : public StreamTransport {
   /// did not get so far. Any thread.
   std::optional<TlsCertificate> Certificate() const;
 
+  /// False once the lidar was reached, or when a file is of no use.
+  bool MayTryAgain() override { return may_try_again_; }
+
   void Close() override;
 
  protected:
@@ -58,6 +61,7 @@ class TlsClient : public StreamTransport {
 
   TlsIdentity identity_;
   TlsSession tls_;
+  bool may_try_again_ = true;  ///< after the last open
   mutable std::mutex outcome_mutex_;
   std::string open_failure_;                   // guarded by outcome_mutex_
   std::optional<TlsCertificate> certificate_;  // guarded by outcome_mutex_

@@ -71,11 +71,15 @@ Screen::Screen(const QString& model) : manager_(true, PrepareScene()) {
     throw std::runtime_error("the scene did not become active");
   }
   if (model != QLatin1String("Orca")) {
-    QMetaObject::invokeMethod(view_.rootObject(), "choose",
-                              Q_ARG(QVariant, QVariantMap({{"model", model}})));
+    Choose(model);
     // A picture is only taken of a scene whose items have found their places.
     view_.grabWindow();
   }
+}
+
+void Screen::Choose(const QString& model) {
+  QMetaObject::invokeMethod(view_.rootObject(), "choose",
+                            Q_ARG(QVariant, QVariantMap({{"model", model}})));
 }
 
 QQuickItem* Screen::Find(const QString& name) const { return FindBelow(view_.contentItem(), name); }

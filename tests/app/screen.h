@@ -18,6 +18,9 @@ class Screen {
   /// Opens the scene with the model `model` chosen, and waits until it is painted and active.
   explicit Screen(const QString& model = QStringLiteral("Orca"));
 
+  /// Chooses a model, as the window does once nothing speaks against it.
+  void Choose(const QString& model);
+
   /// The visible item with this object name, in the scene or in an open box; null without one.
   QQuickItem* Find(const QString& name) const;
   /// An object of the scene that is no visible item: a timer, a list of lines.

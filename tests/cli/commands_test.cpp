@@ -4,9 +4,11 @@
 
 #include <QDir>
 #include <QFile>
+#include <QRegularExpression>
 #include <QTemporaryDir>
 
 #include "cli/commands_fixture.h"
+#include "libkavel/openssl_server.h"
 
 namespace {
 
@@ -166,6 +168,49 @@ TEST_F(Commands, RestartResetAndSaveFiles) {
     ASSERT_EQ(files.size(), count) << Words(download);
     EXPECT_EQ(QFile(files.first().toString()).size(), 5000);
   }
+}
+
+TEST_F(Commands, AcceptOneCertificateOfAnEncryptedLink) {
+  const kavel::lidar::testing::Certificates certificates;
+  const auto identity = [&](const std::string& name) {
+    return QStringList{"--tls", QString::fromStdString(certificates.Cert(name)),
+                       QString::fromStdString(certificates.Key(name))};
+  };
+  install_.Write("Config/site/feature_config.csv",
+                 "Model,EnableCmxClientHostPortUi,Link\nOrca,0,tls\n");
+  const VirtualLidarProcess lidar(identity("lidar"));
+  const QStringList info = QStringList{"--json", "--timeout", "60", "info"} + At(lidar);
+  Tevronctl stranger(info);
+  EXPECT_EQ(stranger.Code(), 3) << "at once, since no later try would end otherwise";
+  const QString sha256 = stranger.Json()["certificate"].toObject()["sha256"].toString();
+  EXPECT_TRUE(stranger.Error()["message"].toString().contains("give --tls-pin " + sha256))
+      << Words(stranger);
+
+  const QString shown = sha256.toUpper().replace(QRegularExpression("(..)(?=.)"), "\\1:");
+  Tevronctl accepted(info + QStringList{"--tls-pin", shown});
+  EXPECT_EQ(accepted.Code(), 0) << Words(accepted);
+  const QJsonObject certificate = accepted.Json()["certificate"].toObject();
+  EXPECT_EQ(certificate["sha256"], sha256);
+  EXPECT_EQ(certificate["trusted_by"], "fingerprint");
+  Tevronctl restart(QStringList{"restart", "--tls-pin", sha256} + At(lidar));
+  EXPECT_EQ(restart.Code(), 0) << Words(restart);
+  Tevronctl again(info);
+  EXPECT_EQ(again.Code(), 3) << "nothing is remembered";
+
+  const std::pair<QString, int> wrong[] = {{QString(64, 'a'), 3}, {"ab:cd", 2}, {"", 2}};
+  for (const auto& [pin, code] : wrong) {
+    Tevronctl refused(QStringList{"info", "--tls-pin", pin} + At(lidar));
+    EXPECT_EQ(refused.Code(), code) << Words(refused);
+  }
+
+  const VirtualLidarProcess issued(identity("good"));
+  std::filesystem::create_directories("Config/site/tls/Orca");
+  std::filesystem::copy(certificates.Cert("ca"), "Config/site/tls/Orca/ca.pem");
+  Tevronctl vouched(QStringList{"--json", "info"} + At(issued));
+  EXPECT_EQ(vouched.Code(), 0) << Words(vouched);
+  EXPECT_EQ(vouched.Json()["certificate"].toObject()["trusted_by"], "authority");
+  Tevronctl forged(QStringList{"info"} + At(lidar));
+  EXPECT_EQ(forged.Code(), 3) << Words(forged);
 }
 
 TEST_F(Commands, WorkOverSerialLinesAsFarAsTheyGo) {

@@ -15,6 +15,7 @@
 #include <vector>
 
 #include "CmxClient/file_transfer.h"
+#include "libkavel/scripted_transport.h"
 #include "support/log_lines.h"
 #include "support/socket_peer.h"
 #include "support/wait_for.h"
@@ -64,6 +65,26 @@ TEST(CmxClientConnect, KeepsTryingUntilTheLidarIsThere) {
   holder.reset();
   EXPECT_TRUE(client->WaitUntilConnected());
   EXPECT_EQ(client->ConnectFailure(), "");
+}
+
+TEST(CmxClientConnect, EndsWhereTheTransportSaysThatNoFurtherAttemptHelps) {
+  struct Transport : ScriptedTransport {
+    bool TryOpen(uint16_t, const std::string&, uint16_t, bool, const char*, const char*,
+                 const char*, uint32_t timeout_s) override {
+      limits.push_back(timeout_s);
+      return false;
+    }
+    bool IsOpened() override { return false; }
+    bool MayTryAgain() override { return limits.size() < 3; }
+    std::vector<uint32_t> limits;
+  };
+  const auto transport = std::make_shared<Transport>();
+  CmxClient::Target target;
+  target.lidar_ip = "127.0.0.1";
+  target.attempt_limit_s = 4;
+  CmxClient client(transport, target, 1, 500, 500);
+  EXPECT_FALSE(client.WaitUntilConnected());
+  EXPECT_EQ(transport->limits, (std::vector<uint32_t>{4, 4, 4}));
 }
 
 TEST(CmxClientConnect, GivesUpWhenItsTimeIsOver) {
