@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <cstdio>
 #include <exception>
+#include <functional>
 #include <iostream>
 #include <memory>
 #include <stdexcept>
@@ -47,19 +48,47 @@ void OutliveTheReader() {
 }
 
 // Signals arrive as events of the loop, so that none interrupts anything half done.
-int OpenSignals() {
+int OpenSignals(const Options& options) {
   sigset_t signals;
   sigemptyset(&signals);
   for (const int signal : {SIGTERM, SIGINT, SIGUSR1}) {
     sigaddset(&signals, signal);
   }
+  // Without a file to read again it means what it always does: the terminal is gone.
+  if (!options.fault_file.empty()) {
+    sigaddset(&signals, SIGHUP);
+  }
   sigprocmask(SIG_BLOCK, &signals, nullptr);
   return signalfd(-1, &signals, SFD_NONBLOCK | SFD_CLOEXEC);
 }
 
-void OnSignal(int fd, EventLoop* loop, DeviceServer* server) {
+/// The faults of the command line and, behind them, those of the file. False with a sentence in
+/// *error, and *faults as they were, when the file cannot be read.
+bool GatherFaults(const Options& options, FaultBox* faults, std::string* error) {
+  std::vector<FaultOrder> of_file;
+  if (!options.fault_file.empty() && !LoadFaultOrders(options.fault_file, &of_file, error)) {
+    return false;
+  }
+  std::vector<FaultOrder> all = options.faults;
+  all.insert(all.end(), of_file.begin(), of_file.end());
+  *faults = FaultBox(std::move(all));
+  return true;
+}
+
+void ReadFaultsAgain(const Options& options, FaultBox* faults, const LineLog& log) {
+  std::string error;
+  log.Write(GatherFaults(options, faults, &error) ? "read the faults in " + options.fault_file
+                                                  : error + "; the faults before stay in force");
+}
+
+void OnSignal(int fd, EventLoop* loop, DeviceServer* server,
+              const std::function<void()>& on_hang_up) {
   signalfd_siginfo info = {};
   while (read(fd, &info, sizeof info) == static_cast<ssize_t>(sizeof info)) {
+    if (info.ssi_signo == SIGHUP) {
+      on_hang_up();
+      continue;
+    }
     server->Dump();
     if (info.ssi_signo != SIGUSR1) {
       loop->Stop();
@@ -180,10 +209,15 @@ int Serve(const Options& options, int signals) {
   for (const TableFault& fault : table_faults) {
     log.Write(fault.text);
   }
-  FaultBox faults(options.faults);
+  FaultBox faults;
+  if (!GatherFaults(options, &faults, &error)) {
+    return Complain(error);
+  }
   EventLoop loop;
   DeviceServer server(&loop, &device, &faults, &log, options.server);
-  loop.Watch(signals, POLLIN, [&](short) { OnSignal(signals, &loop, &server); });
+  loop.Watch(signals, POLLIN, [&](short) {
+    OnSignal(signals, &loop, &server, [&] { ReadFaultsAgain(options, &faults, log); });
+  });
   if (!server.Start(&error)) {
     return Complain(error);
   }
@@ -210,7 +244,7 @@ int main(int argc, char** argv) {
       return MakeTlsFiles(options->tls_folder);
     }
     OutliveTheReader();
-    const int signals = OpenSignals();
+    const int signals = OpenSignals(*options);
     return Serve(*options, signals);
   } catch (const AuthConfigError& error) {
     return Complain(error.text());

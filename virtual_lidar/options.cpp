@@ -30,7 +30,9 @@ std::string FaultHelp() {
           "  virtual_lidar --hardware B2 --seed 7           measures, and the same on every run\n"
           "  virtual_lidar --check-tables Heron             what is wrong with the tables of it\n"
           "  virtual_lidar --model Orca --make-firmware 2.8.0 orca.patch\n\n"
-          "Signals: SIGUSR1 writes the dump file anew; SIGTERM and SIGINT end at once.";
+          "Signals: SIGUSR1 writes the dump file anew; SIGHUP reads the fault file again, where "
+          "there is\n"
+          "one; SIGTERM and SIGINT end at once.";
   return text.str();
 }
 
@@ -140,6 +142,9 @@ void DeclareHowToBehave(CLI::App* app, CommandLine* line, Options* options) {
       ->type_name("FAULT")
       ->allow_extra_args(false)
       ->check(CLI::Validator(CheckFault, ""));
+  app->add_option("--fault-file", options->fault_file,
+                  "More faults, one a line; read at the start and again on SIGHUP")
+      ->type_name("FILE");
   app->add_option("--check-tables", options->checked_model,
                   "Check the tables of every model, or of this one (also that of --model), list "
                   "what is wrong, and end (1: there are faults)")

@@ -20,6 +20,7 @@ struct Options {
   uint32_t seed = 1;     ///< of what the device measures of itself; 0: it stands still
   bool auth_required = true;
   std::vector<FaultOrder> faults;
+  std::string fault_file;  ///< of more of them, read again on SIGHUP; empty: none
   std::vector<std::pair<std::string, std::string>> presets;  ///< variable and text
   ServerSetup server;
   bool check_tables = false;

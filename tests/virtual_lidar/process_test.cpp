@@ -4,8 +4,10 @@
 #include <signal.h>
 
 #include <QFile>
+#include <QTcpSocket>
 #include <QTemporaryDir>
 #include <string>
+#include <tuple>
 
 #include "support/child_process.h"
 #include "support/table_fixture.h"
@@ -38,6 +40,39 @@ TEST(Process, DumpsOnOneSignalAndEndsOnTwoOthers) {
   }
 }
 
+TEST(Process, ReadsItsFaultsAgainAndKeepsThoseBeforeWhenItCannot) {
+  const TestFolder folder;
+  const std::string path = folder.Write("faults", "# none yet\n\n");
+  Program program({"--port", "0", "--model", "Orca", "--fault-file", path.c_str()});
+  ASSERT_TRUE(program.Prints("listening on 127.0.0.1:")) << program.Output().toStdString();
+  const auto port = program.Output().section("127.0.0.1:", 1).section('\n', 0, 0).toUShort();
+  QTcpSocket client;
+  client.connectToHost("127.0.0.1", port);
+  ASSERT_TRUE(client.waitForConnected(kPatienceMs));
+  const std::tuple<const char*, const char*, const char*> cases[] = {
+      {"return-code=9\r\n", "read the faults in ", "return code 9, 0 bytes [fault: return-code]"},
+      {"drop\ndorp\n", "faults, line 2: there is no fault named \"dorp\"; the faults before stay",
+       "return code 9, 0 bytes [fault: return-code]"},
+      {"", "read the faults in ", "return code 0"}};
+  const auto prints = [&program](const QString& text, int times) {
+    while (program.Output().count(text) < times && program.PrintsMore()) {
+    }
+    return program.Output().count(text) >= times;
+  };
+  int requests = 0;
+  for (const auto& [faults, told, outcome] : cases) {
+    folder.Write("faults", faults);
+    const int before = program.Output().count(told);
+    program.Signal(SIGHUP);
+    ASSERT_TRUE(prints(told, before + 1)) << program.Output().toStdString();
+    client.write(QByteArray::fromHex("4774070000000000"));
+    ASSERT_TRUE(client.waitForBytesWritten(kPatienceMs));
+    ASSERT_TRUE(prints("request 0x07", ++requests)) << program.Output().toStdString();
+    EXPECT_TRUE(program.Output().section("request 0x07", -1).contains(outcome))
+        << program.Output().toStdString();
+  }
+}
+
 TEST(Process, OutlivesTheReaderOfItsLog) {
   QTemporaryDir folder;
   QProcess lidar;
@@ -56,6 +91,7 @@ TEST(Process, OutlivesTheReaderOfItsLog) {
 TEST(Process, RefusesACommandLineThatMakesNoSense) {
   const std::pair<QStringList, const char*> cases[] = {
       {{"--fault", "dorp"}, "there is no fault named \"dorp\""},
+      {{"--fault-file", "/nonexistent"}, "cannot read the faults in /nonexistent"},
       {{"--set", "Speed"}, "NAME=VALUE"},
       {{"--set", "Nobody=1"}, "no variable \"Nobody\""},
       {{"--model", "Nowhere"}, "\"Nowhere\"; there are Kiva-CMX, Lumo, Lumo-CMX, Orca, Osprey"},

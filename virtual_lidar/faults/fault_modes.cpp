@@ -1,7 +1,9 @@
 #include "faults/fault_modes.h"
 
 #include <algorithm>
+#include <fstream>
 #include <iterator>
+#include <sstream>
 #include <utility>
 
 #include "variables/number_text.h"
@@ -165,6 +167,36 @@ bool ParseFaultOrder(const std::string& text, FaultOrder* order, std::string* er
       return Fail(error, "\"#" + *times + "\" is not a number of times from 1 up");
     }
   }
+  return true;
+}
+
+bool LoadFaultOrders(const std::string& path, std::vector<FaultOrder>* orders, std::string* error) {
+  constexpr size_t kMostBytes = size_t{64} * 1024;
+  std::ifstream file(path, std::ios::binary);
+  std::string text(kMostBytes + 1, '\0');
+  file.read(text.data(), static_cast<std::streamsize>(text.size()));
+  text.resize(static_cast<size_t>(file.gcount()));
+  if (!file.is_open() || file.bad()) {
+    return Fail(error, "cannot read the faults in " + path);
+  }
+  if (text.size() > kMostBytes) {
+    return Fail(error, path + " is longer than 64 KiB");
+  }
+  std::vector<FaultOrder> read;
+  std::istringstream lines(text);
+  size_t number = 0;
+  for (std::string line; std::getline(lines, line);) {
+    ++number;
+    if (!line.empty() && line.back() == '\r') {
+      line.pop_back();
+    }
+    std::string reason;
+    if (!line.empty() && line.front() != '#' &&
+        !ParseFaultOrder(line, &read.emplace_back(), &reason)) {
+      return Fail(error, path + ", line " + std::to_string(number) + ": " + reason);
+    }
+  }
+  *orders = std::move(read);
   return true;
 }
 

@@ -64,6 +64,12 @@ struct FaultOrder {
 ///         all requests; *order is then unspecified.
 bool ParseFaultOrder(const std::string& text, FaultOrder* order, std::string* error);
 
+/// Reads the orders of a file of at most 64 KiB, one a line; blank lines and those that begin with
+/// "#" count for nothing.
+/// Returns false with a sentence in *error that names the file, and the line of an order that
+///         cannot be read; *orders is then as it was.
+bool LoadFaultOrders(const std::string& path, std::vector<FaultOrder>* orders, std::string* error);
+
 /// The faults in force, and which of them struck. Used on one thread.
 class FaultBox {
  public:
