@@ -3,6 +3,7 @@
 #include <signal.h>
 
 #include <QProcess>
+#include <QRegularExpression>
 #include <QString>
 #include <QStringList>
 
@@ -27,13 +28,21 @@ class ChildProcess {
     output_ += QString::fromLocal8Bit(process_.readAll());
     return output_;
   }
+  /// Lets go of what it printed so far but for the lines that match: of a program that runs for
+  /// hours.
+  void Forget(const QRegularExpression& but_for) {
+    output_ = Output().split('\n').filter(but_for).join('\n') + '\n';
+  }
   /// Waits until it has printed `text`.
   bool Prints(const QString& text) {
-    while (!Output().contains(text) && process_.waitForReadyRead(kPatienceMs)) {
+    while (!Output().contains(text) && PrintsMore()) {
     }
     return Output().contains(text);
   }
+  /// Waits until it has printed anything more; false when it does not.
+  bool PrintsMore() { return process_.waitForReadyRead(kPatienceMs); }
 
+  qint64 id() const { return process_.processId(); }
   bool Runs() const { return process_.state() != QProcess::NotRunning; }
   void Signal(int number) {
     if (Runs()) {

@@ -19,10 +19,12 @@ QString LastMatch(const QString& pattern, const QString& text) {
 }  // namespace
 
 VirtualLidarProcess::VirtualLidarProcess(const QStringList& arguments, quint16 port) {
+  WriteFaults({});
   QStringList all = arguments;
   all << "--config"
       << "./Config"
-      << "--dump" << folder_.filePath("state.json") << "--port" << QString::number(port);
+      << "--dump" << folder_.filePath("state.json") << "--fault-file" << folder_.filePath("faults")
+      << "--port" << QString::number(port);
   process_.Start(QStringLiteral(TEVRON_VIRTUAL_LIDAR), all);
   // Its last line before the first request.
   const bool ready = process_.Prints("listening on ");
@@ -30,6 +32,25 @@ VirtualLidarProcess::VirtualLidarProcess(const QStringList& arguments, quint16 p
     throw std::runtime_error("the virtual lidar is not ready: " + Output().toStdString());
   }
   port_ = LastMatch("^listening on 127\\.0\\.0\\.1:(\\d+)$", Output()).toUShort();
+}
+
+void VirtualLidarProcess::WriteFaults(const QStringList& faults) {
+  QFile file(folder_.filePath("faults"));
+  if (!file.open(QIODevice::WriteOnly) || file.write(faults.join('\n').toUtf8()) < 0) {
+    throw std::runtime_error("cannot write the virtual lidar's faults");
+  }
+}
+
+void VirtualLidarProcess::SetFaults(const QStringList& faults) {
+  WriteFaults(faults);
+  const QString taken = "read the faults in ";
+  const int before = Output().count(taken);
+  process_.Signal(SIGHUP);
+  while (Output().count(taken) == before) {
+    if (!process_.PrintsMore()) {
+      throw std::runtime_error("the virtual lidar takes no faults: " + Output().toStdString());
+    }
+  }
 }
 
 void VirtualLidarProcess::MakeFirmware(const QString& model, const QString& version,
