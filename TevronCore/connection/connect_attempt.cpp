@@ -207,8 +207,8 @@ std::shared_ptr<Connection> ConnectAttempt::Join(const ClientPtr& client, const 
   const auto sender = std::make_shared<AuthorizedCmxClient>(
       client, config, reply_prefix, request_.auth_log, std::move(algorithm));
   auto connection = std::make_shared<Connection>(client, sender, serial);
-  connection->SetByteSink(
-      std::make_shared<ByteFlowSink>(request_.byte_flow, SecretCommands(*request_.model->table)));
+  connection->SetByteSink(std::make_shared<ByteFlowSink>(
+      request_.byte_flow, SecretCommands(*request_.model->table, config)));
   sender->Probe();
   return connection;
 }

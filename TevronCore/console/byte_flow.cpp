@@ -32,7 +32,7 @@ void ByteFlow::ShowCommand(const std::string& line) {
 
 void ByteFlow::ShowAnswer(const std::string& line) { report_.LogLine(line, LogType::kByteFlow); }
 
-std::vector<WireCommand> SecretCommands(const ConfigParser& table) {
+std::vector<WireCommand> SecretCommands(const ConfigParser& table, const AuthConfig& auth) {
   const std::vector<uint8_t> none;
   std::vector<WireCommand> secrets;
   for (const VarInfo* var : table.InTableOrder()) {
@@ -40,6 +40,9 @@ std::vector<WireCommand> SecretCommands(const ConfigParser& table) {
       Add(var->get_cmd, var->read == nullptr ? none : var->read->fixed_payload, &secrets);
       Add(var->set_cmd, none, &secrets);
     }
+  }
+  if (auth.enabled) {
+    secrets.push_back({static_cast<uint8_t>(auth.response_cmd), {}});
   }
   return secrets;
 }

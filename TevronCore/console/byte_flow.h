@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "CmxClient/byte_sink.h"
+#include "auth/auth_config.h"
 #include "session/user_report.h"
 #include "variables/command_code.h"
 #include "variables/config_parser.h"
@@ -34,8 +35,9 @@ class ByteFlow {
 };
 
 /// How the requests begin that carry a secret there or back: those that read or write "Shared
-/// Secret Key".
-std::vector<WireCommand> SecretCommands(const ConfigParser& table);
+/// Secret Key", and the response of the handshake, which together with its challenge tells a mask
+/// word to whoever reads both.
+std::vector<WireCommand> SecretCommands(const ConfigParser& table, const AuthConfig& auth);
 
 /// Brings the bytes of one connection to the byte flow. Of a secret command and its answer only the
 /// lengths are shown; when that answer did not come in time, it may still do so instead of a later

@@ -1,38 +1,19 @@
 #include "support_bundle/support_bundle.h"
 
-#include <archive.h>
-#include <archive_entry.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
 #include <QCryptographicHash>
 #include <QDir>
 #include <QFileInfo>
-#include <array>
-#include <cctype>
-#include <map>
 
 #include "support/test_folder.h"
+#include "support/test_keys.h"
+#include "support/unzip.h"
 
 namespace {
 
-using Files = std::map<std::string, std::string>;
-
-Files Unzip(const std::string& path) {
-  Files files;
-  const std::unique_ptr<archive, decltype(&archive_read_free)> zip(archive_read_new(),
-                                                                   &archive_read_free);
-  archive_read_support_format_zip(zip.get());
-  EXPECT_EQ(archive_read_open_filename(zip.get(), path.c_str(), 4096), ARCHIVE_OK);
-  archive_entry* entry = nullptr;
-  while (archive_read_next_header(zip.get(), &entry) == ARCHIVE_OK) {
-    std::string& bytes = files[archive_entry_pathname(entry)];
-    bytes.resize(static_cast<size_t>(archive_entry_size(entry)));
-    EXPECT_EQ(archive_read_data(zip.get(), bytes.data(), bytes.size()),
-              static_cast<la_ssize_t>(bytes.size()));
-  }
-  return files;
-}
+using test_keys::kKeys;
 
 const BundleEntry& Named(const std::vector<BundleEntry>& entries, const std::string& name) {
   for (const BundleEntry& entry : entries) {
@@ -51,35 +32,14 @@ std::string Spaced(const std::string& digits, const std::string& between) {
   return text;
 }
 
-/// Digits alone, so that no way to write a key hides it.
-std::string Digits(const std::string& text) {
-  std::string digits;
-  for (const char c : text) {
-    if (std::isxdigit(static_cast<unsigned char>(c)) != 0) {
-      digits += static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
-    }
-  }
-  return digits;
-}
-
-// One of every kind, the two long ones not those that ship; the last begins with zeros.
-const std::array<std::pair<const char*, std::string>, 6> kKeys = {
-    {{"aes128_key", "5077c17599009e7ca701fee0564a0b77"},
-     {"aes256_key", "71c4af6160e8a519318faedfcad945ebdc154efabc534eb1b1e5a74bbf24cc3c"},
-     {"maskword_1", "61732651"},
-     {"maskword_2", "613cd1c0"},
-     {"mix_c1", "ea980b8e"},
-     {"mix_c2", "000b53f6"}}};
+// The last of the keys as a number is told.
+constexpr char kKeyWithZeros[] = "b53f6";
 
 class SupportBundleTest : public testing::Test {
  protected:
   SupportBundleTest() {
-    std::string keys = "[keys]\n";
-    for (const auto& [name, digits] : kKeys) {
-      keys += std::string(name) + '=' + digits + '\n';
-    }
-    folder_.Write("Config/auth_keys.ini", keys);
-    folder_.Write("Config/site/notes.txt", "mine is " + kKeys[0].second);
+    folder_.Write("Config/auth_keys.ini", test_keys::File());
+    folder_.Write("Config/site/notes.txt", std::string("mine is ") + kKeys[0].digits);
     folder_.Write("Config/varID/Orca.csv", "a table\n");
     // As the window names it: from the current folder.
     sources_.config = ConfigFolder(QDir().relativeFilePath(At("Config")).toStdString());
@@ -129,7 +89,8 @@ TEST_F(SupportBundleTest, HoldsWhatWasListed) {
 
 TEST_F(SupportBundleTest, TellsNoKeyAndNobodysName) {
   std::string log;
-  for (const auto& [name, digits] : kKeys) {
+  for (const auto& [name, key] : kKeys) {
+    const std::string digits = key;
     const std::string large = QString::fromStdString(digits).toUpper().toStdString();
     for (const std::string& spelt :
          {digits, "0x" + large, Spaced(digits, " "), "0x" + Spaced(large, ", 0x"),
@@ -146,11 +107,11 @@ TEST_F(SupportBundleTest, TellsNoKeyAndNobodysName) {
   sources_.last_fault = log;
   ASSERT_EQ(WriteBundle(At("a.zip"), ListBundle(sources_)), "");
   const Files files = Unzip(folder_.path() + "/a.zip");
+  SecretSearch search;
+  test_keys::AddTo(&search);
   for (const auto& [name, bytes] : files) {
-    for (const auto& [key, digits] : kKeys) {
-      EXPECT_EQ(Digits(bytes).find(digits.substr(digits.find_first_not_of('0'))), std::string::npos)
-          << key << " in " << name;
-    }
+    EXPECT_EQ(search.FoundIn(bytes), "") << name;
+    EXPECT_EQ(bytes.find(kKeyWithZeros), std::string::npos) << name;
     for (const char* secret : {"00112233445566778899aabbccddeeff", "bob", "/data", "NORTH"}) {
       EXPECT_EQ(bytes.find(secret), std::string::npos) << secret << " in " << name;
     }

@@ -4,14 +4,13 @@
 #include <gtest/gtest.h>
 
 #include <QDir>
-#include <QRegularExpression>
 #include <QSettings>
-#include <QStandardPaths>
 #include <QTemporaryDir>
 
 #include "support/child_process.h"
 #include "support/qt_wait_for.h"
 #include "support/virtual_lidar_process.h"
+#include "system/virtual_screen.h"
 
 // Last, because its macros take names like None and Bool away.
 #include <X11/Xlib.h>
@@ -35,23 +34,15 @@ void AskWindowToClose(const QString& display_name, unsigned long window) {
 class WindowTest : public testing::Test {
  protected:
   void SetUp() override {
-    for (const char* tool : {"Xvfb", "xdotool"}) {
-      if (QStandardPaths::findExecutable(tool).isEmpty()) {
-        GTEST_SKIP() << tool << " is not installed: the window is not tried on a screen";
-      }
+    if (const QString tool = VirtualScreen::MissingTool(); !tool.isEmpty()) {
+      GTEST_SKIP() << tool.toStdString()
+                   << " is not installed: the window is not tried on a screen";
     }
     // The virtual lidar finds the tables below the current directory.
     ASSERT_TRUE(QDir::setCurrent(TEVRON_TEST_ROOT));
-    StartScreen();
+    ASSERT_TRUE(screen_.Start());
     lidar_ = std::make_unique<VirtualLidarProcess>();
     StartProgram();
-  }
-
-  void StartScreen() {
-    screen_.Start("Xvfb", {"-displayfd", "1", "-screen", "0", "1400x900x24", "-nolisten", "tcp"});
-    const QRegularExpression number("^(\\d+)$", QRegularExpression::MultilineOption);
-    ASSERT_TRUE(WaitFor([&] { return number.match(screen_.Output()).hasMatch(); }));
-    environment_.insert("DISPLAY", ":" + number.match(screen_.Output()).captured(1));
   }
 
   void StartProgram() {
@@ -59,29 +50,15 @@ class WindowTest : public testing::Test {
     settings.setValue("device_ip_address", "127.0.0.1");
     settings.setValue("cmx_port", lidar_->port());
     settings.sync();
-    environment_.insert("HOME", home_.path());
-    environment_.insert("XDG_CONFIG_HOME", home_.filePath(".config"));
-    environment_.insert("QT_QPA_PLATFORM", "xcb");
-    environment_.insert("QT_QUICK_BACKEND", "software");
-    // The screen's plug-in is unloaded before a sanitizer looks for leaks, so that what it keeps
-    // cannot be told from ours; the other tests look for ours.
-    environment_.insert("ASAN_OPTIONS", "detect_leaks=0");
-    program_.SetEnvironment(environment_);
+    screen_.environment.insert("HOME", home_.path());
+    screen_.environment.insert("XDG_CONFIG_HOME", home_.filePath(".config"));
+    program_.SetEnvironment(screen_.environment);
     program_.Start(TEVRON_PROGRAM);
-    window_ = XDoTool({"search", "--sync", "--onlyvisible", "--name", "^Tevron$"})
-                  .trimmed()
-                  .section('\n', -1);
+    window_ = screen_.FindWindow();
     ASSERT_FALSE(window_.isEmpty()) << program_.Output().toStdString();
   }
 
-  QString XDoTool(const QStringList& arguments) const {
-    ChildProcess tool;
-    tool.SetEnvironment(environment_);
-    tool.Start("xdotool", arguments);
-    EXPECT_EQ(tool.ExitCode(), 0) << tool.Output().toStdString();
-    return tool.Output();
-  }
-
+  void XDoTool(const QStringList& arguments) const { screen_.XDoTool(arguments); }
   void Click(int from_left, int from_top) const {
     XDoTool({"mousemove", "--window", window_, QString::number(from_left),
              QString::number(from_top), "click", "1"});
@@ -110,10 +87,9 @@ class WindowTest : public testing::Test {
     return home_.filePath("Documents/CorvanViewDataFiles/RecvSettings.ini");
   }
 
-  ChildProcess screen_;
+  VirtualScreen screen_;
   std::unique_ptr<VirtualLidarProcess> lidar_;
   QTemporaryDir home_;
-  QProcessEnvironment environment_ = QProcessEnvironment::systemEnvironment();
   ChildProcess program_;
   QString window_;
 };
@@ -144,7 +120,7 @@ TEST_F(WindowTest, WritesATypedValueToTheLidarAndLeavesASilentOneAtOnce) {
       << lidar_->Output().toStdString();
 
   lidar_->Freeze();
-  AskWindowToClose(environment_.value("DISPLAY"), window_.toULong());
+  AskWindowToClose(screen_.environment.value("DISPLAY"), window_.toULong());
   EXPECT_EQ(program_.ExitCode(), 0) << program_.Output().toStdString();
 }
 
