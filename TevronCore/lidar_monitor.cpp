@@ -6,6 +6,7 @@
 #include <filesystem>
 #include <utility>
 
+#include "files/whole_file.h"
 #include "variables/monitor_tables.h"
 
 namespace {
@@ -118,6 +119,8 @@ void LidarMonitor::StartRecord(const QUrl& folder, std::chrono::seconds duration
   const std::string path = LocalPath(folder);
   std::error_code error;
   if (!std::filesystem::is_directory(path, error)) {
+    set_up_.report.LogLine(PathText(path) + ": there is no such folder; choose another one",
+                           LogType::kError);
     set_up_.report.Error("Invalid record folder");
     return;
   }

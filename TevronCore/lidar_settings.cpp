@@ -7,6 +7,7 @@
 #include <thread>
 #include <utility>
 
+#include "files/whole_file.h"
 #include "session/posted_report.h"
 #include "session/stop_signal.h"
 #include "settings_files/settings_reading.h"
@@ -15,15 +16,12 @@ namespace {
 
 constexpr char kBusy[] = "Please wait until the settings of the lidar are read or written";
 
-std::string NameOf(const QString& path) { return QFileInfo(path).fileName().toStdString(); }
+std::string NameOf(const QString& path) {
+  return PathText(QFileInfo(path).fileName().toStdString());
+}
 
 /// Null, with a sentence in *problem, for a file that cannot be used.
 std::shared_ptr<const SettingsFile> Load(const QString& path, std::string* problem) {
-  // A pipe that nobody writes to would keep the thread, and whoever waits for its end.
-  if (const QFileInfo place(path); place.exists() && !place.isFile()) {
-    *problem = path.toStdString() + ": it is no file";
-    return nullptr;
-  }
   const std::optional<SettingsFile> file = LoadSettings(path, problem);
   return file ? std::make_shared<const SettingsFile>(*file) : nullptr;
 }
@@ -221,7 +219,7 @@ void LidarSettings::Save(const QString& path) {
       set_up_.report.Success(shown_.outcome);
       if (unread > 0) {
         set_up_.report.LogLine(std::to_string(unread) + " values could not be read: " +
-                                   path.toStdString() + " says why.",
+                                   PathText(path.toStdString()) + " says why.",
                                LogType::kWarning);
       }
     };

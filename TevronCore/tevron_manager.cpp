@@ -90,10 +90,11 @@ bool TevronManager::ConnectLidar() {
   if (!parts_->session.Connect(parts_->settings)) {
     return false;
   }
-  if (!SaveConnectionSettings(SettingsFilePath(), parts_->settings, parts_->model()->name)) {
-    parts_->report.LogLine(
-        "The connection settings could not be saved to " + SettingsFilePath().toStdString(),
-        LogType::kWarning);
+  const std::string problem =
+      SaveConnectionSettings(SettingsFilePath(), parts_->settings, parts_->model()->name);
+  if (!problem.empty()) {
+    parts_->report.LogLine("The connection settings could not be saved: " + problem,
+                           LogType::kWarning);
   }
   return true;
 }

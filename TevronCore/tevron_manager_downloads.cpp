@@ -1,14 +1,14 @@
 // What the lidar hands out whole and is saved to files: logs, its configuration, its calibration.
 
-#include <QDir>
 #include <QFileInfo>
 #include <exception>
 #include <memory>
 #include <string>
 
 #include "downloads/calibration_download.h"
+#include "downloads/file_names.h"
 #include "downloads/log_download.h"
-#include "downloads/whole_file.h"
+#include "files/whole_file.h"
 #include "tevron_manager.h"
 #include "tevron_manager_parts.h"
 #include "variables/log_variables.h"
@@ -36,7 +36,7 @@ void TevronManager::StartGetConfigFile() {
   QString folder = LoadDownloadFolder(SettingsFilePath());
   if (folder.isEmpty()) {
     folder = QFileInfo(SettingsFilePath()).path();
-    QDir().mkpath(folder);
+    MakeFolder(folder.toStdString());
   }
   DownloadLog(QUrl::fromLocalFile(folder), kConfigFile);
 }

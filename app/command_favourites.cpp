@@ -61,5 +61,5 @@ bool CommandFavourites::Keep() {
   emit changed();
   const QByteArray text =
       QJsonDocument(QJsonArray::fromVariantList(list_)).toJson(QJsonDocument::Compact);
-  return SaveKeptText(SettingsFilePath(), kKey, QString::fromUtf8(text));
+  return SaveKeptText(SettingsFilePath(), kKey, QString::fromUtf8(text)).empty();
 }

@@ -6,8 +6,8 @@
 #include <QStandardPaths>
 
 #include "connection/connection_settings.h"
+#include "downloads/file_names.h"
 #include "downloads/operation_log_download.h"
-#include "downloads/whole_file.h"
 #include "tevron_manager.h"
 
 namespace {

@@ -5,7 +5,7 @@
 #include <QLocale>
 #include <algorithm>
 
-#include "downloads/whole_file.h"
+#include "downloads/file_names.h"
 #include "lidar_settings.h"
 #include "settings_files/settings_file.h"
 #include "settings_files/snapshots.h"

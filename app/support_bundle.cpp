@@ -5,7 +5,8 @@
 #include <utility>
 
 #include "Log/logger.h"
-#include "downloads/whole_file.h"
+#include "downloads/file_names.h"
+#include "files/whole_file.h"
 #include "lidar_settings.h"
 #include "log_lines.h"
 #include "session/lidar_model.h"
@@ -89,7 +90,8 @@ void SupportBundle::Save(const QUrl& file) {
   const QString path = file.toLocalFile();
   const std::string problem = WriteBundle(path, entries_);
   if (problem.empty()) {
-    manager_->setSuccessMsg(tr("The support bundle is saved: %1").arg(path));
+    manager_->setSuccessMsg(tr("The support bundle is saved: %1")
+                                .arg(QString::fromStdString(PathText(path.toStdString()))));
   } else {
     manager_->setErrorMsg(
         tr("The support bundle is not saved: %1").arg(QString::fromStdString(problem)));

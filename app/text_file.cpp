@@ -1,17 +1,12 @@
 #include "text_file.h"
 
-#include <QDir>
-#include <cstdint>
-#include <vector>
-
-#include "downloads/whole_file.h"
+#include "files/whole_file.h"
 
 QString TextFile::Write(const QUrl& url, const QString& text) {
-  const QByteArray bytes = text.toUtf8();
-  const FileOutcome outcome =
-      WriteWholeFile(url.toLocalFile(), std::vector<uint8_t>(bytes.begin(), bytes.end()));
+  const std::string path = url.toLocalFile().toStdString();
+  const FileOutcome outcome = WriteWholeFile(path, text.toStdString());
   return outcome.written ? QString()
                          : tr("%1 could not be written: %2.")
-                               .arg(QDir::toNativeSeparators(url.toLocalFile()),
+                               .arg(QString::fromStdString(PathText(path)),
                                     QString::fromStdString(outcome.reason));
 }

@@ -5,7 +5,9 @@
 #include <cstring>
 
 #include "failure.h"
+#include "files/whole_file.h"
 #include "shell_help.h"
+#include "variables/utf8_text.h"
 
 namespace {
 
@@ -223,6 +225,15 @@ void CheckExclusions(const Arguments& arguments) {
   }
 }
 
+/// No result could tell the name of a file that is none in UTF-8.
+void CheckEncoding(int argc, char** argv) {
+  for (int i = 1; i < argc; ++i) {
+    if (Utf8PrefixOf(argv[i]) != std::strlen(argv[i])) {
+      throw Failure(ExitCode::kUsage, PathText(argv[i]) + ": this is not in UTF-8");
+    }
+  }
+}
+
 }  // namespace
 
 bool WantsJson(int argc, char** argv) {
@@ -231,6 +242,7 @@ bool WantsJson(int argc, char** argv) {
 }
 
 std::optional<Arguments> ParseArguments(int argc, char** argv, int* exit_code) {
+  CheckEncoding(argc, argv);
   Arguments arguments;
   CLI::App app("The work of the window without the window: one command for one lidar.");
   app.name("tevronctl");

@@ -41,6 +41,8 @@ void ConsoleReport::LogLine(const std::string& text, LogType type) {
     Write(std::string("[") + LogTypeName(type) + "] " + text, Colour::kNone);
   } else if (type == LogType::kWarning && loudness_ == Loudness::kNormal) {
     Write("warning: " + text, Colour::kYellow);
+  } else if (type == LogType::kError && loudness_ == Loudness::kNormal) {
+    Write(text, Colour::kYellow);
   }
 }
 

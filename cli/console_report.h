@@ -16,7 +16,7 @@ class ConsoleReport : public UserReport {
 
   void Error(const std::string& text) override;
   void Success(const std::string& text) override;
-  /// Warnings; the other lines only when verbose.
+  /// Warnings and errors; the other lines only when verbose.
   void LogLine(const std::string& text, LogType type) override;
 
   /// A line for the user, unless quiet.

@@ -1,8 +1,6 @@
 #include "firmware_file.h"
 
-#include <QByteArray>
 #include <QDate>
-#include <QSaveFile>
 #include <QString>
 #include <algorithm>
 #include <iterator>
@@ -10,6 +8,7 @@
 
 #include "Wire/big_endian.h"
 #include "Wire/firmware_stream.h"
+#include "files/whole_file.h"
 
 namespace {
 
@@ -102,17 +101,7 @@ bool WriteFirmwareFile(const ConfigParser& table, const std::string& model, Seri
   }
   const std::string today = QDate::currentDate().toString(Qt::ISODate).toStdString();
   const Bytes bytes = MakeFirmware(model, family, {version, today}, image_size);
-  QSaveFile file(QString::fromStdString(path));
-  if (file.open(QIODevice::WriteOnly)) {
-    const auto size = static_cast<qint64>(bytes.size());
-    // A short write does not make commit() fail.
-    if (file.write(reinterpret_cast<const char*>(bytes.data()), size) != size) {
-      file.cancelWriting();
-    }
-    if (file.commit()) {
-      return true;
-    }
-  }
-  *error = "cannot write " + path + ": " + file.errorString().toStdString();
-  return false;
+  const FileOutcome outcome = WriteWholeFile(path, BytesOf(bytes));
+  *error = outcome.written ? "" : "cannot write " + PathText(path) + ": " + outcome.reason;
+  return outcome.written;
 }

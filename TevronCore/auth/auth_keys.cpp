@@ -2,14 +2,12 @@
 
 #include <algorithm>
 #include <cctype>
-#include <filesystem>
-#include <fstream>
 #include <optional>
 #include <string_view>
-#include <system_error>
 #include <utility>
 
 #include "Platform/key_file.h"
+#include "files/whole_file.h"
 #include "variables/fault_list.h"
 #include "variables/number_text.h"
 
@@ -22,22 +20,15 @@ constexpr size_t kLargestFile = size_t{64} * 1024;
 constexpr std::string_view kKeyGroup = "keys";
 constexpr std::string_view kDemo = "demo";
 
-/// The whole file; nothing when it cannot be read or is larger than a key file can be.
-std::optional<SecretBytes> ReadFile(const std::string& path) {
-  std::error_code error;
-  const auto size = std::filesystem::file_size(path, error);
-  if (error || size > kLargestFile) {
-    return std::nullopt;
-  }
-  SecretBytes text(static_cast<size_t>(size));
-  std::ifstream file;
-  file.rdbuf()->pubsetbuf(nullptr, 0);  // no second copy in a buffer that nobody wipes
-  file.open(path, std::ios::binary);
-  file.read(reinterpret_cast<char*>(text.data()), static_cast<std::streamsize>(text.size()));
-  if (!file.good() || static_cast<size_t>(file.gcount()) != text.size()) {
-    return std::nullopt;
-  }
-  return text;
+/// The whole file, in memory that is wiped; nothing, with the reason, when it cannot be read or is
+/// larger than a key file can be.
+std::optional<SecretBytes> ReadKeys(const std::string& path, std::string* reason) {
+  SecretBytes text;
+  *reason = ReadWholeFile(path, kLargestFile, [&text](size_t size) {
+    text = SecretBytes(size);
+    return text.data();
+  });
+  return reason->empty() ? std::make_optional(std::move(text)) : std::nullopt;
 }
 
 /// Calls visit(line, group, name, value) for every assignment, and without a name for what is none;
@@ -105,7 +96,8 @@ const AuthKeyKind* KindOf(std::string_view group, std::string_view name) {
 
 /// Replaces each key that the file names.
 void TakeKeys(const std::string& path, AuthKeys* keys) {
-  const std::optional<SecretBytes> text = ReadFile(path);
+  std::string reason;
+  const std::optional<SecretBytes> text = ReadKeys(path, &reason);
   if (!text) {
     *keys = AuthKeys();
     return;
@@ -158,7 +150,8 @@ AuthKeys LoadAuthKeys(const ConfigFolder& folder) {
 
 bool IsDemoKeyFile(const std::string& path) {
   bool is_demo = false;
-  if (const std::optional<SecretBytes> text = ReadFile(path)) {
+  std::string reason;
+  if (const std::optional<SecretBytes> text = ReadKeys(path, &reason)) {
     ForEachValue(
         *text, [&is_demo](size_t, std::string_view, std::string_view name, std::string_view value) {
           is_demo = is_demo || (name == kDemo && value == "true");
@@ -175,11 +168,10 @@ std::string AuthKeyFileWarning(const std::string& path) {
 void CheckAuthKeys(const ConfigFolder& folder, TableFaults* faults) {
   for (const std::string& path : folder.FilesCalled(kAuthKeysName)) {
     FaultList found(path);
-    const std::optional<SecretBytes> text = ReadFile(path);
+    std::string reason;
+    const std::optional<SecretBytes> text = ReadKeys(path, &reason);
     if (!text) {
-      found.Fault(0,
-                  "cannot be read as a key file, so that no algorithm has keys; let the user of "
-                  "this program read it, and keep it below 64 KiB");
+      found.Fault(0, "cannot be read as a key file, so that no algorithm has keys: " + reason);
       found.MoveTo(faults);
       continue;
     }

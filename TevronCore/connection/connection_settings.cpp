@@ -1,11 +1,12 @@
 #include "connection/connection_settings.h"
 
-#include <QSettings>
+#include <QLockFile>
 #include <QStandardPaths>
+#include <functional>
 #include <limits>
-#include <memory>
 
 #include "connection/plain_ini.h"
+#include "files/whole_file.h"
 
 namespace {
 
@@ -17,28 +18,41 @@ constexpr char kBaudRateKey[] = "point_cloud_baudrate";
 constexpr char kUdpPortKey[] = "udp_port";
 constexpr char kDownloadFolderKey[] = "download_folder";
 
+constexpr int kLockPatienceMs = 200;
+
 QString HostPortKey(const std::string& model) {
   return QStringLiteral("cmx_client_host_port/%1").arg(QString::fromStdString(model));
 }
 
-/// The file, or null when it cannot be used.
-std::unique_ptr<QSettings> OpenSettings(const QString& path) {
-  if (!IsPlainIniFile(path)) {
-    return nullptr;
-  }
-  auto file = std::make_unique<QSettings>(path, PlainIniFormat());
-  return file->status() == QSettings::NoError ? std::move(file) : nullptr;
+/// The texts of the file; none when it cannot be used.
+PlainIni TextsIn(const QString& path) {
+  PlainIni texts;
+  ReadPlainIni(path.toStdString(), &texts);
+  return texts;
 }
 
-void ReadText(const QSettings& file, const char* key, std::string* value) {
-  if (file.contains(key)) {
-    *value = file.value(key).toString().toStdString();
+/// Reads, changes and writes it. Returns "", or why it stays as it was.
+std::string Change(const QString& path, const std::function<void(PlainIni*)>& change) {
+  // Two windows at once would lose what the other has written meanwhile; where no lock can be had
+  // this is the lesser loss.
+  QLockFile lock(path + ".lock");
+  lock.tryLock(kLockPatienceMs);
+  PlainIni texts;
+  std::string reason = ReadPlainIni(path.toStdString(), &texts);
+  if (reason.empty()) {
+    change(&texts);
+    reason = WritePlainIni(path.toStdString(), texts);
   }
+  return reason.empty() ? "" : PathText(path.toStdString()) + ": " + reason;
 }
 
-void ReadNumber(const QSettings& file, const char* key, int32_t max, int32_t* value) {
+void ReadText(const PlainIni& texts, const char* key, std::string* value) {
+  *value = texts.value(key, QString::fromStdString(*value)).toStdString();
+}
+
+void ReadNumber(const PlainIni& texts, const char* key, int32_t max, int32_t* value) {
   bool is_number = false;
-  const int number = file.value(key).toInt(&is_number);
+  const int number = texts.value(key).toInt(&is_number);
   if (is_number && number >= 1 && number <= max) {
     *value = number;
   }
@@ -64,13 +78,10 @@ QString SettingsFilePath() {
 }
 
 ConnectionSettings LoadConnectionSettings(const QString& path, std::string* fault) {
-  const std::unique_ptr<QSettings> opened = OpenSettings(path);
-  if (opened == nullptr) {
-    *fault = "The settings file " + path.toStdString() +
-             " is not used: it is no regular file of at most 64 KiB that holds settings.";
-    return {};
+  PlainIni file;
+  if (const std::string reason = ReadPlainIni(path.toStdString(), &file); !reason.empty()) {
+    *fault = "The settings file " + PathText(path.toStdString()) + " is not used: " + reason + '.';
   }
-  const QSettings& file = *opened;
   ConnectionSettings settings;
   ReadText(file, kIpKey, &settings.lidar_ip);
   ReadText(file, kCommandPortKey, &settings.command_port);
@@ -83,48 +94,34 @@ ConnectionSettings LoadConnectionSettings(const QString& path, std::string* faul
 }
 
 std::optional<std::string> LoadHostPort(const QString& path, const std::string& model) {
-  const std::unique_ptr<QSettings> file = OpenSettings(path);
-  const QString key = HostPortKey(model);
-  if (file == nullptr || !file->contains(key)) {
-    return std::nullopt;
-  }
-  return file->value(key).toString().toStdString();
+  const PlainIni texts = TextsIn(path);
+  const auto found = texts.find(HostPortKey(model));
+  return found == texts.end() ? std::nullopt : std::make_optional(found->toStdString());
 }
 
-bool SaveConnectionSettings(const QString& path, const ConnectionSettings& settings,
-                            const std::string& model) {
-  const std::unique_ptr<QSettings> opened = OpenSettings(path);
-  if (opened == nullptr) {
-    return false;
-  }
-  QSettings& file = *opened;
-  file.setValue(kIpKey, QString::fromStdString(settings.lidar_ip));
-  file.setValue(kCommandPortKey, QString::fromStdString(settings.command_port));
-  file.setValue(kRs485Key, QString::fromStdString(settings.serial_port_485));
-  file.setValue(kRs232Key, QString::fromStdString(settings.serial_port_232));
-  file.setValue(kBaudRateKey, settings.point_cloud_baud_rate_bps);
-  file.setValue(HostPortKey(model), QString::fromStdString(settings.host_port));
-  file.sync();
-  return file.status() == QSettings::NoError;
+std::string SaveConnectionSettings(const QString& path, const ConnectionSettings& settings,
+                                   const std::string& model) {
+  return Change(path, [&](PlainIni* texts) {
+    const auto set = [texts](const QString& key, const std::string& text) {
+      texts->insert(key, QString::fromStdString(text));
+    };
+    set(kIpKey, settings.lidar_ip);
+    set(kCommandPortKey, settings.command_port);
+    set(kRs485Key, settings.serial_port_485);
+    set(kRs232Key, settings.serial_port_232);
+    set(kBaudRateKey, std::to_string(settings.point_cloud_baud_rate_bps));
+    set(HostPortKey(model), settings.host_port);
+  });
 }
 
-QString LoadKeptText(const QString& path, const QString& key) {
-  const std::unique_ptr<QSettings> file = OpenSettings(path);
-  return file == nullptr ? QString() : file->value(key).toString();
-}
+QString LoadKeptText(const QString& path, const QString& key) { return TextsIn(path).value(key); }
 
-bool SaveKeptText(const QString& path, const QString& key, const QString& text) {
-  const std::unique_ptr<QSettings> file = OpenSettings(path);
-  if (file == nullptr) {
-    return false;
-  }
-  file->setValue(key, text);
-  file->sync();
-  return file->status() == QSettings::NoError;
+std::string SaveKeptText(const QString& path, const QString& key, const QString& text) {
+  return Change(path, [&](PlainIni* texts) { texts->insert(key, text); });
 }
 
 QString LoadDownloadFolder(const QString& path) { return LoadKeptText(path, kDownloadFolderKey); }
 
-bool SaveDownloadFolder(const QString& path, const QString& folder) {
+std::string SaveDownloadFolder(const QString& path, const QString& folder) {
   return SaveKeptText(path, kDownloadFolderKey, folder);
 }

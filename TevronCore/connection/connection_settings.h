@@ -38,17 +38,18 @@ std::optional<std::string> LoadHostPort(const QString& path, const std::string& 
 
 /// Writes the settings, the host port under the key of `model`, and creates file and folder where
 /// they are missing. The UDP port is read but deliberately never written: it is set up once, by
-/// hand. Returns false when the file could not be written; the file is then as it was.
-bool SaveConnectionSettings(const QString& path, const ConnectionSettings& settings,
-                            const std::string& model);
+/// hand. Returns "", or a sentence that names the file and why it could not be written; the file is
+/// then as it was.
+std::string SaveConnectionSettings(const QString& path, const ConnectionSettings& settings,
+                                   const std::string& model);
 
 /// A text that is kept across starts beside the settings, under "name" or "group/name"; empty when
 /// there is none.
 QString LoadKeptText(const QString& path, const QString& key);
 
 /// Remembers it, as SaveConnectionSettings does the settings; the other keys of the file stay.
-bool SaveKeptText(const QString& path, const QString& key, const QString& text);
+std::string SaveKeptText(const QString& path, const QString& key, const QString& text);
 
 /// The folder that downloads were last saved to; empty when there was none.
 QString LoadDownloadFolder(const QString& path);
-bool SaveDownloadFolder(const QString& path, const QString& folder);
+std::string SaveDownloadFolder(const QString& path, const QString& folder);

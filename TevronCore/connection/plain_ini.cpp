@@ -1,11 +1,18 @@
 #include "connection/plain_ini.h"
 
-#include <QFile>
-#include <QFileInfo>
+#include <QByteArray>
+#include <filesystem>
 #include <optional>
+
+#include "files/whole_file.h"
 
 namespace {
 
+/// Files beyond this size are not read.
+constexpr uint64_t kLargestFile = uint64_t{64} * 1024;
+
+constexpr char kNoSettings[] = "it holds no settings";
+constexpr char kTooMuch[] = "it would be larger than 64 KiB";
 constexpr char kTopSection[] = "General";
 constexpr int kEscapeDigits = 4;
 constexpr char kHexDigits[] = "0123456789abcdefABCDEF";
@@ -63,11 +70,8 @@ QString KeyOf(const QByteArray& escaped) {
   return QString::fromUtf8(QByteArray::fromPercentEncoding(escaped.trimmed())).replace('\\', '/');
 }
 
-bool Read(QIODevice& file, QSettings::SettingsMap& map) {
-  const QByteArray content = file.read(kMaxPlainIniSize + 1);
-  if (content.size() > kMaxPlainIniSize) {
-    return false;
-  }
+/// Whether they are settings at all.
+bool Parse(const QByteArray& content, PlainIni* texts) {
   QString section;
   for (const QByteArray& whole_line : content.split('\n')) {
     const QByteArray line = whole_line.trimmed();
@@ -84,41 +88,49 @@ bool Read(QIODevice& file, QSettings::SettingsMap& map) {
     } else if (equals < 0) {
       return false;
     } else if (const auto text = TextOf(QString::fromLatin1(line.mid(equals + 1).trimmed()))) {
-      map.insert(section + KeyOf(line.left(equals)), *text);
+      texts->insert(section + KeyOf(line.left(equals)), *text);
     }
   }
   return true;
 }
 
-bool Write(QIODevice& file, const QSettings::SettingsMap& map) {
+std::string ContentOf(const PlainIni& texts) {
   QMap<QString, QByteArray> sections;
-  for (auto entry = map.begin(); entry != map.end(); ++entry) {
+  for (auto entry = texts.begin(); entry != texts.end(); ++entry) {
     const bool is_top = !entry.key().contains('/');
     const QString name = entry.key().section('/', -1);
     sections[is_top ? kTopSection : entry.key().section('/', 0, -2)] +=
-        name.toUtf8().toPercentEncoding() + '=' + ValueOf(entry.value().toString()).toLatin1() +
-        '\n';
+        name.toUtf8().toPercentEncoding() + '=' + ValueOf(entry.value()).toLatin1() + '\n';
   }
   QByteArray content;
   for (auto section = sections.begin(); section != sections.end(); ++section) {
     content += '[' + section.key().toUtf8().toPercentEncoding("/") + "]\n" + section.value() + '\n';
   }
-  return file.write(content) == content.size();
+  return content.toStdString();
 }
 
 }  // namespace
 
-QSettings::Format PlainIniFormat() {
-  static const QSettings::Format format = QSettings::registerFormat("ini", Read, Write);
-  return format;
+std::string ReadPlainIni(const std::string& path, PlainIni* texts) {
+  texts->clear();
+  std::error_code error;
+  if (std::filesystem::status(path, error).type() == std::filesystem::file_type::not_found) {
+    return "";
+  }
+  QByteArray content;
+  std::string reason = ReadWholeFile(path, kLargestFile, &content);
+  if (reason.empty() && !Parse(content, texts)) {
+    texts->clear();
+    reason = kNoSettings;
+  }
+  return reason;
 }
 
-bool IsPlainIniFile(const QString& path) {
-  const QFileInfo info(path);
-  if (!info.exists()) {
-    return true;
+std::string WritePlainIni(const std::string& path, const PlainIni& texts) {
+  const std::string content = ContentOf(texts);
+  if (content.size() > kLargestFile) {
+    return kTooMuch;  // nobody could read it again
   }
-  QFile file(path);
-  QSettings::SettingsMap ignored;
-  return info.isFile() && file.open(QIODevice::ReadOnly) && Read(file, ignored);
+  std::string reason = MakeFolder(std::filesystem::path(path).parent_path().string());
+  return reason.empty() ? WriteWholeFile(path, content).reason : reason;
 }

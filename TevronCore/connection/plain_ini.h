@@ -1,19 +1,18 @@
 #pragma once
 
-#include <QSettings>
+#include <QMap>
 #include <QString>
+#include <string>
 
-/// Files beyond this size are not read.
-inline constexpr int kMaxPlainIniSize = 64 * 1024;
-
-/// A format for QSettings: INI files as QSettings writes them, of which only single texts are
-/// taken. Values that name a type ("@Variant(...)") and lists are passed over, and gone once the
+/// The texts of an INI file as QSettings writes them, by "name" or "section/name". Only single
+/// texts: values that name a type ("@Variant(...)") and lists are passed over, and gone once the
 /// file is written: to build an object from a file that anybody may have written can end the
 /// program.
-QSettings::Format PlainIniFormat();
+using PlainIni = QMap<QString, QString>;
 
-/// Whether what lies at `path` may be opened: nothing, or a regular file of at most
-/// kMaxPlainIniSize bytes that holds settings. Opening another kind of file could wait for ever,
-/// and QSettings tells of a file that it does not understand the first time alone: from then on it
-/// takes it for an empty one, and writes over it.
-bool IsPlainIniFile(const QString& path);
+/// Reads a file of at most 64 KiB; one that is not there has no texts. Returns "", or why it cannot
+/// be used, as files/whole_file.h has it.
+std::string ReadPlainIni(const std::string& path, PlainIni* texts);
+
+/// Writes it whole, with its folder. Returns "", or why it could not be written.
+std::string WritePlainIni(const std::string& path, const PlainIni& texts);

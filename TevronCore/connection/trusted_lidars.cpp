@@ -71,8 +71,8 @@ CertificateVerdict TrustedLidars::Judge(const CertifiedLidar& lidar, std::string
 std::string TrustedLidars::Remember(const CertifiedLidar& lidar) const {
   const QString file = FileOf(lidar);
   const QString text = QString::fromStdString(FingerprintText(lidar.certificate.sha256));
-  return SaveKeptText(file, kFingerprintKey, text)
+  const std::string problem = SaveKeptText(file, kFingerprintKey, text);
+  return problem.empty()
              ? ""
-             : "The certificate of " + NameOf(lidar) +
-                   " could not be remembered: " + file.toStdString() + " cannot be written.";
+             : "The certificate of " + NameOf(lidar) + " could not be remembered: " + problem;
 }

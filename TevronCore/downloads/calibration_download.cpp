@@ -6,7 +6,8 @@
 
 #include "CmxClient/cmx_client.h"
 #include "CmxClient/device_commands.h"
-#include "downloads/whole_file.h"
+#include "downloads/file_names.h"
+#include "files/whole_file.h"
 
 using kavel::lidar::CmxClient;
 using kavel::lidar::kNotConnected;
@@ -29,16 +30,16 @@ int32_t DownloadCalibration(kavel::lidar::CommandSender* sender, const LinkState
   }
   const QString target =
       QFileInfo(path).isDir() ? path + "/calibration_" + TimeNow("yyyyMMdd-hhmmss") + ".bin" : path;
-  const FileOutcome file = WriteWholeFile(target, calibration);
+  const FileOutcome file = WriteWholeFile(target.toStdString(), BytesOf(calibration));
+  const std::string shown = PathText(target.toStdString());
   if (!file.written) {
-    report.LogLine(target.toStdString() + ": " + file.reason, LogType::kError);
+    report.LogLine(shown + ": " + file.reason, LogType::kError);
     return fail("create calibration file fail, save correction file error", kNotConnected);
   }
-  report.LogLine(std::to_string(calibration.size()) + " bytes saved as " + target.toStdString(),
-                 LogType::kInfo);
+  report.LogLine(std::to_string(calibration.size()) + " bytes saved as " + shown, LogType::kInfo);
   if (saved != nullptr) {
     *saved = target;
   }
-  report.Success("calibration saved as " + target.toStdString());
+  report.Success("calibration saved as " + shown);
   return 0;
 }

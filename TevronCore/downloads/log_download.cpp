@@ -3,7 +3,8 @@
 #include <exception>
 #include <vector>
 
-#include "downloads/whole_file.h"
+#include "downloads/file_names.h"
+#include "files/whole_file.h"
 #include "variables/log_variables.h"
 
 const char* DownloadObstacle(const LinkState& state) {
@@ -59,14 +60,15 @@ int LogDownload::Fetch(const QUrl& folder, const QString& name) {
 
 bool LogDownload::Save(const QString& path, const QString& name,
                        const std::vector<uint8_t>& bytes) {
-  const FileOutcome file = WriteWholeFile(path, bytes);
+  const FileOutcome file = WriteWholeFile(path.toStdString(), BytesOf(bytes));
+  const std::string shown = PathText(path.toStdString());
   if (file.written) {
     file_ = path;
-    set_up_.report.LogLine(std::to_string(bytes.size()) + " bytes saved as " + path.toStdString(),
+    set_up_.report.LogLine(std::to_string(bytes.size()) + " bytes saved as " + shown,
                            LogType::kInfo);
     return true;
   }
-  set_up_.report.LogLine(path.toStdString() + ": " + file.reason, LogType::kError);
+  set_up_.report.LogLine(shown + ": " + file.reason, LogType::kError);
   set_up_.report.Error(name.toStdString() + (file.opened ? ": Failed to write binary data to file."
                                                          : ": Failed to open file."));
   return false;

@@ -1,12 +1,12 @@
 #include "downloads/operation_log_download.h"
 
-#include <QDir>
 #include <exception>
 #include <iterator>
 #include <utility>
 
 #include "CmxClient/cmx_client.h"
-#include "downloads/whole_file.h"
+#include "downloads/file_names.h"
+#include "files/whole_file.h"
 
 OperationLogDownload::OperationLogDownload(Order order, std::shared_ptr<UserReport> report,
                                            std::function<void(OperationLogOutcome)> done)
@@ -44,8 +44,8 @@ OperationLogOutcome OperationLogDownload::Run() {
 
 OperationLogOutcome OperationLogDownload::FetchParts() {
   const QString folder = order_.folder + "/operation_log";
-  if (!QDir().mkpath(folder)) {
-    Complain("The folder " + folder.toStdString() + " cannot be made.");
+  if (const std::string reason = MakeFolder(folder.toStdString()); !reason.empty()) {
+    Complain(PathText(folder.toStdString()) + ": " + reason);
     return OperationLogOutcome::kFailed;
   }
   const QString time = TimeNow("yyyy_MM_dd_hh_mm_ss");
@@ -84,15 +84,15 @@ OperationLogDownload::PartOutcome OperationLogDownload::FetchPart(size_t part,
     return reason > 0 ? PartOutcome::kRefused : PartOutcome::kLost;
   }
   const QString path = order_.folder + "/operation_log/" + kParts[part] + time + ".bin";
-  const FileOutcome file = WriteWholeFile(path, reply);
+  const FileOutcome file = WriteWholeFile(path.toStdString(), BytesOf(reply));
+  const std::string shown = PathText(path.toStdString());
   if (!file.written) {
-    Complain(path.toStdString() + ": " + file.reason);
+    Complain(shown + ": " + file.reason);
     return PartOutcome::kLost;
   }
   saved_ += reply.size();
   files_.push_back(path);
-  report_->LogLine(std::to_string(reply.size()) + " bytes saved as " + path.toStdString(),
-                   LogType::kInfo);
+  report_->LogLine(std::to_string(reply.size()) + " bytes saved as " + shown, LogType::kInfo);
   return PartOutcome::kSaved;
 }
 

@@ -1,8 +1,8 @@
 #include "monitor/monitor_recorder.h"
 
-#include <fstream>
 #include <utility>
 
+#include "files/whole_file.h"
 #include "monitor/monitor_file.h"
 
 namespace {
@@ -35,36 +35,40 @@ MonitorRecorder::~MonitorRecorder() {
 void MonitorRecorder::Run() {
   const End end = Record();
   handlers_.ended();
+  const std::string shown = PathText(order_.file);
+  if (end != End::kSaved) {
+    report_->LogLine(shown + ": " + problem_, LogType::kError);
+  }
   switch (end) {
     case End::kSaved:
-      report_->Success("Monitor record saved:\n" + order_.file);
+      report_->Success("Monitor record saved:\n" + shown);
       return;
     case End::kNotCreated:
       report_->Error("Failed to create monitor record file");
       return;
     case End::kNotWritten:
-      report_->Error("The monitor record could not be written to its end:\n" + order_.file);
+      report_->Error("The monitor record could not be written to its end:\n" + shown);
   }
 }
 
 MonitorRecorder::End MonitorRecorder::Record() {
-  std::ofstream file(order_.file, std::ios::binary | std::ios::trunc);
-  if (!file) {
-    return End::kNotCreated;
-  }
   std::vector<std::string> captions;
   for (const VarInfo* var : vars_) {
     captions.push_back(var->var_name + UnitSuffix(*var));
   }
-  file << RecordLine(kRecordFirstColumn, captions) << std::flush;
+  const FileOutcome begun = WriteWholeFile(order_.file, RecordLine(kRecordFirstColumn, captions));
+  problem_ = begun.reason;
+  if (!begun.written) {
+    return End::kNotCreated;
+  }
   const Clock::time_point end = Clock::now() + order_.duration;
   recording_ = {true, true, order_.file, 0, SecondsUntil(end)};
   handlers_.written(recording_);
-  while (file && !IsOver(end)) {
+  while (!IsOver(end)) {
     Read();
-    file << Line() << std::flush;
-    if (!file) {
-      break;
+    problem_ = AppendToFile(order_.file, Line());
+    if (!problem_.empty()) {
+      return End::kNotWritten;
     }
     ++recording_.samples;
     recording_.seconds_left = SecondsUntil(end);
@@ -74,8 +78,7 @@ MonitorRecorder::End MonitorRecorder::Record() {
       stop_.WaitFor(kStep);
     }
   }
-  file.close();
-  return file ? End::kSaved : End::kNotWritten;
+  return End::kSaved;
 }
 
 // By the monotonic clock: the clock that the lines show may be set meanwhile.

@@ -15,7 +15,8 @@
 
 /// One recording of the monitor page into a file, on a thread of its own: reads the page, writes
 /// the values of its variables as a line, waits, until the time is over or it is told to stop. It
-/// goes on without a connection, with the values as they stand.
+/// goes on without a connection, with the values as they stand. Each line is added whole or not at
+/// all; the first that is not ends the recording.
 class MonitorRecorder {
  public:
   struct Order {
@@ -58,7 +59,8 @@ class MonitorRecorder {
   const std::shared_ptr<UserReport> report_;
   const Handlers handlers_;
   const std::vector<const VarInfo*> vars_;
-  MonitorRecording recording_;  ///< of the recorder's thread
+  MonitorRecording recording_;  ///< of the recorder's thread, as problem_ is
+  std::string problem_;         ///< why the file could not be written; "" when it could
   StopSignal stop_;
   std::thread thread_;
 };

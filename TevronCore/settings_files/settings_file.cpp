@@ -1,7 +1,6 @@
 #include "settings_files/settings_file.h"
 
 #include <QDateTime>
-#include <QFile>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <algorithm>
@@ -9,7 +8,7 @@
 #include <stdexcept>
 #include <unordered_map>
 
-#include "downloads/whole_file.h"
+#include "files/whole_file.h"
 #include "variables/hex_cell.h"
 #include "variables/var_info.h"
 
@@ -270,32 +269,19 @@ std::optional<SettingsFile> ParseSettings(const QByteArray& json, std::string* e
 }
 
 std::optional<SettingsFile> LoadSettings(const QString& path, std::string* error) {
-  const std::string name = path.toStdString() + ": ";
-  QFile file(path);
-  if (!file.open(QIODevice::ReadOnly)) {
-    *error = name + file.errorString().toStdString();
-    return std::nullopt;
+  QByteArray json;
+  *error = ReadWholeFile(path.toStdString(), kMaxSettingsSize, &json);
+  std::optional<SettingsFile> settings;
+  if (error->empty()) {
+    settings = ParseSettings(json, error);
   }
-  // One byte more than may be, for a pipe or a device, which has no size.
-  const QByteArray json =
-      file.size() > kMaxSettingsSize ? QByteArray() : file.read(kMaxSettingsSize + 1);
-  if (file.size() > kMaxSettingsSize || json.size() > kMaxSettingsSize) {
-    *error = name + "it is larger than 16 MiB, which no settings file is";
-    return std::nullopt;
-  }
-  if (file.error() != QFileDevice::NoError) {
-    *error = name + file.errorString().toStdString();
-    return std::nullopt;
-  }
-  std::optional<SettingsFile> settings = ParseSettings(json, error);
   if (!settings) {
-    *error = name + *error;
+    *error = PathText(path.toStdString()) + ": " + *error;
   }
   return settings;
 }
 
 std::string SaveSettings(const QString& path, const SettingsFile& file) {
-  const QByteArray json = SettingsJson(file);
-  const FileOutcome outcome = WriteWholeFile(path, {json.begin(), json.end()});
-  return outcome.written ? "" : path.toStdString() + ": " + outcome.reason;
+  const FileOutcome outcome = WriteWholeFile(path.toStdString(), SettingsJson(file).toStdString());
+  return outcome.written ? "" : PathText(path.toStdString()) + ": " + outcome.reason;
 }

@@ -3,21 +3,23 @@
 #include <QCoreApplication>
 #include <QCryptographicHash>
 #include <QDateTime>
-#include <QFile>
 #include <algorithm>
 #include <utility>
 
+#include "files/whole_file.h"
 #include "pages/page_reader.h"
 #include "settings_files/value_bytes.h"
+#include "variables/csv_reader.h"
 #include "variables/log_variables.h"
 
 namespace {
 
 std::string Sha256Of(const std::string& path) {
-  QFile file(QString::fromStdString(path));
-  QCryptographicHash hash(QCryptographicHash::Sha256);
-  const bool is_read = file.open(QIODevice::ReadOnly) && hash.addData(&file);
-  return is_read ? hash.result().toHex().toStdString() : "";
+  QByteArray bytes;
+  if (!ReadWholeFile(path, CsvReader::kMaxFileBytes, &bytes).empty()) {
+    return "";
+  }
+  return QCryptographicHash::hash(bytes, QCryptographicHash::Sha256).toHex().toStdString();
 }
 
 /// Each variable with those that the same command reads.

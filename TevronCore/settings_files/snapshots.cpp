@@ -10,6 +10,7 @@
 #include <utility>
 
 #include "connection/path_part.h"
+#include "files/whole_file.h"
 
 namespace {
 
@@ -86,8 +87,9 @@ QString Snapshots::FolderOf(const std::string& serial_number) const {
 
 std::string Snapshots::Keep(const SettingsFile& settings, SnapshotReason reason) const {
   const QString folder = FolderOf(settings.serial_number);
-  if (!QDir().mkpath(folder)) {
-    return "The folder " + folder.toStdString() + " cannot be made.";
+  std::string error = MakeFolder(folder.toStdString());
+  if (!error.empty()) {
+    return PathText(folder.toStdString()) + ": " + error;
   }
   QDateTime time = QDateTime::currentDateTimeUtc();
   QString path;
@@ -96,7 +98,7 @@ std::string Snapshots::Keep(const SettingsFile& settings, SnapshotReason reason)
            NameOf(reason).name + kSeparator + PathPartOf(settings.model) + kSettingsSuffix;
     time = time.addMSecs(1);
   } while (QFile::exists(path));
-  std::string error = SaveSettings(path, settings);
+  error = SaveSettings(path, settings);
   if (!error.empty()) {
     return error;
   }

@@ -1,30 +1,24 @@
 #include "support_bundle/device_log.h"
 
 #include <QDir>
-#include <QFile>
 #include <QFileInfo>
 #include <QStandardPaths>
-#include <algorithm>
 #include <string_view>
+
+#include "Log/logger.h"
+#include "files/whole_file.h"
 
 namespace {
 
 constexpr size_t kTimeLength = 23;
 
-/// The end of a file, from the first whole line on.
-std::string TailOf(const QString& path, int64_t most_bytes) {
-  QFile file(path);
-  // A pipe would keep its reader waiting for ever.
-  if (!QFileInfo(path).isFile() || !file.open(QIODevice::ReadOnly)) {
-    return {};
-  }
-  const bool is_whole = file.size() <= most_bytes;
-  if (!is_whole && !file.seek(file.size() - most_bytes)) {
-    return {};
-  }
-  const std::string tail = file.read(most_bytes).toStdString();
-  const size_t cut = is_whole ? 0 : tail.find('\n');  // half a line may hold half a name
-  return cut == std::string::npos ? "" : tail.substr(is_whole ? 0 : cut + 1);
+/// A log grows a little beyond the size at which the next one is begun.
+constexpr size_t kLargestLog = 2 * kavel::lidar::Logger::kMaxFileBytes;
+
+std::string LogIn(const QString& path) {
+  std::string log;
+  ReadWholeFile(path.toStdString(), kLargestLog, &log);
+  return log;
 }
 
 }  // namespace
@@ -34,12 +28,17 @@ QString DeviceLogPath() {
   return folder.filePath(QStringLiteral("logs/device.log"));
 }
 
-std::string NewestLog(const QString& path, int64_t most_bytes) {
-  const std::string newest = TailOf(path, most_bytes);
-  const auto size = static_cast<int64_t>(newest.size());
-  const QFileInfo file(path);
-  const QString before = file.dir().filePath(file.completeBaseName() + ".1." + file.suffix());
-  return file.size() < most_bytes ? TailOf(before, most_bytes - size) + newest : newest;
+std::string NewestLog(const QString& path, size_t most_bytes) {
+  std::string log = LogIn(path);
+  if (log.size() < most_bytes) {
+    const QFileInfo file(path);
+    log.insert(0, LogIn(file.dir().filePath(file.completeBaseName() + ".1." + file.suffix())));
+  }
+  if (log.size() <= most_bytes) {
+    return log;
+  }
+  const size_t cut = log.find('\n', log.size() - most_bytes);  // half a line may hold half a name
+  return cut == std::string::npos ? "" : log.substr(cut + 1);
 }
 
 std::string LastErrorIn(const std::string& log) {

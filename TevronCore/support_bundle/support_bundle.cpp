@@ -1,11 +1,10 @@
 #include "support_bundle/support_bundle.h"
 
 #include <QCoreApplication>
-#include <QFileInfo>
 #include <QSysInfo>
 #include <exception>
 
-#include "downloads/whole_file.h"
+#include "files/whole_file.h"
 #include "support_bundle/table_sums.h"
 #include "support_bundle/zip_bytes.h"
 
@@ -32,8 +31,8 @@ std::string SettingsBytes(const BundleSources& sources, const TextCleaner& clean
 }
 
 std::string NewestLines(const std::string& text) {
-  const auto most = static_cast<size_t>(kMaxBundledLog);
-  const size_t cut = text.size() <= most ? 0 : text.find('\n', text.size() - most);
+  const size_t cut =
+      text.size() <= kMaxBundledLog ? 0 : text.find('\n', text.size() - kMaxBundledLog);
   return cut == std::string::npos ? "" : text.substr(cut);
 }
 
@@ -79,10 +78,7 @@ std::vector<BundleEntry> ListBundle(const BundleSources& sources) {
 }
 
 std::string WriteBundle(const QString& path, const std::vector<BundleEntry>& entries) {
-  const std::string name = path.toStdString() + ": ";
-  if (const QFileInfo place(path); place.exists() && !place.isFile()) {
-    return name + "this is there and is no file";
-  }
+  const std::string name = PathText(path.toStdString()) + ": ";
   std::vector<ZipMember> members;
   size_t size = 0;
   for (const BundleEntry& entry : entries) {
@@ -95,7 +91,7 @@ std::string WriteBundle(const QString& path, const std::vector<BundleEntry>& ent
     return name + "the bundle would be larger than " + std::to_string(kMaxBundle) + " bytes";
   }
   try {
-    const FileOutcome outcome = WriteWholeFile(path, ZipBytes(members));
+    const FileOutcome outcome = WriteWholeFile(path.toStdString(), BytesOf(ZipBytes(members)));
     return outcome.written ? "" : name + outcome.reason;
   } catch (const std::exception& problem) {
     return name + problem.what();

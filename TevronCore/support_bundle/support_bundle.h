@@ -32,7 +32,7 @@ struct BundleSources {
 };
 
 /// So much of a log is taken, the newest lines.
-inline constexpr int64_t kMaxBundledLog = 1024 * 1024;
+inline constexpr size_t kMaxBundledLog = size_t{1024} * 1024;
 
 /// The ending of a bundle's name.
 inline constexpr char kBundleSuffix[] = ".zip";

@@ -3,14 +3,16 @@
 #include <QCryptographicHash>
 #include <QDir>
 #include <QDirIterator>
-#include <QFile>
+#include <QFileInfo>
 #include <QStringList>
+
+#include "files/whole_file.h"
 
 namespace {
 
 // Far more than a folder of tables has: a folder given by mistake is not walked to its end.
 constexpr int kMostFiles = 2000;
-constexpr qint64 kLargestTable = qint64{16} * 1024 * 1024;
+constexpr uint64_t kLargestTable = uint64_t{16} * 1024 * 1024;
 
 /// As an editor or a careful user may have called a copy of it, too.
 bool IsCalledLikeKeys(const QString& name) {
@@ -21,14 +23,13 @@ bool IsCalledLikeKeys(const QString& name) {
 
 std::string LineOf(const QString& path, const QString& name, const TextCleaner& cleaner) {
   const std::string shown = cleaner.Clean(name.toStdString());
-  QFile file(path);
   if (IsCalledLikeKeys(QFileInfo(name).fileName())) {
     return "# " + shown + ": not told\n";
   }
-  if (file.size() > kLargestTable || !file.open(QIODevice::ReadOnly)) {
+  QByteArray bytes;
+  if (!ReadWholeFile(path.toStdString(), kLargestTable, &bytes).empty()) {
     return "# " + shown + ": cannot be read\n";
   }
-  const QByteArray bytes = file.readAll();
   if (cleaner.HoldsKey({bytes.constData(), static_cast<size_t>(bytes.size())})) {
     return "# " + shown + ": not told\n";
   }

@@ -17,6 +17,8 @@ namespace {
 
 namespace fs = std::filesystem;
 
+constexpr char kNoFile[] = "it has the name of a table, and is no regular file";
+
 std::vector<fs::path> EntriesOf(const fs::path& folder) {
   std::vector<fs::path> paths;
   std::error_code error;
@@ -26,6 +28,11 @@ std::vector<fs::path> EntriesOf(const fs::path& folder) {
   }
   std::sort(paths.begin(), paths.end());
   return paths;
+}
+
+bool IsFile(const fs::path& path) {
+  std::error_code ignored;
+  return fs::is_regular_file(path, ignored);
 }
 
 bool IsFolder(const fs::path& path) {
@@ -59,7 +66,9 @@ class StrayFiles {
       }
     }
     for (const fs::path& path : EntriesOf(folder / "varID")) {
-      if (IsFolder(path)) {
+      if (path.extension() == ".csv" && !IsFile(path)) {
+        Warn(path, kNoFile);
+      } else if (IsFolder(path)) {
         CheckMonitorTables(path);
       } else if (EndingOf(path) == ".csv" && path.extension() != ".csv") {
         Warn(path, "the name of a table ends with .csv");
@@ -101,6 +110,8 @@ class StrayFiles {
         Warn(path, "no model is called " + Quoted(name));
       } else if (MonitorVersionOf(path.filename().string()).empty()) {
         Warn(path, "a monitor table is called Monitor_, its version, and .csv");
+      } else if (!IsFile(path)) {
+        Warn(path, kNoFile);
       }
     }
   }

@@ -1,49 +1,36 @@
 #include "upgrade/upgrade_file.h"
 
-#include <QFile>
-#include <QFileInfo>
-#include <new>
+#include <optional>
 
+#include "files/whole_file.h"
 #include "upgrade/upgrade_package.h"
 
 namespace {
 
-/// Why the file cannot be read; "" when it can. A pipe or a device would hold the reader up.
-std::string ObstacleOf(const QUrl& url, const QFileInfo& info) {
+std::string PathOf(const QUrl& url) { return url.toLocalFile().toStdString(); }
+
+/// A sentence; "" for a file that can be used.
+std::string ProblemOf(const std::string& reason, uint64_t size_bytes) {
+  if (!reason.empty()) {
+    return "The file cannot be used: " + reason + '.';
+  }
+  return size_bytes == 0 ? "The file is empty." : "";
+}
+
+/// All that is known of a file before it is read.
+UpgradeFile LookAt(const QUrl& url) {
+  UpgradeFile file;
+  file.name = PathText(url.fileName().toStdString());
   if (!url.isLocalFile()) {
-    return "Only a file of this computer can be sent to the lidar.";
+    file.problem = "Only a file of this computer can be sent to the lidar.";
+    return file;
   }
-  if (!info.exists()) {
-    return "The file does not exist.";
-  }
-  return info.isFile() ? "" : "This is no regular file.";
-}
-
-std::string FaultOf(uint64_t size_bytes) {
-  if (size_bytes == 0) {
-    return "The file is empty.";
-  }
-  return size_bytes > kMaxUpgradeFileSize ? "The file is larger than 64 MiB." : "";
-}
-
-void ReadInto(QFile& source, UpgradeFile* file) {
-  const auto size = static_cast<uint64_t>(source.size());
-  file->size_bytes = size;
-  file->problem = FaultOf(size);
-  if (!file->problem.empty()) {
-    return;
-  }
-  try {
-    file->bytes.resize(size);
-  } catch (const std::bad_alloc&) {
-    file->problem = "There is no memory for the file.";
-    return;
-  }
-  const qint64 read = source.read(reinterpret_cast<char*>(file->bytes.data()), source.size());
-  if (read != static_cast<qint64>(size)) {
-    file->problem = "The file could not be read whole.";
-    file->bytes.clear();
-  }
+  std::optional<uint64_t> size;
+  const std::string reason = LookAtFile(PathOf(url), kMaxUpgradeFileSize, &size);
+  file.opened = size.has_value();
+  file.size_bytes = size.value_or(0);
+  file.problem = ProblemOf(reason, file.size_bytes);
+  return file;
 }
 
 void InspectPackage(const std::vector<uint8_t>& bytes, UpgradeFileFacts* facts) {
@@ -65,39 +52,23 @@ void InspectPackage(const std::vector<uint8_t>& bytes, UpgradeFileFacts* facts) 
 }  // namespace
 
 UpgradeFile ReadUpgradeFile(const QUrl& url) {
-  const QFileInfo info(url.toLocalFile());
-  UpgradeFile file;
-  file.name = info.fileName().toStdString();
-  file.problem = ObstacleOf(url, info);
+  UpgradeFile file = LookAt(url);
   if (!file.problem.empty()) {
     return file;
   }
-  QFile source(info.filePath());
-  file.opened = source.open(QIODevice::ReadOnly);
-  if (file.opened) {
-    ReadInto(source, &file);
-  } else {
-    file.problem = "The file cannot be opened: " + source.errorString().toStdString() + ".";
-  }
+  const std::string reason = ReadWholeFile(PathOf(url), kMaxUpgradeFileSize, &file.bytes);
+  file.size_bytes = reason.empty() ? file.bytes.size() : file.size_bytes;
+  file.problem = ProblemOf(reason, file.size_bytes);
   return file;
 }
 
 UpgradeFileFacts InspectUpgradeFile(const QUrl& url, bool package) {
-  const QFileInfo info(url.toLocalFile());
+  const UpgradeFile file = package ? ReadUpgradeFile(url) : LookAt(url);
   UpgradeFileFacts facts;
-  facts.name = info.fileName().toStdString();
-  facts.problem = ObstacleOf(url, info);
-  if (!facts.problem.empty()) {
-    return facts;
-  }
-  facts.size_bytes = static_cast<uint64_t>(info.size());
-  facts.problem = info.isReadable() ? FaultOf(facts.size_bytes) : "The file may not be read.";
-  if (!package || !facts.problem.empty()) {
-    return facts;
-  }
-  const UpgradeFile file = ReadUpgradeFile(url);
+  facts.name = file.name;
+  facts.size_bytes = file.size_bytes;
   facts.problem = file.problem;
-  if (facts.problem.empty()) {
+  if (package && facts.problem.empty()) {
     InspectPackage(file.bytes, &facts);
   }
   return facts;

@@ -3,13 +3,10 @@
 #include <csv.h>
 
 #include <algorithm>
-#include <cerrno>
-#include <cstring>
-#include <filesystem>
-#include <fstream>
 #include <new>
 #include <stdexcept>
 
+#include "files/whole_file.h"
 #include "variables/utf8_text.h"
 
 namespace {
@@ -31,30 +28,14 @@ constexpr char kTooManyCells[] =
 constexpr char kLongCell[] =
     "a cell is longer than 4 KiB; write less, or close the quotation mark that opens it";
 
-std::string ReadWholeFile(const std::string& path) {
-  std::error_code error;
-  if (!std::filesystem::is_regular_file(path, error)) {
-    throw std::runtime_error(path + ": " + (error ? error.message() : "not a regular file"));
+std::string ReadTable(const std::string& path) {
+  std::string text;
+  if (const std::string reason = ReadWholeFile(path, CsvReader::kMaxFileBytes, &text);
+      !reason.empty()) {
+    throw std::runtime_error(PathText(path) + ": " + reason);
   }
-  const uintmax_t size = std::filesystem::file_size(path, error);
-  if (error) {
-    throw std::runtime_error(path + ": " + error.message());
-  }
-  if (size > CsvReader::kMaxFileBytes) {
-    throw std::runtime_error(path + ": larger than 64 MiB; a table has to be smaller");
-  }
-  std::ifstream file(path, std::ios::binary);
-  if (!file) {
-    throw std::runtime_error(path + ": " + std::strerror(errno));
-  }
-  std::string text(static_cast<size_t>(size), '\0');
-  file.read(text.data(), static_cast<std::streamsize>(text.size()));
-  if (file.bad()) {
-    throw std::runtime_error(path + ": cannot be read");
-  }
-  text.resize(static_cast<size_t>(file.gcount()));  // it may have shrunk meanwhile
   if (const std::string start = text.substr(0, 2); start == "\xFF\xFE" || start == "\xFE\xFF") {
-    throw std::runtime_error(path + ": is saved as UTF-16; save it as UTF-8");
+    throw std::runtime_error(PathText(path) + ": is saved as UTF-16; save it as UTF-8");
   }
   return text;
 }
@@ -104,7 +85,7 @@ class CsvReader::Parser {
 };
 
 CsvReader::CsvReader(const std::string& path, Foreign foreign)
-    : input_(ReadWholeFile(path)), parser_(std::make_unique<Parser>()) {
+    : input_(ReadTable(path)), parser_(std::make_unique<Parser>()) {
   if (foreign == Foreign::kReplaced && Utf8PrefixOf(input_) != input_.size()) {
     input_ = Utf8Of(input_, kMaxForeignLines, &foreign_lines_);
   }

@@ -206,7 +206,8 @@ std::vector<std::pair<std::string, size_t>> CheckFeatures(const ConfigFolder& co
   std::vector<std::pair<std::string, size_t>> rows;
   const std::vector<std::string> models = config.Models();
   const std::string shipped = config.path() + '/' + kFeatureTableName;
-  if (!std::filesystem::exists(shipped)) {
+  std::error_code ignored;
+  if (std::filesystem::status(shipped, ignored).type() == std::filesystem::file_type::not_found) {
     faults->push_back({0,
                        shipped + ": there is no such file; install it again. Every model has the "
                                  "values of empty cells until then",

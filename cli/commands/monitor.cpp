@@ -1,7 +1,7 @@
 #include <QString>
-#include <fstream>
 
 #include "commands/commands.h"
+#include "files/whole_file.h"
 #include "lidar_link.h"
 #include "monitor/monitor_file.h"
 #include "pages/page_reader.h"
@@ -18,24 +18,28 @@ class Recording {
     if (path.empty()) {
       return;
     }
-    file_.open(path, std::ios::binary | std::ios::trunc);
     std::vector<std::string> captions;
     captions.reserve(vars.size());
     for (const VarInfo* var : vars) {
       captions.push_back(var->var_name + UnitSuffix(*var));
     }
-    Write(kRecordFirstColumn, captions);
+    Expect(WriteWholeFile(path, RecordLine(kRecordFirstColumn, captions)).reason);
   }
 
-  void Write(const std::string& first, const std::vector<std::string>& cells) {
-    if (!path_.empty() && !(file_ << RecordLine(first, cells) << std::flush)) {
-      throw Failure(ExitCode::kUsage, path_ + " cannot be written");
+  void Write(const std::vector<std::string>& cells) {
+    if (!path_.empty()) {
+      Expect(AppendToFile(path_, RecordLine(RecordTime(), cells)));
     }
   }
 
  private:
+  void Expect(const std::string& problem) const {
+    if (!problem.empty()) {
+      throw Failure(ExitCode::kUsage, PathText(path_) + ": " + problem);
+    }
+  }
+
   const std::string path_;
-  std::ofstream file_;
 };
 
 /// What is read again and again.
@@ -94,7 +98,7 @@ class Watch {
     }
     context_.output.Line(line);
     context_.output.Object({{"time", time}, {"values", objects}});
-    recording_.Write(RecordTime(), cells);
+    recording_.Write(cells);
   }
 
   Context& context_;

@@ -16,7 +16,7 @@ ExitCode RunSave(Context& context) {
     context.output.Bytes(SettingsJson(file));
   } else if (const std::string problem = SaveSettings(QString::fromStdString(path), file);
              !problem.empty()) {
-    throw Failure(ExitCode::kUsage, path + ": " + problem);
+    throw Failure(ExitCode::kUsage, problem);
   }
   const QJsonObject result{{"file", QFileInfo(QString::fromStdString(path)).absoluteFilePath()},
                            {"values", static_cast<int>(file.values.size())},

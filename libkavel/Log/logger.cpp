@@ -9,6 +9,7 @@
 #include <clocale>
 #include <cstdarg>
 #include <cstdio>
+#include <filesystem>
 #include <limits>
 #include <utility>
 
@@ -88,6 +89,14 @@ std::string FormatLine(const char* format, va_list arguments) {
   return line;
 }
 
+/// A pipe would hold up whoever opens it.
+bool CanBeLogFile(const std::string& path) {
+  std::error_code ignored;
+  const std::filesystem::file_type type = std::filesystem::status(path, ignored).type();
+  return type == std::filesystem::file_type::regular ||
+         type == std::filesystem::file_type::not_found;
+}
+
 }  // namespace
 
 /// The file and the thread that writes it. The thread ends, with the queue written out, when the
@@ -142,8 +151,8 @@ void Logger::AddToQueue(LogLevel level, const char* file, int line, const char* 
 
 bool Logger::SetFile(const std::string& path, LogLevel threshold) {
   std::shared_ptr<File> file;
-  bool opened = true;
-  if (!path.empty()) {
+  bool opened = path.empty() || CanBeLogFile(path);
+  if (opened && !path.empty()) {
     try {
       file = std::make_shared<File>(path, threshold);
     } catch (const std::exception&) {

@@ -12,7 +12,7 @@ namespace {
 
 TEST(WindowStateTest, IsAsItWasLeftAtTheNextStart) {
   QFile::remove(SettingsFilePath());
-  ASSERT_TRUE(SaveConnectionSettings(SettingsFilePath(), {}, "Orca"));
+  ASSERT_EQ(SaveConnectionSettings(SettingsFilePath(), {}, "Orca"), "");
   WindowState first;
   EXPECT_TRUE(first.console_folded() && first.log_folded()) << "the page has the room";
   EXPECT_EQ(first.console_width(), 0);
@@ -29,7 +29,7 @@ TEST(WindowStateTest, IsAsItWasLeftAtTheNextStart) {
   EXPECT_EQ(LoadHostPort(SettingsFilePath(), "Orca"), "ANY") << "what else is there stays";
 
   for (const char* nonsense : {"-5", "wide", "99999999"}) {
-    ASSERT_TRUE(SaveKeptText(SettingsFilePath(), "window/console_width", nonsense));
+    ASSERT_EQ(SaveKeptText(SettingsFilePath(), "window/console_width", nonsense), "");
     EXPECT_EQ(WindowState().console_width(), 0) << nonsense;
   }
   QFile::remove(SettingsFilePath());

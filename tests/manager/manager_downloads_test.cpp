@@ -278,7 +278,7 @@ TEST_F(ManagerDownloadsTest, ADownloadEndsWithWhatItNeedsOrWhenItIsNotWanted) {
 }
 
 TEST_F(ManagerDownloadsTest, TheConfigurationGoesWhereTheLastDownloadWent) {
-  ASSERT_TRUE(SaveDownloadFolder(SettingsFilePath(), Folder()));
+  ASSERT_EQ(SaveDownloadFolder(SettingsFilePath(), Folder()), "");
   const std::unique_ptr<VirtualLidarProcess> lidar(Start({}));
   ASSERT_TRUE(ConnectTo(*lidar));
   EXPECT_EQ(LoadDownloadFolder(SettingsFilePath()), Folder());

@@ -91,7 +91,7 @@ TEST_F(SnapshotsTest, NoSerialNumberLeavesTheFolder) {
 TEST_F(SnapshotsTest, AFolderThatTakesNothingIsAnError) {
   folder_.Write("kept", "a file");
   EXPECT_EQ(snapshots_.Keep(Lidar("A"), SnapshotReason::kApply),
-            "The folder " + path_.toStdString() + "/A cannot be made.");
+            path_.toStdString() + "/A: Not a directory; choose another place");
   EXPECT_TRUE(snapshots_.All().empty());
   EXPECT_NE(Snapshots("/proc").Keep(Lidar("A"), SnapshotReason::kApply), "");
 }

@@ -1,16 +1,15 @@
 #include "device/state_dump.h"
 
-#include <QByteArray>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
-#include <QSaveFile>
 #include <QString>
 #include <vector>
 
 #include "CmxClient/hex_text.h"
 #include "Platform/ipv4_text.h"
 #include "Wire/big_endian.h"
+#include "files/whole_file.h"
 #include "variables/value_text.h"
 
 namespace {
@@ -107,17 +106,7 @@ std::string DumpState(const VirtualDevice& device) {
 }
 
 bool WriteDump(const VirtualDevice& device, const std::string& path, std::string* error) {
-  const QByteArray text = QByteArray::fromStdString(DumpState(device));
-  QSaveFile file(QString::fromStdString(path));
-  if (file.open(QIODevice::WriteOnly)) {
-    // A short write does not make commit() fail.
-    if (file.write(text) != text.size()) {
-      file.cancelWriting();
-    }
-    if (file.commit()) {
-      return true;
-    }
-  }
-  *error = "cannot write " + path + ": " + file.errorString().toStdString();
-  return false;
+  const FileOutcome outcome = WriteWholeFile(path, DumpState(device));
+  *error = outcome.written ? "" : "cannot write " + PathText(path) + ": " + outcome.reason;
+  return outcome.written;
 }

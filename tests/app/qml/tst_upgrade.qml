@@ -72,7 +72,7 @@ TestCase {
                 { tag: "empty", file: "a.patch", bytes: 0, note: "The file is empty." },
                 { tag: "large", file: "a.patch", bytes: 67108865, note: "larger than 64 MiB" },
                 { tag: "folder", file: "a.patch/", bytes: -1, note: rejected, calls: named },
-                { tag: "vanished", file: "a.patch", bytes: -1, note: "does not exist" }];
+                { tag: "vanished", file: "a.patch", bytes: -1, note: "there is no such file" }];
     }
 
     function test_a_file_is_looked_at_before_it_can_be_sent(data) {
