@@ -1,44 +1,41 @@
 #pragma once
 
-#include <gtest/gtest.h>
 #include <stdlib.h>
 
 #include <clocale>
-#include <filesystem>
-#include <string>
 
-/// A locale with a decimal comma, in force while this lives: the system's, or one made for the
-/// occasion.
+#include "support/test_folder.h"
+
+/// A locale with a decimal comma, in force while this lives. It is made for the occasion, with
+/// nothing else in it: a whole one takes seconds.
 class GermanLocale {
  public:
   GermanLocale() {
-    if (Load()) {
-      return;
+    std::string source =
+        "LC_NUMERIC\ndecimal_point \"<U002C>\"\nthousands_sep \"<U002E>\"\ngrouping 3;3\n"
+        "END LC_NUMERIC\n";
+    for (const std::string rest : {"CTYPE", "COLLATE", "MONETARY", "TIME", "MESSAGES"}) {
+      source.append("LC_").append(rest).append("\ncopy \"POSIX\"\nEND LC_").append(rest) += '\n';
     }
-    std::filesystem::create_directories(folder_);
-    const std::string command =
-        "localedef -i de_DE -f UTF-8 '" + folder_ + "/" + kName + "' >/dev/null 2>&1";
+    const std::string command = "localedef -c -f ANSI_X3.4-1968 -i '" +
+                                folder_.Write("source", source) + "' '" + folder_.path() +
+                                "/comma' >/dev/null 2>&1";
     // localedef warns with a non-zero result; whether the locale loads is what counts.
     (void)!std::system(command.c_str());  // NOLINT(bugprone-command-processor)
-    setenv("LOCPATH", folder_.c_str(), 1);
-    Load();
+    setenv("LOCPATH", folder_.path().c_str(), 1);
+    works_ = std::setlocale(LC_ALL, "comma") != nullptr;
   }
   ~GermanLocale() {
     std::setlocale(LC_ALL, "C");
     unsetenv("LOCPATH");
-    std::filesystem::remove_all(folder_);
   }
   GermanLocale(const GermanLocale&) = delete;
   GermanLocale& operator=(const GermanLocale&) = delete;
 
-  /// False when this machine has none and cannot make one.
+  /// False where there is no localedef.
   bool works() const { return works_; }
 
  private:
-  static constexpr const char* kName = "de_DE.UTF-8";
-
-  bool Load() { return works_ = std::setlocale(LC_ALL, kName) != nullptr; }
-
-  const std::string folder_ = testing::TempDir() + "german_locale";
+  const TestFolder folder_;
   bool works_ = false;
 };
