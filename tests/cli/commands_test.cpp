@@ -1,7 +1,5 @@
 // Each command against a virtual lidar: its exit code, and what it prints.
 
-#include <gtest/gtest.h>
-
 #include <QDir>
 #include <QFile>
 #include <QRegularExpression>
@@ -37,25 +35,21 @@ TEST_F(Commands, WrongUsageIsTwoAndSaysWhatIsRight) {
       {{"models", "--config", "/nonexistent"}, "no tables in /nonexistent/varID"},
   };
   for (const auto& [arguments, words] : cases) {
-    Tevronctl ended(QStringList{"--json"} + arguments);
-    EXPECT_EQ(ended.Code(), 2) << Words(ended);
+    const Ran ended(2, arguments);
     EXPECT_TRUE(ended.err().contains(words)) << Words(ended);
     EXPECT_EQ(ended.Error()["code"], 2) << Words(ended);
   }
 }
 
 TEST_F(Commands, TellOfTheTables) {
-  Tevronctl models({"--json", "models"});
-  EXPECT_EQ(models.Code(), 0);
+  const Ran models(0, {"models"});
   EXPECT_EQ(models.Json()["models"].toArray().size(), 5);
   EXPECT_EQ(models.Json()["models"].toArray()[3].toObject()["reached"], "network");
 
-  Tevronctl good({"--json", "check-tables"});
-  EXPECT_EQ(good.Code(), 0) << Words(good);
+  const Ran good(0, {"check-tables"});
   EXPECT_TRUE(good.Json()["faults"].isArray());
   std::ofstream("Config/varID/Osprey.csv", std::ios::app) << "1,1,0x51,,,Twice\n";
-  Tevronctl bad({"--json", "check-tables", "--model", "osp"});
-  EXPECT_EQ(bad.Code(), 1);
+  const Ran bad(1, {"check-tables", "--model", "osp"});
   const QJsonObject fault = bad.Json()["faults"].toArray().last().toObject();
   EXPECT_TRUE(fault["file"].toString().endsWith("Osprey.csv")) << Words(bad);
   EXPECT_GT(fault["line"].toInt(), 1);
@@ -63,8 +57,7 @@ TEST_F(Commands, TellOfTheTables) {
   ChildProcess same(TEVRON_VIRTUAL_LIDAR_PROGRAM,
                     {"--check-tables", "Osprey", "--config", "./Config"});
   EXPECT_EQ(same.ExitCode(), 1);
-  Tevronctl words({"check-tables", "--model", "Osprey"});
-  EXPECT_EQ(words.Code(), 1);
+  const Said words(1, {"check-tables", "--model", "Osprey"});
   EXPECT_GT(words.out().size(), 0);
   EXPECT_TRUE(same.Output().endsWith(QString::fromUtf8(words.out()))) << Words(words);
 }
@@ -74,27 +67,23 @@ TEST_F(Commands, LetNoTextOfALidarCommandTheTerminal) {
       "X\x1b]0;t\x07\nSN = 1\xc2\x9b"
       "1m");
   const VirtualLidarProcess lidar({"--set", "SN=" + hostile});
-  Tevronctl words(QStringList{"get", "SN"} + At(lidar));
-  EXPECT_EQ(words.Code(), 0);
+  const Said words(0, {"get", "SN"}, At(lidar));
   EXPECT_EQ(words.out(), "SN = X\\u001b]0;t\\u0007\\u000aSN = 1\\u009b1m\n");
-  Tevronctl json(QStringList{"--json", "get", "SN"} + At(lidar));
-  EXPECT_EQ(json.Code(), 0);
+  const Ran json(0, {"get", "SN"}, At(lidar));
   EXPECT_EQ(ValueOf(json, "SN")["text"], hostile);
   EXPECT_FALSE(json.out().contains("\x9b"));
 }
 
 TEST_F(Commands, ReadWhatTheLidarHolds) {
   const VirtualLidarProcess lidar({"--set", "Spin Rate=1200"});
-  Tevronctl info(QStringList{"--json", "info"} + At(lidar));
-  EXPECT_EQ(info.Code(), 0) << Words(info);
+  const Ran info(0, {"info"}, At(lidar));
   for (const char* key : {"pn", "sn", "hardware", "firmware"}) {
     EXPECT_FALSE(info.Json()[key].toString().isEmpty()) << key;
   }
   EXPECT_EQ(info.Json()["model"], "Orca");
   EXPECT_EQ(info.Json()["address"], "127.0.0.1:" + QString::number(lidar.port()));
 
-  Tevronctl some(QStringList{"--json", "get", "spin r", "Range Offset"} + At(lidar));
-  EXPECT_EQ(some.Code(), 0) << Words(some);
+  const Ran some(0, {"get", "spin r", "Range Offset"}, At(lidar));
   EXPECT_EQ(some.Json()["values"].toArray().size(), 2);
   const QJsonObject rate = ValueOf(some, "Spin Rate");
   EXPECT_EQ(rate["text"], "1200");
@@ -105,21 +94,17 @@ TEST_F(Commands, ReadWhatTheLidarHolds) {
   EXPECT_EQ(rate["state"], "read");
 
   // Every value is the lidar's own, those of its hardware version among them.
-  Tevronctl all(QStringList{"--json", "get"} + At(lidar));
-  EXPECT_EQ(all.Code(), 0) << Words(all);
+  const Ran all(0, {"get"}, At(lidar));
   EXPECT_GT(all.Json()["values"].toArray().size(), 80);
   EXPECT_EQ(ValueOf(all, "Clock Synchronisation")["hex"],
             lidar.Held("Clock Synchronisation", "hex"));
   EXPECT_FALSE(ValueOf(all, "Emitter Temperature").isEmpty());
 
-  Tevronctl ambiguous(QStringList{"--json", "get", "spin"} + At(lidar));
-  EXPECT_EQ(ambiguous.Code(), 2);
+  const Ran ambiguous(2, {"get", "spin"}, At(lidar));
   EXPECT_TRUE(ambiguous.err().contains("\"Spin Rate\", \"Spin Direction\"")) << Words(ambiguous);
 
-  Tevronctl monitor(QStringList{"--json", "monitor", "--interval", "0.1", "--duration", "0.25",
-                                "--csv", "m.csv"} +
+  const Ran monitor(0, {"monitor", "--interval", "0.1", "--duration", "0.25", "--csv", "m.csv"},
                     At(lidar));
-  EXPECT_EQ(monitor.Code(), 0) << Words(monitor);
   EXPECT_EQ(monitor.out().count('\n'), 3) << Words(monitor);
   EXPECT_EQ(ValueOf(monitor, "Rotor Speed")["state"], "read") << Words(monitor);
   QFile csv("m.csv");
@@ -129,31 +114,25 @@ TEST_F(Commands, ReadWhatTheLidarHolds) {
 
 TEST_F(Commands, SendAndTellWhatTheLidarSaid) {
   const VirtualLidarProcess lidar({"--fault", "drop@0x34"});
-  Tevronctl taken(QStringList{"--json", "send", "0x12", "04b0", "0", "00"} + At(lidar));
-  EXPECT_EQ(taken.Code(), 1) << "the payload is too short";
+  const Ran taken(1, {"send", "0x12", "04b0", "0", "00"}, At(lidar));  // the payload is too short
   EXPECT_EQ(taken.Json()["return_code"], 2);
   EXPECT_EQ(taken.Error()["lidar_code"], 2);
-  Tevronctl read(QStringList{"--json", "send", "11"} + At(lidar));
-  EXPECT_EQ(read.Code(), 0) << Words(read);
+  const Ran read(0, {"send", "11"}, At(lidar));
   EXPECT_TRUE(read.Json()["payload"].toString().startsWith("02 58 ")) << Words(read);
-  Tevronctl lost(QStringList{"--json", "send", "34"} + At(lidar));
-  EXPECT_EQ(lost.Code(), 4) << Words(lost);
+  const Ran lost(4, {"send", "34"}, At(lidar));
 
-  Tevronctl nobody({"--json", "info", "--model", "Orca", "--host", "127.0.0.1:1"});
-  EXPECT_EQ(nobody.Code(), 3);
+  const Ran nobody(3, {"info", "--model", "Orca", "--host", "127.0.0.1:1"});
   EXPECT_TRUE(nobody.Error()["message"].toString().contains("127.0.0.1")) << Words(nobody);
 }
 
 TEST_F(Commands, RestartResetAndSaveFiles) {
   const VirtualLidarProcess lidar({"--set", "Spin Rate=1200", "--log-size", "5000"});
-  Tevronctl restart(QStringList{"--json", "restart"} + At(lidar));
-  EXPECT_EQ(restart.Code(), 0) << Words(restart);
+  const Ran restart(0, {"restart"}, At(lidar));
   EXPECT_EQ(restart.Json()["back"], true);
   EXPECT_EQ(lidar.Held("Spin Rate"), "1200");
   QDir kept(qEnvironmentVariable("XDG_DATA_HOME") + "/Tevron/snapshots");
   kept.removeRecursively();
-  Tevronctl reset(QStringList{"--json", "reset", "--yes", "--no-wait"} + At(lidar));
-  EXPECT_EQ(reset.Code(), 0) << Words(reset);
+  const Ran reset(0, {"reset", "--yes", "--no-wait"}, At(lidar));
   EXPECT_EQ(reset.Json()["accepted"], true);
   EXPECT_EQ(lidar.Held("Spin Rate"), "600");
   kept.refresh();
@@ -162,8 +141,7 @@ TEST_F(Commands, RestartResetAndSaveFiles) {
   const std::pair<QStringList, int> downloads[] = {{{"download", "event", "."}, 1},
                                                    {{"log", "."}, 4}};
   for (const auto& [arguments, count] : downloads) {
-    Tevronctl download(QStringList{"--json"} + arguments + At(lidar));
-    EXPECT_EQ(download.Code(), 0) << Words(download);
+    const Ran download(0, arguments, At(lidar));
     const QJsonArray files = download.Json()["files"].toArray();
     ASSERT_EQ(files.size(), count) << Words(download);
     EXPECT_EQ(QFile(files.first().toString()).size(), 5000);
@@ -217,14 +195,11 @@ TEST_F(Commands, WorkOverSerialLinesAsFarAsTheyGo) {
   const VirtualLidarProcess lumo({"--model", "Lumo"});
   const QStringList at{"--model", "Lumo", "--serial",
                        lumo.SerialPort("485") + ',' + lumo.SerialPort("232")};
-  Tevronctl info(QStringList{"--json", "info"} + at);
-  EXPECT_EQ(info.Code(), 0) << Words(info);
+  const Ran info(0, {"info"}, at);
   EXPECT_EQ(info.Json()["sn"], "Lumo2600731");
-  Tevronctl calibration(QStringList{"--json", "calibration", "c.bin"} + at);
-  EXPECT_EQ(calibration.Code(), 0) << Words(calibration);
+  const Ran calibration(0, {"calibration", "c.bin"}, at);
   EXPECT_GT(QFile("c.bin").size(), 0);
-  Tevronctl restart(QStringList{"restart"} + at);
-  EXPECT_EQ(restart.Code(), 0) << Words(restart);
+  const Said restart(0, {"restart"}, at);
 }
 
 TEST_F(Commands, UpgradeTellsBothVersionsAndEndsCleanlyWhenInterrupted) {
@@ -235,23 +210,19 @@ TEST_F(Commands, UpgradeTellsBothVersionsAndEndsCleanlyWhenInterrupted) {
   interrupted.Signal(SIGINT);
   EXPECT_EQ(interrupted.Code(), 130) << Words(interrupted);
   EXPECT_EQ(interrupted.Error()["code"], 130);
-  Tevronctl alive(QStringList{"info"} + At(slow));
-  EXPECT_EQ(alive.Code(), 0) << Words(alive);
+  const Said alive(0, {"info"}, At(slow));
 
   const VirtualLidarProcess lidar;
-  Tevronctl upgrade(QStringList{"--json", "upgrade", "orca.patch"} + At(lidar));
-  EXPECT_EQ(upgrade.Code(), 0) << Words(upgrade);
+  const Ran upgrade(0, {"upgrade", "orca.patch"}, At(lidar));
   EXPECT_TRUE(upgrade.Json()["after"].toString().contains("9.8.7")) << Words(upgrade);
   EXPECT_NE(upgrade.Json()["before"], upgrade.Json()["after"]);
   EXPECT_FALSE(upgrade.err().contains('\r')) << "a progress bar that is on no terminal";
 
   const VirtualLidarProcess closing({"--fault", "close-at-piece=3"});
-  Tevronctl lost(QStringList{"--json", "upgrade", "orca.patch"} + At(closing));
-  EXPECT_EQ(lost.Code(), 4) << Words(lost);
+  const Ran lost(4, {"upgrade", "orca.patch"}, At(closing));
 
   VirtualLidarProcess::MakeFirmware("Osprey", "9.8.7", "osprey.patch", 1);
-  Tevronctl refused(QStringList{"--json", "upgrade", "osprey.patch"} + At(lidar));
-  EXPECT_EQ(refused.Code(), 1) << Words(refused);
+  const Ran refused(1, {"upgrade", "osprey.patch"}, At(lidar));
 }
 
 TEST_F(Commands, CountThePacketsOfThePointCloud) {
@@ -261,9 +232,8 @@ TEST_F(Commands, CountThePacketsOfThePointCloud) {
     port = unused.port();
   }
   const VirtualLidarProcess lidar({"--udp", "127.0.0.1:" + QString::number(port) + "@200"});
-  const QStringList watch{"--json", "watch-udp", "--interval", "0.2", "--duration", "1", "--port"};
-  Tevronctl counted(watch + QStringList{QString::number(port)});
-  EXPECT_EQ(counted.Code(), 0) << Words(counted);
+  const QStringList watch{"watch-udp", "--interval", "0.2", "--duration", "1", "--port"};
+  const Ran counted(0, watch, {QString::number(port)});
   EXPECT_GT(counted.Json()["packets"].toInt(), 0);
   EXPECT_GT(counted.Json()["rate"].toDouble(), 0);
   EXPECT_EQ(counted.Json()["lost"], 0) << Words(counted);

@@ -1,7 +1,5 @@
 // Settings from the command line, and what is written about it.
 
-#include <gtest/gtest.h>
-
 #include <QFile>
 #include <QFileInfo>
 #include <QRegularExpression>
@@ -42,17 +40,14 @@ TEST_F(SettingsCommands, SetChecksWritesAndReadsBack) {
       {{"Noise Filter=1", "Noise Filter=2"}, 2},
   };
   for (const auto& [arguments, code] : cases) {
-    Tevronctl ended(QStringList{"--json", "set"} + arguments + At(lidar));
-    EXPECT_EQ(ended.Code(), code) << Words(ended);
+    const Ran ended(code, QStringList{"set"} + arguments, At(lidar));
     EXPECT_EQ(lidar.Held("Spin Rate"), "1200") << Words(ended);
   }
   EXPECT_EQ(lidar.Held("Return Mode"), "3");
-  Tevronctl refused(QStringList{"--json", "set", "Motor Start Delay=300"} + At(lidar));
-  EXPECT_EQ(refused.Code(), 1) << Words(refused);
+  const Ran refused(1, {"set", "Motor Start Delay=300"}, At(lidar));
   EXPECT_EQ(refused.Error()["lidar_code"], 4) << Words(refused);
   EXPECT_EQ(ValueOf(refused, "Motor Start Delay")["outcome"], "refused");
-  Tevronctl told(QStringList{"--json", "set", "Azimuth Trim=4.5"} + At(lidar));
-  EXPECT_EQ(told.Code(), 0) << Words(told);
+  const Ran told(0, {"set", "Azimuth Trim=4.5"}, At(lidar));
   EXPECT_EQ(ValueOf(told, "Azimuth Trim")["text"], "4.50");
   EXPECT_EQ(ValueOf(told, "Azimuth Trim")["hex"], "00 12");
   EXPECT_EQ(ValueOf(told, "Azimuth Trim")["state"], "read");
@@ -61,53 +56,41 @@ TEST_F(SettingsCommands, SetChecksWritesAndReadsBack) {
 TEST_F(SettingsCommands, SavedSettingsAreComparedAndApplied) {
   const VirtualLidarProcess one({"--set", "Spin Rate=1200", "--set", "Noise Filter=5"});
   const VirtualLidarProcess other;
-  Tevronctl save(QStringList{"--json", "save", "one.tevron.json"} + At(one));
-  EXPECT_EQ(save.Code(), 0) << Words(save);
+  const Ran save(0, {"save", "one.tevron.json"}, At(one));
   EXPECT_EQ(save.Json()["unread"], 0);
-  Tevronctl piped(QStringList{"save", "-"} + At(one));
-  EXPECT_EQ(piped.Code(), 0);
+  const Said piped(0, {"save", "-"}, At(one));
   EXPECT_EQ(QJsonDocument::fromJson(piped.out()).object()["model"], "Orca");
 
-  Tevronctl differs(QStringList{"--json", "diff", "one.tevron.json"} + At(other));
-  EXPECT_EQ(differs.Code(), 1);
+  const Ran differs(1, {"diff", "one.tevron.json"}, At(other));
   EXPECT_EQ(differs.Json()["equal"], false);
   EXPECT_EQ(differs.Json()["differences"].toArray().size(), 2) << Words(differs);
   EXPECT_EQ(differs.Json()["differences"].toArray()[0].toObject()["left"], "1200");
 
-  Tevronctl dry(QStringList{"--json", "apply", "one.tevron.json", "--dry-run"} + At(other));
-  EXPECT_EQ(dry.Code(), 0) << Words(dry);
+  const Ran dry(0, {"apply", "one.tevron.json", "--dry-run"}, At(other));
   EXPECT_EQ(other.Held("Spin Rate"), "600");
-  Tevronctl only(QStringList{"--json", "apply", "one.tevron.json", "--only", "noise"} + At(other));
-  EXPECT_EQ(only.Code(), 0) << Words(only);
+  const Ran only(0, {"apply", "one.tevron.json", "--only", "noise"}, At(other));
   EXPECT_EQ(other.Held("Noise Filter"), "5");
   EXPECT_EQ(other.Held("Spin Rate"), "600");
-  Tevronctl apply(QStringList{"--json", "apply", "one.tevron.json"} + At(other));
-  EXPECT_EQ(apply.Code(), 0) << Words(apply);
+  const Ran apply(0, {"apply", "one.tevron.json"}, At(other));
   EXPECT_EQ(ResultOf(apply, "Spin Rate")["outcome"], "written");
   EXPECT_EQ(ResultOf(apply, "Spin Rate")["holds"], "1200");
   EXPECT_EQ(ResultOf(apply, "IP Address")["outcome"], "skipped");
-  Tevronctl same(QStringList{"diff", "one.tevron.json"} + At(other));
-  EXPECT_EQ(same.Code(), 0) << Words(same);
-  Tevronctl files({"diff", "one.tevron.json", "one.tevron.json"});
-  EXPECT_EQ(files.Code(), 0) << Words(files);
+  const Said same(0, {"diff", "one.tevron.json"}, At(other));
+  const Said files(0, {"diff", "one.tevron.json", "one.tevron.json"});
 
   const VirtualLidarProcess osprey({"--model", "Osprey"});
-  Tevronctl foreign(QStringList{"apply", "one.tevron.json"} + At(osprey, "Osprey"));
-  EXPECT_EQ(foreign.Code(), 2) << Words(foreign);
+  const Said foreign(2, {"apply", "one.tevron.json"}, At(osprey, "Osprey"));
   std::ofstream("half.tevron.json") << "{\"format\": 1,";
-  Tevronctl half(QStringList{"apply", "half.tevron.json"} + At(other));
-  EXPECT_EQ(half.Code(), 2) << Words(half);
+  const Said half(2, {"apply", "half.tevron.json"}, At(other));
 }
 
 TEST_F(SettingsCommands, AnApplyThatEndsInTheMiddleSaysWhatWasDone) {
   const VirtualLidarProcess one(
       {"--set", "Spin Rate=1200", "--set", "Clock Synchronisation=0", "--set", "IMU Rate=400"});
-  Tevronctl save(QStringList{"save", "one.tevron.json"} + At(one));
-  ASSERT_EQ(save.Code(), 0) << Words(save);
+  const Ran save(0, {"save", "one.tevron.json"}, At(one));
 
   const VirtualLidarProcess silent({"--fault", "drop@0x31"});
-  Tevronctl lost(QStringList{"--json", "apply", "one.tevron.json"} + At(silent));
-  EXPECT_EQ(lost.Code(), 4) << Words(lost);
+  const Ran lost(4, {"apply", "one.tevron.json"}, At(silent));
   EXPECT_EQ(ResultOf(lost, "Spin Rate")["outcome"], "written");
   EXPECT_EQ(ResultOf(lost, "IMU Rate")["outcome"], "skipped");
 
@@ -137,8 +120,7 @@ TEST_F(SettingsCommands, TheScriptOfTheFactoryLinePassesFiveLidars) {
                     i == 0 ? "Spin Rate=1200" : "Noise Filter=1"}));
     addresses << "127.0.0.1:" + QString::number(lidars.back()->port());
   }
-  Tevronctl save(QStringList{"save", "reference.tevron.json"} + At(*lidars.front()));
-  ASSERT_EQ(save.Code(), 0) << Words(save);
+  const Said save(0, {"save", "reference.tevron.json"}, At(*lidars.front()));
   QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
   const QString bin = QFileInfo(TEVRONCTL_PROGRAM).path();
   environment.insert("PATH", bin + ':' + environment.value("PATH"));
@@ -154,26 +136,21 @@ TEST_F(SettingsCommands, TheScriptOfTheFactoryLinePassesFiveLidars) {
 
 TEST_F(SettingsCommands, ABundleHoldsWhatWasListedWithOrWithoutALidar) {
   const VirtualLidarProcess lidar;
-  Tevronctl dry({"bundle", "help.zip", "--dry-run"});
-  EXPECT_EQ(dry.Code(), 0) << Words(dry);
+  const Said dry(0, {"bundle", "help.zip", "--dry-run"});
   EXPECT_TRUE(dry.out().contains("left out: no lidar was named")) << Words(dry);
   EXPECT_FALSE(QFile::exists("help.zip"));
-  Tevronctl full(QStringList{"--json", "bundle", "help.zip"} + At(lidar));
-  EXPECT_EQ(full.Code(), 0) << Words(full);
+  const Ran full(0, {"bundle", "help.zip"}, At(lidar));
   EXPECT_TRUE(full.err().contains("settings.tevron.json: ")) << Words(full);
   EXPECT_TRUE(full.Json()["entries"].toArray()[0].toObject()["left_out"].isNull()) << Words(full);
   EXPECT_GT(QFileInfo("help.zip").size(), 1000);
-  Tevronctl silent({"bundle", "no.zip", "--model", "Orca", "--host", "127.0.0.1:1"});
-  EXPECT_EQ(silent.Code(), 0) << Words(silent);
+  const Said silent(0, {"bundle", "no.zip", "--model", "Orca", "--host", "127.0.0.1:1"});
   EXPECT_TRUE(silent.err().contains("the settings are left out")) << Words(silent);
-  Tevronctl unwritable({"bundle", "none/help.zip"});
-  EXPECT_EQ(unwritable.Code(), 2) << Words(unwritable);
+  const Said unwritable(2, {"bundle", "none/help.zip"});
 }
 
 // What the program tells of itself is made from its command line; the page is written by hand.
 TEST_F(SettingsCommands, EveryCommandAndOptionIsOnThePages) {
-  Tevronctl help({"--help-all"});
-  EXPECT_EQ(help.Code(), 0);
+  const Said help(0, {"--help-all"});
   const QString page = ReadAll(TEVRON_SOURCE "/docs/tevronctl.md");
   const QString manual = ReadAll(TEVRON_SHARE "/man/man1/tevronctl.1").remove('\\');
   const QString all = QString::fromUtf8(help.out());
@@ -186,8 +163,6 @@ TEST_F(SettingsCommands, EveryCommandAndOptionIsOnThePages) {
     const QString name = match.next().captured();
     EXPECT_TRUE(all.contains(name)) << "on the page, unknown: " << name.toStdString();
   }
-  Tevronctl models({"models"});
-  models.Code();
   const char* const script =
       ". \"$0\"; for w in '' get; do COMP_WORDS=(tevronctl $w --); COMP_CWORD=$((${#COMP_WORDS[@]} "
       "- 1)); _tevronctl; echo \"${COMPREPLY[@]}\"; done";

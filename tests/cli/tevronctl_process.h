@@ -1,13 +1,12 @@
 #pragma once
 
+#include <gtest/gtest.h>
 #include <signal.h>
 
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QProcess>
-#include <QString>
-#include <QStringList>
 
 /// tevronctl as a process of its own, with the tables under "./Config".
 class Tevronctl {
@@ -62,3 +61,17 @@ class Tevronctl {
 inline std::string Words(const Tevronctl& ended) {
   return (ended.out() + ended.err()).toStdString();
 }
+
+/// One that runs to its end, which has to be with that exit code, and tells its results in words.
+/// `at` are further arguments: those that name the lidar.
+struct Said : Tevronctl {
+  Said(int code, const QStringList& arguments, const QStringList& at = {})
+      : Tevronctl(arguments + at) {
+    EXPECT_EQ(Code(), code) << (arguments.join(' ') + '\n').toStdString() << Words(*this);
+  }
+};
+/// The same with its results as JSON.
+struct Ran : Said {
+  Ran(int code, const QStringList& arguments, const QStringList& at = {})
+      : Said(code, QStringList{"--json"} + arguments, at) {}
+};
