@@ -10,12 +10,7 @@
 namespace {
 
 TEST(ConsoleWordsTest, TellHowACommandWent) {
-  struct Case {
-    const char* command;
-    const char* header;
-    const char* verdict;
-  };
-  const Case cases[] = {
+  const char* const cases[][3] = {
       {"0x11", "47 74 11 00 00 00 00 12", "0x11 answered, 18 bytes"},
       {"7", "47 74 07 00 00 00 00 01", "0x07 answered, 1 byte"},
       {"2a", "47 74 2a 00 00 01 00 00", "0x2A answered, 65536 bytes"},
@@ -24,8 +19,8 @@ TEST(ConsoleWordsTest, TellHowACommandWent) {
       {"0x11", "47 74 12 00 00 00 00 00", "0x11: the answer belongs to 0x12"},
       {"0x11", "", "0x11: no answer"},
   };
-  for (const Case& c : cases) {
-    EXPECT_EQ(ConsoleWords::Verdict(c.command, c.header)["text"].toString(), c.verdict);
+  for (const auto& [command, header, verdict] : cases) {
+    EXPECT_EQ(ConsoleWords::Verdict(command, header)["text"].toString(), verdict);
   }
 }
 

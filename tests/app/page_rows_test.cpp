@@ -82,13 +82,7 @@ void FillForSearch(QObject* manager, const QString& state) {
 }
 
 TEST(PageRowsTest, FindsNamesValuesAndPages) {
-  const struct {
-    const char* words;
-    bool only_edited;
-    bool only_changed;
-    const char* state;
-    QString found;
-  } rows_of_table[] = {
+  const std::tuple<const char*, bool, bool, const char*, QString> cases[] = {
       {"", false, false, "read", ""},
       {"SPIN", false, false, "read", "Spin Rate"},
       {"scan  min", false, false, "read", "Minimum Distance"},
@@ -102,20 +96,20 @@ TEST(PageRowsTest, FindsNamesValuesAndPages) {
       {"", true, false, "read", ""},
       {"device", true, false, "edited", "Serial Number"},
   };
-  for (const auto& row : rows_of_table) {
-    SCOPED_TRACE(std::string(row.words) + " " + row.state);
+  for (const auto& [words, only_edited, only_changed, state, wanted] : cases) {
+    SCOPED_TRACE(std::string(words) + " " + state);
     QObject manager;
-    FillForSearch(&manager, row.state);
+    FillForSearch(&manager, state);
     PageRows rows;
     rows.SetPage(PageRows::kEveryPage);
     rows.SetManager(&manager);
     EXPECT_EQ(rows.count(), 0);
-    rows.Search(row.words, row.only_edited, row.only_changed);
+    rows.Search(words, only_edited, only_changed);
     QStringList found;
     for (int i = 0; i < rows.count(); ++i) {
       found << rows.index(i).data(PageRows::kCaptionRole).toString();
     }
-    EXPECT_EQ(found.join(','), row.found);
+    EXPECT_EQ(found.join(','), wanted);
     EXPECT_EQ(rows.found_count(), found.size());
   }
 }

@@ -159,6 +159,20 @@ bool Screen::WaitForNotice(const QString& text) const {
   return WaitFor([&] { return Text(QStringLiteral("noticeText")).contains(text); });
 }
 
+bool Screen::Answer(const QString& text, const QString& by) {
+  if (!WaitForBox(text)) {
+    return false;
+  }
+  if (by == QLatin1String("Escape")) {
+    Key(Qt::Key_Escape);
+  } else if (by != QLatin1String("Enter")) {
+    Click(by);
+  } else if (WaitFor([this] { return Find(QStringLiteral("dialogReject"))->hasActiveFocus(); })) {
+    Key(Qt::Key_Return);
+  }
+  return WaitFor([&] { return !BoxMessage().contains(text); });
+}
+
 bool Screen::CloseBox() {
   Click(QStringLiteral("dialogAccept"));
   return WaitFor([this] { return BoxMessage().isEmpty(); });

@@ -52,6 +52,9 @@ class Screen {
   bool WaitForBox(const QString& text) const;
   /// Waits for a notice of success that holds `text`.
   bool WaitForNotice(const QString& text) const;
+  /// Waits for a box that holds `text`, and for its end after the button of this name was clicked;
+  /// "Escape" presses that key, and "Enter" the other once the safe answer has the keyboard.
+  bool Answer(const QString& text, const QString& by = QStringLiteral("dialogAccept"));
   /// Clicks the main button of the open box; false when another box is open after that.
   bool CloseBox();
   /// Asks the scene for something, as the window does.

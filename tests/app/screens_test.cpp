@@ -26,6 +26,7 @@ const char kMaximumDistance[] = "field_2_2_2";
 const char kReturnMode[] = "choice_2_0_2";
 const char kNoiseFilter[] = "switch_2_2_0";
 const char kNoiseFilterField[] = "field_2_2_0";
+const char kNotSaved[] = "What you changed on this page is not saved.";
 
 class ScreensTest : public testing::Test {
  protected:
@@ -88,10 +89,9 @@ TEST_F(ScreensTest, TellsWhyALidarCannotBeReached) {
   screen_.Click("connectButton");
   EXPECT_TRUE(screen_.WaitForBox("Is Connecting Lidar... Please wait."));
   screen_.Click("dialogAccept");
-  ASSERT_TRUE(screen_.WaitForBox(
+  ASSERT_TRUE(screen_.Answer(
       QString("TCP connection failed.\n127.0.0.1, port %1: the connection was refused")
           .arg(lidar_.port())));
-  ASSERT_TRUE(screen_.CloseBox());
   EXPECT_TRUE(WaitFor([&] { return screen_.Find("connectingIndicator") == nullptr; }));
   EXPECT_EQ(screen_.LampColor(), QColor("red"));
 
@@ -143,37 +143,27 @@ TEST_F(ScreensTest, WritesWhatIsTypedAndMarksItUntilItIsSaved) {
   ConnectOnTab(kScanTab);
   screen_.TypeInto(kMaximumDistance, "78");
   screen_.Click("tab1");
-  ASSERT_TRUE(screen_.WaitForBox("What you changed on this page is not saved."));
-  ASSERT_TRUE(WaitFor([&] { return screen_.Find("dialogReject")->hasActiveFocus(); }));
-  screen_.Key(Qt::Key_Return);
-  ASSERT_TRUE(WaitFor([&] { return screen_.BoxMessage().isEmpty(); }));
+  ASSERT_TRUE(screen_.Answer(kNotSaved, "Enter"));
   EXPECT_EQ(screen_.Text(kMaximumDistance), "78") << "whoever stays loses nothing";
   screen_.Click("tab1");
-  ASSERT_TRUE(screen_.WaitForBox("What you changed on this page is not saved."));
-  screen_.Click("dialogOther");
-  ASSERT_TRUE(WaitFor([&] { return screen_.Value("pageTabs", "currentIndex").toInt() == 1; }));
-  ASSERT_TRUE(WaitFor([&] { return screen_.BoxMessage().isEmpty(); }));
+  ASSERT_TRUE(screen_.Answer(kNotSaved, "dialogOther"));
+  EXPECT_EQ(screen_.Value("pageTabs", "currentIndex").toInt(), 1);
   screen_.Click(kScanTab);
   EXPECT_EQ(screen_.Text(kMaximumDistance), "200");
 
   screen_.TypeInto(kMaximumDistance, "90");
   screen_.Ask("askToClose");
-  ASSERT_TRUE(screen_.WaitForBox("What you changed on this page is not saved."));
-  screen_.Key(Qt::Key_Escape);
-  ASSERT_TRUE(WaitFor([&] { return screen_.BoxMessage().isEmpty(); }));
+  ASSERT_TRUE(screen_.Answer(kNotSaved, "Escape"));
   screen_.Click("connectButton");
-  ASSERT_TRUE(screen_.WaitForBox("What you changed on this page is not saved."));
-  screen_.Click("dialogAccept");
+  ASSERT_TRUE(screen_.Answer(kNotSaved));
   ASSERT_TRUE(WaitFor([&] { return !screen_.connected(); }));
   EXPECT_EQ(lidar_.Held("Maximum Distance"), "90") << "saved before it is let go";
-  ASSERT_TRUE(WaitFor([&] { return screen_.BoxMessage().isEmpty(); }));
 
   screen_.TypeInto(kMinimumDistance, "50");
   screen_.Ask("askToClose");
-  ASSERT_TRUE(screen_.WaitForBox("What you changed on this page is not saved."));
+  ASSERT_TRUE(screen_.WaitForBox(kNotSaved));
   EXPECT_EQ(screen_.Text("dialogAccept"), "Discard") << "there is nowhere to save it";
-  screen_.Key(Qt::Key_Escape);
-  ASSERT_TRUE(WaitFor([&] { return screen_.BoxMessage().isEmpty(); }));
+  ASSERT_TRUE(screen_.Answer(kNotSaved, "Escape"));
   screen_.Click("connectButton");
   ASSERT_TRUE(WaitFor([&] { return screen_.connected(); }));
   EXPECT_EQ(screen_.Text(kMinimumDistance), "50") << "a connection takes nothing away";
@@ -209,17 +199,13 @@ TEST_F(ScreensTest, AsksBeforeItWritesValuesOutOfRange) {
   screen_.TypeInto(kMinimumDistance, "600");
   screen_.TypeInto(kMaximumDistance, "0");
   screen_.Click("saveButton");
-  ASSERT_TRUE(screen_.WaitForBox(
-      "Minimum Distance: 600; allowed: 5 to 500 cm\nMaximum Distance: 0; allowed: 1 to 300 m"));
+  ASSERT_TRUE(screen_.WaitForBox("Minimum Distance: 600; allowed: 5 to 500 cm"));
   EXPECT_EQ(screen_.Text("dialogAccept"), "Continue");
-  ASSERT_TRUE(WaitFor([&] { return screen_.Find("dialogReject")->hasActiveFocus(); }));
-  screen_.Key(Qt::Key_Return);
-  ASSERT_TRUE(WaitFor([&] { return screen_.BoxMessage().isEmpty(); }));
+  ASSERT_TRUE(screen_.Answer("\nMaximum Distance: 0; allowed: 1 to 300 m", "Enter"));
   EXPECT_EQ(screen_.Text(kMinimumDistance), "600") << "the edits are still there";
 
   screen_.Click("saveButton");
-  ASSERT_TRUE(screen_.WaitForBox("Minimum Distance"));
-  screen_.Click("dialogAccept");
+  ASSERT_TRUE(screen_.Answer("Minimum Distance: 600"));
   ASSERT_TRUE(screen_.WaitForBox("Set Failed: 0x12 SET Minimum Distance, Maximum Distance"));
   EXPECT_EQ(lidar_.Held("Minimum Distance"), "20") << "the lidar refuses them";
   EXPECT_EQ(screen_.Text(kMinimumDistance), "600") << "nothing that was typed is lost";
@@ -230,8 +216,7 @@ TEST_F(ScreensTest, SetsTheFieldOfView) {
   ConnectOnTab(kFovTab);
   screen_.TypeInto("fov_7", "361");
   screen_.Key(Qt::Key_Return);
-  ASSERT_TRUE(screen_.WaitForBox("Input value of fov is invalid"));
-  ASSERT_TRUE(screen_.CloseBox()) << "one Enter, one box";
+  ASSERT_TRUE(screen_.Answer("Input value of fov is invalid"));
 
   screen_.TypeInto("fov_7", "12.5");
   screen_.Click("saveButton");
@@ -277,9 +262,7 @@ TEST_F(ScreensTest, SendsCommandsByHandAndRecallsThem) {
   EXPECT_EQ(screen_.Text("consoleVerdict"), "0x99 refused: 1 unknown command");
   screen_.TypeInto("consoleCommand", "zz");
   screen_.Key(Qt::Key_Return);
-  ASSERT_TRUE(screen_.WaitForBox("Incorrect CMX header was entered. Parsing failed."));
-  screen_.Key(Qt::Key_Escape);
-  ASSERT_TRUE(WaitFor([&] { return screen_.BoxMessage().isEmpty(); }));
+  ASSERT_TRUE(screen_.Answer("Incorrect CMX header was entered. Parsing failed.", "Escape"));
   EXPECT_TRUE(screen_.Find("consoleCommand")->hasActiveFocus())
       << "the keyboard is back where it was before the box";
   screen_.Key(Qt::Key_Up);
@@ -301,10 +284,13 @@ TEST_F(ScreensTest, SendsCommandsByHandAndRecallsThem) {
 
 TEST_F(ScreensTest, RestartsTheLidarOnlyAfterAQuestion) {
   ConnectOnTab("tab0");
-  screen_.Click("gearButton");
-  ASSERT_TRUE(WaitFor([&] { return screen_.Find("restartEntry") != nullptr; }));
-  screen_.Click("restartEntry");
-  ASSERT_TRUE(screen_.WaitForBox("The lidar restarts"));
+  const auto ask = [this] {
+    screen_.Click("gearButton");
+    ASSERT_TRUE(WaitFor([&] { return screen_.Find("restartEntry") != nullptr; }));
+    screen_.Click("restartEntry");
+    ASSERT_TRUE(screen_.WaitForBox("The lidar restarts"));
+  };
+  ask();
   EXPECT_FALSE(lidar_.Output().contains("request 0x10"));
   screen_.Click("dialogAccept");
   EXPECT_TRUE(WaitFor([&] { return lidar_.Output().contains("request 0x10"); }));
@@ -312,13 +298,9 @@ TEST_F(ScreensTest, RestartsTheLidarOnlyAfterAQuestion) {
   EXPECT_FALSE(screen_.connected());
   EXPECT_TRUE(WaitFor([&] { return screen_.connected(); })) << "it comes back by itself";
 
-  screen_.Click("gearButton");
-  ASSERT_TRUE(WaitFor([&] { return screen_.Find("restartEntry") != nullptr; }));
-  screen_.Click("restartEntry");
-  ASSERT_TRUE(screen_.WaitForBox("The lidar restarts"));
-  screen_.Click("dialogAccept");
+  ask();
+  ASSERT_TRUE(screen_.Answer("The lidar restarts"));
   ASSERT_TRUE(WaitFor([&] { return screen_.Find("stopAwaiting") != nullptr; }));
-  ASSERT_TRUE(WaitFor([&] { return screen_.BoxMessage().isEmpty(); }));
   screen_.Click("stopAwaiting");
   EXPECT_EQ(screen_.Find("linkNews"), nullptr);
   EXPECT_FALSE(screen_.FindObject("linkCheckTimer")->property("running").toBool());

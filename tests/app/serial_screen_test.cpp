@@ -120,13 +120,11 @@ TEST(SerialScreenTest, KeepsWhatItKnewAndWhatWasTypedWhenNothingIsAnswered) {
   const QString held = screen.Text("destinationIp");
   screen.TypeInto("destinationIp", "10.1.2.3");
   screen.Click("destinationSet");
-  ASSERT_TRUE(screen.WaitForBox("set destination IP and port error, ret:"));
-  ASSERT_TRUE(screen.CloseBox());
+  ASSERT_TRUE(screen.Answer("set destination IP and port error, ret:"));
   EXPECT_EQ(screen.Text("destinationIp"), "10.1.2.3");
   EXPECT_EQ(screen.Text("destinationIpNote"), "was " + held);
   screen.Click("destinationRead");
-  ASSERT_TRUE(screen.WaitForBox("get destination config error, ret:"));
-  ASSERT_TRUE(screen.CloseBox());
+  ASSERT_TRUE(screen.Answer("get destination config error, ret:"));
   screen.Click("destinationIpUndo");
   EXPECT_EQ(screen.Text("destinationIp"), held);
   EXPECT_TRUE(screen.Value("destinationIp", "stale").toBool());
@@ -172,8 +170,7 @@ TEST(SerialScreenTest, UpgradesTheLidarAndReadsWhatItRunsThen) {
   screen.Find("attachFile")->forceActiveFocus();
   EXPECT_FALSE(screen.Find("startUpgrade")->isEnabled());
   screen.Drop("upgradeDrop", {QUrl::fromLocalFile(folder.filePath("Kiva.PATCH"))});
-  ASSERT_TRUE(screen.WaitForBox("Upgrade package rejected: it has to be a .patch file"));
-  ASSERT_TRUE(screen.CloseBox());
+  ASSERT_TRUE(screen.Answer("Upgrade package rejected: it has to be a .patch file"));
   screen.Drop("upgradeDrop", {QUrl::fromLocalFile(file)});
   EXPECT_EQ(screen.Text("upgradeComponents").count("1.0"), 4) << "images of 1 MiB each";
 
@@ -187,13 +184,9 @@ TEST(SerialScreenTest, UpgradesTheLidarAndReadsWhatItRunsThen) {
   since_beat.start();
   heart.start(10);
   screen.Click("connectButton");
-  ASSERT_TRUE(screen.WaitForBox("Disconnect REJECTED. Lidar is upgrading."));
-  ASSERT_TRUE(screen.CloseBox());
+  ASSERT_TRUE(screen.Answer("Disconnect REJECTED. Lidar is upgrading."));
   screen.Ask("askToClose");
-  ASSERT_TRUE(screen.WaitForBox("The firmware is being sent"));
-  ASSERT_TRUE(WaitFor([&] { return screen.Find("dialogReject")->hasActiveFocus(); }));
-  screen.Key(Qt::Key_Return);
-  ASSERT_TRUE(WaitFor([&] { return !screen.BoxMessage().contains("being sent"); }));
+  ASSERT_TRUE(screen.Answer("The firmware is being sent", "Enter"));
   ASSERT_TRUE(screen.WaitForNotice("Kiva upgrade completed."));
   heart.stop();
   EXPECT_LT(longest_ms, 1000) << "nothing of a transfer holds the window";

@@ -60,10 +60,7 @@ TEST(RecentLidarsTest, AreTheLastEightWhateverElseTheFileHolds) {
   const auto kept = [](const QStringList& lines) { return '"' + lines.join("\\n") + '"'; };
   const QString line = "Orca\\t10.0.0.1\\t9347\\t";
   const QString sound = QString::fromUtf8("10.0.0.1, 9347 – Orca");
-  const struct {
-    QString value;
-    QString labels;
-  } cases[] = {
+  const std::pair<QString, QString> cases[] = {
       {kept({line, line}), sound},
       {kept({QStringList(QVector<QString>(1000, "Orca\\t1\\t\\t").toList()).join("\\n"), line}),
        QString::fromUtf8("1 – Orca|") + sound},
@@ -75,13 +72,13 @@ TEST(RecentLidarsTest, AreTheLastEightWhateverElseTheFileHolds) {
       {"Orca, 10.0.0.1", ""},
       {"@Variant(\\0\\0\\0\\x7f)", ""},
   };
-  for (const auto& it : cases) {
+  for (const auto& [value, labels] : cases) {
     QFile file(SettingsFilePath());
     ASSERT_TRUE(file.open(QFile::WriteOnly));
-    file.write("[General]\nrecent_lidars=" + it.value.toLatin1() + "\n");
+    file.write("[General]\nrecent_lidars=" + value.toLatin1() + "\n");
     file.close();
     RecentLidars lidars;
-    EXPECT_EQ(Labels(lidars), it.labels) << it.value.left(60).toStdString();
+    EXPECT_EQ(Labels(lidars), labels) << value.left(60).toStdString();
     lidars.Note("Kiva-CMX", "/dev/c", "", "");
     EXPECT_EQ(lidars.entries().first().toMap()["model"], "Kiva-CMX");
   }
