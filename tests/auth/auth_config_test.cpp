@@ -6,13 +6,9 @@
 
 namespace {
 
-constexpr char kHeader[] =
-    "Model,Enable,AlgorithmID,ProbeCmd,ChallengeCmd,ResponseCmd,ProtectedCmds,ProbeValueOffset,"
-    "ProbeValueLen,ProbeEndian\n";
-
 AuthConfig Load(const std::string& rows, const std::string& model = "Osprey") {
   const InstallRoot root;
-  root.Write("auth.csv", kHeader + rows);
+  root.Write("auth.csv", kAuthTableHeader + rows);
   return LoadAuthConfig("auth.csv", model);
 }
 

@@ -1,17 +1,11 @@
 #include "auth/auth_rules.h"
 
-#include <gtest/gtest.h>
-
 #include "auth/auth_config.h"
 #include "auth/auth_keys.h"
 #include "auth_test_support.h"
 #include "support/table_fixture.h"
 
 namespace {
-
-constexpr char kHeader[] =
-    "Model,Enable,AlgorithmID,ProbeCmd,ChallengeCmd,ResponseCmd,ProtectedCmds,ProbeValueOffset,"
-    "ProbeValueLen,ProbeEndian\n";
 
 // A folder with the table of a model "Heron" that has two commands, and with keys.
 struct HeronFolder : KeyedRoot {
@@ -20,7 +14,7 @@ struct HeronFolder : KeyedRoot {
           std::string(kTableHeader) + "1,1,0x11,0x12,,Rate,1,uint8,,,,,,Scan\n");
   }
   void WriteAuth(const std::string& rows, const std::string& folder = "Config") const {
-    Write(folder + "/auth_config.csv", kHeader + rows);
+    Write(folder + "/auth_config.csv", kAuthTableHeader + rows);
   }
   // The texts behind the file's name, a line each.
   std::string Faults() const {

@@ -7,6 +7,11 @@ inline constexpr char kTestAes128Key[] = "2b7e151628aed2a6abf7158809cf4f3c";
 inline constexpr char kTestAes256Key[] =
     "603deb1015ca71be2b73aef0857d77811f352c073b6108d72d9810a30914dff4";
 
+/// The header row of the table of authentication.
+inline constexpr char kAuthTableHeader[] =
+    "Model,Enable,AlgorithmID,ProbeCmd,ChallengeCmd,ResponseCmd,ProtectedCmds,ProbeValueOffset,"
+    "ProbeValueLen,ProbeEndian\n";
+
 /// An install root with a key file.
 struct KeyedRoot : InstallRoot {
   explicit KeyedRoot(const std::string& extra = "") { WriteKeys(extra); }

@@ -4,9 +4,6 @@
 
 #include <array>
 #include <limits>
-#include <string>
-#include <utility>
-#include <vector>
 
 #include "CmxClient/fov_command.h"
 #include "Wire/file_piece.h"
@@ -31,14 +28,8 @@ TEST(CmxParser, Version1CutsAValueOutOfAPayload) {
 }
 
 TEST(CmxParser, Version2DecodesByCommand) {
-  struct Case {
-    int cmd;
-    uint8_t fill;
-    Bytes data, result;
-    bool outcome;
-  };
   const Bytes before = {9};
-  const std::vector<Case> cases = {
+  const std::tuple<int, uint8_t, Bytes, Bytes, bool> cases[] = {
       {1, 0, {1, 2}, {1, 2}, true},   {9, 0, {}, {}, true},         {2, 0, {1, 2}, {1, 2}, false},
       {8, 0, {}, before, true},       {10, 0, {}, before, true},    {10, 5, {}, {9, 5}, false},
       {10, 0, {1, 2}, {9, 0}, false}, {0, 0, {1, 2}, before, true}, {11, 7, {1, 2}, before, true},
@@ -46,12 +37,10 @@ TEST(CmxParser, Version2DecodesByCommand) {
   };
   CmxParser parser(2);
   ::testing::internal::CaptureStdout();
-  for (const Case& c : cases) {
+  for (const auto& [cmd, fill, data, expected, outcome] : cases) {
     Bytes result = before;
-    const bool outcome =
-        parser.CmxStreamDecode(static_cast<uint8_t>(c.cmd), c.fill, c.data, 0, 0, result);
-    EXPECT_EQ(outcome, c.outcome) << c.cmd;
-    EXPECT_EQ(result, c.result) << c.cmd;
+    EXPECT_EQ(parser.CmxStreamDecode(static_cast<uint8_t>(cmd), fill, data, 0, 0, result), outcome);
+    EXPECT_EQ(result, expected) << cmd;
   }
   const std::string line = "Cmx_2_0_parser::CmxStreamDecode success!\n";
   EXPECT_EQ(::testing::internal::GetCapturedStdout(), line + line + line + line + line)

@@ -2,10 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <functional>
-#include <string>
-#include <vector>
-
 #include "support/scripted_sender.h"
 
 namespace kavel::lidar {
@@ -23,11 +19,8 @@ TEST(DeviceCommands, SendTheirBytesAndWantAReplyOfTheirLength) {
   std::vector<SafetyState> states;
   DeviceStatus status;
   bool is_b = false;
-  const struct {
-    std::function<int32_t(CommandSender&)> run;
-    ScriptedSender::Sent sent;
-    Bytes reply;
-  } cases[] = {
+  using Run = std::function<int32_t(CommandSender&)>;
+  const std::tuple<Run, ScriptedSender::Sent, Bytes> cases[] = {
       {RestartDevice, {0x10, {}}, {}},
       {[&](auto& s) { return GetBaudRate(s, &rate); }, {0x40, {}}, kRateBytes},
       {[](auto& s) { return SetBaudRate(s, 3125000); }, {0x41, kRateBytes}, {}},
@@ -48,18 +41,18 @@ TEST(DeviceCommands, SendTheirBytesAndWantAReplyOfTheirLength) {
       {[&](auto& s) { return GetStatus(s, &status); }, {0x4F, {}}, Bytes(10)},
       {[&](auto& s) { return GetActivePartition(s, &is_b); }, {0x53, {}}, {1}},
   };
-  for (const auto& each : cases) {
-    SCOPED_TRACE(int{each.sent.cmd});
+  for (const auto& [run, sent, reply] : cases) {
+    SCOPED_TRACE(int{sent.cmd});
     ScriptedSender sender;
-    sender.replies = {{0, each.reply}, {0, each.reply + Bytes{0}}, {kNoReply, {}}, {3, {}}};
-    EXPECT_EQ(each.run(sender), 0);
-    EXPECT_EQ(sender.sent, std::vector<ScriptedSender::Sent>{each.sent});
-    EXPECT_EQ(each.run(sender), kBadReply) << "too long";
-    EXPECT_EQ(each.run(sender), kNoReply);
-    EXPECT_EQ(each.run(sender), 3);
-    if (!each.reply.empty()) {
-      sender.replies = {{0, {each.reply.begin(), each.reply.end() - 1}}};
-      EXPECT_EQ(each.run(sender), kBadReply) << "too short";
+    sender.replies = {{0, reply}, {0, reply + Bytes{0}}, {kNoReply, {}}, {3, {}}};
+    EXPECT_EQ(run(sender), 0);
+    EXPECT_EQ(sender.sent, std::vector<ScriptedSender::Sent>{sent});
+    EXPECT_EQ(run(sender), kBadReply) << "too long";
+    EXPECT_EQ(run(sender), kNoReply);
+    EXPECT_EQ(run(sender), 3);
+    if (!reply.empty()) {
+      sender.replies = {{0, {reply.begin(), reply.end() - 1}}};
+      EXPECT_EQ(run(sender), kBadReply) << "too short";
     }
   }
   EXPECT_TRUE(is_b);

@@ -4,10 +4,7 @@
 
 #include <atomic>
 #include <chrono>
-#include <memory>
-#include <string>
 #include <thread>
-#include <vector>
 
 #include "CmxClient/cmx_client.h"
 #include "CmxClient/hex_text.h"
@@ -112,12 +109,8 @@ TEST(SerialClient, NamesEveryFailure) {
   const Bytes sound = BuildSerialAnswer(0x40, 0, {});
   Bytes damaged = sound;
   damaged[12] ^= 1;
-  const struct {
-    const char* what;
-    Bytes answer;
-    int32_t result;  ///< of the serial client
-    int32_t reason;  ///< of the command client over it
-  } cases[] = {
+  // The result of the serial client, and the reason of the command client over it.
+  const std::tuple<const char*, Bytes, int32_t, int32_t> cases[] = {
       {"silence", {}, -3, kNoReply},
       {"damage", damaged, -2, kNoReply},
       {"cut", {sound.begin(), sound.end() - 3}, -2, kNoReply},
@@ -131,16 +124,16 @@ TEST(SerialClient, NamesEveryFailure) {
   };
   SerialDevice device(Silence);
   Line line(device.path(), kSilenceMs);
-  for (const auto& each : cases) {
-    SCOPED_TRACE(each.what);
-    device.SetAnswer(each.answer);
+  for (const auto& [what, answer, result, reason] : cases) {
+    SCOPED_TRACE(what);
+    device.SetAnswer(answer);
     const auto start = std::chrono::steady_clock::now();
-    EXPECT_EQ(line.serial->SendCommand(0x40, {}, inner, kSilenceMs), each.result);
-    EXPECT_EQ(inner, each.result == 0 ? (Bytes{1, 0x40, 3}) : Bytes{0x99}) << "else left alone";
+    EXPECT_EQ(line.serial->SendCommand(0x40, {}, inner, kSilenceMs), result);
+    EXPECT_EQ(inner, result == 0 ? (Bytes{1, 0x40, 3}) : Bytes{0x99}) << "else left alone";
     inner = {0x99};
     int32_t error = 0;
     EXPECT_EQ(line.cmx.QueryCommand({}, inner, 0x40, false, &error), -1);
-    EXPECT_EQ(error, each.reason);
+    EXPECT_EQ(error, reason);
     EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(2));
   }
   Bytes frame = BuildCmxFrame(kCmxHeader1, 0x40, 0, {});
@@ -151,15 +144,12 @@ TEST(SerialClient, NamesEveryFailure) {
 TEST(SerialClient, SwitchesTheMode) {
   SerialDevice device(Silence);
   Line line(device.path());
-  const struct {
-    Bytes inner;
-    int32_t result;
-  } cases[] = {{{3, 3, 7, 9, 0}, 0},     {{3, 3, 7, 9, 5}, 5},  {{3, 3, 7, 0, 255}, 255},
-               {{3, 4, 7, 9, 0}, -2},    {{3, 3, 8, 9, 0}, -2}, {{2, 3, 7, 9}, -2},
-               {{4, 3, 7, 9, 0, 0}, -2}, {{0, 3}, -2}};
-  for (const auto& each : cases) {
-    device.SetAnswer(BuildSerialResponse(each.inner));
-    EXPECT_EQ(line.serial->SwitchMode(7, 9), each.result) << HexText(each.inner);
+  const std::pair<Bytes, int32_t> cases[] = {
+      {{3, 3, 7, 9, 0}, 0},  {{3, 3, 7, 9, 5}, 5}, {{3, 3, 7, 0, 255}, 255}, {{3, 4, 7, 9, 0}, -2},
+      {{3, 3, 8, 9, 0}, -2}, {{2, 3, 7, 9}, -2},   {{4, 3, 7, 9, 0, 0}, -2}, {{0, 3}, -2}};
+  for (const auto& [inner, result] : cases) {
+    device.SetAnswer(BuildSerialResponse(inner));
+    EXPECT_EQ(line.serial->SwitchMode(7, 9), result) << HexText(inner);
     EXPECT_EQ(Request(device.last_request()), (Bytes{3, 7, 9}));
   }
 }

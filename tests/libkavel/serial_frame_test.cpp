@@ -2,8 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <vector>
-
 #include "Wire/firmware_stream.h"
 #include "Wire/ota_stream.h"
 #include "support/bytes.h"
@@ -136,10 +134,7 @@ TEST(FirmwareStream, HasItsBytesAndJudgesWhatItReads) {
   const Bytes begin = BuildStreamBegin(whole);
   const Bytes piece = BuildStreamPiece(kApplicationImage, image, 1);
   const Bytes end = BuildStreamEnd(whole, AfterImage::kRestart);
-  const struct {
-    Bytes built;
-    const char* bytes;
-  } frames[] = {
+  const std::pair<Bytes, const char*> frames[] = {
       {BuildOtaFrame(OtaRequest{9, kCmdStreamBegin, begin}),
        "244c444f54412c 000c510950 02000000 05470b99f4 30d77c03 eeff"},
       {BuildOtaFrame(OtaAnswer{9, kCmdStreamBegin, kAccepted, {}}),
@@ -151,8 +146,8 @@ TEST(FirmwareStream, HasItsBytesAndJudgesWhatItReads) {
       {BuildOtaFrame(OtaRequest{11, kCmdStreamEnd, end}),
        "244c444f54412c 000d510b52 02000000 05470b99f4 01 e5a52b1c eeff"},
   };
-  for (const auto& each : frames) {
-    EXPECT_EQ(each.built, FromHex(each.bytes));
+  for (const auto& [built, bytes] : frames) {
+    EXPECT_EQ(built, FromHex(bytes));
   }
 
   StreamImage read;
@@ -164,10 +159,7 @@ TEST(FirmwareStream, HasItsBytesAndJudgesWhatItReads) {
   EXPECT_EQ(then, AfterImage::kRestart);
   ASSERT_EQ(ParseStreamPiece(piece, &part), kAccepted);
   EXPECT_EQ(Bytes(part.data, part.data + part.size), image);
-  const struct {
-    const char* what;
-    ReturnCode got, expected;
-  } refused[] = {
+  const std::tuple<const char*, ReturnCode, ReturnCode> refused[] = {
       {"the rest of a piece", ParseStreamPiece({piece.begin(), piece.begin() + 9}, &part),
        kBadLength},
       {"one flipped bit", ParseStreamPiece(WithBitFlipped(piece, 72), &part), kDamagedPiece},
@@ -179,8 +171,8 @@ TEST(FirmwareStream, HasItsBytesAndJudgesWhatItReads) {
       {"above 64 MiB", ParseStreamBegin({2, 4, 0, 0, 1, 0, 0, 0, 0}, &read), kBadValue},
       {"another end", ParseStreamEnd(WithBitFlipped(end, 73), &read, &then), kBadValue},
   };
-  for (const auto& each : refused) {
-    EXPECT_EQ(each.got, each.expected) << each.what;
+  for (const auto& [what, got, expected] : refused) {
+    EXPECT_EQ(got, expected) << what;
   }
 }
 

@@ -5,8 +5,6 @@
 #include <unistd.h>
 
 #include <numeric>
-#include <string>
-#include <vector>
 
 #include "support/bytes.h"
 #include "support/pty_pair.h"
@@ -46,25 +44,22 @@ TEST(SerialPort, SaysWhichPortCannotBeOpenedAndWhatToDo) {
   SerialPort owner;
   ASSERT_TRUE(owner.Open(held.path(), 115200));
   ASSERT_EQ(chmod(foreign.path().c_str(), 0), 0);
-  const struct {
-    std::string name;
-    uint32_t rate;
-    std::string shown, advice;
-  } cases[] = {{"no-such-port", 115200, "/dev/no-such-port", "was not found"},
-               {"/dev/null", 115200, "/dev/null", "is not a serial port"},
-               {"", 115200, "\"\"", "was not found"},
-               {line.path(), 0, line.path(), "cannot run at 0 baud"},
-               {held.path(), 115200, held.path(), "in use by another program"},
-               {foreign.path(), 115200, foreign.path(), "dialout"}};
+  const std::tuple<std::string, uint32_t, std::string, std::string> cases[] = {
+      {"no-such-port", 115200, "/dev/no-such-port", "was not found"},
+      {"/dev/null", 115200, "/dev/null", "is not a serial port"},
+      {"", 115200, "\"\"", "was not found"},
+      {line.path(), 0, line.path(), "cannot run at 0 baud"},
+      {held.path(), 115200, held.path(), "in use by another program"},
+      {foreign.path(), 115200, foreign.path(), "dialout"}};
   const bool is_root = geteuid() == 0;
   SerialPort port;
-  for (const auto& each : cases) {
-    const bool as_user = is_root && each.advice == "dialout";
+  for (const auto& [name, rate, shown, advice] : cases) {
+    const bool as_user = is_root && advice == "dialout";
     ASSERT_TRUE(!as_user || seteuid(65534) == 0);
-    EXPECT_FALSE(port.Open(each.name, each.rate));
+    EXPECT_FALSE(port.Open(name, rate));
     ASSERT_TRUE(!as_user || seteuid(0) == 0);
-    EXPECT_NE(port.LastError().find(each.shown), std::string::npos) << port.LastError();
-    EXPECT_NE(port.LastError().find(each.advice), std::string::npos) << port.LastError();
+    EXPECT_NE(port.LastError().find(shown), std::string::npos) << port.LastError();
+    EXPECT_NE(port.LastError().find(advice), std::string::npos) << port.LastError();
   }
   EXPECT_TRUE(port.Open(line.path(), 115200)) << "a refused rate must leave the port free";
 }

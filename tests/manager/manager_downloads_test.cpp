@@ -94,86 +94,42 @@ TEST_F(ManagerDownloadsTest, SavesALogAndSaysWhatBecameOfIt) {
   EXPECT_EQ(manager_->logRepeaterModel(), QVariantList(offered.begin(), offered.end()));
   EXPECT_TRUE(WaitFor([&] { return !LogLines("ERROR: ").filter("\"Missing\"").isEmpty(); }));
 
-  enum class Where { kFolder, kVanished, kFullDisk, kNoConnection };
-  const QString file = "_00000000-000000.bin 1000";
-  struct Case {
-    QStringList faults;
-    QString name;
-    Where where;
-    QString error;
-    bool success;
-    QString saved;
+  enum Where { kFolder, kVanished, kFullDisk, kNoConnection };
+  const std::tuple<const char*, QString, Where, QString, bool> cases[] = {
+      {"", "Event Log", kFolder, "", true},
+      {"", "Set Only", kFolder, "", true},
+      {"", "Nothing", kNoConnection, "Nothing download error: Can not find Nothing name", false},
+      {"", "Silent", kFolder, "Silent download error: Can not find Silent command", false},
+      {"", "Garbled", kFolder, "Garbled download error: Can not find Garbled command", false},
+      {"", "Event Log", kNoConnection, "Please connect to lidar first", false},
+      {"drop", "Event Log", kFolder, "Event Log download failed. return code: -2", false},
+      {"close-mid-reply", "Event Log", kFolder, "Event Log download failed. return code: -3",
+       false},
+      {"return-code=4", "Event Log", kFolder, "Event Log download failed. return code: 4", false},
+      {"", "Event Log", kVanished, "Event Log: Failed to open file.", true},
+      {"", "Event Log", kFullDisk, "Event Log: Failed to write binary data to file.", true},
   };
-  const Case cases[] = {
-      {{}, "Event Log", Where::kFolder, "", true, "Event Log" + file},
-      {{}, "Set Only", Where::kFolder, "", true, "Set Only" + file},
-      {{},
-       "Nothing",
-       Where::kNoConnection,
-       "Nothing download error: Can not find Nothing name",
-       false,
-       ""},
-      {{},
-       "Silent",
-       Where::kFolder,
-       "Silent download error: Can not find Silent command",
-       false,
-       ""},
-      {{},
-       "Garbled",
-       Where::kFolder,
-       "Garbled download error: Can not find Garbled command",
-       false,
-       ""},
-      {{}, "Event Log", Where::kNoConnection, "Please connect to lidar first", false, ""},
-      {{"drop@0xFF"},
-       "Event Log",
-       Where::kFolder,
-       "Event Log download failed. return code: -2",
-       false,
-       ""},
-      {{"close-mid-reply@0xFF"},
-       "Event Log",
-       Where::kFolder,
-       "Event Log download failed. return code: -3",
-       false,
-       ""},
-      {{"return-code=4@0xFF"},
-       "Event Log",
-       Where::kFolder,
-       "Event Log download failed. return code: 4",
-       false,
-       ""},
-      {{}, "Event Log", Where::kVanished, "Event Log: Failed to open file.", true, ""},
-      {{},
-       "Event Log",
-       Where::kFullDisk,
-       "Event Log: Failed to write binary data to file.",
-       true,
-       ""},
-  };
-  for (const Case& c : cases) {
-    SCOPED_TRACE((c.name + ' ' + c.error).toStdString());
+  for (const auto& [fault, name, where, error, success] : cases) {
+    SCOPED_TRACE((name + ' ' + error).toStdString());
     Forget();
     const QUrl url =
-        QUrl::fromLocalFile(c.where == Where::kVanished ? root_.path() + "/save/gone" : Folder());
+        QUrl::fromLocalFile(where == kVanished ? root_.path() + "/save/gone" : Folder());
     const std::unique_ptr<VirtualLidarProcess> lidar(
-        Start(c.faults.isEmpty() ? QStringList() : QStringList{"--fault", c.faults[0]}));
-    if (c.where != Where::kNoConnection) {
+        Start(*fault == '\0' ? QStringList() : QStringList{"--fault", QString(fault) + "@0xFF"}));
+    if (where != kNoConnection) {
       ASSERT_TRUE(ConnectTo(*lidar));
     }
     QSignalSpy flag(manager_.get(), &TevronManager::isDownloadLogChanged);
     QSignalSpy finished(manager_.get(), &TevronManager::downloadFinished);
     std::unique_ptr<FullDisk> full;
-    if (c.where == Where::kFullDisk) {
+    if (where == kFullDisk) {
       full = std::make_unique<FullDisk>(kLogSize / 2);
     }
-    EXPECT_EQ(manager_->DownloadLog(url, c.name), c.saved.isEmpty() ? -1 : 0);
+    EXPECT_EQ(manager_->DownloadLog(url, name), error.isEmpty() ? 0 : -1);
     full.reset();
-    EXPECT_EQ(TakeErrors(), c.error.isEmpty() ? QStringList() : QStringList(c.error));
-    EXPECT_EQ(successes_,
-              c.success ? QStringList(c.name + " download successful.") : QStringList());
-    EXPECT_EQ(Saved(), c.saved.isEmpty() ? QStringList() : QStringList(c.saved));
+    EXPECT_EQ(TakeErrors().join(""), error);
+    EXPECT_EQ(successes_.join(""), success ? name + " download successful." : "");
+    EXPECT_EQ(Saved().join(""), error.isEmpty() ? name + "_00000000-000000.bin 1000" : "");
     EXPECT_EQ(flag.count(), 2);
     EXPECT_EQ(finished.count(), 1);
     EXPECT_FALSE(manager_->isDownloadLog());
@@ -190,14 +146,8 @@ TEST_F(ManagerDownloadsTest, SavesTheOperationLogInFourParts) {
   const QString failed = "Operation log download failed.";
   const QString error = "Operation Log download error: Can not find Operation Log ";
   const QByteArray row = "Operation Log,0,raw,,,,,,,0,0,,,\n";
-  struct Case {
-    QString fault;
-    QByteArray row;  ///< of the table in place of the one that ships
-    QString folder;
-    QString message;
-    QStringList saved;
-  };
-  const Case cases[] = {
+  // The row stands in the place of the table's.
+  const std::tuple<QString, QByteArray, QString, QString, QStringList> cases[] = {
       {"delay=100@0xFF#2-2", "", Folder(), done, all},
       {"drop@0xFF#2-2", "", Folder(), failed, first},
       {"close-mid-reply@0xFF#2-2", "", Folder(), failed, first},
@@ -206,45 +156,42 @@ TEST_F(ManagerDownloadsTest, SavesTheOperationLogInFourParts) {
       {"drop@0xFF", "30,1,0x6B,,,Other" + row, Folder(), error + "name", {}},
       {"drop@0xFF", "30,1,,,," + row, Folder(), error + "command", {}},
   };
-  for (const Case& c : cases) {
-    SCOPED_TRACE((c.fault + ' ' + c.message).toStdString());
+  for (const auto& [fault, other_row, folder, message, saved] : cases) {
+    SCOPED_TRACE((fault + ' ' + message).toStdString());
     Forget();
-    if (!c.row.isEmpty()) {
+    if (!other_row.isEmpty()) {
       QByteArray other = table_;
-      install_.Write(kTable, other.replace("20,1,0x5A0301,,," + row, c.row).toStdString());
+      install_.Write(kTable, other.replace("20,1,0x5A0301,,," + row, other_row).toStdString());
       manager_->InitConfigFileParser();
     }
-    const std::unique_ptr<VirtualLidarProcess> lidar(Start({"--fault", c.fault}));
+    const std::unique_ptr<VirtualLidarProcess> lidar(Start({"--fault", fault}));
     ASSERT_TRUE(ConnectTo(*lidar));
+    const QUrl url = QUrl::fromLocalFile(folder);
     QSignalSpy finished(manager_.get(), &TevronManager::downloadOperationLogFinished);
-    const bool begun = manager_->DownloadOperationLog(QUrl::fromLocalFile(c.folder)) == 0;
+    const bool begun = manager_->DownloadOperationLog(url) == 0;
     EXPECT_EQ(manager_->isDownloadLog(), begun);
     if (begun) {
       // Whoever comes meanwhile has to wait, and hears nothing of the other's end.
       manager_->Run(0);
-      manager_->DownloadOperationLogThread(QUrl::fromLocalFile(c.folder));
-      manager_->DownloadLog(QUrl::fromLocalFile(c.folder), "Event Log");
+      manager_->DownloadOperationLogThread(url);
+      manager_->DownloadLog(url, "Event Log");
       const QString wait = "Please wait for the operation log to download completely";
       EXPECT_EQ(TakeErrors(), QStringList({wait, wait, wait}));
     }
     ASSERT_TRUE(WaitFor([&] { return !finished.isEmpty(); }));
     EXPECT_EQ(finished.count(), 1);
-    EXPECT_EQ(finished[0][0].toBool(), c.message == done);
-    EXPECT_EQ(TakeErrors() + successes_, QStringList(c.message));
-    EXPECT_EQ(Saved(), c.saved);
+    EXPECT_EQ(finished[0][0].toBool(), message == done);
+    EXPECT_EQ(TakeErrors() + successes_, QStringList(message));
+    EXPECT_EQ(Saved(), saved);
     EXPECT_FALSE(manager_->isDownloadLog());
     manager_->Stop();
   }
 }
 
 TEST_F(ManagerDownloadsTest, ADownloadEndsWithWhatItNeedsOrWhenItIsNotWanted) {
-  struct Case {
-    std::function<void()> end;
-    QStringList errors;
-  };
   const QStringList dripping = {"--fault", "drip=100@0xFF"};
   const QStringList failed = {"Operation log download failed."};
-  const Case cases[] = {
+  const std::pair<std::function<void()>, QStringList> cases[] = {
       {[this] { manager_->CancelDownload(); }, {}},
       {[this] { manager_->Stop(); }, failed},
       {[this] { manager_->InitConfigFileParser("Osprey"); }, failed},
@@ -256,15 +203,15 @@ TEST_F(ManagerDownloadsTest, ADownloadEndsWithWhatItNeedsOrWhenItIsNotWanted) {
     EXPECT_EQ(manager_->DownloadNow().announced, kLongLogSize);
     EXPECT_EQ(manager_->DownloadNow().part_count, 4);
   };
-  for (const Case& c : cases) {
+  for (const auto& [end, errors] : cases) {
     Forget();
     const std::unique_ptr<VirtualLidarProcess> lidar(Start(dripping, kLongLogSize));
     begin(*lidar);
     QSignalSpy finished(manager_.get(), &TevronManager::downloadOperationLogFinished);
-    c.end();
+    end();
     ASSERT_TRUE(WaitFor([&] { return !finished.isEmpty(); }));
     EXPECT_FALSE(finished[0][0].toBool());
-    EXPECT_EQ(TakeErrors(), c.errors);
+    EXPECT_EQ(TakeErrors(), errors);
     EXPECT_FALSE(manager_->isDownloadLog());
     EXPECT_FALSE(manager_->DownloadNow().running);
     EXPECT_EQ(Saved(), QStringList());

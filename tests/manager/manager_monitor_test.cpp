@@ -99,15 +99,9 @@ TEST_F(ManagerMonitorTest, TellsWhyItDoesNotRecordOrSwitch) {
   for (const QUrl& folder : {QUrl(), QUrl::fromLocalFile(Folder() + "/none"), QUrl("file://")}) {
     EXPECT_EQ(record(folder), QStringList("Invalid record folder"));
   }
-  const struct {
-    const char* file;
-    const char* content;
-  } tables[] = {{"", ""}, {"Monitor_C3.csv", "GroupID,Index\n1,1\n"}, {"Monitor_C4.csv", ""}};
-  for (const auto& table : tables) {
-    if (*table.file != '\0') {
-      install_.Write(std::string("Config/varID/Orca/") + table.file, table.content);
-    }
-    const QString version = QString(table.file).mid(8, 2);
+  install_.Write("Config/varID/Orca/Monitor_C3.csv", "GroupID,Index\n1,1\n");
+  install_.Write("Config/varID/Orca/Monitor_C4.csv", "");
+  for (const QString version : {"", "C3", "C4"}) {
     manager_->selectMonitorHwVersion(version);
     EXPECT_EQ(TakeErrors(), QStringList("Failed to load monitor config for version " + version));
   }

@@ -2,9 +2,6 @@
 
 #include <QFile>
 #include <QFileInfo>
-#include <QJsonArray>
-#include <QJsonDocument>
-#include <QJsonObject>
 #include <QTemporaryDir>
 #include <algorithm>
 #include <map>
@@ -31,23 +28,17 @@ class ManagerSettingsTest : public ManagerFixture {
     return file;
   }
   // A copy of the file with other texts.
-  QString With(const QString& file, const std::map<QString, QString>& texts) const {
-    QFile source(file);
-    EXPECT_TRUE(source.open(QIODevice::ReadOnly));
-    QJsonObject object = QJsonDocument::fromJson(source.readAll()).object();
-    QJsonArray values = object["values"].toArray();
-    for (QJsonValueRef entry : values) {
-      QJsonObject value = entry.toObject();
-      const auto other = texts.find(value["name"].toString());
-      if (other != texts.end()) {
-        value["text"] = other->second;
-        entry = value;
+  QString With(const QString& file, const std::map<std::string, const char*>& texts) const {
+    std::string error;
+    SettingsFile settings = LoadSettings(file, &error).value();
+    for (SavedValue& value : settings.values) {
+      if (const auto other = texts.find(value.name); other != texts.end()) {
+        value.text = other->second;
       }
     }
-    object["values"] = values;
-    QFile copy(FileCalled("other.tevron.json"));
-    EXPECT_TRUE(copy.open(QIODevice::WriteOnly) && copy.write(QJsonDocument(object).toJson()) > 0);
-    return copy.fileName();
+    QString copy = FileCalled("other.tevron.json");
+    EXPECT_EQ(SaveSettings(copy, settings), "");
+    return copy;
   }
   const ComparedRow& Row(const std::string& name) {
     const std::vector<ComparedRow>& rows = Settings().comparison()->rows;

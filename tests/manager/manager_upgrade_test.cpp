@@ -3,6 +3,7 @@
 #include <QSignalSpy>
 #include <chrono>
 
+#include "CmxClient/cmx_client.h"
 #include "CmxClient/device_commands.h"
 #include "manager_fixture.h"
 #include "support/upgrade_bench.h"
@@ -33,112 +34,57 @@ class UpgradeTest : public testing::Test {
 };
 
 TEST_F(UpgradeTest, TellsWhatWasSentAndWhatTheLidarRunsAfterwards) {
-  const std::string sent = std::string(kSent) + " within 10 seconds.";
-  const std::string streamed = std::string(kSent) + ".";
-  const std::string failed = kFailed;
-  const Lines kiva = {"begins", "ends",
-                      "success: Kiva upgrade completed. Restart command has been sent."};
-  const std::string unanswered = "Kiva restart command failed, ret:no answer from the lidar";
-  const struct {
-    const char* model;
-    const char* image_for;
-    QStringList faults;
-    bool as_package;
-    Lines told;
-    const char* outcome;  ///< an expression
-  } cases[] = {
-      {"Orca",
-       "Orca",
-       {},
-       false,
-       {"begins", "ends", sent},
+  const std::string over = "begins\nends\n";
+  const std::string sent = over + kSent + " within 10 seconds.\n";
+  const std::string streamed = over + kSent + ".\n";
+  const std::string failed = over + kFailed + '\n';
+  const std::string foreign =
+      over + kFailed + " error:" + kavel::lidar::CmxClient::ErrorText(8) + '\n';
+  const std::string kiva = "success: Kiva upgrade completed. ";
+  const std::string unanswered =
+      over + "error: Kiva restart command failed, ret:no answer from the lidar\n" + kiva +
+      "The restart command was not acknowledged; please power-cycle or reconnect the lidar if it "
+      "does not respond.\n";
+  // What is told, and an expression of the outcome.
+  const std::tuple<QString, QString, QString, std::string, const char*> cases[] = {
+      {"Orca", "Orca", "", sent,
        "^Upgrade complete: was 2026-10-18 v2.7.1.0, is \\S+ v2.8.0.0\\.$"},
-      {"Orca",
-       "Osprey",
-       {},
-       false,
-       {"begins", "ends", failed},
+      {"Orca", "Osprey", "", failed,
        "piece 1 of 8: lidar return code 8.* The lidar runs 2026-10-18 v2.7.1.0\\.$"},
-      {"Orca",
-       "Orca",
-       {"return-code=4@0x10"},
-       false,
-       {"begins", "ends", sent, kNoReboot},
+      {"Orca", "Orca", "return-code=4@0x10", sent + kNoReboot + '\n',
        "order to restart failed: lidar return code 4 \\(not allowed now\\).* The lidar runs "
        "2026-10-18 v2.7.1.0\\.$"},
-      {"Orca",
-       "Orca",
-       {"drop@0x10"},
-       false,
-       {"begins", "ends", sent, kNoReboot},
+      {"Orca", "Orca", "drop@0x10", sent + kNoReboot + '\n',
        "^Upgrade complete: was 2026-10-18 v2.7.1.0, is \\S+ v2.8.0.0\\.$"},
-      {"Orca",
-       "Orca",
-       {"die-at-piece=5#1"},
-       false,
-       {"begins", "ends", failed},
+      {"Orca", "Orca", "die-at-piece=5#1", failed,
        "piece 5 of 8: .* The lidar runs 2026-10-18 v2.7.1.0\\.$"},
-      {"Osprey",
-       "Osprey",
-       {},
-       false,
-       {"begins", "ends", sent},
-       "^Upgrade complete: .*r2.8.0.0\\.$"},
-      {"Lumo", "Lumo", {}, false, {"begins", "ends", streamed}, "^Upgrade complete: .*2.8.0\\.$"},
-      {"Lumo-CMX",
-       "Lumo-CMX",
-       {},
-       false,
-       {"begins", "ends", streamed},
-       "^Upgrade complete: .*2.8.0\\.$"},
-      {"Lumo-CMX",
-       "Kiva-CMX",
-       {},
-       false,
-       {"begins", "ends", failed + " error:lidar return code 8"},
-       "The lidar runs "},
-      {"Kiva-CMX",
-       "Kiva-CMX",
-       {},
-       true,
-       kiva,
+      {"Osprey", "Osprey", "", sent, "^Upgrade complete: .*r2.8.0.0\\.$"},
+      {"Lumo", "Lumo", "", streamed, "^Upgrade complete: .*2.8.0\\.$"},
+      {"Lumo-CMX", "Lumo-CMX", "", streamed, "^Upgrade complete: .*2.8.0\\.$"},
+      {"Lumo-CMX", "Kiva-CMX", "", foreign, "The lidar runs "},
+      {"Kiva-CMX", "Kiva-CMX", "", over + kiva + "Restart command has been sent.\n",
        "^Upgrade complete: .* Taken: BMB_APP_B, BMB_FPGA, TMB_FPGA, TMB_PARAM\\.$"},
-      {"Kiva-CMX",
-       "Kiva-CMX",
-       {"drop@0x10"},
-       true,
-       {"begins", "ends", "error: " + unanswered,
-        "success: Kiva upgrade completed. The restart command was not acknowledged; please "
-        "power-cycle or reconnect the lidar if it does not respond."},
-       "^Upgrade complete: "},
-      {"Kiva-CMX",
-       "Orca",
-       {},
-       true,
-       {"begins", "error: Invalid Kiva OTA upgrade package", "ends"},
+      {"Kiva-CMX", "Kiva-CMX", "drop@0x10", unanswered, "^Upgrade complete: "},
+      {"Kiva-CMX", "Orca", "", "begins\nerror: Invalid Kiva OTA upgrade package\nends\n",
        "^Invalid Kiva OTA upgrade package\\. The lidar runs "},
   };
-  for (const auto& c : cases) {
-    SCOPED_TRACE(std::string(c.model) + " " + c.image_for + " " + c.faults.join(' ').toStdString());
-    QStringList arguments = {"--model", c.model};
-    for (const QString& fault : c.faults) {
-      arguments << "--fault" << fault;
-    }
-    if (arguments[1] == "Lumo") {
-      arguments << "--uart-points"
-                << "500";  // on the line of the acknowledgements
-    }
+  for (const auto& [model, image_for, fault, wanted, outcome] : cases) {
+    SCOPED_TRACE((model + ' ' + image_for + ' ' + fault).toStdString());
+    QStringList arguments = {"--model", model};
+    arguments << (fault.isEmpty() ? QStringList() : QStringList{"--fault", fault});
+    // Points stand on the line of the acknowledgements.
+    arguments << (model == "Lumo" ? QStringList{"--uart-points", "500"} : QStringList());
     const VirtualLidarProcess lidar(arguments);
-    UpgradeBench bench(c.model, lidar, ShortWaits());
-    ASSERT_EQ(bench.Start(firmware_.For(c.image_for, "2.8.0"), c.as_package), 0);
+    UpgradeBench bench(model, lidar, ShortWaits());
+    ASSERT_EQ(bench.Start(firmware_.For(image_for, "2.8.0"), model == "Kiva-CMX"), 0);
     ASSERT_TRUE(bench.Ends());
     const UpgradeSnapshot end = bench.upgrade.Now();
-    Lines told = bench.Told();
-    if (told.size() == c.told.size() && c.told.back().find("return code") != std::string::npos) {
-      told.back().resize(c.told.back().size());  // what the code means is said elsewhere
+    std::string told;
+    for (const std::string& line : bench.Told()) {
+      told += line + '\n';
     }
-    EXPECT_EQ(told, c.told);
-    EXPECT_TRUE(QRegularExpression(c.outcome).match(QString::fromStdString(end.outcome)).hasMatch())
+    EXPECT_EQ(told, wanted);
+    EXPECT_TRUE(QRegularExpression(outcome).match(QString::fromStdString(end.outcome)).hasMatch())
         << end.outcome;
     EXPECT_EQ(end.failed, end.outcome.rfind("Upgrade complete", 0) != 0);
     EXPECT_FALSE(end.version_before.empty());
@@ -234,11 +180,7 @@ TEST_F(UpgradeTest, EndsInTimeInEveryState) {
       return bench.upgrade.Now().steps[step].state == UpgradeStepState::kRunning;
     };
   };
-  const struct {
-    const char* model;
-    const char* fault;
-    std::function<bool(UpgradeBench&)> reached;
-  } states[] = {
+  const std::tuple<QString, const char*, std::function<bool(UpgradeBench&)>> states[] = {
       {"Orca", "delay=60000@0x83",
        [](UpgradeBench& bench) { return bench.upgrade.progress_kib() > 0; }},
       {"Orca", "delay=60000@0x10", runs(1)},
@@ -247,14 +189,13 @@ TEST_F(UpgradeTest, EndsInTimeInEveryState) {
       {"Kiva-CMX", "drop@0x51", runs(0)},
       {"Lumo", "drop@0x51", runs(0)},
   };
-  for (const auto& state : states) {
-    SCOPED_TRACE(std::string(state.model) + " " + state.fault);
+  for (const auto& [model, fault, reached] : states) {
+    SCOPED_TRACE(model.toStdString() + " " + fault);
     const VirtualLidarProcess lidar(
-        {"--model", state.model, "--fault", state.fault, "--restart-time", "600000"});
-    auto bench = std::make_unique<UpgradeBench>(state.model, lidar, ShortWaits());
-    const QString model = state.model;
+        {"--model", model, "--fault", fault, "--restart-time", "600000"});
+    auto bench = std::make_unique<UpgradeBench>(model, lidar, ShortWaits());
     ASSERT_EQ(bench->Start(firmware_.For(model, "2.8.0"), model == "Kiva-CMX"), 0);
-    ASSERT_TRUE(WaitFor([&] { return state.reached(*bench); }));
+    ASSERT_TRUE(WaitFor([&, is_reached = reached] { return is_reached(*bench); }));
     EXPECT_EQ(bench->session.CheckLink(), bench->session.state().connected) << "not asked";
     const auto start = std::chrono::steady_clock::now();
     bench.reset();

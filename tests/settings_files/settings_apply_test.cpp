@@ -1,7 +1,5 @@
 #include "settings_files/settings_apply.h"
 
-#include <gtest/gtest.h>
-
 #include <algorithm>
 
 #include "CmxClient/cmx_client.h"
@@ -85,18 +83,18 @@ class ChangedLidar : public SettingsBench {
 
   /// The variables of which it holds other bytes than when the file was read.
   Lines Differing() const {
-    const auto now = device.Held();
+    auto now = device.Held();
     Lines names;
-    for (size_t i = 0; i < held.size(); ++i) {
-      if (now[i] != held[i]) {
-        names.push_back(now[i].first);
+    for (const auto& [name, bytes] : held) {
+      if (now[name] != bytes) {
+        names.push_back(name);
       }
     }
     return names;
   }
 
   SettingsFile file;
-  std::vector<std::pair<std::string, Bytes>> held;
+  std::map<std::string, Bytes> held;
 };
 
 TEST(SettingsApplyTest, PutsEveryByteBackOntoEveryNetworkModel) {
@@ -128,7 +126,7 @@ TEST(SettingsApplyTest, EndsAtTheCommandAtWhichTheLinkIsLost) {
     SCOPED_TRACE(static_cast<int>(lost));
     bench.Reset();
     const ApplyPlan plan = PlanApply(*bench.model, bench.Read(), bench.file, WithNetwork());
-    const auto factory = bench.device.Held();
+    auto factory = bench.device.Held();
     bench.device.before = [&](uint8_t code) {
       bench.device.open = code != lost;
       return code == lost ? kNoReply : 0;
@@ -137,7 +135,7 @@ TEST(SettingsApplyTest, EndsAtTheCommandAtWhichTheLinkIsLost) {
     EXPECT_EQ(report.ended, "the link was lost");
     EXPECT_TRUE(report.lost);
     EXPECT_EQ(report.next_address, "");
-    const auto held = bench.device.Held();
+    auto held = bench.device.Held();
     for (const ApplyResult& result : report.results) {
       const VarInfo& var = bench[result.name];
       if (result.outcome == Outcome::kSkipped && result.reason.empty()) {
@@ -146,13 +144,11 @@ TEST(SettingsApplyTest, EndsAtTheCommandAtWhichTheLinkIsLost) {
       if (!CanBeApplied(var)) {
         continue;
       }
-      const size_t row = static_cast<size_t>(
-          std::find_if(held.begin(), held.end(),
-                       [&](const auto& each) { return each.first == result.name; }) -
-          held.begin());
-      const bool was_written = result.outcome == Outcome::kWritten;
-      EXPECT_EQ(held[row], was_written ? bench.held[row] : factory[row]) << result.name;
-      if (factory[row] != bench.held[row]) {
+      const Bytes before = factory[result.name];
+      const Bytes wanted = bench.held[result.name];
+      EXPECT_EQ(held[result.name], result.outcome == Outcome::kWritten ? wanted : before)
+          << result.name;
+      if (before != wanted) {
         EXPECT_EQ(result.reason == "no answer from the lidar: whether it was taken is not known",
                   IsCommand(var.set_cmd, lost));
       }
@@ -230,9 +226,7 @@ TEST(SettingsApplyTest, WhatTheUserIsTypingStaysAndIsNotSent) {
 
 TEST(SettingsApplyTest, SendsNothingWhenItMayNotOrIsStopped) {
   ChangedLidar bench("Orca");
-  bench.file.values.push_back({});
-  bench.file.values.back().name = "Wrong";
-  bench.file.values.back().text = "1";
+  bench.file.values.push_back(Value("Wrong", "1"));
   for (SavedValue& value : bench.file.values) {
     if (value.name == "Minimum Distance") {
       value.text = "4";

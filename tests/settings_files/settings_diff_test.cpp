@@ -1,28 +1,8 @@
 #include "settings_files/settings_diff.h"
 
-#include <gtest/gtest.h>
-
-#include "support/table_fixture.h"
+#include "settings_bench.h"
 
 namespace {
-
-using Bytes = std::vector<uint8_t>;
-
-SavedValue Value(const std::string& name, std::optional<std::string> text,
-                 std::optional<Bytes> bytes, bool writable = true) {
-  SavedValue value;
-  value.name = name;
-  value.text = std::move(text);
-  value.bytes = std::move(bytes);
-  value.writable = writable;
-  return value;
-}
-
-SettingsFile File(std::vector<SavedValue> values) {
-  SettingsFile file;
-  file.values = std::move(values);
-  return file;
-}
 
 std::string Shown(const SettingsDiff& diff) {
   std::string shown;

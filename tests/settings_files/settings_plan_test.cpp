@@ -1,29 +1,14 @@
 #include "settings_files/settings_plan.h"
 
-#include <gtest/gtest.h>
-
 #include "settings_bench.h"
 
 namespace {
-
-SavedValue Text(const std::string& name, const std::string& text) {
-  SavedValue value;
-  value.name = name;
-  value.text = text;
-  return value;
-}
-
-SettingsFile Wanted(std::vector<SavedValue> values) {
-  SettingsFile file;
-  file.values = std::move(values);
-  return file;
-}
 
 class SettingsPlanTest : public testing::Test {
  protected:
   /// What is planned for one text: "write 1200", "skip", "block", each with its reason.
   std::string PlanOf(const SavedValue& value, const ApplyWish& wish = {}) {
-    const ApplyPlan plan = PlanApply(*bench_.model, present_, Wanted({value}), wish);
+    const ApplyPlan plan = PlanApply(*bench_.model, present_, File({value}), wish);
     const PlannedValue& planned = plan.values.at(0);
     switch (planned.step) {
       case PlannedValue::Step::kWrite:
@@ -36,7 +21,7 @@ class SettingsPlanTest : public testing::Test {
     return "";
   }
   std::string PlanOf(const std::string& name, const std::string& text, const ApplyWish& wish = {}) {
-    return PlanOf(Text(name, text), wish);
+    return PlanOf(Value(name, text), wish);
   }
 
   SettingsBench bench_{"Orca"};
@@ -44,11 +29,7 @@ class SettingsPlanTest : public testing::Test {
 };
 
 TEST_F(SettingsPlanTest, ChecksATextBeforeAnythingIsSent) {
-  const struct {
-    const char* name;
-    const char* text;
-    const char* plan;
-  } cases[] = {
+  const char* const cases[][3] = {
       {"Minimum Distance", "30", "write 30"},
       {"Minimum Distance", "20", "skip: the lidar holds it already"},
       {"Minimum Distance", "4", "block: Outside 5 to 500"},
@@ -71,11 +52,10 @@ TEST_F(SettingsPlanTest, ChecksATextBeforeAnythingIsSent) {
       {"Motor Torque", "1", "skip: not in this model"},
       {kSharedSecretKey, "00", "skip: key material"},
   };
-  for (const auto& each : cases) {
-    EXPECT_EQ(PlanOf(each.name, each.text), each.plan) << each.name << " " << each.text;
+  for (const auto& [name, text, plan] : cases) {
+    EXPECT_EQ(PlanOf(name, text), plan) << name << " " << text;
   }
-  SavedValue unread;
-  unread.name = "Spin Rate";
+  SavedValue unread = Value("Spin Rate", {});
   unread.unread = "lidar return code 5";
   EXPECT_EQ(PlanOf(unread), "skip: unread in the file: lidar return code 5");
 }
@@ -90,7 +70,7 @@ TEST_F(SettingsPlanTest, AWishSaysWhatIsWrittenBesides) {
   EXPECT_EQ(PlanOf("IP Address", "10.0.0.9", named), "write 10.0.0.9");
   EXPECT_EQ(PlanOf("Minimum Distance", "30", named), "skip: not asked for");
   EXPECT_EQ(PlanOf("SN", "Orca1", named), "block: read-only") << "asked for and not possible";
-  EXPECT_EQ(PlanApply(*bench_.model, present_, Wanted({}), named).values.at(1).reason,
+  EXPECT_EQ(PlanApply(*bench_.model, present_, File({}), named).values.at(1).reason,
             "not in the file");
   ApplyWish forced;
   forced.out_of_range = true;
@@ -102,7 +82,7 @@ TEST_F(SettingsPlanTest, AWishSaysWhatIsWrittenBesides) {
 
 TEST_F(SettingsPlanTest, ARangeCountsWhileItsSwitchIsOn) {
   const auto plan = [&](const std::string& vlan_id, const ApplyWish& wish) {
-    const SettingsFile wanted = Wanted({Text("VLAN Priority", "9"), Text("VLAN ID", vlan_id)});
+    const SettingsFile wanted = File({Value("VLAN Priority", "9"), Value("VLAN ID", vlan_id)});
     return PlanApply(*bench_.model, present_, wanted, wish).may_run();
   };
   ApplyWish network;
@@ -115,10 +95,9 @@ TEST_F(SettingsPlanTest, ARangeCountsWhileItsSwitchIsOn) {
 }
 
 TEST_F(SettingsPlanTest, BytesThatSayTheSameAreWrittenAsTheyAre) {
-  SavedValue third = Text("Laser Power", "33.33");
-  third.bytes = Bytes{0x42, 0x05, 0x55, 0x55};
+  SavedValue third = Value("Laser Power", "33.33", Bytes{0x42, 0x05, 0x55, 0x55});
   const auto bytes = [&] {
-    return PlanApply(*bench_.model, present_, Wanted({third}), {}).values.at(0).bytes;
+    return PlanApply(*bench_.model, present_, File({third}), {}).values.at(0).bytes;
   };
   EXPECT_EQ(bytes(), (Bytes{0x42, 0x05, 0x55, 0x55}));
   third.text = "50";

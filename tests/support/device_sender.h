@@ -1,10 +1,8 @@
 #pragma once
 
 #include <functional>
+#include <map>
 #include <memory>
-#include <string>
-#include <utility>
-#include <vector>
 
 #include "CmxClient/command_sender.h"
 #include "device/virtual_device.h"
@@ -35,23 +33,16 @@ class DeviceSender : public kavel::lidar::CommandSender {
   }
 
   /// What it holds for every variable that is no clock, by name.
-  std::vector<std::pair<std::string, Bytes>> Held() const {
-    std::vector<std::pair<std::string, Bytes>> held;
+  std::map<std::string, Bytes> Held() const {
+    std::map<std::string, Bytes> held;
     for (const VariableMemory::Cell& cell : device_.memory().cells()) {
       if (!cell.is_clock) {
-        held.emplace_back(cell.var->var_name, cell.value);
+        held[cell.var->var_name] = cell.value;
       }
     }
     return held;
   }
-  Bytes Held(const std::string& name) const {
-    for (const auto& [each, bytes] : Held()) {
-      if (each == name) {
-        return bytes;
-      }
-    }
-    return {};
-  }
+  Bytes Held(const std::string& name) const { return Held()[name]; }
   bool Preset(const std::string& name, const std::string& text) {
     std::string error;
     return device_.Preset(name, text, &error);

@@ -1,8 +1,5 @@
 #pragma once
 
-#include <memory>
-#include <string>
-
 #include "session/lidar_model.h"
 #include "support/table_fixture.h"
 

@@ -1,8 +1,5 @@
 #pragma once
 
-#include <cstddef>
-#include <string>
-
 #include "support/bytes.h"
 
 namespace kavel::lidar::testing {

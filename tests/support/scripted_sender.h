@@ -1,8 +1,6 @@
 #pragma once
 
-#include <cstdint>
 #include <deque>
-#include <vector>
 
 #include "CmxClient/command_sender.h"
 #include "Wire/big_endian.h"

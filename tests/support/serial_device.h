@@ -3,7 +3,6 @@
 #include <atomic>
 #include <functional>
 #include <mutex>
-#include <string>
 #include <thread>
 #include <utility>
 

@@ -1,11 +1,8 @@
 #pragma once
 
-#include <cstddef>
-#include <cstdint>
 #include <functional>
 #include <mutex>
 #include <thread>
-#include <vector>
 
 #include "support/bytes.h"
 

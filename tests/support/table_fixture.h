@@ -2,9 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include <memory>
 #include <stdexcept>
-#include <string>
 
 #include "support/test_folder.h"
 #include "variables/config_parser.h"

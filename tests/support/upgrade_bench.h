@@ -8,9 +8,6 @@
 #include <QRegularExpression>
 #include <QTemporaryDir>
 #include <QUrl>
-#include <memory>
-#include <string>
-#include <vector>
 
 #include "firmware_upgrade.h"
 #include "support/qt_wait_for.h"

@@ -30,13 +30,9 @@ std::string Parse(const Bytes& package, UpgradePackageHeader* header) {
 
 TEST(UpgradePackage, NamesWhatIsWrongInItsOrder) {
   const std::string none = "0000000000000000";
-  struct Case {
-    Bytes package;
-    const char* said;
-  };
   Bytes other_magic = Package("01", "0000000001000000", 1);
   other_magic[3] = 't';
-  const Case cases[] = {
+  const std::pair<Bytes, const char*> cases[] = {
       {Bytes(55), ""},
       {other_magic, "Invalid OTA package magic\n"},
       {Package("21", "0000000001000000", 1), "Invalid OTA component flags\n"},
@@ -49,9 +45,9 @@ TEST(UpgradePackage, NamesWhatIsWrongInItsOrder) {
        "Component overlap\n"},
       {Package("18", none + none + none + "0400000004000000 0000000004000000", 8), "parsed\n"},
   };
-  for (const Case& c : cases) {
+  for (const auto& [package, said] : cases) {
     UpgradePackageHeader header;
-    EXPECT_EQ(Parse(c.package, &header), c.said);
+    EXPECT_EQ(Parse(package, &header), said);
   }
 }
 

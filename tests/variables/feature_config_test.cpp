@@ -1,7 +1,5 @@
 #include "variables/feature_config.h"
 
-#include <gtest/gtest.h>
-
 #include <algorithm>
 #include <filesystem>
 
@@ -37,17 +35,16 @@ void ExpectFaults(const TableFaults& faults, const std::vector<std::string>& pie
 }
 
 TEST(FeatureConfig, TakesEachCellForWhatItSaysAndTellsWhatItShouldSay) {
+  using Pieces = std::vector<std::string>;
+  const Pieces all = {"line 2: EnableCmxClientHostPortUi \"yes\" is unknown; write 1 ",
+                      "StaleInputWait \"troubel\"", "ConnectType \"7\"", "SerialKind \"x\""};
+  const Pieces encoding = {"EnableCmxClientHostPortUi is no UTF-8 text", "is unknown"};
+  const Pieces twice = {"line 4: model \"Heron\" has its row on line 2 already"};
+  const Pieces link = {"Link \"TLS\" is unknown; write tcp or"};
   const Row rows[] = {
       {"Orca", "1,trouble,0,0", kNetworkLink, 0, true, true, {}},
       {"Orca\t", " 1 , always,,", kNetworkLink, 0, true, false, {}},
-      {"Orca",
-       "yes,troubel,7,x",
-       kNetworkLink,
-       0,
-       false,
-       false,
-       {"line 2: EnableCmxClientHostPortUi \"yes\" is unknown; write 1 ",
-        "StaleInputWait \"troubel\"", "ConnectType \"7\"", "SerialKind \"x\""}},
+      {"Orca", "yes,troubel,7,x", kNetworkLink, 0, false, false, all},
       {"Orca", "11,,,", kNetworkLink, 0, false, false, {"EnableCmxClientHostPortUi \"11\""}},
       // Where a table says nothing, the name does.
       {"Lumo", "0,,,", kSerialPair, 1, false, false, {}},
@@ -58,30 +55,12 @@ TEST(FeatureConfig, TakesEachCellForWhatItSaysAndTellsWhatItShouldSay) {
       {"Heron", "0,,2,2", kSerialCmx, 2, false, false, {}},
       {"Heron", "0,,2,", kSerialCmx, 0, false, false, {"write 1 for a Lumo, 2 for a Kiva"}},
       {"Lumo", "0,,,0", kSerialPair, 0, false, false, {"does not say what kind of model"}},
-      {"Heron",
-       "\xE9,,,",
-       kNetworkLink,
-       0,
-       false,
-       false,
-       {"EnableCmxClientHostPortUi is no UTF-8 text", "is unknown"}},
+      {"Heron", "\xE9,,,", kNetworkLink, 0, false, false, encoding},
       {"orca", "1,trouble,2,2\nOrca,0,,,", kSerialCmx, 2, true, true, {}},
-      {"Heron",
-       "1,,,\nOrca,0,,,\nHeron,0,,,",
-       kNetworkLink,
-       0,
-       true,
-       false,
-       {"line 4: model \"Heron\" has its row on line 2 already"}},
+      {"Heron", "1,,,\nOrca,0,,,\nHeron,0,,,", kNetworkLink, 0, true, false, twice},
       {"Orca", "0,trouble,,, tls ", kNetworkLink, 0, false, true, {}, true},
       {"Orca", "0,,,,tcp", kNetworkLink, 0, false, false, {}},
-      {"Orca",
-       "0,,,,TLS",
-       kNetworkLink,
-       0,
-       false,
-       false,
-       {"Link \"TLS\" is unknown; write tcp or"}},
+      {"Orca", "0,,,,TLS", kNetworkLink, 0, false, false, link},
       {"Lumo", "0,,,,tls", kSerialPair, 1, false, false, {"where Link cannot be tls"}},
       {"Heron", "1,,,\n\"broken", kNetworkLink, 0, true, false, {"line 3: "}},
   };

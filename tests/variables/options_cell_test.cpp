@@ -114,15 +114,7 @@ TEST(InputHint, TellsBeforeSavingWhatWouldBeRefused) {
 
 TEST(InputProblem, TellsBeforeSavingWhatWouldBeStoredQuestionedOrRefused) {
   using Kind = InputProblem::Kind;
-  struct Case {
-    const char* type;
-    float set_coefficient;
-    int32_t range_max;
-    const char* text;
-    Kind kind;
-    const char* told;
-  };
-  const Case cases[] = {
+  const std::tuple<const char*, float, int32_t, const char*, Kind, const char*> cases[] = {
       {"int16", 0.25F, 100, "12.25", Kind::kNone, ""},
       {"int16", 0.1F, 100, "0.3", Kind::kNone, ""},
       {"int16", 0.25F, 100, "12.3", Kind::kRounded, "Would be stored as 12.25"},
@@ -139,11 +131,11 @@ TEST(InputProblem, TellsBeforeSavingWhatWouldBeStoredQuestionedOrRefused) {
       {"IP", 1, 0, "1.2.3", Kind::kImpossible, "An address like 192.168.1.201"},
       {"string", 1, 0, "whatever", Kind::kNone, ""},
   };
-  for (const Case& it : cases) {
+  for (const auto& [type, set_coefficient, range_max, text, kind, told] : cases) {
     const InputProblem problem =
-        FindInputProblem({&ValueTypeOf(it.type), it.set_coefficient, 0, it.range_max}, it.text);
-    EXPECT_EQ(problem.text, it.told) << it.type << ' ' << it.text;
-    EXPECT_EQ(problem.kind, it.kind) << it.type << ' ' << it.text;
+        FindInputProblem({&ValueTypeOf(type), set_coefficient, 0, range_max}, text);
+    EXPECT_EQ(problem.text, told) << type << ' ' << text;
+    EXPECT_EQ(problem.kind, kind) << type << ' ' << text;
   }
   const InputRule filter{&ValueTypeOf("uint8"), 1, 1, 10, true};
   EXPECT_EQ(FindInputProblem(filter, "0").kind, Kind::kNone) << "off";

@@ -1,8 +1,3 @@
-#include <gtest/gtest.h>
-
-#include <memory>
-#include <string>
-#include <utility>
 
 #include "CmxClient/device_commands.h"
 #include "Wire/big_endian.h"
@@ -40,10 +35,7 @@ class Upgrade : public testing::Test {
     request.payload = payload;
     request.client = client;
     request.long_frame = code >= kavel::lidar::kCmdStreamBegin;
-    AuthSession session;
-    FaultBox none;
-    std::string what;
-    last_ = device_->Answer(request, &session, &none, &what);
+    last_ = Ask(device_.get(), request);
     return last_.return_code;
   }
   int Piece(const Bytes& file, size_t number, uint32_t client = 1) {

@@ -1,12 +1,10 @@
 #include "lidar_under_test.h"
 
 #include <fcntl.h>
-#include <gtest/gtest.h>
 #include <poll.h>
 
 #include <algorithm>
 #include <array>
-#include <utility>
 
 namespace {
 
@@ -75,10 +73,7 @@ bool LidarUnderTest::LogShows(const std::string& text) {
   return true;
 }
 
-DeviceReply Ask(VirtualDevice* device, uint8_t code, const Bytes& payload) {
-  DeviceRequest request;
-  request.code = code;
-  request.payload = payload;
+DeviceReply Ask(VirtualDevice* device, const DeviceRequest& request) {
   AuthSession session;
   FaultBox none;
   std::string what;

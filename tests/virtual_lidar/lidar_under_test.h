@@ -1,10 +1,6 @@
 #pragma once
 
-#include <cstdint>
-#include <memory>
-#include <string>
 #include <thread>
-#include <vector>
 
 #include "server/device_server.h"
 #include "support/bytes.h"
@@ -71,5 +67,11 @@ class LidarUnderTest {
   std::string logged_;
 };
 
-/// Puts one request to a device as its first client; no fault strikes.
-DeviceReply Ask(VirtualDevice* device, uint8_t code, const Bytes& payload = {});
+/// Puts one request to a device; no fault strikes.
+DeviceReply Ask(VirtualDevice* device, const DeviceRequest& request);
+inline DeviceReply Ask(VirtualDevice* device, uint8_t code, const Bytes& payload = {}) {
+  DeviceRequest request;
+  request.code = code;
+  request.payload = payload;
+  return Ask(device, request);
+}

@@ -1,5 +1,3 @@
-#include <gtest/gtest.h>
-
 #include "lidar_under_test.h"
 
 namespace {
@@ -28,11 +26,7 @@ TEST_F(Maintenance, TakesSettingsWithinTheirLimitsOnly) {
   EXPECT_EQ(Ask(0x40).payload, (Bytes{0x00, 0x2D, 0xC6, 0xC0})) << "the table's default";
   EXPECT_EQ(Ask(0x4F).payload, (Bytes{0, 0x02, 0x58, 0, 2, 1, 1, 2, 3, 4}));
   EXPECT_FALSE(device_.TakeChanged());
-  const struct {
-    uint8_t command;
-    Bytes payload;
-    uint8_t return_code;
-  } cases[] = {
+  const std::tuple<uint8_t, Bytes, uint8_t> cases[] = {
       {0x41, {0, 1, 0xC2, 0}, kAccepted},  // 115200
       {0x41, {0, 0, 0, 0}, kBadValue},
       {0x41, {0, 1, 0xC2}, kBadLength},
@@ -51,9 +45,9 @@ TEST_F(Maintenance, TakesSettingsWithinTheirLimitsOnly) {
       {0x49, {0, 4}, kBadValue},
       {0x4F, {1}, kBadLength},
   };
-  for (const auto& c : cases) {
-    EXPECT_EQ(Ask(c.command, c.payload).return_code, c.return_code)
-        << std::hex << int{c.command} << " " << int{c.payload[0]};
+  for (const auto& [command, payload, return_code] : cases) {
+    EXPECT_EQ(Ask(command, payload).return_code, return_code)
+        << std::hex << int{command} << " " << int{payload[0]};
   }
   EXPECT_TRUE(device_.TakeChanged());
   EXPECT_EQ(device_.memory().cells()[0].value, (Bytes{0, 1, 0xC2, 0})) << "the table's, too";

@@ -1,7 +1,5 @@
 #include "device/variable_memory.h"
 
-#include <gtest/gtest.h>
-
 #include "lidar_under_test.h"
 
 namespace {
@@ -59,11 +57,7 @@ TEST(VariableMemory, ChecksValuesAsTheTableSays) {
       "5,1,0x4A,0x44,,Shared Secret Key,1,raw,,,,,,,16\n"
       "6,1,0x2C,0x22,,FOV Table,1,raw,,,,,,,42\n");
   VariableMemory memory(*table);
-  const struct {
-    uint8_t command;
-    Bytes payload;
-    uint8_t return_code;
-  } cases[] = {
+  const std::tuple<uint8_t, Bytes, uint8_t> cases[] = {
       {0x40, {0x01, 0x90}, kAccepted},  // 400 x 0.25 = 100
       {0x40, {0x01, 0x91}, kBadValue},
       {0x40, {0xFE, 0x70}, kAccepted},  // -400 x 0.25
@@ -84,9 +78,9 @@ TEST(VariableMemory, ChecksValuesAsTheTableSays) {
       {0x44, Bytes(257, 1), kBadLength},
       {0x44, Bytes(256, 1), kAccepted},
   };
-  for (const auto& c : cases) {
-    EXPECT_EQ(ReturnCode(&memory, c.command, c.payload), c.return_code)
-        << std::hex << int{c.command} << " " << int{c.payload.front()};
+  for (const auto& [command, payload, return_code] : cases) {
+    EXPECT_EQ(ReturnCode(&memory, command, payload), return_code)
+        << std::hex << int{command} << " " << int{payload[0]};
   }
   EXPECT_EQ(HeldIn(memory, "Shared Secret Key"), Bytes(256, 1)) << "as long as it was written";
   EXPECT_EQ(memory.Execute(0x4A, {}, 0)->payload, Bytes(16, 1));
