@@ -19,6 +19,9 @@ namespace {
 
 using testing::SerialDevice;
 
+// What is lost here is lost on purpose, and has to be noticed soon.
+constexpr uint32_t kAnswerMs = 500;
+
 // What the device does with a request instead of taking it; above 0: refuses it so.
 enum Deed : int { kLoses = -1, kTakesInSilence = -2, kVanishes = -3, kAnswersAmidNoise = -4 };
 
@@ -40,7 +43,8 @@ class Bench {
   }
 
   int32_t Stream() {
-    return StreamFirmware(*line, image, kApplicationImage, AfterImage::kRestart, &progress);
+    return StreamFirmware(*line, image, kApplicationImage, AfterImage::kRestart, &progress,
+                          kAnswerMs);
   }
 
   const Bytes image;

@@ -23,6 +23,7 @@ UpgradeWaits ShortWaits() {
   UpgradeWaits waits;
   waits.begin = waits.partition = milliseconds(1);
   waits.reboot = milliseconds(50);
+  waits.lidar_returns.leaves = milliseconds(400);  // it has come back by then
   waits.lidar_returns.returns = milliseconds(4000);
   return waits;
 }
