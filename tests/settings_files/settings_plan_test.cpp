@@ -37,6 +37,7 @@ TEST_F(SettingsPlanTest, ChecksATextBeforeAnythingIsSent) {
       {"Minimum Distance", "", "block: A number from 5 to 500 is needed"},
       {"Range Offset", "1.3", "block: Would be stored as 1.25"},
       {"Range Offset", "1.5", "write 1.50"},
+      {"Range Offset", "0.1", "block: Would be stored as 0"},
       {"Spin Rate", "700", "block: None of 300, 600, 1200"},
       {"Spin Rate", "fast", "block: None of 300, 600, 1200"},
       {"Spin Direction", "Counter-clockwise", "write 1"},
