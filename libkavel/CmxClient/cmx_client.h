@@ -158,7 +158,6 @@ class CmxClient : public CommandSender {
   /// Held for a whole exchange, and by the connection thread until the time-outs are applied.
   TicketMutex exchange_mutex_;
   std::atomic<int32_t> last_error_{0};
-  const uint8_t protocol_version_;
   const std::shared_ptr<ClientBase> transport_;
   CmxExchange exchange_;           // guarded by exchange_mutex_
   CmxExchange::Timeouts usual_{};  // of the connection; guarded by exchange_mutex_

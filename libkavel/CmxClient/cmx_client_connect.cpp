@@ -41,8 +41,7 @@ CmxClient::CmxClient(const std::string& lidar_ip, uint16_t port, bool auto_recei
 
 CmxClient::CmxClient(std::shared_ptr<ClientBase> transport, Target target, uint8_t protocol_version,
                      uint32_t recv_timeout_ms, uint32_t send_timeout_ms)
-    : protocol_version_(protocol_version),
-      transport_(std::move(transport)),
+    : transport_(std::move(transport)),
       exchange_(transport_, protocol_version, kDefaultTimeouts),
       target_(std::move(target)),
       lidar_ip_(target_.lidar_ip),
@@ -52,8 +51,7 @@ CmxClient::CmxClient(std::shared_ptr<ClientBase> transport, Target target, uint8
 
 CmxClient::CmxClient(std::shared_ptr<ClientBase> open_transport, uint8_t protocol_version,
                      uint32_t recv_timeout_ms, uint32_t send_timeout_ms)
-    : protocol_version_(protocol_version),
-      transport_(std::move(open_transport)),
+    : transport_(std::move(open_transport)),
       exchange_(transport_, protocol_version, kDefaultTimeouts),
       configured_{recv_timeout_ms, send_timeout_ms} {
   if (transport_) {

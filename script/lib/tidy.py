@@ -1,0 +1,178 @@
+#!/usr/bin/env python3
+# shellcheck disable=SC1071  # Python
+"""clang-tidy over FILE..., of which the build folder BUILD (Ninja) has the commands.
+
+    script/lib/tidy.py BUILD FILE...
+
+Nearly all the time goes into the headers, which every file brings again. So files that are compiled
+alike are read as one, a dozen at a time: one text with all of them in it, whose findings are told by
+their own places. Files that give the same name to something of their own are kept apart, and those
+of a text that cannot be compiled after all are read one by one.
+
+What was found to be clean is remembered in ~/.cache/tevron/tidy, by everything that it depends on:
+the file, all it includes, its flags, the checks, the version of clang-tidy.
+"""
+
+import hashlib
+import json
+import os
+import re
+import shlex
+import subprocess
+import sys
+import time
+from collections import defaultdict
+from concurrent.futures import ThreadPoolExecutor
+from functools import lru_cache
+from pathlib import Path
+
+MOST_FILES = 12
+KEPT_DAYS = 30
+CHECKS = Path(".clang-tidy").resolve()
+CACHE = Path(os.environ.get("XDG_CACHE_HOME") or Path.home() / ".cache") / "tevron/tidy"
+
+
+class Source:
+    """A file, how it is compiled, and what clang-tidy's word about it depends on."""
+
+    def __init__(self, path, command, build):
+        self.path = path
+        self.text = path.read_text()
+        words = shlex.split(command)
+        output = words.index("-o")
+        self.object = os.path.relpath(build / words[output + 1], build)
+        # From behind the compiler, and its launcher, to what is this file's alone.
+        first = next(i for i, word in enumerate(words) if word.startswith("-"))
+        self.flags = words[first:output]
+
+    def names(self):
+        """What it declares beside all functions and classes, as clang-format lays it out."""
+        declared = re.findall(r"^(?!TEST|(?:using )?namespace|[#}/ ])[^(={;\[\n]*?(?<!:)\b(\w+)(?: ?[(={;\[]| : )",
+                              self.text, re.M)
+        return set(declared + re.findall(r"^#define (\w+)", self.text, re.M))
+
+
+@lru_cache(maxsize=None)
+def digest(path):
+    return hashlib.sha256(Path(path).read_bytes()).hexdigest()
+
+
+def dependencies(build):
+    """By object file, what it was made from, as the compiler said."""
+    by_object, current = {}, None
+    for line in output_of("ninja", "-C", build, "--quiet", "-t", "deps").splitlines():
+        if line.startswith("    "):
+            current.append(os.path.normpath(build / line.strip()))
+        elif ": #deps" in line:
+            current = by_object[line.split(":")[0]] = []
+    return by_object
+
+
+def output_of(*command):
+    return subprocess.run(command, check=True, capture_output=True, text=True).stdout
+
+
+def marker(source, needed, version):
+    """The file whose being there says that the source is clean; None when that cannot be told."""
+    if not needed:
+        return None
+    parts = [version, digest(CHECKS), str(source.path), *source.flags]
+    parts += [f"{path} {digest(path)}" for path in sorted(needed)]
+    return CACHE / hashlib.sha256("\n".join(parts).encode()).hexdigest()
+
+
+def grouped(sources):
+    """Those compiled alike, in groups without a name in common, the large ones first."""
+    groups = []
+    alike = defaultdict(list)
+    for source in sources:
+        alike[tuple(source.flags)].append(source)
+    for same in alike.values():
+        open_groups = []
+        for source in same:
+            names = source.names()
+            for members, taken in open_groups:
+                if len(members) < MOST_FILES and not names & taken:
+                    members.append(source)
+                    taken |= names
+                    break
+            else:
+                open_groups.append(([source], names))
+        groups += [members for members, _ in open_groups]
+    return sorted(groups, key=len, reverse=True)
+
+
+def run(arguments, folder):
+    done = subprocess.run(["clang-tidy", "--quiet", f"--config-file={CHECKS}", *arguments], cwd=folder,
+                          capture_output=True, text=True)
+    said = re.sub(r"^(\d+ (warning|error).* generated|Error while processing .*)\.?\n", "", done.stderr,
+                  flags=re.M)
+    return done.returncode == 0, done.stdout + said
+
+
+def check_alone(source, build):
+    clean, said = run([str(source.path), "--", *source.flags], build)
+    return ([source] if clean else []), said
+
+
+def check(group, build):
+    """The sources of the group that are clean, and what is said of the others."""
+    if len(group) == 1:
+        return check_alone(group[0], build)
+    text, starts = "", []
+    for source in group:
+        starts.append(text.count("\n"))
+        text += source.text.rstrip("\n") + "\n"
+    together = build / "tidy" / f"{group[0].path.stem}_{digest(group[0].path)[:8]}.cpp"
+    together.parent.mkdir(exist_ok=True)
+    together.write_text(text)
+    quoted = [word for source in group for word in ("-iquote", str(source.path.parent))]
+    # What one file calls a thing of its own hides nothing in another; the compiler looks at each.
+    clean, said = run([str(together), "--", *group[0].flags, *quoted, "-Wno-shadow"], build)
+    if "clang-diagnostic-error" in said:
+        alone = [check_alone(source, build) for source in group]
+        return [source for found, _ in alone for source in found], "".join(said for _, said in alone)
+
+    def own_place(match):
+        line = int(match[1])
+        at = max(i for i, start in enumerate(starts) if start < line)
+        return f"{group[at].path}:{line - starts[at]}:"
+
+    return (group if clean else []), re.sub(rf"{re.escape(str(together))}:(\d+):", own_place, said)
+
+
+def main():
+    build = Path(sys.argv[1]).resolve()
+    commands = {entry["file"]: entry["command"]
+                for entry in json.loads((build / "compile_commands.json").read_text())}
+    needed = dependencies(build)
+    version = output_of("clang-tidy", "--version")
+    markers, ok = {}, True
+    for name in sys.argv[2:]:
+        path = Path(name).resolve()
+        if str(path) not in commands:  # no part of this build: by the flags of what lies beside it
+            clean, said = run(["-p", str(build), str(path)], build)
+            print(said, end="")
+            ok &= clean
+            continue
+        source = Source(path, commands[str(path)], build)
+        markers[source] = marker(source, needed.get(source.object), version)
+    CACHE.mkdir(parents=True, exist_ok=True)
+    for old in CACHE.iterdir():
+        if old.stat().st_mtime < time.time() - KEPT_DAYS * 86400:
+            old.unlink()
+    unknown = [source for source, mark in markers.items() if mark is None or not mark.exists()]
+    with ThreadPoolExecutor(os.cpu_count()) as pool:
+        for group, (clean, said) in zip(work := grouped(unknown), pool.map(lambda g: check(g, build), work)):
+            print(said, end="", flush=True)
+            ok &= len(clean) == len(group)
+            for source in clean:
+                if markers[source] is not None:
+                    markers[source].touch()
+    for source, mark in markers.items():
+        if source not in unknown:
+            mark.touch()  # in use
+    sys.exit(0 if ok else 1)
+
+
+main()
