@@ -74,5 +74,5 @@ std::string TrustedLidars::Remember(const CertifiedLidar& lidar) const {
   const std::string problem = SaveKeptText(file, kFingerprintKey, text);
   return problem.empty()
              ? ""
-             : "The certificate of " + NameOf(lidar) + " could not be remembered: " + problem;
+             : "The certificate of " + NameOf(lidar) + " could not be remembered: " + problem + '.';
 }

@@ -4,7 +4,9 @@
 #include "CmxClient/fov_command.h"
 #include "Wire/calibration.h"
 #include "Wire/firmware_stream.h"
+#include "Wire/point_packet.h"
 #include "auth/authorized_cmx_client.h"
+#include "fuzz/fuzz_keys.h"
 #include "fuzz/fuzz_targets.h"
 #include "support/scripted_sender.h"
 
@@ -86,12 +88,25 @@ void CheckLayouts(const Bytes& bytes) {
   }
 }
 
-AuthKeys SomeKeys() {
-  AuthKeys keys;
-  for (const AuthKeyKind& kind : kAuthKeyKinds) {
-    keys.*kind.member = SecretBytes(Bytes(kind.size, 0x5A));
+void CheckPointPacket(const Bytes& bytes) {
+  const auto number = PointPacketNumber(bytes.data(), bytes.size());
+  if (number) {
+    Require(bytes.size() >= kPointPacketHead, "a head is whole");
+    const Bytes head = BuildPointPacketHead(*number, 0);
+    Require(head.size() == kPointPacketHead && std::equal(&head[0], &head[8], bytes.begin()),
+            "the head of a packet is built as it was read");
   }
-  return keys;
+}
+
+void CheckCalibration(const Bytes& bytes) {
+  std::vector<ChannelAngles> channels(bytes.size() % 256);
+  for (size_t i = 0; i < channels.size(); ++i) {
+    channels[i].elevation_cdeg = static_cast<int16_t>(bytes[i] << 8U);
+  }
+  Bytes calibration = BuildCalibration(channels);
+  Require(IsCalibration(calibration), "a calibration is one");
+  calibration[bytes.empty() ? 0 : bytes[0] % calibration.size()] ^= 0x10;
+  Require(!IsCalibration(calibration), "a damaged one is none");
 }
 
 int32_t Signed(uint8_t byte) { return byte < 0xF0 ? byte : byte - 0x100; }
@@ -108,7 +123,7 @@ void CheckHandshake(FuzzInput input) {
   config.probe_little_endian = (input.Byte() & 1) != 0;
   const bool prefix = (input.Byte() & 1) != 0;
   AuthorizedCmxClient client(sender, config, prefix, nullptr,
-                             CreateAuthAlgorithm(config.algorithm_id, SomeKeys()));
+                             CreateAuthAlgorithm(config.algorithm_id, FuzzKeys()));
   for (int i = 0; i < 4; ++i) {
     const int32_t error = Signed(input.Byte());
     sender->replies.push_back({error, input.Block(input.Byte())});
@@ -132,4 +147,6 @@ void FuzzDeviceAnswers(FuzzInput input) {
   ScriptedSender sender;
   CheckMaintenance(sender, answer);
   CheckLayouts(answer);
+  CheckPointPacket(answer);
+  CheckCalibration(answer);
 }

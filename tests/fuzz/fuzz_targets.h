@@ -18,6 +18,8 @@ void FuzzSerialSource(FuzzInput input);
 void FuzzSerialExchange(FuzzInput input);
 /// What a lidar answers to a handshake and to the maintenance commands.
 void FuzzDeviceAnswers(FuzzInput input);
+/// A whole virtual lidar behind its codecs: what any client does to it, and what it answers.
+void FuzzVirtualDevice(FuzzInput input);
 /// A variable table, its pages, and what can be read, edited and written by it.
 void FuzzTable(FuzzInput input);
 /// A monitor table over a model's own.
@@ -34,6 +36,8 @@ void FuzzSettings(FuzzInput input);
 /// A lidar's settings as a file.
 void FuzzSettingsFile(FuzzInput input);
 void FuzzMonitorFile(FuzzInput input);
+/// A text for a support bundle, with keys, names and folders in it.
+void FuzzCleanText(FuzzInput input);
 
 /// A target by its name, which its folder of seeds has, too.
 struct FuzzTarget {
@@ -45,6 +49,7 @@ struct FuzzTarget {
 inline constexpr FuzzTarget kFuzzTargets[] = {
     {"auth_keys", FuzzAuthKeys, "Config/auth_keys.ini"},
     {"auth_table", FuzzAuthTable, "Config/auth_config.csv"},
+    {"clean_text", FuzzCleanText},
     {"cmx_codec", FuzzCmxCodec},
     {"device_answers", FuzzDeviceAnswers},
     {"feature_table", FuzzFeatureTable, "Config/feature_config.csv"},
@@ -59,4 +64,5 @@ inline constexpr FuzzTarget kFuzzTargets[] = {
     {"table", FuzzTable, "Config/varID"},
     {"upgrade_package", FuzzUpgradePackage},
     {"value_text", FuzzValueText},
+    {"virtual_device", FuzzVirtualDevice},
 };
