@@ -2,7 +2,6 @@
 
 #include <QFile>
 #include <QObject>
-#include <QString>
 #include <QTemporaryDir>
 #include <QUrl>
 #include <QVariant>

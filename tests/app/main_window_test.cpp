@@ -8,7 +8,6 @@
 #include <QQmlContext>
 #include <QQuickItem>
 #include <QQuickView>
-#include <QStringList>
 #include <QTest>
 
 #include "app/message_recorder.h"

@@ -4,7 +4,6 @@
 
 #include <QApplication>
 #include <QDir>
-#include <vector>
 
 #include "app/message_recorder.h"
 #include "support/test_folder.h"

@@ -6,7 +6,6 @@
 #include <QSettings>
 #include <QTemporaryDir>
 #include <fstream>
-#include <tuple>
 
 namespace {
 

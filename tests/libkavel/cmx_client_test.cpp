@@ -7,12 +7,8 @@
 #include <algorithm>
 #include <atomic>
 #include <chrono>
-#include <memory>
 #include <mutex>
-#include <string>
 #include <thread>
-#include <utility>
-#include <vector>
 
 #include "CmxClient/file_transfer.h"
 #include "libkavel/scripted_transport.h"

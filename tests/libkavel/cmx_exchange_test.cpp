@@ -4,9 +4,6 @@
 
 #include <atomic>
 #include <deque>
-#include <memory>
-#include <string>
-#include <vector>
 
 #include "CmxClient/cmx_client.h"
 #include "CmxClient/cmx_parser.h"
@@ -144,12 +141,8 @@ TEST_F(CmxExchangeTest, AFrameBeyondOneSendIsRefusedUnsent) {
 TEST_F(CmxExchangeTest, OnlyTroubleMakesTheCommandWaitForSilence) {
   client.SetStaleInput(StaleInput::kAfterTrouble);
   const std::deque<Bytes> clean = {{0x47, 0x74, 7, 0, 0, 0, 0, 0}};
-  const struct {
-    const char* before;
-    std::deque<Bytes> stale, answer;
-    bool waits;
-    int32_t reason;
-  } cases[] = {
+  using Blocks = std::deque<Bytes>;
+  const std::tuple<const char*, Blocks, Blocks, bool, int32_t> cases[] = {
       {"just connected", {}, clean, true, 0},
       {"nothing", {}, clean, false, 0},
       {"a byte was waiting", {{1}}, clean, true, 0},
@@ -159,15 +152,15 @@ TEST_F(CmxExchangeTest, OnlyTroubleMakesTheCommandWaitForSilence) {
       {"no answer", {}, clean, true, 0},
       {"nothing", {}, clean, false, 0},
   };
-  for (const auto& each : cases) {
+  for (const auto& [what_was, stale, answer, waits, reason] : cases) {
     transport->timeouts.clear();
-    transport->waiting = each.stale;
-    transport->answer = each.answer;
-    EXPECT_EQ(Query(7), each.reason == 0 ? 0 : -1) << each.before;
-    EXPECT_EQ(error, each.reason) << each.before;
+    transport->waiting = stale;
+    transport->answer = answer;
+    EXPECT_EQ(Query(7), reason == 0 ? 0 : -1) << what_was;
+    EXPECT_EQ(error, reason) << what_was;
     EXPECT_EQ(transport->timeouts,
-              each.waits ? (std::vector<uint32_t>{50, 20}) : std::vector<uint32_t>{})
-        << each.before;
+              waits ? (std::vector<uint32_t>{50, 20}) : std::vector<uint32_t>{})
+        << what_was;
   }
 }
 

@@ -3,9 +3,6 @@
 #include <arpa/inet.h>
 #include <gtest/gtest.h>
 
-#include <string>
-#include <vector>
-
 #include "support/wait_for.h"
 
 namespace kavel::lidar {

@@ -1,11 +1,8 @@
 #pragma once
 
 #include <algorithm>
-#include <cstdint>
 #include <deque>
 #include <new>
-#include <string>
-#include <vector>
 
 #include "CmxClient/client_base.h"
 #include "support/bytes.h"

@@ -3,8 +3,6 @@
 #include <gtest/gtest.h>
 
 #include <future>
-#include <string>
-#include <vector>
 
 #include "Wire/serial_frame.h"
 #include "support/bytes.h"
@@ -15,9 +13,7 @@
 namespace kavel::lidar {
 namespace {
 
-using testing::LogLines;
-using testing::PtyPair;
-using testing::WaitFor;
+using namespace testing;
 
 constexpr uint32_t kPatienceMs = 5000;
 constexpr int32_t kPatienceUs = 5'000'000;

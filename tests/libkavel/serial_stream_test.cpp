@@ -2,8 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <vector>
-
 #include "Wire/ota_stream.h"
 #include "Wire/serial_frame.h"
 #include "support/bytes.h"

@@ -3,9 +3,6 @@
 #include <arpa/inet.h>
 #include <gtest/gtest.h>
 
-#include <string>
-#include <vector>
-
 #include "support/log_lines.h"
 
 namespace kavel::lidar {

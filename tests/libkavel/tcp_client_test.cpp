@@ -5,8 +5,6 @@
 #include <atomic>
 #include <cerrno>
 #include <future>
-#include <string>
-#include <vector>
 
 #include "CmxClient/tcp_ssl_client.h"
 #include "support/log_lines.h"

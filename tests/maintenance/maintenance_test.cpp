@@ -1,9 +1,6 @@
 #include "maintenance/maintenance.h"
 
-#include <gtest/gtest.h>
-
 #include <QVariantMap>
-#include <functional>
 
 #include "CmxClient/cmx_client.h"
 #include "support/model_fixture.h"

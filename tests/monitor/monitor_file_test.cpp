@@ -1,6 +1,5 @@
 #include "monitor/monitor_file.h"
 
-#include <gtest/gtest.h>
 #include <stdlib.h>
 
 #include <cmath>

@@ -1,7 +1,5 @@
 #include "monitor/monitor_recorder.h"
 
-#include <gtest/gtest.h>
-
 #include <atomic>
 #include <mutex>
 

@@ -1,7 +1,5 @@
 #include "variables/monitor_tables.h"
 
-#include <gtest/gtest.h>
-
 #include <filesystem>
 
 #include "pages/edit_session.h"

@@ -1,7 +1,5 @@
 #include "pages/edit_session.h"
 
-#include <gtest/gtest.h>
-
 #include "support/bytes.h"
 #include "support/model_fixture.h"
 #include "support/recorded_report.h"

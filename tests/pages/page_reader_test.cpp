@@ -1,7 +1,5 @@
 #include "pages/page_reader.h"
 
-#include <gtest/gtest.h>
-
 #include "support/model_fixture.h"
 #include "support/recorded_report.h"
 #include "support/scripted_sender.h"

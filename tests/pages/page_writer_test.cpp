@@ -1,7 +1,5 @@
 #include "pages/page_writer.h"
 
-#include <gtest/gtest.h>
-
 #include "CmxClient/cmx_client.h"
 #include "support/model_fixture.h"
 #include "support/recorded_report.h"

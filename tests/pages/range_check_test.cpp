@@ -1,7 +1,5 @@
 #include "pages/range_check.h"
 
-#include <gtest/gtest.h>
-
 #include "support/model_fixture.h"
 #include "support/recorded_report.h"
 

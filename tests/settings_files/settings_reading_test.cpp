@@ -1,7 +1,5 @@
 #include "settings_files/settings_reading.h"
 
-#include <gtest/gtest.h>
-
 #include "settings_bench.h"
 
 namespace {

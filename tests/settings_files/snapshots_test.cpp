@@ -61,20 +61,11 @@ TEST_F(SnapshotsTest, TheNewestOfEachLidarAreKept) {
 }
 
 TEST_F(SnapshotsTest, NoSerialNumberLeavesTheFolder) {
-  const std::string hostile[] = {"",
-                                 ".",
-                                 "..",
-                                 "../../x",
-                                 "/etc/passwd",
-                                 "a\\b",
-                                 "a/b",
-                                 "a%2Fb",
-                                 "CON\n",
-                                 "~",
-                                 "ü",
-                                 std::string(1, '\0'),
-                                 std::string(300, '/'),
-                                 std::string(300, 'x')};
+  std::vector<std::string> hostile = {
+      "", ".", "..", "../../x", "/etc/passwd", "a\\b", "a/b", "a%2Fb", "CON\n", "~", "ü"};
+  hostile.emplace_back(1, '\0');
+  hostile.emplace_back(300, '/');
+  hostile.emplace_back(300, 'x');
   for (const std::string& serial_number : hostile) {
     EXPECT_EQ(snapshots_.Keep(Lidar(serial_number), SnapshotReason::kApply), "");
     const std::vector<Snapshot> kept = snapshots_.Of(serial_number);

@@ -1,7 +1,5 @@
 // What the pages of docs/ promise to people who have nothing else, tried on the real programs.
 
-#include <gtest/gtest.h>
-
 #include <fstream>
 #include <iterator>
 #include <regex>

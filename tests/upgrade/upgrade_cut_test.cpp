@@ -3,7 +3,6 @@
 // succeeds.
 
 #include <fcntl.h>
-#include <gtest/gtest.h>
 #include <unistd.h>
 
 #include <QJsonObject>

@@ -1,7 +1,5 @@
 #include "variables/pages.h"
 
-#include <QStringList>
-
 #include "support/table_fixture.h"
 #include "variables/page_variants.h"
 

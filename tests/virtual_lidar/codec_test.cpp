@@ -1,8 +1,5 @@
 #include <gtest/gtest.h>
 
-#include <memory>
-#include <string>
-
 #include "Wire/ota_stream.h"
 #include "Wire/serial_frame.h"
 #include "support/bytes.h"

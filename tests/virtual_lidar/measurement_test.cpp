@@ -1,10 +1,7 @@
 #include "device/measurement.h"
 
-#include <gtest/gtest.h>
-
 #include <algorithm>
 #include <cmath>
-#include <utility>
 
 #include "lidar_under_test.h"
 #include "variables/number_text.h"

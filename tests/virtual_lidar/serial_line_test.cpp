@@ -1,6 +1,3 @@
-#include <gtest/gtest.h>
-
-#include <string>
 
 #include "CmxClient/serial_client.h"
 #include "lidar_under_test.h"

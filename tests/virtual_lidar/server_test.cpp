@@ -1,10 +1,7 @@
-#include <gtest/gtest.h>
-
 #include <QFile>
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QTemporaryDir>
-#include <string>
 
 #include "Source/socket_source.h"
 #include "Wire/big_endian.h"
