@@ -111,6 +111,22 @@ size_t UserFolderAt(std::string_view text, size_t at) {
   return 0;
 }
 
+/// The text with everything cut that `cut_at` finds.
+template <typename CutAt>
+std::string Replaced(std::string_view text, const CutAt& cut_at) {
+  std::string replaced;
+  replaced.reserve(text.size());
+  for (size_t at = 0; at < text.size();) {
+    if (const auto cut = cut_at(text, at); cut.length > 0) {
+      replaced += cut.instead;
+      at += cut.length;
+    } else {
+      replaced += text[at++];
+    }
+  }
+  return replaced;
+}
+
 void AddName(const QString& name, std::vector<std::string>* names) {
   const std::string text = name.toStdString();
   if (!text.empty() && std::find(names->begin(), names->end(), text) == names->end()) {
@@ -196,36 +212,19 @@ size_t TextCleaner::KeyAt(std::string_view text, size_t at) const {
   return 0;
 }
 
+// Keys go first: a name that stood right beside one is a whole word then.
 std::string TextCleaner::Clean(std::string_view text) const {
-  std::string clean;
-  clean.reserve(text.size());
-  for (size_t at = 0; at < text.size();) {
-    Cut cut = PersonalAt(text, at);
-    if (cut.length == 0) {
-      cut = {std::max(KeyAt(text, at), DumpAt(text, at)), kRemoved};
-    }
-    if (cut.length == 0) {
-      clean += text[at++];
-    } else {
-      clean += cut.instead;
-      at += cut.length;
-    }
-  }
-  return clean;
+  const std::string keyless = Replaced(text, [&](std::string_view whole, size_t at) {
+    return Cut{std::max(KeyAt(whole, at), DumpAt(whole, at)), kRemoved};
+  });
+  return Replaced(keyless,
+                  [&](std::string_view whole, size_t at) { return PersonalAt(whole, at); });
 }
 
 std::string TextCleaner::WithoutKeys(std::string_view text) const {
-  std::string clean;
-  clean.reserve(text.size());
-  for (size_t at = 0; at < text.size();) {
-    if (const size_t length = KeyAt(text, at); length > 0) {
-      clean += kRemoved;
-      at += length;
-    } else {
-      clean += text[at++];
-    }
-  }
-  return clean;
+  return Replaced(text, [&](std::string_view whole, size_t at) {
+    return Cut{KeyAt(whole, at), kRemoved};
+  });
 }
 
 bool TextCleaner::HoldsKey(std::string_view text) const {
