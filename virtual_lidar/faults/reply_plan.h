@@ -17,7 +17,7 @@ struct SendStep {
 
 /// How one answer leaves: the pieces, and what happens behind the last of them.
 struct ReplyPlan {
-  enum class Ending { kStayOpen, kHangUp, kRestart };
+  enum class Ending { kStayOpen, kHangUp, kReset, kRestart };
 
   std::vector<SendStep> steps;
   /// Goes back before anything else, by the line on which the request came.

@@ -196,7 +196,12 @@ void Link::FinishPlan() {
   waiting_bytes_ -= sizeof(ReplyPlan);
   answers_.pop_front();
   next_step_ = 0;
-  if (ending == ReplyPlan::Ending::kHangUp) {
+  if (ending == ReplyPlan::Ending::kReset) {
+    // Closing throws away what was not sent, and says so to the far end. No socket, no reset.
+    const linger at_once = {1, 0};
+    setsockopt(in_fd_, SOL_SOCKET, SO_LINGER, &at_once, sizeof at_once);
+  }
+  if (ending == ReplyPlan::Ending::kHangUp || ending == ReplyPlan::Ending::kReset) {
     HangUp();
   }
   if (ending == ReplyPlan::Ending::kRestart) {

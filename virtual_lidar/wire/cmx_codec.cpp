@@ -50,6 +50,13 @@ std::vector<uint8_t> CmxCodec::Encode(const DeviceReply& reply) const {
   return kavel::lidar::BuildCmxFrame(layout_, reply.code, reply.return_code, reply.payload);
 }
 
+std::vector<uint8_t> CmxCodec::EncodeForeign(const DeviceReply& reply) const {
+  const bool is_first = layout_.identifier_1 == kavel::lidar::kCmxHeader1.identifier_1;
+  return kavel::lidar::BuildCmxFrame(
+      is_first ? kavel::lidar::kCmxHeader2 : kavel::lidar::kCmxHeader1, reply.code,
+      reply.return_code, reply.payload);
+}
+
 void CmxCodec::Damage(std::vector<uint8_t>* frame) const { (*frame)[1] ^= 0x5A; }
 
 void CmxCodec::OverstateLength(std::vector<uint8_t>* frame) const {

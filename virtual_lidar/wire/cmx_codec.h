@@ -17,6 +17,7 @@ class CmxCodec : public WireCodec {
       : layout_(version == 2 ? kavel::lidar::kCmxHeader2 : kavel::lidar::kCmxHeader1) {}
 
   std::vector<uint8_t> Encode(const DeviceReply& reply) const override;
+  std::vector<uint8_t> EncodeForeign(const DeviceReply& reply) const override;
   size_t HeaderSize(const std::vector<uint8_t>&) const override { return layout_.size; }
   void Damage(std::vector<uint8_t>* frame) const override;
   void OverstateLength(std::vector<uint8_t>* frame) const override;

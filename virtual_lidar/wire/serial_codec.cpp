@@ -46,6 +46,17 @@ std::vector<uint8_t> SerialCodec::Encode(const DeviceReply& reply) const {
   return kavel::lidar::BuildSerialAnswer(reply.code, reply.return_code, reply.payload);
 }
 
+std::vector<uint8_t> SerialCodec::EncodeForeign(const DeviceReply& reply) const {
+  std::vector<uint8_t> frame = kavel::lidar::BuildPointCloudFrame(reply.payload);
+  if (frame.empty()) {
+    return frame;
+  }
+  frame.resize(frame.size() - kavel::lidar::kPointCloudTailSize);
+  ++frame[sizeof kavel::lidar::kPointCloudPrefix];
+  kavel::lidar::AppendSerialTail(frame, kavel::lidar::kSerialTailFirmware);
+  return frame;
+}
+
 size_t SerialCodec::HeaderSize(const std::vector<uint8_t>& frame) const {
   return kavel::lidar::IsOtaFrame(frame) ? kLongPayloadOffset : kPayloadOffset;
 }

@@ -9,6 +9,8 @@ class SerialCodec : public WireCodec {
  public:
   /// Uses a long frame when the request came in one or the payload does not fit a short one.
   std::vector<uint8_t> Encode(const DeviceReply& reply) const override;
+  /// A point-cloud frame of a version to come: the only frame that names its version.
+  std::vector<uint8_t> EncodeForeign(const DeviceReply& reply) const override;
   size_t HeaderSize(const std::vector<uint8_t>& frame) const override;
   void Damage(std::vector<uint8_t>* frame) const override;
   /// The checksum stays right, so that only the length gives the lie away.

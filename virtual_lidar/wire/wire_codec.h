@@ -31,6 +31,8 @@ class WireCodec {
 
   /// Frames one answer.
   virtual std::vector<uint8_t> Encode(const DeviceReply& reply) const = 0;
+  /// Frames one answer as a version of the protocol does that this line does not speak.
+  virtual std::vector<uint8_t> EncodeForeign(const DeviceReply& reply) const = 0;
   /// How many bytes of a framed answer stand in front of its payload.
   virtual size_t HeaderSize(const std::vector<uint8_t>& frame) const = 0;
   /// Makes a framed answer unrecognisable by flipping bits of one byte.
