@@ -75,6 +75,10 @@ CmxExchange::Outcome CmxExchange::Run(uint8_t cmd, const std::vector<uint8_t>& p
   if (sent) {
     Receive(cmd, kind, outcome);
   }
+  if (outcome.accepted && stale_input_ == StaleInput::kAfterTrouble &&
+      last_answer_.MayBeCopied(cmd, payload, outcome.payload)) {
+    LookBehindCopy(cmd, outcome);
+  }
   silent_ = outcome.header.empty();
   return outcome;
 }
@@ -219,6 +223,24 @@ void CmxExchange::Receive(uint8_t cmd, OwedAnswers::Kind kind, Outcome& outcome)
   }
   if (has_stray_bytes || (!outcome.accepted && length > 0)) {
     owed_.Strayed();
+  }
+}
+
+// The answer to this very request, if another one has come: then it stands behind a copy.
+void CmxExchange::LookBehindCopy(uint8_t cmd, Outcome& outcome) {
+  bool has_stray_bytes = false;
+  Outcome behind;
+  if (!FindHeader(now_() + milliseconds(kDrainTimeoutMs), behind.header, has_stray_bytes)) {
+    return;
+  }
+  owed_.Strayed();
+  LookThrough(behind.header.data(), static_cast<int32_t>(behind.header.size()));
+  const uint32_t length = PayloadLengthIn(behind.header);
+  const auto deadline = now_() + milliseconds(in_force_.recv_ms) + TimeForPayload(length);
+  if (IsAnswerTo(cmd, behind.header) && behind.header[layout_->return_code_at] == 0 &&
+      ReceivePayload(behind.payload, length, deadline, progress_)) {
+    outcome.header = std::move(behind.header);
+    outcome.payload = std::move(behind.payload);
   }
 }
 

@@ -11,6 +11,7 @@
 #include "CmxClient/byte_sink.h"
 #include "CmxClient/client_base.h"
 #include "CmxClient/command_sender.h"
+#include "CmxClient/last_answer.h"
 #include "CmxClient/owed_answers.h"
 #include "CmxClient/stale_input.h"
 #include "Wire/cmx_header.h"
@@ -30,7 +31,9 @@ namespace kavel::lidar {
 /// within one receive time-out, the command is not sent and fails with `kSendIncomplete`: nobody
 /// may take it for carried out. Further answers to liveness commands are passed over while another
 /// command's is awaited. A command with the liveness command's code and a payload fails so, too, as
-/// long as any of them is owed.
+/// long as any of them is owed. An answer that is byte for byte the one before, though another
+/// request was sent, may be a second copy of that one: the line is listened to for a moment more,
+/// and an answer behind it counts in its place.
 ///
 /// One thread at a time, the two settings excepted, which any thread may change at any time.
 class CmxExchange {
@@ -96,6 +99,7 @@ class CmxExchange {
   void LookThrough(const uint8_t* data, int32_t size);
 
   void Receive(uint8_t cmd, OwedAnswers::Kind kind, Outcome& outcome);
+  void LookBehindCopy(uint8_t cmd, Outcome& outcome);
   bool ReceiveHeader(uint8_t cmd, std::vector<uint8_t>& header, bool& has_stray_bytes);
   bool FindHeader(Clock::time_point deadline, std::vector<uint8_t>& header, bool& has_stray_bytes);
   bool PassOver(uint8_t cmd, const std::vector<uint8_t>& header, Clock::time_point deadline);
@@ -119,6 +123,7 @@ class CmxExchange {
 
   bool silent_ = true;  ///< the last exchange found no answer, or there was none yet
   OwedAnswers owed_;
+  LastAnswer last_answer_;
 };
 
 }  // namespace kavel::lidar

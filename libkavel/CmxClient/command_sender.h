@@ -16,6 +16,12 @@ constexpr int32_t kAuthRefused = -5;     ///< refused before sending: the lidar 
 constexpr int32_t kBadReply = -6;        ///< the reply's payload has an unexpected length
 constexpr int32_t kBadArgument = -7;     ///< the caller's value is out of range; nothing was sent
 
+/// Whether a command that failed so may have been carried out all the same: it was sent whole, and
+/// no sound answer says what became of it.
+constexpr bool MayBeCarriedOut(int32_t error) {
+  return error == 0 || error == kNoReply || error == kReplyBrokeOff || error == kBadReply;
+}
+
 /// How far a long answer has come, and whether anybody still wants it. Any thread.
 struct ReplyProgress {
   std::atomic<uint32_t> announced{0};  ///< bytes of the payload; 0 until its header has come

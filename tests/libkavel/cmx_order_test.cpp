@@ -222,6 +222,30 @@ TEST(CmxOrder, ALidarThatAnswersEverythingTwiceIsUnderstood) {
   }
 }
 
+TEST(CmxOrder, ACopyInFrontOfAnAnswerIsNotTakenForIt) {
+  const auto answer = [](uint8_t number) {
+    return BuildCmxFrame(kCmxHeader1, 0x31, 0, {number, number});
+  };
+  for (const bool is_doubled : {true, false}) {
+    const auto line = std::make_shared<SimulatedLine>();
+    uint8_t asked = 0;
+    line->on_sent = [&](const Bytes&) {
+      ++asked;
+      line->Arrive(milliseconds(asked == 1 ? 1 : 21), answer(is_doubled ? asked : 1));
+      if (asked == 1 && is_doubled) {
+        line->Arrive(milliseconds(20), answer(1));
+      }
+    };
+    CmxExchange exchange(line, 1, {kTimeoutMs, kTimeoutMs}, line->clock());
+    exchange.SetStaleInput(StaleInput::kAfterTrouble);
+    exchange.SetLivenessCommand(kLiveness);
+    EXPECT_EQ(exchange.Run(0x31, {1}, nullptr).payload, (Bytes{1, 1}));
+    const Bytes second = exchange.Run(0x31, {2}, nullptr).payload;
+    EXPECT_EQ(second, is_doubled ? (Bytes{2, 2}) : (Bytes{1, 1})) << is_doubled;
+    EXPECT_EQ(asked, 2) << "nothing is asked for that";
+  }
+}
+
 TEST(CmxOrder, AnAnswerHasItsTime) {
   const auto line = std::make_shared<SimulatedLine>();
   const Bytes header = {0x47, 0x74, 0x31, 0, 0, 0, 0, 25};
