@@ -45,16 +45,21 @@ QString TevronManager::getLidarSN() {
 
 QString TevronManager::getLidarPN() { return QString::fromStdString(parts_->session.PartNumber()); }
 
+// The facts are read again whatever became of a setting: one whose answer was lost may be in force.
+
 void TevronManager::LumoSetStandby(int standby) {
-  parts_->AfterSetting(parts_->MaintenanceNow().WriteStandby(standby));
+  parts_->MaintenanceNow().WriteStandby(standby);
+  parts_->session.ReadFactsAgain();
 }
 
 void TevronManager::LumoSetSpinRate(int spin_rate_rpm) {
-  parts_->AfterSetting(parts_->MaintenanceNow().WriteSpinRate(spin_rate_rpm));
+  parts_->MaintenanceNow().WriteSpinRate(spin_rate_rpm);
+  parts_->session.ReadFactsAgain();
 }
 
 void TevronManager::LumoSetReturnMode(int return_mode) {
-  parts_->AfterSetting(parts_->MaintenanceNow().WriteReturnMode(return_mode));
+  parts_->MaintenanceNow().WriteReturnMode(return_mode);
+  parts_->session.ReadFactsAgain();
 }
 
 QVariantList TevronManager::LumoGetLidarFunctionSafety() {
@@ -97,7 +102,8 @@ bool TevronManager::LumoSetNet(const QString& ip, const QString& mask, const QSt
 }
 
 void TevronManager::KivaSetIMURange(int angularRangeIndex, int accelRangeIndex) {
-  parts_->AfterSetting(parts_->MaintenanceNow().WriteImuRange(angularRangeIndex, accelRangeIndex));
+  parts_->MaintenanceNow().WriteImuRange(angularRangeIndex, accelRangeIndex);
+  parts_->session.ReadFactsAgain();
 }
 
 UpgradeSnapshot TevronManager::UpgradeNow() const { return parts_->upgrade.Now(); }

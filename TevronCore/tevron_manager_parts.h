@@ -4,6 +4,7 @@
 #include <memory>
 #include <string>
 
+#include "CmxClient/command_sender.h"
 #include "connection/connection_settings.h"
 #include "console/byte_flow.h"
 #include "console/command_console.h"
@@ -78,15 +79,9 @@ struct TevronManager::Parts {
   Maintenance MaintenanceNow() {
     return Maintenance({session.sender().get(), session.state(), model()->connect_type}, report);
   }
-  /// After a setting that shows in the facts.
-  void AfterSetting(bool is_set) {
-    if (is_set) {
-      session.ReadFactsAgain();
-    }
-  }
-  /// After a command that restarts the lidar when `result` is 0; hands the result on.
+  /// After a command that restarts the lidar, or may have; hands the result on.
   int AfterRestart(int result) {
-    if (result == 0) {
+    if (result == 0 || kavel::lidar::MayBeCarriedOut(result)) {
       session.ReadFactsAfterRestart();
     }
     return result;

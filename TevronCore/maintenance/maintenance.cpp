@@ -8,6 +8,7 @@
 
 #include "CmxClient/cmx_client.h"
 #include "CmxClient/device_commands.h"
+#include "session/lost_answer.h"
 #include "variables/command_code.h"
 
 using namespace kavel::lidar;  // the device requests; this file is about little else
@@ -263,7 +264,7 @@ int32_t Maintenance::Send(const TableCommandTexts& texts, const ConfigParser& ta
   }
 
   std::string why;
-  int32_t reason = 0;
+  int32_t reason = kNotConnected;
   try {
     if (!var->write->obstacle.empty()) {
       throw std::runtime_error(var->write->obstacle);
@@ -280,7 +281,7 @@ int32_t Maintenance::Send(const TableCommandTexts& texts, const ConfigParser& ta
   } catch (const std::exception& e) {  // the table is wrong here
     why = e.what();
   }
-  Fail(texts.failure + why, failure != nullptr);
+  Fail(texts.failure + why, failure != nullptr, LostAnswerRemedy(reason));
   if (failure != nullptr) {
     *failure = why;
   }
@@ -300,17 +301,19 @@ bool Maintenance::IsReady(const MaintenanceTexts& texts, bool silent) {
 }
 
 bool Maintenance::Conclude(const MaintenanceTexts& texts, int32_t result, bool silent) {
+  const bool is_setting = *texts.success != '\0';
   if (result != 0) {
-    Fail(texts.failure + CmxClient::ErrorText(result), silent);
-  } else if (*texts.success != '\0') {
+    Fail(texts.failure + CmxClient::ErrorText(result), silent,
+         is_setting ? LostAnswerRemedy(result) : "");
+  } else if (is_setting) {
     report_.Success(texts.success);
   }
   return result == 0;
 }
 
-void Maintenance::Fail(const std::string& text, bool silent) {
+void Maintenance::Fail(const std::string& text, bool silent, const std::string& remedy) {
   if (!silent) {
-    report_.Error(text);
+    report_.ErrorWithRemedy(text, remedy);
   }
   report_.LogLine(text, LogType::kError);
 }

@@ -78,7 +78,7 @@ class Maintenance {
   bool Run(const MaintenanceTexts& texts, Exchange exchange, bool silent = false);
   bool IsReady(const MaintenanceTexts& texts, bool silent = false);
   bool Conclude(const MaintenanceTexts& texts, int32_t result, bool silent = false);
-  void Fail(const std::string& text, bool silent = false);
+  void Fail(const std::string& text, bool silent, const std::string& remedy = "");
   int32_t Send(const TableCommandTexts& texts, const ConfigParser& table, std::string* failure);
 
   const MaintenanceLink link_;

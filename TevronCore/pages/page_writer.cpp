@@ -6,6 +6,7 @@
 
 #include "CmxClient/cmx_client.h"
 #include "CmxClient/fov_command.h"
+#include "session/lost_answer.h"
 #include "variables/command_code.h"
 
 namespace {
@@ -110,7 +111,7 @@ void PageWriter::SendFov(const std::string& set_cmd) {
                                                     kavel::lidar::kFovPairs, setting->mode, &error);
   writer_->NoteAnswer(error >= 0);
   if (result != 0) {
-    Fail(set_cmd, "set channel fov failed");
+    Fail(set_cmd, "set channel fov failed", error);
   }
   const VarInfo& variable = *parts_.fov.variable();
   parts_.table.StoreWritten(
@@ -129,15 +130,18 @@ void PageWriter::Send(const std::string& set_cmd) {
   command_was_sent_ = true;
   const CommandWriter::Outcome outcome = writer_->Send(set_cmd, command);
   if (!outcome.taken) {
-    Fail(set_cmd, set_cmd + " SET " + command.names +
-                      " ret_code: " + kavel::lidar::CmxClient::ErrorText(outcome.error));
+    Fail(set_cmd,
+         set_cmd + " SET " + command.names +
+             " ret_code: " + kavel::lidar::CmxClient::ErrorText(outcome.error),
+         outcome.error);
   }
   if (command.code != kNetworkCommand) {
     parts_.report.Success("CMX command [" + set_cmd + "] to set " + command.names + " success.");
   }
 }
 
-void PageWriter::Fail(const std::string& set_cmd, const std::string& reason) {
+void PageWriter::Fail(const std::string& set_cmd, const std::string& reason, int32_t error) {
+  remedy_ = LostAnswerRemedy(error);
   parts_.report.LogLine("SET [" + set_cmd + "] FAILED", LogType::kWarning);
   throw std::runtime_error(reason);
 }
@@ -146,7 +150,7 @@ void PageWriter::ReportFailure(const std::string& reason) {
   qDebug().noquote() << "TevronManager::Run(): Caught Exception: "
                      << QString::fromStdString(reason);
   parts_.pending.clear();
-  parts_.report.Error("Set Failed: " + reason);
+  parts_.report.ErrorWithRemedy("Set Failed: " + reason, remedy_);
   parts_.report.LogLine("Set " + command_ + " Failed. " + names_ + " Detail: " +
                             (command_was_sent_ ? "Command was sent." : "No command was sent."),
                         LogType::kWarning);

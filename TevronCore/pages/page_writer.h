@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <vector>
@@ -58,7 +59,7 @@ class PageWriter {
   void SendAll();
   void SendFov(const std::string& set_cmd);
   void Send(const std::string& set_cmd);
-  void Fail(const std::string& set_cmd, const std::string& reason);
+  void Fail(const std::string& set_cmd, const std::string& reason, int32_t error);
   void ReportFailure(const std::string& reason);
   std::string ChangedNames(const std::string& set_cmd) const;
 
@@ -73,4 +74,5 @@ class PageWriter {
   std::string command_;
   std::string names_;
   bool command_was_sent_ = false;
+  std::string remedy_;  ///< "" where there is none
 };
