@@ -3,14 +3,13 @@
 
 #include <gtest/gtest.h>
 
-#include <QElapsedTimer>
 #include <QTemporaryDir>
-#include <QTimer>
 #include <algorithm>
 #include <iostream>
 
 #include "app/screen.h"
 #include "faults/fault_modes.h"
+#include "support/heart.h"
 #include "support/virtual_lidar_process.h"
 
 namespace {
@@ -27,47 +26,6 @@ const char kModel[] = "Osprey";
 const char kBeamTab[] = "tab2";
 const char kHorizonTilt[] = "field_2_0_2";
 const char kUpgradeTab[] = "tab6";
-
-class Heart {
- public:
-  Heart() {
-    QObject::connect(&timer_, &QTimer::timeout, [this] { Beat(); });
-    timer_.start(5);
-    since_beat_.start();
-  }
-
-  // Says what the window is at from now on.
-  void Enter(const char* step) {
-    Beat();
-    step_ = step;
-  }
-
-  // Lets it beat for a while.
-  void Go() const {
-    const int until = beats_ + 20;
-    WaitFor([&] { return beats_ >= until; });
-  }
-
-  qint64 longest_ms() const { return longest_ms_; }
-  const char* where() const { return longest_step_; }
-
- private:
-  void Beat() {
-    ++beats_;
-    const qint64 gap_ms = since_beat_.restart();
-    if (gap_ms > longest_ms_) {
-      longest_ms_ = gap_ms;
-      longest_step_ = step_;
-    }
-  }
-
-  QTimer timer_;
-  QElapsedTimer since_beat_;
-  int beats_ = 0;
-  qint64 longest_ms_ = 0;
-  const char* step_ = "";
-  const char* longest_step_ = "";
-};
 
 bool ActsOnPieces(const FaultMode& mode) {
   return std::string(mode.name).find("piece") != std::string::npos;

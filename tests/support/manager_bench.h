@@ -87,7 +87,7 @@ class ManagerBench {
   TestInstall install_;
   QStringList log_;
   QStringList errors_;
-  QString remedy_;  ///< of the last of them
+  QStringList remedies_;  ///< of every error so far, "" where there is none
   QStringList successes_;
   std::unique_ptr<TevronManager> manager_;
 
@@ -100,7 +100,7 @@ class ManagerBench {
     // The screens clear a message once they have shown it.
     QObject::connect(manager, &TevronManager::errorMessageChanged, [this, manager] {
       errors_ << manager->errorMessage();
-      remedy_ = manager->ErrorRemedy();
+      remedies_ << manager->ErrorRemedy();
       manager->setErrorMsg("");
     });
     QObject::connect(manager, &TevronManager::successMessageChanged, [this, manager] {
