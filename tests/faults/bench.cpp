@@ -3,6 +3,7 @@
 #include <signal.h>
 
 #include <QDir>
+#include <QFile>
 #include <chrono>
 
 namespace {
@@ -21,6 +22,7 @@ void Compare(const QString& name, const QString& shown, const QString& now, cons
 
 Bench::Bench(const Cell& cell) : cell_(cell) {
   MakeFirmware();
+  MakeTls();
   lidar_ = std::make_unique<VirtualLidarProcess>(Arguments());
   held_before_ = lidar_->State();
   manager_->InitConfigFileParser(cell.link->model);
@@ -33,7 +35,11 @@ Bench::~Bench() {
 }
 
 QStringList Bench::Arguments() const {
-  return {"--model", cell_.link->model, "--seed", "0", "--log-size", "4000"};
+  QStringList arguments = {"--model", cell_.link->model, "--seed", "0", "--log-size", "4000"};
+  if (!tls_.isEmpty()) {
+    arguments << "--tls" << tls_;
+  }
+  return arguments;
 }
 
 void Bench::MakeFirmware() {
@@ -41,6 +47,23 @@ void Bench::MakeFirmware() {
     firmware_ = folders_.filePath("image.patch");
     VirtualLidarProcess::MakeFirmware(cell_.link->model, "2.8.0", firmware_, 8);
   }
+}
+
+// The CA is known here, so that nobody is asked whose certificate it is.
+void Bench::MakeTls() {
+  if (cell_.link->link != Link::kTls) {
+    return;
+  }
+  const QString folder = folders_.filePath("tls");
+  VirtualLidarProcess::MakeTlsFiles(folder);
+  tls_ = QStringList{folder + "/lidar.pem", folder + "/lidar-key.pem"};
+  const QString model = cell_.link->model;
+  QDir().mkpath("Config/site/tls/" + model);
+  QFile::copy(folder + "/ca.pem", "Config/site/tls/" + model + "/ca.pem");
+  QFile table("Config/site/feature_config.csv");
+  table.open(QIODevice::WriteOnly);
+  table.write("Model,EnableCmxClientHostPortUi,StaleInputWait,Link\n");
+  table.write(model.toUtf8() + ",0,trouble,tls\n");
 }
 
 bool Bench::ConnectNow() {

@@ -62,10 +62,12 @@ class Bench : public ManagerBench {
   QStringList WrongFacts(const QJsonObject& now, const QJsonObject& before) const;
   QStringList Arguments() const;
   void MakeFirmware();
+  void MakeTls();
 
   const Cell cell_;
   QTemporaryDir folders_;
   QString firmware_;
+  QStringList tls_;  ///< the lidar's certificate and key, where it speaks TLS
   std::unique_ptr<VirtualLidarProcess> lidar_;
   QJsonObject held_before_;
   int output_before_ = 0;  ///< characters

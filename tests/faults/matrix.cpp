@@ -9,6 +9,7 @@ namespace {
 
 constexpr LinkRow kLinks[] = {
     {Link::kTcp, "tcp", "Orca"},
+    {Link::kTls, "tls", "Orca"},
     {Link::kSerialCmx, "serial", "Lumo-CMX"},
     {Link::kSerialPair, "pair", "Lumo"},
 };

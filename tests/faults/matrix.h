@@ -6,7 +6,7 @@
 /// The table of the fault matrix: which operation is tried over which link with which fault, and
 /// what has to come of it. Everything here is data; what an operation is, is in operations.h.
 
-enum class Link { kTcp, kSerialCmx, kSerialPair };
+enum class Link { kTcp, kTls, kSerialCmx, kSerialPair };
 
 struct LinkRow {
   Link link;
@@ -80,7 +80,7 @@ struct Cell {
   /// As for --fault; "" for none.
   QString Order() const;
   Expected ExpectedOutcome() const;
-  bool is_network() const { return link->link == Link::kTcp; }
+  bool is_network() const { return link->link == Link::kTcp || link->link == Link::kTls; }
   bool is_quiet() const { return *fault->order == '\0' && fault->act == Act::kNone; }
 };
 

@@ -63,6 +63,13 @@ void VirtualLidarProcess::MakeFirmware(const QString& model, const QString& vers
   }
 }
 
+void VirtualLidarProcess::MakeTlsFiles(const QString& folder) {
+  ChildProcess maker(QStringLiteral(TEVRON_VIRTUAL_LIDAR), {"--tls-make", folder});
+  if (maker.ExitCode() != 0) {
+    throw std::runtime_error("no files for TLS were made: " + maker.Output().toStdString());
+  }
+}
+
 QString VirtualLidarProcess::SerialPort(const QString& kind) const {
   return LastMatch("^serial port (?:" + kind + " )?(/\\S+)$", Output());
 }

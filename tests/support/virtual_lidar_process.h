@@ -20,6 +20,9 @@ class VirtualLidarProcess {
   static void MakeFirmware(const QString& model, const QString& version, const QString& file,
                            int kib);
 
+  /// Has it make the files that TLS needs, in `folder`: see its --tls-make.
+  static void MakeTlsFiles(const QString& folder);
+
   /// The TCP port on 127.0.0.1.
   quint16 port() const { return port_; }
   /// The serial line, or the one of the pair that is called `kind` ("485" or "232"): the one made
