@@ -21,7 +21,7 @@
 #include "server/device_server.h"
 #include "server/event_loop.h"
 #include "table_check/table_check.h"
-#include "tls_files.h"
+#include "tls_demo.h"
 #include "variables/config_folder.h"
 #include "variables/feature_config.h"
 #include "variables/monitor_tables.h"

@@ -58,6 +58,7 @@ std::string TlsClient::OpenWith(TlsPeerCheck* check, uint16_t host_port, uint32_
   const auto deadline = TlsSession::Clock::now() + std::chrono::seconds(timeout_s);
   may_try_again_ = false;
   std::string failure;
+  may_try_again_ = false;
   TlsContext context = MakeTlsContext(identity_, &failure);
   if (!context) {
     return failure;
@@ -74,6 +75,7 @@ std::string TlsClient::OpenWith(TlsPeerCheck* check, uint16_t host_port, uint32_
   UniqueSocket socket = TryConnect(request, &interrupted(), &failure);
   may_try_again_ = !socket;
   if (!socket) {
+    may_try_again_ = true;
     return failure;
   }
   if (!Adopt(std::move(socket)) || !check->JoinTo(context)) {
@@ -84,6 +86,7 @@ std::string TlsClient::OpenWith(TlsPeerCheck* check, uint16_t host_port, uint32_
     return kInterrupted;
   }
   if (step.end != TlsStep::End::kDone) {
+    may_try_again_ = step.reason == 0;
     return About(check->refusal().empty() ? HandshakeFailureText(step, !identity_.cert.empty())
                                           : check->refusal());
   }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <atomic>
 #include <cstdint>
 #include <mutex>
 #include <optional>
@@ -36,12 +37,13 @@ class TlsClient : public StreamTransport {
   /// so that the open has succeeded and the first `Receive` fails.
   std::string OpenFailure() override;
 
+  /// False when the last open failed for the identity's files, or for what the lidar has shown or
+  /// said: its certificate, an alert, an answer without TLS.
+  bool MayTryAgain() override { return may_try_again_; }
+
   /// The lidar's certificate as the last open saw it, also when it was refused. None when the open
   /// did not get so far. Any thread.
   std::optional<TlsCertificate> Certificate() const;
-
-  /// False once the lidar was reached, or when a file is of no use.
-  bool MayTryAgain() override { return may_try_again_; }
 
   void Close() override;
 
@@ -61,7 +63,7 @@ class TlsClient : public StreamTransport {
 
   TlsIdentity identity_;
   TlsSession tls_;
-  bool may_try_again_ = true;  ///< after the last open
+  std::atomic<bool> may_try_again_{true};
   mutable std::mutex outcome_mutex_;
   std::string open_failure_;                   // guarded by outcome_mutex_
   std::optional<TlsCertificate> certificate_;  // guarded by outcome_mutex_

@@ -7,7 +7,7 @@
 #include "CmxClient/tls_client.h"
 #include "support/bytes.h"
 #include "support/test_folder.h"
-#include "tls_files.h"
+#include "tls_demo.h"
 
 /// Files as a user has them made, the same for all tests of a program.
 inline std::string TlsFile(const std::string& name) {

@@ -1,4 +1,4 @@
-#include "tls_files.h"
+#include "tls_demo.h"
 
 #include <fcntl.h>
 #include <openssl/ec.h>
