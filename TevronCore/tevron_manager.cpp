@@ -14,7 +14,7 @@ TevronManager* TevronManager::Instance(bool flag, const std::string& table_path)
 }
 
 TevronManager::TevronManager(bool flag, const std::string& table_path)
-    : parts_(std::make_unique<Parts>(*this, flag, table_path)) {}
+    : parts_(*this, std::make_unique<Parts>(*this, flag, table_path)) {}
 
 TevronManager::~TevronManager() = default;
 

@@ -12,6 +12,7 @@
 #include "connection/link_snapshot.h"
 #include "connection/uart_arrivals.h"
 #include "downloads/download_status.h"
+#include "session/on_own_thread.h"
 #include "upgrade/upgrade_status.h"
 #include "variables/table_fault.h"
 
@@ -295,5 +296,6 @@ class TevronManager : public QObject {
   void ShowMonitorPage();
   void FinishOperationLog(OperationLogOutcome outcome);
 
-  const std::unique_ptr<Parts> parts_;
+  /// Every member reaches what it needs through this, which holds it to the thread.
+  const OnOwnThread<Parts> parts_;
 };

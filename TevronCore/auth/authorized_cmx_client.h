@@ -66,7 +66,8 @@ class AuthorizedCmxClient : public kavel::lidar::CommandSender {
   const bool reply_prefix_;
   const std::shared_ptr<kavel::lidar::LogSink> log_;
 
-  kavel::lidar::TicketMutex mutex_;  ///< held over gate, handshake and command
+  /// Held over gate, handshake and command.
+  kavel::lidar::TicketMutex mutex_{kavel::lidar::Turn::kSequence};
   const std::unique_ptr<IAuthAlgorithm> algorithm_;
   bool auth_required_ = false;
 };

@@ -53,7 +53,7 @@ ConnectAttempt::~ConnectAttempt() {
 
 void ConnectAttempt::Cancel() {
   stop_.Raise();
-  const std::lock_guard<std::mutex> lock(mutex_);
+  const std::lock_guard lock(mutex_);
   if (client_in_work_ != nullptr) {
     client_in_work_->Shutdown();
   }
@@ -63,7 +63,7 @@ void ConnectAttempt::Run() {
   std::shared_ptr<Connection> connection = IsPatient() ? AwaitLidar() : Connect();
   {
     // From here on the client belongs to the connection: cancelling must not end it.
-    const std::lock_guard<std::mutex> lock(mutex_);
+    const std::lock_guard lock(mutex_);
     client_in_work_.reset();
     connection_ = std::move(connection);
   }
@@ -71,23 +71,23 @@ void ConnectAttempt::Run() {
 }
 
 std::shared_ptr<Connection> ConnectAttempt::TakeConnection() {
-  const std::lock_guard<std::mutex> lock(mutex_);
+  const std::lock_guard lock(mutex_);
   return std::move(connection_);
 }
 
 std::string ConnectAttempt::Failure() {
-  const std::lock_guard<std::mutex> lock(mutex_);
+  const std::lock_guard lock(mutex_);
   return failure_;
 }
 
 void ConnectAttempt::NoteFailure(std::string sentence) {
-  const std::lock_guard<std::mutex> lock(mutex_);
+  const std::lock_guard lock(mutex_);
   failure_ = std::move(sentence);
   untrusted_.reset();
 }
 
 std::optional<UntrustedLidar> ConnectAttempt::Untrusted() {
-  const std::lock_guard<std::mutex> lock(mutex_);
+  const std::lock_guard lock(mutex_);
   return untrusted_;
 }
 
@@ -108,7 +108,7 @@ std::shared_ptr<Connection> ConnectAttempt::AwaitLidar() {
 // A serial line is free for the next try only when nothing holds the client of the last one.
 void ConnectAttempt::DropClient() {
   ClientPtr client;
-  const std::lock_guard<std::mutex> lock(mutex_);
+  const std::lock_guard lock(mutex_);
   client.swap(client_in_work_);
 }
 
@@ -263,7 +263,7 @@ void ConnectAttempt::TellSilence(const ClientPtr& client, int32_t error) {
 }
 
 bool ConnectAttempt::KeepInterruptible(const ClientPtr& client) {
-  const std::lock_guard<std::mutex> lock(mutex_);
+  const std::lock_guard lock(mutex_);
   client_in_work_ = client;
   return !stop_.IsRaised();
 }

@@ -8,6 +8,7 @@
 #include <string>
 #include <thread>
 
+#include "CmxClient/lock_order.h"
 #include "CmxClient/log_sink.h"
 #include "CmxClient/tls_client.h"
 #include "auth/auth_algorithm.h"
@@ -116,7 +117,7 @@ class ConnectAttempt {
   const Handlers handlers_;
   StopSignal stop_;
   const std::chrono::steady_clock::time_point patience_ends_;
-  std::mutex mutex_;
+  kavel::lidar::BriefMutex mutex_;
   ClientPtr client_in_work_;                 ///< guarded by mutex_; what Cancel has to interrupt
   std::string failure_;                      ///< guarded by mutex_
   std::optional<UntrustedLidar> untrusted_;  ///< guarded by mutex_

@@ -161,7 +161,7 @@ void ConnectAttempt::TellUntrusted(const UntrustedLidar& untrusted, const std::s
   } else {
     report_->ErrorWithRemedy(reason, remedy);
   }
-  const std::lock_guard<std::mutex> lock(mutex_);
+  const std::lock_guard lock(mutex_);
   untrusted_ = untrusted;
 }
 

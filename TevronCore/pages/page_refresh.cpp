@@ -21,12 +21,12 @@ PageRefresh::~PageRefresh() {
 }
 
 void PageRefresh::SetView(View view) {
-  const std::lock_guard<std::mutex> lock(mutex_);
+  const std::lock_guard lock(mutex_);
   view_ = std::move(view);
 }
 
 void PageRefresh::ReadSoon(std::shared_ptr<LidarModel> model, std::vector<const VarInfo*> vars) {
-  const std::lock_guard<std::mutex> lock(mutex_);
+  const std::lock_guard lock(mutex_);
   soon_model_ = std::move(model);
   soon_ = std::move(vars);
 }
@@ -50,7 +50,7 @@ void PageRefresh::CatchUp() {
   std::shared_ptr<LidarModel> model;
   std::vector<const VarInfo*> vars;
   {
-    const std::lock_guard<std::mutex> lock(mutex_);
+    const std::lock_guard lock(mutex_);
     model = std::exchange(soon_model_, nullptr);
     vars = std::exchange(soon_, {});
   }
@@ -66,7 +66,7 @@ void PageRefresh::CatchUp() {
 void PageRefresh::ReadView() {
   View view;
   {
-    const std::lock_guard<std::mutex> lock(mutex_);
+    const std::lock_guard lock(mutex_);
     view = view_;
   }
   Read(*view.model, view.model->pages.VariablesOf(view.page));

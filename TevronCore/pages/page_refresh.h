@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "CmxClient/command_sender.h"
+#include "CmxClient/lock_order.h"
 #include "pages/read_failures.h"
 #include "session/lidar_model.h"
 #include "session/link_state.h"
@@ -60,7 +61,7 @@ class PageRefresh {
   ReadFailures& failures_;
   const std::shared_ptr<UserReport> report_;
   const Handlers handlers_;
-  std::mutex mutex_;
+  kavel::lidar::BriefMutex mutex_;
   View view_;                               ///< guarded by mutex_
   std::shared_ptr<LidarModel> soon_model_;  ///< guarded by mutex_
   std::vector<const VarInfo*> soon_;        ///< guarded by mutex_

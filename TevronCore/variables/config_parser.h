@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "CmxClient/lock_order.h"
 #include "variables/field_group.h"
 #include "variables/table_loader.h"
 #include "variables/var_info.h"
@@ -167,5 +168,5 @@ class ConfigParser {
   std::shared_ptr<LoadedTable> added_ = std::make_shared<LoadedTable>();
   std::vector<const VarInfo*> variables_;    ///< of both
   std::vector<std::unique_ptr<Live>> live_;  ///< by VarInfo::table_position; null: nothing happened
-  mutable std::mutex values_mutex_;
+  mutable kavel::lidar::BriefMutex values_mutex_;
 };

@@ -156,7 +156,7 @@ class CmxClient : public CommandSender {
 
   std::atomic<uint8_t> running_{1};
   /// Held for a whole exchange, and by the connection thread until the time-outs are applied.
-  TicketMutex exchange_mutex_;
+  TicketMutex exchange_mutex_{Turn::kExchange};
   std::atomic<int32_t> last_error_{0};
   const std::shared_ptr<ClientBase> transport_;
   CmxExchange exchange_;           // guarded by exchange_mutex_

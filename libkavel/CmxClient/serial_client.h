@@ -122,7 +122,7 @@ class SerialClient {
 
   const std::shared_ptr<SerialSource> requests_;
   const std::shared_ptr<SerialSource> answers_;
-  TicketMutex mutex_;
+  TicketMutex mutex_{Turn::kLine};
   uint8_t last_number_ = kOtaUnnumbered;  // guarded by mutex_
   std::mutex sink_mutex_;
   std::shared_ptr<ByteSink> sink_;  // guarded by sink_mutex_

@@ -185,7 +185,7 @@ TEST(CmxClientSharing, ThreadsGetTheirOwnAnswersAndReasons) {
 }
 
 TEST(CmxClientSharing, NobodyIsKeptOutByAThreadThatComesAgainAndAgain) {
-  TicketMutex mutex;
+  TicketMutex mutex(Turn::kExchange);
   std::atomic<bool> ends{false};
   std::atomic<int> rounds{0};
   std::thread other([&] {

@@ -5,6 +5,7 @@
 #include <QMetaObject>
 #include <QMetaProperty>
 #include <QStringList>
+#include <thread>
 
 #include "tevron_manager.h"
 
@@ -51,6 +52,21 @@ TEST(ManagerSurface, DeclaresExactlyWhatTheScreensAddressInThatOrder) {
   for (int i = 0; i < want.size(); ++i) {
     EXPECT_EQ(got[i], want[i]) << "line " << i + 1;
   }
+}
+
+TEST(ManagerSurface, MayBeUsedOnItsOwnThreadAlone) {
+#ifndef TEVRON_THREAD_CHECKS
+  GTEST_SKIP() << "this build does not look";
+#endif
+  GTEST_FLAG_SET(death_test_style, "threadsafe");
+  TevronManager manager(true, "./Config/varID/Orca.csv");
+  EXPECT_FALSE(manager.property("IsConnected").toBool());
+  const auto elsewhere = [](const auto& use) { std::thread(use).join(); };
+  EXPECT_DEATH(elsewhere([&] { manager.property("IsConnected"); }),
+               "A TevronManager is used on a thread that is not its own");
+  EXPECT_DEATH(
+      elsewhere([&] { QMetaObject::invokeMethod(&manager, "Stop", Qt::DirectConnection); }),
+      "A TevronManager is used on a thread that is not its own");
 }
 
 }  // namespace
