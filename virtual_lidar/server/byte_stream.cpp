@@ -14,6 +14,11 @@ ssize_t WriteTo(int fd, const uint8_t* data, size_t size) {
 
 }  // namespace
 
+void ByteStream::ResetOnClose() const {
+  const linger at_once = {1, 0};
+  setsockopt(in_fd_, SOL_SOCKET, SO_LINGER, &at_once, sizeof at_once);
+}
+
 ssize_t PlainStream::Read(uint8_t* data, size_t size) { return read(in_fd(), data, size); }
 
 ssize_t PlainStream::Write(const uint8_t* data, size_t size) {

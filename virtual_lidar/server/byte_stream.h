@@ -26,6 +26,10 @@ class ByteStream {
   /// Writes to where is read from, as a line does that echoes.
   virtual ssize_t WriteBack(const uint8_t* data, size_t size) = 0;
 
+  /// Closing the descriptor from now on throws away what was not sent and resets the connection;
+  /// no effect on what is no socket.
+  void ResetOnClose() const;
+
   /// Whether a read that would wait does so for room to write.
   virtual bool ReadsNeedRoom() const { return false; }
   /// Why nothing more can be read, where that is worth a line; "" otherwise.

@@ -197,9 +197,7 @@ void Link::FinishPlan() {
   answers_.pop_front();
   next_step_ = 0;
   if (ending == ReplyPlan::Ending::kReset) {
-    // Closing throws away what was not sent, and says so to the far end. No socket, no reset.
-    const linger at_once = {1, 0};
-    setsockopt(in_fd_, SOL_SOCKET, SO_LINGER, &at_once, sizeof at_once);
+    stream_->ResetOnClose();
   }
   if (ending == ReplyPlan::Ending::kHangUp || ending == ReplyPlan::Ending::kReset) {
     HangUp();
