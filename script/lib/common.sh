@@ -9,6 +9,9 @@ cd "$top" || exit 1
 say() { printf '\n== %s\n' "$*" >&2; }
 die() { printf '%s: %s\n' "${0##*/}" "$*" >&2; exit 1; }
 
+# The same object for every language of messages, so that script/fresh finds what was built outside.
+export CCACHE_SLOPPINESS=${CCACHE_SLOPPINESS:+$CCACHE_SLOPPINESS,}locale
+
 # build PRESET [TARGET...]: configures and builds quietly; the whole output only when it fails.
 build() {
     local preset=$1 log

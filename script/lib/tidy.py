@@ -5,9 +5,9 @@
     script/lib/tidy.py BUILD FILE...
 
 Nearly all the time goes into the headers, which every file brings again. So files that are compiled
-alike are read as one, a dozen at a time: one text with all of them in it, whose findings are told by
-their own places. Files that give the same name to something of their own are kept apart, and those
-of a text that cannot be compiled after all are read one by one.
+alike are read as one, a dozen at a time. Files that give the same name to something of their own are
+kept apart. Where anything is found, or the text cannot be compiled after all, each of its files is
+read alone, and that counts.
 
 What was found to be clean is remembered in ~/.cache/tevron/tidy, by everything that it depends on:
 the file, all it includes, its flags, the checks, the version of clang-tidy.
@@ -105,9 +105,7 @@ def grouped(sources):
 def run(arguments, folder):
     done = subprocess.run(["clang-tidy", "--quiet", f"--config-file={CHECKS}", *arguments], cwd=folder,
                           capture_output=True, text=True)
-    said = re.sub(r"^(\d+ (warning|error).* generated|Error while processing .*)\.?\n", "", done.stderr,
-                  flags=re.M)
-    return done.returncode == 0, done.stdout + said
+    return done.returncode == 0, done.stdout + re.sub(r"^\d+ warnings? .*\n", "", done.stderr, flags=re.M)
 
 
 def check_alone(source, build):
@@ -117,28 +115,16 @@ def check_alone(source, build):
 
 def check(group, build):
     """The sources of the group that are clean, and what is said of the others."""
-    if len(group) == 1:
-        return check_alone(group[0], build)
-    text, starts = "", []
-    for source in group:
-        starts.append(text.count("\n"))
-        text += source.text.rstrip("\n") + "\n"
-    together = build / "tidy" / f"{group[0].path.stem}_{digest(group[0].path)[:8]}.cpp"
-    together.parent.mkdir(exist_ok=True)
-    together.write_text(text)
-    quoted = [word for source in group for word in ("-iquote", str(source.path.parent))]
-    # What one file calls a thing of its own hides nothing in another; the compiler looks at each.
-    clean, said = run([str(together), "--", *group[0].flags, *quoted, "-Wno-shadow"], build)
-    if "clang-diagnostic-error" in said:
-        alone = [check_alone(source, build) for source in group]
-        return [source for found, _ in alone for source in found], "".join(said for _, said in alone)
-
-    def own_place(match):
-        line = int(match[1])
-        at = max(i for i, start in enumerate(starts) if start < line)
-        return f"{group[at].path}:{line - starts[at]}:"
-
-    return (group if clean else []), re.sub(rf"{re.escape(str(together))}:(\d+):", own_place, said)
+    if len(group) > 1:
+        together = build / "tidy" / f"{group[0].path.stem}_{digest(group[0].path)[:8]}.cpp"
+        together.parent.mkdir(exist_ok=True)
+        together.write_text("\n".join(source.text for source in group))
+        quoted = [word for source in group for word in ("-iquote", str(source.path.parent))]
+        # What one file calls a thing of its own hides nothing in another.
+        if run([str(together), "--", *group[0].flags, *quoted, "-Wno-shadow"], build)[0]:
+            return group, ""
+    alone = [check_alone(source, build) for source in group]
+    return [source for clean, _ in alone for source in clean], "".join(said for _, said in alone)
 
 
 def main():
@@ -151,9 +137,9 @@ def main():
     for name in sys.argv[2:]:
         path = Path(name).resolve()
         if str(path) not in commands:  # no part of this build: by the flags of what lies beside it
-            clean, said = run(["-p", str(build), str(path)], build)
+            passed, said = run(["-p", str(build), str(path)], build)
             print(said, end="")
-            ok &= clean
+            ok &= passed
             continue
         source = Source(path, commands[str(path)], build)
         markers[source] = marker(source, needed.get(source.object), version)
@@ -162,17 +148,15 @@ def main():
         if old.stat().st_mtime < time.time() - KEPT_DAYS * 86400:
             old.unlink()
     unknown = [source for source, mark in markers.items() if mark is None or not mark.exists()]
+    clean = set(markers) - set(unknown)
     with ThreadPoolExecutor(os.cpu_count()) as pool:
-        for group, (clean, said) in zip(work := grouped(unknown), pool.map(lambda g: check(g, build), work)):
+        for found, said in pool.map(lambda group: check(group, build), grouped(unknown)):
             print(said, end="", flush=True)
-            ok &= len(clean) == len(group)
-            for source in clean:
-                if markers[source] is not None:
-                    markers[source].touch()
-    for source, mark in markers.items():
-        if source not in unknown:
-            mark.touch()  # in use
-    sys.exit(0 if ok else 1)
+            clean.update(found)
+    for source in clean:
+        if markers[source] is not None:
+            markers[source].touch()  # new, or still in use
+    sys.exit(0 if ok and len(clean) == len(markers) else 1)
 
 
 main()
