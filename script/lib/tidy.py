@@ -6,8 +6,8 @@
 
 Nearly all the time goes into the headers, which every file brings again. So files that are compiled
 alike are read as one, a dozen at a time. Files that give the same name to something of their own are
-kept apart. Where anything is found, or the text cannot be compiled after all, each of its files is
-read alone, and that counts.
+kept apart. Where anything is found, or the text cannot be compiled after all, its halves are read, and
+so on: what counts is what is found in a file alone.
 
 What was found to be clean is remembered in ~/.cache/tevron/tidy, by everything that it depends on:
 the file, all it includes, its flags, the checks, the version of clang-tidy.
@@ -108,23 +108,21 @@ def run(arguments, folder):
     return done.returncode == 0, done.stdout + re.sub(r"^\d+ warnings? .*\n", "", done.stderr, flags=re.M)
 
 
-def check_alone(source, build):
-    clean, said = run([str(source.path), "--", *source.flags], build)
-    return ([source] if clean else []), said
-
-
 def check(group, build):
     """The sources of the group that are clean, and what is said of the others."""
-    if len(group) > 1:
-        together = build / "tidy" / f"{group[0].path.stem}_{digest(group[0].path)[:8]}.cpp"
-        together.parent.mkdir(exist_ok=True)
-        together.write_text("\n".join(source.text for source in group))
-        quoted = [word for source in group for word in ("-iquote", str(source.path.parent))]
-        # What one file calls a thing of its own hides nothing in another.
-        if run([str(together), "--", *group[0].flags, *quoted, "-Wno-shadow"], build)[0]:
-            return group, ""
-    alone = [check_alone(source, build) for source in group]
-    return [source for clean, _ in alone for source in clean], "".join(said for _, said in alone)
+    if len(group) == 1:
+        clean, said = run([str(group[0].path), "--", *group[0].flags], build)
+        return (group if clean else []), said
+    together = build / "tidy" / f"{group[0].path.stem}_{digest(group[0].path)[:8]}.cpp"
+    together.parent.mkdir(exist_ok=True)
+    together.write_text("\n".join(source.text for source in group))
+    quoted = [word for source in group for word in ("-iquote", str(source.path.parent))]
+    # What one file calls a thing of its own hides nothing in another.
+    if run([str(together), "--", *group[0].flags, *quoted, "-Wno-shadow"], build)[0]:
+        return group, ""
+    middle = len(group) // 2
+    first, second = check(group[:middle], build), check(group[middle:], build)
+    return first[0] + second[0], first[1] + second[1]
 
 
 def main():
