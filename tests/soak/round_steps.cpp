@@ -16,6 +16,13 @@ bool IsShownAsTheLidars(const QVariantMap& leaf) {
   return state == "read" || state == "written";
 }
 
+/// Until it is read back a value stands there as it was typed: "-1" for "-1.00".
+bool IsSame(const QString& left, const QString& right) {
+  bool are_numbers = false;
+  const double number = left.toDouble(&are_numbers);
+  return left == right || (are_numbers && number == right.toDouble(&are_numbers) && are_numbers);
+}
+
 /// What the lidar holds for its variables.
 QJsonObject HeldBy(const VirtualLidarProcess& lidar) {
   return lidar.State()["variables"].toObject();
@@ -170,7 +177,8 @@ void Rounds::ExpectTruth(const Lidar& lidar, const std::string& but_for) const {
     }
     const QString name = QString::fromStdString(var->var_name);
     const QVariantMap leaf = Leaf(Find(name));
-    if (IsShownAsTheLidars(leaf) && leaf["current_val"] != held[name]["text"].toString()) {
+    if (IsShownAsTheLidars(leaf) &&
+        !IsSame(leaf["current_val"].toString(), held[name]["text"].toString())) {
       throw RoundFailed("\"" + var->var_name + "\" is shown as " +
                         leaf["current_val"].toString().toStdString() + ", held as " +
                         held[name]["text"].toString().toStdString());
