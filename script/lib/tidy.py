@@ -81,6 +81,12 @@ def marker(source, needed, version):
     return CACHE / hashlib.sha256("\n".join(parts).encode()).hexdigest()
 
 
+def remember(clean, markers):
+    for source in clean:
+        if markers[source] is not None:
+            markers[source].touch()
+
+
 def grouped(sources):
     """Those compiled alike, in groups without a name in common, the large ones first."""
     groups = []
@@ -150,13 +156,12 @@ def main():
             old.unlink()
     unknown = [source for source, mark in markers.items() if mark is None or not mark.exists()]
     clean = set(markers) - set(unknown)
+    remember(clean, markers)  # they are still in use
     with ThreadPoolExecutor(os.cpu_count()) as pool:
         for found, said in pool.map(lambda group: check(group, build), grouped(unknown)):
             print(said, end="", flush=True)
+            remember(found, markers)
             clean.update(found)
-    for source in clean:
-        if markers[source] is not None:
-            markers[source].touch()  # new, or still in use
     sys.exit(0 if ok and len(clean) == len(markers) else 1)
 
 
