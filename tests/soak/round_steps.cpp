@@ -98,7 +98,7 @@ bool Rounds::SavesAFile(const Lidar& lidar) {
     return false;
   }
   const QJsonObject held = HeldBy(*lidar.process);
-  for (const QJsonValue& value : QJsonDocument::fromJson(file.readAll())["values"].toArray()) {
+  for (const QJsonValue value : QJsonDocument::fromJson(file.readAll())["values"].toArray()) {
     const QString name = value["name"].toString();
     const QString bytes = value["bytes"].toString();
     // Readings change by themselves.

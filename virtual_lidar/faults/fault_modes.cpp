@@ -207,7 +207,7 @@ bool LoadFaultOrders(const std::string& path, std::vector<FaultOrder>* orders, s
     std::string reason;
     if (!line.empty() && line.front() != '#' &&
         !ParseFaultOrder(line, &read.emplace_back(), &reason)) {
-      return Fail(error, path + ", line " + std::to_string(number) + ": " + reason);
+      return Fail(error, path + ", line " + std::to_string(number).append(": ").append(reason));
     }
   }
   *orders = std::move(read);
