@@ -92,10 +92,11 @@ bool TevronManager::ConnectLidar() {
   }
   const std::string problem =
       SaveConnectionSettings(SettingsFilePath(), parts_->settings, parts_->model()->name);
-  if (!problem.empty()) {
-    parts_->report.LogLine("The connection settings could not be saved: " + problem,
+  if (!problem.empty() && problem != parts_->settings_problem) {
+    parts_->report.LogLine("The settings of this program could not be saved: " + problem,
                            LogType::kWarning);
   }
+  parts_->settings_problem = problem;
   return true;
 }
 

@@ -50,6 +50,7 @@ struct TevronManager::Parts {
   CommandConsole console;
 
   ConnectionSettings settings;
+  std::string settings_problem;  ///< why they could not be saved; told once, not at each connect
   std::string product_variant;
   std::string described;  ///< what the log was told last of where the model's table comes from
   QString error_message;

@@ -3,9 +3,15 @@
 #include <QFile>
 #include <QSaveFile>
 #include <QString>
+#include <cerrno>
 #include <filesystem>
 #include <new>
 #include <system_error>
+#include <tuple>
+#ifndef _WIN32
+#include <sys/stat.h>
+#include <unistd.h>
+#endif
 
 namespace {
 
@@ -13,6 +19,7 @@ namespace fs = std::filesystem;
 
 constexpr char kNoFile[] = "there is no such file";
 constexpr char kNotRegular[] = "this is there and is no regular file";
+constexpr char kMakeRoom[] = "; make room on the disk, or choose another place";
 constexpr char kHexDigits[] = "0123456789abcdef";
 
 /// What a path leads to; none, with the reason, when that cannot be told.
@@ -54,7 +61,7 @@ std::string WriteProblem(const QFileDevice& file, qint64 taken, qint64 size) {
       file.error() != QFileDevice::NoError
           ? file.errorString().toStdString()
           : "only " + std::to_string(taken) + " of " + std::to_string(size) + " bytes were taken";
-  return reason + "; make room on the disk, or choose another place";
+  return reason + kMakeRoom;
 }
 
 /// Opens a file to be read; one that is too large is open then, too.
@@ -70,6 +77,28 @@ std::string Open(const std::string& path, uint64_t most_bytes, QFile* file) {
              ? "it is larger than " + SizeText(most_bytes)
              : "";
 }
+
+#ifdef _WIN32
+void KeepOwner(const std::string& /*path*/, const QFileDevice& /*file*/) {}
+std::string Store(const QFileDevice& /*file*/) { return ""; }
+#else
+/// What replaces a file belongs to whom that belonged to, as far as this user may give it away:
+/// what root writes for a user stays the user's, and a group's stays the group's.
+void KeepOwner(const std::string& path, const QFileDevice& file) {
+  struct stat before = {};
+  if (stat(path.c_str(), &before) == 0 &&
+      fchown(file.handle(), before.st_uid, before.st_gid) != 0) {
+    std::ignore = fchown(file.handle(), static_cast<uid_t>(-1), before.st_gid);
+  }
+}
+
+/// A quota, or a disk elsewhere, may refuse only here what every write before was glad to take.
+/// Returns the reason.
+std::string Store(const QFileDevice& file) {
+  const bool is_stored = fdatasync(file.handle()) == 0 || errno == EINVAL || errno == ENOSYS;
+  return is_stored ? "" : std::generic_category().message(errno);
+}
+#endif
 
 }  // namespace
 
@@ -136,13 +165,16 @@ FileOutcome WriteWholeFile(const std::string& path, std::string_view bytes) {
     outcome.reason = OpenProblem(file, "choose a folder that you may write to");
     return outcome;
   }
+  KeepOwner(path, file);
   // A disk that fills up takes part of the bytes without an error, and a commit would then give the
   // final name to half a file.
   const auto size = static_cast<qint64>(bytes.size());
   const qint64 taken = file.write(bytes.data(), size);
-  outcome.written = taken == size && file.flush() && file.size() == size && file.commit();
+  const bool is_taken = taken == size && file.flush() && file.size() == size;
+  const std::string refusal = is_taken ? Store(file) : "";
+  outcome.written = is_taken && refusal.empty() && file.commit();
   if (!outcome.written) {
-    outcome.reason = WriteProblem(file, taken, size);
+    outcome.reason = refusal.empty() ? WriteProblem(file, taken, size) : refusal + kMakeRoom;
     file.cancelWriting();
   }
   return outcome;

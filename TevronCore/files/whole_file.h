@@ -60,7 +60,8 @@ struct FileOutcome {
 
 /// Writes the bytes beside `path` and gives them its name once all of them are stored: whatever
 /// happens, the name stands for the whole of them or for what it stood for before, and nothing is
-/// left beside it. Where a link stands, the file that it leads to is replaced.
+/// left beside it. Where a link stands, the file that it leads to is replaced. Mode, group and, for
+/// root, owner are as they were.
 FileOutcome WriteWholeFile(const std::string& path, std::string_view bytes);
 
 /// Adds the bytes to a file that is there, all of them or none. Returns the reason.

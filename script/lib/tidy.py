@@ -10,7 +10,9 @@ kept apart. Where anything is found, or the text cannot be compiled after all, i
 so on: what counts is what is found in a file alone.
 
 What was found to be clean is remembered in ~/.cache/tevron/tidy, by everything that it depends on:
-the file, all it includes, its flags, the checks, the version of clang-tidy.
+the file, all it includes, its flags, the checks, the version of clang-tidy, this script. What was
+changed since it was built, or while it was read, is not remembered: nobody knows what it includes, or
+what was read.
 """
 
 import hashlib
@@ -20,6 +22,7 @@ import re
 import shlex
 import subprocess
 import sys
+import tempfile
 import time
 from collections import defaultdict
 from concurrent.futures import ThreadPoolExecutor
@@ -28,6 +31,7 @@ from pathlib import Path
 
 MOST_FILES = 12
 KEPT_DAYS = 30
+BEGUN_S = time.time()
 CHECKS = Path(".clang-tidy").resolve()
 CACHE = Path(os.environ.get("XDG_CACHE_HOME") or Path.home() / ".cache") / "tevron/tidy"
 
@@ -72,19 +76,38 @@ def output_of(*command):
     return subprocess.run(command, check=True, capture_output=True, text=True).stdout
 
 
-def marker(source, needed, version):
-    """The file whose being there says that the source is clean; None when that cannot be told."""
-    if not needed:
+class Marker:
+    """The file whose being there says that the source is clean."""
+
+    def __init__(self, source, needed, version):
+        self.needed = [CHECKS, *sorted(needed)]
+        parts = [version, digest(__file__), str(source.path), *source.flags]
+        parts += [f"{path} {digest(path)}" for path in self.needed]
+        self.path = CACHE / hashlib.sha256("\n".join(parts).encode()).hexdigest()
+
+    def is_there(self):
+        return self.path.exists()
+
+    def set(self):
+        if all(os.stat(path).st_mtime < BEGUN_S for path in self.needed):
+            self.path.touch()
+
+
+def marker(source, needed, version, build):
+    """None when what the source includes is not known."""
+    built = build / source.object
+    if not needed or not built.exists():
         return None
-    parts = [version, digest(CHECKS), str(source.path), *source.flags]
-    parts += [f"{path} {digest(path)}" for path in sorted(needed)]
-    return CACHE / hashlib.sha256("\n".join(parts).encode()).hexdigest()
+    made_s = built.stat().st_mtime
+    if any(not Path(path).exists() or os.stat(path).st_mtime > made_s for path in needed):
+        return None
+    return Marker(source, needed, version)
 
 
 def remember(clean, markers):
     for source in clean:
         if markers[source] is not None:
-            markers[source].touch()
+            markers[source].set()
 
 
 def grouped(sources):
@@ -122,13 +145,13 @@ def check(group, build):
     if len(group) == 1:
         clean, said = run([str(group[0].path), "--", *group[0].flags], build)
         return (group if clean else []), said
-    together = build / "tidy" / f"{group[0].path.stem}_{digest(group[0].path)[:8]}.cpp"
-    together.parent.mkdir(exist_ok=True)
-    together.write_text("\n".join(source.text for source in group))
     quoted = [word for source in group for word in ("-iquote", str(source.path.parent))]
-    # What one file calls a thing of its own hides nothing in another.
-    if run([str(together), "--", *group[0].flags, *quoted, "-Wno-shadow"], build)[0]:
-        return group, ""
+    with tempfile.NamedTemporaryFile("w", suffix=".cpp") as together:  # no other run's
+        together.write("\n".join(source.text for source in group))
+        together.flush()
+        # What one file calls a thing of its own hides nothing in another.
+        if run([together.name, "--", *group[0].flags, *quoted, "-Wno-shadow"], build)[0]:
+            return group, ""
     middle = len(group) // 2
     first, second = check(group[:middle], build), check(group[middle:], build)
     return first[0] + second[0], first[1] + second[1]
@@ -149,12 +172,12 @@ def main():
             ok &= passed
             continue
         source = Source(path, commands[str(path)], build)
-        markers[source] = marker(source, needed.get(source.object), version)
+        markers[source] = marker(source, needed.get(source.object), version, build)
     CACHE.mkdir(parents=True, exist_ok=True)
     for old in CACHE.iterdir():
         if old.stat().st_mtime < time.time() - KEPT_DAYS * 86400:
             old.unlink()
-    unknown = [source for source, mark in markers.items() if mark is None or not mark.exists()]
+    unknown = [source for source, mark in markers.items() if mark is None or not mark.is_there()]
     clean = set(markers) - set(unknown)
     remember(clean, markers)  # they are still in use
     with ThreadPoolExecutor(os.cpu_count()) as pool:

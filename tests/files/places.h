@@ -13,15 +13,18 @@
 #include <map>
 #include <string>
 
+#include "support/test_folder.h"
+
 /// A disk of 64 KiB in place of /mnt, for this process and its children alone. Made before there
-/// are threads, as the system wants it, and gone with them.
+/// are threads, as the system wants it, and gone with them. Where it cannot be made, an empty
+/// folder stands for it: the machine's own /mnt is never what is filled and emptied.
 class SmallDisk {
  public:
-  SmallDisk() : is_there_(Mount()) {}
+  SmallDisk() : is_there_(Mount()), path_(is_there_ ? "/mnt" : instead_.path()) {}
 
   /// Not where this process may neither mount nor make a user namespace.
   bool is_there() const { return is_there_; }
-  std::string path() const { return "/mnt"; }
+  const std::string& path() const { return path_; }
   /// Takes the last of its room.
   void Fill() const {
     std::ofstream file(path() + "/filler", std::ios::binary);
@@ -60,7 +63,9 @@ class SmallDisk {
     return mounted;
   }
 
+  const TestFolder instead_;
   const bool is_there_;
+  const std::string path_;
 };
 
 /// Root is another user while it lives, so that permissions count; so are its new children.

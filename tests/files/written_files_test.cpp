@@ -317,6 +317,23 @@ TEST_F(CutFiles, ALineIsAddedWholeOrNotAtAll) {
   EXPECT_TRUE(fs::is_empty(small_disk.path()));
 }
 
+TEST_F(CutFiles, WhatIsReplacedStaysWhoseItWas) {
+  const TestFolder place;
+  const std::string path = place.Write("file", kBefore);
+  for (const mode_t mode : {0600, 0640, 0664}) {
+    ASSERT_EQ(chmod(path.c_str(), mode), 0);
+    ASSERT_TRUE(geteuid() != 0 || chown(path.c_str(), 65534, 65533) == 0);
+    struct stat before = {};
+    struct stat now = {};
+    stat(path.c_str(), &before);
+    ASSERT_TRUE(WriteWholeFile(path, "new").written);
+    stat(path.c_str(), &now);
+    EXPECT_NE(now.st_ino, before.st_ino);
+    EXPECT_EQ(std::tie(now.st_mode, now.st_uid, now.st_gid),
+              std::tie(before.st_mode, before.st_uid, before.st_gid));
+  }
+}
+
 TEST_F(CutFiles, ANameThatIsNoTextIsRefused) {
   const TestFolder place;
   const QString name = QString::fromStdString(place.path());

@@ -91,7 +91,8 @@ TEST(Process, OutlivesTheReaderOfItsLog) {
 TEST(Process, RefusesACommandLineThatMakesNoSense) {
   const std::pair<QStringList, const char*> cases[] = {
       {{"--fault", "dorp"}, "there is no fault named \"dorp\""},
-      {{"--fault-file", "/nonexistent"}, "cannot read the faults in /nonexistent"},
+      {{"--fault-file", "/nonexistent"}, "cannot read the faults in /nonexistent: "},
+      {{"--fault-file", "."}, "cannot read the faults in .: this is there and is no regular file"},
       {{"--set", "Speed"}, "NAME=VALUE"},
       {{"--set", "Nobody=1"}, "no variable \"Nobody\""},
       {{"--model", "Nowhere"}, "\"Nowhere\"; there are Kiva-CMX, Lumo, Lumo-CMX, Orca, Osprey"},

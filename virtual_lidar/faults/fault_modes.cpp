@@ -1,11 +1,11 @@
 #include "faults/fault_modes.h"
 
 #include <algorithm>
-#include <fstream>
 #include <iterator>
 #include <sstream>
 #include <utility>
 
+#include "files/whole_file.h"
 #include "variables/number_text.h"
 
 namespace {
@@ -185,16 +185,10 @@ bool ParseFaultOrder(const std::string& text, FaultOrder* order, std::string* er
 }
 
 bool LoadFaultOrders(const std::string& path, std::vector<FaultOrder>* orders, std::string* error) {
-  constexpr size_t kMostBytes = size_t{64} * 1024;
-  std::ifstream file(path, std::ios::binary);
-  std::string text(kMostBytes + 1, '\0');
-  file.read(text.data(), static_cast<std::streamsize>(text.size()));
-  text.resize(static_cast<size_t>(file.gcount()));
-  if (!file.is_open() || file.bad()) {
-    return Fail(error, "cannot read the faults in " + path);
-  }
-  if (text.size() > kMostBytes) {
-    return Fail(error, path + " is longer than 64 KiB");
+  constexpr uint64_t kMostBytes = uint64_t{64} * 1024;
+  std::string text;
+  if (const std::string reason = ReadWholeFile(path, kMostBytes, &text); !reason.empty()) {
+    return Fail(error, "cannot read the faults in " + PathText(path) + ": " + reason);
   }
   std::vector<FaultOrder> read;
   std::istringstream lines(text);
