@@ -12,6 +12,9 @@ die() { printf '%s: %s\n' "${0##*/}" "$*" >&2; exit 1; }
 # The same object for every language of messages, so that script/fresh finds what was built outside.
 export CCACHE_SLOPPINESS=${CCACHE_SLOPPINESS:+$CCACHE_SLOPPINESS,}locale
 
+# scratch_in_memory: what the programs write for a while waits for no disk.
+scratch_in_memory() { [ ! -w /dev/shm ] || export TMPDIR=/dev/shm; }
+
 # build PRESET [TARGET...]: configures and builds quietly; the whole output only when it fails.
 build() {
     local preset=$1 log
