@@ -8,6 +8,7 @@
 #include "app/fake_manager.h"
 #include "screen_types.h"
 #include "startup.h"
+#include "support/throwaway_home.h"
 
 /// Gives the Qt Quick tests the program's palette, its compiled-in screens, and a manager that only
 /// takes notes.
@@ -21,4 +22,7 @@ class QuickSetup : public QObject {
     qmlRegisterType<FakeManager>("TevronTest", 1, 0, "FakeManager");
     QApplication::setPalette(ApplicationPalette());
   }
+
+ private:
+  const ThrowawayHome home_;
 };
