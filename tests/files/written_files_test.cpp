@@ -111,11 +111,15 @@ class WrittenFiles : public FilesFixture, public testing::WithParamInterface<Tro
         {"program's settings", "Documents/CorvanViewDataFiles/RecvSettings.ini", true,
          [this](const std::string& folder, const std::string&) {
            const QByteArray home = qgetenv("HOME");
-           manager_->Stop();
            qputenv("HOME", folder.c_str());
-           EXPECT_TRUE(Connect());
+           for (int times = 0; times < 2; ++times) {
+             manager_->Stop();
+             EXPECT_TRUE(Connect());
+           }
            qputenv("HOME", home);
-           return TellOf(LogLines("WARNING").filter("could not be saved").isEmpty());
+           const auto unsaved = LogLines("WARNING").filter("could not be saved").size();
+           EXPECT_LE(unsaved, 1) << "told once";
+           return TellOf(unsaved == 0);
          }},
         {"settings file", "a.json", false,
          [this](const std::string&, const std::string& path) {
