@@ -1,6 +1,7 @@
 // Requests on a serial line whose answers come late, twice, damaged, behind an echo or not at all.
 // The line has a thread and a port of its own, whose time no test can turn: the orders are short,
-// and no answer has to be there in time, save the last.
+// and no answer has to be there in time, save the last. On a busy machine a damaged one may come
+// after its time and spoil the exchange that follows, but none behind that.
 
 #include <gtest/gtest.h>
 
@@ -76,16 +77,16 @@ TEST(SerialOrder, NoRequestEverGetsTheAnswerToAnother) {
   for (const size_t size : {2U, 300U}) {
     for (int order = 0; order < kOrders; ++order) {
       int fates = order;
-      for (int i = 0; i <= kFated; ++i, fates /= kFates) {
+      for (int i = 0; i <= kFated + 1; ++i, fates /= kFates) {
         Bytes payload(size);
         payload[0] = static_cast<uint8_t>(fates % kFates);
         payload[1] = ++number;
         const auto cmd = static_cast<uint8_t>(size == 2 ? 0x40 + i : 0x40);
         Bytes result = payload;
         int32_t error = 0;
-        const int32_t got = client.QueryWithin(i == kFated ? kPatienceMs : kShortWaitMs, payload,
+        const int32_t got = client.QueryWithin(i < kFated ? kShortWaitMs : kPatienceMs, payload,
                                                result, cmd, &error);
-        ASSERT_TRUE(got == 0 || i < kFated)
+        ASSERT_TRUE(got == 0 || i <= kFated)
             << "order " << order << ": " << CmxClient::ErrorText(error);
         ASSERT_EQ(result, payload) << "order " << order << ", request " << i;
       }
