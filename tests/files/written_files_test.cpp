@@ -324,7 +324,7 @@ TEST_F(CutFiles, ALineIsAddedWholeOrNotAtAll) {
 TEST_F(CutFiles, WhatIsReplacedStaysWhoseItWas) {
   const TestFolder place;
   const std::string path = place.Write("file", kBefore);
-  for (const mode_t mode : {0600, 0640, 0664}) {
+  for (const mode_t mode : {0600U, 0640U, 0664U}) {
     ASSERT_EQ(chmod(path.c_str(), mode), 0);
     std::ignore = chown(path.c_str(), 65534, 65533);  // root can, where there are such users
     struct stat before = {};
