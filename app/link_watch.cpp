@@ -110,8 +110,8 @@ void LinkWatch::AwaitLidarAt(const QString& address) {
   }
 }
 
-void LinkWatch::Trust() {
-  if (manager_ == nullptr) {
+void LinkWatch::Trust(const QVariantMap& lidar) {
+  if (manager_ == nullptr || lidar != MapOf(asked_about_)) {
     return;
   }
   const std::string problem = TrustedLidars().Remember(asked_about_);

@@ -68,8 +68,9 @@ class LinkWatch : public QObject {
   Q_INVOKABLE void AwaitLidar();
   /// The same for a lidar that is reached there from now on.
   Q_INVOKABLE void AwaitLidarAt(const QString& address);
-  /// The certificate that was asked about last is the lidar's: remembers it and connects again.
-  Q_INVOKABLE void Trust();
+  /// The certificate that `certificateAsked` told of with this map is the lidar's: remembers it and
+  /// connects again. Nothing happens when another one was asked about since.
+  Q_INVOKABLE void Trust(const QVariantMap& lidar);
 
  public slots:
   /// Looks now.

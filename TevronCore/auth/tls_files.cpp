@@ -18,13 +18,9 @@ kavel::lidar::TlsIdentity TlsFilesOf(const ConfigFolder& folder, const std::stri
 
 void CheckTlsFiles(const ConfigFolder& folder, const std::string& model, TableFaults* faults) {
   const kavel::lidar::TlsIdentity files = TlsFilesOf(folder, model);
-  if (files.cert.empty() != files.key.empty()) {
-    const std::string& alone = files.cert.empty() ? files.key : files.cert;
-    faults->push_back({0,
-                       alone + ": a certificate is of use with its key alone; put " +
-                           (files.cert.empty() ? "cert.pem" : "key.pem") +
-                           " beside it, or remove it. The model is not connected until then",
-                       TableFault::Severity::kFault, alone});
+  std::string problem;
+  if (!kavel::lidar::MakeTlsContext(files, &problem)) {
+    faults->push_back({0, problem + " The model is not connected until then"});
   }
   if (const std::string warning = kavel::lidar::KeyFileWarning(files.key); !warning.empty()) {
     faults->push_back({0, warning, TableFault::Severity::kWarning, files.key});

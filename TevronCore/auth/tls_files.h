@@ -17,6 +17,6 @@ inline constexpr std::array<const char*, 3> kTlsFileNames = {"ca.pem", "cert.pem
 /// The files of the model; each of the site's stands in the place of the one in the folder itself.
 kavel::lidar::TlsIdentity TlsFilesOf(const ConfigFolder& folder, const std::string& model);
 
-/// Everything that is wrong with the files of a model that is reached over TLS, without any of
-/// their content.
+/// What is wrong with the files of a model that is reached over TLS: the first that is of no use,
+/// as connecting would tell it, and a key that everybody can read. None of their content.
 void CheckTlsFiles(const ConfigFolder& folder, const std::string& model, TableFaults* faults);

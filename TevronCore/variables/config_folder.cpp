@@ -71,7 +71,9 @@ std::vector<std::string> ConfigFolder::FilesCalled(const std::string& name) cons
   for (const std::string& folder : {path_, site_path()}) {
     const std::string file = std::string(folder).append(1, '/').append(name);
     std::error_code ignored;
-    if (std::filesystem::status(file, ignored).type() != std::filesystem::file_type::not_found) {
+    // A link to nothing is a file that cannot be read, not one that nobody wanted.
+    if (std::filesystem::symlink_status(file, ignored).type() !=
+        std::filesystem::file_type::not_found) {
       files.push_back(file);
     }
   }

@@ -58,7 +58,6 @@ std::string TlsClient::OpenWith(TlsPeerCheck* check, uint16_t host_port, uint32_
   const auto deadline = TlsSession::Clock::now() + std::chrono::seconds(timeout_s);
   may_try_again_ = false;
   std::string failure;
-  may_try_again_ = false;
   TlsContext context = MakeTlsContext(identity_, &failure);
   if (!context) {
     return failure;
@@ -73,7 +72,6 @@ std::string TlsClient::OpenWith(TlsPeerCheck* check, uint16_t host_port, uint32_
   request.host_port = host_port;
   request.timeout_us = int64_t{timeout_s} * 1000000;
   UniqueSocket socket = TryConnect(request, &interrupted(), &failure);
-  may_try_again_ = !socket;
   if (!socket) {
     may_try_again_ = true;
     return failure;
@@ -100,10 +98,11 @@ std::string TlsClient::About(const std::string& what) const {
   return target().ip + ", port " + std::to_string(target().port) + ": " + what + '.';
 }
 
-// An attempt that is repeated until it succeeds tells the log once why it does not.
+// An attempt that is repeated until it succeeds tells the log once why it does not; one that was
+// ended on purpose is no fault.
 void TlsClient::TellOutcome(std::string failure, std::optional<TlsCertificate> shown) {
   const std::lock_guard<std::mutex> lock(outcome_mutex_);
-  if (!failure.empty() && failure != open_failure_) {
+  if (!failure.empty() && failure != open_failure_ && !interrupted()) {
     KAVEL_LOG(kError, "%s", failure.c_str());
   }
   open_failure_ = std::move(failure);

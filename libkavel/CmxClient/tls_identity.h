@@ -9,8 +9,9 @@ namespace kavel::lidar {
 /// How the lidar has to prove who it is, and how we do. `ca`, `cert` and `key` name PEM files of at
 /// most 1 MiB, "" for none.
 struct TlsIdentity {
-  /// Who the lidar's certificate has to come from. It then also has to name the lidar's address (as
-  /// an IP entry of its subject alternative names) and to be in its time.
+  /// Who the lidar's certificate has to come from: whichever certificate the file holds vouches, a
+  /// root or not. It then also has to name the lidar's address (as an IP entry of its subject
+  /// alternative names) and to be in its time.
   std::string ca;
   /// What the lidar is shown when it asks, with intermediate certificates behind it, and its key,
   /// not encrypted. Either both or none.

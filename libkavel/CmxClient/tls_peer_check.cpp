@@ -1,11 +1,23 @@
 #include "CmxClient/tls_peer_check.h"
 
+#include <openssl/evp.h>
 #include <openssl/ssl.h>
 #include <openssl/x509_vfy.h>
 
 #include <utility>
 
 namespace kavel::lidar {
+namespace {
+
+// What security level 2 asks of every key. OpenSSL looks at those of a chain that it checks alone.
+constexpr int kLeastKeyBits = 112;
+
+bool HasWeakKey(const X509& certificate) {
+  const EVP_PKEY* key = X509_get0_pubkey(&certificate);
+  return key == nullptr || EVP_PKEY_get_security_bits(key) < kLeastKeyBits;
+}
+
+}  // namespace
 
 TlsPeerCheck::TlsPeerCheck(TlsIdentity identity, std::string ip)
     : identity_(std::move(identity)), ip_(std::move(ip)) {}
@@ -13,7 +25,10 @@ TlsPeerCheck::TlsPeerCheck(TlsIdentity identity, std::string ip)
 bool TlsPeerCheck::JoinTo(const TlsContext& context) {
   SSL_CTX_set_verify(context.get(), SSL_VERIFY_PEER, nullptr);
   SSL_CTX_set_cert_verify_callback(context.get(), Decide, this);
-  return X509_VERIFY_PARAM_set1_ip_asc(SSL_CTX_get0_param(context.get()), ip_.c_str()) == 1;
+  X509_VERIFY_PARAM* const asked = SSL_CTX_get0_param(context.get());
+  // Whatever stands in the file of the CA vouches, also an intermediate one without its root.
+  return X509_VERIFY_PARAM_set_flags(asked, X509_V_FLAG_PARTIAL_CHAIN) == 1 &&
+         X509_VERIFY_PARAM_set1_ip_asc(asked, ip_.c_str()) == 1;
 }
 
 int TlsPeerCheck::Decide(x509_store_ctx_st* store, void* check) {
@@ -30,6 +45,10 @@ std::string TlsPeerCheck::RefusalOf(x509_store_ctx_st* store) const {
     X509_STORE_CTX_set_error(store, X509_V_ERR_CERT_REJECTED);
     return "it shows another certificate than the one that it is known by (SHA-256 " +
            shown_->sha256 + " in place of " + pinned + ')';
+  }
+  if (HasWeakKey(*X509_STORE_CTX_get0_cert(store))) {
+    X509_STORE_CTX_set_error(store, X509_V_ERR_EE_KEY_TOO_SMALL);
+    return "the key of its certificate is too weak";
   }
   if (identity_.ca.empty()) {
     X509_STORE_CTX_set_error(store, X509_V_OK);
@@ -54,7 +73,8 @@ std::string TlsPeerCheck::RefusalFor(int error, int depth) const {
       return "its certificate was not made by the CA in " + identity_.ca + " but by " +
              shown_->issuer;
     case X509_V_ERR_IP_ADDRESS_MISMATCH:
-      return "its certificate does not name the address " + ip_;
+      return "its certificate does not name the address " + ip_ +
+             " (an IP entry of its subject alternative names)";
     case X509_V_ERR_CERT_HAS_EXPIRED:
       return is_lidars ? "its certificate expired on " + shown_->valid_until
                        : "a certificate that vouches for its own has expired";

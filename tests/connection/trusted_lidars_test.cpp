@@ -76,6 +76,9 @@ TEST_F(TrustedLidarsTest, AChangeIsToldWithBothFingerprintsAndTheWayToForget) {
   EXPECT_EQ(Judge(Lidar("SN1", "", 'a')), Verdict::kUnreadable);
   EXPECT_NE(remedy_.find(file.toStdString()), std::string::npos) << remedy_;
   ASSERT_TRUE(QFile::remove(file));
+  ASSERT_TRUE(QFile::link("/nowhere", file));
+  EXPECT_EQ(Judge(Lidar("SN1", "", 'a')), Verdict::kUnreadable);
+  ASSERT_TRUE(QFile::remove(file));
   EXPECT_EQ(Judge(Lidar("SN1", "", 'b')), Verdict::kUnknown);
   EXPECT_NE(reason_.find("BB:BB (SHA-256), CN=lidar, valid from 2026-01-01 to 2027-01-01."),
             std::string::npos)

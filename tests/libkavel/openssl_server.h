@@ -14,8 +14,9 @@
 
 namespace kavel::lidar::testing {
 
-/// Certificates and their keys, gone with the object: "lidar" and "other" are self-signed; "ca" has
-/// made "good", "elsewhere" (which names another address), "expired" and "early".
+/// Certificates and their keys, gone with the object: "lidar", "other" and "weak" (its key) are
+/// self-signed; "ca" has made "good", "elsewhere" (which names another address), "expired", "early"
+/// and "below", an authority that has made "lower".
 class Certificates {
  public:
   Certificates() {
@@ -26,6 +27,7 @@ new='-newkey ec -pkeyopt ec_paramgen_curve:P-256 -nodes'
 for name in lidar other ca; do
   openssl req -x509 $new -days 2 -subj /CN=$name -keyout $name.key -out $name.crt
 done
+openssl req -x509 -newkey rsa:1024 -nodes -days 2 -subj /CN=weak -keyout weak.key -out weak.crt
 openssl pkey -in lidar.key -aes128 -passout pass:word -out encrypted.key
 cat >conf <<END
 [ca]
@@ -45,13 +47,16 @@ END
 make() {
   openssl req $new -subj /CN=$1 -keyout $1.key -out $1.csr
   echo subjectAltName=IP:$2 >$1.ext
+  echo basicConstraints=CA:${5:-FALSE} >>$1.ext
   openssl ca -batch -config conf -notext -in $1.csr -out $1.crt -extfile $1.ext \
-    -startdate $3 -enddate $4
+    -startdate $3 -enddate $4 -cert ${6:-ca}.crt -keyfile ${6:-ca}.key
 }
 make good 127.0.0.1 20200101000000Z 20981231235959Z
 make elsewhere 127.0.0.2 20200101000000Z 20981231235959Z
 make expired 127.0.0.1 20200101000000Z 20210101000000Z
 make early 127.0.0.1 20980101000000Z 20981231235959Z
+make below 127.0.0.3 20200101000000Z 20981231235959Z TRUE
+make lower 127.0.0.1 20200101000000Z 20981231235959Z FALSE below
 )sh");
     // NOLINTNEXTLINE(bugprone-command-processor)
     if (std::system(("sh " + script + " >/dev/null 2>&1").c_str()) != 0) {

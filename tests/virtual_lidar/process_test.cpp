@@ -169,13 +169,16 @@ TEST(Process, ChecksTheTables) {
   config.Write("tls/Bad/CA.pem", "");
   std::filesystem::permissions(config.Write("site/tls/Bad/key.pem", ""),
                                std::filesystem::perms::all);
+  config.Write("site/tls/Bad/cert.pem", "");
+  const std::string authority = config.path() + "/site/tls/Bad/ca.pem";
+  std::filesystem::create_symlink("/nowhere", authority);
   Program bad({"--check-tables", "--config", QString::fromStdString(config.path())});
   EXPECT_EQ(bad.ExitCode(), 1);
   for (const char* text :
        {"Bad.csv, line 2: \"Wide\": DefaultValue \"256\"", "Short.csv",
         "no row has \"monitor\" for its Options", "/feature_config.csv: there is no such file",
         "auth_config.csv, line 2", "model \"Nobody\" has no variable table",
-        "/site/tls/Bad/key.pem: a certificate is of use with its key alone; put cert.pem beside it",
+        "/site/tls/Bad/ca.pem cannot be read: No such file",
         "/site/tls/Bad/key.pem can be read by every user",
         "/tls/Bad/CA.pem: this file is not read: the files here are called ca.pem"}) {
     EXPECT_TRUE(bad.Output().contains(text)) << text << " in\n" << bad.Output().toStdString();

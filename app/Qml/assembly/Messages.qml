@@ -126,7 +126,7 @@ Item {
         manager: messages.manager
         onConfirmed: {
             if (purpose === "trust")
-                messages.watch.Trust();
+                messages.watch.Trust(argument);
             else
                 messages.confirmed(purpose, argument);
         }

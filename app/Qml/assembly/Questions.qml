@@ -69,11 +69,14 @@ Item {
     function askTrust(lidar) {
         const number = lidar.serialNumber || qsTr("not told");
         const half = lidar.sha256.length / 2;
-        box.ask({ "purpose": "trust", "title": qsTr("Trust this lidar?"),
+        // Each text of the lidar in a sentence of its own: in a common one "%2" in the first would
+        // be taken for the place of the second.
+        const facts = [qsTr("Serial number: %1").arg(number), qsTr("Subject: %1").arg(lidar.subject),
+                       qsTr("Valid: %1 to %2").arg(lidar.validFrom).arg(lidar.validUntil), qsTr("SHA-256:"),
+                       lidar.sha256.slice(0, half + 1), lidar.sha256.slice(half + 1)];
+        box.ask({ "purpose": "trust", "argument": lidar, "title": qsTr("Trust this lidar?"),
                   "message": qsTr("The lidar at %1 has shown a certificate that is not known on this computer.").arg(lidar.place)
-                      + qsTr("\n\nSerial number: %1\nSubject: %2\nValid: %3 to %4\nSHA-256:\n%5\n%6").arg(number)
-                            .arg(lidar.subject).arg(lidar.validFrom).arg(lidar.validUntil)
-                            .arg(lidar.sha256.slice(0, half + 1)).arg(lidar.sha256.slice(half + 1)),
+                      + "\n\n" + facts.join("\n"),
                   "advice": qsTr("Compare the SHA-256 with what whoever set the lidar up has written down. Trust remembers it and connects; another certificate is refused from then on.")
                       + (lidar.serialNumber ? "" : qsTr(" Without a serial number it is remembered for this address.")),
                   "accept": qsTr("Trust"), "reject": qsTr("Do Not Connect"), "guarded": true });
