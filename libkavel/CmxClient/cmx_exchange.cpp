@@ -203,10 +203,20 @@ void CmxExchange::Receive(uint8_t cmd, OwedAnswers::Kind kind, Outcome& outcome)
     outcome.error = kNoReply;
     return;
   }
-  outcome.error = outcome.header[layout_->return_code_at];
   if (!IsAnswerTo(cmd, outcome.header)) {
+    outcome.error = outcome.header[layout_->return_code_at];
     return;
   }
+  const bool is_whole = TakeAnswer(outcome);
+  owed_.Answered(kind);
+  if (has_stray_bytes || !is_whole) {
+    owed_.Strayed();
+  }
+}
+
+// What follows the header of the command's answer. Whether nothing of that answer is left behind.
+bool CmxExchange::TakeAnswer(Outcome& outcome) {
+  outcome.error = outcome.header[layout_->return_code_at];
   const uint32_t length = PayloadLengthIn(outcome.header);
   if (progress_ != nullptr) {
     progress_->announced = length;
@@ -215,15 +225,12 @@ void CmxExchange::Receive(uint8_t cmd, OwedAnswers::Kind kind, Outcome& outcome)
   const auto deadline = now_() + milliseconds(in_force_.recv_ms) + TimeForPayload(length);
   outcome.accepted =
       outcome.error == 0 && ReceivePayload(outcome.payload, length, deadline, progress_);
-  owed_.Answered(kind);
   if (outcome.error == 0 && !outcome.accepted) {
     outcome.header.clear();
     outcome.payload.clear();
     outcome.error = kReplyBrokeOff;
   }
-  if (has_stray_bytes || (!outcome.accepted && length > 0)) {
-    owed_.Strayed();
-  }
+  return outcome.accepted || length == 0;
 }
 
 // The answer to this very request, if another one has come: then it stands behind a copy.
@@ -231,16 +238,16 @@ void CmxExchange::LookBehindCopy(uint8_t cmd, Outcome& outcome) {
   bool has_stray_bytes = false;
   Outcome behind;
   if (!FindHeader(now_() + milliseconds(kDrainTimeoutMs), behind.header, has_stray_bytes)) {
+    if (has_stray_bytes || !behind.header.empty()) {
+      owed_.Strayed();
+    }
     return;
   }
   owed_.Strayed();
   LookThrough(behind.header.data(), static_cast<int32_t>(behind.header.size()));
-  const uint32_t length = PayloadLengthIn(behind.header);
-  const auto deadline = now_() + milliseconds(in_force_.recv_ms) + TimeForPayload(length);
-  if (IsAnswerTo(cmd, behind.header) && behind.header[layout_->return_code_at] == 0 &&
-      ReceivePayload(behind.payload, length, deadline, progress_)) {
-    outcome.header = std::move(behind.header);
-    outcome.payload = std::move(behind.payload);
+  if (IsAnswerTo(cmd, behind.header)) {
+    TakeAnswer(behind);
+    outcome = std::move(behind);
   }
 }
 

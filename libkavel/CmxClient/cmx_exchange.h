@@ -32,8 +32,8 @@ namespace kavel::lidar {
 /// may take it for carried out. Further answers to liveness commands are passed over while another
 /// command's is awaited. A command with the liveness command's code and a payload fails so, too, as
 /// long as any of them is owed. An answer that is byte for byte the one before, though another
-/// request was sent, may be a second copy of that one: the line is listened to for a moment more,
-/// and an answer behind it counts in its place.
+/// request was sent, may be a second copy of that one: the line is listened to for 50 ms more, and
+/// an answer behind it, a refusal too, counts in its place.
 ///
 /// One thread at a time, the two settings excepted, which any thread may change at any time.
 class CmxExchange {
@@ -99,6 +99,7 @@ class CmxExchange {
   void LookThrough(const uint8_t* data, int32_t size);
 
   void Receive(uint8_t cmd, OwedAnswers::Kind kind, Outcome& outcome);
+  bool TakeAnswer(Outcome& outcome);
   void LookBehindCopy(uint8_t cmd, Outcome& outcome);
   bool ReceiveHeader(uint8_t cmd, std::vector<uint8_t>& header, bool& has_stray_bytes);
   bool FindHeader(Clock::time_point deadline, std::vector<uint8_t>& header, bool& has_stray_bytes);

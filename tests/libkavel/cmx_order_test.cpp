@@ -223,26 +223,42 @@ TEST(CmxOrder, ALidarThatAnswersEverythingTwiceIsUnderstood) {
 }
 
 TEST(CmxOrder, ACopyInFrontOfAnAnswerIsNotTakenForIt) {
-  const auto answer = [](uint8_t number) {
-    return BuildCmxFrame(kCmxHeader1, 0x31, 0, {number, number});
+  const auto answer = [](uint8_t return_code, const Bytes& payload) {
+    return BuildCmxFrame(kCmxHeader1, 0x31, return_code, payload);
   };
-  for (const bool is_doubled : {true, false}) {
+  const Bytes first = answer(0, {1, 1});
+  const Bytes own = answer(0, {2, 2});
+  const struct {
+    const char* what;
+    Bytes behind;  ///< a copy of the first answer, in answer to the second request
+    int32_t error;
+    Bytes payload;
+    size_t asked_for_the_third;  ///< with the fence, when the line may be out of step
+  } cases[] = {
+      {"another answer", own, 0, {2, 2}, 2},
+      {"a refusal", answer(9, {}), 9, {}, 2},
+      {"half an answer", Bytes(own.begin(), own.end() - 1), kReplyBrokeOff, {}, 2},
+      {"half a header", Bytes(own.begin(), own.begin() + 5), 0, {1, 1}, 2},
+      {"nothing: the same was meant", {}, 0, {1, 1}, 1},
+  };
+  for (const auto& [what, behind, error, payload, asked_for_the_third] : cases) {
     const auto line = std::make_shared<SimulatedLine>();
-    uint8_t asked = 0;
-    line->on_sent = [&](const Bytes&) {
+    size_t asked = 0;
+    line->on_sent = [&, &behind = behind](const Bytes& frame) {
       ++asked;
-      line->Arrive(milliseconds(asked == 1 ? 1 : 21), answer(is_doubled ? asked : 1));
-      if (asked == 1 && is_doubled) {
-        line->Arrive(milliseconds(20), answer(1));
-      }
+      line->Arrive(milliseconds(1), asked == 1 ? first : asked == 2 ? first + behind : frame);
     };
     CmxExchange exchange(line, 1, {kTimeoutMs, kTimeoutMs}, line->clock());
     exchange.SetStaleInput(StaleInput::kAfterTrouble);
     exchange.SetLivenessCommand(kLiveness);
     EXPECT_EQ(exchange.Run(0x31, {1}, nullptr).payload, (Bytes{1, 1}));
-    const Bytes second = exchange.Run(0x31, {2}, nullptr).payload;
-    EXPECT_EQ(second, is_doubled ? (Bytes{2, 2}) : (Bytes{1, 1})) << is_doubled;
-    EXPECT_EQ(asked, 2) << "nothing is asked for that";
+    const CmxExchange::Outcome second = exchange.Run(0x31, {2}, nullptr);
+    EXPECT_EQ(second.error, error) << what;
+    EXPECT_EQ(second.accepted, error == 0) << what;
+    EXPECT_EQ(second.payload, payload) << what;
+    EXPECT_EQ(asked, 2U) << what << ": nothing is asked for that";
+    EXPECT_EQ(exchange.Run(0x32, {3}, nullptr).payload, (Bytes{3})) << what;
+    EXPECT_EQ(asked - 2, asked_for_the_third) << what;
   }
 }
 
