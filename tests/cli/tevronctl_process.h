@@ -6,7 +6,8 @@
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
-#include <QProcess>
+
+#include "support/owned_process.h"
 
 /// tevronctl as a process of its own, with the tables under "./Config".
 class Tevronctl {
@@ -52,7 +53,7 @@ class Tevronctl {
  private:
   static constexpr int kPatienceMs = 60000;
 
-  QProcess process_;
+  OwnedProcess process_;
   QByteArray out_;
   QByteArray err_;
 };

@@ -3,11 +3,11 @@
 #include <QCoreApplication>
 #include <QElapsedTimer>
 #include <QJsonDocument>
-#include <QProcess>
 #include <algorithm>
 #include <cstdio>
 #include <memory>
 
+#include "support/owned_process.h"
 #include "support/qt_wait_for.h"
 
 namespace {
@@ -45,7 +45,7 @@ class Trial {
 
  private:
   const Cell cell_;
-  QProcess process_;
+  OwnedProcess process_;
   QElapsedTimer taken_;
 };
 

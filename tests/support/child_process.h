@@ -2,13 +2,14 @@
 
 #include <signal.h>
 
-#include <QProcess>
 #include <QRegularExpression>
 #include <QString>
 #include <QStringList>
 
+#include "support/owned_process.h"
+
 /// A program as a process of its own, with everything that it prints in one text. It is ended with
-/// the object. No wait lasts longer than thirty seconds.
+/// the object, and with this program. No wait lasts longer than thirty seconds.
 class ChildProcess {
  public:
   ChildProcess() { process_.setProcessChannelMode(QProcess::MergedChannels); }
@@ -64,6 +65,6 @@ class ChildProcess {
  private:
   static constexpr int kPatienceMs = 30000;
 
-  QProcess process_;
+  OwnedProcess process_;
   QString output_;
 };
