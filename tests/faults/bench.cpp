@@ -89,10 +89,9 @@ void Bench::Arm() {
     lidar_->Kill();
     is_ended_ = true;
   } else if (cell_.fault->act == Act::kDies) {
-    is_ended_ = true;
-    killer_ = std::thread([id = static_cast<pid_t>(lidar_->id())] {
+    killer_ = std::thread([this, id = static_cast<pid_t>(lidar_->id())] {
       std::this_thread::sleep_for(kDiesAfter);
-      ::kill(id, SIGKILL);
+      is_ended_ = ::kill(id, SIGKILL) == 0;
     });
   }
 }

@@ -4,6 +4,7 @@
 #include <QString>
 #include <QStringList>
 #include <QTemporaryDir>
+#include <atomic>
 #include <memory>
 #include <thread>
 
@@ -71,7 +72,7 @@ class Bench : public ManagerBench {
   std::unique_ptr<VirtualLidarProcess> lidar_;
   QJsonObject held_before_;
   int output_before_ = 0;  ///< characters
-  bool is_ended_ = false;
+  std::atomic<bool> is_ended_{false};
   std::thread killer_;
   MemoryWatch memory_;
   Heart heart_;

@@ -44,7 +44,7 @@ struct OperationRow {
 enum class Expected {
   kWorks,
   kFails,
-  kEither,
+  kEither,  ///< whether it works is a matter of the machine's pace
 };
 
 /// What the trial does to the lidar's process itself.
