@@ -43,7 +43,6 @@ class Bench : public ManagerBench {
 
   using ManagerBench::Edit;
   using ManagerBench::OpenPage;
-  using ManagerBench::Save;
   /// Everything told since Arm, in words: "error: ...", "success: ...", "WARNING: ...".
   QStringList Told() const;
   bool WasTold(const QString& piece) const;
