@@ -103,9 +103,10 @@ TEST_F(Commands, ReadWhatTheLidarHolds) {
   const Ran ambiguous(2, {"get", "spin"}, At(lidar));
   EXPECT_TRUE(ambiguous.err().contains("\"Spin Rate\", \"Spin Direction\"")) << Words(ambiguous);
 
-  const Ran monitor(0, {"monitor", "--interval", "0.1", "--duration", "0.25", "--csv", "m.csv"},
+  const Ran monitor(0, {"monitor", "--interval", "0.1", "--duration", "1", "--csv", "m.csv"},
                     At(lidar));
-  EXPECT_EQ(monitor.out().count('\n'), 3) << Words(monitor);
+  EXPECT_GE(monitor.out().count('\n'), 2) << Words(monitor);
+  EXPECT_LE(monitor.out().count('\n'), 11) << Words(monitor);
   EXPECT_EQ(ValueOf(monitor, "Rotor Speed")["state"], "read") << Words(monitor);
   QFile csv("m.csv");
   ASSERT_TRUE(csv.open(QIODevice::ReadOnly));

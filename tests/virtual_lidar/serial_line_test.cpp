@@ -65,7 +65,7 @@ TEST(SerialLine, PairCarriesThePointCloudBetweenAnswers) {
     auto setup = OnSerialLine({"split"});
     setup.server.serial = ServerSetup::Serial::kPair;
     setup.server.line_speed = speed;
-    setup.server.uart_points_per_second = 2000;
+    setup.server.uart_points_per_second = 200;
     LidarUnderTest lidar(std::move(setup));
     for (int round = 0; round < 3; ++round) {
       const auto requests = OpenPort(lidar, 0, kavel::lidar::kReceiveAnswers);
