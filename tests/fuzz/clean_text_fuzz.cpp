@@ -95,7 +95,7 @@ bool HoldsDigits(const std::string& text, std::string_view digits) {
 void FuzzCleanText(FuzzInput input) {
   const TextCleaner& cleaner = Cleaner();
   FuzzInput secret = input;
-  const uint8_t how = secret.Byte() % kBreaksTheLine;
+  const auto how = static_cast<uint8_t>(secret.Byte() % kBreaksTheLine);
   const uint8_t dump[] = {how};
   FuzzInput dumped(dump, 1);
   Require(cleaner.HoldsKey(Dump(kKeyDigits, &dumped)), "a key is found however it is written");
