@@ -46,11 +46,13 @@ function(tevron_add_library name)
   set_target_properties(${name} PROPERTIES POSITION_INDEPENDENT_CODE ON)
 endfunction()
 
-# Adds a program that lands in the install root's bin/.
-function(tevron_add_program name)
+# tevron_add_program(NAME COMPONENT SOURCE...)
+# Adds a program that lands in the install root's bin/. COMPONENT names the part of an installation,
+# and with it the package, that it belongs to: "window" or "tools".
+function(tevron_add_program name component)
   add_executable(${name} ${ARGN})
   target_link_libraries(${name} PRIVATE tevron_build_flags)
   set_target_properties(${name} PROPERTIES
     POSITION_INDEPENDENT_CODE ON RUNTIME_OUTPUT_DIRECTORY ${TEVRON_BIN_DIR})
-  install(TARGETS ${name} RUNTIME DESTINATION bin)
+  install(TARGETS ${name} RUNTIME DESTINATION bin COMPONENT ${component})
 endfunction()

@@ -3,7 +3,7 @@
 # build both, and begin with open_stage; what was started ends with them.
 
 # shellcheck disable=SC2154  # top is common.sh's
-bin=$top/build/dev/root/bin
+bin=${bin:-$top/build/dev/root/bin}
 X=0 Y=0 WIDTH=0 HEIGHT=0 # of the window, as place finds them
 
 # open_stage: a scratch folder, in which the programs find their settings, too.
