@@ -41,7 +41,8 @@ void LidarMonitor::TakeModel() {
   }
   model_ = set_up_.session.model();
   const int page = model_->pages.monitor_page();
-  versions_ = page < 0 ? std::vector<std::string>() : ListMonitorVersions(model_->table->path());
+  versions_ =
+      page < 0 ? std::vector<std::string>() : ListMonitorVersions(model_->config, model_->name);
   drawn_ = DrawableVariables(model_->pages, page);
   std::vector<MonitorVariable> variables;
   for (const VarInfo* var : drawn_) {

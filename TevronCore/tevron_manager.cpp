@@ -35,7 +35,7 @@ void TevronManager::InitConfigFileParser(const QString& model_name) {
     Stop();
   }
   emit lidarClearModel();
-  parts_->TakeModel(LoadLidarModel(parts_->config.TableOf(name)));
+  parts_->TakeModel(LoadLidarModel(parts_->config, name));
   parts_->settings.host_port = LoadHostPort(SettingsFilePath(), name).value_or("ANY");
   emit connectTypeChanged();
   emit featureConfigChanged();

@@ -95,8 +95,8 @@ class TevronManager : public QObject {
 
   /// `flag` is the auto-receive flag handed to the network client. `table_path` names the variable
   /// table of the first model, "./Config/varID/Orca.csv": it says in which folder all tables are
-  /// looked for, those of the site included, see ConfigFolder. No table is loaded until
-  /// InitConfigFileParser. Takes the last-used connection settings from the settings file.
+  /// looked for, those of the site and the user included, see ConfigFolder::Of. None is loaded
+  /// until InitConfigFileParser. Takes the last-used connection settings from the settings file.
   TevronManager(bool flag, const std::string& table_path);
   /// Ends every thread of the manager, at most 1.5 s later whatever the lidar does.
   ~TevronManager() override;

@@ -27,12 +27,22 @@ QStringList ManagerFacts::tables() const {
     return {};
   }
   const std::shared_ptr<const LidarModel> model = manager_->Model();
-  const ConfigFolder config(model->config_folder);
-  const QString site = QString::fromStdString(AbsolutePath(config.site_path()));
-  return {
-      tr("Its table: %1").arg(QString::fromStdString(AbsolutePath(config.TableOf(model->name)))),
-      config.has_site() ? tr("Tables of this site: %1").arg(site)
-                        : tr("Tables of your own would lie in %1").arg(site)};
+  const auto shown = [](const std::string& path) {
+    return QString::fromStdString(AbsolutePath(path));
+  };
+  const ConfigFolder& config = model->config;
+  QStringList lines{tr("Its table: %1").arg(shown(config.TableOf(model->name)))};
+  for (const ConfigLayer& layer : config.layers()) {
+    if (layer.owner != ConfigLayer::Owner::kProgram && layer.is_folder()) {
+      const bool is_site = layer.owner == ConfigLayer::Owner::kSite;
+      lines << (is_site ? tr("Tables of this site: %1") : tr("Tables of your own: %1"))
+                   .arg(shown(layer.path));
+    }
+  }
+  if (const ConfigLayer& last = config.layers().back(); !last.is_folder()) {
+    lines << tr("Tables of your own would lie in %1").arg(shown(last.path));
+  }
+  return lines;
 }
 
 QString ManagerFacts::Remedy() const {

@@ -14,8 +14,8 @@ class ManagerFacts : public QObject {
   Q_PROPERTY(QObject* manager READ manager WRITE SetManager NOTIFY managerChanged)
   /// Whether a lidar of the chosen model has a calibration that can be saved.
   Q_PROPERTY(bool hasCalibration READ hasCalibration NOTIFY changed)
-  /// Lines for the user: the file that describes the chosen model, and the folder of the site's own
-  /// tables, whether there is one or not.
+  /// Lines for the user: the file that describes the chosen model, the folders with tables of the
+  /// site and the user that there are, and where the user's own would lie.
   Q_PROPERTY(QStringList tables READ tables NOTIFY changed)
 
  public:

@@ -55,7 +55,7 @@ void SupportBundle::List(QObject* log) {
     return;
   }
   kavel::lidar::Logger::GetInstance().Flush();
-  BundleSources sources{ConfigFolder(manager_->Model()->config_folder), std::nullopt, ""};
+  BundleSources sources{manager_->Model()->config, std::nullopt, ""};
   if (const auto* lines = qobject_cast<LogLines*>(log)) {
     TakeLines(*lines, &sources);
   }

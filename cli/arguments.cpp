@@ -97,8 +97,8 @@ CLI::Option* AddSeconds(CLI::App* command, const char* name, std::optional<doubl
 void DeclareGlobal(CLI::App& app, Arguments* arguments) {
   app.add_flag("--json", arguments->json, "Print results as JSON: one object, or one a line");
   app.add_option("--config", arguments->config,
-                 "Folder of the tables and keys; Config beside the bin/ of this program unless "
-                 "given")
+                 "Folder of the tables and keys; Config beside the bin/ of this program, and the "
+                 "user's own, unless given")
       ->type_name("DIR")
       ->take_last();
   AddSeconds(&app, "--timeout", &arguments->timeout_s, 0.1,

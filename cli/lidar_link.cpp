@@ -69,7 +69,7 @@ std::shared_ptr<LidarModel> LoadNamedModel(const Context& context) {
     throw Failure(ExitCode::kUsage, "give the model with --model; \"tevronctl models\" lists them");
   }
   const std::string& name = models[MatchName(models, context.arguments.model, "model")];
-  std::shared_ptr<LidarModel> model = LoadLidarModel(context.config.TableOf(name));
+  std::shared_ptr<LidarModel> model = LoadLidarModel(context.config, name);
   for (const TableFault& fault : model->faults) {
     context.report.LogLine(fault.text, LogType::kInfo);
   }
@@ -260,7 +260,7 @@ void LidarLink::TakeMonitorVersion() {
     return;
   }
   const std::string version = model()->table->ValueOf(*block).text;
-  const std::vector<std::string> versions = ListMonitorVersions(model()->table->path());
+  const std::vector<std::string> versions = ListMonitorVersions(model()->config, model()->name);
   TableFaults faults;
   const bool is_described = std::find(versions.begin(), versions.end(), version) != versions.end();
   const auto loaded = is_described ? WithMonitorVersion(*model(), version, &faults) : nullptr;

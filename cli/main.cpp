@@ -52,7 +52,7 @@ ExitCode Run(const Arguments& arguments, Output& output) {
   Interrupt interrupt;
   Context context{
       arguments, output, report, interrupt,
-      ConfigFolder(arguments.config.empty() ? ProgramConfigFolder() : arguments.config)};
+      arguments.config.empty() ? ConfigFolder::OfProgram() : ConfigFolder(arguments.config)};
   try {
     const ExitCode code = RunGuarded(context);
     if (!output.good()) {

@@ -100,9 +100,8 @@ DeviceProfile MakeProfile(const Options& options) {
   DeviceProfile profile;
   profile.model = options.model;
   profile.family = options.features.family;
-  const ConfigFolder folder(options.config_folder);
-  profile.auth = AuthConfigOf(folder, options.model);
-  profile.auth_keys = LoadAuthKeys(folder);
+  profile.auth = AuthConfigOf(options.config, options.model);
+  profile.auth_keys = LoadAuthKeys(options.config);
   profile.auth_required = options.auth_required;
   profile.seed = options.seed;
   profile.log_size = options.log_size;
@@ -121,21 +120,23 @@ std::string Listed(const std::vector<std::string>& names) {
 /// The model's table with the monitor table of *hardware on it; of the first version when that is
 /// empty, which it then names. A model without such tables is as it is. *faults gets what is wrong
 /// with them.
-std::shared_ptr<const ConfigParser> LoadTables(const std::string& model_table,
-                                               std::string* hardware, TableFaults* faults) {
-  auto table = std::make_shared<const ConfigParser>(LoadModelTable(model_table));
+std::shared_ptr<const ConfigParser> LoadTables(const Options& options, std::string* hardware,
+                                               TableFaults* faults) {
+  const ConfigFolder& config = options.config;
+  auto table = std::make_shared<const ConfigParser>(LoadModelTable(config, options.model));
   *faults = table->Faults();
   if (table->InTableOrder().empty() && !faults->empty()) {
     throw std::runtime_error(faults->front().text);
   }
-  const std::vector<std::string> versions = ListMonitorVersions(model_table);
+  const std::vector<std::string> versions = ListMonitorVersions(config, options.model);
   if (hardware->empty() && !versions.empty()) {
     *hardware = versions.front();
   }
   if (hardware->empty()) {
     return table;
   }
-  std::shared_ptr<const ConfigParser> with_monitor = WithMonitorTable(*table, *hardware, faults);
+  std::shared_ptr<const ConfigParser> with_monitor =
+      WithMonitorTable(*table, MonitorTablePath(config, options.model, *hardware), faults);
   if (with_monitor == nullptr) {
     throw std::runtime_error("there is no monitor table of hardware \"" + *hardware +
                              "\" that can be used; there are" + Listed(versions));
@@ -144,8 +145,7 @@ std::shared_ptr<const ConfigParser> LoadTables(const std::string& model_table,
 }
 
 int CheckAndPrint(const Options& options) {
-  const TableReport report =
-      CheckTables(ConfigFolder(options.config_folder), options.checked_model);
+  const TableReport report = CheckTables(options.config, options.checked_model);
   PrintReport(report, std::cout);
   return report.FaultCount() == 0 ? 0 : 1;
 }
@@ -175,10 +175,10 @@ int MakeTlsFiles(const std::string& folder) {
 }
 
 int Serve(const Options& options, int signals) {
-  const ConfigFolder config(options.config_folder);
+  const ConfigFolder& config = options.config;
   const std::vector<std::string> models = config.Models();
   if (models.empty()) {
-    return Complain("there are no tables in " + options.config_folder +
+    return Complain("there are no tables in " + config.path() +
                     "/varID; name their folder with --config");
   }
   if (std::find(models.begin(), models.end(), options.model) == models.end()) {
@@ -187,7 +187,7 @@ int Serve(const Options& options, int signals) {
   DeviceProfile profile = MakeProfile(options);
   profile.hardware = options.hardware;
   TableFaults table_faults;
-  const auto table = LoadTables(config.TableOf(options.model), &profile.hardware, &table_faults);
+  const auto table = LoadTables(options, &profile.hardware, &table_faults);
   std::string error;
   if (options.make_firmware) {
     return WriteFirmwareFile(*table, options.model, options.features.family,
@@ -238,7 +238,7 @@ int main(int argc, char** argv) {
       return CheckAndPrint(*options);
     }
     if (options->list_models) {
-      return PrintModels(ConfigFolder(options->config_folder));
+      return PrintModels(options->config);
     }
     if (!options->tls_folder.empty()) {
       return MakeTlsFiles(options->tls_folder);

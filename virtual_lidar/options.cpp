@@ -84,7 +84,8 @@ void DeclareWhereToAnswer(CLI::App* app, CommandLine* line, Options* options) {
                   "Hardware version, by the name of its monitor table; the first unless given")
       ->type_name("VERSION");
   app->add_option("--config", line->config,
-                  "Folder of the tables; Config beside the bin/ of this program unless given")
+                  "Folder of the tables; Config beside the bin/ of this program, and the user's "
+                  "own, unless given")
       ->type_name("DIR");
   app->add_option("--port", line->port,
                   "TCP port on 127.0.0.1; 0, or 9347 in use, lets the system pick")
@@ -184,9 +185,10 @@ void DeclareFirmware(CLI::App* app, CommandLine* line) {
 // The texts have passed their checks while they were read.
 void MakeSense(const CommandLine& line, Options* options) {
   std::string error;
-  options->config_folder = line.config.empty() ? ProgramConfigFolder() : line.config;
-  options->features =
-      LoadFeatures(ConfigFolder(options->config_folder), options->model, &options->feature_faults);
+  if (!line.config.empty()) {
+    options->config = ConfigFolder(line.config);
+  }
+  options->features = LoadFeatures(options->config, options->model, &options->feature_faults);
   options->auth_required = !line.no_auth;
   for (const std::string& text : line.faults) {
     ParseFaultOrder(text, &options->faults.emplace_back(), &error);

@@ -13,8 +13,8 @@
 /// What the command line asks for.
 struct Options {
   std::string model = "Orca";
-  std::string config_folder;  ///< of the tables and keys, see ConfigFolder; it need not exist
-  ModelFeatures features;     ///< of the model
+  ConfigFolder config = ConfigFolder::OfProgram();  ///< of the tables and keys
+  ModelFeatures features;                           ///< of the model
   TableFaults feature_faults;
   std::string hardware;  ///< version of the monitor page; empty: the first that there is
   uint32_t seed = 1;     ///< of what the device measures of itself; 0: it stands still

@@ -51,7 +51,7 @@ class AuthConfigError : public std::invalid_argument {
 /// model's; the exceptions of CsvReader for a missing file or column. Any thread.
 AuthConfig LoadAuthConfig(const std::string& table, const std::string& model);
 
-/// The same of a folder's tables: a row of the site's table stands in the place of the one that
-/// ships. A table of the site that may have such a row and cannot be read throws, so that nothing
-/// is sent unguarded. The defaults when there is no table.
+/// The same of a folder's tables: a row of a later table stands in the place of the one before. A
+/// later table that may have such a row and cannot be read throws, so that nothing is sent
+/// unguarded. The defaults when there is no table.
 AuthConfig AuthConfigOf(const ConfigFolder& folder, const std::string& model);

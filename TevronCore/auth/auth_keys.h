@@ -48,9 +48,9 @@ inline constexpr std::array<AuthKeyKind, 6> kAuthKeyKinds = {{
 /// Never throws for the content and never logs any of it. Any thread.
 AuthKeys LoadAuthKeys(const std::string& path);
 
-/// The same of a folder's files: each key that the site's file names stands in the place of the one
-/// that ships, also one that is malformed there. With a file of the site that cannot be read there
-/// are no keys at all.
+/// The same of a folder's files: each key that a later file names stands in the place of the one
+/// before, also one that is malformed there. With a later file that cannot be read there are no
+/// keys at all.
 AuthKeys LoadAuthKeys(const ConfigFolder& folder);
 
 /// Whether the file is the demonstration set: it has a line `demo=true`.

@@ -31,7 +31,8 @@ void AddCode(const std::string& text, std::set<uint8_t>* codes) {
 }
 
 /// Every code that the model's tables send.
-std::set<uint8_t> CodesOf(const ConfigParser& table) {
+std::set<uint8_t> CodesOf(const ConfigFolder& folder, const std::string& model,
+                          const ConfigParser& table) {
   std::set<uint8_t> codes;
   const auto add = [&codes](const VarInfo& var) {
     AddCode(var.get_cmd, &codes);
@@ -40,9 +41,10 @@ std::set<uint8_t> CodesOf(const ConfigParser& table) {
   for (const VarInfo* var : table.InTableOrder()) {
     add(*var);
   }
-  for (const std::string& version : ListMonitorVersions(table.path())) {
+  for (const std::string& version : ListMonitorVersions(folder, model)) {
     TableFaults told_elsewhere;
-    if (const auto with_monitor = WithMonitorTable(table, version, &told_elsewhere)) {
+    if (const auto with_monitor =
+            WithMonitorTable(table, MonitorTablePath(folder, model, version), &told_elsewhere)) {
       for (const VarInfo* var : with_monitor->InTableOrder()) {
         add(*var);
       }
@@ -57,7 +59,8 @@ class RowRules {
   RowRules(const AuthTable& table, size_t row, FaultList* faults)
       : table_(table), row_(row), faults_(*faults) {}
 
-  void Check(const ConfigFolder& folder, SerialFamily family, const ConfigParser& model);
+  void Check(const ConfigFolder& folder, const std::string& model, SerialFamily family,
+             const ConfigParser& variables);
 
  private:
   void CheckKeys(const ConfigFolder& folder) const;
@@ -71,7 +74,8 @@ class RowRules {
   AuthConfig config_;
 };
 
-void RowRules::Check(const ConfigFolder& folder, SerialFamily family, const ConfigParser& model) {
+void RowRules::Check(const ConfigFolder& folder, const std::string& model, SerialFamily family,
+                     const ConfigParser& variables) {
   std::vector<AuthTable::Finding> findings;
   config_ = table_.Read(row_, &findings);
   bool is_refused = false;
@@ -86,7 +90,7 @@ void RowRules::Check(const ConfigFolder& folder, SerialFamily family, const Conf
   if (is_refused) {
     return;  // what stands for a cell without a number is no code to judge
   }
-  const std::set<uint8_t> codes = CodesOf(model);
+  const std::set<uint8_t> codes = CodesOf(folder, model, variables);
   CheckHandshake(codes);
   CheckProtected(codes, family);
 }
@@ -97,9 +101,9 @@ void RowRules::CheckKeys(const ConfigFolder& folder) const {
     if ((keys.*kind->member).empty()) {
       faults_.Fault(line(), "algorithm " + std::to_string(config_.algorithm_id) +
                                 " needs the key " + kind->name +
-                                ", which is missing or malformed; write it into " + folder.path() +
-                                '/' + kAuthKeysName + " or the site's. Protected " +
-                                "commands are refused until then");
+                                ", which is missing or malformed; write it into " +
+                                folder.layers().back().path + '/' + kAuthKeysName +
+                                ". Protected commands are refused until then");
     }
   }
 }
@@ -177,7 +181,7 @@ bool CheckTable(const ConfigFolder& folder, const std::string& path, const std::
   if (rows.size() > 1) {
     faults->Fault(table.LineOf(rows[1]), table.Repeated(rows[1], rows[0]).text());
   } else if (rows.size() == 1) {
-    RowRules(table, rows[0], faults).Check(folder, family, variables);
+    RowRules(table, rows[0], faults).Check(folder, model, family, variables);
   }
   return !rows.empty() || !table.broken().empty();
 }

@@ -14,7 +14,7 @@
 inline constexpr char kTlsFolderName[] = "tls";
 inline constexpr std::array<const char*, 3> kTlsFileNames = {"ca.pem", "cert.pem", "key.pem"};
 
-/// The files of the model; each of the site's stands in the place of the one in the folder itself.
+/// The files of the model; each of a later layer stands in the place of the one before.
 kavel::lidar::TlsIdentity TlsFilesOf(const ConfigFolder& folder, const std::string& model);
 
 /// What is wrong with the files of a model that is reached over TLS: the first that is of no use,

@@ -24,8 +24,9 @@ constexpr std::chrono::milliseconds kRetryPause{500};
 
 std::string MissingAlgorithm(int id, const ConfigFolder& folder) {
   return "Authentication algorithm " + std::to_string(id) +
-         " is unknown, or its keys are missing or malformed in " + folder.path() + '/' +
-         kAuthKeysName + " or the site's: protected commands will be refused.";
+         " is unknown, or its keys are missing or malformed; write them into " +
+         folder.layers().back().path + '/' + kAuthKeysName +
+         ". Protected commands will be refused until then.";
 }
 
 }  // namespace
@@ -195,7 +196,7 @@ std::shared_ptr<Connection> ConnectAttempt::Join(const ClientPtr& client, const 
   if (IsPatient() && !LidarAnswers(*client)) {
     return nullptr;  // before the probe, whose answer would be taken for the lidar's
   }
-  const ConfigFolder folder(request_.model->config_folder);
+  const ConfigFolder& folder = request_.model->config;
   const AuthConfig config = AuthConfigOf(folder, request_.model->name);
   if (folder.FilesCalled(kAuthTableName).empty()) {
     report_->LogLine(
@@ -217,7 +218,7 @@ std::unique_ptr<IAuthAlgorithm> ConnectAttempt::AlgorithmFor(const AuthConfig& c
   if (!config.enabled) {
     return nullptr;
   }
-  const ConfigFolder folder(request_.model->config_folder);
+  const ConfigFolder& folder = request_.model->config;
   auto algorithm = CreateAuthAlgorithm(config.algorithm_id, LoadAuthKeys(folder));
   if (algorithm == nullptr) {
     report_->LogLine(MissingAlgorithm(config.algorithm_id, folder), LogType::kWarning);

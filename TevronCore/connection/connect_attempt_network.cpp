@@ -104,7 +104,7 @@ ConnectAttempt::ClientPtr ConnectAttempt::Dial(
 }
 
 kavel::lidar::TlsIdentity ConnectAttempt::IdentityNow() {
-  const ConfigFolder folder(request_.model->config_folder);
+  const ConfigFolder& folder = request_.model->config;
   kavel::lidar::TlsIdentity identity = TlsFilesOf(folder, request_.model->name);
   if (const std::string warning = kavel::lidar::KeyFileWarning(identity.key); !warning.empty()) {
     report_->LogLine(warning, LogType::kWarning);

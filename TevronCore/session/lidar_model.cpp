@@ -1,7 +1,5 @@
 #include "session/lidar_model.h"
 
-#include <algorithm>
-#include <exception>
 #include <utility>
 
 #include "auth/auth_rules.h"
@@ -9,34 +7,22 @@
 #include "variables/monitor_tables.h"
 #include "variables/table_rules.h"
 
-namespace {
-
-constexpr char kTableSuffix[] = ".csv";
-
-std::string ModelNameOf(const std::string& table_path) {
-  const std::string file = table_path.substr(table_path.rfind('/') + 1);
-  const size_t stem = file.size() - std::min(file.size(), sizeof(kTableSuffix) - 1);
-  return file.compare(stem, std::string::npos, kTableSuffix) == 0 ? file.substr(0, stem) : file;
-}
-
-}  // namespace
-
-std::shared_ptr<LidarModel> LoadLidarModel(const std::string& table_path) {
+std::shared_ptr<LidarModel> LoadLidarModel(const ConfigFolder& config, const std::string& name) {
   auto model = std::make_shared<LidarModel>();
-  model->name = ModelNameOf(table_path);
-  const ConfigFolder config = ConfigFolder::Of(table_path);
-  model->config_folder = config.path();
-  model->table = std::make_shared<ConfigParser>(LoadModelTable(table_path));
+  model->name = name;
+  model->config = config;
+  model->table = std::make_shared<ConfigParser>(LoadModelTable(config, name));
   model->faults = model->table->Faults();
   model->pages = PageModel(*model->table);
-  static_cast<ModelFeatures&>(*model) = LoadFeatures(config, model->name, &model->faults);
-  CheckAuth(config, model->name, model->family, *model->table, &model->faults);
+  static_cast<ModelFeatures&>(*model) = LoadFeatures(config, name, &model->faults);
+  CheckAuth(config, name, model->family, *model->table, &model->faults);
   return model;
 }
 
 std::shared_ptr<LidarModel> WithMonitorVersion(const LidarModel& model, const std::string& version,
                                                TableFaults* faults) {
-  std::shared_ptr<ConfigParser> table = WithMonitorTable(*model.table, version, faults);
+  std::shared_ptr<ConfigParser> table =
+      WithMonitorTable(*model.table, MonitorTablePath(model.config, model.name, version), faults);
   if (table == nullptr) {
     return nullptr;
   }

@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+#include "variables/config_folder.h"
 #include "variables/config_parser.h"
 #include "variables/feature_config.h"
 #include "variables/pages.h"
@@ -13,17 +14,16 @@
 /// another model is being chosen. The values are guarded inside the table.
 struct LidarModel : ModelFeatures {
   std::string name;
-  std::string config_folder;  ///< holds the feature and authentication tables, see ConfigFolder
+  ConfigFolder config{"./Config"};  ///< where all that is said of the model was looked for
   std::shared_ptr<ConfigParser> table = std::make_shared<ConfigParser>();
   PageModel pages;
   std::string monitor_version;  ///< hardware version of the monitor page; empty: none is chosen
   TableFaults faults;           ///< What is wrong with the tables.
 };
 
-/// Loads the model whose variable table is `table_path`; its name is the file's without ".csv".
 /// Always gives a model: a table that cannot be used gives one without variables, and its faults
 /// say why.
-std::shared_ptr<LidarModel> LoadLidarModel(const std::string& table_path);
+std::shared_ptr<LidarModel> LoadLidarModel(const ConfigFolder& config, const std::string& name);
 
 /// `model` with the monitor table of `version` on its monitor page, and the values and edits that
 /// it has now. Null when there is no such table or it cannot be used. *faults gets what is wrong

@@ -37,10 +37,8 @@ std::string LineOf(const QString& path, const QString& name, const TextCleaner& 
          shown + '\n';
 }
 
-}  // namespace
-
-std::string TableSums(const ConfigFolder& config, const TextCleaner& cleaner) {
-  const QDir folder(QDir(QString::fromStdString(config.path())).absolutePath());
+/// Each file is told of by its name below the folder, behind `head`.
+std::string SumsIn(const QDir& folder, const QString& head, const TextCleaner& cleaner) {
   QStringList names;
   QDirIterator files(folder.path(), QDir::Files, QDirIterator::Subdirectories);
   while (files.hasNext() && names.size() < kMostFiles) {
@@ -49,7 +47,22 @@ std::string TableSums(const ConfigFolder& config, const TextCleaner& cleaner) {
   names.sort();
   std::string lines;
   for (const QString& name : names) {
-    lines += LineOf(folder.filePath(name), name, cleaner);
+    lines += LineOf(folder.filePath(name), head + name, cleaner);
   }
   return files.hasNext() ? lines + "# and more files\n" : lines;
+}
+
+}  // namespace
+
+std::string TableSums(const ConfigFolder& config, const TextCleaner& cleaner) {
+  std::string lines;
+  for (const ConfigLayer& layer : config.layers()) {
+    if (layer.owner == ConfigLayer::Owner::kSite) {
+      continue;  // it lies in the first
+    }
+    const QDir folder(QDir(QString::fromStdString(layer.path)).absolutePath());
+    const bool is_user = layer.owner == ConfigLayer::Owner::kUser;
+    lines += SumsIn(folder, is_user ? folder.path() + '/' : QString(), cleaner);
+  }
+  return lines;
 }

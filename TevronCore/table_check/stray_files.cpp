@@ -135,6 +135,7 @@ class StrayFiles {
 
 void CheckStrayFiles(const ConfigFolder& folder, const std::string& model, TableFaults* faults) {
   StrayFiles stray(folder, model, faults);
-  stray.Check(folder.path());
-  stray.Check(folder.site_path());
+  for (const ConfigLayer& layer : folder.layers()) {
+    stray.Check(layer.path);
+  }
 }

@@ -88,7 +88,7 @@ class Check {
   void AuthTables(const std::vector<std::string>& models);
 
  private:
-  void MonitorTables(const ConfigParser& table);
+  void MonitorTables(const std::string& model, const ConfigParser& table);
   void Add(const TableFaults& faults);
 
   const ConfigFolder& folder_;
@@ -106,25 +106,26 @@ void Check::Add(const TableFaults& faults) {
 }
 
 void Check::VariableTables(const std::string& model) {
-  const ConfigParser table(LoadModelTable(folder_.TableOf(model)));
+  const ConfigParser table(LoadModelTable(folder_, model));
   report_.files.push_back({table.path(), Counted(table.InTableOrder().size(), "variable") + ", " +
                                              Counted(PageModel(table).pages().size(), "page") +
                                              ", " +
                                              Counted(table.Directives().size(), "directive")});
   Add(table.Faults());
-  MonitorTables(table);
+  MonitorTables(model, table);
 }
 
-void Check::MonitorTables(const ConfigParser& table) {
+void Check::MonitorTables(const std::string& model, const ConfigParser& table) {
   if (MonitorBlockOf(table) == nullptr) {
     return;  // a fault of the model's own table
   }
-  for (const std::string& version : ListMonitorVersions(table.path())) {
-    const auto with_monitor = WithMonitorTable(table, version, &report_.findings);
+  for (const std::string& version : ListMonitorVersions(folder_, model)) {
+    const std::string path = MonitorTablePath(folder_, model, version);
+    const auto with_monitor = WithMonitorTable(table, path, &report_.findings);
     const size_t count = with_monitor == nullptr
                              ? 0
                              : with_monitor->InTableOrder().size() - table.InTableOrder().size();
-    report_.files.push_back({MonitorTablePath(table.path(), version), Counted(count, "variable")});
+    report_.files.push_back({path, Counted(count, "variable")});
   }
 }
 
@@ -147,7 +148,7 @@ void Check::AuthTables(const std::vector<std::string>& models) {
   for (const std::string& model : models) {
     TableFaults told_already;
     const ModelFeatures features = LoadFeatures(folder_, model, &told_already);
-    CheckAuth(folder_, model, features.family, ConfigParser(LoadModelTable(folder_.TableOf(model))),
+    CheckAuth(folder_, model, features.family, ConfigParser(LoadModelTable(folder_, model)),
               &faults);
     if (features.link == NetworkLink::kTls) {
       CheckTlsFiles(folder_, model, &faults);
@@ -169,9 +170,10 @@ TableReport CheckTables(const ConfigFolder& folder, const std::string& model) {
   TableReport report;
   const std::vector<std::string> models = ModelsToCheck(folder, model);
   report.models = models.size();
-  report.folders.push_back(AbsolutePath(folder.path()));
-  if (folder.has_site()) {
-    report.folders.push_back(AbsolutePath(folder.site_path()));
+  for (const ConfigLayer& layer : folder.layers()) {
+    if (layer.is_folder()) {
+      report.folders.push_back(AbsolutePath(layer.path));
+    }
   }
   Check check(folder, &report);
   for (const std::string& name : models) {

@@ -17,7 +17,7 @@ struct TableReport {
     std::string content;
   };
 
-  std::vector<std::string> folders;  ///< Absolute: the folder, and the site's if there is one.
+  std::vector<std::string> folders;  ///< Absolute: those of the layers that there are.
   std::vector<File> files;
   TableFaults findings;  ///< In the order of the files, and of the lines in each.
   size_t models = 0;     ///< How many were checked.

@@ -1,54 +1,92 @@
 #include "variables/config_folder.h"
 
+#include <QStandardPaths>
 #include <algorithm>
 #include <filesystem>
 
+#include "variables/fault_list.h"
 #include "variables/model_list.h"
 
 namespace {
 
+namespace fs = std::filesystem;
+
+using Owner = ConfigLayer::Owner;
+
 bool IsFile(const std::string& path) {
   std::error_code ignored;
-  return std::filesystem::is_regular_file(path, ignored);
+  return fs::is_regular_file(path, ignored);
+}
+
+/// A link to nothing is something that cannot be read, not something that nobody wanted. So is what
+/// lies where nobody may look.
+bool IsThere(const std::string& path) {
+  std::error_code ignored;
+  return fs::symlink_status(path, ignored).type() != fs::file_type::not_found;
 }
 
 }  // namespace
 
 std::string AbsolutePath(const std::string& path) {
   std::error_code error;
-  const std::filesystem::path whole = std::filesystem::weakly_canonical(path, error);
+  const fs::path whole = fs::weakly_canonical(path, error);
   return error ? path : whole.string();
 }
 
 std::string ProgramConfigFolder() {
   std::error_code ignored;
-  const std::filesystem::path program = std::filesystem::read_symlink("/proc/self/exe", ignored);
-  const std::filesystem::path folder = program.parent_path();
-  const std::filesystem::path usual = folder.parent_path() / "Config";
-  const std::filesystem::path flat = folder / "Config";
-  const bool is_flat = !std::filesystem::is_directory(usual, ignored) &&
-                       std::filesystem::is_directory(flat, ignored);
+  const fs::path program = fs::read_symlink("/proc/self/exe", ignored);
+  const fs::path folder = program.parent_path();
+  const fs::path usual = folder.parent_path() / "Config";
+  const fs::path flat = folder / "Config";
+  const bool is_flat = !fs::is_directory(usual, ignored) && fs::is_directory(flat, ignored);
   return (is_flat ? flat : usual).string();
 }
 
-ConfigFolder ConfigFolder::Of(const std::string& table_path) {
-  const auto upwards = [](std::filesystem::path path) {
-    path = path.parent_path();
-    return path.empty() ? std::filesystem::path(".") : path;
-  };
-  const std::filesystem::path folder = upwards(upwards(table_path));
-  return ConfigFolder((folder.filename() == "site" ? upwards(folder) : folder).string());
+bool ConfigLayer::is_folder() const {
+  std::error_code ignored;
+  return fs::is_directory(path, ignored);
 }
 
-bool ConfigFolder::has_site() const {
+ConfigFolder::ConfigFolder(const std::string& path)
+    : layers_{{Owner::kProgram, path}, {Owner::kSite, path + "/site"}} {}
+
+ConfigFolder ConfigFolder::OfProgram() {
+  ConfigFolder config(ProgramConfigFolder());
+  config.AddUser();
+  return config;
+}
+
+ConfigFolder ConfigFolder::Of(const std::string& table_path) {
+  const auto upwards = [](fs::path path) {
+    path = path.parent_path();
+    return path.empty() ? fs::path(".") : path;
+  };
+  const fs::path folder = upwards(upwards(table_path));
+  ConfigFolder config((folder.filename() == "site" ? upwards(folder) : folder).string());
+  if (AbsolutePath(config.path()) == AbsolutePath(ProgramConfigFolder())) {
+    config.AddUser();
+  }
+  return config;
+}
+
+void ConfigFolder::AddUser() {
+  // Not the folder of one application: all programs share it.
+  const std::string path =
+      QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation).toStdString() +
+      "/Tevron/Config";
   std::error_code ignored;
-  return std::filesystem::is_directory(site_path(), ignored);
+  if (fs::symlink_status(path, ignored).type() != fs::file_type::none) {
+    layers_.push_back({Owner::kUser, path});
+  }
 }
 
 std::vector<std::string> ConfigFolder::Models() const {
-  std::vector<std::string> models = ListModels(path_ + "/varID");
-  const std::vector<std::string> own = ListModels(site_path() + "/varID");
-  models.insert(models.end(), own.begin(), own.end());
+  std::vector<std::string> models;
+  for (const ConfigLayer& layer : layers_) {
+    const std::vector<std::string> more = ListModels(layer.path + "/varID");
+    models.insert(models.end(), more.begin(), more.end());
+  }
   std::sort(models.begin(), models.end());
   models.erase(std::unique(models.begin(), models.end()), models.end());
   return models;
@@ -56,26 +94,46 @@ std::vector<std::string> ConfigFolder::Models() const {
 
 std::string ConfigFolder::TableOf(const std::string& model) const {
   const std::string below = "/varID/" + model + ".csv";
-  const std::string own = site_path() + below;
-  return IsFile(own) ? own : path_ + below;
+  const auto last =
+      std::find_if(layers_.rbegin(), layers_.rend(),
+                   [&below](const ConfigLayer& layer) { return IsFile(layer.path + below); });
+  return (last == layers_.rend() ? path() : last->path) + below;
 }
 
 std::string ConfigFolder::Describe(const std::string& model) const {
-  const std::string table = model + " is described by " + AbsolutePath(TableOf(model));
-  return has_site() ? table + "; tables of this site are read from " + AbsolutePath(site_path())
-                    : table;
+  std::string line = model + " is described by " + AbsolutePath(TableOf(model));
+  for (const ConfigLayer& layer : layers_) {
+    if (layer.owner != Owner::kProgram && layer.is_folder()) {
+      line += layer.owner == Owner::kSite ? "; tables of this site are read from "
+                                          : "; tables of your own are read from ";
+      line += AbsolutePath(layer.path);
+    }
+  }
+  return line;
 }
 
 std::vector<std::string> ConfigFolder::FilesCalled(const std::string& name) const {
   std::vector<std::string> files;
-  for (const std::string& folder : {path_, site_path()}) {
-    const std::string file = std::string(folder).append(1, '/').append(name);
-    std::error_code ignored;
-    // A link to nothing is a file that cannot be read, not one that nobody wanted.
-    if (std::filesystem::symlink_status(file, ignored).type() !=
-        std::filesystem::file_type::not_found) {
+  for (const ConfigLayer& layer : layers_) {
+    if (const std::string file = layer.path + '/' + name; IsThere(file)) {
       files.push_back(file);
     }
   }
   return files;
+}
+
+void ConfigFolder::CheckLayers(TableFaults* faults) const {
+  for (const ConfigLayer& layer : layers_) {
+    for (const std::string& folder : {layer.path, layer.path + "/varID"}) {
+      std::error_code error;
+      if (!IsThere(folder) || (fs::directory_iterator(folder, error), !error)) {
+        continue;
+      }
+      FaultList found(folder);
+      found.Fault(0, "no table is read from here: " + error.message() +
+                         "; make it a folder that you can read, or remove it");
+      found.MoveTo(faults);
+      break;
+    }
+  }
 }

@@ -3,6 +3,8 @@
 #include <string>
 #include <vector>
 
+#include "variables/table_fault.h"
+
 /// The path from the root of the file system, as a user can find it whatever folder is current.
 std::string AbsolutePath(const std::string& path);
 
@@ -10,36 +12,60 @@ std::string AbsolutePath(const std::string& path);
 /// directory is: "Config" beside its "bin", or beside the program itself.
 std::string ProgramConfigFolder();
 
-/// A folder of tables and keys as "./Config" is, and the site's own in its sub-folder "site": the
-/// same layout, read after what ships, so that an update replaces nothing of it. Where both say
-/// something of one model, the site counts.
+/// One folder of tables and keys, laid out as "./Config" is. It need not exist.
+struct ConfigLayer {
+  enum class Owner {
+    kProgram,  ///< what ships
+    kSite,     ///< "site" in that folder: whoever set the program up, for all users
+    kUser,     ///< "Tevron/Config" in the user's configuration, usually below ~/.config
+  };
+
+  bool is_folder() const;
+
+  Owner owner;
+  std::string path;
+};
+
+/// Where a program looks for tables and keys: layers of the same layout, in the order in which they
+/// are read, so that an update of what ships replaces nothing of what others wrote. Where several
+/// say something of one model, the last counts.
 class ConfigFolder {
  public:
-  explicit ConfigFolder(std::string path) : path_(std::move(path)) {}
+  /// The folder, and the site's in it.
+  explicit ConfigFolder(const std::string& path);
+
+  /// The running program's own, and the user's behind it. A home that others keep closed has none.
+  static ConfigFolder OfProgram();
 
   /// The folder that a model's table lies in, as "./Config/varID/Orca.csv" and
-  /// "./Config/site/varID/Orca.csv" lie in "./Config".
+  /// "./Config/site/varID/Orca.csv" lie in "./Config"; when that is the program's own, as
+  /// OfProgram. The folder keeps the words in which the path names it.
   static ConfigFolder Of(const std::string& table_path);
 
-  const std::string& path() const { return path_; }
-  std::string site_path() const { return path_ + "/site"; }
-  bool has_site() const;
+  /// What ships lies here.
+  const std::string& path() const { return layers_.front().path; }
+  /// At least two, whether they exist or not.
+  const std::vector<ConfigLayer>& layers() const { return layers_; }
 
-  /// The models that can be chosen: those with a table in "varID" of either, sorted, each once.
+  /// The models that can be chosen: those with a table in "varID" of any layer, sorted, each once.
   std::vector<std::string> Models() const;
 
-  /// Path of the model's table: the site's where it has one, else the one that ships, whether that
-  /// exists or not.
+  /// Path of the model's table: that of the last layer which has one, else the one that would ship.
   std::string TableOf(const std::string& model) const;
 
-  /// One line for the user: the table that describes the model, and the site's folder where there
-  /// is one, with their whole paths.
+  /// One line for the user: the table that describes the model, and the folders of the site and the
+  /// user that there are, with their whole paths.
   std::string Describe(const std::string& model) const;
 
   /// The files of this name ("auth_config.csv") that exist, in the order in which they are read.
   /// One that cannot be read is among them: what it says would count.
   std::vector<std::string> FilesCalled(const std::string& name) const;
 
+  /// Tells of each layer that is there and cannot be read as a folder, or whose tables cannot.
+  void CheckLayers(TableFaults* faults) const;
+
  private:
-  std::string path_;
+  void AddUser();
+
+  std::vector<ConfigLayer> layers_;
 };

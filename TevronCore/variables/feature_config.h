@@ -29,8 +29,8 @@ struct ModelFeatures {
   kavel::lidar::StaleInput stale_input = kavel::lidar::StaleInput::kAlways;
 };
 
-/// What the feature tables of the folder say of the model. A row of the site's table stands in the
-/// place of the one that ships, all of it; of two rows in one table the first counts. Where a table
+/// What the feature tables of the folder say of the model. A row of a later table stands in the
+/// place of the one before, all of it; of two rows in one table the first counts. Where a table
 /// says nothing of connect type or family, the model's name tells, see TraitsOf.
 /// *faults gets what is wrong with the tables as a whole and with this model's rows. A cell with a
 /// fault counts as an empty one.

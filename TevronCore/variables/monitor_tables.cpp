@@ -7,7 +7,6 @@
 #include <string_view>
 #include <utility>
 
-#include "variables/config_folder.h"
 #include "variables/table_rules.h"
 
 namespace {
@@ -40,14 +39,14 @@ std::map<std::string, std::string> FilesIn(const std::filesystem::path& folder) 
   return files;
 }
 
-/// The files that ship and the site's, which count where both have a version. A site can have
-/// versions of a model that ships, and its own table of a model whose versions ship.
-std::map<std::string, std::string> FilesByVersion(const std::string& model_table) {
-  const ConfigFolder config = ConfigFolder::Of(model_table);
-  const std::filesystem::path table = model_table;
-  const std::filesystem::path below = table.parent_path().filename() / table.stem();
-  std::map<std::string, std::string> files = FilesIn(config.site_path() / below);
-  files.merge(FilesIn(config.path() / below));
+std::map<std::string, std::string> FilesByVersion(const ConfigFolder& config,
+                                                  const std::string& model) {
+  std::map<std::string, std::string> files;
+  for (const ConfigLayer& layer : config.layers()) {
+    for (auto& [version, file] : FilesIn(layer.path + "/varID/" + model)) {
+      files[version] = std::move(file);
+    }
+  }
   return files;
 }
 
@@ -96,17 +95,16 @@ std::string MonitorVersionOf(const std::string& file_name) {
   return std::string(name.substr(kHead.size(), name.size() - kHead.size() - kTail.size()));
 }
 
-std::vector<std::string> ListMonitorVersions(const std::string& model_table) {
+std::vector<std::string> ListMonitorVersions(const ConfigFolder& config, const std::string& model) {
   std::vector<std::string> versions;
-  for (const auto& [version, file] : FilesByVersion(model_table)) {
+  for (const auto& [version, file] : FilesByVersion(config, model)) {
     versions.push_back(version);
   }
   return versions;
 }
 
-std::shared_ptr<ConfigParser> WithMonitorTable(const ConfigParser& base, const std::string& version,
+std::shared_ptr<ConfigParser> WithMonitorTable(const ConfigParser& base, const std::string& path,
                                                TableFaults* faults) {
-  const std::string path = MonitorTablePath(base.path(), version);
   if (path.empty()) {
     return nullptr;
   }
@@ -121,7 +119,8 @@ std::shared_ptr<ConfigParser> WithMonitorTable(const ConfigParser& base, const s
   try {
     LoadedTable table = LoadTable(path, &found);
     ApplyMonitorTableRules(&table, &found);
-    MakeMonitor(base, version, block->function_module, &table, &found);
+    MakeMonitor(base, MonitorVersionOf(std::filesystem::path(path).filename().string()),
+                block->function_module, &table, &found);
     if (!table.variables.empty()) {
       with_monitor = std::make_shared<ConfigParser>(base, std::move(table));
     }
@@ -132,8 +131,9 @@ std::shared_ptr<ConfigParser> WithMonitorTable(const ConfigParser& base, const s
   return with_monitor;
 }
 
-std::string MonitorTablePath(const std::string& model_table, const std::string& version) {
-  const auto files = FilesByVersion(model_table);
+std::string MonitorTablePath(const ConfigFolder& config, const std::string& model,
+                             const std::string& version) {
+  const auto files = FilesByVersion(config, model);
   const auto file = files.find(version);
   return file == files.end() ? std::string() : file->second;
 }

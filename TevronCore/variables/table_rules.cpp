@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <exception>
-#include <filesystem>
 #include <iterator>
 #include <unordered_set>
 #include <vector>
@@ -159,7 +158,7 @@ void CheckFov(LoadedTable* table, FaultList* faults) {
   }
 }
 
-void CheckMonitor(const LoadedTable& table, FaultList* faults) {
+void CheckMonitor(const LoadedTable& table, bool has_monitor_tables, FaultList* faults) {
   const std::vector<const VarInfo*> blocks =
       Variables(table, [](const VarInfo& var) { return var.type == kMonitor; });
   const VarInfo* first = nullptr;
@@ -176,7 +175,7 @@ void CheckMonitor(const LoadedTable& table, FaultList* faults) {
                                      " the monitor page already; leave Options empty here");
     }
   }
-  if (first == nullptr && !ListMonitorVersions(table.path).empty()) {
+  if (first == nullptr && has_monitor_tables) {
     faults->Fault(0,
                   "there are monitor tables for this model, and no row has \"monitor\" for its "
                   "Options; write one on the page that shall show them");
@@ -224,7 +223,8 @@ void CheckDownloads(const LoadedTable& table, FaultList* faults) {
   }
 }
 
-void CheckWholeTable(const std::string& model, LoadedTable* table, FaultList* faults) {
+void CheckWholeTable(const ConfigFolder& config, const std::string& model, LoadedTable* table,
+                     FaultList* faults) {
   CheckDirectives(*table, faults);
   if (table->variables.empty()) {
     if (faults->empty()) {
@@ -237,28 +237,29 @@ void CheckWholeTable(const std::string& model, LoadedTable* table, FaultList* fa
   CheckOrder(*table, kReset, kavel::lidar::kCmdFactoryReset, "0x25", faults);
   CheckDefaults(*table, faults);
   CheckDownloads(*table, faults);
-  CheckMonitor(*table, faults);
+  CheckMonitor(*table, !ListMonitorVersions(config, model).empty(), faults);
   CheckFov(table, faults);
   TableFaults of_the_features;  // told by whoever loads these
-  const ModelFeatures features =
-      LoadFeatures(ConfigFolder::Of(table->path), model, &of_the_features);
+  const ModelFeatures features = LoadFeatures(config, model, &of_the_features);
   TakeReservedCodes(features.family, table, faults);
   CheckFilePages(*table, faults);
 }
 
 }  // namespace
 
-LoadedTable LoadModelTable(const std::string& path) {
+LoadedTable LoadModelTable(const ConfigFolder& config, const std::string& model) {
+  const std::string path = config.TableOf(model);
   LoadedTable table;
   FaultList faults(path);
   try {
     table = LoadTable(path, &faults);
-    CheckWholeTable(std::filesystem::path(path).stem().string(), &table, &faults);
+    CheckWholeTable(config, model, &table, &faults);
   } catch (const std::exception& error) {
     table.path = path;
     faults.Fault(0, error.what());
   }
   table.faults = faults.Take();
+  config.CheckLayers(&table.faults);
   return table;
 }
 

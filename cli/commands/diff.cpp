@@ -12,7 +12,7 @@ namespace {
 std::shared_ptr<const ConfigParser> TableOf(const Context& context, const std::string& model) {
   const std::vector<std::string> models = context.config.Models();
   const bool is_known = std::find(models.begin(), models.end(), model) != models.end();
-  return is_known ? LoadLidarModel(context.config.TableOf(model))->table : nullptr;
+  return is_known ? LoadLidarModel(context.config, model)->table : nullptr;
 }
 
 QJsonObject ObjectOf(const DiffRow& row) {

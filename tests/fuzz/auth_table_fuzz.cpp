@@ -17,7 +17,7 @@ bool HasFault(const TableFaults& faults) {
 }  // namespace
 
 void FuzzAuthTable(FuzzInput input) {
-  static const ConfigParser model(LoadModelTable(TEVRON_SOURCE "/Config/varID/Osprey.csv"));
+  static const ConfigParser model(LoadModelTable(ConfigFolder(TEVRON_SOURCE "/Config"), "Osprey"));
   FuzzFolder().Write("auth/auth_config.csv", input.RestText());
   const ConfigFolder folder(FuzzFolder().path() + "/auth");
   TableFaults of_the_files;

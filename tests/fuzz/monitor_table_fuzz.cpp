@@ -4,14 +4,10 @@
 #include "variables/table_rules.h"
 
 void FuzzMonitorTable(FuzzInput input) {
-  static const std::string model = FuzzFolder().Write("monitor/Orca.csv", [] {
-    std::ifstream shipped(TEVRON_SOURCE "/Config/varID/Orca.csv", std::ios::binary);
-    return std::string(std::istreambuf_iterator<char>(shipped), {});
-  }());
-  static const ConfigParser base(LoadModelTable(model));
-  FuzzFolder().Write("monitor/Orca/Monitor_A1.csv", input.RestText());
+  static const ConfigParser base(LoadModelTable(ConfigFolder(TEVRON_SOURCE "/Config"), "Orca"));
+  const std::string path = FuzzFolder().Write("monitor/Monitor_A1.csv", input.RestText());
   TableFaults faults;
-  const std::shared_ptr<ConfigParser> both = WithMonitorTable(base, "A1", &faults);
+  const std::shared_ptr<ConfigParser> both = WithMonitorTable(base, path, &faults);
   Require(both != nullptr || !faults.empty(), "a table that cannot be used has its reason");
   if (both == nullptr) {
     return;

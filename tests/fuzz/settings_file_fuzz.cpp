@@ -35,7 +35,7 @@ void CheckValue(const VarInfo& var, const SavedValue& value) {
 }  // namespace
 
 void FuzzSettingsFile(FuzzInput input) {
-  static const ConfigParser table(LoadModelTable(TEVRON_SOURCE "/Config/varID/Orca.csv"));
+  static const ConfigParser table(LoadModelTable(ConfigFolder(TEVRON_SOURCE "/Config"), "Orca"));
   const Bytes json = input.Rest();
   std::string error;
   const auto file = ParseSettings(

@@ -3,8 +3,8 @@
 #include "variables/table_rules.h"
 
 void FuzzTable(FuzzInput input) {
-  const std::string path = FuzzFolder().Write("varID/Orca.csv", input.RestText());
-  LoadedTable loaded = LoadModelTable(path);
+  FuzzFolder().Write("varID/Orca.csv", input.RestText());
+  LoadedTable loaded = LoadModelTable(ConfigFolder(FuzzFolder().path()), "Orca");
   Require(loaded.faults.size() <= FaultList::kMost + 2, "what is told of a file is bounded");
   Require(loaded.rows.size() <= kMaxTableRows, "rows are bounded");
   ConfigParser table(std::move(loaded));

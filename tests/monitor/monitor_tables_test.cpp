@@ -39,23 +39,23 @@ TEST(MonitorTables, AreFoundByTheirNames) {
   }
   std::filesystem::create_directory(folder.path() + "/varID/Model/Monitor_D.csv");
   folder.Write("varID/Monitor_E.csv", "");
-  const std::string table = folder.path() + "/varID/Model.csv";
-  EXPECT_EQ(ListMonitorVersions(table),
+  const ConfigFolder config(folder.path());
+  EXPECT_EQ(ListMonitorVersions(config, "Model"),
             (std::vector<std::string>{"A1", "A1_rev 2", "Monitor_.csv"}));
-  EXPECT_TRUE(ListMonitorVersions(folder.path() + "/varID/Nobody.csv").empty());
+  EXPECT_TRUE(ListMonitorVersions(config, "Nobody").empty());
 
   const std::string sites = folder.Write("site/varID/Model/Monitor_A1.csv", "");
   folder.Write("site/varID/Model/Monitor_S.csv", "");
-  EXPECT_EQ(ListMonitorVersions(table),
+  EXPECT_EQ(ListMonitorVersions(config, "Model"),
             (std::vector<std::string>{"A1", "A1_rev 2", "Monitor_.csv", "S"}));
-  EXPECT_EQ(MonitorTablePath(table, "A1"), sites);
+  EXPECT_EQ(MonitorTablePath(config, "Model", "A1"), sites);
 }
 
 TEST(MonitorTables, AddRowsToTheMonitorPageAndLeaveEverythingElseAlone) {
   const TestFolder folder;
-  const std::string path = folder.Write("Model.csv", std::string(kTableHeader) + kOwnRows);
-  folder.Write("Model/Monitor_A.csv", std::string(kTableHeader) + kMonitorRows);
-  const std::shared_ptr<LidarModel> own = LoadLidarModel(path);
+  folder.Write("varID/Model.csv", std::string(kTableHeader) + kOwnRows);
+  folder.Write("varID/Model/Monitor_A.csv", std::string(kTableHeader) + kMonitorRows);
+  const std::shared_ptr<LidarModel> own = LoadLidarModel(ConfigFolder(folder.path()), "Model");
   RecordedReport report;
   EditSession edits(*own->table);
   edits.SetText(EditSession::kTextInput, *own->table->FindByName("Speed"), "77", report);

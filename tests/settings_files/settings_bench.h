@@ -31,7 +31,7 @@ class SettingsBench {
 
  public:
   explicit SettingsBench(const std::string& name)
-      : model(LoadLidarModel("./Config/varID/" + name + ".csv")), device(name) {
+      : model(LoadLidarModel(ConfigFolder("./Config"), name)), device(name) {
     state.connected = true;
   }
 

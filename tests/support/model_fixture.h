@@ -7,7 +7,9 @@
 class ModelFixture {
  public:
   explicit ModelFixture(const std::string& rows)
-      : file_(kTableHeader + rows), model(LoadLidarModel(file_.path())), table(*model->table) {}
+      : file_(kTableHeader + rows),
+        model(LoadLidarModel(file_.config(), "Model")),
+        table(*model->table) {}
 
   const VarInfo& operator[](const std::string& name) const { return FindVar(table, name); }
   std::string Text(const std::string& name) const { return table.ValueOf((*this)[name]).text; }

@@ -5,6 +5,7 @@
 #include <stdexcept>
 
 #include "support/test_folder.h"
+#include "variables/config_folder.h"
 #include "variables/config_parser.h"
 
 /// Header row of a variable table; rows of tests name their cells in this order and leave out what
@@ -14,14 +15,14 @@ inline constexpr char kTableHeader[] =
     "Coefficient,OptionDescription,FunctionModule,VarLen,TimerUpdate,SetCoefficient,"
     "GetCmdPayload,SetCmdPayload\n";
 
-/// A file in a folder of its own.
+/// The table of a model, alone in a folder of tables.
 class TableFile {
  public:
-  explicit TableFile(const std::string& content, const std::string& name = "Model.csv")
-      : path_(folder_.Write(name, content)) {}
+  explicit TableFile(const std::string& content, const std::string& model = "Model")
+      : path_(folder_.Write("varID/" + model + ".csv", content)) {}
 
   const std::string& path() const { return path_; }
-  const std::string& folder() const { return folder_.path(); }
+  ConfigFolder config() const { return ConfigFolder(folder_.path()); }
 
  private:
   const TestFolder folder_;

@@ -43,7 +43,7 @@ class UpgradeBench {
                    report_.LogLine(session.state().upgrading ? "begins" : "ends", LogType::kCmx);
                  },
                  waits}) {
-    session.SetModel(LoadLidarModel("./Config/varID/" + model.toStdString() + ".csv"));
+    session.SetModel(LoadLidarModel(ConfigFolder("./Config"), model.toStdString()));
     ConnectionSettings settings;
     settings.lidar_ip = "127.0.0.1";
     settings.command_port = std::to_string(lidar.port());

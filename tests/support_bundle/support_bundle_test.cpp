@@ -85,6 +85,15 @@ TEST_F(SupportBundleTest, HoldsWhatWasListed) {
       "# auth_keys.ini: not told\n# site/notes.txt: not told\n" +
           QCryptographicHash::hash("a table\n", QCryptographicHash::Sha256).toHex().toStdString() +
           "  varID/Orca.csv\n");
+
+  // The user's own, behind a program folder that is none.
+  const QString own = qEnvironmentVariable("XDG_CONFIG_HOME") + "/Tevron/Config";
+  ASSERT_TRUE(QDir().mkpath(own) && QFile::copy(At("Config/auth_keys.ini"), own + "/my keys"));
+  sources_.config = ConfigFolder::OfProgram();
+  sources_.names = PersonalNames::OfThisComputer();
+  ASSERT_EQ(WriteBundle(At("own.zip"), ListBundle(sources_)), "");
+  EXPECT_EQ(Unzip(folder_.path() + "/own.zip").at("tables.sha256"),
+            "# ~/.config/Tevron/Config/my keys: not told\n");
 }
 
 TEST_F(SupportBundleTest, TellsNoKeyAndNobodysName) {

@@ -111,13 +111,13 @@ TEST(FeatureConfig, LetsTheSitesRowStandInThePlaceOfTheOneThatShips) {
 }
 
 TEST(ModelList, ListsTheTablesAndNothingElse) {
-  const TableFile file("", "Zeta.csv");
-  for (const char* name : {"/Alpha-CMX.csv", "/notes.txt", "/old.csv.bak"}) {
-    std::ofstream created(file.folder() + name);
+  const TestFolder folder;
+  for (const char* name : {"Zeta.csv", "Alpha-CMX.csv", "notes.txt", "old.csv.bak"}) {
+    folder.Write(name, "");
   }
-  std::filesystem::create_directory(file.folder() + "/Folder.csv");
-  EXPECT_EQ(ListModels(file.folder()), (std::vector<std::string>{"Alpha-CMX", "Zeta"}));
-  EXPECT_TRUE(ListModels(file.folder() + "/none").empty());
+  std::filesystem::create_directory(folder.path() + "/Folder.csv");
+  EXPECT_EQ(ListModels(folder.path()), (std::vector<std::string>{"Alpha-CMX", "Zeta"}));
+  EXPECT_TRUE(ListModels(folder.path() + "/none").empty());
 }
 
 }  // namespace

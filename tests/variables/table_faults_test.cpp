@@ -278,7 +278,7 @@ TEST_F(TableFaults, WhatTheReaderRefusesIsNamedWithItsPlace) {
   EXPECT_EQ(output_, error + file_->path() + ":1\n");
   EXPECT_EQ(Told(1).rfind("a quotation mark ", 0), 0U);
 
-  const std::string missing = file_->folder() + "/none.csv";
+  const std::string missing = file_->config().path() + "/none.csv";
   testing::internal::CaptureStdout();
   parser_.ExtractConfigInfo(missing);
   EXPECT_EQ(testing::internal::GetCapturedStdout(), error + missing + "\n");

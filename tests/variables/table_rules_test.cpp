@@ -23,8 +23,8 @@ std::string Listed(const TableFaults& faults) {
   return text;
 }
 
-std::string FaultsOf(const std::string& rows, const std::string& name = "Heron.csv") {
-  return Listed(LoadModelTable(TableFile(kTableHeader + rows, name).path()).faults);
+std::string FaultsOf(const std::string& rows, const std::string& model = "Heron") {
+  return Listed(LoadModelTable(TableFile(kTableHeader + rows, model).config(), model).faults);
 }
 
 TEST(TableRules, NameTheRowAndWhatToWrite) {
@@ -69,7 +69,7 @@ TEST(TableRules, SayHowToSaveWhatASpreadsheetWroteOtherwise) {
       {"GroupID\tIndex\n1\t1\n", ", line 1: the cells are separated by semicolons or tabs"},
       {std::string("\xFF\xFEG\0r\0", 6), ": is saved as UTF-16; save it as UTF-8"}};
   for (const auto& [text, fault] : files) {
-    const LoadedTable table = LoadModelTable(TableFile(text, "Heron.csv").path());
+    const LoadedTable table = LoadModelTable(TableFile(text, "Heron").config(), "Heron");
     EXPECT_TRUE(table.rows.empty());
     EXPECT_NE(Listed(table.faults).find(fault), std::string::npos) << Listed(table.faults);
   }
@@ -83,14 +83,13 @@ TEST(TableRules, AskForWhatEveryModelHas) {
         ": there is no variable \"Reset\"; write the row 4,1,,0x25,1,Reset,0,raw,,,,,,,0,0,,"}) {
     EXPECT_NE(faults.find(fault), std::string::npos) << faults << " without " << fault;
   }
-  EXPECT_EQ(FaultsOf(kSoundRows, "Hen.csv"), "");
-  EXPECT_EQ(FaultsOf(kSoundRows, "Orca.csv").rfind("(, line 2: a lidar with the DefaultValues", 0),
-            0U);
+  EXPECT_EQ(FaultsOf(kSoundRows, "Hen"), "");
+  EXPECT_EQ(FaultsOf(kSoundRows, "Orca").rfind("(, line 2: a lidar with the DefaultValues", 0), 0U);
   // A maintenance command is one of serial models; asking with it is what their tables do.
   const std::string serial = FaultsOf(std::string(kSoundRows) +
                                           "3,1,0x4F,,,A,0,uint8,,,,,,Device\n"
                                           "4,1,0x40,0x41,1,B,1,uint8,,,,,,Device\n",
-                                      "Lumo-He.csv");
+                                      "Lumo-He");
   EXPECT_EQ(serial.find("\"A\""), std::string::npos);
   EXPECT_NE(serial.find("\"B\" cannot be written with 0x41"), std::string::npos) << serial;
 }
@@ -99,7 +98,8 @@ TEST(TableRules, WhatMustNotBeSentCannotBe) {
   const std::string rows = std::string(kSoundRows) +
                            "3,1,0x11,0x66,1,A,1,uint8,,,,,,Scan\n"
                            "4,1,0xE0,0x12,1,B,0,uint8,,,,,,Scan\n";
-  const ConfigParser table(LoadModelTable(TableFile(kTableHeader + rows, "Heron.csv").path()));
+  const ConfigParser table(
+      LoadModelTable(TableFile(kTableHeader + rows, "Heron").config(), "Heron"));
   EXPECT_TRUE(FindVar(table, "A").set_cmd.empty());
   EXPECT_FALSE(CanBeChanged(FindVar(table, "A")));
   EXPECT_TRUE(table.WrittenBy("0x66").empty());
@@ -112,10 +112,11 @@ TEST(TableRules, WhatMustNotBeSentCannotBe) {
 TEST(TableRules, HoldForEveryTableThatShips) {
   const ConfigFolder folder(TEVRON_SHIPPED_CONFIG);
   for (const std::string& model : folder.Models()) {
-    const ConfigParser table(LoadModelTable(folder.TableOf(model)));
+    const ConfigParser table(LoadModelTable(folder, model));
     TableFaults faults = table.Faults();
-    for (const std::string& version : ListMonitorVersions(table.path())) {
-      EXPECT_NE(WithMonitorTable(table, version, &faults), nullptr) << model << ' ' << version;
+    for (const std::string& version : ListMonitorVersions(folder, model)) {
+      const std::string path = MonitorTablePath(folder, model, version);
+      EXPECT_NE(WithMonitorTable(table, path, &faults), nullptr) << path;
     }
     EXPECT_EQ(Listed(faults), "") << model;
   }

@@ -185,6 +185,70 @@ TEST(Process, ChecksTheTables) {
   }
 }
 
+// The home is the test's own.
+TEST(Process, ReadsTheUsersTablesBehindThoseThatShip) {
+  const std::filesystem::path folder =
+      std::filesystem::path(qgetenv("XDG_CONFIG_HOME").toStdString()) / "Tevron/Config";
+  const auto write = [&folder](const char* name, const std::string& content) {
+    std::filesystem::create_directories((folder / name).parent_path());
+    std::ofstream(folder / name) << content;
+    return QString::fromStdString((folder / name).string());
+  };
+  const QString table =
+      write("varID/Heron.csv", std::string(kTableHeader) +
+                                   "1,1,0x01,,,PN,0,string,Heron-16,,,,,Device,16\n"
+                                   "2,1,0x02,,,Block,0,uint8,7,monitor,,,,Watch\n");
+  write("feature_config.csv",
+        "Model,EnableCmxClientHostPortUi,ConnectType,SerialKind\n"
+        "Heron,0,2,2\nOrca,0,2,1\n");
+  const QString monitor =
+      write("varID/Heron/Monitor_R1.csv",
+            std::string(kTableHeader) + "1,1,0x39,,,Current,0,uint16,1,,A,,,Watch\n");
+  const QString keys = write("auth_keys.ini", "[keys]\nmaskword_1=1\n");
+  QFile::setPermissions(keys, QFile::ReadOther | QFile::ReadUser);
+  Program list({"--list-models"});
+  EXPECT_EQ(list.ExitCode(), 0);
+  for (const QString& line : {"Heron\tserial line\tKiva\t" + table, QString("Orca\tserial line")}) {
+    EXPECT_TRUE(list.Output().contains(line)) << list.Output().toStdString();
+  }
+  Program heron({"--model", "Heron"});
+  ASSERT_TRUE(heron.Prints("serial port /dev/")) << heron.Output().toStdString();
+  EXPECT_TRUE(heron.Output().contains("Heron is described by " + table));
+  EXPECT_TRUE(heron.Output().contains("; tables of your own are read from " +
+                                      QString::fromStdString(folder.string()) + '\n'));
+  Program check({"--check-tables"});
+  EXPECT_EQ(check.ExitCode(), 1);
+  for (const QString& text : {"Tables in " + QString::fromStdString(folder.string()),
+                              monitor + ": 1 variable", keys + " can be read by every user"}) {
+    EXPECT_TRUE(check.Output().contains(text)) << text.toStdString() << " in\n"
+                                               << check.Output().toStdString();
+  }
+  const QString shipped = check.Output().section("Tables in ", 1, 1).section('\n', 0, 0);
+  Program named({"--list-models", "--config", shipped});
+  EXPECT_EQ(named.ExitCode(), 0);
+  EXPECT_TRUE(named.Output().contains("Orca\tnetwork")) << "where a folder is named, it is all";
+  EXPECT_FALSE(named.Output().contains("Heron"));
+
+  std::filesystem::remove_all(folder);
+  const auto expect_told = [](const char* reason) {
+    Program told({"--check-tables", "Orca"});
+    EXPECT_EQ(told.ExitCode(), 1);
+    EXPECT_TRUE(told.Output().contains(reason)) << told.Output().toStdString();
+    Program lidar({"--port", "0"});
+    EXPECT_TRUE(lidar.Prints("listening on ")) << "the rest goes on";
+    EXPECT_TRUE(lidar.Output().contains(reason)) << lidar.Output().toStdString();
+  };
+  std::ofstream(folder) << "no folder";
+  expect_told("Tevron/Config: no table is read from here: Not a directory; make it a folder");
+  std::filesystem::remove(folder);
+  std::filesystem::create_symlink("/nowhere", folder);
+  expect_told("Tevron/Config: no table is read from here: No such file or directory; ");
+  std::filesystem::remove(folder);
+  write("varID", "no folder");
+  expect_told("Tevron/Config/varID: no table is read from here: Not a directory; ");
+  std::filesystem::remove_all(folder);
+}
+
 // A model that no program knows the name of is what its tables say it is.
 TEST(Process, ServesASerialModelThatOnlyTheTablesOfTheSiteKnow) {
   const TestFolder folder;
