@@ -4,6 +4,7 @@
 
 #include <QDir>
 #include <QFile>
+#include <algorithm>
 #include <chrono>
 
 namespace {
@@ -20,76 +21,97 @@ void Compare(const QString& name, const QString& shown, const QString& now, cons
 
 }  // namespace
 
-Bench::Bench(const Cell& cell) : cell_(cell) {
-  MakeFirmware();
-  MakeTls();
-  lidar_ = std::make_unique<VirtualLidarProcess>(Arguments());
-  held_before_ = lidar_->State();
-  manager_->InitConfigFileParser(cell.link->model);
-}
-
 Bench::~Bench() {
   if (killer_.joinable()) {
     killer_.join();
   }
 }
 
+void Bench::Begin(const Cell& cell) {
+  cell_.emplace(cell);
+  is_ended_ = false;
+  const QString model = cell.link->model;
+  if (QString(cell.operation->name) == "upgrade") {
+    firmware_ = folders_.filePath("image.patch");
+    VirtualLidarProcess::MakeFirmware(model, "2.8.0", firmware_, 8);
+  }
+  QDir("Config/site").removeRecursively();
+  if (cell.link->is_tls) {
+    MakeTls();
+  }
+  if (lidars_.count(cell.link) == 0) {
+    lidars_[cell.link] = std::make_unique<VirtualLidarProcess>(Arguments());
+  }
+  held_before_ = lidar().State();
+  manager_->InitConfigFileParser(model);
+  heart_.Enter("");
+  heart_.Forget();
+}
+
 QStringList Bench::Arguments() const {
-  QStringList arguments = {"--model", cell_.link->model, "--seed", "0", "--log-size", "4000"};
-  if (!tls_.isEmpty()) {
-    arguments << "--tls" << tls_;
+  QStringList arguments = {"--model", cell_->link->model, "--seed", "0", "--log-size", "4000"};
+  if (cell_->link->is_tls) {
+    const QString folder = folders_.filePath("tls");
+    arguments << "--tls" << folder + "/lidar.pem" << folder + "/lidar-key.pem";
   }
   return arguments;
 }
 
-void Bench::MakeFirmware() {
-  if (cell_.operation->operation == Operation::kUpgrade) {
-    firmware_ = folders_.filePath("image.patch");
-    VirtualLidarProcess::MakeFirmware(cell_.link->model, "2.8.0", firmware_, 8);
-  }
-}
-
 // The CA is known here, so that nobody is asked whose certificate it is.
 void Bench::MakeTls() {
-  if (cell_.link->link != Link::kTls) {
-    return;
-  }
   const QString folder = folders_.filePath("tls");
-  VirtualLidarProcess::MakeTlsFiles(folder);
-  tls_ = QStringList{folder + "/lidar.pem", folder + "/lidar-key.pem"};
-  const QString model = cell_.link->model;
+  if (!QFile::exists(folder)) {
+    VirtualLidarProcess::MakeTlsFiles(folder);
+  }
+  const QString model = cell_->link->model;
   QDir().mkpath("Config/site/tls/" + model);
   QFile::copy(folder + "/ca.pem", "Config/site/tls/" + model + "/ca.pem");
-  QFile table("Config/site/feature_config.csv");
-  table.open(QIODevice::WriteOnly);
-  table.write("Model,EnableCmxClientHostPortUi,StaleInputWait,Link\n");
-  table.write(model.toUtf8() + ",0,trouble,tls\n");
+  install_.Write("Config/site/feature_config.csv",
+                 "Model,EnableCmxClientHostPortUi,StaleInputWait,Link\n" + model.toStdString() +
+                     ",0,trouble,tls\n");
 }
 
 bool Bench::ConnectNow() {
-  PointAt(lidar_->port());
-  manager_->setSerialPort485(lidar_->SerialPort("485"));
-  manager_->setSerialPort232(lidar_->SerialPort("232"));
+  PointAt(lidar().port());
+  manager_->setSerialPort485(lidar().SerialPort("485"));
+  manager_->setSerialPort232(lidar().SerialPort("232"));
   return Connect() && WaitFor([this] { return !manager_->isGetPBLVersion(); });
 }
 
+void Bench::Forget() {
+  for (QStringList* told : {&log_, &errors_, &remedies_, &successes_}) {
+    told->clear();
+  }
+}
+
+void Bench::Rest() {
+  manager_->Stop();
+  manager_->InitConfigFileParser("Osprey");
+  manager_->InitConfigFileParser("Orca");
+  lidar().Forget();
+  Forget();
+}
+
+QString Bench::Scene() const {
+  const QStringList printed = lidar().Output().split('\n');
+  return "\nthe log:\n" + log_.join('\n') + "\nthe virtual lidar:\n" +
+         printed.mid(std::max(0, printed.size() - 40)).join('\n');
+}
+
 void Bench::Arm() {
-  log_.clear();
-  errors_.clear();
-  remedies_.clear();
-  successes_.clear();
-  held_before_ = lidar_->State();
-  output_before_ = lidar_->Output().size();
+  Forget();
+  held_before_ = lidar().State();
+  output_before_ = lidar().Output().size();
   heart_.Enter("");
   quiet_ms_ = heart_.longest_ms();
   heart_.Forget();
   memory_.Begin();
-  lidar_->SetFaults({cell_.Order()});
-  if (cell_.fault->act == Act::kGone) {
-    lidar_->Kill();
+  lidar().SetFaults({cell_->Order()});
+  if (cell_->fault->act == Act::kGone) {
+    lidar().Kill();
     is_ended_ = true;
-  } else if (cell_.fault->act == Act::kDies) {
-    killer_ = std::thread([this, id = static_cast<pid_t>(lidar_->id())] {
+  } else if (cell_->fault->act == Act::kDies) {
+    killer_ = std::thread([this, id = static_cast<pid_t>(lidar().id())] {
       std::this_thread::sleep_for(kDiesAfter);
       is_ended_ = ::kill(id, SIGKILL) == 0;
     });
@@ -101,16 +123,16 @@ void Bench::Disarm() {
     killer_.join();
   }
   if (is_ended_) {
-    lidar_->Kill();
-    lidar_ = std::make_unique<VirtualLidarProcess>(Arguments(), lidar_->port());
+    lidar().Kill();
+    lidars_[cell_->link] = std::make_unique<VirtualLidarProcess>(Arguments(), lidar().port());
   } else {
-    lidar_->SetFaults({});
+    lidar().SetFaults({});
   }
 }
 
 bool Bench::Struck() const {
-  const QString mark = "[fault: " + QString(cell_.fault->order).section('=', 0, 0);
-  return is_ended_ || cell_.is_quiet() || lidar_->Output().mid(output_before_).contains(mark);
+  const QString mark = "[fault: " + QString(cell_->fault->order).section('=', 0, 0);
+  return is_ended_ || cell_->is_quiet() || Printed().contains(mark);
 }
 
 QStringList Bench::Told() const {
@@ -155,9 +177,9 @@ bool Bench::IsRead(const QString& page) const {
 }
 
 QStringList Bench::WrongValues(bool strictly) const {
-  const QJsonObject now = lidar_->State();
+  const QJsonObject now = lidar().State();
   const QJsonObject& before = strictly ? now : held_before_;
-  return cell_.is_network() ? WrongVariables(now, before) : WrongFacts(now, before);
+  return cell_->is_network() ? WrongVariables(now, before) : WrongFacts(now, before);
 }
 
 QStringList Bench::WrongVariables(const QJsonObject& now, const QJsonObject& before) const {
@@ -206,6 +228,7 @@ QStringList Bench::WrongFacts(const QJsonObject& now, const QJsonObject& before)
 }
 
 QString Bench::Folder(const QString& name) const {
+  QDir(folders_.filePath(name)).removeRecursively();
   QDir(folders_.path()).mkpath(name);
   return folders_.filePath(name);
 }

@@ -5,7 +5,9 @@
 #include <QStringList>
 #include <QTemporaryDir>
 #include <atomic>
+#include <map>
 #include <memory>
+#include <optional>
 #include <thread>
 
 #include "faults/matrix.h"
@@ -13,17 +15,23 @@
 #include "support/heart.h"
 #include "support/manager_bench.h"
 
-/// One virtual lidar and the manager that uses it, with what the user was told and how the window
-/// fared meanwhile. One a process.
+/// A manager and the virtual lidars that it uses, one for each link, with what the user was told
+/// and how the window fared meanwhile. One a process.
 class Bench : public ManagerBench {
  public:
-  /// Starts both, the lidar without its fault.
-  explicit Bench(const Cell& cell);
   ~Bench();
 
-  const Cell& cell() const { return cell_; }
+  /// Takes up a cell, with nothing connected: its model is chosen, and the lidar of its link is
+  /// there without a fault.
+  void Begin(const Cell& cell);
+
+  const Cell& cell() const { return *cell_; }
   TevronManager& manager() { return *manager_; }
-  VirtualLidarProcess& lidar() { return *lidar_; }
+  VirtualLidarProcess& lidar() const { return *lidars_.at(cell_->link); }
+  /// All that were started, by their links.
+  const std::map<const LinkRow*, std::unique_ptr<VirtualLidarProcess>>& lidars() const {
+    return lidars_;
+  }
   Heart& heart() { return heart_; }
   const Heart& heart() const { return heart_; }
   /// The longest gap until Arm.
@@ -53,7 +61,13 @@ class Bench : public ManagerBench {
   /// held when it was armed; "name: shown, held".
   QStringList WrongValues(bool strictly) const;
 
-  /// A folder that is empty at first.
+  /// Ends the connection, chooses always the same model, and forgets what was told.
+  void Rest();
+  /// The log, and the end of what the lidar printed.
+  QString Scene() const;
+  /// What the lidar has printed since Arm.
+  QString Printed() const { return lidar().Output().mid(output_before_); }
+  /// An empty folder.
   QString Folder(const QString& name) const;
   const QString& firmware() const { return firmware_; }
 
@@ -61,14 +75,13 @@ class Bench : public ManagerBench {
   QStringList WrongVariables(const QJsonObject& now, const QJsonObject& before) const;
   QStringList WrongFacts(const QJsonObject& now, const QJsonObject& before) const;
   QStringList Arguments() const;
-  void MakeFirmware();
   void MakeTls();
+  void Forget();
 
-  const Cell cell_;
+  std::optional<Cell> cell_;
   QTemporaryDir folders_;
   QString firmware_;
-  QStringList tls_;  ///< the lidar's certificate and key, where it speaks TLS
-  std::unique_ptr<VirtualLidarProcess> lidar_;
+  std::map<const LinkRow*, std::unique_ptr<VirtualLidarProcess>> lidars_;
   QJsonObject held_before_;
   int output_before_ = 0;  ///< characters
   std::atomic<bool> is_ended_{false};

@@ -5,13 +5,13 @@
 #include <QFile>
 #include <QJsonDocument>
 #include <QRegularExpression>
-#include <QTemporaryDir>
 #include <clocale>
 #include <cstdio>
 #include <string>
 #include <vector>
 
 #include "faults/matrix_run.h"
+#include "support/throwaway_home.h"
 
 namespace {
 
@@ -36,14 +36,11 @@ std::vector<Cell> Chosen(const Options& options) {
 }
 
 int TryOne(const Options& options) {
-  // The settings of whoever runs this are out of reach.
-  const QTemporaryDir home;
-  qputenv("HOME", home.path().toLocal8Bit());
-  qputenv("XDG_CONFIG_HOME", (home.path() + "/.config").toLocal8Bit());
-  qputenv("XDG_DATA_HOME", (home.path() + "/.local/share").toLocal8Bit());
+  const ThrowawayHome home;
   for (const Cell& cell : AllCells()) {
     if (cell.Name() == QString::fromStdString(options.cell)) {
-      const QJsonDocument json(TryCell(cell).ToJson());
+      Bench bench;
+      const QJsonDocument json(TryCell(cell, bench).ToJson());
       std::printf("\nresult %s\n", json.toJson(QJsonDocument::Compact).constData());
       return 0;
     }
@@ -86,7 +83,8 @@ int main(int argc, char** argv) {
                  "Only the cells LINK/OPERATION/FAULT that this regular expression is found in");
   app.add_option("--table", options.table, "Write the outcome to this file, as Markdown");
   app.add_option("--jobs", options.jobs, "So many at a time")->check(CLI::Range(1, 64));
-  app.add_flag("--short", options.is_short, "Each fault once");
+  app.add_flag("--short", options.is_short,
+               "Each fault over a network and a serial line, and a few cells more");
   app.add_flag("--list", options.only_lists, "Only name the cells");
   app.add_option("--cell", options.cell, "Try this one in this process")->group("");
   CLI11_PARSE(app, argc, argv);

@@ -6,27 +6,30 @@
 #include <map>
 #include <string>
 
+#include "faults/operations.h"
+
 namespace {
 
 constexpr LinkRow kLinks[] = {
-    {Link::kTcp, "tcp", "Orca"},
-    {Link::kTls, "tls", "Orca"},
-    {Link::kSerialCmx, "serial", "Lumo-CMX"},
-    {Link::kSerialPair, "pair", "Lumo"},
+    {"tcp", "Orca", true, false},
+    {"tls", "Orca", true, true},
+    {"serial", "Lumo-CMX", false, false},
+    {"pair", "Lumo", false, false},
 };
 
 constexpr OperationRow kOperations[] = {
-    {Operation::kConnect, "connect", "", "", false, false},
-    {Operation::kRead, "read", "", "", true, false},
-    {Operation::kSave, "save", "@0x12", nullptr, false, true},
-    {Operation::kConsole, "console", "@0x11", "@0x4E", true, false},
-    {Operation::kMaintenance, "maintenance", nullptr, "@0x47", false, true},
-    {Operation::kRestart, "restart", "@0x10", "@0x10", false, true},
-    {Operation::kUpgrade, "upgrade", "@0x83", "@0x51", false, true},
-    {Operation::kDownload, "download", "@0xFF", "@0x54", true, false},
-    {Operation::kOperationLog, "operation log", "@0xFF", nullptr, true, false},
-    {Operation::kRecording, "recording", "", nullptr, true, false},
-    {Operation::kIdle, "idle", "", "", true, false},
+    {"connect", ConnectToIt, "", "", false, false},
+    {"read", Read, "", "", true, false},
+    {"save", Save, "@0x12", nullptr, false, true},
+    {"settings file", SaveSettingsFile, "", nullptr, true, false},
+    {"console", SendByConsole, "@0x11", "@0x4E", true, false},
+    {"maintenance", SetSpinRate, nullptr, "@0x47", false, true},
+    {"restart", RestartIt, "@0x10", "@0x10", false, true},
+    {"upgrade", Upgrade, "@0x83", "@0x51", false, true},
+    {"download", Download, "@0xFF", "@0x54", true, false},
+    {"operation log", DownloadOperationLog, "@0xFF", nullptr, true, false},
+    {"recording", Record, "", nullptr, true, false},
+    {"idle", WatchLink, "", "", true, false},
 };
 
 constexpr Expected kWorks = Expected::kWorks;
@@ -72,45 +75,46 @@ constexpr struct {
     {"/upgrade/late$", kWorks},
     {"^(serial|pair)/upgrade/drip-header$", Expected::kEither},
     // What asks more than once meets the flood again.
-    {"^(tcp|tls)/(read|operation log|recording|upgrade|idle)/flood$", kFails},
+    {"^(tcp|tls)/(read|settings file|operation log|recording|upgrade|idle)/flood$", kFails},
     {"^(serial|pair)/(connect|upgrade)/flood$", kFails},
-    {"^(tcp|tls)/read/foreign$", kFails},
+    {"^(tcp|tls)/(read|settings file)/foreign$", kFails},
+    // The copy comes behind the request that follows.
+    {"^(tcp|tls)/settings file/twice$", Expected::kEither},
     // Variables are missing from a short answer; a log and what the console shows have any length.
-    {"^(tcp|tls)/(read|recording)/short$", kFails},
+    {"^(tcp|tls)/(read|settings file|recording)/short$", kFails},
     {"^(serial|pair)/console/short$", kWorks},
     {"^(serial|pair)/(console|restart)/long$", kWorks},
 };
 
 bool MakesSense(const Cell& cell) {
-  const OperationRow& operation = *cell.operation;
+  const std::string operation = cell.operation->name;
   const std::string fault = cell.fault->name;
-  if ((cell.is_network() ? operation.over_network : operation.over_serial) == nullptr) {
+  if ((cell.is_network() ? cell.operation->over_network : cell.operation->over_serial) == nullptr) {
     return false;
   }
   if (fault == "none") {
     return true;
   }
   if (fault == "refused") {
-    return operation.operation == Operation::kConnect;
+    return operation == "connect";
   }
   // Who sends without end does not restart.
-  if (operation.operation == Operation::kRestart && (fault == "babble" || fault == "flood")) {
+  if (operation == "restart" && (fault == "babble" || fault == "flood")) {
     return false;
   }
   // Nothing is asked over a serial line while nobody does anything.
-  if (operation.operation == Operation::kIdle && !cell.is_network()) {
+  if (operation == "idle" && !cell.is_network()) {
     return fault == "dies";
   }
   // A piece of firmware has a minute.
-  if (operation.operation == Operation::kUpgrade && cell.is_network() &&
-      cell.fault->pace == Pace::kSilent) {
+  if (operation == "upgrade" && cell.is_network() && cell.fault->pace == Pace::kSilent) {
     return false;
   }
   if (fault == "short" || fault == "drip") {
-    return operation.has_payload;
+    return cell.operation->has_payload;
   }
   if (fault == "lies") {  // elsewhere nobody could tell
-    return operation.operation == Operation::kSave;
+    return operation == "save";
   }
   // Over the network a request and its answer look alike, and no network echoes.
   return fault != "echo" || !cell.is_network();
@@ -158,29 +162,37 @@ const std::vector<Cell>& AllCells() {
 }
 
 std::vector<Cell> ShortForm() {
+  // The first is answered by nothing, so that its values are read again in the background.
+  const QStringList always = {"tcp/save/drop", "serial/idle/dies"};
   // The slow ones add nothing to a short form.
   const auto is_quick = [](const Cell& cell) {
-    const Operation operation = cell.operation->operation;
-    return operation != Operation::kUpgrade && operation != Operation::kIdle &&
-           operation != Operation::kRecording;
+    const std::string operation = cell.operation->name;
+    return operation != "upgrade" && operation != "idle" && operation != "recording";
   };
   std::map<QString, int> used;  // links and operations, so that each gets its turn
+  const auto times = [&](const Cell& cell) {
+    return used[cell.link->name] + 2 * used[cell.operation->name];
+  };
   std::vector<Cell> chosen;
   for (const FaultRow& fault : kFaults) {
-    const Cell* least = nullptr;
-    int least_used = 0;
-    for (const Cell& cell : AllCells()) {
-      const int times = used[cell.link->name] + 2 * used[cell.operation->name];
-      if (cell.fault == &fault && is_quick(cell) && (least == nullptr || times < least_used)) {
-        least = &cell;
-        least_used = times;
+    for (const bool network : {true, false}) {
+      std::vector<Cell> fitting;
+      std::copy_if(AllCells().begin(), AllCells().end(), std::back_inserter(fitting),
+                   [&](const Cell& cell) {
+                     return cell.fault == &fault && cell.is_network() == network &&
+                            !cell.is_quiet() && is_quick(cell);
+                   });
+      const auto least = std::min_element(
+          fitting.begin(), fitting.end(),
+          [&](const Cell& one, const Cell& other) { return times(one) < times(other); });
+      if (least != fitting.end()) {
+        chosen.push_back(*least);
+        ++used[least->link->name];
+        ++used[least->operation->name];
       }
     }
-    if (least != nullptr && !least->is_quiet()) {
-      chosen.push_back(*least);
-      ++used[least->link->name];
-      ++used[least->operation->name];
-    }
   }
+  std::copy_if(AllCells().begin(), AllCells().end(), std::back_inserter(chosen),
+               [&](const Cell& cell) { return always.contains(cell.Name()); });
   return chosen;
 }

@@ -6,31 +6,19 @@
 /// The table of the fault matrix: which operation is tried over which link with which fault, and
 /// what has to come of it. Everything here is data; what an operation is, is in operations.h.
 
-enum class Link { kTcp, kTls, kSerialCmx, kSerialPair };
+class Bench;
+struct Outcome;
 
 struct LinkRow {
-  Link link;
   const char* name;
   const char* model;
-};
-
-enum class Operation {
-  kConnect,
-  kRead,
-  kSave,
-  kConsole,
-  kMaintenance,
-  kRestart,
-  kUpgrade,
-  kDownload,
-  kOperationLog,
-  kRecording,
-  kIdle,
+  bool is_network;
+  bool is_tls;
 };
 
 struct OperationRow {
-  Operation operation;
   const char* name;
+  Outcome (*perform)(Bench&);  ///< as in operations.h
   /// Which requests the fault strikes, as behind a fault's name, over the network and over a serial
   /// line; "" for all, null where there is no such operation.
   const char* over_network;
@@ -80,11 +68,11 @@ struct Cell {
   /// As for --fault; "" for none.
   QString Order() const;
   Expected ExpectedOutcome() const;
-  bool is_network() const { return link->link == Link::kTcp || link->link == Link::kTls; }
+  bool is_network() const { return link->is_network; }
   bool is_quiet() const { return *fault->order == '\0' && fault->act == Act::kNone; }
 };
 
 /// Every combination that makes sense, in the order of the table.
 const std::vector<Cell>& AllCells();
-/// Each fault once, over links and operations in turn.
+/// Each fault over a network and a serial line, with links and operations in turn, and a few more.
 std::vector<Cell> ShortForm();

@@ -9,6 +9,8 @@
 #include <cmath>
 #include <functional>
 
+#include "CmxClient/hex_text.h"
+#include "lidar_settings.h"
 #include "monitor/monitor_feed.h"
 #include "monitor/monitor_file.h"
 
@@ -34,22 +36,6 @@ void Prepare(Bench& bench) {
   }
 }
 
-Outcome ConnectToIt(Bench& bench) {
-  Prepare(bench);
-  bench.manager().Stop();
-  bench.Arm();
-  bench.heart().Enter("connecting");
-  const bool is_connected = bench.ConnectNow();
-  if (bench.cell().is_network()) {
-    return {is_connected, is_connected};
-  }
-  bool is_told = is_connected;
-  for (const QVariant& fact : bench.manager().lumoLidarInfo()) {
-    is_told = is_told && fact.toMap()["state"] == "read";
-  }
-  return {is_told, is_told};
-}
-
 Outcome ReadPage(Bench& bench) {
   Prepare(bench);
   bench.Arm();
@@ -67,82 +53,6 @@ Outcome ReadSafety(Bench& bench) {
   bench.heart().Enter("reading the safety states");
   const QVariantList now = bench.manager().LumoGetLidarFunctionSafety();
   return {!now.isEmpty(), now == before};
-}
-
-Outcome Read(Bench& bench) {
-  return bench.cell().is_network() ? ReadPage(bench) : ReadSafety(bench);
-}
-
-Outcome Save(Bench& bench) {
-  Prepare(bench);
-  bench.Edit(kSetting, "45");
-  bench.Arm();
-  bench.heart().Enter("saving");
-  TevronManager& manager = bench.manager();
-  const int page = manager.level1List().indexOf(kPageInView);
-  manager.Run(page);
-  // Reading back would hide it.
-  const QStringList wrong = bench.WrongValues(false);
-  if (!wrong.isEmpty() && QString(bench.cell().fault->name) != "lies") {
-    throw std::runtime_error("once it was sent, " + wrong.join("; ").toStdString());
-  }
-  manager.GetLidarModuleInfo(page);
-  return {bench.WasTold(kAllSet), bench.lidar().Held(kSetting) == "45"};
-}
-
-Outcome SendByConsole(Bench& bench) {
-  Prepare(bench);
-  const QString code = bench.cell().is_network() ? "11" : "4E";
-  TevronManager& manager = bench.manager();
-  manager.SendCommand(code, "");
-  const QString before = manager.getSendCmxCommandReturnPayload();
-  bench.Arm();
-  bench.heart().Enter("sending by the console");
-  manager.SendCommand(code, "");
-  const QString header = manager.getSendCmxCommandReturnHeader();
-  const bool is_accepted = header.section(' ', 2, 3) == code.toLower() + " 00";
-  // The console shows what came, however much that is.
-  const QString fault = bench.cell().fault->name;
-  const bool is_raw = fault == "short" || fault == "long";
-  const bool is_same = manager.getSendCmxCommandReturnPayload() == before;
-  return {is_accepted, is_accepted && (is_same || is_raw), !header.isEmpty()};
-}
-
-Outcome SetSpinRate(Bench& bench) {
-  Prepare(bench);
-  bench.Arm();
-  bench.heart().Enter("setting the spin rate");
-  bench.manager().LumoSetSpinRate(900);
-  const bool is_claimed = bench.WasTold("set spin rate successful");
-  return {is_claimed, bench.lidar().State()["maintenance"].toObject()["spin_rate_rpm"] == 900};
-}
-
-Outcome RestartIt(Bench& bench) {
-  Prepare(bench);
-  bench.Arm();
-  bench.heart().Enter("restarting");
-  const bool is_claimed = bench.manager().Restart() == 0;
-  const auto is_carried_out = [&] { return bench.lidar().Output().contains("restarted"); };
-  return {is_claimed, WaitFor(is_carried_out, kSoonMs)};
-}
-
-Outcome Upgrade(Bench& bench) {
-  Prepare(bench);
-  bench.Arm();
-  bench.heart().Enter("upgrading");
-  TevronManager& manager = bench.manager();
-  const QUrl file = QUrl::fromLocalFile(bench.firmware());
-  bench.cell().is_network() ? manager.UpgradeLidar(file, 0, 0, 0) : manager.LumoUpgradeLidar(file);
-  WaitFor([&] { return !manager.isUpgrading() && !bench.Told().isEmpty(); }, 60000);
-  // What is streamed ends in a restart.
-  const bool is_taken = WaitFor(
-      [&] {
-        const QJsonObject firmware = bench.lidar().State()["firmware"].toObject();
-        return !firmware["waiting"].toArray().isEmpty() ||
-               bench.lidar().Output().contains("restarted");
-      },
-      kSoonMs);
-  return {bench.WasTold("transmitted successfully"), is_taken};
 }
 
 /// The files there and below, in the order of their names; empty ones count as none.
@@ -175,6 +85,130 @@ Outcome Fetch(Bench& bench, const char* step, const std::function<bool(const QSt
   const bool is_raw = fault == "short" || fault == "long";
   const bool is_same = saved == SavedIn(before);
   return {is_claimed, !saved.isEmpty() && (is_raw || is_same)};
+}
+
+}  // namespace
+
+Outcome ConnectToIt(Bench& bench) {
+  Prepare(bench);
+  bench.manager().Stop();
+  bench.Arm();
+  bench.heart().Enter("connecting");
+  const bool is_connected = bench.ConnectNow();
+  if (bench.cell().is_network()) {
+    return {is_connected, is_connected};
+  }
+  bool is_told = is_connected;
+  for (const QVariant& fact : bench.manager().lumoLidarInfo()) {
+    is_told = is_told && fact.toMap()["state"] == "read";
+  }
+  return {is_told, is_told};
+}
+
+Outcome Read(Bench& bench) {
+  return bench.cell().is_network() ? ReadPage(bench) : ReadSafety(bench);
+}
+
+Outcome Save(Bench& bench) {
+  Prepare(bench);
+  const QString wanted = bench.lidar().Held(kSetting) == "45" ? "46" : "45";
+  bench.Edit(kSetting, wanted);
+  bench.Arm();
+  bench.heart().Enter("saving");
+  TevronManager& manager = bench.manager();
+  const int page = manager.level1List().indexOf(kPageInView);
+  manager.Run(page);
+  // Reading back would hide it.
+  const QStringList wrong = bench.WrongValues(false);
+  if (!wrong.isEmpty() && QString(bench.cell().fault->name) != "lies") {
+    throw std::runtime_error("once it was sent, " + wrong.join("; ").toStdString());
+  }
+  manager.GetLidarModuleInfo(page);
+  return {bench.WasTold(kAllSet), bench.lidar().Held(kSetting) == wanted};
+}
+
+Outcome SaveSettingsFile(Bench& bench) {
+  Prepare(bench);
+  const QString path = bench.Folder("settings") + "/kept.tevron.json";
+  LidarSettings& settings = bench.manager().Settings();
+  bench.Arm();
+  bench.heart().Enter("saving a settings file");
+  settings.Save(path);
+  WaitFor([&] { return settings.Now().task == SettingsTask::kNone; }, 60000);
+  if (!QFile::exists(path)) {
+    return {};
+  }
+  std::string error;
+  const SettingsFile file = LoadSettings(path, &error).value();
+  bool is_whole = true;
+  for (const SavedValue& value : file.values) {
+    is_whole = is_whole && value.was_read();
+    const QString held = bench.lidar().Held(QString::fromStdString(value.name), "hex");
+    // Readings change by themselves.
+    if (value.writable && value.bytes &&
+        kavel::lidar::HexText(*value.bytes) != held.toStdString()) {
+      throw std::runtime_error("the file has " + kavel::lidar::HexText(*value.bytes) + " for " +
+                               value.name);
+    }
+  }
+  return {bench.WasTold("success: ") && !bench.WasTold("could not be read"), is_whole};
+}
+
+Outcome SendByConsole(Bench& bench) {
+  Prepare(bench);
+  const QString code = bench.cell().is_network() ? "11" : "4E";
+  TevronManager& manager = bench.manager();
+  manager.SendCommand(code, "");
+  const QString before = manager.getSendCmxCommandReturnPayload();
+  bench.Arm();
+  bench.heart().Enter("sending by the console");
+  manager.SendCommand(code, "");
+  const QString header = manager.getSendCmxCommandReturnHeader();
+  const bool is_accepted = header.section(' ', 2, 3) == code.toLower() + " 00";
+  // The console shows what came, however much that is.
+  const QString fault = bench.cell().fault->name;
+  const bool is_raw = fault == "short" || fault == "long";
+  const bool is_same = manager.getSendCmxCommandReturnPayload() == before;
+  return {is_accepted, is_accepted && (is_same || is_raw), !header.isEmpty()};
+}
+
+Outcome SetSpinRate(Bench& bench) {
+  Prepare(bench);
+  const auto held = [&] {
+    return bench.lidar().State()["maintenance"].toObject()["spin_rate_rpm"].toInt();
+  };
+  const int wanted = held() == 900 ? 1200 : 900;
+  bench.Arm();
+  bench.heart().Enter("setting the spin rate");
+  bench.manager().LumoSetSpinRate(wanted);
+  return {bench.WasTold("set spin rate successful"), held() == wanted};
+}
+
+Outcome RestartIt(Bench& bench) {
+  Prepare(bench);
+  bench.Arm();
+  bench.heart().Enter("restarting");
+  const bool is_claimed = bench.manager().Restart() == 0;
+  const auto is_carried_out = [&] { return bench.Printed().contains("restarted"); };
+  return {is_claimed, WaitFor(is_carried_out, kSoonMs)};
+}
+
+Outcome Upgrade(Bench& bench) {
+  Prepare(bench);
+  bench.Arm();
+  bench.heart().Enter("upgrading");
+  TevronManager& manager = bench.manager();
+  const QUrl file = QUrl::fromLocalFile(bench.firmware());
+  bench.cell().is_network() ? manager.UpgradeLidar(file, 0, 0, 0) : manager.LumoUpgradeLidar(file);
+  WaitFor([&] { return !manager.isUpgrading() && !bench.Told().isEmpty(); }, 60000);
+  // What is streamed ends in a restart.
+  const bool is_taken = WaitFor(
+      [&] {
+        const QJsonObject firmware = bench.lidar().State()["firmware"].toObject();
+        return !firmware["waiting"].toArray().isEmpty() || bench.Printed().contains("restarted");
+      },
+      kSoonMs);
+  return {bench.WasTold("transmitted successfully"), is_taken};
 }
 
 Outcome Download(Bench& bench) {
@@ -251,34 +285,4 @@ Outcome WatchLink(Bench& bench) {
   bench.heart().Enter("checking the link");
   const bool is_alive = manager.CheckLidarConnection();
   return {is_alive, is_alive};
-}
-
-}  // namespace
-
-Outcome Perform(Bench& bench) {
-  switch (bench.cell().operation->operation) {
-    case Operation::kConnect:
-      return ConnectToIt(bench);
-    case Operation::kRead:
-      return Read(bench);
-    case Operation::kSave:
-      return Save(bench);
-    case Operation::kConsole:
-      return SendByConsole(bench);
-    case Operation::kMaintenance:
-      return SetSpinRate(bench);
-    case Operation::kRestart:
-      return RestartIt(bench);
-    case Operation::kUpgrade:
-      return Upgrade(bench);
-    case Operation::kDownload:
-      return Download(bench);
-    case Operation::kOperationLog:
-      return DownloadOperationLog(bench);
-    case Operation::kRecording:
-      return Record(bench);
-    case Operation::kIdle:
-      return WatchLink(bench);
-  }
-  return {};
 }

@@ -9,6 +9,17 @@ struct Outcome {
   bool shown = false;    ///< what went wrong stands on the screen, apart from the messages
 };
 
-/// Brings the bench to where the operation of its cell can begin, arms it, and does what a user
-/// does. The heart is told what the window is at.
-Outcome Perform(Bench& bench);
+// Each brings the bench to where the operation of its cell can begin, arms it, and does what a user
+// does. The heart is told what the window is at.
+Outcome ConnectToIt(Bench& bench);
+Outcome Read(Bench& bench);
+Outcome Save(Bench& bench);
+Outcome SaveSettingsFile(Bench& bench);
+Outcome SendByConsole(Bench& bench);
+Outcome SetSpinRate(Bench& bench);
+Outcome RestartIt(Bench& bench);
+Outcome Upgrade(Bench& bench);
+Outcome Download(Bench& bench);
+Outcome DownloadOperationLog(Bench& bench);
+Outcome Record(Bench& bench);
+Outcome WatchLink(Bench& bench);

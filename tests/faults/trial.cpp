@@ -104,20 +104,6 @@ void JudgeCosts(const Bench& bench, Finding* finding) {
   }
 }
 
-void Try(const Cell& cell, Finding* finding) {
-  Bench bench(cell);
-  const Outcome outcome = Perform(bench);
-  bench.heart().Go();
-  finding->struck = bench.Struck();
-  finding->outcome = outcome.claimed ? "done" : outcome.done ? "failed, but done" : "failed";
-  finding->told = bench.Told();
-  Judge(bench, outcome, finding);
-  CheckValues(bench, cell.operation->changes && IsThere(bench), finding);
-  Recover(bench, finding);
-  bench.heart().Enter("");
-  JudgeCosts(bench, finding);
-}
-
 QStringList Texts(const QJsonValue& array) { return array.toVariant().toStringList(); }
 
 }  // namespace
@@ -148,10 +134,20 @@ Finding Finding::FromJson(const QJsonObject& json) {
   return finding;
 }
 
-Finding TryCell(const Cell& cell) {
+Finding TryCell(const Cell& cell, Bench& bench) {
   Finding finding;
   try {
-    Try(cell, &finding);
+    bench.Begin(cell);
+    const Outcome outcome = cell.operation->perform(bench);
+    bench.heart().Go();
+    finding.struck = bench.Struck();
+    finding.outcome = outcome.claimed ? "done" : outcome.done ? "failed, but done" : "failed";
+    finding.told = bench.Told();
+    Judge(bench, outcome, &finding);
+    CheckValues(bench, cell.operation->changes && IsThere(bench), &finding);
+    Recover(bench, &finding);
+    bench.heart().Enter("");
+    JudgeCosts(bench, &finding);
   } catch (const std::exception& e) {
     finding.faults << e.what();
   }

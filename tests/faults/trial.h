@@ -3,7 +3,7 @@
 #include <QJsonObject>
 #include <QStringList>
 
-#include "faults/matrix.h"
+#include "faults/bench.h"
 
 /// What one cell showed.
 struct Finding {
@@ -21,5 +21,5 @@ struct Finding {
   static Finding FromJson(const QJsonObject& json);
 };
 
-/// Tries one cell with a lidar and a manager of its own; once a process. Never throws.
-Finding TryCell(const Cell& cell);
+/// Tries one cell on a bench with nothing connected. Never throws.
+Finding TryCell(const Cell& cell, Bench& bench);

@@ -3,7 +3,6 @@
 
 #include <CLI/CLI.hpp>
 #include <QCoreApplication>
-#include <QTemporaryDir>
 #include <algorithm>
 #include <chrono>
 #include <clocale>
@@ -12,6 +11,7 @@
 #include <string>
 
 #include "soak/rounds.h"
+#include "support/throwaway_home.h"
 
 namespace {
 
@@ -23,6 +23,7 @@ struct Options {
   double minutes = 5;
   unsigned seed = std::random_device()();
   int fault_every = 10;
+  std::string cells;
 };
 
 /// A moment whose resources stand in the table.
@@ -44,13 +45,14 @@ QString Growths(const AllResources& before, const AllResources& after) {
 class Run {
  public:
   Run(const Options& options, std::ostream& out)
-      : options_(options), out_(out), rounds_(options.seed) {}
+      : options_(options),
+        out_(out),
+        rounds_(options.seed, QRegularExpression(QString::fromStdString(options.cells))) {}
 
   /// Throws RoundFailed when a round fails, or something grows.
   void ToTheEnd() {
-    moments_.push_back({"start", rounds_.AtRest({})});
-    // Every model has had its turn, and whatever is made once and kept is there.
-    Until([this] { return Elapsed() >= warm_up_ && done_ >= 2 * rounds_.models(); });
+    // Every cell has had its turn, and whatever is made once and kept is there.
+    Until([this] { return Elapsed() >= warm_up_ && rounds_.HasTriedAll(); });
     moments_.push_back({QString("round %1").arg(done_), rounds_.AtRest({})});
     const size_t warm = done_;
     Until([&] { return Elapsed() >= all_ && done_ >= 2 * warm; });
@@ -60,6 +62,9 @@ class Run {
   }
 
   void Print() const {
+    if (moments_.empty()) {
+      return;
+    }
     out_ << "\n| process | at | memory, KiB | allocated, KiB | descriptors | threads |\n"
             "|---|---|---|---|---|---|\n";
     for (const auto& [process, unused] : moments_.front().resources) {
@@ -107,13 +112,13 @@ class Run {
 
   // A moment later what has not ended yet has.
   void Measure() {
-    now_ = rounds_.AtRest(moments_.size() < 2 ? AllResources() : moments_[1].resources);
+    now_ = rounds_.AtRest(moments_.empty() ? AllResources() : moments_[0].resources);
   }
 
   void Require() const {
-    const QString growth = moments_.size() < 2 ? "" : Growths(moments_[1].resources, now_);
+    const QString growth = moments_.empty() ? "" : Growths(moments_[0].resources, now_);
     if (!growth.isEmpty()) {
-      throw RoundFailed("more than at " + moments_[1].name.toStdString() + ":\n" +
+      throw RoundFailed("more than at " + moments_[0].name.toStdString() + ":\n" +
                         growth.toStdString());
     }
   }
@@ -129,7 +134,7 @@ class Run {
   Rounds rounds_;
   size_t done_ = 0;
   AllResources now_;
-  std::vector<Moment> moments_;  ///< the start, when it was warm, the end
+  std::vector<Moment> moments_;  ///< when it was warm, the end
 };
 
 int ReadOptions(int argc, char** argv, Options* options) {
@@ -142,6 +147,8 @@ int ReadOptions(int argc, char** argv, Options* options) {
   app.add_option("--fault-every", options->fault_every, "So many rounds to one with a fault")
       ->check(CLI::PositiveNumber)
       ->capture_default_str();
+  app.add_option("--cells", options->cells,
+                 "Only the cells of the fault matrix that this regular expression is found in");
   try {
     app.parse(argc, argv);
   } catch (const CLI::ParseError& error) {
@@ -159,11 +166,7 @@ int main(int argc, char** argv) {
   if (end >= 0) {
     return end;
   }
-  // The settings of whoever runs this are not touched.
-  const QTemporaryDir home;
-  for (const char* const name : {"HOME", "XDG_CONFIG_HOME", "XDG_DATA_HOME"}) {
-    qputenv(name, home.path().toLocal8Bit());
-  }
+  const ThrowawayHome home;
   const QCoreApplication application(argc, argv);
   std::setlocale(LC_NUMERIC, "C");
   // What the manager prints for a terminal would bury the rest.

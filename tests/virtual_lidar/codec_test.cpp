@@ -62,17 +62,4 @@ TEST(Codec, ReadsOnBehindAnAbsurdLengthAndAWrongChecksum) {
   EXPECT_EQ(found[0].code, 0x07);
 }
 
-TEST(Codec, FramesAnswersWithTheReturnCodeInItsPlace) {
-  const DeviceReply reply{0x2A, 3, {9}, Aftermath::kNone, false};
-  EXPECT_EQ(CmxCodec(1).Encode(reply), (Bytes{0x47, 0x74, 0x2A, 3, 0, 0, 0, 1, 9}));
-  EXPECT_EQ(CmxCodec(2).Encode(reply), (Bytes{0x57, 0x75, 1, 0x2A, 3, 0, 0, 0, 0, 0, 0, 1, 9}));
-  Bytes inner;
-  ASSERT_TRUE(kavel::lidar::ParseSerialResponse(SerialCodec().Encode(reply), inner));
-  EXPECT_EQ(inner, (Bytes{2, 0x2A, 3, 9})) << "length, command, return code, payload";
-
-  const DeviceReply large{0x2A, 3, Bytes(300, 7), Aftermath::kNone, false};
-  EXPECT_EQ(SerialCodec().Encode(large),
-            kavel::lidar::BuildOtaFrame(kavel::lidar::OtaAnswer{0, 0x2A, 3, Bytes(300, 7)}));
-}
-
 }  // namespace

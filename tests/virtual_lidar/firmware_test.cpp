@@ -1,4 +1,3 @@
-
 #include "CmxClient/device_commands.h"
 #include "Wire/big_endian.h"
 #include "Wire/crc32.h"
@@ -6,7 +5,6 @@
 #include "Wire/firmware_stream.h"
 #include "firmware_file.h"
 #include "lidar_under_test.h"
-#include "upgrade/upgrade_package.h"
 
 namespace {
 
@@ -140,32 +138,6 @@ TEST_F(Upgrade, TakesAStreamInAnyOrderAndJudgesItAtTheEnd) {
   EXPECT_EQ(Begin(app, image), kAccepted);
   Answer(3, {0, 0});
   EXPECT_FALSE(firmware().half_image());
-}
-
-TEST_F(Upgrade, TakesEveryComponentOfThePackageThatItMakes) {
-  Become("Kiva-CMX", SerialFamily::kKiva);
-  const Bytes package = MakeFirmware("Kiva-CMX", SerialFamily::kKiva, kNew, 5000);
-  UpgradePackageHeader header;
-  const auto log = [](const std::string& problem) { ADD_FAILURE() << problem; };
-  ASSERT_TRUE(ParseUpgradePackage(package, header, log));
-  Answer(3, {1, 0});
-  for (const auto& [index, type] :
-       {std::pair(kBmbAppB, 2), {kBmbFpga, 1}, {kTmbFpga, 0}, {kTmbParam, 3}}) {
-    Bytes image;
-    const auto component = static_cast<uint8_t>(type);
-    ASSERT_TRUE(ExtractComponent(package, header.components[index], UpgradeComponentName(index),
-                                 image, log));
-    EXPECT_EQ(Begin(component, image), kAccepted);
-    EXPECT_EQ(Stream(component, image, 1), kAccepted);
-    EXPECT_EQ(Stream(component, image, 2), kAccepted);
-    EXPECT_EQ(End(component, image), kAccepted) << type;
-  }
-  Answer(kavel::lidar::kCmdRestart);
-  Answer(kavel::lidar::kCmdGetVersions);
-  const std::string versions(last_.payload.begin(), last_.payload.end());
-  EXPECT_EQ(versions.substr(0, 5), "2.8.0");
-  EXPECT_EQ(versions.substr(16, 9), "BMB 2.8.0");
-  EXPECT_EQ(versions.substr(32, 9), "TMB 2.8.0");
 }
 
 }  // namespace

@@ -1,4 +1,3 @@
-
 #include "CmxClient/serial_client.h"
 #include "lidar_under_test.h"
 #include "support/wait_for.h"
@@ -10,10 +9,10 @@ using kavel::lidar::testing::WaitFor;
 
 constexpr uint32_t kPatienceMs = 5000;
 
-LidarUnderTest::Setup OnSerialLine(std::vector<std::string> faults = {}) {
+LidarUnderTest::Setup On(ServerSetup::Serial serial, const LineSpeed& speed) {
   LidarUnderTest::Setup setup;
-  setup.faults = std::move(faults);
-  setup.server.serial = ServerSetup::Serial::kOneLine;
+  setup.server.serial = serial;
+  setup.server.line_speed = speed;
   setup.profile.family = SerialFamily::kKiva;
   return setup;
 }
@@ -26,45 +25,35 @@ std::shared_ptr<kavel::lidar::SerialSource> OpenPort(const LidarUnderTest& lidar
   return source;
 }
 
-// One port for both directions.
-std::shared_ptr<SerialClient> OpenLine(const LidarUnderTest& lidar) {
-  const auto source = OpenPort(lidar, 0, kavel::lidar::kReceiveAnswers);
-  return std::make_shared<SerialClient>(source, source);
-}
-
-void ReopenThePort(const LidarUnderTest& lidar, std::chrono::milliseconds least) {
-  for (int round = 0; round < 3; ++round) {
-    const auto client = OpenLine(lidar);
-    Bytes inner;
-    const auto start = std::chrono::steady_clock::now();
-    ASSERT_EQ(client->SendCommand(0x30, {}, inner, kPatienceMs), 0) << "round " << round;
-    EXPECT_GE(std::chrono::steady_clock::now() - start, least);
-    EXPECT_EQ(inner, (Bytes{4, 0x30, 0, 0x02, 0x58, 0xFD}));
-    // Network settings do not cut a serial line, but they do cut a network.
-    EXPECT_EQ(client->SendCommand(0x21, {10, 0, 0, 2}, inner, kPatienceMs), 0);
-    EXPECT_EQ(client->SwitchMode(0, 0), 0);
-    TcpEnd on_network = TcpEnd::To(lidar.port());
-    on_network.Send({0x47, 0x74, 0x21, 0, 0, 0, 0, 4, 10, 0, 0, 3});
-    EXPECT_TRUE(on_network.EndsHere());
-  }
-}
-
 TEST(SerialLine, AnswersAfterEachReopeningOfThePort) {
   for (const LineSpeed speed : {LineSpeed{}, {115200, std::chrono::milliseconds(20)}}) {
-    auto setup = OnSerialLine();
+    auto setup = On(ServerSetup::Serial::kOneLine, speed);
     setup.server.tcp_port = 0;
-    setup.server.line_speed = speed;
     LidarUnderTest lidar(std::move(setup));
-    ReopenThePort(lidar, 2 * speed.latency);
+    for (int round = 0; round < 3; ++round) {
+      SCOPED_TRACE(round);
+      const auto source = OpenPort(lidar, 0, kavel::lidar::kReceiveAnswers);
+      SerialClient client(source, source);
+      Bytes inner;
+      const auto start = std::chrono::steady_clock::now();
+      ASSERT_EQ(client.SendCommand(0x30, {}, inner, kPatienceMs), 0);
+      EXPECT_GE(std::chrono::steady_clock::now() - start, 2 * speed.latency);
+      EXPECT_EQ(inner, (Bytes{4, 0x30, 0, 0x02, 0x58, 0xFD}));
+      // Network settings do not cut a serial line, but they do cut a network.
+      EXPECT_EQ(client.SendCommand(0x21, {10, 0, 0, 2}, inner, kPatienceMs), 0);
+      EXPECT_EQ(client.SwitchMode(0, 0), 0);
+      TcpEnd on_network = TcpEnd::To(lidar.port());
+      on_network.Send({0x47, 0x74, 0x21, 0, 0, 0, 0, 4, 10, 0, 0, 3});
+      EXPECT_TRUE(on_network.EndsHere());
+    }
   }
 }
 
 // The first port takes requests, the second answers; it goes on sending when nobody reads.
 TEST(SerialLine, PairCarriesThePointCloudBetweenAnswers) {
   for (const LineSpeed speed : {LineSpeed{}, {921600, std::chrono::milliseconds(5)}}) {
-    auto setup = OnSerialLine({"split"});
-    setup.server.serial = ServerSetup::Serial::kPair;
-    setup.server.line_speed = speed;
+    auto setup = On(ServerSetup::Serial::kPair, speed);
+    setup.faults = {"split"};
     setup.server.uart_points_per_second = 200;
     LidarUnderTest lidar(std::move(setup));
     for (int round = 0; round < 3; ++round) {
@@ -82,34 +71,6 @@ TEST(SerialLine, PairCarriesThePointCloudBetweenAnswers) {
       EXPECT_EQ(std::string(packet.data.begin(), packet.data.begin() + 4), "KPCL");
     }
   }
-}
-
-TEST(SerialLine, FaultsStrikeHereToo) {
-  const std::pair<const char*, int32_t> cases[] = {
-      {"corrupt#1", kavel::lidar::kSerialBadAnswer},
-      {"huge-length#1", kavel::lidar::kSerialBadAnswer},
-      {"truncate#1", kavel::lidar::kSerialBadAnswer},
-      {"drop#1", kavel::lidar::kSerialNoAnswer},
-      {"echo#1", 0},
-      {"drip=1#1", 0},
-  };
-  for (const auto& [fault, expected] : cases) {
-    SCOPED_TRACE(fault);
-    LidarUnderTest lidar(OnSerialLine({fault}));
-    const auto client = OpenLine(lidar);
-    Bytes inner;
-    EXPECT_EQ(client->SendCommand(0x30, {}, inner, 200), expected);
-    EXPECT_EQ(client->SendCommand(0x30, {}, inner, kPatienceMs), 0) << "and is well again";
-  }
-}
-
-TEST(SerialLine, PortVanishesAndANewOneComes) {
-  LidarUnderTest lidar(OnSerialLine({"close-before-reply#1"}));
-  const auto client = OpenLine(lidar);
-  Bytes inner;
-  EXPECT_NE(client->SendCommand(0x30, {}, inner, kPatienceMs), 0);
-  EXPECT_FALSE(client->IsOpen());
-  EXPECT_TRUE(lidar.LogShows("no answer [fault: close-before-reply]\nserial port /"));
 }
 
 }  // namespace
