@@ -93,7 +93,8 @@ void Bench::Rest() {
 }
 
 QString Bench::Scene() const {
-  const QStringList printed = lidar().Output().split('\n');
+  const bool is_there = lidars_.count(cell_->link) != 0;
+  const QStringList printed = is_there ? lidar().Output().split('\n') : QStringList();
   return "\nthe log:\n" + log_.join('\n') + "\nthe virtual lidar:\n" +
          printed.mid(std::max(0, printed.size() - 40)).join('\n');
 }

@@ -60,7 +60,7 @@ void Tell(const Result& result) {
     std::fputs(qPrintable("     " + fault + '\n'), stderr);
   }
   if (!finding.faults.isEmpty()) {
-    std::fputs(qPrintable("     told: " + finding.told.join("; ") + '\n'), stderr);
+    std::fputs(qPrintable("     told: " + finding.told.join("; ") + '\n' + finding.scene), stderr);
   }
 }
 

@@ -117,6 +117,7 @@ QJsonObject Finding::ToJson() const {
           {"memory_mib", memory_mib},
           {"recovery_ms", recovery_ms},
           {"struck", struck},
+          {"scene", scene},
           {"faults", QJsonArray::fromStringList(faults)}};
 }
 
@@ -130,6 +131,7 @@ Finding Finding::FromJson(const QJsonObject& json) {
   finding.memory_mib = json["memory_mib"].toDouble();
   finding.recovery_ms = json["recovery_ms"].toInt();
   finding.struck = json["struck"].toBool();
+  finding.scene = json["scene"].toString();
   finding.faults = Texts(json["faults"]);
   return finding;
 }
@@ -151,5 +153,6 @@ Finding TryCell(const Cell& cell, Bench& bench) {
   } catch (const std::exception& e) {
     finding.faults << e.what();
   }
+  finding.scene = finding.faults.isEmpty() ? QString() : bench.Scene();
   return finding;
 }

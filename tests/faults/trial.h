@@ -15,6 +15,7 @@ struct Finding {
   double memory_mib = 0;  ///< the most above what it was before
   qint64 recovery_ms = 0;
   bool struck = false;
+  QString scene;       ///< what went before, when something is wrong
   QStringList faults;  ///< what is wrong with it, each a sentence; none when the cell is good
 
   QJsonObject ToJson() const;

@@ -1,5 +1,8 @@
+#include <fcntl.h>
+
 #include "CmxClient/serial_client.h"
 #include "lidar_under_test.h"
+#include "server/pseudo_terminal.h"
 #include "support/wait_for.h"
 
 namespace {
@@ -47,6 +50,27 @@ TEST(SerialLine, AnswersAfterEachReopeningOfThePort) {
       EXPECT_TRUE(on_network.EndsHere());
     }
   }
+}
+
+// Closed last by a call that was still in progress, while the next client is at work already.
+TEST(SerialLine, IsFreeOnlyWhenTheLastClientHasClosedIt) {
+  EventLoop loop;
+  int times_free = 0;
+  PseudoTerminal line(&loop, [&times_free] { ++times_free; });
+  const auto open_port = [&line] {
+    UniqueFd port(open(line.name().c_str(), O_RDWR | O_NOCTTY | O_CLOEXEC));
+    EXPECT_TRUE(port.valid());
+    line.NoticeClosing();
+    return port;
+  };
+  UniqueFd before = open_port();
+  UniqueFd after = open_port();
+  before = UniqueFd();
+  line.NoticeClosing();
+  EXPECT_EQ(times_free, 0);
+  after = UniqueFd();
+  line.NoticeClosing();
+  EXPECT_EQ(times_free, 1);
 }
 
 // The first port takes requests, the second answers; it goes on sending when nobody reads.

@@ -7,6 +7,7 @@
 #include <termios.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <cstdlib>
@@ -27,7 +28,7 @@ PseudoTerminal::PseudoTerminal(EventLoop* loop, CloseHandler on_client_closed)
       on_client_closed_(std::move(on_client_closed)),
       notify_(inotify_init1(IN_NONBLOCK | IN_CLOEXEC)) {
   Open();
-  if (inotify_add_watch(notify_.get(), name_.c_str(), IN_CLOSE) < 0) {
+  if (inotify_add_watch(notify_.get(), name_.c_str(), IN_OPEN | IN_CLOSE) < 0) {
     Throw("cannot watch the port");
   }
   loop_->Watch(notify_.get(), POLLIN, [this](short) { NoticeClosing(); });
@@ -59,11 +60,24 @@ size_t PseudoTerminal::unread() const {
   return ioctl(client_end_.get(), FIONREAD, &bytes) == 0 ? static_cast<size_t>(bytes) : 0;
 }
 
+// One that closes the port and opens it again may have the old descriptor closed last, when another
+// of its threads was still at it: whoever has the port then is a new client already.
 void PseudoTerminal::NoticeClosing() {
   alignas(inotify_event) std::array<char, 4096> buffer;
   bool closed = false;
-  while (read(notify_.get(), buffer.data(), buffer.size()) > 0) {
-    closed = true;
+  ssize_t size = 0;
+  while ((size = read(notify_.get(), buffer.data(), buffer.size())) > 0) {
+    // Of a file that is watched itself the events have no names, so that they are of one size.
+    for (ssize_t at = 0; at < size; at += static_cast<ssize_t>(sizeof(inotify_event))) {
+      const auto* event = reinterpret_cast<const inotify_event*>(buffer.data() + at);
+      if ((event->mask & IN_OPEN) != 0) {
+        ++open_count_;
+      } else if ((event->mask & IN_CLOSE) != 0) {
+        // The system tells of two openings in a row as one.
+        open_count_ = std::max(open_count_ - 1, 0);
+        closed = closed || open_count_ == 0;
+      }
+    }
   }
   if (!closed) {
     return;

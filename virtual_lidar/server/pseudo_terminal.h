@@ -11,7 +11,7 @@
 /// name() as often as it likes.
 class PseudoTerminal {
  public:
-  /// Called each time a client has closed the port.
+  /// Called each time a client has closed the port and no other has it open.
   using CloseHandler = std::function<void()>;
 
   /// Throws std::system_error when the system gives no pseudo-terminal.
@@ -41,6 +41,7 @@ class PseudoTerminal {
   CloseHandler on_client_closed_;
   std::string name_;
   UniqueFd notify_;
+  int open_count_ = 0;  ///< by clients
   UniqueFd device_end_;
   /// Kept open so that the device's end sees no hang-up between two clients.
   UniqueFd client_end_;
