@@ -11,6 +11,8 @@ die() { printf '%s: %s\n' "${0##*/}" "$*" >&2; exit 1; }
 
 # The same object for every language of messages, so that script/fresh finds what was built outside.
 export CCACHE_SLOPPINESS=${CCACHE_SLOPPINESS:+$CCACHE_SLOPPINESS,}locale
+# And for every clone, so that the next one compiles what it changed alone.
+export CCACHE_BASEDIR=$top CCACHE_NOHASHDIR=1
 
 # scratch_in_memory: what the programs write for a while waits for no disk.
 scratch_in_memory() { [ ! -w /dev/shm ] || export TMPDIR=/dev/shm; }
