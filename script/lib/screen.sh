@@ -59,6 +59,16 @@ start_lidar() {
     } >"$settings"
 }
 
+# lay_own_model: Heron, as docs/models.md describes it, among the user's own tables.
+lay_own_model() {
+    local to=$XDG_CONFIG_HOME/Tevron/Config
+    mkdir -p "$to/varID/Heron"
+    awk -v to="$to" '
+        match($0, /`Config\/site\/[^`]*`$/) { file = to "/" substr($0, RSTART + 13, RLENGTH - 14) }
+        /^```/ { inside = /^```csv/; next }
+        inside { print >file }' docs/models.md
+}
+
 # start_window WIDTHxHEIGHT SCALE [OPTION...]: the window, with a scene that large before it is
 # enlarged, alone on a virtual screen. The program enlarges itself by what the screen is wider than
 # 1920, and its scene is never smaller than 1300x800.

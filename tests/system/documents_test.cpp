@@ -1,5 +1,7 @@
 // What the pages of docs/ promise to people who have nothing else, tried on the real programs.
 
+#include <QDirIterator>
+#include <QRegularExpression>
 #include <fstream>
 #include <iterator>
 #include <regex>
@@ -115,6 +117,33 @@ TEST(VirtualLidarPage, NamesEveryOptionAndItsExamplesRun) {
     EXPECT_TRUE(lidar.Prints("listening on ") || lidar.ExitCode() == 0)
         << lidar.Output().toStdString();
   }
+}
+
+// Who looks a message up has its words. Where they are another every time, the page has "…".
+TEST(Guide, WordsEachMessageAsTheProgramDoes) {
+  QString program;
+  for (const char* room : {"app", "TevronCore", "libkavel"}) {
+    QDirIterator files(QString(TEVRON_SOURCE "/") + room, {"*.cpp", "*.h", "*.qml"}, QDir::Files,
+                       QDirIterator::Subdirectories);
+    while (files.hasNext()) {
+      program += QString::fromStdString(ReadAll(files.next().toStdString()));
+    }
+  }
+  program.remove(QRegularExpression("\"\\s*\""));  // a text of several lines
+  const QString guide = QString::fromStdString(ReadAll(TEVRON_SOURCE "/docs/guide.md"));
+  const QRegularExpression between("…|: |[(),]|\\d+|\\bN\\b");
+  int count = 0;
+  for (const QString& table : guide.split("\n| message |").mid(1)) {
+    for (const QString& row : table.section("\n\n", 0, 0).split('\n').mid(2)) {
+      const QString message = row.section(" | ", 0, 0).mid(2);
+      for (const QString& part : message.split(between, Qt::SkipEmptyParts)) {
+        EXPECT_TRUE(message.startsWith('*') || program.contains(part.trimmed()))
+            << message.toStdString() << ": " << part.toStdString();
+      }
+      ++count;
+    }
+  }
+  EXPECT_GT(count, 25);
 }
 
 class Models : public ManagerFixture {
