@@ -30,17 +30,6 @@ TEST(ScaleFactor, FollowsTheDesktopOrTheWidth) {
   qputenv("QT_SCALE_FACTOR", before);
 }
 
-TEST(Palette, IsAsDarkForADisabledControlAndLeavesTheOtherRolesAlone) {
-  QApplication::setPalette(QPalette());  // whatever another test has set
-  const QPalette palette = ApplicationPalette();
-  for (const auto group : {QPalette::Active, QPalette::Inactive, QPalette::Disabled}) {
-    EXPECT_EQ(palette.color(group, QPalette::PlaceholderText), QColor("#eeeeee"));
-    for (const auto role : {QPalette::Shadow, QPalette::Link, QPalette::ToolTipText}) {
-      EXPECT_EQ(palette.brush(group, role), QPalette().brush(group, role)) << "role " << role;
-    }
-  }
-}
-
 TEST(InstallRoot, IsTheFirstFolderThatHoldsTheFontOrElseTheParent) {
   const char font[] = "fonts/Roboto-Regular-14.ttf";
   for (const auto& [in_parent, beside_program] :

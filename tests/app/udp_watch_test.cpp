@@ -4,7 +4,6 @@
 #include <gtest/gtest.h>
 
 #include "Source/socket_source.h"
-#include "serial_port_list.h"
 #include "support/qt_wait_for.h"
 
 namespace {
@@ -46,13 +45,6 @@ TEST(UdpWatchTest, SaysWhyItDoesNotStart) {
     EXPECT_FALSE(watch.Start(text)) << text;
     EXPECT_EQ(watch.summary(), "The UDP port has to be a number from 1 to 65535.") << text;
   }
-}
-
-TEST(SerialPortListTest, DescribesAPortInOneLine) {
-  EXPECT_EQ(SerialPortList::Label("/dev/ttyUSB0", "USB-RS485 cable", "0403:6001"),
-            QString::fromUtf8("/dev/ttyUSB0 · USB-RS485 cable · 0403:6001"));
-  EXPECT_EQ(SerialPortList::Label("/dev/ttyS0", "", ""), "/dev/ttyS0");
-  EXPECT_TRUE(SerialPortList().ports().isEmpty()) << "nothing is listed unasked";
 }
 
 }  // namespace

@@ -7,33 +7,24 @@
 #include <memory>
 #include <utility>
 
-#include "CmxClient/cmx_exchange.h"
-#include "CmxClient/hex_text.h"
-#include "Wire/cmx_header.h"
 #include "auth/authorized_cmx_client.h"
-#include "libkavel/simulated_line.h"
+#include "libkavel/fated_answers.h"
 
 namespace {
 
 using kavel::lidar::CmxExchange;
 using kavel::lidar::kCmxHeader1;
-using kavel::lidar::testing::SimulatedLine;
-using std::chrono::milliseconds;
+using namespace kavel::lidar::testing;
 
-constexpr uint32_t kTimeoutMs = 500;
-constexpr uint8_t kLiveness = 0x07;
 constexpr uint8_t kProbe = 0xDF;
 constexpr uint8_t kChallenge = 0x66;
 constexpr uint8_t kResponse = 0xE0;
 constexpr uint8_t kWrite = 0x21;
-constexpr int kFated = 5;
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
 constexpr int kStep = 37;  // one order of so many
 #else
 constexpr int kStep = 5;
 #endif
-
-enum Fate { kInTime, kLateBy1, kLateBy2, kLateBy3, kTwice, kLost, kCut, kOtherCode, kFates };
 
 /// Carries out whatever arrives, save writing an even value; only its answers have a fate, from
 /// number `first` on.
@@ -66,30 +57,8 @@ class Lidar {
         written.push_back(payload.at(0));
       }
     }
-    Send(cmd, return_code, answer);
-  }
-
-  void Send(uint8_t cmd, uint8_t return_code, const Bytes& payload) {
-    int fate = kInTime;
-    if (asked_++ >= first_) {
-      fate = order_ % kFates;
-      order_ /= kFates;
-    }
-    if (fate == kOtherCode) {
-      cmd ^= 0x80;
-    }
-    Bytes frame = BuildCmxFrame(kCmxHeader1, cmd, return_code, payload);
-    if (fate == kCut) {
-      frame.resize(frame.size() - 2);
-    }
-    const auto late_by = static_cast<uint32_t>(fate >= kLateBy1 && fate <= kLateBy3 ? fate : 0);
-    const milliseconds delay(1 + late_by * (kTimeoutMs + 60));
-    if (fate != kLost) {
-      line_.Arrive(delay, frame);
-    }
-    if (fate == kTwice) {
-      line_.Arrive(delay, frame);
-    }
+    const int fate = asked_++ >= first_ ? TakeFate(&order_) : int{kInTime};
+    Arrive(line_, fate, kCmxHeader1, BuildCmxFrame(kCmxHeader1, cmd, return_code, answer));
   }
 
   SimulatedLine& line_;
@@ -104,11 +73,7 @@ class Lidar {
 /// A client's exchange in the line's own time.
 class ExchangeSender : public kavel::lidar::CommandSender {
  public:
-  explicit ExchangeSender(const std::shared_ptr<SimulatedLine>& line)
-      : exchange_(line, 1, {kTimeoutMs, kTimeoutMs}, line->clock()) {
-    exchange_.SetStaleInput(kavel::lidar::StaleInput::kAfterTrouble);
-    exchange_.SetLivenessCommand(kLiveness);
-  }
+  explicit ExchangeSender(const std::shared_ptr<SimulatedLine>& line) : exchange_(line) {}
 
   bool IsOpen() override { return true; }
   using CommandSender::QueryCommand;
@@ -125,7 +90,7 @@ class ExchangeSender : public kavel::lidar::CommandSender {
   }
 
  private:
-  CmxExchange exchange_;
+  ExchangeOver exchange_;
 };
 
 struct SameBytes : IAuthAlgorithm {
@@ -154,8 +119,6 @@ void RunThrough(int order, size_t first) {
 }
 
 TEST(ProtectedOrder, NothingIsToldAsWrittenThatWasNot) {
-  constexpr int kOrders = 1 << (3 * kFated);
-  static_assert(kFates == 1 << 3);
   for (const size_t first : {0U, 1U, 3U}) {
     for (int order = 0; order < kOrders; order += kStep) {
       RunThrough(order, first);

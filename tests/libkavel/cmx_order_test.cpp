@@ -7,29 +7,22 @@
 #include <utility>
 #include <vector>
 
-#include "CmxClient/cmx_exchange.h"
 #include "CmxClient/command_sender.h"
 #include "CmxClient/hex_text.h"
-#include "Wire/cmx_header.h"
-#include "libkavel/simulated_line.h"
+#include "libkavel/fated_answers.h"
 #include "support/bytes.h"
 
 namespace kavel::lidar {
 namespace {
 
 using std::chrono::milliseconds;
-using testing::SimulatedLine;
+using namespace testing;
 
-constexpr uint32_t kTimeoutMs = 500;
-constexpr uint8_t kLiveness = 0x07;
-constexpr int kFated = 5;  ///< so many answers have a fate, later ones come in time
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
 constexpr int kStep = 7;  // one order of so many
 #else
 constexpr int kStep = 1;
 #endif
-
-enum Fate { kInTime, kLateBy1, kLateBy2, kLateBy3, kTwice, kLost, kCut, kOtherCode, kFates };
 
 struct Command {
   uint8_t cmd = 0;
@@ -94,24 +87,12 @@ class Lidar {
   void Answer(const Bytes& request) {
     const auto number = static_cast<uint8_t>(asked_.size());
     const int fate = fates_are_over() ? int{kInTime} : fates_[number];
-    uint8_t cmd = request[layout_.command_at];
+    const uint8_t cmd = request[layout_.command_at];
     const bool is_liveness = cmd == kLiveness && request.size() == layout_.size;
-    if (fate == kOtherCode) {
-      cmd ^= 0x80;
-    }
-    Bytes frame = BuildCmxFrame(layout_, cmd, 0, Bytes{number} + setting_.payload);
-    if (fate == kCut) {
-      frame.resize(layout_.size + 2);
-    }
-    const auto late_by = static_cast<uint32_t>(fate >= kLateBy1 && fate <= kLateBy3 ? fate : 0);
     const milliseconds at = line_.now();
-    milliseconds answered_at = at;
-    if (fate != kLost) {
-      answered_at = line_.Arrive(milliseconds(1 + late_by * (kTimeoutMs + 60)), frame);
-    }
-    if (fate == kTwice) {
-      line_.Arrive(milliseconds(1) + setting_.copy_after, frame);
-    }
+    const milliseconds answered_at = Arrive(
+        line_, fate, layout_, BuildCmxFrame(layout_, cmd, 0, Bytes{number} + setting_.payload),
+        setting_.copy_after);
     asked_.push_back({fate, is_liveness, at, answered_at});
   }
 
@@ -122,10 +103,10 @@ class Lidar {
   std::vector<Asked> asked_;
 };
 
-Bytes FatesOf(int order, int count) {
+Bytes FatesOf(int order) {
   Bytes fates;
-  for (; count > 0; --count, order /= kFates) {
-    fates.push_back(static_cast<uint8_t>(order % kFates));
+  for (int i = 0; i < kFated; ++i) {
+    fates.push_back(static_cast<uint8_t>(TakeFate(&order)));
   }
   return fates;
 }
@@ -136,9 +117,7 @@ Bytes FatesOf(int order, int count) {
 void RunThrough(const Bytes& fates, const Setting& setting) {
   const auto line = std::make_shared<SimulatedLine>();
   Lidar lidar(*line, setting, fates);
-  CmxExchange exchange(line, setting.version, {kTimeoutMs, kTimeoutMs}, line->clock());
-  exchange.SetStaleInput(StaleInput::kAfterTrouble);
-  exchange.SetLivenessCommand(kLiveness);
+  ExchangeOver exchange(line, setting.version);
   int in_step = 0;
   for (size_t i = 0; in_step < 2; ++i) {
     ASSERT_LT(i, 40U) << "a lidar that answers again is not understood";
@@ -202,13 +181,10 @@ TEST(CmxOrder, NoCommandEverGetsTheAnswerToAnother) {
       {5, {"answers in payloads, paused", data, pause, 1, answers}},
       {5, {"the code of the liveness command", same_code, none}},
   };
-  constexpr int kOrders = 1 << (3 * kFated);
-  static_assert(kFates == 1 << 3);
   for (const auto& [step, setting] : cases) {
     for (int order = 0; order < kOrders; order += step * kStep) {
-      RunThrough(FatesOf(order, kFated), setting);
-      ASSERT_FALSE(HasFatalFailure())
-          << setting.what << ", fates " << HexText(FatesOf(order, kFated));
+      RunThrough(FatesOf(order), setting);
+      ASSERT_FALSE(HasFatalFailure()) << setting.what << ", fates " << HexText(FatesOf(order));
     }
   }
 }
@@ -248,9 +224,7 @@ TEST(CmxOrder, ACopyInFrontOfAnAnswerIsNotTakenForIt) {
       ++asked;
       line->Arrive(milliseconds(1), asked == 1 ? first : asked == 2 ? first + behind : frame);
     };
-    CmxExchange exchange(line, 1, {kTimeoutMs, kTimeoutMs}, line->clock());
-    exchange.SetStaleInput(StaleInput::kAfterTrouble);
-    exchange.SetLivenessCommand(kLiveness);
+    ExchangeOver exchange(line);
     EXPECT_EQ(exchange.Run(0x31, {1}, nullptr).payload, (Bytes{1, 1}));
     const CmxExchange::Outcome second = exchange.Run(0x31, {2}, nullptr);
     EXPECT_EQ(second.error, error) << what;

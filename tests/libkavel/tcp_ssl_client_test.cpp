@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
-#include <future>
 #include <string>
 
 #include "libkavel/openssl_server.h"
@@ -97,39 +96,6 @@ TEST_F(TlsTest, NamesTheFileThatIsWrong) {
   }
   EXPECT_FALSE(client.Open(kHere, UnusedPort(), false, cert.c_str(), other_key.c_str(), nullptr));
   EXPECT_EQ(log.Count(kError, "create SSL_CTX failed"), 1);
-}
-
-TEST_F(TlsTest, SurvivesPeersThatAreNoTlsServers) {
-  SocketPeer closing([](TcpEnd& peer) { peer.Reset(); });
-  std::atomic<bool> greeted{false};
-  SocketPeer silent([&](TcpEnd& peer) {
-    greeted = !peer.Read(1).empty();
-    peer.WaitForEnd();
-  });
-  ASSERT_TRUE(client.InitSslClient("", "", ""));
-  EXPECT_FALSE(StartTls(closing.port()));
-  ASSERT_TRUE(client.InitSslClient("", "", ""));
-  auto handshake = std::async(std::launch::async, [&] { return StartTls(silent.port()); });
-  EXPECT_TRUE(WaitFor([&] { return greeted.load(); }));
-  client.Interrupt();
-  EXPECT_FALSE(handshake.get());
-  // A record whose bytes all arrive in time and never end; requests to begin anew, without a pause.
-  const Bytes drip = {0x16, 0x03, 0x03, 0x40, 0x00};
-  Bytes flood;
-  for (int i = 0; i < 1000; ++i) {
-    flood = flood + Bytes{0x16, 0x03, 0x03, 0x00, 0x04, 0x00, 0x00, 0x00, 0x00};
-  }
-  for (const Bytes& bytes : {drip, flood}) {
-    SocketPeer endless([&](TcpEnd& peer) {
-      for (peer.Send(bytes); !peer.Ended(); bytes == drip ? peer.Drip({2}) : peer.Send(bytes)) {
-      }
-    });
-    TlsSession session;
-    ASSERT_TRUE(session.InitContext("", "", ""));
-    const UniqueSocket socket = UniqueSocket::Owning(tcp_open(kHere, endless.port()));
-    EXPECT_FALSE(session.Connect(socket.handle(), 50));
-  }
-  EXPECT_EQ(log.Count(kError, "connect ssl failed"), 4);
 }
 
 TEST_F(TlsTest, GivesUpAConnectionThatWasMade) {

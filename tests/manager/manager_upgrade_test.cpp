@@ -1,4 +1,5 @@
 #include <QFile>
+#include <QJsonObject>
 #include <QRegularExpression>
 #include <QSignalSpy>
 #include <chrono>
@@ -26,6 +27,13 @@ UpgradeWaits ShortWaits() {
   waits.lidar_returns.leaves = milliseconds(400);  // it has come back by then
   waits.lidar_returns.returns = milliseconds(4000);
   return waits;
+}
+
+/// The version that the lidar itself says that it runs.
+std::string RunningOn(const VirtualLidarProcess& lidar) {
+  const QJsonObject firmware = lidar.State()["firmware"].toObject();
+  const QJsonObject partitions = firmware["partitions"].toObject();
+  return partitions[firmware["active"].toString()]["version"].toString().toStdString();
 }
 
 class UpgradeTest : public testing::Test {
@@ -91,6 +99,50 @@ TEST_F(UpgradeTest, TellsWhatWasSentAndWhatTheLidarRunsAfterwards) {
     EXPECT_FALSE(end.version_before.empty());
     EXPECT_FALSE(end.version_after.empty());
     EXPECT_TRUE(bench.session.state().connected);
+  }
+}
+
+// Whatever becomes of a piece, the lidar runs a whole image, what is told agrees with what the
+// lidar itself says, and the next upgrade succeeds.
+TEST_F(UpgradeTest, IsCutAtAPieceAndTheNextOneSucceeds) {
+  constexpr int kPieces = 10;
+  const struct {
+    QString model;
+    int piece_kib;
+    const char* fault;
+    bool arrives = false;  ///< the piece goes out once more
+  } cuts[] = {
+      {"Orca", 1, "close-at-piece"},       {"Orca", 1, "die-at-piece"},
+      {"Orca", 1, "refuse-piece"},         {"Orca", 1, "lose-piece"},
+      {"Lumo-CMX", 4, "die-at-piece"},     {"Lumo-CMX", 4, "refuse-piece"},
+      {"Lumo-CMX", 4, "lose-piece", true}, {"Lumo-CMX", 4, "damage-piece", true},
+  };
+  UpgradeWaits waits = ShortWaits();
+  waits.lidar_leaves = milliseconds(0);
+  UpgradeWaits short_of_pieces = waits;  // what goes missing is noticed soon
+  short_of_pieces.file_piece_ms = 500;
+  short_of_pieces.stream_piece_ms = 300;
+  for (const auto& [model, piece_kib, fault, arrives] : cuts) {
+    const QUrl first = firmware_.For(model, "2.8.0.1", kPieces * piece_kib);
+    const QUrl next = firmware_.For(model, "2.9.0.1", kPieces * piece_kib);
+    for (const int piece : {1, 6, kPieces}) {
+      const QString order = QString("%1=%2#1").arg(fault).arg(piece);
+      SCOPED_TRACE((model + ' ' + order).toStdString());
+      const VirtualLidarProcess lidar({"--model", model, "--fault", order, "--restart-time", "20"});
+      const std::string old_version = RunningOn(lidar);
+      for (const bool is_next : {false, true}) {
+        UpgradeBench bench(model, lidar, is_next ? waits : short_of_pieces);
+        ASSERT_EQ(bench.Start(is_next ? next : first, false), 0);
+        ASSERT_TRUE(bench.Ends());
+        const UpgradeSnapshot end = bench.upgrade.Now();
+        const std::string runs = RunningOn(lidar);
+        EXPECT_EQ(runs, is_next ? "2.9.0.1" : arrives ? "2.8.0.1" : old_version);
+        EXPECT_EQ(end.failed, !is_next && !arrives) << end.outcome;
+        EXPECT_EQ(end.failed, end.outcome.find("Upgrade complete") == std::string::npos);
+        EXPECT_NE(end.version_after.find(runs), std::string::npos) << end.version_after;
+        EXPECT_NE(end.outcome.find(end.version_after), std::string::npos) << end.outcome;
+      }
+    }
   }
 }
 

@@ -6,27 +6,6 @@ namespace {
 
 using kavel::lidar::kNoReply;
 
-TEST(SettingsReadingTest, HoldsWhatTheLidarHoldsByteForByte) {
-  for (const char* model : {"Orca", "Osprey", "Lumo-CMX", "Kiva-CMX"}) {
-    SettingsBench bench(model);
-    const SettingsFile file = bench.Read();
-    EXPECT_EQ(file.model, model);
-    EXPECT_EQ(file.table_sha256.size(), 64U);
-    EXPECT_FALSE(file.serial_number.empty());
-    size_t found = 0;
-    for (const auto& [name, bytes] : bench.device.Held()) {
-      const SavedValue* const saved = file.Find(name);
-      if (saved != nullptr) {
-        EXPECT_EQ(saved->bytes, bytes) << model << ": " << name;
-        ++found;
-      } else {
-        EXPECT_TRUE(bytes.empty() || bench[name].get_cmd.empty()) << model << ": " << name;
-      }
-    }
-    EXPECT_GT(found, 5U);
-  }
-}
-
 TEST(SettingsReadingTest, WhatTheUserIsTypingIsNotTheLidars) {
   SettingsBench bench("Orca");
   bench.model->table->Edit(bench["Spin Rate"], "1200");

@@ -1,151 +1,86 @@
 #include "support/secret_search.h"
 
 #include <QByteArray>
+#include <QStringList>
 #include <algorithm>
-#include <cctype>
-#include <map>
 #include <stdexcept>
 
 namespace {
 
-constexpr size_t kWordSize = 4;
-// Shorter ones are not looked for in what is left of a text without its separators.
-constexpr size_t kUnmistakableSize = 8;
+constexpr int kWordSize = 4;
+// What stands between two bytes: nothing of a word, "0x" or "\\x".
+constexpr char kBetween[] = "(?:[^0-9a-z]*(?:0?x)?)";
 
-QByteArray Array(const Bytes& bytes) {
-  return {reinterpret_cast<const char*>(bytes.data()), static_cast<int>(bytes.size())};
-}
-
-Bytes WithWordsReversed(Bytes bytes) {
-  for (size_t at = 0; at + kWordSize <= bytes.size(); at += kWordSize) {
-    const auto word = bytes.begin() + static_cast<std::ptrdiff_t>(at);
-    std::reverse(word, word + kWordSize);
+QByteArray WithWordsReversed(QByteArray bytes) {
+  for (int at = 0; at + kWordSize <= bytes.size(); at += kWordSize) {
+    std::reverse(bytes.begin() + at, bytes.begin() + at + kWordSize);
   }
   return bytes;
 }
 
-std::string Joined(const Bytes& bytes, int base, const std::string& between) {
-  std::string text;
-  for (const uint8_t byte : bytes) {
-    const QByteArray digits = QByteArray::number(byte, base);
-    text +=
-        (text.empty() ? "" : between) + (base == 16 && byte < 16 ? "0" : "") + digits.toStdString();
+QString Hexadecimal(const QByteArray& bytes) {
+  return QString(bytes.toHex(' ')).split(' ').join(kBetween);
+}
+
+QString Decimal(const QByteArray& bytes) {
+  QStringList numbers;
+  for (const char byte : bytes) {
+    numbers << QString::number(static_cast<uint8_t>(byte));
   }
-  return text;
+  return "(?<![0-9])" + numbers.join("[^0-9]+") + "(?![0-9])";
 }
 
-/// What base64 is certain to have where the bytes begin `before` bytes into a group of three.
-std::string InBase64(const Bytes& bytes, size_t before) {
-  const std::string whole = (QByteArray(static_cast<int>(before), '\0') + Array(bytes))
-                                .toBase64(QByteArray::OmitTrailingEquals)
-                                .toStdString();
-  const size_t first = (8 * before + 5) / 6;
-  return whole.substr(first, 8 * (before + bytes.size()) / 6 - first);
-}
-
-template <typename Keeps>
-std::string Only(std::string text, const Keeps& keeps) {
-  text.erase(std::remove_if(text.begin(), text.end(),
-                            [&](char c) { return !keeps(static_cast<unsigned char>(c)); }),
-             text.end());
-  return text;
-}
-
-std::string LowerCase(std::string text) {
-  for (char& c : text) {
-    c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+/// What base64 is certain to have where the bytes begin `before` bytes into a group of three, of
+/// either alphabet and however it is broken into lines.
+QString Base64(const QByteArray& bytes, int before) {
+  const QByteArray whole =
+      (QByteArray(before, '\0') + bytes).toBase64(QByteArray::OmitTrailingEquals);
+  const int first = (8 * before + 5) / 6;
+  const QByteArray certain = whole.mid(first, 8 * (before + bytes.size()) / 6 - first);
+  QString pattern = "(?-i)";
+  for (const char letter : certain) {
+    pattern += letter == '+' ? "[+-]" : letter == '/' ? "[/_]" : QString(letter);
+    pattern += "\\s*";
   }
-  return text;
-}
-
-std::string HexDigits(const std::string& text) {
-  std::string digits;
-  for (size_t i = 0; i < text.size(); ++i) {
-    const bool is_prefix = i + 1 < text.size() && text[i] == '0' && text[i + 1] == 'x';
-    if (!is_prefix && std::isxdigit(static_cast<unsigned char>(text[i])) != 0) {
-      digits += text[i];
-    }
-  }
-  return digits;
-}
-
-/// Every number with one blank before and behind it.
-std::string Decimals(const std::string& text) {
-  std::string numbers = " ";
-  for (const char c : text) {
-    const bool is_digit = std::isdigit(static_cast<unsigned char>(c)) != 0;
-    if (is_digit || numbers.back() != ' ') {
-      numbers += is_digit ? c : ' ';
-    }
-  }
-  return numbers + ' ';
+  return pattern;
 }
 
 }  // namespace
 
 void SecretSearch::Add(const std::string& name, const Bytes& secret) {
-  if (secret.size() < kWordSize) {
+  const QByteArray bytes(reinterpret_cast<const char*>(secret.data()),
+                         static_cast<int>(secret.size()));
+  if (bytes.size() < kWordSize) {
     throw std::invalid_argument(name + " is too short to be searched for");
   }
-  AddOrder(name, secret);
-  AddOrder(name + " by words", WithWordsReversed(secret));
-  if (secret.size() > kWordSize) {
-    AddOrder(name + " reversed", {secret.rbegin(), secret.rend()});
-  }
-}
-
-void SecretSearch::AddOrder(const std::string& name, const Bytes& bytes) {
-  const auto add = [&](const char* how, View view, const std::string& text) {
-    needles_.push_back({name + how, view, text});
+  const auto add = [&](const char* how, const QString& pattern) {
+    needles_.push_back(
+        {name + how, QRegularExpression(pattern, QRegularExpression::CaseInsensitiveOption |
+                                                     QRegularExpression::DontCaptureOption)});
   };
-  add(" as bytes", View::kAsItIs, Array(bytes).toStdString());
-  add(" in decimal", View::kDecimals, ' ' + Joined(bytes, 10, " ") + ' ');
-  if (bytes.size() >= kUnmistakableSize) {
-    add(" in hexadecimal", View::kHexDigits, Joined(bytes, 16, ""));
-    for (const size_t before : {0U, 1U, 2U}) {
-      add(" in base64", View::kBase64, InBase64(bytes, before));
+  QByteArray reversed = bytes;
+  std::reverse(reversed.begin(), reversed.end());
+  for (const QByteArray& order : {bytes, WithWordsReversed(bytes), reversed}) {
+    add(" as bytes", "(?-i)\\x" + order.toHex(' ').replace(" ", "\\x"));
+    add(" in hexadecimal", Hexadecimal(order));
+    add(" in decimal", Decimal(order));
+    for (int before = 0; before < (bytes.size() > kWordSize ? 3 : 1); ++before) {
+      add(" in base64", Base64(order, before));
     }
-    return;
-  }
-  for (const char* between : {"", " ", ",", ", ", ":", "-", " 0x", ",0x", ", 0x", "\\x"}) {
-    add(" in hexadecimal", View::kLowerCase, Joined(bytes, 16, between));
-  }
-  add(" in base64", View::kBase64, Array(bytes).toBase64().toStdString());
-  if (bytes.size() == kWordSize) {
-    const QByteArray number = QByteArray::number(Array(bytes).toHex().toUInt(nullptr, 16));
-    add(" as a number", View::kDecimals, ' ' + number.toStdString() + ' ');
+    if (bytes.size() == kWordSize) {
+      const uint number = order.toHex().toUInt(nullptr, 16);
+      add(" as a number", "(?<![0-9])" + QString::number(number) + "(?![0-9])");
+    }
   }
 }
 
 std::string SecretSearch::FoundIn(const std::string& text) const {
-  std::map<View, std::string> views;
+  const QString letters = QString::fromLatin1(text.data(), static_cast<int>(text.size()));
   std::string found;
   for (const Needle& needle : needles_) {
-    if (views.count(needle.view) == 0) {
-      views[needle.view] = Viewed(text, needle.view);
-    }
-    if (views[needle.view].find(needle.text) != std::string::npos) {
+    if (needle.pattern.match(letters).hasMatch()) {
       found += (found.empty() ? "" : "; ") + needle.name;
     }
   }
   return found;
-}
-
-std::string SecretSearch::Viewed(const std::string& text, View view) {
-  switch (view) {
-    case View::kAsItIs:
-      return text;
-    case View::kLowerCase:
-      return LowerCase(text);
-    case View::kHexDigits:
-      return HexDigits(LowerCase(text));
-    case View::kDecimals:
-      return Decimals(text);
-    case View::kBase64:
-      break;
-  }
-  std::string standard = Only(text, [](unsigned char c) { return std::isspace(c) == 0; });
-  std::replace(standard.begin(), standard.end(), '-', '+');
-  std::replace(standard.begin(), standard.end(), '_', '/');
-  return standard;
 }

@@ -21,53 +21,23 @@ namespace {
 constexpr char kSharedSecret[] = "5ec97a13d8b04f62e1973c85ad20f46b";
 
 TEST(SecretSearchTest, FindsAPlantedKeyInEverySpelling) {
-  const char* const digits = "c47d90e2316fb85a0d94e3a77c2b16f8";
-  const QByteArray key = QByteArray::fromHex(digits);
   SecretSearch search;
-  search.Add("key", FromHex(digits));
-  QByteArray by_words;
-  for (int at = 0; at < key.size(); at += 4) {
-    by_words +=
-        QByteArray(key.mid(at + 3, 1)) + key.mid(at + 2, 1) + key.mid(at + 1, 1) + key.mid(at, 1);
+  search.Add("key", FromHex("c47d90e2316fb85a0d94e3a77c2b16f8"));
+  search.Add("word", FromHex("d36b90f7"));
+  for (const char* spelt :
+       {"C47D90E2316FB85A0D94E3A77C2B16F8", "c4 7d 90 e2 31 6f b8 5a\n0d 94 e3 a7 7c 2b 16 f8",
+        "{0xC4, 0x7d, 0x90, 0xe2, 0x31, 0x6f, 0xb8, 0x5a, 0x0d, 0x94, 0xe3, 0xa7, 0x7c, 0x2b, "
+        "0x16, 0xf8}",
+        "\\xc4\\x7d\\x90\\xe2\\x31\\x6f\\xb8\\x5a\\x0d\\x94\\xe3\\xa7\\x7c\\x2b\\x16\\xf8",
+        "e2907dc4 5ab86f31 a7e3940d f8162b7c", "f8162b7ca7e3940d5ab86f31e2907dc4",
+        "[196, 125, 144, 226, 49, 111, 184, 90, 13, 148, 227, 167, 124, 43, 22, 248]",
+        "xH2Q4jFvuFoN\nlOOnfCsW+A==", "QcR9kOIxb7haDZTjp3wrFvg=", "QULEfZDiMW-4Wg2U46d8Kxb4",
+        "0xD36B90F7", "0xf7, 0x90, 0x6b, 0xd3", "3547042039", "211 107 144 247",
+        "02uQ9w==", "\xd3\x6b\x90\xf7"}) {
+    EXPECT_NE(search.FoundIn(std::string("a log: ") + spelt + " and more"), "") << spelt;
   }
-  QByteArray reversed = key;
-  std::reverse(reversed.begin(), reversed.end());
-  for (const QByteArray& bytes : {key, by_words, reversed}) {
-    const QByteArray hex = bytes.toHex();
-    QByteArray decimal;
-    for (const char byte : bytes) {
-      decimal += QByteArray::number(static_cast<uint8_t>(byte)) + ", ";
-    }
-    QByteArrayList spelt = {bytes,
-                            hex,
-                            hex.toUpper(),
-                            bytes.toHex(' '),
-                            bytes.toHex(':').toUpper(),
-                            "{0x" + bytes.toHex(' ').replace(" ", ", 0x") + "}",
-                            "0X" + bytes.toHex('\n').toUpper(),
-                            "\\x" + bytes.toHex(' ').replace(" ", "\\x"),
-                            "[" + decimal + "]"};
-    for (const QByteArray head : {"", "1", "12"}) {
-      const QByteArray base64 = (head + bytes + "tail").toBase64();
-      spelt << base64 << (head + bytes + "tail").toBase64(QByteArray::Base64UrlEncoding)
-            << base64.left(10) + "\r\n" + base64.mid(10);
-    }
-    for (const QByteArray& text : spelt) {
-      EXPECT_NE(search.FoundIn(("a log: " + text + " and more").toStdString()), "")
-          << text.toStdString();
-    }
-  }
-  EXPECT_EQ(search.FoundIn("a log: c47d90e2 316fb85a 0d94e3a7 7c2b16"), "");
-}
-
-TEST(SecretSearchTest, FindsAWordWhereItIsUnmistakable) {
-  SecretSearch words;
-  EXPECT_THROW(words.Add("short", {1, 2, 3}), std::invalid_argument);
-  words.Add("word", FromHex("d36b90f7"));
-  for (const char* spelt : {"d36b90f7", "0xD36B90F7", "d3 6b 90 f7", "0xf7, 0x90, 0x6b, 0xd3",
-                            "3547042039", "211 107 144 247", "02uQ9w==", "\xd3\x6b\x90\xf7"}) {
-    EXPECT_NE(words.FoundIn(std::string("word ") + spelt + "."), "") << spelt;
-  }
+  EXPECT_EQ(search.FoundIn("a log: c47d90e2 316fb85a 0d94e3a7 7c2b16, d36b90, 13547042039"), "");
+  EXPECT_THROW(search.Add("short", {1, 2, 3}), std::invalid_argument);
 }
 
 class SecretsTest : public testing::Test {

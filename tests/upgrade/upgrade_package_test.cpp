@@ -2,8 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <random>
-
 #include "support/bytes.h"
 
 namespace {
@@ -49,17 +47,13 @@ TEST(UpgradePackage, NamesWhatIsWrongInItsOrder) {
     UpgradePackageHeader header;
     EXPECT_EQ(Parse(package, &header), said);
   }
-}
-
-TEST(UpgradePackage, KeepsWhatItRead) {
   UpgradePackageHeader header;
   ASSERT_EQ(Parse(Package("03", "0100000002000000 0300000001000000", 4), &header), "parsed\n");
   EXPECT_EQ(header.word, 0x12345678U);
   EXPECT_EQ(header.flags, 3);
   EXPECT_EQ(header.components[kBmbAppA].offset, 1U);
   EXPECT_EQ(header.components[kBmbAppA].size, 2U);
-  EXPECT_TRUE(header.components[kBmbAppB].present);
-  EXPECT_FALSE(header.components[kTmbParam].present);
+  EXPECT_TRUE(header.components[kBmbAppB].present && !header.components[kTmbParam].present);
 }
 
 TEST(UpgradePackage, CutsComponentsOutAndTheFrontOffGateArrays) {
@@ -93,36 +87,6 @@ TEST(UpgradePackage, CutsComponentsOutAndTheFrontOffGateArrays) {
   extract(package, {{0, 1024, true}, "TMB_FPGA", {}, ""}, &out);
   EXPECT_EQ(out.size(), 1024U);
   EXPECT_EQ(extract(Bytes(55), cases[0], &out), "Component BMB_APP_A package too small");
-}
-
-// Whatever the bytes are, what parses can be cut out. Run with the address sanitizer this is what
-// finds a read behind the end.
-TEST(UpgradePackage, TakesAnyBytes) {
-  std::mt19937 random(20260);
-  const auto any = [&random] { return static_cast<uint8_t>(random()); };
-  int parsed = 0;
-  for (int round = 0; round < 5000; ++round) {
-    Bytes package = Package("00", "", random() % 256);
-    package[8] = static_cast<uint8_t>(1U << random() % 5);
-    package[8] |= static_cast<uint8_t>(1U << random() % 5);
-    for (size_t at = 12; at < 52; at += 4) {
-      package[at] = any() & 0x1F;
-      package[at + random() % 4] = random() % 16 == 0 ? any() : package[at];
-    }
-    UpgradePackageHeader header;
-    if (Parse(package, &header) != "parsed\n") {
-      continue;
-    }
-    ++parsed;
-    for (size_t i = 0; i < kUpgradeComponents; ++i) {
-      Bytes out;
-      const UpgradeComponent& component = header.components[i];
-      const char* name = UpgradeComponentName(static_cast<UpgradeComponentIndex>(i));
-      EXPECT_TRUE(ExtractComponent(package, component, name, out, [](const std::string&) {}));
-      EXPECT_EQ(out.size(), component.size);
-    }
-  }
-  EXPECT_GT(parsed, 50);
 }
 
 }  // namespace

@@ -65,15 +65,6 @@ TEST_F(PagesTest, LeavesShowTheVariableAndItsValue) {
   EXPECT_EQ(shown(1, 0, "switch_index"), "1");
   EXPECT_EQ(errors, (std::vector<std::string>{
                         "config file error, Please check the configuration of type 2 of Gain"}));
-
-  const QStringList keys = VariableMap(Var("Serial"), {}).keys();
-  EXPECT_EQ(
-      keys.join(' ').toStdString(),
-      "check_enable coefficient current_val default_val editable edited get_cmd get_start_pos "
-      "group_id hint index length_limit offset option_index option_num option_values options page "
-      "permission range_max range_min read_at read_failure reading set_cmd set_coefficient "
-      "set_start_pos state switch_index switch_var_id timer_update type unit unit_suffix var_id "
-      "var_name var_type varname_value_to_option visible wanted");
 }
 
 }  // namespace

@@ -269,13 +269,6 @@ TEST(Process, ServesASerialModelThatOnlyTheTablesOfTheSiteKnow) {
   ASSERT_TRUE(heron.Prints("serial port /dev/")) << heron.Output().toStdString();
   EXPECT_TRUE(heron.Output().contains("Heron is described by " + config + "/site/varID/Heron.csv"));
   EXPECT_FALSE(heron.Output().contains("listening"));
-
-  const QString file = config + "/heron.patch";
-  Program maker({"--model", "Heron", "--config", config, "--make-firmware", "2.8.0", file});
-  ASSERT_EQ(maker.ExitCode(), 0) << maker.Output().toStdString();
-  QFile package(file);
-  ASSERT_TRUE(package.open(QIODevice::ReadOnly));
-  EXPECT_EQ(package.read(4), "KVOT") << "a package, as a Kiva takes";
 }
 
 }  // namespace

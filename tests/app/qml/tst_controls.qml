@@ -13,7 +13,6 @@ TestCase {
     width: 400
     height: 300
 
-    Component { id: field; DefaultTextField { value: "600" } }
     Component { id: toggle; DefaultSwitch { value: true } }
     Component { id: box; DefaultComboBox { model: ["Strongest", "Last", "Dual"]; chosenIndex: 1 } }
     Component { id: tabs; TabWidget { width: 400; titles: ["Overview", "Scan"] } }
@@ -37,22 +36,6 @@ TestCase {
         wish.target = control;
         wish.clear();
         return control;
-    }
-
-    function test_a_fresh_value_does_not_disturb_typing() {
-        const control = make(field, "committed");
-        control.forceActiveFocus();
-        keyClick(Qt.Key_7);
-        control.value = "601";
-        compare(control.text, "7");
-        keyClick(Qt.Key_Escape);
-        compare(control.text, "601");
-        compare(wish.count, 0);
-        keyClick(Qt.Key_7);
-        keyClick(Qt.Key_Return);
-        compare(wish.count, 1);
-        control.value = "602";
-        compare(control.text, "602");
     }
 
     function tipOf(control) {

@@ -14,7 +14,6 @@ TestCase {
     Component { id: error; ErrorInfoWindow {} }
     Component { id: success; SuccessInfoWindow { width: 300; stayMs: 400 } }
     Component { id: question; MessageWindow {} }
-    Component { id: about; AboutWindow { version: "1.0.1" } }
     Component { id: field; DefaultTextField { y: 100; width: 100 } }
     SignalSpy { id: accepted; signalName: "accepted" }
     SignalSpy { id: answered; signalName: "answered" }
@@ -129,12 +128,5 @@ TestCase {
         }
         compare(accepted.count, 3);
         tryVerify(() => !box.visible);
-    }
-
-    function test_about_names_the_version() {
-        const box = make(about);
-        box.open();
-        tryVerify(() => box.opened);
-        verify(Array.from(box.extra).some(item => item.text === "Version 1.0.1"));
     }
 }
