@@ -206,6 +206,12 @@ void DeclareWatching(CLI::App& app, Arguments* arguments) {
                         "check-tables --config ./Config");
   check->add_option("--model", arguments->model, "Check the tables of this model alone")
       ->type_name("MODEL");
+  auto* dissector = Declare(app, "dissector", "The tables as a dissector for Wireshark",
+                            "dissector --model Orca > tevron.lua");
+  dissector
+      ->add_option("--model", arguments->model,
+                   "The model that it begins with; it knows all of them")
+      ->type_name("MODEL");
 }
 
 void DeclareHelp(CLI::App& app, Arguments* arguments) {

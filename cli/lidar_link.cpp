@@ -59,12 +59,17 @@ Failure WrongPlace(const LidarModel& model) {
 
 }  // namespace
 
-std::shared_ptr<LidarModel> LoadNamedModel(const Context& context) {
-  const std::vector<std::string> models = context.config.Models();
+std::vector<std::string> InstalledModels(const Context& context) {
+  std::vector<std::string> models = context.config.Models();
   if (models.empty()) {
     throw Failure(ExitCode::kUsage, "there are no tables in " + context.config.path() +
                                         "/varID; name their folder with --config");
   }
+  return models;
+}
+
+std::shared_ptr<LidarModel> LoadNamedModel(const Context& context) {
+  const std::vector<std::string> models = InstalledModels(context);
   if (context.arguments.model.empty()) {
     throw Failure(ExitCode::kUsage, "give the model with --model; \"tevronctl models\" lists them");
   }

@@ -3,12 +3,16 @@
 #include <functional>
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "CmxClient/command_sender.h"
 #include "context.h"
 #include "lidar_session.h"
 #include "maintenance/maintenance.h"
 #include "task_queue.h"
+
+/// The models that there are tables for. Throws a Failure when there is none.
+std::vector<std::string> InstalledModels(const Context& context);
 
 /// The model that the command line names. Throws a Failure for none, and for one whose table cannot
 /// be used.

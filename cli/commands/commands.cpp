@@ -19,6 +19,7 @@ Command FindCommand(const std::string& name) {
       {"monitor", RunMonitor},
       {"watch-udp", RunWatchUdp},
       {"check-tables", RunCheckTables},
+      {"dissector", RunDissector},
       {"bundle", RunBundle},
   };
   for (const auto& [called, command] : commands) {

@@ -27,4 +27,5 @@ ExitCode RunCalibration(Context& context);
 ExitCode RunMonitor(Context& context);
 ExitCode RunWatchUdp(Context& context);
 ExitCode RunCheckTables(Context& context);
+ExitCode RunDissector(Context& context);
 ExitCode RunBundle(Context& context);

@@ -6,6 +6,7 @@
 #include <sstream>
 
 #include "commands/commands.h"
+#include "lidar_link.h"
 #include "names.h"
 #include "table_check/table_check.h"
 #include "variables/feature_config.h"
@@ -26,11 +27,7 @@ const char* OptionsOf(ConnectType connect_type) {
 }  // namespace
 
 ExitCode RunModels(Context& context) {
-  const std::vector<std::string> models = context.config.Models();
-  if (models.empty()) {
-    throw Failure(ExitCode::kUsage, "there are no tables in " + context.config.path() +
-                                        "/varID; name their folder with --config");
-  }
+  const std::vector<std::string> models = InstalledModels(context);
   size_t width = 0;
   for (const std::string& model : models) {
     width = std::max(width, model.size());
