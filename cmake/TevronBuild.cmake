@@ -14,16 +14,24 @@ target_compile_features(tevron_build_flags INTERFACE cxx_std_17)
 target_compile_options(tevron_build_flags INTERFACE
   -Wall -Wextra -Wpedantic -Wshadow -Wconversion
   $<$<BOOL:${PROJECT_IS_TOP_LEVEL}>:-Werror>
-  -fPIC -fstack-protector-strong
-  $<$<NOT:$<CONFIG:Debug>>:-U_FORTIFY_SOURCE -D_FORTIFY_SOURCE=2>)
+  -fstack-protector-strong)
+target_link_options(tevron_build_flags INTERFACE -fstack-protector-strong)
 target_compile_definitions(tevron_build_flags INTERFACE _GLIBCXX_ASSERTIONS)
-target_link_options(tevron_build_flags INTERFACE -pie -Wl,-z,relro -Wl,-z,now)
+if(WIN32)
+  # Windows 10 and newer; without the macros that its headers have for min and max.
+  target_compile_definitions(tevron_build_flags INTERFACE
+    _WIN32_WINNT=0x0A00 NOMINMAX WIN32_LEAN_AND_MEAN)
+else()
+  target_compile_options(tevron_build_flags INTERFACE
+    -fPIC $<$<NOT:$<CONFIG:Debug>>:-U_FORTIFY_SOURCE -D_FORTIFY_SOURCE=2>)
+  target_link_options(tevron_build_flags INTERFACE -pie -Wl,-z,relro -Wl,-z,now)
+endif()
 
 # Two to five times faster to link than the default on a debug build. Debian 12's mold is faster still,
 # but one in some hundred of its programs does not start: where thread-local data begins a few bytes
 # below the page of the read-only relocations, the loader is told to protect a page that is not there.
 find_program(TEVRON_LLD ld.lld)
-if(TEVRON_LLD AND PROJECT_IS_TOP_LEVEL)
+if(TEVRON_LLD AND PROJECT_IS_TOP_LEVEL AND NOT WIN32)
   target_link_options(tevron_build_flags INTERFACE -fuse-ld=lld)
 endif()
 

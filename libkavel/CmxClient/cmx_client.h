@@ -30,10 +30,10 @@ class CmxClient : public CommandSender {
   /// Starts connecting at once, from a thread of its own.
   ///
   /// `lidar_ip`             dotted IPv4; empty: waits until `SetLidarIp` fills it
-  /// `connection_type`      0 plain TCP, 1 TLS; with any other the client never opens
-  /// `protocol_version`     1 or 2; with any other every exchange fails with `kSendIncomplete`
-  /// `cert_path` ...        PEM files, "" for none; TLS only
-  /// `recv_timeout_ms`, `send_timeout_ms`   applied on connecting when both are non-zero, else 500
+  /// `connection_type`      0 plain TCP, 1 TLS, where that is built (TEVRON_TLS); with any other
+  /// the client never opens `protocol_version`     1 or 2; with any other every exchange fails with
+  /// `kSendIncomplete` `cert_path` ...        PEM files, "" for none; TLS only `recv_timeout_ms`,
+  /// `send_timeout_ms`   applied on connecting when both are non-zero, else 500
   /// `connect_time_limit_s` gives up after so many seconds; negative: never. An attempt takes up to
   ///                        1 s and is finished first
   /// `host_port`            local port, 0 for any

@@ -5,14 +5,15 @@
 
 #include "CmxClient/cmx_client.h"
 #include "CmxClient/tcp_client.h"
-#include "CmxClient/tcp_ssl_client.h"
 #include "Log/logger.h"
+#ifdef TEVRON_TLS
+#include "CmxClient/tcp_ssl_client.h"
+#endif
 
 namespace kavel::lidar {
 namespace {
 
 constexpr uint32_t kTcp = 0;
-constexpr uint32_t kTls = 1;
 constexpr std::chrono::milliseconds kRetryPause{100};
 /// Without it a client whose time-outs were left at 0 would wait for ever.
 constexpr CmxExchange::Timeouts kDefaultTimeouts{500, 500};
@@ -21,9 +22,12 @@ std::shared_ptr<ClientBase> MakeTransport(uint32_t connection_type) {
   if (connection_type == kTcp) {
     return std::make_shared<TcpClient>();
   }
+#ifdef TEVRON_TLS
+  constexpr uint32_t kTls = 1;
   if (connection_type == kTls) {
     return std::make_shared<TcpSslClient>();
   }
+#endif
   return nullptr;
 }
 

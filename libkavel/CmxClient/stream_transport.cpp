@@ -1,7 +1,6 @@
 #include "CmxClient/stream_transport.h"
 
 #include <algorithm>
-#include <cerrno>
 #include <chrono>
 #include <utility>
 
@@ -76,7 +75,7 @@ int32_t StreamTransport::Send(uint8_t* data, uint16_t length, int32_t flags) {
   if (!EnsureOpen()) {
     return -1;
   }
-  errno = 0;  // a short send sets no error, and an older one must not speak for it
+  ClearSocketError();  // a short send sets none
   const int32_t sent = Write(data, length, flags);
   if (sent == length) {
     return sent;

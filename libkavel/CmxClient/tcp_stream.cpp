@@ -62,7 +62,7 @@ int FinishConnecting(SocketHandle socket, int64_t timeout_us,
 
 // 0, or why the port cannot be bound.
 int BindLocalPort(SocketHandle socket, uint16_t host_port) {
-  if (!SetSocketOption(socket, SOL_SOCKET, SO_REUSEADDR, 1)) {
+  if (!SetReusablePort(socket)) {
     KAVEL_LOG(kError, "setsockopt SO_REUSEADDR failed, WSAGetLastError:%d", LastSocketError());
   }
   if (!SetAbortiveClose(socket)) {

@@ -17,16 +17,17 @@ constexpr uintmax_t kLargestFile = uintmax_t{1024} * 1024;
 
 // Why the file is not to be opened as one with certificates or a key; "" when it may be.
 std::string FileProblem(const std::string& path) {
+  const std::filesystem::path file = std::filesystem::u8path(path);
   std::error_code error;
-  const auto status = std::filesystem::status(path, error);
+  const auto status = std::filesystem::status(file, error);
   if (std::filesystem::exists(status) && !std::filesystem::is_regular_file(status)) {
     return "is no file";
   }
   errno = 0;
-  if (!std::ifstream(path, std::ios::binary)) {
+  if (!std::ifstream(file, std::ios::binary)) {
     return "cannot be read: " + std::generic_category().message(errno);
   }
-  const auto size = std::filesystem::file_size(path, error);
+  const auto size = std::filesystem::file_size(file, error);
   return !error && size > kLargestFile ? "is too large: more than 1 MiB" : "";
 }
 

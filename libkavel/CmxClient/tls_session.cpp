@@ -4,7 +4,6 @@
 #include <openssl/ssl.h>
 
 #include <algorithm>
-#include <cerrno>
 #include <utility>
 
 #include "Log/logger.h"
@@ -41,7 +40,7 @@ auto ReadUpTo(uint8_t* buffer, uint32_t length) {
 // What stopped a step that neither is done nor goes on by waiting; `is_late`: past its deadline,
 // so that a read may have been refused.
 TlsStep Stopped(int error, bool is_late) {
-  const int system_error = errno;
+  const int system_error = LastSocketError();
   const unsigned long reason = ERR_peek_last_error();
   ERR_clear_error();
   const bool has_ended = error == SSL_ERROR_ZERO_RETURN ||
@@ -109,7 +108,7 @@ TlsStep TlsSession::Run(Clock::time_point deadline, bool waits, Step step) {
   deadline_ = deadline;
   while (true) {
     ERR_clear_error();
-    errno = 0;
+    ClearSocketError();
     const int result = step(session_.get());
     if (result > 0) {
       return {TlsStep::End::kDone, result};

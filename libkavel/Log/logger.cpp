@@ -1,5 +1,9 @@
 #include "Log/logger.h"
 
+#ifdef _WIN32
+#define SPDLOG_WCHAR_FILENAMES
+#endif
+
 #include <spdlog/async_logger.h>
 #include <spdlog/details/thread_pool.h>
 #include <spdlog/sinks/rotating_file_sink.h>
@@ -90,7 +94,7 @@ std::string FormatLine(const char* format, va_list arguments) {
 }
 
 /// A pipe would hold up whoever opens it.
-bool CanBeLogFile(const std::string& path) {
+bool CanBeLogFile(const std::filesystem::path& path) {
   std::error_code ignored;
   const std::filesystem::file_type type = std::filesystem::status(path, ignored).type();
   return type == std::filesystem::file_type::regular ||
@@ -102,12 +106,12 @@ bool CanBeLogFile(const std::string& path) {
 /// The file and the thread that writes it. The thread ends, with the queue written out, when the
 /// last user lets go.
 struct Logger::File {
-  File(const std::string& path, LogLevel lowest)
+  File(const std::filesystem::path& path, LogLevel lowest)
       : threshold(lowest),
         writer(std::make_shared<spdlog::details::thread_pool>(kQueuedLines, 1)),
         log(std::make_shared<spdlog::async_logger>(
             "kavel",
-            std::make_shared<spdlog::sinks::rotating_file_sink_mt>(path, kMaxFileBytes,
+            std::make_shared<spdlog::sinks::rotating_file_sink_mt>(path.native(), kMaxFileBytes,
                                                                    kRotatedFiles),
             writer, spdlog::async_overflow_policy::overrun_oldest)) {
     log->set_level(SpdlogLevel(lowest));
@@ -151,10 +155,11 @@ void Logger::AddToQueue(LogLevel level, const char* file, int line, const char* 
 
 bool Logger::SetFile(const std::string& path, LogLevel threshold) {
   std::shared_ptr<File> file;
-  bool opened = path.empty() || CanBeLogFile(path);
+  const std::filesystem::path place = std::filesystem::u8path(path);
+  bool opened = path.empty() || CanBeLogFile(place);
   if (opened && !path.empty()) {
     try {
-      file = std::make_shared<File>(path, threshold);
+      file = std::make_shared<File>(place, threshold);
     } catch (const std::exception&) {
       opened = false;
     }

@@ -49,7 +49,7 @@ class Logger {
   void AddToQueue(LogLevel level, const char* file, int line, const char* function,
                   const char* format, ...) KAVEL_PRINTF_FORMAT(6, 7);
 
-  /// Writes from now on to `path`, whose folder is created; "" stops writing. Lines below
+  /// Writes from now on to `path` (UTF-8), whose folder is created; "" stops writing. Lines below
   /// `threshold` are left out. False when the file cannot be opened: then nothing is written.
   bool SetFile(const std::string& path, LogLevel threshold = kInfo);
 

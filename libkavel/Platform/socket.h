@@ -24,11 +24,12 @@ namespace kavel::lidar {
 using SocketHandle = SOCKET;
 constexpr int kSocketInProgress = WSAEWOULDBLOCK;
 constexpr int kSocketWouldBlock = WSAEWOULDBLOCK;
-constexpr int kSocketTryAgain = WSAEWOULDBLOCK;
+constexpr int kSocketTryAgain = WSAETIMEDOUT;
 constexpr int kSocketInterrupted = WSAEINTR;
 constexpr int kSocketTimedOut = WSAETIMEDOUT;
 constexpr int kSocketAddressInUse = WSAEADDRINUSE;
 constexpr int kSocketAddressTaken = WSAEADDRINUSE;
+constexpr int kSocketNoAddress = WSAEADDRNOTAVAIL;
 constexpr int kSocketRefused = WSAECONNREFUSED;
 constexpr int kSocketNoNetwork = WSAENETUNREACH;
 constexpr int kSocketNoHost = WSAEHOSTUNREACH;
@@ -41,6 +42,7 @@ constexpr int kSocketInterrupted = EINTR;
 constexpr int kSocketTimedOut = ETIMEDOUT;
 constexpr int kSocketAddressInUse = EADDRINUSE;
 constexpr int kSocketAddressTaken = EADDRNOTAVAIL;
+constexpr int kSocketNoAddress = EADDRNOTAVAIL;
 constexpr int kSocketRefused = ECONNREFUSED;
 constexpr int kSocketNoNetwork = ENETUNREACH;
 constexpr int kSocketNoHost = EHOSTUNREACH;
@@ -52,9 +54,12 @@ bool StartSockets();
 void StopSockets();
 
 int LastSocketError();
+/// For calls that may fail without setting one: an older error must not speak for them.
+void ClearSocketError();
 std::string SocketErrorText(int error);
 
-/// An IPv4 socket that no child process inherits, or `kInvalidSocket`.
+/// An IPv4 socket that no child process inherits, or `kInvalidSocket`. A datagram socket hears
+/// nothing of packets that it sent in vain.
 SocketHandle CreateSocket(int type, int protocol);
 
 /// Ignores `kInvalidSocket`.
@@ -77,6 +82,10 @@ uint32_t SendTimeoutMs(SocketHandle socket);
 bool SetSocketOption(SocketHandle socket, int level, int name, int value);
 bool GetSocketOption(SocketHandle socket, int level, int name, int* value);
 
+/// The socket may be bound to a local port whose last connection ended a moment ago. On Windows it
+/// may be without being asked; the option of that name would let it take a port in use.
+bool SetReusablePort(SocketHandle socket);
+
 /// Closing will reset the connection instead of lingering, so that its local port is free at once.
 bool SetAbortiveClose(SocketHandle socket);
 
@@ -85,6 +94,9 @@ int SendBytes(SocketHandle socket, const void* data, size_t size, int flags);
 
 /// One receive, restarted when a signal interrupts it. Returns the count, 0 at the end, or -1.
 int ReceiveBytes(SocketHandle socket, void* buffer, size_t size, int flags);
+
+/// One packet, as `ReceiveBytes`; what does not fit is lost. `*sender` is where it comes from.
+int ReceivePacket(SocketHandle socket, void* buffer, size_t size, int flags, sockaddr_in* sender);
 
 /// What can go wrong around a receive that must not wait.
 enum class PollFault { kNone, kCannotEnter, kCannotLeave };

@@ -78,6 +78,8 @@ void StopSockets() {}
 
 int LastSocketError() { return errno; }
 
+void ClearSocketError() { errno = 0; }
+
 std::string SocketErrorText(int error) { return std::generic_category().message(error); }
 
 SocketHandle CreateSocket(int type, int protocol) {
@@ -123,6 +125,10 @@ bool GetSocketOption(SocketHandle socket, int level, int name, int* value) {
   return getsockopt(socket, level, name, value, &size) == 0;
 }
 
+bool SetReusablePort(SocketHandle socket) {
+  return SetSocketOption(socket, SOL_SOCKET, SO_REUSEADDR, 1);
+}
+
 bool SetAbortiveClose(SocketHandle socket) {
   const linger reset{1, 0};
   return setsockopt(socket, SOL_SOCKET, SO_LINGER, &reset, sizeof reset) == 0;
@@ -142,6 +148,12 @@ int ReceiveBytes(SocketHandle socket, void* buffer, size_t size, int flags) {
     received = recv(socket, buffer, size, flags);
   } while (received == -1 && errno == EINTR);
   return static_cast<int>(received);
+}
+
+int ReceivePacket(SocketHandle socket, void* buffer, size_t size, int flags, sockaddr_in* sender) {
+  socklen_t sender_size = sizeof *sender;
+  return static_cast<int>(
+      recvfrom(socket, buffer, size, flags, reinterpret_cast<sockaddr*>(sender), &sender_size));
 }
 
 int ReceiveWithoutWaiting(SocketHandle socket, void* buffer, size_t size, PollFault* fault) {

@@ -1,3 +1,5 @@
+#include <mswsock.h>
+
 #include <algorithm>
 #include <system_error>
 
@@ -50,11 +52,21 @@ void StopSockets() { WSACleanup(); }
 
 int LastSocketError() { return WSAGetLastError(); }
 
+void ClearSocketError() { WSASetLastError(0); }
+
 std::string SocketErrorText(int error) { return std::system_category().message(error); }
 
 SocketHandle CreateSocket(int type, int protocol) {
-  return WSASocketW(AF_INET, type, protocol, nullptr, 0,
-                    WSA_FLAG_OVERLAPPED | WSA_FLAG_NO_HANDLE_INHERIT);
+  const SocketHandle socket = WSASocketW(AF_INET, type, protocol, nullptr, 0,
+                                         WSA_FLAG_OVERLAPPED | WSA_FLAG_NO_HANDLE_INHERIT);
+  if (socket != kInvalidSocket && type == SOCK_DGRAM) {
+    // Else the next receive would fail with the refusal of a packet that was sent.
+    BOOL tells = FALSE;
+    DWORD unused = 0;
+    WSAIoctl(socket, SIO_UDP_CONNRESET, &tells, sizeof tells, nullptr, 0, &unused, nullptr,
+             nullptr);
+  }
+  return socket;
 }
 
 void CloseSocket(SocketHandle socket) {
@@ -65,6 +77,8 @@ void CloseSocket(SocketHandle socket) {
 
 void ShutdownSocket(SocketHandle socket) {
   shutdown(socket, ClosesAbortively(socket) ? SD_RECEIVE : SD_BOTH);
+  // A receive that waits already need not notice.
+  CancelIoEx(reinterpret_cast<HANDLE>(socket), nullptr);
 }
 
 bool SetNonBlocking(SocketHandle socket, bool non_blocking) {
@@ -93,6 +107,8 @@ bool GetSocketOption(SocketHandle socket, int level, int name, int* value) {
   return getsockopt(socket, level, name, reinterpret_cast<char*>(value), &size) == 0;
 }
 
+bool SetReusablePort(SocketHandle /*socket*/) { return true; }
+
 bool SetAbortiveClose(SocketHandle socket) {
   const linger reset{1, 0};
   return setsockopt(socket, SOL_SOCKET, SO_LINGER, reinterpret_cast<const char*>(&reset),
@@ -105,6 +121,14 @@ int SendBytes(SocketHandle socket, const void* data, size_t size, int flags) {
 
 int ReceiveBytes(SocketHandle socket, void* buffer, size_t size, int flags) {
   return recv(socket, static_cast<char*>(buffer), static_cast<int>(size), flags);
+}
+
+int ReceivePacket(SocketHandle socket, void* buffer, size_t size, int flags, sockaddr_in* sender) {
+  int sender_size = sizeof *sender;
+  const int count = recvfrom(socket, static_cast<char*>(buffer), static_cast<int>(size), flags,
+                             reinterpret_cast<sockaddr*>(sender), &sender_size);
+  const bool is_cut = count == -1 && WSAGetLastError() == WSAEMSGSIZE;
+  return is_cut ? static_cast<int>(size) : count;
 }
 
 int ReceiveWithoutWaiting(SocketHandle socket, void* buffer, size_t size, PollFault* fault) {

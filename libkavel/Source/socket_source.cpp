@@ -1,7 +1,6 @@
 #include "Source/socket_source.h"
 
 #include <algorithm>
-#include <cerrno>
 
 #include "Log/logger.h"
 #include "Platform/ipv4_text.h"
@@ -13,12 +12,6 @@ namespace {
 constexpr int kLargestReceiveBuffer = 400'000'000;
 constexpr int kWorkingReceiveBuffer = 26'214'400;
 constexpr uint32_t kReceiveTimeoutMs = 20;
-
-#ifdef _WIN32
-using BufferSize = int;
-#else
-using BufferSize = size_t;
-#endif
 
 int LoggedHandle(SocketHandle socket) { return static_cast<int>(socket); }
 
@@ -100,7 +93,7 @@ bool SocketSource::Bind() {
     KAVEL_LOG(kInfo, "SocketSource::Open succeed, sock:%d", LoggedHandle(socket_.handle()));
     return true;
   }
-  const int error = is_address ? LastSocketError() : EADDRNOTAVAIL;
+  const int error = is_address ? LastSocketError() : kSocketNoAddress;
   // Deliberate: these two are passed over in silence, and the source counts as open.
   if (error == kSocketInProgress || error == kSocketWouldBlock) {
     return true;
@@ -149,16 +142,14 @@ int32_t SocketSource::Receive(UdpPacket& packet, uint16_t length, int32_t flags,
 
 int32_t SocketSource::ReadPacket(UdpPacket& packet, uint16_t length, int32_t flags) {
   sockaddr_in sender{};
-  socklen_t sender_size = sizeof sender;
-  const auto room = static_cast<BufferSize>(std::min<size_t>(length, packet.data.size()));
-  const auto count = recvfrom(socket_.handle(), reinterpret_cast<char*>(packet.data.data()), room,
-                              flags, reinterpret_cast<sockaddr*>(&sender), &sender_size);
+  const size_t room = std::min<size_t>(length, packet.data.size());
+  const int count = ReceivePacket(socket_.handle(), packet.data.data(), room, flags, &sender);
   if (count < 0) {
     return -1;
   }
   packet.ip = sender.sin_addr.s_addr;
   packet.port = ntohs(sender.sin_port);
-  return static_cast<int32_t>(count);
+  return count;
 }
 
 int32_t SocketSource::Send(const uint8_t* data, uint16_t length, int32_t flags) {

@@ -18,7 +18,7 @@ class LogFile : public ::testing::Test {
   ~LogFile() override { Logger::GetInstance().SetFile(""); }
 
   const TestFolder folder_;
-  const std::string path_ = folder_.path() + "/deeper/tevron.log";
+  const std::string path_ = folder_.path() + "/größer/tevron.log";
 };
 
 TEST_F(LogFile, HoldsLevelPlaceAndText) {
@@ -31,7 +31,7 @@ TEST_F(LogFile, HoldsLevelPlaceAndText) {
   KAVEL_LOG(kError, "after the end");
 
   std::ostringstream content;
-  content << std::ifstream(path_).rdbuf();
+  content << std::ifstream(std::filesystem::u8path(path_)).rdbuf();
   const std::string text = content.str();
   EXPECT_EQ(text.find("left out"), std::string::npos);
   EXPECT_NE(text.find("warning [file.cpp:12] void f() - 3 of four\n"), std::string::npos) << text;
@@ -48,7 +48,8 @@ TEST_F(LogFile, RotatesAndDropsTheOldest) {
   }
   Logger::GetInstance().SetFile("");
   size_t files = 0;
-  for (const auto& file : std::filesystem::directory_iterator(folder_.path() + "/deeper")) {
+  for (const auto& file :
+       std::filesystem::directory_iterator(std::filesystem::u8path(path_).parent_path())) {
     EXPECT_LE(file.file_size(), Logger::kMaxFileBytes);
     ++files;
   }

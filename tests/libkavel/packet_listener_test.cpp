@@ -1,8 +1,8 @@
 #include "Source/packet_listener.h"
 
-#include <arpa/inet.h>
 #include <gtest/gtest.h>
 
+#include "Platform/ipv4_text.h"
 #include "support/wait_for.h"
 
 namespace kavel::lidar {
@@ -24,7 +24,8 @@ TEST(PacketListener, TellsTheFirstSenderAndCountsAll) {
     ASSERT_EQ(sender.Send(packet, 3, 0), 3);
     ++packets;
     ASSERT_TRUE(testing::WaitFor([&] { return listener.totals().packets == packets; }));
-    EXPECT_EQ(listener.totals().ip, inet_addr(from));
+    const uint32_t ip = listener.totals().ip;
+    EXPECT_EQ(DottedIpv4(reinterpret_cast<const uint8_t*>(&ip)), from);
     EXPECT_EQ(listener.totals().port, sender.BoundPort());
   }
   listener.Stop();

@@ -1,6 +1,5 @@
 #include "Source/socket_source.h"
 
-#include <arpa/inet.h>
 #include <gtest/gtest.h>
 
 #include "support/log_lines.h"

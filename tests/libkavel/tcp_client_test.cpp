@@ -3,10 +3,9 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
-#include <cerrno>
 #include <future>
 
-#include "CmxClient/tcp_ssl_client.h"
+#include "CmxClient/tcp_open.h"
 #include "support/log_lines.h"
 #include "support/socket_peer.h"
 #include "support/wait_for.h"
@@ -70,7 +69,7 @@ TEST(TcpClient, ReportsAPeerThatCloses) {
 }
 
 TEST(TcpClient, FailsWithAReason) {
-  const std::string refused = std::to_string(ECONNREFUSED);
+  const std::string refused = std::to_string(kSocketRefused);
   LogLines log;
   TcpClient client;
   EXPECT_FALSE(Open(client, 1, "no address"));
@@ -140,7 +139,9 @@ TEST(TcpClient, AHostPortInUseIsNamed) {
   const std::string port = std::to_string(other.port());
   TcpClient client;
   EXPECT_FALSE(TryOpen(client, peer.port(), other.port()));
-  EXPECT_EQ(log.Count(kError, "Failed to bind local port " + port + ", WSAGetLastError:98"), 1);
+  EXPECT_EQ(log.Count(kError, "Failed to bind local port " + port +
+                                  ", WSAGetLastError:" + std::to_string(kSocketAddressInUse)),
+            1);
   EXPECT_NE(client.OpenFailure().find(port + " is in use"), std::string::npos);
   const auto any_other =
       UniqueSocket::Owning(tcp_try_open(other.port(), kHere.c_str(), peer.port(), 1));

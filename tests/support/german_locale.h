@@ -6,6 +6,21 @@
 
 #include "support/test_folder.h"
 
+#ifdef _WIN32
+/// A locale with a decimal comma, in force while this lives.
+class GermanLocale {
+ public:
+  GermanLocale() : works_(std::setlocale(LC_ALL, "German_Germany") != nullptr) {}
+  ~GermanLocale() { std::setlocale(LC_ALL, "C"); }
+  GermanLocale(const GermanLocale&) = delete;
+  GermanLocale& operator=(const GermanLocale&) = delete;
+
+  bool works() const { return works_; }
+
+ private:
+  bool works_;
+};
+#else
 /// A locale with a decimal comma, in force while this lives. It is made for the occasion, with
 /// nothing else in it: a whole one takes seconds.
 class GermanLocale {
@@ -39,3 +54,4 @@ class GermanLocale {
   const TestFolder folder_;
   bool works_ = false;
 };
+#endif

@@ -61,18 +61,6 @@ Bytes PtyPair::Read(int timeout_ms) const {
   return bytes;
 }
 
-Bytes PtyPair::ReadExactly(size_t count) const {
-  Bytes bytes;
-  while (bytes.size() < count) {
-    const Bytes more = Read(5000);
-    if (more.empty()) {
-      break;
-    }
-    bytes.insert(bytes.end(), more.begin(), more.end());
-  }
-  return bytes;
-}
-
 void PtyPair::HangUp() {
   if (master_ >= 0) {
     close(master_);

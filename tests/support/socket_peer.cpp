@@ -1,13 +1,10 @@
 #include "support/socket_peer.h"
 
-#include <fcntl.h>
-#include <netinet/in.h>
-#include <netinet/tcp.h>
+#ifndef _WIN32
 #include <poll.h>
-#include <sys/socket.h>
-#include <unistd.h>
+#endif
 
-#include <cerrno>
+#include <chrono>
 #include <stdexcept>
 #include <string>
 #include <utility>
@@ -15,59 +12,81 @@
 namespace kavel::lidar::testing {
 namespace {
 
-constexpr int kDripPauseMs = 2;
-constexpr time_t kPatienceS = 5;
+constexpr std::chrono::milliseconds kDripPause{2};
+constexpr int64_t kFillingUs = 200'000;
+constexpr int64_t kLookUs = 20'000;
+constexpr uint32_t kPatienceMs = 5000;
+
+#ifdef _WIN32
+constexpr int kReset = WSAECONNRESET;
+bool HasHungUp(SocketHandle socket) {
+  WSAPOLLFD entry{socket, POLLRDNORM, 0};
+  return WSAPoll(&entry, 1, 0) > 0 && (entry.revents & (POLLHUP | POLLERR)) != 0;
+}
+#else
+constexpr int kReset = ECONNRESET;
+bool HasHungUp(SocketHandle socket) {
+  pollfd entry{socket, POLLRDHUP, 0};
+  return poll(&entry, 1, 0) > 0;
+}
+#endif
 
 sockaddr_in Loopback(uint16_t port) {
   sockaddr_in address{};
-  address.sin_family = AF_INET;
-  address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-  address.sin_port = htons(port);
+  MakeAddress("127.0.0.1", port, &address);
   return address;
 }
 
-int Listen(int backlog, uint16_t* port) {
-  const int listener = socket(AF_INET, SOCK_STREAM, 0);
+UniqueSocket Listen(int backlog, uint16_t* port) {
+  UniqueSocket listener(SOCK_STREAM, 0);
   sockaddr_in address = Loopback(0);
   socklen_t size = sizeof address;
   auto* generic = reinterpret_cast<sockaddr*>(&address);
-  if (bind(listener, generic, size) != 0 || listen(listener, backlog) != 0 ||
-      getsockname(listener, generic, &size) != 0) {
+  if (bind(listener.handle(), generic, size) != 0 || listen(listener.handle(), backlog) != 0 ||
+      getsockname(listener.handle(), generic, &size) != 0) {
     throw std::runtime_error("cannot listen on 127.0.0.1");
   }
   *port = ntohs(address.sin_port);
   return listener;
 }
 
-int StartConnecting(uint16_t port) {
-  const int client = socket(AF_INET, SOCK_STREAM, 0);
-  fcntl(client, F_SETFL, O_NONBLOCK);
+// None when the listener has gone.
+UniqueSocket Accept(const UniqueSocket& listener) {
+  StartSockets();
+  UniqueSocket socket = UniqueSocket::Owning(accept(listener.handle(), nullptr, nullptr));
+  SetSocketOption(socket.handle(), IPPROTO_TCP, TCP_NODELAY, 1);
+  return socket;
+}
+
+bool Connect(const UniqueSocket& client, uint16_t port) {
   const sockaddr_in address = Loopback(port);
-  // It is under way; the queue decides whether it ever ends.
-  (void)connect(client, reinterpret_cast<const sockaddr*>(&address), sizeof address);
+  return connect(client.handle(), reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0;
+}
+
+// It is under way then; the queue decides whether it ever ends.
+UniqueSocket StartConnecting(uint16_t port) {
+  UniqueSocket client(SOCK_STREAM, 0);
+  SetNonBlocking(client.handle(), true);
+  Connect(client, port);
   return client;
 }
 
 }  // namespace
 
 TcpEnd TcpEnd::To(uint16_t port) {
-  const int client = socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
-  const timeval patience = {kPatienceS, 0};
-  setsockopt(client, SOL_SOCKET, SO_RCVTIMEO, &patience, sizeof patience);
-  const sockaddr_in address = Loopback(port);
-  if (connect(client, reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0) {
+  UniqueSocket client(SOCK_STREAM, 0);
+  SetReceiveTimeoutMs(client.handle(), kPatienceMs);
+  if (!Connect(client, port)) {
     throw std::runtime_error("cannot connect to port " + std::to_string(port));
   }
-  return TcpEnd(client);
+  return TcpEnd(std::move(client));
 }
-
-TcpEnd::~TcpEnd() { close(socket_); }
 
 Bytes TcpEnd::Read(size_t size) {
   Bytes bytes(size);
   size_t received = 0;
   while (received < size) {
-    const ssize_t count = recv(socket_, bytes.data() + received, size - received, 0);
+    const int count = ReceiveBytes(socket_.handle(), bytes.data() + received, size - received, 0);
     if (count < 1) {
       break;
     }
@@ -80,7 +99,7 @@ Bytes TcpEnd::Read(size_t size) {
 void TcpEnd::Send(const Bytes& bytes) {
   size_t sent = 0;
   while (sent < bytes.size()) {
-    const ssize_t count = send(socket_, bytes.data() + sent, bytes.size() - sent, MSG_NOSIGNAL);
+    const int count = SendBytes(socket_.handle(), bytes.data() + sent, bytes.size() - sent, 0);
     if (count < 1) {
       return;
     }
@@ -91,35 +110,28 @@ void TcpEnd::Send(const Bytes& bytes) {
 void TcpEnd::Drip(const Bytes& bytes) {
   for (const uint8_t byte : bytes) {
     Send({byte});
-    pollfd entry{socket_, 0, 0};
-    poll(&entry, 1, kDripPauseMs);
+    std::this_thread::sleep_for(kDripPause);
   }
 }
 
 bool TcpEnd::WaitForEnd() {
   uint8_t byte = 0;
-  ssize_t count = 1;
+  int count = 1;
   while (count > 0) {
-    count = recv(socket_, &byte, 1, 0);
+    count = ReceiveBytes(socket_.handle(), &byte, 1, 0);
   }
-  return count == -1 && errno == ECONNRESET;
+  return count == -1 && LastSocketError() == kReset;
 }
 
 bool TcpEnd::EndsHere() {
   uint8_t byte = 0;
-  const ssize_t count = recv(socket_, &byte, 1, 0);
-  return count == 0 || (count < 0 && errno == ECONNRESET);
+  const int count = ReceiveBytes(socket_.handle(), &byte, 1, 0);
+  return count == 0 || (count < 0 && LastSocketError() == kReset);
 }
 
-void TcpEnd::Reset() {
-  const linger reset{1, 0};
-  setsockopt(socket_, SOL_SOCKET, SO_LINGER, &reset, sizeof reset);
-}
+void TcpEnd::Reset() { SetAbortiveClose(socket_.handle()); }
 
-bool TcpEnd::Ended() {
-  pollfd entry{socket_, POLLRDHUP, 0};
-  return poll(&entry, 1, 0) > 0;
-}
+bool TcpEnd::Ended() { return HasHungUp(socket_.handle()); }
 
 SocketPeer::SocketPeer(Script script)
     : script_(std::move(script)), listener_(Listen(8, &port_)), thread_([this] { Serve(); }) {}
@@ -128,32 +140,33 @@ SocketPeer::~SocketPeer() {
   {
     const std::lock_guard<std::mutex> lock(mutex_);
     ending_ = true;
-    shutdown(connection_, SHUT_RDWR);
+    if (connection_ != kInvalidSocket) {
+      ShutdownSocket(connection_);
+    }
   }
-  shutdown(listener_, SHUT_RDWR);
+  ShutdownSocket(listener_.handle());
   thread_.join();
-  close(listener_);
 }
 
 void SocketPeer::Serve() {
   while (true) {
-    const int socket = accept(listener_, nullptr, nullptr);
-    if (socket == -1) {
-      return;
-    }
-    const int on = 1;
-    setsockopt(socket, IPPROTO_TCP, TCP_NODELAY, &on, sizeof on);
+    // Not every system ends the wait at a listener that is shut down.
+    const bool is_asked = WaitReadable(listener_.handle(), kLookUs) != 0;
+    UniqueSocket socket = is_asked ? Accept(listener_) : UniqueSocket();
     {
       const std::lock_guard<std::mutex> lock(mutex_);
-      connection_ = socket;
-      if (ending_) {
-        shutdown(socket, SHUT_RDWR);
+      if (ending_ || (is_asked && !socket)) {
+        return;
       }
+      connection_ = socket.handle();
     }
-    TcpEnd connection(socket);
+    if (!socket) {
+      continue;
+    }
+    TcpEnd connection(std::move(socket));
     script_(connection);
     const std::lock_guard<std::mutex> lock(mutex_);
-    connection_ = -1;
+    connection_ = kInvalidSocket;
   }
 }
 
@@ -161,21 +174,13 @@ DeafPort::DeafPort() : listener_(Listen(0, &port_)) {
   // One more than the queue holds; what follows is left without an answer.
   for (int i = 0; i < 2; ++i) {
     fillers_.push_back(StartConnecting(port_));
-    pollfd entry{fillers_.back(), POLLOUT, 0};
-    poll(&entry, 1, 200);
+    WaitWritable(fillers_.back().handle(), kFillingUs);
   }
-}
-
-DeafPort::~DeafPort() {
-  for (const int filler : fillers_) {
-    close(filler);
-  }
-  close(listener_);
 }
 
 uint16_t UnusedPort() {
   uint16_t port = 0;
-  close(Listen(1, &port));
+  Listen(1, &port);
   return port;
 }
 

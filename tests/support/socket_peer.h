@@ -4,6 +4,7 @@
 #include <mutex>
 #include <thread>
 
+#include "Platform/socket.h"
 #include "support/bytes.h"
 
 /// TCP connections for tests. Everything is on 127.0.0.1 and on ports that the system chooses.
@@ -14,12 +15,9 @@ class TcpEnd {
  public:
   /// Takes over an accepted connection. Every wait ends when the far end goes away or the listening
   /// peer does.
-  explicit TcpEnd(int socket) : socket_(socket) {}
+  explicit TcpEnd(UniqueSocket socket) : socket_(std::move(socket)) {}
   /// Connects to a port of this machine. No wait for bytes lasts longer than five seconds.
   static TcpEnd To(uint16_t port);
-  ~TcpEnd();
-  TcpEnd(const TcpEnd&) = delete;
-  TcpEnd& operator=(const TcpEnd&) = delete;
 
   /// The next `size` bytes; fewer when the connection ended or time was up.
   Bytes Read(size_t size);
@@ -36,7 +34,7 @@ class TcpEnd {
   bool Ended();
 
  private:
-  int socket_;
+  UniqueSocket socket_;
 };
 
 /// Accepts one connection after another and runs the script over each.
@@ -56,10 +54,10 @@ class SocketPeer {
 
   Script script_;
   uint16_t port_ = 0;
-  int listener_;
+  UniqueSocket listener_;
   std::mutex mutex_;
-  int connection_ = -1;  // guarded by mutex_
-  bool ending_ = false;  // guarded by mutex_
+  SocketHandle connection_ = kInvalidSocket;  // guarded by mutex_
+  bool ending_ = false;                       // guarded by mutex_
   std::thread thread_;
 };
 
@@ -67,16 +65,13 @@ class SocketPeer {
 class DeafPort {
  public:
   DeafPort();
-  ~DeafPort();
-  DeafPort(const DeafPort&) = delete;
-  DeafPort& operator=(const DeafPort&) = delete;
 
   uint16_t port() const { return port_; }
 
  private:
   uint16_t port_ = 0;
-  int listener_;
-  std::vector<int> fillers_;
+  UniqueSocket listener_;
+  std::vector<UniqueSocket> fillers_;
 };
 
 /// A port that nobody listens on (it was free a moment ago).

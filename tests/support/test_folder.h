@@ -1,19 +1,20 @@
 #pragma once
 
-#include <stdlib.h>
-
 #include <filesystem>
 #include <fstream>
-#include <stdexcept>
+#include <random>
 #include <string>
 
 /// A folder that goes with its object.
 class TestFolder {
  public:
-  TestFolder() : path_((std::filesystem::temp_directory_path() / "tevron_XXXXXX").string()) {
-    if (mkdtemp(path_.data()) == nullptr) {
-      throw std::runtime_error("cannot make " + path_);
-    }
+  /// Throws std::filesystem::filesystem_error when none can be made.
+  TestFolder() {
+    std::random_device random;
+    do {
+      const std::string name = "tevron_" + std::to_string(random());
+      path_ = (std::filesystem::temp_directory_path() / name).string();
+    } while (!std::filesystem::create_directory(path_));
   }
   ~TestFolder() { std::filesystem::remove_all(path_); }
   TestFolder(const TestFolder&) = delete;

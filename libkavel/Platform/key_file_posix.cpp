@@ -1,7 +1,7 @@
-#include "Platform/key_file.h"
-
 #include <filesystem>
 #include <system_error>
+
+#include "Platform/key_file.h"
 
 namespace kavel::lidar {
 

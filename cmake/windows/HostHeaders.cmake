@@ -1,0 +1,16 @@
+# tevron_host_headers(TARGET NAME...)
+# Headers of this machine that say the same on every system, for TARGET: a folder that holds nothing
+# but them, since those of this machine's C library beside them are not for Windows.
+function(tevron_host_headers target)
+  set(folder ${CMAKE_BINARY_DIR}/host_headers/${target})
+  string(REPLACE "::" "/" folder ${folder})
+  file(MAKE_DIRECTORY ${folder})
+  foreach(name IN LISTS ARGN)
+    if(NOT EXISTS /usr/include/${name})
+      message(FATAL_ERROR "/usr/include/${name} is missing; script/bootstrap installs it.")
+    endif()
+    file(CREATE_LINK /usr/include/${name} ${folder}/${name} SYMBOLIC)
+  endforeach()
+  add_library(${target} INTERFACE IMPORTED GLOBAL)
+  target_include_directories(${target} SYSTEM INTERFACE ${folder})
+endfunction()
