@@ -162,10 +162,8 @@ const std::vector<Cell>& AllCells() {
 }
 
 std::vector<Cell> ShortForm() {
-  // Values that are read again in the background, a line that goes, and one that comes back by
-  // another name in the middle of an upgrade.
-  const QStringList always = {"tcp/save/drop", "serial/idle/dies",
-                              "serial/upgrade/close-mid-reply"};
+  // A line that goes, and one that comes back by another name in the middle of an upgrade.
+  const QStringList always = {"serial/idle/dies", "serial/upgrade/close-mid-reply"};
   // The slow ones add nothing to a short form.
   const auto is_quick = [](const Cell& cell) {
     const std::string operation = cell.operation->name;

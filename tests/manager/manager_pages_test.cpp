@@ -1,3 +1,5 @@
+#include <QSignalSpy>
+
 #include "manager_fixture.h"
 
 namespace {
@@ -14,6 +16,20 @@ TEST_F(ManagerPagesTest, ThePeriodicRefreshShowsNewValuesAndLeavesEditsAlone) {
   ASSERT_TRUE(WaitFor([this] { return Text("Maximum Distance") == "150"; }));
   EXPECT_EQ(Text("Minimum Distance"), "45");
   EXPECT_TRUE(Edited("Minimum Distance"));
+}
+
+TEST_F(ManagerPagesTest, ASaveWithoutAnAnswerIsReadAgainInTheBackground) {
+  const VirtualLidarProcess lidar({"--fault", "drop@0x12"});
+  ASSERT_TRUE(ConnectTo(lidar));
+  OpenPage("Scan");
+  Edit("Minimum Distance", "45");
+  Save("Scan");
+  EXPECT_EQ(TakeErrors().filter("Set Failed: 0x12 SET Minimum Distance, ").size(), 1);
+  EXPECT_EQ(Text("Minimum Distance"), "20") << "the lidar was not asked again";
+  // It took the value all the same. The periodic refresh is announced by another signal.
+  QSignalSpy shown(manager_.get(), &TevronManager::myMapChanged);
+  ASSERT_TRUE(WaitFor([&shown] { return shown.count() > 0; }));
+  EXPECT_EQ(Text("Minimum Distance"), "45");
 }
 
 TEST_F(ManagerPagesTest, NothingIsReadDuringADownload) {

@@ -26,8 +26,7 @@ TEST(SecretSearchTest, FindsAPlantedKeyInEverySpelling) {
   search.Add("word", FromHex("d36b90f7"));
   for (const char* spelt :
        {"C47D90E2316FB85A0D94E3A77C2B16F8", "c4 7d 90 e2 31 6f b8 5a\n0d 94 e3 a7 7c 2b 16 f8",
-        "{0xC4, 0x7d, 0x90, 0xe2, 0x31, 0x6f, 0xb8, 0x5a, 0x0d, 0x94, 0xe3, 0xa7, 0x7c, 0x2b, "
-        "0x16, 0xf8}",
+        "{0xC4,0x7d,0x90,0xe2,0x31,0x6f,0xb8,0x5a,0x0d,0x94,0xe3,0xa7,0x7c,0x2b,0x16,0xf8}",
         "\\xc4\\x7d\\x90\\xe2\\x31\\x6f\\xb8\\x5a\\x0d\\x94\\xe3\\xa7\\x7c\\x2b\\x16\\xf8",
         "e2907dc4 5ab86f31 a7e3940d f8162b7c", "f8162b7ca7e3940d5ab86f31e2907dc4",
         "[196, 125, 144, 226, 49, 111, 184, 90, 13, 148, 227, 167, 124, 43, 22, 248]",

@@ -97,4 +97,16 @@ TEST(SerialLine, PairCarriesThePointCloudBetweenAnswers) {
   }
 }
 
+TEST(SerialLine, PortVanishesAndANewOneComes) {
+  auto setup = On(ServerSetup::Serial::kOneLine, {});
+  setup.faults = {"close-before-reply#1"};
+  LidarUnderTest lidar(std::move(setup));
+  const auto source = OpenPort(lidar, 0, kavel::lidar::kReceiveAnswers);
+  SerialClient client(source, source);
+  Bytes inner;
+  EXPECT_NE(client.SendCommand(0x30, {}, inner, kPatienceMs), 0);
+  EXPECT_FALSE(client.IsOpen());
+  EXPECT_TRUE(lidar.LogShows("no answer [fault: close-before-reply]\nserial port /"));
+}
+
 }  // namespace

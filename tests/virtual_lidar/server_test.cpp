@@ -35,6 +35,26 @@ TEST(Server, ServesOthersWhileOneIsStuckOrGone) {
   EXPECT_EQ(flooding.Read(8), kLiveness) << "found behind the garbage";
 }
 
+TEST(Server, RestartAnswersDropsEveryLinkAndComesBackOnItsPort) {
+  LidarUnderTest::Setup setup;
+  setup.server.restart_time = std::chrono::milliseconds(20);
+  LidarUnderTest lidar(std::move(setup));
+  TcpEnd bystander = TcpEnd::To(lidar.port());
+  bystander.Send(kLiveness);
+  EXPECT_EQ(bystander.Read(8), kLiveness);
+  TcpEnd client = TcpEnd::To(lidar.port());
+  client.Send(kSetSpeed);
+  client.Send({0x47, 0x74, 0x10, 0, 0, 0, 0, 0});
+  EXPECT_EQ(client.Read(16).size(), 16U);
+  EXPECT_TRUE(client.EndsHere());
+  EXPECT_TRUE(bystander.EndsHere());
+  EXPECT_TRUE(lidar.LogShows("restarted"));
+  TcpEnd again = TcpEnd::To(lidar.port());
+  again.Send(kReadSpeed);
+  EXPECT_EQ(again.Read(11), (Bytes{0x47, 0x74, 0x30, 0, 0, 0, 0, 3, 0x04, 0xB0, 5}))
+      << "settings survive";
+}
+
 TEST(Server, DumpIsWholeAndThereBeforeTheAnswer) {
   const QTemporaryDir folder;
   const QString path = folder.filePath("state.json");
