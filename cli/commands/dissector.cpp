@@ -74,6 +74,7 @@ ExitCode RunDissector(Context& context) {
   std::string chosen = wanted.empty() ? "" : names[MatchName(names, wanted, "model")];
   FaultTeller faults(context.report);
   std::vector<DissectedModel> models;
+  models.reserve(names.size());
   for (const std::string& name : names) {
     models.push_back(Load(context.config, name, faults));
   }
