@@ -144,13 +144,12 @@ SocketPeer::~SocketPeer() {
       ShutdownSocket(connection_);
     }
   }
-  ShutdownSocket(listener_.handle());
   thread_.join();
 }
 
 void SocketPeer::Serve() {
   while (true) {
-    // Not every system ends the wait at a listener that is shut down.
+    // Nothing that every system has ends an accept, so none is begun in vain.
     const bool is_asked = WaitReadable(listener_.handle(), kLookUs) != 0;
     UniqueSocket socket = is_asked ? Accept(listener_) : UniqueSocket();
     {
