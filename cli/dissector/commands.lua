@@ -22,7 +22,7 @@ function Commands.model(name)
 end
 
 local function name_of(layout)
-  return layout.verb .. " " .. Values.printable(layout.name)
+  return layout.verb .. " " .. Texts.printable(layout.name)
 end
 
 local function starts_with(bytes, head)

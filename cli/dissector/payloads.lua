@@ -12,13 +12,14 @@ local function add_field_of_view(tree, range)
   tree:add(range:range(0, 1), ("Mode: %d"):format(range:range(0, 1):uint()))
   tree:add(range:range(1, 1), ("Pairs: %d"):format(range:range(1, 1):uint()))
   for pair = 0, 4 do
-    tree:add(range:range(2 + 8 * pair, 8), ("Pair %d: %s deg"):format(pair, Values.angles(range, pair)))
+    tree:add(range:range(2 + 8 * pair, 8), ("Pair %d: %s to %s deg"):format(
+        pair, Values.angle(range, 2 * pair), Values.angle(range, 2 * pair + 1)))
   end
 end
 
 local function add_variable(tree, variable, range)
   local value = Values.read(variable, range)
-  local name = Values.printable(variable.name)
+  local name = Texts.printable(variable.name)
   local field, type = Fields.of(variable)
   local item
   if type == "string" then
@@ -146,8 +147,8 @@ function show.calibration(tree, range)
 end
 
 -- Adds the payload `range`, which has at least one byte, by its shape. `told.version` is set where a
--- variable tells the hardware version, `told.detail` to what tells requests of one name apart, and `told.misfit` where the payload has another length than its
--- shape, unless it `is_cut`.
+-- variable tells the hardware version, `told.detail` to what tells requests of one name apart, and
+-- `told.misfit` where the payload has another length than its shape, unless it `is_cut`.
 function Payloads.add(tree, range, shape, told, is_cut)
   local item = tree:add(Fields.payload, range)
   local texts = shape.show and show[shape.show](item, range, told) or

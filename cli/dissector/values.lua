@@ -5,30 +5,21 @@
 local Values = {}
 local forms = {}
 
--- Of a label nothing may break the line or command a terminal.
-local function printable(text)
-  return (text:gsub("%c", function(char) return ("\\x%02x"):format(char:byte()) end))
-end
-Values.printable = printable
-
 local function hex(range)
   local shown = range:len() > 24 and range:range(0, 24) or range
   return (shown:bytes():tohex(true, " ")) .. (shown == range and "" or " ...")
 end
 
-local function decimals_of(number)
-  return #(("%.12f"):format(number):gsub("0+$", ""):match("%.(%d*)$"))
-end
-
 -- `exact` is a number, or a 64-bit object whose text is exact where a number cannot be.
 local function scaled(field, exact)
+  local digits = type(exact) == "number" and ("%.0f"):format(exact) or tostring(exact)
   local number = type(exact) == "number" and exact or exact:tonumber()
   if field.coefficient == nil then
-    return type(exact) == "number" and ("%.0f"):format(exact) or tostring(exact), number
+    return digits, number
   end
-  number = number * field.coefficient
-  local decimals = field.exact and decimals_of(field.coefficient) or 2
-  return ("%." .. decimals .. "f"):format(number), number
+  local text = field.exact and Decimals.product(digits, field.coefficient) or
+               ("%.2f"):format(number * field.coefficient)
+  return text, number * field.coefficient
 end
 
 function forms.uint(field, range)
@@ -50,7 +41,7 @@ end
 
 -- Zero bytes at the end are padding.
 local function characters(range)
-  return printable((range:string(ENC_UTF_8):gsub("\0+$", "")))
+  return Texts.printable(Texts.sound((range:raw():gsub("%z+$", ""))))
 end
 
 function forms.text(_, range)
@@ -65,10 +56,11 @@ function forms.mac(_, range)
   return (range:bytes():tohex(false, ":"))
 end
 
+-- Counted as 64-bit objects: a number has no room for all of them.
 function forms.duration(_, range)
-  local seconds = range:uint64():tonumber()
-  return ("%.0f h %.0f min %.0f s"):format(math.floor(seconds / 3600),
-                                           math.floor(seconds / 60) % 60, seconds % 60), seconds
+  local seconds = range:uint64()
+  return ("%s h %s min %s s"):format(tostring(seconds / 3600), tostring(seconds / 60 % 60),
+                                     tostring(seconds % 60)), seconds:tonumber()
 end
 
 function forms.hardware(_, range)
@@ -97,19 +89,23 @@ function forms.secret()
   return "(not shown)"
 end
 
--- The limits of pair i, in degrees, of a field of view.
-function Values.angles(range, pair)
-  local limits = range:range(2 + 8 * pair, 8)
-  local from, to = forms.real({}, limits:range(0, 4)), forms.real({}, limits:range(4, 4))
-  return ("%s to %s"):format(from, to)
+-- The angle at this place, in degrees, of a field of view.
+function Values.angle(range, place)
+  local angle = range:range(2 + 4 * place, 4):float()
+  return angle == angle and ("%.6g"):format(angle) or "nan"
 end
 
+local PAIRS = 5
+
 function forms.fov(_, range)
-  local pairs = {}
-  for pair = 0, 4 do
-    pairs[pair + 1] = Values.angles(range, pair)
+  if range:range(1, 1):uint() ~= PAIRS then
+    return hex(range)
   end
-  return table.concat(pairs, ", ")
+  local angles = {}
+  for place = 0, 2 * PAIRS - 1 do
+    angles[place + 1] = Values.angle(range, place)
+  end
+  return table.concat(angles, ", ")
 end
 
 -- The sizes that a form can be read from; any, where none are named.
@@ -146,7 +142,7 @@ function Values.read(field, range)
   local width = math.min(field.width or range:len(), range:len())
   local does_fit = fits(field.form, width)
   local bare, number = forms[does_fit and field.form or "raw"](field, range:range(0, width))
-  local brief = printable(label_of(field, bare) or with_unit(field, bare))
+  local brief = Texts.printable(label_of(field, bare) or with_unit(field, bare))
   local has_label = field.labels and field.labels[bare]
   return { text = has_label and ("%s (%s)"):format(brief, bare) or brief, brief = brief, bare = bare,
            number = number, fits = does_fit }

@@ -351,6 +351,34 @@ TEST_F(Dissector, FailsAtNothingThatIsDamaged) {
   }
 }
 
+// Where Lua's numbers and Wireshark's texts are not enough: 64 bits, bytes that are no UTF-8.
+TEST_F(Dissector, ShowsEveryValueAsTheWindowDoes) {
+  std::ofstream("Config/varID/Orca.csv", std::ios::app)
+      << "30,1,0x71,,,Name,0,string,,,,,,Device,9,0,,,\n"
+         "30,2,0x71,,,Life,0,DT,,,,,,Device,8,0,,,\n"
+         "30,3,0x71,,,Energy,0,i64,,,J,0.01,,Device,,0,,,\n"
+         "30,4,0x71,,,Total,0,u64,,,,1000,,Device,,0,,,\n"
+         "30,5,0x71,,,Rest,0,i64,,,,1e-7,,Device,,0,,,\n";
+  Write({"--model", "Orca"});
+  CaptureFile capture("values.pcap", Link::kEthernet);
+  capture.AddSegment(kClientPort, kLidarPort, false, FromHex("47 74 71 00 00 00 00 00"));
+  capture.AddSegment(kClientPort, kLidarPort, true,
+                     FromHex("47 74 71 00 00 00 00 29  c2 b5 e2 82 00 ed a0 41 00"
+                             "ff ff ff ff ff ff ff ff  80 00 00 00 00 00 00 00"
+                             "ff ff ff ff ff ff ff ff  ff ff ff ff ff ff ff ff"));
+  const char* const rest =
+      "00 00 00 00 43 b3 c0 00 00 00 00 00 7f c0 00 00 00 00 00 00 43 b4 00 00"
+      "00 00 00 00 43 b4 00 00 00 00 00 00 43 b4 00 00";
+  capture.AddSegment(kClientPort, kLidarPort, false,
+                     FromHex("47 74 22 00 00 00 00 2a  01 05" + std::string(rest)));
+  const QStringList shown = Shown(
+      capture, {"-T", "fields", "-E", "aggregator=|", "-e", "tevron.value", "-Y", "tevron.value"});
+  EXPECT_EQ(shown.join('\n').toStdString(),
+            "Name = µ\uFFFD\uFFFD\\x00\uFFFD\uFFFDA|Life = 5124095576030431 h 0 min 15 s|"
+            "Energy = -92233720368547758.08 J|Total = 18446744073709551615000|Rest = -0.0000001\n"
+            "FOV Table = 0, 359.5, 0, nan, 0, 360, 0, 360, 0, 360");
+}
+
 TEST_F(Dissector, TakesAnyTableAndNoKey) {
   std::ofstream("Config/auth_keys.ini", std::ios::trunc) << test_keys::File();
   std::ofstream("Config/varID/Orca.csv", std::ios::app)
