@@ -15,9 +15,9 @@ namespace {
 
 /// The code of the dissector, in the order in which Lua has to read it: a file uses what stands in
 /// those before it.
-constexpr const char* kCode[] = {"checksums", "frames",          "texts",    "decimals",
-                                 "values",    "device_commands", "commands", "fields",
-                                 "pairing",   "payloads",        "tree",     "dissector"};
+constexpr const char* kCode[] = {
+    "checksums", "frame_forms", "frames",  "texts",    "decimals", "values",    "device_commands",
+    "commands",  "fields",      "pairing", "payloads", "tree",     "dissector", "registration"};
 
 /// Tells what is wrong with tables, each thing once: what is wrong with a table of all models is
 /// found with each of them.
