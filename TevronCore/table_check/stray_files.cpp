@@ -17,8 +17,6 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr char kNoFile[] = "it has the name of a table, and is no regular file";
-
 std::vector<fs::path> EntriesOf(const fs::path& folder) {
   std::vector<fs::path> paths;
   std::error_code error;
@@ -30,23 +28,19 @@ std::vector<fs::path> EntriesOf(const fs::path& folder) {
   return paths;
 }
 
-bool IsFile(const fs::path& path) {
-  std::error_code ignored;
-  return fs::is_regular_file(path, ignored);
-}
-
 bool IsFolder(const fs::path& path) {
   std::error_code ignored;
   return fs::is_directory(path, ignored);
 }
 
-// ".csv" of "Heron.CSV"
-std::string EndingOf(const fs::path& path) {
-  std::string ending = path.extension().string();
-  std::transform(ending.begin(), ending.end(), ending.begin(),
+std::string InSmallLetters(std::string text) {
+  std::transform(text.begin(), text.end(), text.begin(),
                  [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
-  return ending;
+  return text;
 }
+
+// ".csv" of "Heron.CSV"
+std::string EndingOf(const fs::path& path) { return InSmallLetters(path.extension().string()); }
 
 /// The check of one folder with the layout of "Config".
 class StrayFiles {
@@ -54,7 +48,8 @@ class StrayFiles {
   StrayFiles(const ConfigFolder& folder, const std::string& model, TableFaults* faults)
       : models_(folder.Models()), model_(model), faults_(*faults) {}
 
-  void Check(const fs::path& folder) {
+  void Check(const ConfigLayer& layer) {
+    const fs::path folder = layer.path;
     for (const fs::path& path : EntriesOf(folder)) {
       const std::string name = path.filename().string();
       const bool is_read =
@@ -66,8 +61,10 @@ class StrayFiles {
       }
     }
     for (const fs::path& path : EntriesOf(folder / "varID")) {
-      if (path.extension() == ".csv" && !IsFile(path)) {
-        Warn(path, kNoFile);
+      if (path.extension() == ".csv" && !IsModel(path.stem().string())) {
+        Warn(path, "it has the name of a table, and is no regular file");
+      } else if (path.extension() == ".csv" && layer.owner != ConfigLayer::Owner::kProgram) {
+        CheckName(path);
       } else if (IsFolder(path)) {
         CheckMonitorTables(path);
       } else if (EndingOf(path) == ".csv" && path.extension() != ".csv") {
@@ -80,6 +77,21 @@ class StrayFiles {
   }
 
  private:
+  // "osprey" in the place of "Osprey" would be connected without a handshake.
+  void CheckName(const fs::path& path) {
+    const std::string name = path.stem().string();
+    const auto other = std::find_if(models_.begin(), models_.end(), [&name](const auto& model) {
+      return model != name && InSmallLetters(model) == InSmallLetters(name);
+    });
+    if (other != models_.end() && !(IsOther(name) && IsOther(*other))) {
+      faults_.push_back({0,
+                         path.string() + ": " + Quoted(name) + " is another model than " +
+                             Quoted(*other) + ", and what other tables say of that does not " +
+                             "count for it; if it is to stand in the place of that, rename it",
+                         TableFault::Severity::kWarning, path.string()});
+    }
+  }
+
   // A misspelt authority would be none, and whoever answers would be asked about.
   void CheckTlsFolder(const fs::path& folder) {
     const std::string name = folder.filename().string();
@@ -110,8 +122,6 @@ class StrayFiles {
         Warn(path, "no model is called " + Quoted(name));
       } else if (MonitorVersionOf(path.filename().string()).empty()) {
         Warn(path, "a monitor table is called Monitor_, its version, and .csv");
-      } else if (!IsFile(path)) {
-        Warn(path, kNoFile);
       }
     }
   }
@@ -136,6 +146,6 @@ class StrayFiles {
 void CheckStrayFiles(const ConfigFolder& folder, const std::string& model, TableFaults* faults) {
   StrayFiles stray(folder, model, faults);
   for (const ConfigLayer& layer : folder.layers()) {
-    stray.Check(layer.path);
+    stray.Check(layer);
   }
 }

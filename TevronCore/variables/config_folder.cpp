@@ -1,5 +1,6 @@
 #include "variables/config_folder.h"
 
+#include <QDir>
 #include <QStandardPaths>
 #include <algorithm>
 #include <filesystem>
@@ -13,16 +14,25 @@ namespace fs = std::filesystem;
 
 using Owner = ConfigLayer::Owner;
 
-bool IsFile(const std::string& path) {
-  std::error_code ignored;
-  return fs::is_regular_file(path, ignored);
-}
-
 /// A link to nothing is something that cannot be read, not something that nobody wanted. So is what
 /// lies where nobody may look.
 bool IsThere(const std::string& path) {
   std::error_code ignored;
   return fs::symlink_status(path, ignored).type() != fs::file_type::not_found;
+}
+
+/// Whether there is something by this name, be it a link to nothing; not where nobody may look.
+bool HasName(const std::string& path) {
+  std::error_code error;
+  return fs::exists(fs::symlink_status(path, error));
+}
+
+/// The folder in which all programs of the user keep their configuration. A relative
+/// XDG_CONFIG_HOME counts for nothing: what is read from there would be whatever the current folder
+/// holds.
+QString UserConfigRoot() {
+  const QString root = QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation);
+  return QDir::isAbsolutePath(root) ? root : QDir::homePath() + QStringLiteral("/.config");
 }
 
 }  // namespace
@@ -71,10 +81,7 @@ ConfigFolder ConfigFolder::Of(const std::string& table_path) {
 }
 
 void ConfigFolder::AddUser() {
-  // Not the folder of one application: all programs share it.
-  const std::string path =
-      QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation).toStdString() +
-      "/Tevron/Config";
+  const std::string path = UserConfigRoot().toStdString() + "/Tevron/Config";
   std::error_code ignored;
   if (fs::symlink_status(path, ignored).type() != fs::file_type::none) {
     layers_.push_back({Owner::kUser, path});
@@ -96,7 +103,7 @@ std::string ConfigFolder::TableOf(const std::string& model) const {
   const std::string below = "/varID/" + model + ".csv";
   const auto last =
       std::find_if(layers_.rbegin(), layers_.rend(),
-                   [&below](const ConfigLayer& layer) { return IsFile(layer.path + below); });
+                   [&below](const ConfigLayer& layer) { return HasName(layer.path + below); });
   return (last == layers_.rend() ? path() : last->path) + below;
 }
 

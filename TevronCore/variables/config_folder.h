@@ -50,7 +50,8 @@ class ConfigFolder {
   /// The models that can be chosen: those with a table in "varID" of any layer, sorted, each once.
   std::vector<std::string> Models() const;
 
-  /// Path of the model's table: that of the last layer which has one, else the one that would ship.
+  /// Path of the model's table: that of the last layer which has one, also one that cannot be read,
+  /// else the one that would ship.
   std::string TableOf(const std::string& model) const;
 
   /// One line for the user: the table that describes the model, and the folders of the site and the

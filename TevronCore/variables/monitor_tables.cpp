@@ -29,8 +29,7 @@ std::map<std::string, std::string> FilesIn(const std::filesystem::path& folder) 
   for (std::filesystem::directory_iterator entry(folder, error), end; !error && entry != end;
        entry.increment(error)) {
     const std::string version = MonitorVersionOf(entry->path().filename().string());
-    std::error_code ignored;
-    if (version.empty() || !entry->is_regular_file(ignored)) {
+    if (version.empty()) {
       continue;
     }
     std::string& file = files[version];

@@ -205,6 +205,9 @@ TEST(Process, ReadsTheUsersTablesBehindThoseThatShip) {
       write("varID/Heron/Monitor_R1.csv",
             std::string(kTableHeader) + "1,1,0x39,,,Current,0,uint16,1,,A,,,Watch\n");
   const QString keys = write("auth_keys.ini", "[keys]\nmaskword_1=1\n");
+  write("varID/osprey.csv", std::string(kTableHeader) + "1,1,0x01,,,PN,0,string,P,,,,,Device,16\n");
+  std::filesystem::create_symlink("/nowhere", folder / "varID/Lumo.csv");
+  std::filesystem::create_symlink("/nowhere", folder / "varID/Heron/Monitor_R2.csv");
   QFile::setPermissions(keys, QFile::ReadOther | QFile::ReadUser);
   Program list({"--list-models"});
   EXPECT_EQ(list.ExitCode(), 0);
@@ -218,11 +221,24 @@ TEST(Process, ReadsTheUsersTablesBehindThoseThatShip) {
                                       QString::fromStdString(folder.string()) + '\n'));
   Program check({"--check-tables"});
   EXPECT_EQ(check.ExitCode(), 1);
-  for (const QString& text : {"Tables in " + QString::fromStdString(folder.string()),
-                              monitor + ": 1 variable", keys + " can be read by every user"}) {
+  for (const QString& text :
+       {"Tables in " + QString::fromStdString(folder.string()), monitor + ": 1 variable",
+        keys + " can be read by every user", QString("\"osprey\" is another model than \"Osprey\""),
+        QString("varID/Lumo.csv: there is no such file"),
+        QString("Monitor_R2.csv: there is no such file")}) {
     EXPECT_TRUE(check.Output().contains(text)) << text.toStdString() << " in\n"
                                                << check.Output().toStdString();
   }
+  // What the current folder holds is nobody's configuration.
+  const QByteArray home = qgetenv("HOME");
+  const QByteArray configuration = qgetenv("XDG_CONFIG_HOME");
+  qputenv("HOME", "/nowhere");
+  qputenv("XDG_CONFIG_HOME", std::filesystem::relative(configuration.toStdString()).c_str());
+  Program elsewhere({"--list-models"});
+  EXPECT_EQ(elsewhere.ExitCode(), 0);
+  EXPECT_FALSE(elsewhere.Output().contains("Heron"));
+  qputenv("HOME", home);
+  qputenv("XDG_CONFIG_HOME", configuration);
   const QString shipped = check.Output().section("Tables in ", 1, 1).section('\n', 0, 0);
   Program named({"--list-models", "--config", shipped});
   EXPECT_EQ(named.ExitCode(), 0);
