@@ -1,6 +1,12 @@
 # shellcheck shell=bash
 # Sourced by the scripts beside it.
 
+# tell_help: the remarks at the head of the script, as --help of each.
+tell_help() { sed -n '2,/^set/{/^#/s/^# \{0,1\}//p}' "$script"; }
+
+script=$(realpath "$0")
+case ${1:-} in -h | --help) tell_help; exit 0 ;; esac
+
 # shellcheck disable=SC2034  # for the scripts that take file names
 caller=$PWD
 top=$(cd "$(dirname "${BASH_SOURCE[0]}")/../.." && pwd)
