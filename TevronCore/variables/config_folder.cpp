@@ -27,6 +27,20 @@ bool HasName(const std::string& path) {
   return fs::exists(fs::symlink_status(path, error));
 }
 
+/// Whether there is a file that stands in folders of `layer`, or would if a link on the way to it,
+/// as to a disk that is not there, led anywhere.
+bool MayBeThere(const std::string& layer, const fs::path& name) {
+  std::error_code ignored;
+  fs::path path = layer;
+  for (const fs::path& part : name) {
+    path /= part;
+    if (HasName(path.string()) && !fs::exists(path, ignored)) {
+      return true;
+    }
+  }
+  return IsThere(path.string());
+}
+
 /// The folder in which all programs of the user keep their configuration. A relative
 /// XDG_CONFIG_HOME counts for nothing: what is read from there would be whatever the current folder
 /// holds.
@@ -122,8 +136,8 @@ std::string ConfigFolder::Describe(const std::string& model) const {
 std::vector<std::string> ConfigFolder::FilesCalled(const std::string& name) const {
   std::vector<std::string> files;
   for (const ConfigLayer& layer : layers_) {
-    if (const std::string file = layer.path + '/' + name; IsThere(file)) {
-      files.push_back(file);
+    if (MayBeThere(layer.path, name)) {
+      files.push_back(layer.path + '/' + name);
     }
   }
   return files;

@@ -59,7 +59,8 @@ class ConfigFolder {
   std::string Describe(const std::string& model) const;
 
   /// The files of this name ("auth_config.csv") that exist, in the order in which they are read.
-  /// One that cannot be read is among them: what it says would count.
+  /// One that cannot be read is among them, as is one of which a link to nothing hides whether it
+  /// exists: what it says would count.
   std::vector<std::string> FilesCalled(const std::string& name) const;
 
   /// Tells of each layer that is there and cannot be read as a folder, or whose tables cannot.

@@ -199,14 +199,15 @@ TEST(Process, ReadsTheUsersTablesBehindThoseThatShip) {
                                    "1,1,0x01,,,PN,0,string,Heron-16,,,,,Device,16\n"
                                    "2,1,0x02,,,Block,0,uint8,7,monitor,,,,Watch\n");
   write("feature_config.csv",
-        "Model,EnableCmxClientHostPortUi,ConnectType,SerialKind\n"
-        "Heron,0,2,2\nOrca,0,2,1\n");
+        "Model,EnableCmxClientHostPortUi,ConnectType,SerialKind,Link\n"
+        "Heron,0,2,2,\nOrca,0,2,1,\nOsprey,1,0,0,tls\n");
   const QString monitor =
       write("varID/Heron/Monitor_R1.csv",
             std::string(kTableHeader) + "1,1,0x39,,,Current,0,uint16,1,,A,,,Watch\n");
   const QString keys = write("auth_keys.ini", "[keys]\nmaskword_1=1\n");
   write("varID/osprey.csv", std::string(kTableHeader) + "1,1,0x01,,,PN,0,string,P,,,,,Device,16\n");
   std::filesystem::create_symlink("/nowhere", folder / "varID/Lumo.csv");
+  std::filesystem::create_symlink("/nowhere", folder / "tls");
   std::filesystem::create_symlink("/nowhere", folder / "varID/Heron/Monitor_R2.csv");
   QFile::setPermissions(keys, QFile::ReadOther | QFile::ReadUser);
   Program list({"--list-models"});
@@ -225,6 +226,7 @@ TEST(Process, ReadsTheUsersTablesBehindThoseThatShip) {
        {"Tables in " + QString::fromStdString(folder.string()), monitor + ": 1 variable",
         keys + " can be read by every user", QString("\"osprey\" is another model than \"Osprey\""),
         QString("varID/Lumo.csv: there is no such file"),
+        QString("tls/Osprey/ca.pem cannot be read"),
         QString("Monitor_R2.csv: there is no such file")}) {
     EXPECT_TRUE(check.Output().contains(text)) << text.toStdString() << " in\n"
                                                << check.Output().toStdString();
